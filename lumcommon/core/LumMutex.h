@@ -1,0 +1,60 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+
+#include <pthread.h>
+
+#include <atomic>
+
+namespace LumCommon {
+
+class LumMutex;
+
+/// A lock that is recursive for the thread that holds it. It is taken and released through LumMutex only.
+class LUM_API LumLock {
+public:
+    LumLock() noexcept;
+    ~LumLock();
+    LumLock(const LumLock&) = delete;
+    LumLock& operator=(const LumLock&) = delete;
+
+private:
+    friend class LumMutex;
+    pthread_mutex_t mutex_;
+    std::atomic<pthread_t> holder_{};       // 0 when free
+    std::atomic<const LumMutex*> guard_{};  // the guard that took the lock
+};
+
+/// Guard of a LumLock: takes it on construction, gives it back on unlock() or destruction.
+///
+/// A second guard on the same lock and thread takes nothing and releases nothing: the outermost guard releases.
+/// Threads: one guard belongs to one thread.
+class LUM_API LumMutex {
+public:
+    /// Guards the process-wide lock of the library.
+    LumMutex();
+    /// Guards `lock`, which must outlive the guard and must not be null.
+    explicit LumMutex(LumLock* lock);
+    ~LumMutex();
+    LumMutex(const LumMutex&) = delete;
+    LumMutex& operator=(const LumMutex&) = delete;
+
+    /// Takes the lock, unless the calling thread holds it already.
+    void lock();
+    /// Releases the lock when this guard took it; does nothing otherwise.
+    void unlock();
+
+    /// Add or subtract one and return the new value. The two are atomic with respect to each other, on any thread;
+    /// they are lock-free instructions, so that counting does not queue on a mutex.
+    static int interlockedIncrement(int& value) noexcept {
+        return std::atomic_ref<int>(value).fetch_add(1, std::memory_order_relaxed) + 1;
+    }
+    static int interlockedDecrement(int& value) noexcept {
+        return std::atomic_ref<int>(value).fetch_sub(1, std::memory_order_acq_rel) - 1;
+    }
+
+private:
+    LumLock* lock_;
+};
+
+}  // namespace LumCommon

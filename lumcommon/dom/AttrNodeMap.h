@@ -1,0 +1,42 @@
+#pragma once
+
+#include <lumcommon/dom/LumAttr.h>
+#include <lumcommon/dom/LumNamedNodeMap.h>
+
+namespace LumCommon {
+
+/// The attributes of one element, in the order they were added. It holds one count of each.
+/// Errors: setNamedItem and setNamedItemNS throw 0x803 (null), 0x806 (other document), 0x807 (no attribute) and 0x808
+/// (already owned, also by this element) before they change anything.
+class LUM_API AttrNodeMap : public LumNamedNodeMap {
+public:
+    static constexpr unsigned int TYPE_ID = 0xF49D3AEAu;
+
+    /// @param ownerElement  whose getAttributes() returns this map; not counted.
+    explicit AttrNodeMap(LumElement* ownerElement) noexcept;
+    ~AttrNodeMap() override;
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+    LumNode* getFirstNode() const override;
+    LumNode* getLastNode() const override;
+    LumNode* getNextNode(const LumNode* node) const override;
+    LumNode* getPreviousNode(const LumNode* node) const override;
+    int getCount() const override;
+    LumNode* item(int index) const override;
+    LumNode* getNamedItem(LumName name) const override;
+    LumNode* getNamedItemNS(LumName namespaceUri, LumName localName) const override;
+    void getNamedItemLocal(LumName localName, std::vector<LumPtr<LumNode>>* out) const override;
+    LumPtr<LumNode> setNamedItem(LumNode* node) override;
+    LumPtr<LumNode> setNamedItemNS(LumNode* node) override;
+    LumPtr<LumNode> removeNamedItem(LumName name) override;
+    LumPtr<LumNode> removeNamedItemNS(LumName namespaceUri, LumName localName) override;
+    /// Null when `attr` is not in the map.
+    virtual LumPtr<LumAttr> removeAttrNode(LumAttr* attr);
+
+private:
+    LumNode* link_;  // the owner element while the map is empty, else the last attribute of the ring
+};
+
+}  // namespace LumCommon

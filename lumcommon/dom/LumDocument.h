@@ -1,0 +1,125 @@
+#pragma once
+
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/dom/LumNode.h>
+
+#include <iosfwd>
+
+namespace LumCommon {
+
+class LumAttr;
+class LumDocumentFragment;
+class LumElement;
+class LumNameTable;
+class LumPINode;
+class LumTextNode;
+class LumXmlParser;
+class LumXmlSerializer;
+
+/// The root of a tree, the factory of its nodes, its loader and its writer.
+///
+/// Loading pulls events from a parser and makes nodes of them through the virtual factory operations; a derived
+/// document substitutes its own classes there, or returns null to drop an element with its content, or a text.
+///
+/// Errors: parser and stream errors pass through; the tree keeps what was built before.
+/// Threads: one at a time, except that loadNextNode() holds a lock, so that two threads that walk one partly loaded
+/// tree do not read the parser at the same time.
+class LUM_API LumDocument : public LumNode {
+public:
+    static constexpr unsigned int TYPE_ID = 0xF6B431AFu;
+
+    LumDocument();
+    ~LumDocument() override;
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+    LumName getLocalName() const override;
+    int getNodeType() const override;
+    /// Null.
+    LumDocument* getOwnerDocument() const override;
+
+    /// The first element child, null without one. May load.
+    virtual LumElement* getDocumentElement() const;
+    /// A qualified name is split at its first ":", unless that is its first character.
+    virtual LumPtr<LumElement> createElement(LumName qualifiedName);
+    virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName qualifiedName);
+    virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName prefix, LumName localName);
+    virtual LumPtr<LumTextNode> createTextNode(const UnicodeString& text);
+    /// @param content  everything between "<?" and "?>".
+    virtual LumPtr<LumPINode> createProcessingInstruction(const UnicodeString& content);
+    virtual LumPtr<LumDocumentFragment> createDocumentFragment();
+    virtual LumPtr<LumAttr> createAttribute(LumName qualifiedName);
+    virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName qualifiedName);
+    virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName prefix, LumName localName);
+    /// The node for a text below `parent`; null drops the text.
+    virtual LumPtr<LumNode> createTextNodeElement(const UnicodeString& text, LumNode* parent);
+
+    /// Load into `target` (null: the document), in place of its children.
+    /// With deferred loading they only prepare: stream and string must then outlive the loading.
+    void load(const UnicodeString& uri, LumNode* target = nullptr);
+    void load(std::istream& in, LumNode* target = nullptr);
+    /// Parses the string in place, without copying it.
+    void loadXml(const UnicodeString& xml, LumNode* target = nullptr);
+    /// Loads into the document what the parser's current input still has.
+    void load();
+    void doLoad(LumNode* target, bool deferred);
+    /// Reads until one more node exists and returns it; null at the end of the input.
+    LumNode* loadNextNode();
+    /// Ends the loading where it is.
+    void abort();
+    /// With true, load operations only prepare, and the tree accessors read what they need. Off in a new document.
+    void setDeferredLoad(bool deferred) noexcept { isLoadDeferred_ = deferred; }
+    bool isDeferredLoad() const noexcept { return isLoadDeferred_; }
+    /// The base URI handed to the parser with the next input; empty in a new document.
+    void setInputOption(const UnicodeString& option) { inputOption_ = option; }
+    const UnicodeString& getInputOption() const noexcept { return inputOption_; }
+    /// The URI that the document was loaded from; empty for streams and strings.
+    const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
+    /// The parser, made when absent. Borrowed.
+    LumXmlParser* getParser();
+    /// Replaces the parser and clears the document URI.
+    void setParser(LumXmlParser* parser);
+
+    /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8, undeclared.
+    /// @param processingInstruction  written before the node, unless it is empty.
+    void save(const UnicodeString& uri, LumNode* node = nullptr);
+    void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding);
+    void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
+              const UnicodeString& processingInstruction);
+    /// The same to a stream, which stays the caller's.
+    void save(std::ostream& out, LumNode* node, const UnicodeString& encoding);
+    void save(std::ostream& out, LumNode* node, const UnicodeString& encoding,
+              const UnicodeString& processingInstruction);
+    /// The same with a comment and a document type declaration ("html SYSTEM ...") first, unless they are empty.
+    void save(const UnicodeString& comment, const UnicodeString& doctype, std::ostream& out, LumNode* node,
+              const UnicodeString& encoding);
+    /// The XML text of `node`; only that of the document has an XML declaration.
+    UnicodeString saveXml(LumNode* node = nullptr);
+    /// Walks the subtree of `node` and drives the serializer.
+    void doSave(LumNode* node);
+    /// @param startTagOnly  ends after the first element's attributes, its start tag still open.
+    void doSave(LumNode* node, bool startTagOnly);
+
+    /// Saving in pieces: the document element's start tag, then subtrees, then its end tag.
+    void saveDocumentElement(const UnicodeString& uri);
+    void saveDocumentElement(std::ostream& out);
+    void saveChildElement(LumNode* node);
+    void closeDocumentElement();
+    /// The serializer, made when absent. Borrowed.
+    LumXmlSerializer* getSerializer();
+    void setSerializer(LumXmlSerializer* serializer);
+
+private:
+    LumNameTable* nameTable_;  // one reference held
+    LumPtr<LumXmlParser> parser_;
+    LumPtr<LumXmlSerializer> serializer_;
+    UnicodeString inputOption_;
+    UnicodeString documentUri_;
+    LumNode* loadCursor_ = nullptr;  // the node after which loading continues
+    int skipDepth_ = 0;              // non-zero while an element that was not made is passed over
+    bool isLoadDeferred_ = false;
+    LumLock loadLock_;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,134 @@
+#pragma once
+
+#include <lumcommon/dom/LumNode.h>
+
+namespace LumCommon {
+
+class LumNodeIterable;
+
+/// A position in a collection of nodes; it keeps the collection alive, not the nodes. Threads: one at a time.
+class LUM_API LumNodeIterator {
+public:
+    /// Over the descendants of `node`, at the first of them or, when given, at the one after `start`.
+    explicit LumNodeIterator(const LumNode* node, const LumNode* start = nullptr);
+    /// Over `nodes`, at its first node; without a current node when it is null.
+    explicit LumNodeIterator(const LumNodeIterable* nodes);
+
+    /// Null when the collection is exhausted.
+    LumNode* getCurrentNode() const noexcept { return current_; }
+    /// Both move and return the new current node.
+    LumNode* nextNode();
+    LumNode* previousNode();
+
+private:
+    LumPtr<LumNodeIterable> nodes_;
+    LumNode* current_ = nullptr;
+};
+
+/// A live collection of nodes: it is walked anew at each call and holds no node. The node it was asked of must outlive
+/// it.
+class LUM_API LumNodeIterable : public LumRCObject {
+public:
+    // no TYPE_ID: isA() passes over this class
+    virtual LumNodeIterator getIterator() const;
+    virtual LumNode* getFirstNode() const = 0;
+    virtual LumNode* getLastNode() const = 0;
+    virtual LumNode* getNextNode(const LumNode* node) const = 0;
+    virtual LumNode* getPreviousNode(const LumNode* node) const = 0;
+};
+
+class LUM_API LumNodeList : public LumNodeIterable {
+public:
+    static constexpr unsigned int TYPE_ID = 0x316E063Eu;
+
+    bool isA(unsigned int typeId) const override;
+    /// Cost: linear.
+    virtual int getCount() const = 0;
+    /// Null outside 0 to count-1.   Cost: linear.
+    virtual LumNode* item(int index) const = 0;
+};
+
+/// The children of a node.
+class LUM_API ChildNodeList : public LumNodeList {
+public:
+    static constexpr unsigned int TYPE_ID = 0xA76795D5u;
+
+    explicit ChildNodeList(const LumNode* node) noexcept : node_(node) {}
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+    LumNode* getFirstNode() const override;
+    LumNode* getLastNode() const override;
+    LumNode* getNextNode(const LumNode* node) const override;
+    LumNode* getPreviousNode(const LumNode* node) const override;
+    int getCount() const override;
+    LumNode* item(int index) const override;
+
+private:
+    const LumNode* node_;
+};
+
+/// The descendants of a node in document order, the node itself left out, all or those that pass a filter.
+class LUM_API TreeNodeList : public LumNodeList {
+public:
+    static constexpr unsigned int TYPE_ID = 0x9814666Du;
+
+    enum FilterMode : int {
+        FILTER_NONE = 0,
+        FILTER_LOCAL_NAME = 1,  ///< elements by local name; "*" is any
+        FILTER_NAME_NS = 2,     ///< elements by namespace and local name; "*" is any
+    };
+
+    TreeNodeList(const LumNode* root, FilterMode mode, LumName namespaceUri = LumName(), LumName localName = LumName());
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+    LumNode* getFirstNode() const override;
+    LumNode* getLastNode() const override;
+    LumNode* getNextNode(const LumNode* node) const override;
+    LumNode* getPreviousNode(const LumNode* node) const override;
+    int getCount() const override;
+    LumNode* item(int index) const override;
+
+private:
+    bool passes(const LumNode* node) const;
+
+    const LumNode* root_;
+    FilterMode mode_;
+    LumName namespaceUri_;
+    LumName localName_;
+    LumName any_;  // "*"
+};
+
+/// Walks a subtree and reports nodes as they are entered, left, or both. It keeps no node alive.
+/// Threads: one at a time.
+class LUM_API LumTreeIterator {
+public:
+    enum Mode : int {
+        ENTER = 1,            ///< each node once, when it is entered (pre-order)
+        LEAVE = 2,            ///< each node once, when it is left (post-order)
+        ENTER_AND_LEAVE = 3,  ///< every node when entered; elements and nodes that had children again when left
+    };
+
+    LumTreeIterator(LumNode* root, int mode) noexcept : root_(root), mode_(mode) {}
+
+    /// Null before the first step and after the last.
+    LumNode* getCurrentNode() const noexcept { return current_; }
+    /// Whether the current node is being left, its subtree done.
+    bool isLeaving() const noexcept { return isLeaving_; }
+
+    LumNode* nextNode();
+    LumNode* previousNode();
+    bool hasNextNode() const;
+    bool hasPreviousNode() const;
+
+private:
+    LumNode* root_;
+    LumNode* current_ = nullptr;
+    bool isLeaving_ = false;
+    int mode_;
+};
+
+}  // namespace LumCommon

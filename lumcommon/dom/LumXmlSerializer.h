@@ -1,0 +1,70 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+
+#include <iosfwd>
+
+namespace LumCommon {
+
+/// Writes XML event by event, in UTF-8 or Shift_JIS, without line breaks of its own. It keeps the namespace scopes,
+/// declares namespaces where they are needed and makes prefixes up when asked to.
+///
+/// Order: setOutput, startDocument, (docdecl), elements and content, endDocument.
+/// Errors: calls out of order throw 0x80C to 0x810; no output 0x1005, a failed one 0x1007. What was written before
+/// stays. When an operation returns or throws, what it wrote is in the stream.
+/// Threads: one at a time.
+class LUM_API LumXmlSerializer : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0xB2E73DE2u;
+
+    bool isA(unsigned int typeId) const override;
+
+    /// Begins a new output. An output before it is flushed and, when it is a file of the serializer's own, closed.
+    /// @param out  stays the caller's and must live until the next setOutput or the end of the serializer.
+    virtual void setOutput(std::ostream& out, const UnicodeString& encoding) = 0;
+    /// The same for a file (a path or file: URI), which is created or truncated. Errors: 0x1003.
+    virtual void setOutput(const UnicodeString& uri, const UnicodeString& encoding) = 0;
+    /// Writes the XML declaration and the generator comment.
+    /// @param encoding    "UTF-8" or "Shift_JIS" in any case; when empty, that of setOutput. Others are not declared
+    /// and
+    ///                    give UTF-8.
+    /// @param standalone  "yes", "no", or empty to leave it out.
+    virtual void startDocument(const UnicodeString& encoding, const UnicodeString& standalone) = 0;
+    /// Closes the open elements and flushes.
+    virtual void endDocument() = 0;
+    /// Declares a prefix for the next element.
+    virtual void setPrefix(LumName prefix, LumName namespaceUri) = 0;
+    /// The prefix in scope for a namespace, else null, or, with `generate`, a new one declared in the current scope.
+    virtual LumName getPrefix(LumName namespaceUri, bool generate) const = 0;
+    /// The number of open scopes.
+    virtual int getDepth() const = 0;
+    /// Of the innermost open element.
+    virtual LumName getNamespace() const = 0;
+    virtual LumName getName() const = 0;
+    /// The form without a prefix chooses one.
+    virtual void startTag(LumName namespaceUri, LumName localName) = 0;
+    virtual void startTag(LumName namespaceUri, LumName prefix, LumName localName) = 0;
+    /// Only directly after startTag() or another attribute. A namespace declaration is kept and written when the tag is
+    /// closed.
+    virtual void attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) = 0;
+    virtual void attribute(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) = 0;
+    virtual void endTag(LumName namespaceUri, LumName localName) = 0;
+    /// Markup characters are escaped; control characters that XML does not allow are left out.
+    virtual void text(const UnicodeString& text) = 0;
+    virtual void text(const unsigned short* buffer, int start, int length) = 0;
+    /// The following are written as they stand.
+    virtual void cdsect(const UnicodeString& text) = 0;
+    virtual void entityRef(const UnicodeString& name) = 0;
+    virtual void processingInstruction(const UnicodeString& content) = 0;
+    virtual void comment(const UnicodeString& text) = 0;
+    /// Only directly after startDocument().
+    virtual void docdecl(const UnicodeString& content) = 0;
+    virtual void ignorableWhitespace(const UnicodeString& text) = 0;
+    /// Closes a pending start tag and flushes the output.
+    virtual void flush() = 0;
+    /// The text of the generator comment; empty for none.
+    virtual void setGenerator(const UnicodeString& generator) = 0;
+};
+
+}  // namespace LumCommon

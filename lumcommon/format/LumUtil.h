@@ -1,0 +1,61 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+
+#include <cstdint>
+#include <iosfwd>
+
+namespace LumCommon {
+
+/// Text conversions for property values: scanning numbers, quoting, url(...), base64.
+/// Nothing here throws. Threads: any; the functions share no state.
+class LUM_API LumUtil {
+public:
+    LumUtil() = delete;
+
+    /// How a string is quoted: a set of these bits.
+    enum QuoteMode : unsigned {
+        QUOTE_DOUBLE = 1,    ///< double quotes
+        QUOTE_SINGLE = 2,    ///< single quotes; with QUOTE_DOUBLE whichever needs no escaping
+        QUOTE_DOUBLING = 4,  ///< a quote inside is written twice
+        QUOTE_CSS = 8,       ///< CSS escapes
+    };
+
+    static UnicodeString quoteString(const UnicodeString& text, unsigned mode);
+    /// The text without its quotes; bogus when it is not a string of the mode.
+    static UnicodeString unquoteString(const UnicodeString& text, unsigned mode);
+    /// Reads one string, quoted as `mode` says.
+    /// @param position  zero-terminated UTF-16.
+    /// @param end       gets the position after the string; `position` when the result is bogus.
+    static UnicodeString parseString(const char16_t* position, const char16_t*& end, unsigned mode);
+
+    /// url("...") with every double quote in the URI written as %22.
+    static UnicodeString quoteUri(const UnicodeString& uri);
+    /// The URI inside url(...) or quotes, normalised as LumUri does.
+    static UnicodeString unquoteUri(const UnicodeString& text);
+
+    /// Base64 (RFC 4648, padded, no line breaks) of the next `length` bytes, or of those that are there.
+    static UnicodeString encodeBase64(std::istream& in, int length);
+    /// A data: URI of the next `length` bytes.
+    static UnicodeString encodeBase64(std::istream& in, int length, const UnicodeString& mediaType,
+                                      const UnicodeString& parameters);
+    /// Writes the decoded bytes of the first `length` units of `text`; units outside the alphabet are passed over and
+    /// "=" ends the data. False when the stream failed.
+    static bool decodeBase64(const UnicodeString& text, int length, std::ostream& out);
+    /// The digit of a six-bit value in the base64 alphabet.
+    static char16_t stEncode(unsigned value);
+
+    /// Scans an optional sign, digits, and a fraction; no exponent.
+    /// @param position     zero-terminated UTF-16; white space at its start is passed over.
+    /// @param end          gets the position after the number, or `position` when there is none (the result is then 0).
+    /// @param hasFraction  set to whether there was a "."; may be null.
+    static double parseNumber(const char16_t* position, const char16_t*& end, bool* hasFraction = nullptr);
+    /// Scans hexadecimal digits, at most `maxDigits` (-1: no limit). A number beyond 32 bits gives 0xFFFFFFFF.
+    static std::uint32_t parseHexNum(const char16_t* position, const char16_t*& end, int maxDigits = -1);
+
+    /// Releases what the class keeps; part of LumCommon::cleanup().
+    static void cleanup();
+};
+
+}  // namespace LumCommon

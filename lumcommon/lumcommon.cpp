@@ -1,0 +1,17 @@
+#include <lumcommon/lumcommon.h>
+
+#include <unicode/uclean.h>
+
+namespace LumCommon {
+
+int getLibVersion() { return 309; }
+
+void cleanup() {
+    LumNameTable::cleanup();
+    LumUtil::cleanup();
+    MathMLName::cleanup();
+    SVGName::cleanup();
+    u_cleanup();
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,51 @@
+#pragma once
+
+/// The umbrella header: everything public.
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/LumCStr.h>
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/core/LumMessage.h>
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/LumObjectBase.h>
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/core/LumRCObject.h>
+#include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/LumUUID.h>
+#include <lumcommon/core/Text.h>
+#include <lumcommon/dom/AttrNodeMap.h>
+#include <lumcommon/dom/LumAttr.h>
+#include <lumcommon/dom/LumDocument.h>
+#include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/LumNamedNodeMap.h>
+#include <lumcommon/dom/LumNode.h>
+#include <lumcommon/dom/LumNodeIterable.h>
+#include <lumcommon/dom/LumTextNode.h>
+#include <lumcommon/dom/LumXmlSerializer.h>
+#include <lumcommon/format/LumUtil.h>
+#include <lumcommon/names/LumName.h>
+#include <lumcommon/names/LumNameEnum.h>
+#include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/names/MathMLName.h>
+#include <lumcommon/names/NamespaceManager.h>
+#include <lumcommon/names/NamespaceMap.h>
+#include <lumcommon/names/SVGName.h>
+#include <lumcommon/uri/LumUri.h>
+#include <lumcommon/uri/LumUriSub.h>
+#include <lumcommon/values/LumLength.h>
+#include <lumcommon/values/LumTokenizer.h>
+#include <lumcommon/values/LumValue.h>
+#include <lumcommon/xml/LumXmlParser.h>
+
+namespace LumCommon {
+
+/// The version of the library: major * 100 + minor, 309 for 3.9.
+LUM_API int getLibVersion();
+
+/// Releases what the library and ICU keep for the process. Call it once, at the end; nothing of the library may be
+/// used afterwards.
+LUM_API void cleanup();
+
+}  // namespace LumCommon

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+#include <lumcommon/names/LumNameEnum.h>
+
+#include <cstddef>
+#include <functional>
+
+namespace LumCommon {
+
+class LumValue;
+
+/// An interned name: one integer that stands for one string. Comparing names is comparing integers.
+///
+/// A name interned at run time lives as long as at least one LumDocument, NamespaceManager or parser does; later its
+/// identifier reads as the empty string until it is given out again.
+/// Threads: a value; it may be copied, compared and read on any thread.
+class LUM_API LumName {
+public:
+    constexpr LumName() noexcept = default;
+    constexpr LumName(LumNameEnum id) noexcept : id_(id) {}
+    /// The name that the value holds, else the value's string form, interned.
+    explicit LumName(const LumValue& value);
+    /// The interned name of `text`.
+    explicit LumName(const UnicodeString& text);
+
+    constexpr LumNameEnum getEnum() const noexcept { return id_; }
+    constexpr bool isNull() const noexcept { return id_ == NAME_NULL; }
+    /// The string; empty for the null name. The reference is valid as long as the name is.
+    const UnicodeString& getString() const;
+
+    /// A new name that nobody has interned before: `prefix` (or "N"), "-" and a number. It is a valid XML name when
+    /// the prefix is one.
+    static LumName generateID(const UnicodeString& prefix);
+
+    friend constexpr bool operator==(LumName a, LumName b) noexcept { return a.id_ == b.id_; }
+    /// The order of identifiers, not of strings.
+    friend constexpr auto operator<=>(LumName a, LumName b) noexcept { return a.id_ <=> b.id_; }
+
+private:
+    LumNameEnum id_ = NAME_NULL;
+};
+
+}  // namespace LumCommon
+
+template <>
+struct std::hash<LumCommon::LumName> {
+    std::size_t operator()(LumCommon::LumName name) const noexcept {
+        return static_cast<std::size_t>(name.getEnum()) * 0x9E3779B97F4A7C15u;
+    }
+};

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+
+#include <memory>
+
+namespace LumCommon {
+
+namespace detail {
+class NameStore;
+}
+
+/// The table that gives strings their identifiers. The static operations work on the one table of the process.
+///
+/// The shared table lives while a LumDocument, a NamespaceManager or a caller of addRefSharedNameTable() holds it;
+/// with the last of them its run-time names are gone and counting starts again at 1598.
+///
+/// Threads: the static operations may be called from any thread, except setupSharedNameTable() and cleanup().
+/// Built-in names are looked up and read without a lock. Interning a run-time name takes the table's lock. Reading
+/// the string of a run-time name takes none: strings never move, and an identifier is published only after its
+/// string stands.
+class LUM_API LumNameTable : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0x31FB5B85u;
+
+    /// An empty table of its own, apart from the shared one.
+    LumNameTable();
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+
+    /// Interns `text`: the one operation that adds names to the shared table. The empty string gives 0.
+    /// When 2^24 - 1 names are in use, throws code 0x801.   Cost: one hash and compare; a lock for run-time names.
+    static LumNameEnum getSharedNameEnum(const UnicodeString& text);
+    /// The string of a name, empty when `id` is not in use.
+    /// Ownership: a built-in string lives until cleanup(), a run-time string as long as the shared table.
+    static const UnicodeString& getSharedNameString(LumNameEnum id);
+    /// The built-in identifier of `text`, 0 when it is not built in. Adds nothing, takes no lock.
+    static LumNameEnum getBuiltinNameEnum(const UnicodeString& text);
+    /// The built-in string, empty outside 1 to 1597.
+    static const UnicodeString& getBuiltinNameString(LumNameEnum id);
+
+    /// The shared table, made when absent; no reference is taken.
+    static LumNameTable* getSharedNameTable();
+    /// The shared table, made when absent, with one more reference: give it back with releaseSharedNameTable().
+    static LumNameTable* addRefSharedNameTable();
+    static void releaseSharedNameTable();
+    /// Makes the shared table without taking the lock: for start-up code, before any other thread runs.
+    static void setupSharedNameTable();
+    /// Destroys the shared table and what the library keeps for names. Nothing may use names during or after it.
+    static void cleanup();
+
+    /// Interns `text` in this table. Not locked.
+    LumNameEnum getNameEnum(const UnicodeString& text);
+    /// Adds `text` to the run-time part of this table without looking at the built-in names and without a lock:
+    /// for callers that hold the lock of the shared table.
+    LumNameEnum getNonBuiltinNameEnumMutexed(const UnicodeString& text);
+    /// The string of an identifier of this table, empty when it is not in use.
+    const UnicodeString& getNameString(LumNameEnum id) const;
+    /// The built-in identifier of `text`, else this table's, else 0. Adds nothing.
+    LumNameEnum lookupName(const UnicodeString& text) const;
+    /// The identifier given out last; 1597 in a new table.
+    LumNameEnum getLastNameEnum() const;
+
+    ~LumNameTable() override;
+
+private:
+    struct Shared;  // the state of the one shared table
+    explicit LumNameTable(detail::NameStore* sharedStore);
+
+    std::unique_ptr<detail::NameStore> ownStore_;
+    detail::NameStore* store_;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+
+#include <iosfwd>
+
+namespace LumCommon {
+
+class LumXmlParser;
+class LumXmlSerializer;
+
+/// Makes parsers and serializers and looks at the root of a document without building a tree.
+/// Errors: those of the parser; an input that cannot be opened throws code 0x1003.
+/// Threads: any; the stream belongs to the calling thread.
+class LUM_API LumXmlUtil {
+public:
+    LumXmlUtil() = delete;
+
+    static LumPtr<LumXmlParser> createXmlParser();
+    static LumPtr<LumXmlSerializer> createXmlSerializer();
+
+    /// A parser that stands on the start tag of the root element; null when the input ends before one. It skips
+    /// external DTDs, ignores undefined entities and unsupported encodings and takes undeclared prefixes as they are.
+    /// @param streamType1, streamType2  media type and file extension, for LumXmlParser::setStreamType.
+    /// Ownership: `in` stays the caller's and must outlive the parser.
+    static LumPtr<LumXmlParser> getRootParser(std::istream& in, const UnicodeString& streamType1 = UnicodeString(),
+                                              const UnicodeString& streamType2 = UnicodeString());
+    static LumPtr<LumXmlParser> getRootParser(const UnicodeString& uri);
+
+    /// The namespace URI of the root element; `localName` gets its local name. Both are null without a root element.
+    static LumName getRootName(LumName& localName, std::istream& in, const UnicodeString& streamType1 = UnicodeString(),
+                               const UnicodeString& streamType2 = UnicodeString());
+    static LumName getRootName(LumName& localName, const UnicodeString& uri);
+
+    /// As getRootName, except that an fo:root with an xsl:version attribute (a simplified stylesheet whose result is
+    /// XSL-FO) answers with the XSLT namespace. The stream must be able to seek to its start.
+    static LumName getXSLStylesheetNamespace(LumName& localName, std::istream& in,
+                                             const UnicodeString& streamType1 = UnicodeString(),
+                                             const UnicodeString& streamType2 = UnicodeString());
+    static LumName getXSLStylesheetNamespace(LumName& localName, const UnicodeString& uri);
+
+    /// A qualified name for messages: "a", "xml:a", "xmlns", "xmlns:a" or "{uri}:a".
+    static UnicodeString makeNSQNameStr(const UnicodeString& namespaceUri, const UnicodeString& localName);
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+#include <lumcommon/names/NamespaceMap.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace LumCommon {
+
+class LumNameTable;
+
+/// The stack of scopes of prefix bindings, one for each open element, of a document being read or written.
+///
+/// The base scope (depth 0) binds `xml` and `xmlns` and is never removed. A scope answers with its element's own
+/// prefix first, then with its declarations; inner scopes come before outer ones.
+/// Threads: one at a time.
+class LUM_API NamespaceManager : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0x6066CC3Au;
+
+    /// The scope of one element.
+    struct NSScope {
+        LumPtr<NamespaceMap> map;  ///< the declarations made in this scope; null until the first
+        LumName prefix;            ///< of the element that opened the scope
+        LumName localName;
+        LumName namespaceUri;
+    };
+
+    NamespaceManager();
+    ~NamespaceManager() override;
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+
+    /// Opens a scope without declarations and without an element.
+    void pushScope();
+    /// Closes the innermost scope. False, and nothing changed, when only the base scope is left.
+    bool popScope();
+    /// Sets the element of the innermost scope.
+    void setElement(LumName prefix, LumName localName, LumName namespaceUri);
+    /// The innermost scope. The reference is valid until a scope is pushed or popped.
+    const NSScope& getInnermostScope() const noexcept { return scopes_.back(); }
+    /// The number of scopes above the base scope.
+    int getScopeDepth() const noexcept { return static_cast<int>(scopes_.size()) - 1; }
+
+    /// The number of declarations made at that depth; 0 when the depth is out of range.
+    int getNamespaceCount(int depth) const;
+    /// The declaration of the innermost scope at that position in key order; null when out of range.
+    LumName getNamespacePrefix(int index) const;
+    LumName getNamespaceUri(int index) const;
+    /// The innermost scope's declarations; may be null. Borrowed.
+    NamespaceMap* getNamespaceMap() const;
+    /// The declarations at that depth; null when there are none or the depth is out of range. Borrowed.
+    NamespaceMap* getNamespaceMap(int depth) const;
+
+    /// Declares the binding in the innermost scope, unless the prefix is already bound to that URI.
+    /// Change declarations through the manager only, never through the map it hands out.
+    void addNamespace(LumName prefix, LumName uri);
+    /// Removes the innermost scope's own declaration of exactly this binding.
+    void removeNamespace(LumName prefix, LumName uri);
+    /// The URI bound to `prefix`, null when unbound.   Cost: constant on average, whatever the depth.
+    LumName lookupNamespace(LumName prefix) const;
+    /// The innermost non-null prefix that is bound to `uri`, null when there is none. A rebinding of that prefix in an
+    /// inner scope is not looked for.   Cost: linear in the depth.
+    LumName lookupPrefix(LumName uri) const;
+    /// The default namespace as declared; the elements' own namespaces are not asked.   Cost: constant on average.
+    LumName getDefaultNamespace() const;
+    /// Whether any scope has a declaration of the prefix.   Cost: linear in the depth.
+    bool hasNamespace(LumName prefix) const;
+    /// Whether an element with exactly these names is open.   Cost: linear in the depth.
+    bool hasTagName(LumName prefix, LumName localName) const;
+
+private:
+    std::vector<NSScope> scopes_;
+    LumNameTable* nameTable_;  // one reference held
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+
+#include <map>
+#include <utility>
+
+namespace LumCommon {
+
+/// The prefix declarations of one scope: an ordered map from prefix to namespace URI, in the order of the prefixes'
+/// identifiers. The null prefix is an ordinary key: it declares the default namespace, or, with a null URI, takes it
+/// back.
+/// Threads: one at a time.
+class LUM_API NamespaceMap : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0xFD41C124u;
+    using Entries = std::map<LumName, LumName>;
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+
+    /// The number of entries.
+    int getCount() const;
+    /// The entry at a position in key order; null outside 0 to count-1.   Cost: linear in the index.
+    LumName getNamespacePrefix(int index) const;
+    LumName getNamespaceUri(int index) const;
+    /// The URI bound to the null prefix, null when there is no such entry.
+    LumName getDefaultNamespace() const;
+    /// Whether the prefix has an entry, also one with a null URI.
+    bool hasNamespace(LumName prefix) const;
+    /// The URI of the prefix, null when there is no entry.
+    LumName lookupNamespace(LumName prefix) const;
+    /// The first non-null prefix in key order whose URI is `uri`, else null.   Cost: linear.
+    LumName lookupPrefix(LumName uri) const;
+    /// Adds the entry or overwrites the URI of the prefix.
+    void addNamespace(LumName prefix, LumName uri);
+    /// Removes the prefix's entry when its URI is `uri`.
+    void removeNamespace(LumName prefix, LumName uri);
+
+    const Entries& getEntries() const noexcept { return entries_; }
+
+private:
+    Entries entries_;
+};
+
+/// Walks a NamespaceMap in key order. The map must outlive the iterator and stay unchanged.
+class LUM_API NamespaceMapIterator {
+public:
+    explicit NamespaceMapIterator(const NamespaceMap* map);
+
+    /// The entry at the current position; then moves forward. A null pair at the end.
+    std::pair<LumName, LumName> next();
+    /// Moves back and returns the entry now current. A null pair at the start.
+    std::pair<LumName, LumName> previous();
+    bool hasNext() const;
+    bool hasPrevious() const;
+    void setToStart();
+    void setToEnd();
+
+private:
+    const NamespaceMap* map_;
+    NamespaceMap::Entries::const_iterator position_;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+
+#include <iosfwd>
+
+namespace LumCommon {
+
+/// Supplied by the library's user: opens URIs before the library tries to.
+class LUM_API LumUriReferenceResolver {
+public:
+    virtual ~LumUriReferenceResolver();
+    /// A new stream that the caller deletes, or null to leave the URI to the library.
+    virtual std::istream* getStream(const UnicodeString& uri) = 0;
+};
+
+/// A reference to a resource, held as one normalised string.
+///
+/// Nothing here throws: failures are null, false or empty strings.
+/// Threads: a value; the resolver is shared by all threads and is set before URIs are opened.
+class LUM_API LumUri {
+public:
+    /// How the string handed to a constructor is written: 2 and 3 allow url(...) and quotes around it.
+    enum URISTRTYPE : int { URISTR_0 = 0, URISTR_1 = 1, URISTR_2 = 2, URISTR_3 = 3 };
+
+    LumUri() = default;
+    LumUri(const UnicodeString& s, URISTRTYPE type = URISTR_3);
+    /// `s` resolved against `base`.
+    LumUri(const LumUri& base, const UnicodeString& s, URISTRTYPE type = URISTR_3);
+    LumUri(const LumUri&) = default;
+    LumUri(LumUri&&) noexcept = default;
+    LumUri& operator=(const LumUri&) = default;
+    LumUri& operator=(LumUri&&) noexcept = default;
+    virtual ~LumUri();
+
+    /// The URI string.
+    const UnicodeString& toString() const noexcept { return uri_; }
+    UnicodeString getLocalPath() const;
+    /// A copy with percent escapes decoded, each to one unit U+0000 to U+00FF.
+    static UnicodeString unescape(const UnicodeString& s);
+    /// True for file: and for a string without scheme.
+    bool isFile() const;
+    /// True when there is a scheme.
+    bool isAbsolute() const;
+    /// Always false.
+    bool isRemote() const;
+    /// The scheme without its colon, or empty.
+    UnicodeString getScheme() const;
+    /// Cuts the fragment off and returns it, "#" included.
+    UnicodeString removeFragment();
+    /// Appends `separator` unless `s` ends with it; returns a copy of `s`.
+    static UnicodeString toDirectory(UnicodeString& s, char16_t separator);
+    /// What follows the last "/".
+    UnicodeString getFileName() const;
+    /// The extension of the file name, dot included, or empty.
+    UnicodeString getExtension() const;
+    /// Replaces the extension by `*extension` (dot included) or, with null, removes it. Returns the old one; bogus, and
+    /// nothing changed, when the string ends with "/".
+    UnicodeString setExtension(const UnicodeString* extension);
+    /// The local path up to and including the last "/"; "./" without one.
+    UnicodeString getBaseString() const;
+    bool isFileExists() const;
+    /// @param path  a path in the platform's encoding; null gives false.
+    static bool isFileExists(const char* path);
+    /// True when both are files with exactly the same local path.
+    bool isSameFile(const LumUri& other) const;
+    /// This URI written relative to `base`; empty when that cannot be done.
+    UnicodeString getRelativeUri(const UnicodeString& base) const;
+    bool isDataScheme() const;
+    bool isJarScheme() const;
+    /// The URI of an installation file: `file` in the directory that the environment variable `envName` names.
+    /// @param module  not used on this platform.   All three may be null.
+    static LumUri getModuleUri(const char* module, const char* file, const char* envName);
+    /// dlopen of the local path, lazily bound; null on failure. Release with freeLibrary().
+    void* loadLibrary() const;
+    static void* getProcAddress(void* handle, const char* name);
+    static void freeLibrary(void* handle);
+    /// Installs a resolver (null: none) and returns the one before. The caller keeps it alive while it is installed.
+    static LumUriReferenceResolver* setUriReferenceResolver(LumUriReferenceResolver* resolver);
+
+    /// Opens the resource for reading.
+    /// @param contentType   gets the media type when one is known; may be null.
+    /// @param errorMessage  gets the reason of a failure when one is known; may be null.
+    /// Ownership: the caller deletes the stream. Null on failure.
+    [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage) const;
+    [[nodiscard]] std::istream* getStream(UnicodeString* contentType = nullptr) const;
+    /// What the installed resolver opens for this URI; null without one. The caller deletes it.
+    [[nodiscard]] std::istream* getStreamFromResolver() const;
+    /// A new file for writing, in binary, at a local path or file: URI; null on failure. End it with releaseOStream().
+    [[nodiscard]] static std::ostream* createOStream(const UnicodeString& path);
+    /// Closes and deletes a stream made by createOStream; null is allowed. False when not all could be written.
+    static bool releaseOStream(std::ostream* out);
+
+protected:
+    UnicodeString uri_;
+};
+
+}  // namespace LumCommon

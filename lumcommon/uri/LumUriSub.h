@@ -1,0 +1,39 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+
+namespace LumCommon {
+
+/// The string functions under LumUri. A URI here is a string: resolution works on "/" and only spaces are escaped.
+/// Nothing fails: malformed strings pass through the rules. Cost: linear. Threads: any.
+class LUM_API LumUriSub {
+public:
+    LumUriSub() = delete;
+
+    /// Passed through by the resolving functions; their results do not depend on it.
+    enum URISPECTYPE : int { URISPEC_0 = 0, URISPEC_2 = 2 };
+
+    /// The string without url(...) and surrounding quotes, where `strType` (LumUri::URISTRTYPE) allows them.
+    static UnicodeString unquoteUri(const UnicodeString& s, int& specType, int strType);
+    /// The index of the colon that ends the scheme, -1 without one. A scheme has at least two characters, so that a
+    /// drive letter is none.
+    static int checkScheme(const UnicodeString& s);
+    static bool isFileScheme(const UnicodeString& s);
+    static bool isDataScheme(const UnicodeString& s);
+    static bool isJarScheme(const UnicodeString& s);
+    /// Replaces every space by "%20", in place.
+    static void escapeHH(UnicodeString& s);
+    /// Decodes percent escapes in place, each to one unit U+0000 to U+00FF.
+    static void unescapeHH(UnicodeString& s);
+    /// Trims white space and, except in a data: URI, escapes spaces.
+    static UnicodeString makeUriSub(const UnicodeString& s);
+    /// A path or URI to a URI: "/a" becomes "file:///a", a relative path stays relative.
+    static UnicodeString makeUriFromPath(const UnicodeString& path, int specType);
+    /// Resolves `reference` against `base`.
+    static UnicodeString makeAbsUri(const UnicodeString& base, const UnicodeString& reference, int specType);
+    /// The local path of a file: URI or a string without scheme, percent escapes decoded; any other URI unchanged.
+    static UnicodeString makeLocalPathFromUri(const UnicodeString& uri);
+};
+
+}  // namespace LumCommon

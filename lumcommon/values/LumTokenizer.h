@@ -1,0 +1,67 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+#include <lumcommon/values/LumValue.h>
+
+namespace LumCommon {
+
+/// Splits the text of a property into tokens and builds values, signed numbers, function calls and lists of them.
+///
+/// Nothing here throws. Every call that returns a token has consumed at least one unit of text, until the end.
+/// Cost: linear in the text, also for nested parentheses, which take no stack.
+/// Threads: one at a time.
+class LUM_API LumTokenizer {
+public:
+    /// Kinds of tokens; a positive kind is the code of a single delimiter character.
+    enum TokenKind : int {
+        TOKEN_END = -1,
+        TOKEN_NUMBER = -2,  ///< getNumber() is the number, getText() its suffix ("%", "pt") or empty
+        TOKEN_NAME = -3,
+        TOKEN_NONE = -4,    ///< nothing read yet
+        TOKEN_STRING = -5,  ///< getText() is what stands between the quotes
+        TOKEN_HASH = -6,    ///< getNumber() is the colour 00RRGGBB
+    };
+
+    /// The tokenizer keeps a copy of the text. The text ends at its first U+0000.
+    explicit LumTokenizer(const UnicodeString& text);
+
+    int getKind() const noexcept { return kind_; }
+    const UnicodeString& getText() const noexcept { return text_; }
+    double getNumber() const noexcept { return number_; }
+    /// The index of the next unit to read, in UTF-16 code units from the start of the text.
+    int getPosition() const noexcept { return position_; }
+    /// Makes the next read see the current token again.
+    void pushBack() noexcept { isPushedBack_ = true; }
+
+    /// Reads one token and returns its kind.
+    int nextToken();
+    /// Reads one token as a value: a number, name, string or colour, a delimiter (integer, UNIT_CHAR), or null at the
+    /// end.
+    LumValue nextTokenValue();
+    /// The same, but a sign directly before a number belongs to the number.
+    LumValue nextTokenValueSigned();
+    /// A signed value with a following exponent ("e" and a signed number) applied.
+    LumValue nextTokenValueExp();
+    /// The same as a double, without rounding to float.
+    double nextTokenDoubleExp();
+    /// The same, where a group in parentheses or a function call is read whole.
+    LumValue nextTokenValueFunc();
+    /// The next item of a list separated by `separator`; empty with kind TOKEN_END at the end. Quoted parts lose their
+    /// quotes; white space inside an item becomes one space.
+    UnicodeString nextSeparatedValue(char16_t separator);
+    /// Consumes the separator when it comes next.
+    bool skipSeparator(char16_t separator);
+    /// Whether the separator comes next; consumes nothing.
+    bool scanSeparator(char16_t separator) const;
+
+private:
+    int kind_ = TOKEN_NONE;
+    double number_ = 0;
+    UnicodeString text_;
+    UnicodeString source_;
+    int position_ = 0;  // into source_
+    bool isPushedBack_ = false;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,190 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+#include <lumcommon/names/LumName.h>
+
+#include <cstdint>
+
+namespace LumCommon {
+
+class LumColor;
+class LumLength;
+class LumNamedValue;
+class LumNamedValueMap;
+class LumRCObject;
+
+/// What a LumValue holds; bits 0-2 of its type word.
+enum LumValueKind : std::uint32_t {
+    KIND_NULL = 0,
+    KIND_INTEGER = 1,   ///< signed 32-bit
+    KIND_REAL = 2,      ///< 32-bit float
+    KIND_NAME = 3,      ///< LumNameEnum
+    KIND_STRING = 4,    ///< a string of its own; every copy of the value copies it
+    KIND_OBJECT = 5,    ///< a counted LumRCObject, shared by all copies
+    KIND_COMPOUND = 7,  ///< a counted LumNamedValueMap, shared by all copies: what one sets, all see
+};
+
+/// Unit of a number, or subtype of another kind; bits 3-7 of the type word.
+enum LumValueUnitType : std::uint32_t {
+    UNIT_NONE = 0,
+    UNIT_NUMBER = 1,
+    UNIT_PERCENT = 2,
+    UNIT_EM = 3,
+    UNIT_EX = 4,
+    UNIT_PX = 5,
+    UNIT_CM = 6,
+    UNIT_MM = 7,
+    UNIT_IN = 8,
+    UNIT_PT = 9,  ///< the normal unit of lengths
+    UNIT_PC = 10,
+    UNIT_JPT = 11,  ///< Japanese point; does not convert into other lengths
+    UNIT_Q = 12,
+    UNIT_DEG = 13,  ///< the normal unit of angles
+    UNIT_RAD = 14,
+    UNIT_GRAD = 15,
+    UNIT_MS = 16,  ///< the normal unit of times
+    UNIT_S = 17,
+    UNIT_HZ = 18,  ///< the normal unit of frequencies
+    UNIT_KHZ = 19,
+    UNIT_CHAR = 20,    ///< subtype: an integer that is the code of a delimiter
+    UNIT_QUOTED = 21,  ///< subtype: a string from a quoted literal
+    UNIT_URI = 22,     ///< subtype: a string from url(...)
+    UNIT_IDENT = 23,   ///< subtype: a name from an identifier
+    UNIT_COLOR = 24,   ///< subtype: an integer 00RRGGBB or a compound that is a colour
+    UNIT_DPI = 28,
+    UNIT_TWIP = 29,
+    UNIT_PT2 = 30,  ///< square points
+    UNIT_PT3 = 31,  ///< cubic points
+};
+
+/// The typed value of a property: a number with a unit, a name, a string, a colour, an object, or a compound of named
+/// values, in two machine words.
+///
+/// No operation throws. Arithmetic that has no meaning gives NULL_VALUE, conversions give NaN or 0, and parse() gives
+/// the whole text as a string.
+///
+/// Ownership: strings are copied with the value; objects and compounds are counted and shared.
+/// Cost: only strings allocate.
+/// Threads: a value belongs to one thread at a time; copies that share an object may live on several.
+class LUM_API LumValue {
+public:
+    static const LumValue NULL_VALUE;
+
+    constexpr LumValue() noexcept : payload_{.pointer = nullptr} {}
+    /// A number without unit.
+    LumValue(int value) noexcept;
+    LumValue(float value, LumValueUnitType unit) noexcept;
+    LumValue(LumName name) noexcept;
+    LumValue(LumNameEnum name) noexcept : LumValue(LumName(name)) {}
+    LumValue(const UnicodeString& text);
+    /// Takes a reference; null gives the null value.
+    LumValue(LumRCObject* object) noexcept;
+    LumValue(LumNamedValueMap* map) noexcept;
+    LumValue(const LumValue& other);
+    LumValue(LumValue&& other) noexcept;
+    LumValue& operator=(const LumValue& other);
+    LumValue& operator=(LumValue&& other) noexcept;
+    ~LumValue() {
+        if (typeWord_ & 4u) release();
+    }
+
+    LumValueKind getKind() const noexcept { return static_cast<LumValueKind>(typeWord_ & 7u); }
+    LumValueUnitType getUnit() const noexcept { return static_cast<LumValueUnitType>((typeWord_ >> 3) & 31u); }
+    /// Kind in bits 0-2, unit in 3-7, the name under which a map or an attribute holds the value in 8-31.
+    std::uint32_t getTypeWord() const noexcept { return typeWord_; }
+    bool isNull() const noexcept { return getKind() == KIND_NULL; }
+    bool isNumeric() const noexcept { return getKind() == KIND_INTEGER || getKind() == KIND_REAL; }
+
+    /// The name bits of the type word. No operation on the value looks at them; setNameKey changes nothing else.
+    LumNameEnum getNameKey() const noexcept { return static_cast<LumNameEnum>(typeWord_ >> 8); }
+    void setNameKey(LumNameEnum name) noexcept {
+        typeWord_ = (typeWord_ & 0xFFu) | (static_cast<std::uint32_t>(name) << 8);
+    }
+    /// Changes the unit or subtype and leaves the payload as it is.
+    void setUnit(LumValueUnitType unit) noexcept {
+        typeWord_ = (typeWord_ & ~0xF8u) | (static_cast<std::uint32_t>(unit) << 3);
+    }
+
+    /// The integer, or the real rounded half up; 0 for other kinds. Reals beyond the range of int give the nearest
+    /// int, NaN gives 0.
+    int getIntegerValue() const noexcept;
+    /// The number in `unit`; NaN when the value is no number or does not convert. UNIT_NONE takes any number as it is.
+    float getRealValue(LumValueUnitType unit) const noexcept;
+    /// The name of a KIND_NAME value, else the null name.
+    LumName getNameValue() const noexcept;
+    /// An absolute length, or that of a compound's item "length" or unnamed item; else no length.
+    LumLength getLengthValue() const;
+    /// The object of kinds 5 and 7, else null. Borrowed.
+    LumRCObject* getRCObject() const noexcept;
+    /// The map of kind 7, else null. Borrowed.
+    LumNamedValueMap* getNamedValueMap() const noexcept;
+    /// The string of KIND_STRING, else null. Borrowed; valid until the value changes.
+    const UnicodeString* getStringPointer() const noexcept;
+    /// "pt", "%", ...; empty for numbers, subtypes and codes outside 0 to 31.
+    static const UnicodeString& getUnitString(LumValueUnitType unit);
+
+    /// Turns the value into a compound; a value that was not null becomes its item under the null name.
+    void makeCompound();
+    /// The item of a compound, null when absent. Another value is its own item under the null name.
+    LumValue getNamedItem(LumName name) const;
+    /// Sets an item, after makeCompound() where needed. Copies of this compound see it too.
+    void setNamedItem(LumName name, const LumValue& value);
+    void setNamedItem(const LumNamedValue& value);
+    void removeNamedItem(LumName name);
+
+    /// The printed form: numbers with "%d" or "%g" and their unit, compounds as "{name: value; ...}".
+    UnicodeString toString() const;
+
+    /// The value of a property's text: a number with or without unit, a hash colour, a quoted string or an identifier
+    /// that is the whole text; any other text becomes a plain string as it stands.   Cost: linear.
+    static LumValue parse(const UnicodeString& text);
+    /// The same, but numbers and colours stay text.
+    static LumValue parseNonNumeric(const UnicodeString& text);
+
+    LumValue operator-() const;
+    LumValue abs() const;
+    /// Only for numbers without unit; integers stay as they are, reals stay reals; otherwise NULL_VALUE.
+    LumValue floor() const;
+    LumValue ceiling() const;
+    LumValue round() const;
+    /// Lengths, angles, times and frequencies are brought to their normal unit first; operands that do not fit
+    /// together give NULL_VALUE. An integer remainder by 0 gives NULL_VALUE.
+    LumValue& operator+=(const LumValue& right);
+    LumValue& operator-=(const LumValue& right);
+    LumValue& operator*=(const LumValue& right);
+    LumValue& operator/=(const LumValue& right);
+    LumValue& operator%=(const LumValue& right);
+    friend LumValue operator+(const LumValue& a, const LumValue& b) { return LumValue(a) += b; }
+    friend LumValue operator-(const LumValue& a, const LumValue& b) { return LumValue(a) -= b; }
+    friend LumValue operator*(const LumValue& a, const LumValue& b) { return LumValue(a) *= b; }
+    friend LumValue operator/(const LumValue& a, const LumValue& b) { return LumValue(a) /= b; }
+    friend LumValue operator%(const LumValue& a, const LumValue& b) { return LumValue(a) %= b; }
+    /// Rewrites a number into the normal unit of its dimension: pt, deg, ms or Hz.
+    void normalizeUnit() noexcept;
+
+    friend LUM_API bool operator==(const LumValue& a, const LumValue& b);
+    friend LUM_API bool operator<(const LumValue& a, const LumValue& b);
+    friend bool operator>(const LumValue& a, const LumValue& b) { return b < a; }
+    friend bool operator<=(const LumValue& a, const LumValue& b) { return !(b < a); }
+    friend bool operator>=(const LumValue& a, const LumValue& b) { return !(a < b); }
+
+private:
+    union Payload {
+        std::int32_t integer;
+        float real;
+        LumNameEnum name;
+        UnicodeString* string;
+        LumRCObject* object;
+        void* pointer;
+    };
+
+    void release() noexcept;
+
+    Payload payload_;
+    std::uint32_t typeWord_ = 0;
+};
+
+static_assert(sizeof(LumValue) == 2 * sizeof(void*));
+
+}  // namespace LumCommon

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+
+#include <iosfwd>
+
+namespace LumCommon {
+
+class LumError;
+
+/// A pull parser for XML 1.0 with namespaces: the caller asks for one event at a time and reads its data through the
+/// accessors, which speak of the current event only.
+///
+///     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+///     parser->setInput(in, UnicodeString(), UnicodeString());
+///     while (parser->next() != LumXmlParser::END_DOCUMENT) ...
+///
+/// Errors: malformed input throws a LumError with a code from 0x1801 to 0x1839 whose message ends with the position,
+/// unless a callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
+/// Positions: line and column of the furthest character read so far, which may lie a character or two behind the
+/// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
+/// the line. Replacement text of entities does not count, nor do the first characters of an input where they served
+/// to recognise its encoding.
+/// Borrowed references (texts, values) are valid until the next call of next(), nextToken() or setInput().
+/// Threads: one at a time.
+class LUM_API LumXmlParser : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0x07416767u;
+
+    enum EventType : int {
+        START_DOCUMENT = 0,
+        END_DOCUMENT = 1,
+        START_TAG = 2,  ///< also that of an empty element
+        END_TAG = 3,    ///< also that made for an empty element
+        TEXT = 4,
+        CDSECT = 5,
+        ENTITY_REF = 6,  ///< an entity or character reference
+        IGNORABLE_WHITESPACE = 7,
+        PROCESSING_INSTRUCTION = 8,
+        COMMENT = 9,
+        DOCDECL = 10,
+    };
+
+    /// All features are off in a new parser; other values are ignored and read as false.
+    enum Feature : int {
+        FEATURE_SKIP_EXTERNAL_DTD = 0,            ///< the external DTD is not read
+        FEATURE_IGNORE_UNDEFINED_ENTITIES = 1,    ///< an undefined entity is empty text
+        FEATURE_ALLOW_UNDECLARED_PREFIX = 2,      ///< an attribute's undeclared prefix is its own namespace
+        FEATURE_IGNORE_EXTERNAL_DTD_ERRORS = 3,   ///< errors in the external DTD are ignored
+        FEATURE_IGNORE_UNSUPPORTED_ENCODING = 4,  ///< bytes in an unknown encoding are read as they are
+        FEATURE_BUILTIN_ENCODINGS_ONLY = 5,       ///< any encoding but the built-in ones is an error
+    };
+
+    bool isA(unsigned int typeId) const override;
+
+    /// "START_TAG" and so on; empty for other values.
+    static UnicodeString getEventTypeStr(int eventType);
+    /// The replacement text of a MathML 2.0 entity; empty for an unknown name.
+    static UnicodeString getMathMLEntity(const UnicodeString& name);
+
+    virtual void setFeature(Feature feature, bool value) = 0;
+    virtual bool getFeature(Feature feature) const = 0;
+    /// Media type ("text/html") and file extension (".html") of the input, for isXhtmlType() and isHtmlType().
+    virtual void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) = 0;
+    /// Hands errors to `callback` instead of throwing them; null removes it. When the callback returns, parsing goes
+    /// on behind the error; to stop it, the callback throws. The error that it gets has no position.
+    virtual void setCallbackError(void (*callback)(const LumError&, void*), void* data) = 0;
+    /// Starts a new document.
+    /// @param in        must outlive the parsing; stays the caller's. It is read in blocks, as far as it has data.
+    /// @param encoding  the encoding if it is known from outside, else empty.
+    /// @param baseUri   what relative references in the document are resolved against.
+    /// Errors: 0x1004 for an empty input, 0x1006 for a failed one.
+    virtual void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
+    /// The same for a resource that the parser opens. An empty base is replaced by the directory of an absolute URI.
+    /// Errors: also 0x1003 when it cannot be opened.
+    virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
+    /// Lets go of the input; streams that the parser opened are closed.
+    virtual void closeStream() = 0;
+    /// The encoding as declared or recognised.
+    virtual UnicodeString getInputEncoding() const = 0;
+    /// Defines a general entity, in place of an earlier definition. setInput() forgets it, except that one made before
+    /// a first setInput() stays when the predefined entities have been changed by it.
+    virtual void defineEntityReplacementText(LumName name, const UnicodeString& text) = 0;
+
+    /// The number of prefixes declared by the element at that depth (1 is the root).
+    virtual int getNamespaceCount(int depth) const = 0;
+    /// The declarations of the current element by index; null when out of range.
+    virtual LumName getNamespacePrefix(int index) const = 0;
+    virtual LumName getNamespaceUri(int index) const = 0;
+    /// The namespace bound to `prefix` here, null when unbound.
+    virtual LumName getNamespace(LumName prefix) const = 0;
+    /// The number of open elements; at an END_TAG its element still counts.
+    virtual int getDepth() const = 0;
+
+    /// For instance "START_TAG, 'doc.xml', Line 3, Col 14.".
+    virtual UnicodeString getPositionDescription() const = 0;
+    /// -1 before input has started.
+    virtual int getLineNumber() const = 0;
+    virtual int getColumnNumber() const = 0;
+
+    /// Whether the text of a TEXT, CDSECT or IGNORABLE_WHITESPACE event is white space only. Other events throw 0x80B.
+    virtual bool isWhitespace() const = 0;
+    /// The text of the event; of a named ENTITY_REF the entity's value.
+    virtual const UnicodeString& getText() const = 0;
+    /// Of a START_TAG or END_TAG, else null.
+    virtual LumName getNamespace() const = 0;
+    /// Of a START_TAG or END_TAG; of an ENTITY_REF the entity ("#x" and hexadecimal digits for a character).
+    virtual LumName getName() const = 0;
+    virtual LumName getPrefix() const = 0;
+    /// Whether a START_TAG ended with "/>". Other events throw 0x80B.
+    virtual bool isEmptyElementTag() const = 0;
+
+    /// The number of attributes of a START_TAG, namespace declarations included; -1 for other events.
+    virtual int getAttributeCount() const = 0;
+    /// An index outside 0 to count-1 throws 0x804.
+    virtual LumName getAttributeNamespace(int index) const = 0;
+    virtual LumName getAttributeName(int index) const = 0;
+    virtual LumName getAttributePrefix(int index) const = 0;
+    virtual const UnicodeString& getAttributeValue(int index) const = 0;
+    /// The attribute of that name, bogus when absent. Only at a START_TAG; other events throw 0x804.
+    virtual const UnicodeString& getAttributeValue(LumName namespaceUri, LumName localName) const = 0;
+
+    virtual EventType getEventType() const = 0;
+    /// The next tag or run of text: adjacent character data is one event, references are expanded, comments,
+    /// processing instructions, the document type declaration and white space outside the root are passed over.
+    virtual EventType next() = 0;
+    /// The next token, each as its own event.
+    virtual EventType nextToken() = 0;
+    virtual UnicodeString getBaseUri() const = 0;
+    /// Defines the MathML 2.0 entities that the document has not defined itself.
+    virtual void addMathMLEntityMap() = 0;
+
+    /// Whether the document read so far is XHTML or HTML: by its document kind, its root, or its stream type.
+    virtual bool isXhtmlType() const = 0;
+    virtual bool isHtmlType() const = 0;
+};
+
+}  // namespace LumCommon
