@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/TextView.h>
 
 #include <algorithm>
 #include <functional>
@@ -25,9 +26,7 @@ constexpr std::u16string_view sourceTexts[] = {
 };
 static_assert(std::size(sourceTexts) == 28);
 
-UnicodeString& append(UnicodeString& to, std::u16string_view text) {
-    return to.append(text.data(), static_cast<int32_t>(text.size()));
-}
+using detail::append;
 
 void appendDecimal(UnicodeString& to, std::int32_t number) {
     for (const char digit : std::to_string(number)) to.append(static_cast<char16_t>(digit));
