@@ -1,6 +1,9 @@
 #pragma once
 
+#include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/LumObjectBase.h>
+
+#include <atomic>
 
 namespace LumCommon {
 
@@ -19,12 +22,14 @@ public:
     bool isA(unsigned int typeId) const override;
 
     /// The number of counted references now held. Threads: a snapshot; it may be out of date on return.
-    int getRefCount() const noexcept;
+    int getRefCount() const noexcept { return std::atomic_ref<int>(refCount_).load(std::memory_order_relaxed); }
 
     /// Takes one reference. Use LumPtr; this is for classes that own counts without one.
-    void addRef() const noexcept;
+    void addRef() const noexcept { LumMutex::interlockedIncrement(refCount_); }
     /// Gives one reference back and deletes the object when none is left.
-    void releaseRef() const noexcept;
+    void releaseRef() const noexcept {
+        if (LumMutex::interlockedDecrement(refCount_) < 1) delete this;
+    }
 
     ~LumRCObject() override;
 

@@ -3,13 +3,15 @@
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/names/LumName.h>
 
+#include <cstddef>
 #include <memory>
 
 namespace LumCommon {
 
 namespace detail {
 class NameStore;
-}
+LumNameEnum internName(const char16_t* text, std::size_t units);
+}  // namespace detail
 
 /// The table that gives strings their identifiers. The static operations work on the one table of the process.
 ///
@@ -67,7 +69,11 @@ public:
     ~LumNameTable() override;
 
 private:
+    friend class LumName;  // generateID
+    friend LumNameEnum detail::internName(const char16_t* text, std::size_t units);
     struct Shared;  // the state of the one shared table
+    /// Interns the text of prefix, "-" and the next number whose text is not a name yet.
+    static LumNameEnum internNumbered(const UnicodeString& prefix);
     explicit LumNameTable(detail::NameStore* sharedStore);
 
     std::unique_ptr<detail::NameStore> ownStore_;

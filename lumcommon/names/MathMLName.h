@@ -13,8 +13,10 @@ enum MathMLNameEnum : std::uint16_t {
 #define LUM_NAME(id, text) MATHML_##id,
 #include <lumcommon/names/MathMLNames.inc>
 #undef LUM_NAME
-    MATHML_END_,
+    MATHML_END_,  // one past the last name
 };
+
+static_assert(MATHML_END_ == 435 && MATHML_other == 434);
 
 /// A name of the MathML vocabulary (434 names). Threads: any; a value.
 class LUM_API MathMLName {
@@ -30,7 +32,7 @@ public:
     /// The interned name of the same string; the null name for 0.
     LumName toName() const;
 
-    /// Releases what the class keeps; part of LumCommon::cleanup().
+    /// Part of LumCommon::cleanup(). The vocabulary is constant data, so there is nothing to release.
     static void cleanup();
 
     friend constexpr bool operator==(MathMLName a, MathMLName b) noexcept { return a.id_ == b.id_; }

@@ -5,16 +5,24 @@
 #include <lumcommon/names/NamespaceMap.h>
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace LumCommon {
 
 class LumNameTable;
 
+namespace detail {
+class ScopeAnswers;
+}
+
 /// The stack of scopes of prefix bindings, one for each open element, of a document being read or written.
 ///
 /// The base scope (depth 0) binds `xml` and `xmlns` and is never removed. A scope answers with its element's own
 /// prefix first, then with its declarations; inner scopes come before outer ones.
+///
+/// The answers to look-ups are kept, and a scope records only what it changes: pushing, filling and popping the scope
+/// of an element that binds nothing new takes constant time and allocates nothing once the stack has been as deep.
 /// Threads: one at a time.
 class LUM_API NamespaceManager : public LumRCObject {
 public:
@@ -64,7 +72,7 @@ public:
     /// The URI bound to `prefix`, null when unbound.   Cost: constant on average, whatever the depth.
     LumName lookupNamespace(LumName prefix) const;
     /// The innermost non-null prefix that is bound to `uri`, null when there is none. A rebinding of that prefix in an
-    /// inner scope is not looked for.   Cost: linear in the depth.
+    /// inner scope is not looked for.   Cost: constant on average.
     LumName lookupPrefix(LumName uri) const;
     /// The default namespace as declared; the elements' own namespaces are not asked.   Cost: constant on average.
     LumName getDefaultNamespace() const;
@@ -74,7 +82,18 @@ public:
     bool hasTagName(LumName prefix, LumName localName) const;
 
 private:
+    // What lookupNamespace, lookupPrefix and getDefaultNamespace answer, given the answer without the innermost scope.
+    LumName namespaceAnswer(LumName prefix, LumName outer) const;
+    LumName prefixAnswer(LumName uri, LumName outer) const;
+    LumName defaultAnswer(LumName outer) const;
+
+    void prepare(LumName prefix, LumName uri);
+    void refreshNamespace(LumName prefix) noexcept;
+    void refreshPrefix(LumName uri) noexcept;
+    void refreshDeclaration(LumName prefix, LumName uri) noexcept;
+
     std::vector<NSScope> scopes_;
+    std::unique_ptr<detail::ScopeAnswers> answers_;
     LumNameTable* nameTable_;  // one reference held
 };
 

@@ -3,7 +3,9 @@
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/names/LumName.h>
 
+#include <cstddef>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace LumCommon {
@@ -23,7 +25,8 @@ public:
 
     /// The number of entries.
     int getCount() const;
-    /// The entry at a position in key order; null outside 0 to count-1.   Cost: linear in the index.
+    /// The entry at a position in key order; null outside 0 to count-1.
+    /// Cost: constant beside the position asked last, so a walk over all positions is linear; else linear.
     LumName getNamespacePrefix(int index) const;
     LumName getNamespaceUri(int index) const;
     /// The URI bound to the null prefix, null when there is no such entry.
@@ -32,7 +35,7 @@ public:
     bool hasNamespace(LumName prefix) const;
     /// The URI of the prefix, null when there is no entry.
     LumName lookupNamespace(LumName prefix) const;
-    /// The first non-null prefix in key order whose URI is `uri`, else null.   Cost: linear.
+    /// The first non-null prefix in key order whose URI is `uri`, else null.   Cost: logarithmic.
     LumName lookupPrefix(LumName uri) const;
     /// Adds the entry or overwrites the URI of the prefix.
     void addNamespace(LumName prefix, LumName uri);
@@ -42,10 +45,17 @@ public:
     const Entries& getEntries() const noexcept { return entries_; }
 
 private:
+    Entries::const_iterator entryAt(std::size_t index) const;
+
     Entries entries_;
+    std::set<std::pair<LumName, LumName>> prefixesByUri_;  // (URI, prefix) of every entry whose prefix is not null
+    // The position that was asked last; the end until then and after every change of the positions.
+    mutable Entries::const_iterator cursor_ = entries_.end();
+    mutable std::size_t cursorIndex_ = 0;
 };
 
-/// Walks a NamespaceMap in key order. The map must outlive the iterator and stay unchanged.
+/// Walks a NamespaceMap in key order. The map must outlive the iterator and stay unchanged; null (a scope
+/// without declarations) is walked as an empty map.
 class LUM_API NamespaceMapIterator {
 public:
     explicit NamespaceMapIterator(const NamespaceMap* map);

@@ -13,8 +13,10 @@ enum SVGNameEnum : std::uint16_t {
 #define LUM_NAME(id, text) SVG_##id,
 #include <lumcommon/names/SVGNames.inc>
 #undef LUM_NAME
-    SVG_END_,
+    SVG_END_,  // one past the last name
 };
+
+static_assert(SVG_END_ == 135 && SVG_mask == 134);
 
 /// A name of the SVG vocabulary (134 names). Threads: any; a value.
 class LUM_API SVGName {
@@ -30,7 +32,7 @@ public:
     /// The interned name of the same string; the null name for 0.
     LumName toName() const;
 
-    /// Releases what the class keeps; part of LumCommon::cleanup().
+    /// Part of LumCommon::cleanup(). The vocabulary is constant data, so there is nothing to release.
     static void cleanup();
 
     friend constexpr bool operator==(SVGName a, SVGName b) noexcept { return a.id_ == b.id_; }

@@ -1,0 +1,31 @@
+// Counts the elements of a document and finds its longest text without building a tree:  events FILE
+#include <lumcommon/lumcommon.h>
+
+#include <fstream>
+#include <iostream>
+
+using namespace LumCommon;
+
+int main(int argc, char* argv[]) try {
+    if (argc < 2) return 2;
+    // [events]
+    std::ifstream in(argv[1], std::ios::binary);
+    LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    parser->setInput(in, UnicodeString(), UnicodeString());
+    int elements = 0, longest = 0, line = 0;
+    while (parser->next() != LumXmlParser::END_DOCUMENT) {
+        if (parser->getEventType() == LumXmlParser::START_TAG) ++elements;
+        if (parser->getEventType() == LumXmlParser::TEXT && parser->getText().length() > longest) {
+            longest = parser->getText().length();
+            line = parser->getLineNumber();
+        }
+    }
+    // [events]
+    std::cout << elements << " elements; the longest text has " << longest << " units and ends on line " << line
+              << '\n';
+    return 0;
+} catch (const LumError& error) {
+    std::string message;
+    std::cerr << error.getMessage().toUTF8String(message) << '\n';
+    return 1;
+}

@@ -1,0 +1,42 @@
+#include <lumcommon/core/LumCStr.h>
+
+#include <unicode/localpointer.h>
+#include <unicode/ucnv.h>
+
+namespace LumCommon {
+
+LumCStr::LumCStr(const UnicodeString& text) : UnicodeString(text) {}
+
+const std::string& LumCStr::getMBString(const char* codepage) {
+    const bool isSameCodepage = codepage ? codepage_ == codepage : !codepage_.has_value();
+    if (isMade_ && isSameCodepage && converted_ == *this) return narrow_;
+    return makeMBString(codepage);
+}
+
+const std::string& LumCStr::makeMBString(const char* codepage) {
+    // The name may point into codepage_ or narrow_, so it is copied before either changes.
+    std::optional<std::string> name;
+    if (codepage) name = codepage;
+    std::string bytes;
+
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::LocalUConverterPointer converter(ucnv_open(name ? name->c_str() : nullptr, &status));
+    if (U_SUCCESS(status)) {
+        const int32_t sizeBytes = extract(nullptr, 0, converter.getAlias(), status);
+        // Measuring reports the missing room, or a missing terminator for an empty text, as its status.
+        if (sizeBytes > 0 && status == U_BUFFER_OVERFLOW_ERROR) {
+            status = U_ZERO_ERROR;
+            bytes.resize(static_cast<std::size_t>(sizeBytes));
+            extract(bytes.data(), sizeBytes, converter.getAlias(), status);
+            if (U_FAILURE(status)) bytes.clear();
+        }
+    }
+
+    narrow_ = std::move(bytes);
+    codepage_ = std::move(name);
+    converted_ = *this;
+    isMade_ = true;
+    return narrow_;
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,147 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/TextView.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+namespace LumCommon {
+namespace {
+
+struct ErrorRow {
+    std::uint16_t code;
+    std::u16string_view text;
+};
+
+constexpr ErrorRow errorRows[] = {
+#include <lumcommon/core/LumErrors.inc>
+};
+static_assert(std::ranges::adjacent_find(errorRows, std::ranges::greater_equal{}, &ErrorRow::code) ==
+              std::end(errorRows));
+
+constexpr std::u16string_view sourceTexts[] = {
+#include <lumcommon/core/LumErrorSources.inc>
+};
+static_assert(std::size(sourceTexts) == 28);
+
+using detail::append;
+
+void appendDecimal(UnicodeString& to, std::int32_t number) {
+    for (const char digit : std::to_string(number)) to.append(static_cast<char16_t>(digit));
+}
+
+/// Fills in the markers of a message in one pass, so that a "%" inside an argument is not taken for a marker.
+UnicodeString fillMarkers(std::u16string_view pattern, const UnicodeString& arg1, const UnicodeString& arg2) {
+    UnicodeString result;
+    while (true) {
+        const std::size_t marker = pattern.find(u'%');
+        append(result, pattern.substr(0, marker));
+        if (marker == std::u16string_view::npos) return result;
+        switch (pattern[marker + 1]) {
+            case u'n':
+                arg1.isEmpty() ? append(result, u"arg") : result.append(arg1);
+                break;
+            case u'c':
+                arg1.isEmpty() ? append(result, u".") : append(result, u": ").append(arg1);
+                break;
+            case u'1':
+                result.append(arg1);
+                break;
+            default:
+                result.append(arg2);
+                break;
+        }
+        pattern.remove_prefix(marker + 2);
+    }
+}
+
+[[noreturn]] void throwWithText(std::uint16_t code, LumCommonErrorSource source, std::u16string_view textOfUnknownCode,
+                                const UnicodeString& arg1, const UnicodeString& arg2) {
+    const auto* const row = std::ranges::lower_bound(errorRows, code, {}, &ErrorRow::code);
+    const bool isKnown = row != std::end(errorRows) && row->code == code;
+    throw LumError(code, fillMarkers(isKnown ? row->text : textOfUnknownCode, arg1, arg2), getCommonErrorSource(source),
+                   -1, -1, UnicodeString());
+}
+
+UnicodeString textOfException(const std::exception& exception) {
+    UnicodeString text(u"C++ exception: ");
+    if (const char* const what = exception.what()) text.append(UnicodeString(what));
+    return text;
+}
+
+}  // namespace
+
+LumError::LumError(std::uint16_t errorCode, const UnicodeString& text, const UnicodeString& raisedBy,
+                   std::int32_t lineNumber, std::int32_t columnNumber, const UnicodeString& where)
+    : code(errorCode), message(text), source(raisedBy), line(lineNumber), column(columnNumber), location(where) {}
+
+LumError::LumError(const std::bad_alloc&, const UnicodeString& raisedBy)
+    : LumError(static_cast<std::uint16_t>(LumErrorCodeLumLIB::OutOfMemory), UnicodeString(u"Out of memory."), raisedBy,
+               -1, -1, UnicodeString()) {}
+
+LumError::LumError(const std::exception& exception, const UnicodeString& raisedBy)
+    : LumError(static_cast<std::uint16_t>(LumErrorCodeLumLIB::StdException), textOfException(exception), raisedBy, -1,
+               -1, UnicodeString()) {}
+
+UnicodeString LumError::getMessage() const {
+    const UnicodeString position = getPositionDescription();
+    if (position.isEmpty()) return message;
+    // Appending to a bogus string leaves it bogus, so the text starts from an empty one.
+    UnicodeString text;
+    return text.append(message).append(u'\n').append(position);
+}
+
+UnicodeString LumError::getPositionDescription() const {
+    UnicodeString text;
+    if (line != -1) {
+        append(text, u"Line ");
+        appendDecimal(text, line);
+        append(text, u", ");
+    }
+    if (column != -1) {
+        append(text, u"Col ");
+        appendDecimal(text, column);
+        append(text, u", ");
+    }
+    return text.append(location);
+}
+
+void LumError::setMessage(const UnicodeString& text) {
+    message = text;
+    UnicodeString position = getPositionDescription();
+    if (position.isEmpty()) return;
+    position.insert(0, u'\n');
+    if (message.endsWith(position)) message.truncate(message.length() - position.length());
+}
+
+void LumError::appendMessage(const UnicodeString& text) {
+    if (text.isEmpty()) return;
+    const UnicodeString addition(text);  // `text` may be this error's own message
+    if (message.isEmpty()) {
+        message = addition;
+    } else {
+        message.append(u'\n').append(addition);
+    }
+}
+
+UnicodeString getCommonErrorSource(LumCommonErrorSource source) {
+    UnicodeString text;
+    const auto index = static_cast<std::size_t>(source);  // a negative value becomes too large
+    if (index < std::size(sourceTexts) && !sourceTexts[index].empty()) {
+        append(append(text, u"LumCommon::"), sourceTexts[index]);
+    }
+    return text;
+}
+
+void throwCommonError(LumErrorCodeLumLIB code, LumCommonErrorSource source, const UnicodeString& arg1,
+                      const UnicodeString& arg2) {
+    throwWithText(static_cast<std::uint16_t>(code), source, u"SYSTEM ERROR: LumErrorCodeLumLIB", arg1, arg2);
+}
+
+void throwCommonError(LumErrorCodeIO code, LumCommonErrorSource source, const UnicodeString& arg) {
+    throwWithText(static_cast<std::uint16_t>(code), source, u"LumErrorCodeIO", arg, UnicodeString());
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,164 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/names/detail/BuiltinNames.h>
+#include <lumcommon/names/detail/NameIntern.h>
+#include <lumcommon/names/detail/NameStore.h>
+
+#include <new>
+
+namespace LumCommon {
+
+namespace {
+
+/// Makes an object that no destructor ends: names are used until the process is gone, also by static objects.
+template <class T>
+union Immortal {
+    T value;
+    constexpr Immortal() noexcept : value() {}
+    ~Immortal() {}
+};
+
+constinit Immortal<detail::NameStore> sharedStore;
+constinit LumNameTable* sharedTable = nullptr;  // guarded by sharedLock()
+
+LumLock* sharedLock() {
+    alignas(LumLock) static unsigned char storage[sizeof(LumLock)];
+    static LumLock* const lock = new (storage) LumLock;
+    return lock;
+}
+
+std::size_t unitsOf(const UnicodeString& text) { return static_cast<std::size_t>(text.length()); }
+
+/// The next number to try after `tries` numbers were taken. The steps double, so that a document which has interned
+/// long runs of such names cannot make the search long; they stop growing before the number could wrap around.
+std::uint64_t stepAfter(unsigned tries) { return std::uint64_t{1} << (tries < 32 ? tries : 32); }
+
+void appendNumber(UnicodeString& text, std::uint64_t number) {
+    char16_t digits[20];
+    char16_t* first = digits + 20;
+    do {
+        *--first = static_cast<char16_t>(u'0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    text.append(first, static_cast<std::int32_t>(digits + 20 - first));
+}
+
+}  // namespace
+
+/// The operations on the shared table. The caller holds the lock, or is the only thread.
+struct LumNameTable::Shared {
+    static LumNameTable& table() {
+        if (sharedTable == nullptr) sharedTable = new LumNameTable(&sharedStore.value);
+        return *sharedTable;
+    }
+};
+
+LumNameTable::LumNameTable() : ownStore_(std::make_unique<detail::NameStore>()), store_(ownStore_.get()) {
+    store_->reserveFirstChunk();
+}
+
+LumNameTable::LumNameTable(detail::NameStore* sharedNames) : store_(sharedNames) { store_->reserveFirstChunk(); }
+
+LumNameTable::~LumNameTable() {
+    if (store_ != &sharedStore.value) return;
+    LumMutex guard(sharedLock());  // taken already, unless somebody counts the shared table with a LumPtr
+    store_->clear();
+    sharedTable = nullptr;
+}
+
+bool LumNameTable::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
+
+UnicodeString LumNameTable::getTypeName() const { return UnicodeString(u"LumNameTable"); }
+
+LumNameEnum detail::internName(const char16_t* text, std::size_t units) {
+    if (units == 0) return NAME_NULL;
+    const LumNameEnum builtin = findBuiltinName(text, units);
+    if (builtin != NAME_NULL) return builtin;
+    LumMutex guard(sharedLock());
+    return LumNameTable::Shared::table().store_->intern(text, units);
+}
+
+LumNameEnum LumNameTable::internNumbered(const UnicodeString& prefix) {
+    LumMutex guard(sharedLock());
+    detail::NameStore& store = *Shared::table().store_;
+    std::uint64_t number = std::uint64_t{store.lastName()} + 1;
+    for (unsigned tries = 0;; ++tries) {
+        UnicodeString text(prefix);
+        text.append(u'-');
+        appendNumber(text, number);
+        if (text.isBogus()) throw LumError(std::bad_alloc(), UnicodeString());
+        // A text that is already a name would not be new: it may be a prefix that the document itself uses.
+        if (detail::findBuiltinName(text.getBuffer(), unitsOf(text)) == NAME_NULL &&
+            store.find(text.getBuffer(), unitsOf(text)) == NAME_NULL) {
+            return store.intern(text.getBuffer(), unitsOf(text));
+        }
+        number += stepAfter(tries);
+    }
+}
+
+LumNameEnum LumNameTable::getSharedNameEnum(const UnicodeString& text) {
+    return detail::internName(text.getBuffer(), unitsOf(text));
+}
+
+const UnicodeString& LumNameTable::getSharedNameString(LumNameEnum id) {
+    if (id <= NAME_LAST_BUILTIN) return detail::builtinNameStrings()[id];
+    const UnicodeString* const string = sharedStore.value.stringOf(id);
+    return string != nullptr ? *string : detail::builtinNameStrings()[NAME_NULL];
+}
+
+LumNameEnum LumNameTable::getBuiltinNameEnum(const UnicodeString& text) {
+    return detail::findBuiltinName(text.getBuffer(), unitsOf(text));
+}
+
+const UnicodeString& LumNameTable::getBuiltinNameString(LumNameEnum id) {
+    return detail::builtinNameStrings()[id <= NAME_LAST_BUILTIN ? id : NAME_NULL];
+}
+
+LumNameTable* LumNameTable::getSharedNameTable() {
+    LumMutex guard(sharedLock());
+    return &Shared::table();
+}
+
+LumNameTable* LumNameTable::addRefSharedNameTable() {
+    LumMutex guard(sharedLock());
+    LumNameTable& table = Shared::table();
+    table.addRef();
+    return &table;
+}
+
+void LumNameTable::releaseSharedNameTable() {
+    LumMutex guard(sharedLock());
+    if (sharedTable != nullptr) sharedTable->releaseRef();
+}
+
+void LumNameTable::setupSharedNameTable() { Shared::table(); }
+
+void LumNameTable::cleanup() {
+    delete sharedTable;
+    sharedStore.value.release();
+}
+
+LumNameEnum LumNameTable::getNameEnum(const UnicodeString& text) {
+    const LumNameEnum builtin = getBuiltinNameEnum(text);
+    return builtin != NAME_NULL ? builtin : getNonBuiltinNameEnumMutexed(text);
+}
+
+LumNameEnum LumNameTable::getNonBuiltinNameEnumMutexed(const UnicodeString& text) {
+    return text.isEmpty() ? NAME_NULL : store_->intern(text.getBuffer(), unitsOf(text));
+}
+
+const UnicodeString& LumNameTable::getNameString(LumNameEnum id) const {
+    if (id <= NAME_LAST_BUILTIN) return detail::builtinNameStrings()[id];
+    const UnicodeString* const string = store_->stringOf(id);
+    return string != nullptr ? *string : detail::builtinNameStrings()[NAME_NULL];
+}
+
+LumNameEnum LumNameTable::lookupName(const UnicodeString& text) const {
+    const LumNameEnum builtin = getBuiltinNameEnum(text);
+    return builtin != NAME_NULL ? builtin : store_->find(text.getBuffer(), unitsOf(text));
+}
+
+LumNameEnum LumNameTable::getLastNameEnum() const { return store_->lastName(); }
+
+}  // namespace LumCommon

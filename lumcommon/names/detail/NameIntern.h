@@ -1,0 +1,20 @@
+#pragma once
+
+#include <lumcommon/names/LumNameEnum.h>
+#include <lumcommon/names/detail/UnitHash.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace LumCommon::detail {
+
+/// LumNameTable::getSharedNameEnum for text that is not in a UnicodeString: a built-in name is found without making
+/// one. `text` may be null when `units` is 0. Threads and failures are those of getSharedNameEnum.
+LumNameEnum internName(const char16_t* text, std::size_t units);
+
+/// Hash of UTF-16 text, seeded once a process.   Threads: any.
+inline std::uint64_t hashUnits(const char16_t* text, std::size_t units) noexcept {
+    return hashUnits(text, units, processHashKey());
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace LumCommon::detail {
+
+/// What makes one hash function out of the family. An odd multiplier keeps all bits of the state in play.
+struct HashKey {
+    std::uint64_t seed;
+    std::uint64_t multiplier;
+};
+
+/// The key of tables that are laid out by the compiler.
+inline constexpr HashKey fixedHashKey{0x243F6A8885A308D3u, 0x9E3779B97F4A7C15u};
+
+/// The key of tables that are filled from input: drawn once a process, so that nobody can prepare a document whose
+/// names all fall into one place of the table.
+const HashKey& processHashKey() noexcept;
+
+/// The two halves of the 128-bit product, folded: every bit of the result depends on every bit of the factors.
+constexpr std::uint64_t foldMultiply(std::uint64_t a, std::uint64_t b) noexcept {
+#ifdef __SIZEOF_INT128__
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+#else
+    const std::uint64_t aLow = a & 0xFFFFFFFFu, aHigh = a >> 32, bLow = b & 0xFFFFFFFFu, bHigh = b >> 32;
+    const std::uint64_t low = aLow * bLow;
+    const std::uint64_t middle = aHigh * bLow + (low >> 32);  // at most 2^64 - 2^32: no carry is lost
+    const std::uint64_t middle2 = aLow * bHigh + (middle & 0xFFFFFFFFu);
+    const std::uint64_t high = aHigh * bHigh + (middle >> 32) + (middle2 >> 32);
+    return high ^ ((middle2 << 32) | (low & 0xFFFFFFFFu));
+#endif
+}
+
+/// Four units as one word, the first in the lowest bits.
+constexpr std::uint64_t loadFourUnits(const char16_t* text) noexcept {
+    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little) {
+        std::uint64_t word;
+        std::memcpy(&word, text, sizeof word);
+        return word;
+    }
+    return static_cast<std::uint64_t>(text[0]) | static_cast<std::uint64_t>(text[1]) << 16 |
+           static_cast<std::uint64_t>(text[2]) << 32 | static_cast<std::uint64_t>(text[3]) << 48;
+}
+
+/// Hash of UTF-16 text, four units a multiplication. `text` may be null when `units` is 0.
+constexpr std::uint64_t hashUnits(const char16_t* text, std::size_t units, const HashKey& key) noexcept {
+    // The length is part of the state, so that the overlapping last word cannot make two lengths look alike.
+    std::uint64_t state = key.seed ^ units;
+    if (units < 4) {
+        if (units == 0) return foldMultiply(state, key.multiplier);
+        const std::uint64_t word = static_cast<std::uint64_t>(text[0]) |
+                                   static_cast<std::uint64_t>(text[units / 2]) << 16 |
+                                   static_cast<std::uint64_t>(text[units - 1]) << 32;
+        return foldMultiply(state ^ word, key.multiplier);
+    }
+    std::size_t done = 0;
+    for (; units - done > 4; done += 4) state = foldMultiply(state ^ loadFourUnits(text + done), key.multiplier);
+    return foldMultiply(state ^ loadFourUnits(text + units - 4), key.multiplier);
+}
+
+}  // namespace LumCommon::detail

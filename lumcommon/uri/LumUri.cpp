@@ -1,0 +1,180 @@
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/detail/PlatformText.h>
+#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/uri/LumUri.h>
+#include <lumcommon/uri/LumUriSub.h>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace LumCommon {
+namespace {
+
+using detail::append;
+using detail::textOf;
+using detail::viewOf;
+using View = std::u16string_view;
+
+constexpr std::size_t npos = View::npos;
+
+/// The string up to and including its last "/"; empty without one.
+View directoryOf(View uri) {
+    const std::size_t slash = uri.rfind(u'/');
+    return slash == npos ? View() : uri.substr(0, slash + 1);
+}
+
+/// Where the extension of the file name begins, its length when it has none.
+std::size_t extensionStart(View uri) {
+    const std::size_t dot = uri.rfind(u'.');
+    return dot == npos || dot < directoryOf(uri).size() ? uri.size() : dot;
+}
+
+/// The local path of the installation directory that the variable names; empty when it names no existing file.
+UnicodeString installationDirectory(const char* envName) {
+    if (!envName || !*envName) return UnicodeString();
+    LumUri uri;
+    {
+        LumMutex guard;
+        const char* const value = std::getenv(envName);
+        if (!value) return UnicodeString();
+        uri = LumUri(detail::fromPlatformText(value));
+    }
+    return uri.isFile() && uri.isFileExists() ? uri.getLocalPath() : UnicodeString();
+}
+
+}  // namespace
+
+LumUri::LumUri(const UnicodeString& s, URISTRTYPE type) {
+    int specType = LumUriSub::URISPEC_0;
+    const UnicodeString path = LumUriSub::unquoteUri(s, specType, type);
+    uri_ = LumUriSub::makeUriFromPath(path, specType);
+}
+
+LumUri::LumUri(const LumUri& base, const UnicodeString& s, URISTRTYPE type) {
+    int specType = LumUriSub::URISPEC_0;
+    const UnicodeString reference = LumUriSub::unquoteUri(s, specType, type);
+    uri_ = LumUriSub::makeAbsUri(base.uri_, reference, specType);
+}
+
+LumUri::~LumUri() = default;
+
+UnicodeString LumUri::getLocalPath() const { return LumUriSub::makeLocalPathFromUri(uri_); }
+
+UnicodeString LumUri::unescape(const UnicodeString& s) {
+    UnicodeString result(s);
+    LumUriSub::unescapeHH(result);
+    return result;
+}
+
+bool LumUri::isFile() const { return LumUriSub::isFileScheme(uri_) || !isAbsolute(); }
+
+bool LumUri::isAbsolute() const { return LumUriSub::checkScheme(uri_) != -1; }
+
+bool LumUri::isRemote() const { return false; }
+
+UnicodeString LumUri::getScheme() const {
+    const int colon = LumUriSub::checkScheme(uri_);
+    return colon == -1 ? UnicodeString() : UnicodeString(uri_, 0, colon);
+}
+
+UnicodeString LumUri::removeFragment() {
+    const int32_t hash = uri_.indexOf(u'#');
+    if (hash == -1) return UnicodeString();
+    const UnicodeString fragment(uri_, hash);
+    uri_.truncate(hash);
+    return fragment;
+}
+
+UnicodeString LumUri::toDirectory(UnicodeString& s, char16_t separator) {
+    if (!viewOf(s).ends_with(separator)) s.append(separator);
+    return s;
+}
+
+UnicodeString LumUri::getFileName() const { return textOf(viewOf(uri_).substr(directoryOf(viewOf(uri_)).size())); }
+
+UnicodeString LumUri::getExtension() const {
+    if (isDataScheme()) return UnicodeString();
+    return textOf(viewOf(uri_).substr(extensionStart(viewOf(uri_))));
+}
+
+UnicodeString LumUri::setExtension(const UnicodeString* extension) {
+    if (viewOf(uri_).ends_with(u'/')) return LumBogusString();
+    const UnicodeString addition = extension ? *extension : UnicodeString();  // may be what toString() returned
+    const UnicodeString old = getExtension();
+    uri_.truncate(uri_.length() - old.length());
+    uri_.append(addition);
+    return old;
+}
+
+UnicodeString LumUri::getBaseString() const {
+    const View directory = directoryOf(viewOf(uri_));
+    return LumUriSub::makeLocalPathFromUri(textOf(directory.empty() ? View(u"./") : directory));
+}
+
+bool LumUri::isFileExists() const {
+    const auto path = detail::toPlatformPath(getLocalPath());
+    return path && isFileExists(path->c_str());
+}
+
+bool LumUri::isFileExists(const char* path) { return path && access(path, F_OK) == 0; }
+
+bool LumUri::isSameFile(const LumUri& other) const {
+    return isFile() && other.isFile() && getLocalPath() == other.getLocalPath();
+}
+
+UnicodeString LumUri::getRelativeUri(const UnicodeString& base) const {
+    UnicodeString result;
+    const View uri = viewOf(uri_);
+    const View directory = directoryOf(uri);
+    View baseDirectory = directoryOf(viewOf(base));
+    if (base.isEmpty() || directory.empty()) return result;
+
+    // The directories above this URI are its beginnings that end with "/". The longest of them that the base lies in
+    // too is the last "/" of the part in which both agree.
+    const auto disagreement = std::ranges::mismatch(directory, baseDirectory).in1;
+    const View common = directoryOf(directory.substr(0, static_cast<std::size_t>(disagreement - directory.begin())));
+    if (common.empty()) return result;
+    baseDirectory.remove_prefix(common.size());
+    for (const char16_t unit : baseDirectory) {
+        if (unit == u'/') append(result, u"../");
+    }
+    return append(result, uri.substr(common.size()));
+}
+
+bool LumUri::isDataScheme() const { return LumUriSub::isDataScheme(uri_); }
+
+bool LumUri::isJarScheme() const { return LumUriSub::isJarScheme(uri_); }
+
+LumUri LumUri::getModuleUri(const char*, const char* file, const char* envName) {
+    const UnicodeString name = file ? detail::fromPlatformText(file) : UnicodeString();
+    UnicodeString directory = installationDirectory(envName);
+    if (directory.isEmpty()) {
+        if (viewOf(name).ends_with(u".so")) return LumUri(name);
+        directory = u"./";
+    }
+    if (!name.isEmpty()) return LumUri(LumUri(toDirectory(directory, u'/')), name);
+    if (viewOf(directory).ends_with(u'/')) directory.truncate(directory.length() - 1);
+    return LumUri(directory);
+}
+
+void* LumUri::loadLibrary() const {
+    // dlopen takes an empty path for the program itself, which no library's URI means.
+    const auto path = detail::toPlatformPath(getLocalPath());
+    return path && !path->empty() ? dlopen(path->c_str(), RTLD_LAZY) : nullptr;
+}
+
+void* LumUri::getProcAddress(void* handle, const char* name) {
+    // dlsym takes null for all that is loaded, so a library that failed to load would seem to have every function.
+    return handle && name ? dlsym(handle, name) : nullptr;
+}
+
+void LumUri::freeLibrary(void* handle) {
+    if (handle) dlclose(handle);
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/core/LumRCObject.h>
+
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace LumCommon;
+
+int liveObjects = 0;
+
+class Base : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0x11111111u;
+    Base() { ++liveObjects; }
+    ~Base() override { --liveObjects; }
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
+    UnicodeString getTypeName() const override { return u"Base"; }
+    LumPtr<Base> owned;
+};
+
+class Derived final : public Base {
+public:
+    static constexpr unsigned int TYPE_ID = 0x22222222u;
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override { return typeId == TYPE_ID || Base::isA(typeId); }
+};
+
+class LumPtrTest : public testing::Test {
+protected:
+    void SetUp() override { liveObjects = 0; }
+    void TearDown() override { EXPECT_EQ(liveObjects, 0) << "objects leaked"; }
+};
+
+TEST_F(LumPtrTest, holdsExactlyOneCountForEachPointer) {
+    auto* const object = new Base;
+    EXPECT_EQ(object->getRefCount(), 0);
+    LumPtr<Base> a(object);
+    {
+        LumPtr<Base> b(a);
+        const LumPtr<LumRCObject> c(b);
+        EXPECT_EQ(object->getRefCount(), 3);
+        b = a;
+        b = object;
+        b = *&b;
+        EXPECT_EQ(object->getRefCount(), 3) << "assigning what is held changed the count";
+        const LumPtr<Base> moved(std::move(b));
+        EXPECT_TRUE(b.isNull());
+        EXPECT_EQ(object->getRefCount(), 3) << "a move counted";
+    }
+    EXPECT_EQ(object->getRefCount(), 1);
+    a->addRef();
+    const LumPtr<Base> adopted(object, false);
+    EXPECT_EQ(object->getRefCount(), 2) << "an adopted count was taken again";
+    EXPECT_TRUE(adopted == a && adopted == object && adopted != nullptr && adopted);
+    a = nullptr;
+    EXPECT_EQ(liveObjects, 1);
+}
+
+TEST_F(LumPtrTest, assigningNullToTheLastReferenceDestroys) {
+    LumPtr<Base> a(new Base);
+    a = static_cast<Base*>(nullptr);
+    EXPECT_EQ(liveObjects, 0);
+    EXPECT_TRUE(a == nullptr);
+}
+
+TEST_F(LumPtrTest, theOldObjectMayHoldTheLastReferenceToTheNew) {
+    for (const bool moves : {false, true}) {
+        SCOPED_TRACE(moves ? "by move" : "by pointer");
+        LumPtr<Base> p(new Base);
+        p->owned = new Base;
+        Base* const inner = p->owned.get();
+        if (moves) {
+            p = std::move(p->owned);
+        } else {
+            p = inner;
+        }
+        EXPECT_EQ(p.get(), inner);
+        EXPECT_EQ(liveObjects, 1);
+        EXPECT_EQ(p->getRefCount(), 1);
+    }
+}
+
+TEST_F(LumPtrTest, moveAssignmentOverTheSameObjectGivesOneCountBack) {
+    LumPtr<Base> a(new Base);
+    LumPtr<Base> b(a);
+    a = std::move(b);
+    EXPECT_TRUE(b.isNull());
+    EXPECT_EQ(a->getRefCount(), 1);
+    LumPtr<Base>& alias = a;
+    a = std::move(alias);
+    EXPECT_FALSE(a.isNull()) << "a move onto itself lost the object";
+}
+
+TEST_F(LumPtrTest, downCastAsksTheObject) {
+    const LumPtr<Base> base(new Base);
+    const LumPtr<Base> derived(new Derived);
+    LumPtr<Derived> p;
+    p = static_cast<LumObjectBase*>(derived.get());
+    EXPECT_EQ(p.get(), derived.get());
+    EXPECT_EQ(derived->getRefCount(), 2);
+    p = static_cast<LumObjectBase*>(derived.get());
+    EXPECT_EQ(derived->getRefCount(), 2) << "assigning what is held changed the count";
+    p = base.get();
+    EXPECT_TRUE(p.isNull()) << "an object of another class was taken";
+    EXPECT_EQ(base->getRefCount(), 1);
+    EXPECT_EQ(derived->getRefCount(), 1) << "the object held before was not given back";
+    p = static_cast<LumObjectBase*>(nullptr);
+    EXPECT_TRUE(p.isNull());
+}
+
+TEST_F(LumPtrTest, isAReachesTheRootAndNothingElse) {
+    const LumPtr<Base> object(new Base);
+    EXPECT_TRUE(object->isA(LumRCObject::TYPE_ID));
+    EXPECT_TRUE(object->isA(0xA4EBD8C4u));
+    EXPECT_FALSE(object->isA(Derived::TYPE_ID));
+    EXPECT_FALSE(object->isA(0));
+}
+
+TEST_F(LumPtrTest, threadsCopyAndReleaseOneObject) {
+    LumPtr<Base> shared(new Base);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([mine = shared] {
+            for (int i = 0; i < 20000; ++i) {
+                const LumPtr<Base> copy(mine);
+                LumPtr<Base> other;
+                other = copy;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    threads.clear();
+    EXPECT_EQ(shared->getRefCount(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Fails when the documentation has drifted from the tree.
+
+A C++ block is cut from a file: the line before it says `<!-- from examples/first.cpp first -->`, and the block must
+equal what stands between two lines `// [first]` there, indentation aside. A path in backquotes that begins with a
+folder of this tree must exist.
+"""
+import pathlib
+import re
+import sys
+import textwrap
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+BLOCK = re.compile(r"(?:<!-- from (\S+) (\S+) -->\n)?```cpp\n(.*?)```", re.DOTALL)
+PATH = re.compile(r"`((?:lumcommon|tests|fuzz|bench|examples|tools|scripts|docs|cmake)/[^`\s*<>]*)`")
+
+
+def region(path, marker):
+    text = (ROOT / path).read_text(encoding="utf-8")
+    parts = re.split(rf"^[ \t]*// \[{re.escape(marker)}\]\n", text, flags=re.MULTILINE)
+    if len(parts) != 3:
+        raise ValueError(f"{path} has no region [{marker}]")
+    return textwrap.dedent(parts[1])
+
+
+def faults(name, text):
+    for path, marker, body in BLOCK.findall(text):
+        if not path:
+            yield f"{name}: a C++ block is not cut from a file: {body[:60]!r}"
+            continue
+        try:
+            wanted = region(path, marker)
+        except (OSError, ValueError) as error:
+            yield f"{name}: {error}"
+            continue
+        if wanted != body:
+            yield f"{name}: the block from {path} [{marker}] differs from the file"
+    for path in PATH.findall(text):
+        if not (ROOT / path).exists():
+            yield f"{name}: there is no {path}"
+
+
+def check_the_check():
+    assert list(faults("x", "```cpp\nint a;\n```")), "a block from nowhere passes"
+    assert list(faults("x", "<!-- from examples/first.cpp first -->\n```cpp\nint a;\n```")), "a changed block passes"
+    assert list(faults("x", "see `docs/absent.md`")), "a lost file passes"
+
+
+def main():
+    check_the_check()
+    pages = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *ROOT.glob("*/README.md")])
+    found = [fault for page in pages for fault in faults(str(page.relative_to(ROOT)), page.read_text(encoding="utf-8"))]
+    blocks = sum(len(BLOCK.findall(page.read_text(encoding="utf-8"))) for page in pages)
+    assert blocks >= 2, "hardly any block was read"
+    print("\n".join(found))
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
