@@ -64,15 +64,12 @@ private:
     PieceBuffer buffer_;
 };
 
-/// An input that is made while it is read: `next` gives the bytes of the next piece, empty at the end.
-class GeneratedStream : public std::istream, private std::streambuf {
+/// A buffer that is made while it is read: `next` gives the bytes of the next piece, none at the end.
+class GeneratedBuffer : public std::streambuf {
 public:
-    explicit GeneratedStream(std::function<std::string()> next)
-        : std::istream(nullptr), std::streambuf(), next_(std::move(next)) {
-        std::istream::rdbuf(this);
-    }
+    explicit GeneratedBuffer(std::function<std::string()> next) : next_(std::move(next)) {}
 
-private:
+protected:
     int_type underflow() override {
         if (gptr() < egptr()) return traits_type::to_int_type(*gptr());
         piece_ = next_();
@@ -81,6 +78,7 @@ private:
         return traits_type::to_int_type(*gptr());
     }
 
+private:
     std::function<std::string()> next_;
     std::string piece_;
 };
