@@ -78,13 +78,13 @@ def judge_events(lum, paths):
 
 
 def selftest():
-    same = content(b'<?x?><a xmlns:p="u" b="1" c="2"><!--n--><p:d/>&lt;</a>')
+    same = content(b'<?x?><a xmlns:p="urn:u" b="1" c="2"><!--n--><p:d/>&lt;</a>')
     cases = [
-        ("order of attributes, quotes, references, comments", b"<a c='2' xmlns:p='u' b='1'><p:d></p:d>&#60;</a>", True),
-        ("a changed attribute", b'<a xmlns:p="u" b="1" c="3"><p:d/>&lt;</a>', False),
-        ("a lost attribute", b'<a xmlns:p="u" b="1"><p:d/>&lt;</a>', False),
-        ("another namespace", b'<a xmlns:p="v" b="1" c="2"><p:d/>&lt;</a>', False),
-        ("white space more", b'<a xmlns:p="u" b="1" c="2"><p:d/>&lt; </a>', False),
+        ("order of attributes, quotes, references, comments", b"<a c='2' xmlns:p='urn:u' b='1'><p:d></p:d>&#60;</a>", True),
+        ("a changed attribute", b'<a xmlns:p="urn:u" b="1" c="3"><p:d/>&lt;</a>', False),
+        ("a lost attribute", b'<a xmlns:p="urn:u" b="1"><p:d/>&lt;</a>', False),
+        ("another namespace", b'<a xmlns:p="urn:v" b="1" c="2"><p:d/>&lt;</a>', False),
+        ("white space more", b'<a xmlns:p="urn:u" b="1" c="2"><p:d/>&lt; </a>', False),
     ]
     for fault, document, equal in cases:
         if (content(document) == same) != equal:

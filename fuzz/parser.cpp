@@ -1,0 +1,134 @@
+// Any bytes may call themselves an XML document. The first four choose features, interface and piece sizes.
+// Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
+// depth rises and falls by one with start and end tags; a callback that goes on after errors ends as well.
+
+#include <lumcommon/lumcommon.h>
+
+#include "FuzzSupport.h"
+
+using namespace LumCommon;
+using LumFuzz::Choices;
+using LumFuzz::Digest;
+using LumFuzz::PieceBuffer;
+
+namespace {
+
+struct Setting {
+    unsigned features = 0;
+    bool useTokens = false;
+    bool goOnAfterErrors = false;
+    bool defineEntity = false;
+    bool touchOnlyTags = false;  // an accessor that fills a cache must not change what comes after
+};
+
+/// A callback may let parsing go on; one that never stops would have a malformed input report for ever.
+constexpr int maxReports = 1000;
+
+struct Reports {
+    int count = 0;
+    Digest digest;
+};
+
+void onError(const LumError& error, void* data) {
+    auto& reports = *static_cast<Reports*>(data);
+    reports.digest.add(error.code);
+    reports.digest.add(error.message);
+    if (++reports.count == maxReports) throw error;
+}
+
+void addAttributes(const LumXmlParser& parser, Digest& digest) {
+    const int count = parser.getAttributeCount();
+    digest.add(static_cast<std::uint64_t>(count));
+    for (int i = 0; i < count; ++i) {
+        digest.add(parser.getAttributePrefix(i).getString());
+        digest.add(parser.getAttributeName(i).getString());
+        digest.add(parser.getAttributeNamespace(i).getString());
+        const UnicodeString& value = parser.getAttributeValue(i);
+        digest.add(value);
+        // Asked by name, an attribute that is there is not absent.
+        FUZZ_LAW(!parser.getAttributeValue(parser.getAttributeNamespace(i), parser.getAttributeName(i)).isBogus());
+    }
+}
+
+void addEvent(const LumXmlParser& parser, bool touchOnlyTags, Digest& digest) {
+    const int event = parser.getEventType();
+    digest.add(static_cast<std::uint64_t>(event));
+    digest.add(static_cast<std::uint64_t>(parser.getDepth()));
+    digest.add(static_cast<std::uint64_t>(parser.getLineNumber()));
+    digest.add(static_cast<std::uint64_t>(parser.getColumnNumber()));
+    if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG) {
+        digest.add(parser.getPrefix().getString());
+        digest.add(parser.getName().getString());
+        digest.add(parser.getNamespace().getString());
+        FUZZ_LAW(parser.getDepth() > 0);
+        digest.add(static_cast<std::uint64_t>(parser.getNamespaceCount(parser.getDepth())));
+    }
+    if (event == LumXmlParser::START_TAG) {
+        digest.add(parser.isEmptyElementTag());
+        addAttributes(parser, digest);
+    } else if (!touchOnlyTags) {
+        digest.add(parser.getText());
+    }
+    if (event == LumXmlParser::TEXT || event == LumXmlParser::CDSECT) digest.add(parser.isWhitespace());
+    if (event == LumXmlParser::ENTITY_REF) digest.add(parser.getName().getString());
+}
+
+Digest parse(const Choices& document, const Setting& setting, std::size_t firstPiece, std::size_t secondPiece) {
+    PieceBuffer buffer(document.data(), document.size(), firstPiece, secondPiece);
+    std::istream in(&buffer);
+    LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    // External entities are not opened: the document must not reach the files of the machine that fuzzes.
+    parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);
+    for (int feature = 1; feature < 6; ++feature) {
+        parser->setFeature(static_cast<LumXmlParser::Feature>(feature), (setting.features >> feature & 1u) != 0);
+    }
+    Reports reports;
+    if (setting.goOnAfterErrors) parser->setCallbackError(onError, &reports);
+    Digest digest;
+    try {
+        parser->setInput(in, UnicodeString(), UnicodeString());
+        if (setting.defineEntity) {
+            parser->defineEntityReplacementText(LumName(u"e"), u"<i a='&amp;'>&lt;</i>&f;");
+            parser->defineEntityReplacementText(LumName(u"f"), u"text</b><b>");
+        }
+        int depth = 0;
+        int event = 0;
+        do {
+            event = setting.useTokens ? parser->nextToken() : parser->next();
+            FUZZ_LAW(event == parser->getEventType());
+            if (event == LumXmlParser::START_TAG) ++depth;
+            if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG) {
+                FUZZ_LAW(setting.goOnAfterErrors || parser->getDepth() == depth);
+            }
+            if (event == LumXmlParser::END_TAG) --depth;
+            addEvent(*parser, setting.touchOnlyTags, digest);
+        } while (event != LumXmlParser::END_DOCUMENT);
+        FUZZ_LAW(setting.goOnAfterErrors || depth == 0);
+    } catch (const LumError& error) {
+        FUZZ_LAW(error.code >= 0x0800 && error.code < 0x2000 && !error.message.isEmpty());
+        digest.add(error.code);
+        digest.add(error.message);
+    }
+    digest.add(static_cast<std::uint64_t>(reports.count));
+    FUZZ_LAW(reports.count <= maxReports);
+    return digest;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Choices input(data, size);
+    Setting setting;
+    setting.features = input.byte();
+    const unsigned how = input.byte();
+    setting.useTokens = (how & 1u) != 0;
+    setting.goOnAfterErrors = (how & 2u) != 0;
+    setting.defineEntity = (how & 4u) != 0;
+    setting.touchOnlyTags = (how & 8u) != 0;
+    const std::size_t firstPiece = input.byte();
+    const std::size_t secondPiece = input.byte();
+    const Digest whole = parse(input, setting, size + 1, size + 1);
+    FUZZ_LAW(whole == parse(input, setting, firstPiece, secondPiece));
+    FUZZ_LAW(whole == parse(input, setting, 1, 1));
+    return 0;
+}
