@@ -190,10 +190,18 @@ bool XmlParserImpl::isIgnoreSection() const {
 }
 
 void XmlParserImpl::skipIgnoreSection() {
-    for (int brackets = 0; brackets < 2;) {
+    // Sections in an ignored section have an end of their own. The ">" of the last end is left to the caller.
+    char16_t before[2] = {};
+    for (int sections = 1;;) {
         const std::int32_t c = readChar();
         if (c < 0) return;
-        if (c == ']') ++brackets;
+        if (before[0] == '<' && before[1] == '!' && c == '[') ++sections;
+        if (before[0] == ']' && before[1] == ']' && c == '>' && --sections == 0) {
+            unreadChar(c);
+            return;
+        }
+        before[0] = before[1];
+        before[1] = static_cast<char16_t>(c);
     }
 }
 

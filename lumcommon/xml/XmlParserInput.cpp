@@ -222,11 +222,9 @@ bool XmlParserImpl::pull() {
     while (frameCount_ > 0) {
         if (cursor_.cur != cursor_.end) return true;
         Frame& frame = *frames_[frameCount_ - 1];
-        if (frame.isBarrier) return false;
-        if (frame.kind == Frame::Stream) {
-            if (frame.input->refill(cursor_)) return true;
-            if (streamCount_ == 1) return false;
-        }
+        const bool isStream = frame.kind == Frame::Stream;
+        if (isStream && frame.input->refill(cursor_)) return true;
+        if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();
     }
     return false;
