@@ -2,6 +2,8 @@
 #include <lumcommon/xml/XmlParserImpl.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
+#include <string_view>
+
 // References to characters and entities.
 
 namespace LumCommon {
@@ -82,6 +84,23 @@ std::int32_t XmlParserImpl::readCharEntityRef(LumName& name, bool wantValue, Uni
         throwError(XmlError::EntityRefChar, read);
     }
     if (wantValue) value = lookupEntityValue(name, false);
+    return 0;
+}
+
+char16_t XmlParserImpl::readPredefinedReference() {
+    static constexpr struct {
+        std::u16string_view text;
+        char16_t unit;
+    } references[] = {{u"amp;", u'&'}, {u"lt;", u'<'}, {u"gt;", u'>'}, {u"quot;", u'"'}, {u"apos;", u'\''}};
+    if (!isPredefinedIntact_) return 0;
+    const std::u16string_view rest(cursor_.cur, static_cast<std::size_t>(cursor_.end - cursor_.cur));
+    for (const auto& reference : references) {
+        if (rest.starts_with(reference.text)) {
+            cursor_.cur += reference.text.size();
+            cursor_.touch(cursor_.cur);
+            return reference.unit;
+        }
+    }
     return 0;
 }
 

@@ -19,10 +19,9 @@ namespace XmlError = detail::XmlError;
 
 namespace {
 
-constexpr const char16_t* eventNames[] = {u"START_DOCUMENT", u"END_DOCUMENT", u"START_TAG",
-                                          u"END_TAG",        u"TEXT",         u"CDSECT",
-                                          u"ENTITY_REF",     u"IGNORABLE_WHITESPACE",
-                                          u"PROCESSING_INSTRUCTION", u"COMMENT", u"DOCDECL"};
+constexpr const char16_t* eventNames[] = {
+    u"START_DOCUMENT",       u"END_DOCUMENT",           u"START_TAG", u"END_TAG", u"TEXT", u"CDSECT", u"ENTITY_REF",
+    u"IGNORABLE_WHITESPACE", u"PROCESSING_INSTRUCTION", u"COMMENT",   u"DOCDECL"};
 
 bool isFeature(int feature) { return feature >= 0 && feature <= LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY; }
 
@@ -78,6 +77,7 @@ UnicodeString XmlParserImpl::getInputEncoding() const {
 void XmlParserImpl::defineEntityReplacementText(LumName name, const UnicodeString& text) {
     // Without an input the definition is for the document that comes next.
     (frameCount_ > 0 ? generalEntities_ : earlyDefinitions_)[name] = text;
+    isPredefinedIntact_ = false;
 }
 
 int XmlParserImpl::getNamespaceCount(int depth) const { return namespaces_->getNamespaceCount(depth); }
@@ -301,10 +301,28 @@ LumXmlParser::EventType XmlParserImpl::nextToken() {
     return END_DOCUMENT;
 }
 
+bool XmlParserImpl::endsText(TokenState following) {
+    if (following >= TOKEN_TEXT && following <= TOKEN_DECLARATION) return false;
+    textStart_ = 0;
+    isTextCached_ = false;
+    return true;
+}
+
 LumXmlParser::EventType XmlParserImpl::next() {
     text_.clear();
     for (;;) {
         textStart_ = text_.size();
+        if (tokenState_ == TOKEN_REFERENCE && getDepth() > 0) {
+            // The character that a predefined reference stands for is text, whatever it is.
+            if (const char16_t unit = readPredefinedReference()) {
+                text_.append(unit);
+                eventType_ = TEXT;
+                isTextCached_ = false;
+                tokenState_ = TOKEN_UNKNOWN;
+                if (endsText(whatsNext())) return TEXT;
+                continue;
+            }
+        }
         switch (nextToken()) {
             case START_DOCUMENT:
             case END_DOCUMENT:
@@ -324,12 +342,7 @@ LumXmlParser::EventType XmlParserImpl::next() {
                 if (text_.empty()) continue;
         }
         eventType_ = TEXT;
-        const TokenState following = whatsNext();
-        if (following < TOKEN_TEXT || following > TOKEN_DECLARATION) {
-            textStart_ = 0;
-            isTextCached_ = false;
-            return TEXT;
-        }
+        if (endsText(whatsNext())) return TEXT;
     }
 }
 

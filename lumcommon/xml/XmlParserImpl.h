@@ -88,21 +88,21 @@ private:
     };
 
     enum LiteralType : int {
-        LITERAL_PLAIN = 0,       ///< XML declaration, system and public identifiers
-        LITERAL_ATTRIBUTE = 1,   ///< references are expanded
-        LITERAL_ENTITY = 2,      ///< character references are expanded
-        LITERAL_OPTIONAL = 3,    ///< quotes may be missing
-        LITERAL_OFFENDING = 4,   ///< as 3, and the quotes are part of the result
+        LITERAL_PLAIN = 0,      ///< XML declaration, system and public identifiers
+        LITERAL_ATTRIBUTE = 1,  ///< references are expanded
+        LITERAL_ENTITY = 2,     ///< character references are expanded
+        LITERAL_OPTIONAL = 3,   ///< quotes may be missing
+        LITERAL_OFFENDING = 4,  ///< as 3, and the quotes are part of the result
     };
 
     struct Frame {
         enum Kind { Stream, Replacement, Literal } kind = Replacement;
-        detail::XmlCursor cursor;                  // while another frame is on top of it
-        std::unique_ptr<detail::XmlInput> input;   // Stream
-        bool isBarrier = false;                    // its end is the end of input, whatever lies below
-        UnicodeString text;                        // Replacement: keeps the units alive
-        LumName entity;                            // Replacement: whose text it is
-        const char16_t* start = nullptr;           // Literal: its first unit
+        detail::XmlCursor cursor;                 // while another frame is on top of it
+        std::unique_ptr<detail::XmlInput> input;  // Stream
+        bool isBarrier = false;                   // its end is the end of input, whatever lies below
+        UnicodeString text;                       // Replacement: keeps the units alive
+        LumName entity;                           // Replacement: whose text it is
+        const char16_t* start = nullptr;          // Literal: its first unit
     };
 
     struct Attribute {
@@ -158,6 +158,7 @@ private:
     // Markup (XmlParserMarkup.cpp, XmlParserTags.cpp)
     TokenState whatsNext();
     EventType startDocument();
+    bool endsText(TokenState following);
     bool readToken();  // false at the end of the input
     void parseStartTag();
     void parseAttributes();
@@ -184,7 +185,8 @@ private:
     bool skipWhitespace();
     LumName readNCName();
     bool readQName(LumName& prefix, LumName& localName);
-    const detail::CachedName* readQNameFast();
+    const detail::CachedName* readQNameFast();  // null when it takes more than a look at the window
+    const detail::CachedName* findQName();
     void scanNCName(detail::UnitBuffer& out);
     UnicodeString readLiteral(LiteralType type);
     bool readLiteral(LiteralType type, detail::UnitBuffer& out);
@@ -198,6 +200,8 @@ private:
     std::int32_t readCharacterReference();
     UnicodeString lookupEntityValue(LumName name, bool isParameter) const;
     void expandEntityInContent(LumName name);
+    /// The character of a reference to a predefined entity that lies in the window; 0, and nothing read, otherwise.
+    char16_t readPredefinedReference();
     static bool isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name);
 
     // Errors
@@ -210,8 +214,8 @@ private:
     bool features_[6] = {};
     EventType eventType_ = START_DOCUMENT;
     TokenState tokenState_ = TOKEN_UNKNOWN;
-    detail::XmlCursor cursor_;                     // of the topmost frame
-    std::vector<std::unique_ptr<Frame>> frames_;   // [0, frameCount_) are in use; the rest is kept for reuse
+    detail::XmlCursor cursor_;                    // of the topmost frame
+    std::vector<std::unique_ptr<Frame>> frames_;  // [0, frameCount_) are in use; the rest is kept for reuse
     std::size_t frameCount_ = 0;
     int streamCount_ = 0;
 
@@ -222,25 +226,27 @@ private:
 
     LumPtr<NamespaceManager> namespaces_;
     detail::NameCache names_;
+    const detail::CachedName* lastName_ = nullptr;
     std::vector<const detail::CachedName*> openNames_;  // as written; null where the cache does not know the name
     std::vector<Attribute> attributes_;
     detail::UnitBuffer attributeText_;
     mutable std::vector<UnicodeString> attributeViews_;
-    mutable std::size_t viewCount_ = 0;                  // attributeViews_ before this are valid
-    std::unordered_set<std::uint64_t> attributeKeys_;    // for tags with many attributes
+    mutable std::size_t viewCount_ = 0;                // attributeViews_ before this are valid
+    std::unordered_set<std::uint64_t> attributeKeys_;  // for tags with many attributes
 
     LumName entityName_;
-    std::int32_t entityChar_ = 0;  // of a character reference
+    std::int32_t entityChar_ = 0;      // of a character reference
+    bool isPredefinedIntact_ = false;  // the predefined entities mean what XML says
     EntityMap generalEntities_;
     EntityMap parameterEntities_;
     EntityMap generalExternals_;
     EntityMap parameterExternals_;
-    EntityMap earlyDefinitions_;   // made before the input that they are for
+    EntityMap earlyDefinitions_;                // made before the input that they are for
     std::unordered_set<LumName> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;
     std::uint64_t closedBytes_ = 0;  // read from inputs that are closed by now
 
-    mutable int line_ = -1;    // when no input is open
+    mutable int line_ = -1;  // when no input is open
     mutable int column_ = -1;
     UnicodeString encodingName_;  // of the last input when none is open
     UnicodeString systemId_;

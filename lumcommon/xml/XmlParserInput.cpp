@@ -143,12 +143,14 @@ void XmlParserImpl::reset() {
     attributes_.clear();
     viewCount_ = 0;
     openNames_.clear();
-    while (namespaces_->popScope()) {}
+    while (namespaces_->popScope()) {
+    }
 }
 
 void XmlParserImpl::loadPredefinedEntities() {
     if (generalEntities_.size() == 5) return;
     generalEntities_.clear();
+    isPredefinedIntact_ = earlyDefinitions_.empty();
     generalEntities_[NAME_lt] = u"&#60;";
     generalEntities_[NAME_gt] = u">";
     generalEntities_[NAME_amp] = u"&#38;";

@@ -21,6 +21,8 @@ namespace {
 
 // Up to this many attributes comparing each with each is faster than hashing them.
 constexpr std::size_t maxPairwiseAttributes = 16;
+// Longer values are better copied by the library function.
+constexpr std::size_t maxShortValueUnits = 32;
 
 UnicodeString lendUnits(const char16_t* units, std::size_t size) {
     return UnicodeString(false, units, static_cast<std::int32_t>(size));
@@ -88,6 +90,25 @@ LumName XmlParserImpl::readNCName() {
 }
 
 const CachedName* XmlParserImpl::readQNameFast() {
+    const char16_t* const start = cursor_.cur;
+    const CachedName* const guess = lastName_ ? lastName_->following : nullptr;
+    if (guess && static_cast<std::size_t>(cursor_.end - start) > guess->size && guess->matches(start)) {
+        const char16_t* const behind = start + guess->size;
+        if (*behind < 128 && !(classOf(*behind) & (detail::CLASS_NAME | detail::CLASS_COLON))) {
+            cursor_.cur = behind;
+            cursor_.touch(behind + 1);
+            return lastName_ = guess;
+        }
+    }
+    const CachedName* const name = findQName();
+    if (name) {
+        if (lastName_) lastName_->following = name;
+        lastName_ = name;
+    }
+    return name;
+}
+
+const CachedName* XmlParserImpl::findQName() {
     const char16_t* const start = cursor_.cur;
     const char16_t* p = start;
     while (p != cursor_.end && (classOf(*p) & (detail::CLASS_NAME | detail::CLASS_COLON))) ++p;
@@ -211,7 +232,13 @@ bool XmlParserImpl::readAttributeValueFast() {
     const char16_t* const start = p;
     p = detail::findValueEnd(p, end, delimiter);
     if (p == end || *p != delimiter) return false;
-    attributeText_.append(start, static_cast<std::size_t>(p - start));
+    const auto size = static_cast<std::size_t>(p - start);
+    // Replacement texts have no slack behind them.
+    if (size <= maxShortValueUnits && frames_[frameCount_ - 1]->kind == Frame::Stream) {
+        attributeText_.appendShort(start, size);
+    } else {
+        attributeText_.append(start, size);
+    }
     cursor_.cur = p + 1;
     cursor_.touch(cursor_.cur);
     return true;
@@ -399,6 +426,12 @@ void XmlParserImpl::expandLiteral(LiteralType type, std::size_t from, detail::Un
 }
 
 void XmlParserImpl::expandReferenceInLiteral(LiteralType type, detail::UnitBuffer& out) {
+    if (type == LITERAL_ATTRIBUTE) {
+        if (const char16_t unit = readPredefinedReference()) {
+            out.append(unit);
+            return;
+        }
+    }
     LumName name;
     UnicodeString value;
     const std::int32_t c = readCharEntityRef(name, type == LITERAL_ATTRIBUTE, value);

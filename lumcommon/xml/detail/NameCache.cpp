@@ -53,7 +53,7 @@ const CachedName* NameCache::add(const char16_t* text, std::size_t size, LumName
         }
     }
     const char16_t* const kept = keep(text, size);
-    names_.push_back({kept, static_cast<std::uint32_t>(size), prefix, localName});
+    names_.push_back({kept, static_cast<std::uint32_t>(size), prefix, localName, nullptr});
     insert({hash(text, size, seed_), &names_.back()});
     return &names_.back();
 }

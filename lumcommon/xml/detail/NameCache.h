@@ -17,8 +17,29 @@ struct CachedName {
     std::uint32_t size;  // units
     LumNameEnum prefix;
     LumNameEnum localName;
+    // The name that came after this one last time. Documents repeat themselves: comparing with a good guess is cheaper
+    // than finding the end of a name and hashing it.
+    mutable const CachedName* following = nullptr;
 
-    bool matches(const char16_t* text) const noexcept { return std::memcmp(units, text, size * sizeof(char16_t)) == 0; }
+    /// Whether `size` units at `text` are this name.
+    bool matches(const char16_t* text) const noexcept {
+        if (size < 4) {
+            for (std::uint32_t i = 0; i < size; ++i) {
+                if (units[i] != text[i]) return false;
+            }
+            return true;
+        }
+        for (std::uint32_t i = 0; i + 4 < size; i += 4) {
+            if (loadWord(units + i) != loadWord(text + i)) return false;
+        }
+        return loadWord(units + size - 4) == loadWord(text + size - 4);
+    }
+
+    static std::uint64_t loadWord(const char16_t* text) noexcept {
+        std::uint64_t word;
+        std::memcpy(&word, text, sizeof word);
+        return word;
+    }
 };
 
 /// The qualified names that one parser has met: a name seen before costs one hash and one compare and takes no lock.
@@ -32,7 +53,7 @@ public:
     static std::uint32_t hash(const char16_t* text, std::size_t size, std::uint64_t seed) noexcept {
         std::uint64_t h = seed ^ size;
         while (size >= 4) {
-            h = mix(h, load(text));
+            h = mix(h, CachedName::loadWord(text));
             text += 4;
             size -= 4;
         }
@@ -63,11 +84,6 @@ private:
         const CachedName* name = nullptr;
     };
 
-    static std::uint64_t load(const char16_t* text) noexcept {
-        std::uint64_t word;
-        std::memcpy(&word, text, sizeof word);
-        return word;
-    }
     static std::uint64_t mix(std::uint64_t h, std::uint64_t word) noexcept {
         h = (h ^ word) * 0x9E3779B97F4A7C15u;
         return h ^ (h >> 29);

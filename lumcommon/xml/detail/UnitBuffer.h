@@ -12,6 +12,8 @@ namespace LumCommon::detail {
 /// A growing run of UTF-16 units that keeps its memory when it is emptied, so that filling it again allocates nothing.
 class UnitBuffer {
 public:
+    static constexpr std::size_t slackUnits = 8;
+
     const char16_t* data() const noexcept { return units_.get(); }
     std::size_t size() const noexcept { return size_; }
     bool empty() const noexcept { return size_ == 0; }
@@ -22,6 +24,16 @@ public:
     void append(const char16_t* units, std::size_t count) {
         if (count > capacity_ - size_) grow(count);
         std::memcpy(units_.get() + size_, units, count * sizeof(char16_t));
+        size_ += count;
+    }
+    /// The same for a short run that lies in memory with at least `slackUnits` readable units behind it: copies whole
+    /// vectors without asking for the exact length.
+    void appendShort(const char16_t* units, std::size_t count) {
+        if (count + slackUnits > capacity_ - size_) grow(count + slackUnits);
+        char16_t* const to = units_.get() + size_;
+        for (std::size_t i = 0; i < count; i += slackUnits) {
+            std::memcpy(to + i, units + i, slackUnits * sizeof(char16_t));
+        }
         size_ += count;
     }
     void append(char16_t unit) {

@@ -35,8 +35,8 @@ constexpr bool isXmlNameStart(std::int32_t c) noexcept {
     if (c < 0) return false;
     if (c < 128) return (xmlCharClasses[static_cast<unsigned>(c)] & CLASS_NAME_START) != 0;
     return (c >= 0xC0 && c <= 0x2FF) || (c >= 0x370 && c <= 0x37D) || (c >= 0x37F && c <= 0x1FFF) || c == 0x200C ||
-           c == 0x200D || (c >= 0x2070 && c <= 0x218F) || (c >= 0x2C00 && c <= 0x2FEF) || (c >= 0x3001 && c <= 0xD7FF) ||
-           (c >= 0xF900 && c <= 0xEFFFF);
+           c == 0x200D || (c >= 0x2070 && c <= 0x218F) || (c >= 0x2C00 && c <= 0x2FEF) ||
+           (c >= 0x3001 && c <= 0xD7FF) || (c >= 0xF900 && c <= 0xEFFFF);
 }
 
 constexpr bool isXmlNameChar(std::int32_t c) noexcept {

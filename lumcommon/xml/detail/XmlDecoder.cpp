@@ -231,10 +231,9 @@ void XmlDecoder::decodeUtf16(Run& run) noexcept {
             while (run.fromEnd - run.from >= 16 && run.toEnd - run.to >= 8) {
                 __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(run.from));
                 if (!isLittleEndian) v = _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
-                const __m128i hits =
-                    _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, carriageReturn), _mm_cmpeq_epi16(v, nextLine)),
-                                 _mm_or_si128(_mm_cmpeq_epi16(v, lineSeparator),
-                                              _mm_cmpeq_epi16(_mm_and_si128(v, leadMask), lead)));
+                const __m128i hits = _mm_or_si128(
+                    _mm_or_si128(_mm_cmpeq_epi16(v, carriageReturn), _mm_cmpeq_epi16(v, nextLine)),
+                    _mm_or_si128(_mm_cmpeq_epi16(v, lineSeparator), _mm_cmpeq_epi16(_mm_and_si128(v, leadMask), lead)));
                 const auto special = static_cast<unsigned>(_mm_movemask_epi8(hits));
                 _mm_storeu_si128(reinterpret_cast<__m128i*>(run.to), v);
                 const int good = special ? __builtin_ctz(special) / 2 : 8;
@@ -250,7 +249,8 @@ void XmlDecoder::decodeUtf16(Run& run) noexcept {
     }
 }
 
-void XmlDecoder::decode(Bytes& from, Bytes fromEnd, bool isLast, char16_t*& to, char16_t* toEnd, bool oneChar) noexcept {
+void XmlDecoder::decode(Bytes& from, Bytes fromEnd, bool isLast, char16_t*& to, char16_t* toEnd,
+                        bool oneChar) noexcept {
     Run run{from, fromEnd, isLast, to, toEnd};
     if (oneChar) {
         decodeEach(run, true);

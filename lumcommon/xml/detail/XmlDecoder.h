@@ -7,7 +7,7 @@ namespace LumCommon::detail {
 
 /// How bytes become characters. The numbers are part of the parser's contract.
 enum class XmlEncoding : int {
-    Undecided = 0,     ///< one byte is one character
+    Undecided = 0,  ///< one byte is one character
     Utf8 = 1,
     Utf16Generic = 2,  ///< named without byte order: one byte is one character until the order is known
     Utf16LE = 3,
@@ -15,8 +15,8 @@ enum class XmlEncoding : int {
     Utf32Generic = 5,  ///< as 2
     Utf32LE = 6,
     Utf32BE = 7,
-    Ascii = 8,         ///< one byte is one character
-    Latin1 = 9,        ///< one byte is one character
+    Ascii = 8,   ///< one byte is one character
+    Latin1 = 9,  ///< one byte is one character
 };
 
 /// Turns bytes into UTF-16 with line ends folded to U+000A (CR LF, CR NEL, CR, NEL and LS are line ends).
@@ -37,7 +37,8 @@ public:
 
 private:
     struct Run;
-    bool decodeOne(const unsigned char*& from, const unsigned char* fromEnd, bool isLast, std::int32_t& c) const noexcept;
+    bool decodeOne(const unsigned char*& from, const unsigned char* fromEnd, bool isLast,
+                   std::int32_t& c) const noexcept;
     void decodeUtf8(Run& run) noexcept;
     void decodeBytes(Run& run) noexcept;
     void decodeUtf16(Run& run) noexcept;

@@ -8,8 +8,9 @@ namespace LumCommon::detail {
 namespace {
 
 constexpr std::size_t blockBytes = 32768;
-constexpr std::size_t windowUnits = 8192;   // small enough to stay in the first-level cache while it is scanned
-constexpr std::size_t putBackUnits = 16;    // more than any look-ahead pushes back
+constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-level cache while it is scanned
+constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
+constexpr std::size_t slackUnits = 16;     // so that scanners may load whole vectors
 
 }  // namespace
 
@@ -17,7 +18,7 @@ XmlInput::XmlInput(std::istream* stream, bool ownsStream)
     : stream_(stream),
       ownsStream_(ownsStream),
       bytes_(blockBytes),
-      window_(new char16_t[putBackUnits + windowUnits]()) {
+      window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
     counted_ = window_.get() + putBackUnits;
 }
 

@@ -76,8 +76,8 @@ private:
     bool isLeashed_ = true;
     bool isAtEnd_ = false;  // the stream has no more bytes
     XmlDecoder decoder_;
-    TextPosition position_;               // of counted_
-    const char16_t* counted_ = nullptr;   // in the window; units before it are in position_
+    TextPosition position_;              // of counted_
+    const char16_t* counted_ = nullptr;  // in the window; units before it are in position_
     std::vector<unsigned char> bytes_;
     std::size_t byteStart_ = 0;
     std::size_t byteEnd_ = 0;
