@@ -28,7 +28,7 @@ private:
 /// Guard of a LumLock: takes it on construction, gives it back on unlock() or destruction.
 ///
 /// A second guard on the same lock and thread takes nothing and releases nothing: the outermost guard releases.
-/// Threads: one guard belongs to one thread.
+/// The destructor does what unlock() does. Threads: one guard belongs to one thread.
 class LUM_API LumMutex {
 public:
     /// Guards the process-wide lock of the library.

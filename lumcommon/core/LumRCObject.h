@@ -35,6 +35,7 @@ public:
 
 private:
     friend class LumNode;  // deleteAllChildNodes releases without atomic instructions
+    friend class LumNamedValueMap;  // releases maps nested in maps without recursion
     mutable int refCount_ = 0;
 };
 

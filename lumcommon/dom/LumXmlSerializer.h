@@ -21,21 +21,23 @@ public:
     bool isA(unsigned int typeId) const override;
 
     /// Begins a new output. An output before it is flushed and, when it is a file of the serializer's own, closed.
-    /// @param out  stays the caller's and must live until the next setOutput or the end of the serializer.
+    /// @param out  stays the caller's and must live until endDocument() or flush() has been the last operation on it,
+    ///             else until the next setOutput().
     virtual void setOutput(std::ostream& out, const UnicodeString& encoding) = 0;
     /// The same for a file (a path or file: URI), which is created or truncated. Errors: 0x1003.
     virtual void setOutput(const UnicodeString& uri, const UnicodeString& encoding) = 0;
     /// Writes the XML declaration and the generator comment.
-    /// @param encoding    "UTF-8" or "Shift_JIS" in any case; when empty, that of setOutput. Others are not declared
-    /// and
-    ///                    give UTF-8.
+    /// @param encoding    "UTF-8" or "Shift_JIS" in any case; when empty, that of setOutput. Others give UTF-8 without
+    ///                    a declaration. Without startDocument() the output is UTF-8.
     /// @param standalone  "yes", "no", or empty to leave it out.
     virtual void startDocument(const UnicodeString& encoding, const UnicodeString& standalone) = 0;
     /// Closes the open elements and flushes.
     virtual void endDocument() = 0;
-    /// Declares a prefix for the next element.
+    /// Declares a prefix for the next element. Without a next element the declaration is lost.
     virtual void setPrefix(LumName prefix, LumName namespaceUri) = 0;
     /// The prefix in scope for a namespace, else null, or, with `generate`, a new one declared in the current scope.
+    /// The declaration is written when a start tag closes: generate only while one is open or after setPrefix().
+    /// A namespace that is the default in scope gets no new prefix.
     virtual LumName getPrefix(LumName namespaceUri, bool generate) const = 0;
     /// The number of open scopes.
     virtual int getDepth() const = 0;
@@ -50,10 +52,12 @@ public:
     virtual void attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) = 0;
     virtual void attribute(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) = 0;
     virtual void endTag(LumName namespaceUri, LumName localName) = 0;
-    /// Markup characters are escaped; control characters that XML does not allow are left out.
+    /// Markup characters are escaped; control characters that XML does not allow are left out. A surrogate without
+    /// its partner in the same call is written as three bytes of its own. In Shift_JIS what the code page lacks becomes
+    /// a decimal reference, a surrogate pair one to its character.
     virtual void text(const UnicodeString& text) = 0;
     virtual void text(const unsigned short* buffer, int start, int length) = 0;
-    /// The following are written as they stand.
+    /// The following are written as they stand: the caller sees to it that "--", "?>" and "]]>" do not occur inside.
     virtual void cdsect(const UnicodeString& text) = 0;
     virtual void entityRef(const UnicodeString& name) = 0;
     virtual void processingInstruction(const UnicodeString& content) = 0;

@@ -4,9 +4,14 @@
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/values/LumValue.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace LumCommon {
+
+namespace detail {
+class ValuePrinter;
+}
 
 /// A value that carries the name under which a LumNamedValueMap holds it, in the name bits of its type word.
 class LUM_API LumNamedValue : public LumValue {
@@ -29,6 +34,10 @@ class LUM_API LumNamedValueMap : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0xE7D947B0u;
 
+    LumNamedValueMap() = default;
+    /// Releases maps nested in the entries too, to any depth, in constant stack.
+    ~LumNamedValueMap() override;
+
     unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
     UnicodeString getTypeName() const override;
@@ -40,7 +49,7 @@ public:
     LumNamedValue item(int index) const;
     /// The entry with that name; when absent, the null value carrying the asked name.   Cost: logarithmic.
     LumNamedValue getNamedItem(LumName name) const;
-    /// Adds the value under the name or replaces the value there.
+    /// Adds the value under the name or replaces the value there.   Cost: linear in the count.
     void setNamedItem(LumName name, const LumValue& value);
     void setNamedItem(const LumNamedValue& value);
     /// Removes the entry when it is there.
@@ -50,7 +59,13 @@ public:
 
 private:
     friend class LumNamedValueMapIterator;
-    std::vector<LumNamedValue> entries_;  // sorted; maps are small and read far more often than written
+    friend class detail::ValuePrinter;  // reads entries in place
+
+    std::vector<LumNamedValue>::const_iterator find(LumName name) const;
+    void releaseNestedMaps(LumNamedValueMap*& pending) noexcept;
+
+    LumNamedValueMap* nextPending_ = nullptr;  // links maps that wait for their release
+    std::vector<LumNamedValue> entries_;       // sorted; maps are small and read far more often than written
 };
 
 /// Walks a LumNamedValueMap in name order. The map must outlive the iterator and stay unchanged.

@@ -12,6 +12,8 @@ class LumXmlSerializer;
 
 /// Makes parsers and serializers and looks at the root of a document without building a tree.
 /// Errors: those of the parser; an input that cannot be opened throws code 0x1003.
+/// Names that are not built in outlive the parser that met them only while something else holds the shared name table
+/// (see LumNameTable).
 /// Threads: any; the stream belongs to the calling thread.
 class LUM_API LumXmlUtil {
 public:

@@ -60,6 +60,8 @@ public:
     UnicodeString setExtension(const UnicodeString* extension);
     /// The local path up to and including the last "/"; "./" without one.
     UnicodeString getBaseString() const;
+    /// Whether the local path exists. Here and wherever a path goes to the system, it is converted to ICU's default
+    /// codepage, or to UTF-8 when that lacks one of its characters; a path that holds U+0000 names no file.
     bool isFileExists() const;
     /// @param path  a path in the platform's encoding; null gives false.
     static bool isFileExists(const char* path);
@@ -72,14 +74,17 @@ public:
     /// The URI of an installation file: `file` in the directory that the environment variable `envName` names.
     /// @param module  not used on this platform.   All three may be null.
     static LumUri getModuleUri(const char* module, const char* file, const char* envName);
-    /// dlopen of the local path, lazily bound; null on failure. Release with freeLibrary().
+    /// dlopen of the local path, lazily bound; null on failure and for an empty path. Release with freeLibrary().
     void* loadLibrary() const;
+    /// The address of a symbol; null when the library lacks it and when one of the arguments is null.
     static void* getProcAddress(void* handle, const char* name);
+    /// Gives a library back; null is allowed.
     static void freeLibrary(void* handle);
     /// Installs a resolver (null: none) and returns the one before. The caller keeps it alive while it is installed.
     static LumUriReferenceResolver* setUriReferenceResolver(LumUriReferenceResolver* resolver);
 
-    /// Opens the resource for reading.
+    /// Opens the resource for reading: by the installed resolver, else as a local file. Any other scheme gives null,
+    /// and so does a directory.
     /// @param contentType   gets the media type when one is known; may be null.
     /// @param errorMessage  gets the reason of a failure when one is known; may be null.
     /// Ownership: the caller deletes the stream. Null on failure.

@@ -61,8 +61,8 @@ enum LumValueUnitType : std::uint32_t {
 /// The typed value of a property: a number with a unit, a name, a string, a colour, an object, or a compound of named
 /// values, in two machine words.
 ///
-/// No operation throws. Arithmetic that has no meaning gives NULL_VALUE, conversions give NaN or 0, and parse() gives
-/// the whole text as a string.
+/// No operation throws, but for exhausted memory. Arithmetic that has no meaning gives NULL_VALUE, conversions give NaN
+/// or 0, and parse() gives the whole text as a string.
 ///
 /// Ownership: strings are copied with the value; objects and compounds are counted and shared.
 /// Cost: only strings allocate.
@@ -81,8 +81,13 @@ public:
     /// Takes a reference; null gives the null value.
     LumValue(LumRCObject* object) noexcept;
     LumValue(LumNamedValueMap* map) noexcept;
-    LumValue(const LumValue& other);
-    LumValue(LumValue&& other) noexcept;
+    /// Copies carry the name bits as well.
+    LumValue(const LumValue& other) : payload_(other.payload_), typeWord_(other.typeWord_) {
+        if (typeWord_ & 4u) share();
+    }
+    /// Leaves `other` null, without name bits.
+    LumValue(LumValue&& other) noexcept : payload_(other.payload_), typeWord_(other.typeWord_) { other.typeWord_ = 0; }
+    /// Assignment takes over the name bits of the right side; what must keep its own puts them back with setNameKey.
     LumValue& operator=(const LumValue& other);
     LumValue& operator=(LumValue&& other) noexcept;
     ~LumValue() {
@@ -103,7 +108,7 @@ public:
     }
     /// Changes the unit or subtype and leaves the payload as it is.
     void setUnit(LumValueUnitType unit) noexcept {
-        typeWord_ = (typeWord_ & ~0xF8u) | (static_cast<std::uint32_t>(unit) << 3);
+        typeWord_ = (typeWord_ & ~0xF8u) | ((static_cast<std::uint32_t>(unit) & 31u) << 3);
     }
 
     /// The integer, or the real rounded half up; 0 for other kinds. Reals beyond the range of int give the nearest
@@ -125,6 +130,8 @@ public:
     static const UnicodeString& getUnitString(LumValueUnitType unit);
 
     /// Turns the value into a compound; a value that was not null becomes its item under the null name.
+    /// The name bits stay. A compound stored inside itself, directly or through others, is never released: the count
+    /// cannot see the cycle, so callers must not build one.
     void makeCompound();
     /// The item of a compound, null when absent. Another value is its own item under the null name.
     LumValue getNamedItem(LumName name) const;
@@ -133,7 +140,8 @@ public:
     void setNamedItem(const LumNamedValue& value);
     void removeNamedItem(LumName name);
 
-    /// The printed form: numbers with "%d" or "%g" and their unit, compounds as "{name: value; ...}".
+    /// The printed form: numbers with "%d" or "%g" and their unit, compounds as "{name: value; ...}". The decimal point
+    /// is "." in every locale.   Cost: linear in the text, constant stack.
     UnicodeString toString() const;
 
     /// The value of a property's text: a number with or without unit, a hash colour, a quoted string or an identifier
@@ -179,7 +187,18 @@ private:
         void* pointer;
     };
 
+    friend class LumNamedValueMap;  // takes nested maps out of dying ones
+
+    /// What +=, -= and %= have in common: operands of one unit and the choice between integers and reals.
+    template <class OnIntegers, class OnReals>
+    LumValue& combine(const LumValue& right, OnIntegers onIntegers, OnReals onReals);
+    /// Becomes that real; null when `unit` is UNIT_NONE.
+    LumValue& setQuantity(float value, LumValueUnitType unit) noexcept;
+
+    void share();
     void release() noexcept;
+    /// The map that the value holds, with its count, leaving the value null; null when it holds none.
+    LumNamedValueMap* detachMap() noexcept;
 
     Payload payload_;
     std::uint32_t typeWord_ = 0;

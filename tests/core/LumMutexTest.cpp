@@ -78,10 +78,12 @@ TEST(LumMutex, serialisesThreadsThroughNestedGuards) {
                         LumMutex outer(lock);
                         const LumMutex inner(lock);
                         ++unprotected;
+                        outer.unlock();  // the destructor must not release it again, from under the next thread
                     } else {
                         LumMutex outer;
                         const LumMutex inner;
                         ++unprotected;
+                        outer.unlock();
                     }
                 }
             });

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+#include <string_view>
+
+namespace LumBench {
+
+/// What every contender must find in a document before anything is timed.
+struct Answer {
+    std::size_t elements = 0;
+    std::size_t attributes = 0;  ///< namespace declarations do not count: some parsers hide them
+    std::size_t textUnits = 0;   ///< of character data, in UTF-16 code units
+
+    friend bool operator==(const Answer&, const Answer&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const Answer& a) {
+        return out << a.elements << " elements, " << a.attributes << " attributes, " << a.textUnits << " text units";
+    }
+};
+
+/// The number of UTF-16 units that well-formed UTF-8 takes: one a character, two beyond the basic plane.
+inline std::size_t countUnits(std::string_view utf8) {
+    std::size_t units = 0;
+    for (const char c : utf8) {
+        const auto byte = static_cast<unsigned char>(c);
+        units += (byte & 0xC0u) != 0x80u;  // 10xxxxxx continues a character
+        units += byte >= 0xF0u;            // 11110xxx begins one of four bytes
+    }
+    return units;
+}
+
+}  // namespace LumBench

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <libxml/tree.h>
+#include <libxml/xmlreader.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include "Answer.h"
+#include "Inputs.h"
+
+namespace LumBench {
+
+constexpr int libxmlOptions = XML_PARSE_HUGE | XML_PARSE_NONET | XML_PARSE_NOENT;
+
+inline std::string_view libxmlText(const xmlChar* text) {
+    return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
+}
+
+/// libxml2's pull parser.
+struct LibxmlParse {
+    static constexpr const char* label = "libxml2";
+    using Prepared = const Input&;
+
+    static Answer answer(const Input& input) {
+        Answer answer;
+        forEachNode(input, [&](xmlTextReaderPtr reader, int type) {
+            if (type == XML_READER_TYPE_ELEMENT) {
+                ++answer.elements;
+                while (xmlTextReaderMoveToNextAttribute(reader) == 1) {
+                    answer.attributes += xmlTextReaderIsNamespaceDecl(reader) != 1;
+                }
+            } else if (isText(type)) {
+                answer.textUnits += countUnits(libxmlText(xmlTextReaderConstValue(reader)));
+            }
+        });
+        return answer;
+    }
+
+    static std::size_t run(const Input& input) {
+        std::size_t seen = 0;
+        forEachNode(input, [&](xmlTextReaderPtr reader, int type) {
+            if (isText(type)) {
+                seen += *xmlTextReaderConstValue(reader);
+                return;
+            }
+            seen += *xmlTextReaderConstLocalName(reader);
+            if (type != XML_READER_TYPE_ELEMENT) return;
+            while (xmlTextReaderMoveToNextAttribute(reader) == 1) {
+                seen += *xmlTextReaderConstLocalName(reader) + *xmlTextReaderConstValue(reader);
+            }
+        });
+        return seen;
+    }
+
+private:
+    static bool isText(int type) {
+        return type == XML_READER_TYPE_TEXT || type == XML_READER_TYPE_CDATA || type == XML_READER_TYPE_WHITESPACE ||
+               type == XML_READER_TYPE_SIGNIFICANT_WHITESPACE;
+    }
+
+    template <class Visit>
+    static void forEachNode(const Input& input, Visit visit) {
+        std::unique_ptr<xmlTextReader, void (*)(xmlTextReaderPtr)> reader(
+            xmlReaderForMemory(input.bytes.data(), static_cast<int>(input.bytes.size()), nullptr, nullptr,
+                               libxmlOptions),
+            xmlFreeTextReader);
+        int status = xmlTextReaderRead(reader.get());
+        for (; status == 1; status = xmlTextReaderRead(reader.get())) {
+            const int type = xmlTextReaderNodeType(reader.get());
+            if (type == XML_READER_TYPE_ELEMENT || type == XML_READER_TYPE_END_ELEMENT || isText(type)) {
+                visit(reader.get(), type);
+            }
+        }
+        if (status != 0) throw std::runtime_error("libxml2 refuses " + input.name);
+    }
+};
+
+using LibxmlDocument = std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)>;
+
+inline LibxmlDocument loadLibxml(const Input& input) {
+    LibxmlDocument document(
+        xmlReadMemory(input.bytes.data(), static_cast<int>(input.bytes.size()), nullptr, nullptr, libxmlOptions),
+        xmlFreeDoc);
+    if (!document) throw std::runtime_error("libxml2 refuses " + input.name);
+    return document;
+}
+
+struct LibxmlLoad {
+    static constexpr const char* label = "libxml2";
+    using Prepared = const Input&;
+
+    static Answer answer(const Input& input) {
+        Answer answer;
+        const LibxmlDocument document = loadLibxml(input);
+        const xmlNode* root = xmlDocGetRootElement(document.get());
+        for (const xmlNode* node = root; node; node = next(node, root)) {
+            if (node->type == XML_ELEMENT_NODE) {
+                ++answer.elements;
+                for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
+                    ++answer.attributes;
+                }
+            } else if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
+                answer.textUnits += countUnits(libxmlText(node->content));
+            }
+        }
+        return answer;
+    }
+
+    static std::size_t run(const Input& input) { return *xmlDocGetRootElement(loadLibxml(input).get())->name; }
+
+private:
+    static const xmlNode* next(const xmlNode* node, const xmlNode* root) {
+        if (node->type == XML_ELEMENT_NODE && node->children) return node->children;
+        while (node != root && !node->next) node = node->parent;
+        return node == root ? nullptr : node->next;
+    }
+};
+
+/// Into memory of its own making; the other contenders write into a sink, so this one pays for a copy more.
+struct LibxmlSave {
+    static constexpr const char* label = "libxml2";
+    struct Prepared {
+        explicit Prepared(const Input& input) : document(loadLibxml(input)) {}
+        LibxmlDocument document;
+    };
+
+    static Answer answer(const Input& input) {
+        Prepared prepared(input);
+        Input saved{input.name, ""};
+        dump(prepared, &saved.bytes);
+        return LibxmlParse::answer(saved);
+    }
+
+    static std::size_t run(Prepared& prepared) { return dump(prepared, nullptr); }
+
+private:
+    static std::size_t dump(Prepared& prepared, std::string* keep) {
+        xmlChar* bytes = nullptr;
+        int size = 0;
+        xmlDocDumpMemoryEnc(prepared.document.get(), &bytes, &size, "UTF-8");
+        if (keep) keep->assign(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
+        xmlFree(bytes);
+        return static_cast<std::size_t>(size);
+    }
+};
+
+}  // namespace LumBench

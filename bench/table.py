@@ -1,0 +1,74 @@
+#!/usr/bin/env python3
+"""Runs the benchmark programs and prints one table.   table.py FOLDER [--rounds N] [--only WORD]
+
+A program runs its contenders in random order, round by round, so that a change of the machine's pace meets them all.
+A cell is the median of nanoseconds a byte; the spread is that of the fastest and the slowest round. The ratio tells
+how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the ratio is marked with ~:
+no difference is claimed.
+"""
+import argparse
+import json
+import pathlib
+import statistics
+import subprocess
+import sys
+
+OURS = "lumcommon"
+QUESTIONS = {"parse": "bytes to events", "load": "bytes to a tree", "save": "a tree to bytes"}
+
+
+def measure(program, rounds, only):
+    command = [program, "--benchmark_format=json", "--benchmark_enable_random_interleaving=true",
+               f"--benchmark_repetitions={rounds}", "--benchmark_min_time=0.05"]
+    if only:
+        command.append(f"--benchmark_filter={only}")
+    run = subprocess.run(command, capture_output=True)
+    if run.returncode != 0:
+        sys.exit(f"{program}: {run.stderr.decode()}")
+    times = {}
+    if not run.stdout.strip():
+        return times
+    for row in json.loads(run.stdout)["benchmarks"]:
+        if row["run_type"] == "iteration":
+            _, label, document = row["run_name"].split("/")[:3]
+            times.setdefault(document, {}).setdefault(label, []).append(1e9 / row["bytes_per_second"])
+    return times
+
+
+def cell(times):
+    return f"{statistics.median(times):.2f} ({min(times):.2f}-{max(times):.2f})"
+
+
+def ratio(ours, theirs):
+    overlap = min(ours) <= max(theirs) and min(theirs) <= max(ours)
+    return f"{'~' if overlap else ''}{statistics.median(ours) / statistics.median(theirs):.2f}"
+
+
+def main():
+    options = argparse.ArgumentParser()
+    options.add_argument("folder", type=pathlib.Path)
+    options.add_argument("--rounds", type=int, default=7)
+    options.add_argument("--only", default="")
+    options = options.parse_args()
+    print("Nanoseconds a byte, median (fastest-slowest round); ratio: our time divided by theirs, ~ where ranges overlap.")
+    missing = (options.folder / "missing-peers.txt").read_text(encoding="utf-8").strip()
+    if missing:
+        print(f"Not installed, so not measured: {missing}")
+    for question, meaning in QUESTIONS.items():
+        times = measure(options.folder / f"bench_{question}", options.rounds, options.only)
+        peers = [label for label in next(iter(times.values()), {}) if label != OURS]
+        rows = [[f"{question}: {meaning}", OURS, "MB/s"] + [text for peer in peers for text in (peer, "ratio")]]
+        for document, by_label in times.items():
+            ours = by_label[OURS]
+            row = [document, cell(ours), f"{1e3 / statistics.median(ours):.0f}"]
+            for peer in peers:
+                row += [cell(by_label[peer]), ratio(ours, by_label[peer])]
+            rows.append(row)
+        widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
+        print()
+        for row in rows:
+            print("  ".join([row[0].ljust(widths[0])] + [c.rjust(w) for c, w in zip(row[1:], widths[1:])]))
+
+
+if __name__ == "__main__":
+    main()

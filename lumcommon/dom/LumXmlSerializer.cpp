@@ -1,0 +1,7 @@
+#include <lumcommon/dom/LumXmlSerializer.h>
+
+namespace LumCommon {
+
+bool LumXmlSerializer::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
+
+}  // namespace LumCommon

@@ -1,0 +1,396 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/dom/XmlSerializerImpl.h>
+#include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/uri/LumUri.h>
+
+#include <unicode/char16ptr.h>
+#include <unicode/locid.h>
+
+#include <ostream>
+
+namespace LumCommon {
+namespace {
+
+constexpr char16_t defaultGenerator[] =
+    u"Lumset V3.9"
+    u" R1"
+    u" (3,9,2006,0901"
+    u") for Linux"
+    u" (c) The makers of Lumset. All rights reserved.";
+
+/// The form in which an encoding can be declared; empty for one that cannot.
+UnicodeString declarableEncoding(const UnicodeString& encoding) {
+    UnicodeString name(encoding);
+    name.trim().toUpper(icu::Locale::getRoot());  // not by the user's locale: a Turkish one makes a dotted I of "i"
+    if (name == u"SHIFT-JIS" || name == u"SHIFT_JIS") return u"SHIFT_JIS";
+    return name == u"UTF-8" ? name : UnicodeString();
+}
+
+}  // namespace
+
+/// The frame of an operation that writes: it checks the output before and hands over what was written after, also
+/// when the operation ends with an exception.
+class XmlSerializerImpl::Operation {
+public:
+    explicit Operation(XmlSerializerImpl& serializer) : writer_(serializer.writer_) { writer_.check(); }
+    ~Operation() {
+        if (!isFinished_) writer_.commitQuietly();
+    }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+    void finish() {
+        isFinished_ = true;
+        writer_.commit();
+    }
+
+private:
+    detail::XmlWriter& writer_;
+    bool isFinished_ = false;
+};
+
+XmlSerializerImpl::XmlSerializerImpl() : generator_(defaultGenerator) {}
+
+XmlSerializerImpl::~XmlSerializerImpl() {
+    if (!ownsOutput_) return;
+    try {
+        closeStream();
+    } catch (const LumError&) {  // nobody is left to tell
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+bool XmlSerializerImpl::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumXmlSerializer::isA(typeId); }
+
+UnicodeString XmlSerializerImpl::getTypeName() const { return u"XmlSerializerImpl"; }
+
+NamespaceManager& XmlSerializerImpl::namespaces() const {
+    if (!namespaces_) namespaces_ = new NamespaceManager;
+    return *namespaces_;
+}
+
+void XmlSerializerImpl::setOutput(std::ostream& out, const UnicodeString& encoding) {
+    resetForOutput();
+    attach(&out, false, encoding);
+}
+
+void XmlSerializerImpl::setOutput(const UnicodeString& uri, const UnicodeString& encoding) {
+    resetForOutput();
+    std::ostream* const file = LumUri::createOStream(uri);
+    if (!file) {
+        state_ = STATE_NO_OUTPUT;
+        throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::SerializerSetOutput, uri);
+    }
+    attach(file, true, encoding);
+}
+
+/// Finishes the output before and empties the scopes.
+void XmlSerializerImpl::resetForOutput() {
+    // Nothing is asked of an output that has been flushed or has failed: the caller may have ended it since.
+    const bool wasBroken = writer_.isBroken();
+    if (!wasBroken && (isTagOpen() || writer_.isDirty())) {
+        closeStream();
+    } else if (!releaseOutput() && !wasBroken) {
+        throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::SerializerCheckStream);
+    }
+    state_ = STATE_NO_OUTPUT;
+    while (namespaces().popScope()) {
+    }
+    state_ = STATE_SETTING_OUTPUT;
+}
+
+void XmlSerializerImpl::attach(std::ostream* out, bool ownsOutput, const UnicodeString& encoding) {
+    output_ = out;
+    ownsOutput_ = ownsOutput;
+    writer_.setStream(out);
+    encoding_ = encoding;
+    writer_.selectShiftJis(false);  // startDocument() decides
+    state_ = STATE_OUTPUT_SET;
+}
+
+/// Lets go of the output without flushing it. False when closing the serializer's own file shows that it is incomplete.
+bool XmlSerializerImpl::releaseOutput() noexcept {
+    std::ostream* const file = ownsOutput_ ? output_ : nullptr;
+    output_ = nullptr;
+    ownsOutput_ = false;
+    writer_.setStream(nullptr);
+    state_ = STATE_NO_OUTPUT;
+    return !file || LumUri::releaseOStream(file);
+}
+
+void XmlSerializerImpl::closeStream() {
+    if (!output_) return;
+    try {
+        flush();
+    } catch (...) {
+        releaseOutput();
+        throw;
+    }
+    if (!releaseOutput()) {
+        throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::SerializerCheckStream);
+    }
+}
+
+void XmlSerializerImpl::startDocument(const UnicodeString& encoding, const UnicodeString& standalone) {
+    if (state_ != STATE_OUTPUT_SET) {
+        throwCommonError(LumErrorCodeLumLIB::StartDocumentOrder, LumCommonErrorSource::SerializerStartDocument);
+    }
+    encoding_ = declarableEncoding(encoding.isEmpty() ? encoding_ : encoding);
+    writer_.selectShiftJis(encoding_ == u"SHIFT_JIS");
+
+    Operation operation(*this);
+    writer_.ascii("<?xml version=\"1.0\"");
+    if (!encoding_.isEmpty()) {
+        writer_.ascii(" encoding=\"");
+        writer_.text(encoding_, detail::TEXT_RAW);
+        writer_.ascii("\"");
+    }
+    if (!standalone.isEmpty()) {
+        writer_.ascii(" standalone=\"");
+        writer_.text(standalone, detail::TEXT_RAW);
+        writer_.ascii("\"");
+    }
+    writer_.ascii("?>");
+    if (!generator_.isEmpty()) {
+        writer_.ascii("<!-- ");
+        writer_.text(generator_, detail::TEXT_RAW);
+        writer_.ascii(" -->");
+    }
+    operation.finish();
+    state_ = STATE_PROLOG;
+}
+
+void XmlSerializerImpl::endDocument() {
+    Operation operation(*this);
+    dropPrefixScope();
+    while (getDepth() > 0) writeEndTag();
+    operation.finish();
+    flush();
+    state_ = STATE_ENDED;
+}
+
+void XmlSerializerImpl::setPrefix(LumName prefix, LumName namespaceUri) {
+    if (isTagOpen()) {
+        Operation operation(*this);
+        closeStartTag(TagEnd::Content);
+        operation.finish();
+    }
+    const ElementNames enclosing = innermostElement();
+    openScope();
+    enclosing_ = enclosing;
+    state_ = STATE_PREFIXES_SET;
+    namespaces_->addNamespace(prefix, namespaceUri);
+}
+
+LumName XmlSerializerImpl::getPrefix(LumName namespaceUri, bool generate) const {
+    if (namespaceUri.isNull()) return {};
+    NamespaceManager& scopes = namespaces();
+    LumName prefix = scopes.lookupPrefix(namespaceUri);
+    if (prefix.isNull() && generate && namespaceUri != scopes.getDefaultNamespace()) {
+        prefix = LumName::generateID(UnicodeString());
+        scopes.addNamespace(prefix, namespaceUri);
+    }
+    return prefix;
+}
+
+int XmlSerializerImpl::getDepth() const { return namespaces_ ? namespaces_->getScopeDepth() : 0; }
+
+LumName XmlSerializerImpl::getNamespace() const { return innermostElement().namespaceUri; }
+
+LumName XmlSerializerImpl::getName() const { return innermostElement().localName; }
+
+/// All null when no element is open.
+XmlSerializerImpl::ElementNames XmlSerializerImpl::innermostElement() const {
+    if (state_ == STATE_PREFIXES_SET) return enclosing_;
+    if (!namespaces_) return {};
+    const NamespaceManager::NSScope& scope = namespaces_->getInnermostScope();
+    return {scope.namespaceUri, scope.prefix, scope.localName};
+}
+
+/// Opens the scope of the next element, unless setPrefix() has.
+void XmlSerializerImpl::openScope() {
+    if (state_ != STATE_PREFIXES_SET) namespaces().pushScope();
+}
+
+/// Takes back a scope that setPrefix() opened and no element used: it has no tag to close.
+void XmlSerializerImpl::dropPrefixScope() {
+    if (state_ != STATE_PREFIXES_SET) return;
+    namespaces().popScope();
+    state_ = STATE_CONTENT;
+}
+
+void XmlSerializerImpl::startTag(LumName namespaceUri, LumName localName) {
+    Operation operation(*this);
+    closeStartTag(TagEnd::Content);
+    openScope();
+    if (namespaceUri.isNull()) undeclareDefaultNamespace();
+    writeStartTag(getPrefix(namespaceUri, true), localName, namespaceUri);
+    operation.finish();
+}
+
+void XmlSerializerImpl::startTag(LumName namespaceUri, LumName prefix, LumName localName) {
+    Operation operation(*this);
+    closeStartTag(TagEnd::Content);
+    openScope();
+    if (namespaceUri.isNull()) {
+        undeclareDefaultNamespace();
+    } else {
+        namespaces_->addNamespace(prefix, namespaceUri);
+    }
+    writeStartTag(prefix, localName, namespaceUri);
+    operation.finish();
+}
+
+void XmlSerializerImpl::undeclareDefaultNamespace() {
+    if (!namespaces_->getDefaultNamespace().isNull()) namespaces_->addNamespace(LumName(), LumName());
+}
+
+void XmlSerializerImpl::writeStartTag(LumName prefix, LumName localName, LumName namespaceUri) {
+    namespaces_->setElement(prefix, localName, namespaceUri);
+    state_ = STATE_TAG_OPEN;
+    writer_.ascii("<");
+    writer_.qualifiedName(prefix, localName);
+}
+
+void XmlSerializerImpl::attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) {
+    checkAttributeState();
+    if (declareNamespace(namespaceUri, LumName(), localName, value)) return;
+    Operation operation(*this);
+    writeAttribute(getPrefix(namespaceUri, true), localName, value);
+    operation.finish();
+}
+
+void XmlSerializerImpl::attribute(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) {
+    checkAttributeState();
+    if (declareNamespace(namespaceUri, prefix, localName, value)) return;
+    Operation operation(*this);
+    if (!namespaceUri.isNull() && !prefix.isNull()) namespaces_->addNamespace(prefix, namespaceUri);
+    writeAttribute(prefix, localName, value);
+    operation.finish();
+}
+
+void XmlSerializerImpl::checkAttributeState() const {
+    if (!isTagOpen()) throwCommonError(LumErrorCodeLumLIB::AttributeOrder, LumCommonErrorSource::SerializerAttribute);
+}
+
+/// Takes an attribute that is a namespace declaration. It is written when the tag is closed, once, together with those
+/// that the names of the tag need. False for any other attribute.
+bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, LumName localName,
+                                         const UnicodeString& value) {
+    if (namespaceUri != NAME_NS_XMLNS && prefix != NAME_xmlns && localName != NAME_xmlns) return false;
+    namespaces_->addNamespace(localName == NAME_xmlns ? LumName() : localName, LumName(value));
+    return true;
+}
+
+void XmlSerializerImpl::writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
+    state_ = STATE_ATTRIBUTES;
+    writer_.ascii(" ");
+    writer_.qualifiedName(prefix, localName);
+    writer_.ascii("=\"");
+    writer_.text(value, detail::TEXT_ATTRIBUTE);
+    writer_.ascii("\"");
+}
+
+/// Ends a pending start tag, with the namespace declarations of its scope.
+void XmlSerializerImpl::closeStartTag(TagEnd end) {
+    if (!isTagOpen()) return;
+    if (const NamespaceMap* declarations = namespaces_->getNamespaceMap()) {
+        for (const auto& [prefix, uri] : declarations->getEntries()) {
+            writer_.ascii(prefix.isNull() ? " xmlns" : " xmlns:");
+            writer_.name(prefix);
+            writer_.ascii("=\"");
+            writer_.text(uri.getString(), detail::TEXT_ATTRIBUTE);
+            writer_.ascii("\"");
+        }
+    }
+    writer_.ascii(end == TagEnd::Empty ? "/>" : ">");
+    state_ = end == TagEnd::Empty ? STATE_EMPTY_TAG : STATE_CONTENT;
+}
+
+void XmlSerializerImpl::endTag(LumName namespaceUri, LumName localName) {
+    checkEndTag(namespaceUri, localName);
+    Operation operation(*this);
+    dropPrefixScope();
+    writeEndTag();
+    operation.finish();
+}
+
+/// Closes the innermost element.
+void XmlSerializerImpl::writeEndTag() {
+    if (isTagOpen()) {
+        closeStartTag(TagEnd::Empty);
+    } else {
+        const NamespaceManager::NSScope& scope = namespaces_->getInnermostScope();
+        writer_.ascii("</");
+        writer_.qualifiedName(scope.prefix, scope.localName);
+        writer_.ascii(">");
+        state_ = STATE_END_TAG;
+    }
+    namespaces_->popScope();
+}
+
+void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) const {
+    if (getDepth() == (state_ == STATE_PREFIXES_SET ? 1 : 0)) {
+        throwCommonError(LumErrorCodeLumLIB::UnexpectedEndTag, LumCommonErrorSource::SerializerEndTag);
+    }
+    const ElementNames open = innermostElement();
+    if (open.namespaceUri == namespaceUri && open.localName == localName) return;
+    const UnicodeString given = LumXmlUtil::makeNSQNameStr(namespaceUri.getString(), localName.getString());
+    const UnicodeString opened =
+        open.prefix.isNull() ? LumXmlUtil::makeNSQNameStr(open.namespaceUri.getString(), open.localName.getString())
+                             : open.prefix.getString() + u":" + open.localName.getString();
+    throwCommonError(LumErrorCodeLumLIB::EndTagMismatch, LumCommonErrorSource::SerializerEndTag, given, opened);
+}
+
+void XmlSerializerImpl::text(const UnicodeString& text) { writeContent({}, text, detail::TEXT_CONTENT, {}); }
+
+/// A null buffer, a negative start and a length below 1 stand for no text.
+void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length) {
+    Operation operation(*this);
+    closeStartTag(TagEnd::Content);
+    if (buffer && start >= 0 && length > 0) {
+        const icu::ConstChar16Ptr units(buffer + start);
+        writer_.text(units.get(), static_cast<std::size_t>(length), detail::TEXT_CONTENT);
+    }
+    operation.finish();
+}
+
+void XmlSerializerImpl::cdsect(const UnicodeString& text) { writeContent("<![CDATA[", text, detail::TEXT_RAW, "]]>"); }
+
+void XmlSerializerImpl::entityRef(const UnicodeString& name) { writeContent("&", name, detail::TEXT_RAW, ";"); }
+
+void XmlSerializerImpl::processingInstruction(const UnicodeString& content) {
+    writeContent("<?", content, detail::TEXT_RAW, "?>");
+}
+
+void XmlSerializerImpl::comment(const UnicodeString& text) { writeContent("<!--", text, detail::TEXT_RAW, "-->"); }
+
+void XmlSerializerImpl::docdecl(const UnicodeString& content) {
+    if (state_ != STATE_PROLOG) {
+        throwCommonError(LumErrorCodeLumLIB::UnexpectedDocDecl, LumCommonErrorSource::SerializerDocDecl);
+    }
+    writeContent("<!DOCTYPE ", content, detail::TEXT_RAW, ">");
+}
+
+void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent({}, text, detail::TEXT_RAW, {}); }
+
+void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, unsigned mode,
+                                     std::string_view after) {
+    Operation operation(*this);
+    closeStartTag(TagEnd::Content);
+    writer_.ascii(before);
+    writer_.text(content, mode);
+    writer_.ascii(after);
+    operation.finish();
+}
+
+void XmlSerializerImpl::flush() {
+    Operation operation(*this);
+    closeStartTag(TagEnd::Content);
+    operation.finish();
+    writer_.sync();
+}
+
+void XmlSerializerImpl::setGenerator(const UnicodeString& generator) { generator_ = generator; }
+
+}  // namespace LumCommon

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <lumcommon/names/LumName.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <string_view>
+
+struct UConverter;
+
+namespace LumCommon::detail {
+
+/// What is rewritten while text is encoded; a bit set. Any bit also rewrites "&", "<" and ">".
+enum TextMode : unsigned {
+    TEXT_RAW = 0,
+    TEXT_ESCAPE_MARKUP = 1,
+    TEXT_ESCAPE_QUOTE = 2,
+    TEXT_ESCAPE_APOSTROPHE = 4,
+    TEXT_ESCAPE_CONTROL = 8,
+    TEXT_CONTENT = TEXT_ESCAPE_MARKUP,
+    TEXT_ATTRIBUTE = TEXT_ESCAPE_MARKUP | TEXT_ESCAPE_QUOTE,
+};
+
+/// Encodes and escapes text into the bytes of an output stream.
+///
+/// Bytes gather in a buffer that holds the pieces of one operation; commit() hands them to the stream's buffer in one
+/// call. Control characters that XML does not allow are dropped. In Shift_JIS a character that the code page lacks
+/// becomes a decimal reference; so does a surrogate pair, as one reference to its character, because references to
+/// its halves would not be well-formed.
+/// Errors: a missing output throws code 0x1005, a failed one 0x1007, also when the stream's buffer throws.
+class XmlWriter {
+public:
+    XmlWriter();
+    ~XmlWriter();
+    XmlWriter(const XmlWriter&) = delete;
+    XmlWriter& operator=(const XmlWriter&) = delete;
+
+    /// Null for no output. What has not been committed is forgotten.
+    void setStream(std::ostream* stream) noexcept;
+    /// Whether a failure of this stream has been thrown. Does not touch the stream.
+    bool isBroken() const noexcept { return isBroken_; }
+    /// UTF-8 without, Shift_JIS with the flag.
+    void selectShiftJis(bool isShiftJis);
+
+    /// Throws unless the stream can be written to.
+    void check();
+    void ascii(std::string_view text);
+    void text(const char16_t* units, std::size_t count, unsigned mode);
+    void text(const UnicodeString& text, unsigned mode);
+    /// The name's string, unescaped.
+    void name(LumName name);
+    /// "prefix:local", or "local" when the prefix is null.
+    void qualifiedName(LumName prefix, LumName localName);
+    /// Hands what has gathered to the stream.
+    void commit();
+    /// The same where nothing may be thrown.
+    void commitQuietly() noexcept;
+    /// commit(), then makes the stream pass everything on.
+    void sync();
+    /// Whether bytes have been handed to the stream since the last sync().
+    bool isDirty() const noexcept { return isDirty_; }
+
+private:
+    // Names come again and again, so their bytes are kept. 64 bytes a slot; a longer name is encoded each time.
+    struct NameSlot {
+        static constexpr std::size_t CAPACITY = 56;
+        static constexpr std::uint8_t TOO_LONG = 0xFF;
+        LumNameEnum id = NAME_NULL;
+        std::uint8_t length = 0;
+        char bytes[CAPACITY + 3];
+    };
+    static constexpr std::size_t NAME_SLOTS = 256;
+
+    void reserve(std::size_t byteCount);
+    void markFailed() noexcept;
+    [[noreturn]] void fail();
+    bool put(const char* bytes, std::size_t count);
+    char* encode(const char16_t* from, const char16_t* end, unsigned mode, char* out);
+    char* encodeShiftJis(const char16_t*& from, const char16_t* end, char* out);
+    void fillSlot(NameSlot& slot, LumName name);
+
+    std::ostream* stream_ = nullptr;
+    std::unique_ptr<char[]> buffer_;
+    char* cursor_;
+    bool isShiftJis_ = false;
+    bool isDirty_ = false;
+    bool isBroken_ = false;
+    UConverter* converter_ = nullptr;  // null in UTF-8
+    std::array<NameSlot, NAME_SLOTS> slots_{};
+};
+
+}  // namespace LumCommon::detail

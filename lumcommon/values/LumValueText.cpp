@@ -1,0 +1,129 @@
+#include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/values/LumTokenizer.h>
+#include <lumcommon/values/LumValue.h>
+#include <lumcommon/values/detail/NumberText.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace LumCommon {
+
+namespace detail {
+
+/// Prints a value. Compounds inside compounds wait on a stack of their own: their depth is the caller's data.
+class ValuePrinter {
+public:
+    void print(const LumValue& value) {
+        append(value);
+        while (!open_.empty()) printNextItem();
+    }
+    UnicodeString takeText() { return std::move(text_); }
+
+private:
+    struct OpenMap {
+        const LumNamedValueMap* map;
+        std::size_t next;  // the entry to look at next
+        bool hasItems;     // whether one has been printed
+    };
+
+    void printNextItem() {
+        OpenMap& top = open_.back();
+        const auto& entries = top.map->entries_;
+        while (top.next < entries.size() && entries[top.next].isNull()) ++top.next;
+        if (top.next == entries.size()) {
+            text_.append(u'}');
+            open_.pop_back();
+            return;
+        }
+        const LumNamedValue& entry = entries[top.next++];
+        if (top.hasItems) text_.append(u"; ", 2);
+        top.hasItems = true;
+        if (entry.getName().isNull()) {
+            text_.append(u'.');
+        } else {
+            text_.append(entry.getName().getString());
+        }
+        text_.append(u": ", 2);
+        append(entry);  // may open a map and so move `top`
+    }
+
+    void append(const LumValue& value) {
+        switch (value.getKind()) {
+            case KIND_NULL:
+                break;
+            case KIND_INTEGER:
+                if (value.getUnit() == UNIT_CHAR) {
+                    text_.append(static_cast<char16_t>(value.getIntegerValue()));
+                } else if (value.getUnit() == UNIT_COLOR) {
+                    appendColor(value.getNamedItem(NAME_NULL));
+                } else {
+                    appendInteger(text_, value.getIntegerValue());
+                    text_.append(LumValue::getUnitString(value.getUnit()));
+                }
+                break;
+            case KIND_REAL:
+                appendReal(text_, static_cast<double>(value.getRealValue(UNIT_NONE)));
+                text_.append(LumValue::getUnitString(value.getUnit()));
+                break;
+            case KIND_NAME:
+                text_.append(value.getNameValue().getString());
+                break;
+            case KIND_STRING:
+                text_.append(*value.getStringPointer());
+                break;
+            case KIND_OBJECT:
+                text_.append(u"##", 2).append(value.getRCObject()->getTypeName());
+                break;
+            case KIND_COMPOUND:
+                if (value.getUnit() == UNIT_COLOR) {
+                    appendColor(value.getNamedItem(NAME_NULL));
+                } else {
+                    text_.append(u'{');
+                    open_.push_back({value.getNamedValueMap(), 0, false});
+                }
+                break;
+        }
+    }
+
+    void appendColor(const LumValue& value) {
+        const auto rgb = static_cast<std::uint32_t>(value.getIntegerValue());
+        if (rgb == 0xFFFFFFFFu) text_.append(LumName(NAME_transparent).getString());
+        if (rgb == 0xFE000000u) text_.append(LumName(NAME_currentColor).getString());
+        if (rgb <= 0x00FFFFFFu) appendHexColor(text_, rgb);
+    }
+
+    UnicodeString text_;
+    std::vector<OpenMap> open_;
+};
+
+}  // namespace detail
+
+UnicodeString LumValue::toString() const {
+    // A string is returned as it is, which for a bogus one means bogus.
+    if (getKind() == KIND_STRING) return *payload_.string;
+    detail::ValuePrinter printer;
+    printer.print(*this);
+    return printer.takeText();
+}
+
+LumValue LumValue::parse(const UnicodeString& text) {
+    LumTokenizer tokenizer(text);
+    LumValue value = tokenizer.nextTokenValueSigned();
+    const int kind = tokenizer.getKind();
+    const bool isWholeValue = kind == LumTokenizer::TOKEN_NUMBER || kind == LumTokenizer::TOKEN_HASH ||
+                              kind == LumTokenizer::TOKEN_STRING || kind == LumTokenizer::TOKEN_NAME;
+    if (isWholeValue && tokenizer.nextToken() == LumTokenizer::TOKEN_END) return value;
+    return LumValue(text);
+}
+
+LumValue LumValue::parseNonNumeric(const UnicodeString& text) {
+    LumTokenizer tokenizer(text);
+    LumValue value = tokenizer.nextTokenValue();
+    const int kind = tokenizer.getKind();
+    const bool isWholeValue = kind == LumTokenizer::TOKEN_STRING || kind == LumTokenizer::TOKEN_NAME;
+    if (isWholeValue && tokenizer.nextToken() == LumTokenizer::TOKEN_END) return value;
+    return LumValue(text);
+}
+
+}  // namespace LumCommon

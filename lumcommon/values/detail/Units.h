@@ -1,0 +1,39 @@
+#pragma once
+
+#include <lumcommon/values/LumValue.h>
+
+namespace LumCommon::detail {
+
+/// Points in one `unit`; 0 when it is not an absolute length. The factors are kept as double so that going from one
+/// unit to another and back rounds only once, at the float that is stored.
+constexpr double pointsPerUnit(LumValueUnitType unit) noexcept {
+    switch (unit) {
+        case UNIT_CM:
+            return 28.346457;
+        case UNIT_MM:
+            return 2.8346457;
+        case UNIT_IN:
+            return 72;
+        case UNIT_PT:
+            return 1;
+        case UNIT_PC:
+            return 12;
+        case UNIT_Q:
+            return 0.70866144;
+        case UNIT_TWIP:
+            return 0.05;
+        default:
+            return 0;
+    }
+}
+
+inline constexpr double degreesPerRadian = 57.295776;
+inline constexpr double radiansPerDegree = 0.017453292;
+inline constexpr double degreesPerGrad = 0.9;
+inline constexpr double radiansPerGrad = 0.015707964;
+inline constexpr double gradsPerRadian = 63.661976;
+
+/// The unit whose printed form is `text`, whatever the case of its letters; UNIT_NONE when there is none.
+LumValueUnitType findUnit(const UnicodeString& text) noexcept;
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+
+namespace LumCommon::detail {
+
+/// A growing run of UTF-16 units that keeps its memory when it is emptied, so that filling it again allocates nothing.
+class UnitBuffer {
+public:
+    static constexpr std::size_t slackUnits = 8;
+
+    const char16_t* data() const noexcept { return units_.get(); }
+    std::size_t size() const noexcept { return size_; }
+    bool empty() const noexcept { return size_ == 0; }
+    void clear() noexcept { size_ = 0; }
+    /// Cuts the run back; a larger size changes nothing.
+    void truncate(std::size_t size) noexcept { size_ = std::min(size, size_); }
+
+    void append(const char16_t* units, std::size_t count) {
+        if (count > capacity_ - size_) grow(count);
+        std::memcpy(units_.get() + size_, units, count * sizeof(char16_t));
+        size_ += count;
+    }
+    /// The same for a short run that lies in memory with at least `slackUnits` readable units behind it: copies whole
+    /// vectors without asking for the exact length.
+    void appendShort(const char16_t* units, std::size_t count) {
+        if (count + slackUnits > capacity_ - size_) grow(count + slackUnits);
+        char16_t* const to = units_.get() + size_;
+        for (std::size_t i = 0; i < count; i += slackUnits) {
+            std::memcpy(to + i, units + i, slackUnits * sizeof(char16_t));
+        }
+        size_ += count;
+    }
+    void append(char16_t unit) {
+        if (size_ == capacity_) grow(1);
+        units_[size_++] = unit;
+    }
+    void append(const icu::UnicodeString& text) { append(text.getBuffer(), static_cast<std::size_t>(text.length())); }
+    /// Values above U+10FFFF cannot occur: the decoders replace them.
+    void appendCodePoint(std::int32_t c) {
+        if (c < 0x10000) {
+            append(static_cast<char16_t>(c));
+        } else {
+            append(U16_LEAD(c));
+            append(U16_TRAIL(c));
+        }
+    }
+
+    /// Lends a part of the run. The string is valid until the buffer changes; a copy of it owns its text.
+    void lend(std::size_t start, std::size_t size, icu::UnicodeString& out) const {
+        if (size == 0) {
+            out.remove();
+        } else {
+            out.setTo(false, units_.get() + start, static_cast<std::int32_t>(size));
+        }
+    }
+    icu::UnicodeString toString() const {
+        return size_ == 0 ? icu::UnicodeString() : icu::UnicodeString(units_.get(), static_cast<std::int32_t>(size_));
+    }
+
+private:
+    void grow(std::size_t count) {
+        // ICU strings count in 32 bits, and what does not fit into one cannot be handed out.
+        if (count > 0x3FFFFFFFu - size_) throw std::bad_alloc();
+        const std::size_t capacity = std::max({size_ + count, capacity_ * 2, std::size_t{256}});
+        std::unique_ptr<char16_t[]> units(new char16_t[capacity]);
+        if (size_) std::memcpy(units.get(), units_.get(), size_ * sizeof(char16_t));
+        units_ = std::move(units);
+        capacity_ = capacity;
+    }
+
+    std::unique_ptr<char16_t[]> units_;
+    std::size_t size_ = 0;
+    std::size_t capacity_ = 0;
+};
+
+}  // namespace LumCommon::detail

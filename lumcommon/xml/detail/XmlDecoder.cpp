@@ -1,0 +1,278 @@
+#include <lumcommon/xml/detail/XmlDecoder.h>
+
+#include <unicode/utf16.h>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr std::int32_t replacement = 0xFFFD;
+
+using Bytes = const unsigned char*;
+
+/// One UTF-8 sequence. False, and nothing taken, when it is incomplete and more bytes may follow.
+inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t& c) noexcept {
+    const unsigned lead = *from;
+    if (lead < 0x80) {
+        c = static_cast<std::int32_t>(lead);
+        ++from;
+        return true;
+    }
+    int following = 3;
+    std::int32_t value = lead & 0x07;
+    if ((lead & 0xE0) == 0xC0) {
+        following = 1;
+        value = lead & 0x1F;
+    } else if ((lead & 0xF0) == 0xE0) {
+        following = 2;
+        value = lead & 0x0F;
+    } else if ((lead & 0xF8) != 0xF0) {
+        ++from;
+        c = replacement;
+        return true;
+    }
+    Bytes p = from + 1;
+    for (; following > 0; --following, ++p) {
+        if (p == end) {
+            if (!isLast) return false;
+            from = p;
+            c = replacement;
+            return true;
+        }
+        if ((*p & 0xC0) != 0x80) {
+            from = p + 1;
+            c = replacement;
+            return true;
+        }
+        value = (value << 6) | (*p & 0x3F);
+    }
+    from = p;
+    c = value > 0x10FFFF ? replacement : value;
+    return true;
+}
+
+inline unsigned unitAt(Bytes p, bool isLittleEndian) noexcept {
+    return isLittleEndian ? static_cast<unsigned>(p[0] | (p[1] << 8)) : static_cast<unsigned>((p[0] << 8) | p[1]);
+}
+
+/// One character of UTF-16; the same promise.
+inline bool decodeUtf16Sequence(Bytes& from, Bytes end, bool isLast, bool isLittleEndian, std::int32_t& c) noexcept {
+    const std::ptrdiff_t size = end - from;
+    if (size < 2) {
+        if (!isLast) return false;
+        from = end;
+        c = replacement;
+        return true;
+    }
+    const unsigned unit = unitAt(from, isLittleEndian);
+    if (!U16_IS_LEAD(unit)) {
+        from += 2;
+        c = static_cast<std::int32_t>(unit);
+        return true;
+    }
+    if (size < 4) {
+        if (!isLast) return false;
+        from = end;
+        c = replacement;
+        return true;
+    }
+    const unsigned second = unitAt(from + 2, isLittleEndian);
+    from += 4;
+    c = U16_IS_TRAIL(second) ? U16_GET_SUPPLEMENTARY(unit, second) : replacement;
+    return true;
+}
+
+inline bool decodeUtf32Sequence(Bytes& from, Bytes end, bool isLast, bool isLittleEndian, std::int32_t& c) noexcept {
+    if (end - from < 4) {
+        if (!isLast) return false;
+        from = end;
+        c = replacement;
+        return true;
+    }
+    const std::uint32_t low = unitAt(isLittleEndian ? from : from + 2, isLittleEndian);
+    const std::uint32_t high = unitAt(isLittleEndian ? from + 2 : from, isLittleEndian);
+    from += 4;
+    c = high > 0x10 ? replacement : static_cast<std::int32_t>((high << 16) | low);
+    return true;
+}
+
+}  // namespace
+
+struct XmlDecoder::Run {
+    Bytes from;
+    Bytes fromEnd;
+    bool isLast;
+    char16_t* to;
+    char16_t* toEnd;
+};
+
+bool XmlDecoder::decodeOne(Bytes& from, Bytes fromEnd, bool isLast, std::int32_t& c) const noexcept {
+    switch (encoding) {
+        case XmlEncoding::Utf8:
+            return decodeUtf8Sequence(from, fromEnd, isLast, c);
+        case XmlEncoding::Utf16LE:
+        case XmlEncoding::Utf16BE:
+            return decodeUtf16Sequence(from, fromEnd, isLast, encoding == XmlEncoding::Utf16LE, c);
+        case XmlEncoding::Utf32LE:
+        case XmlEncoding::Utf32BE:
+            return decodeUtf32Sequence(from, fromEnd, isLast, encoding == XmlEncoding::Utf32LE, c);
+        default:
+            c = *from++;
+            return true;
+    }
+}
+
+void XmlDecoder::put(Run& run, std::int32_t c) noexcept {
+    const bool isSecondHalf = isAfterReturn_ && (c == '\n' || c == 0x85);
+    isAfterReturn_ = c == '\r';
+    if (isSecondHalf) return;
+    if (c == '\r' || c == 0x85 || c == 0x2028) c = '\n';
+    if (c < 0x10000) {
+        *run.to++ = static_cast<char16_t>(c);
+    } else {
+        *run.to++ = U16_LEAD(c);
+        *run.to++ = U16_TRAIL(c);
+    }
+}
+
+void XmlDecoder::decodeEach(Run& run, bool oneChar) noexcept {
+    const char16_t* start = run.to;
+    std::int32_t c;
+    while (run.from != run.fromEnd && run.toEnd - run.to >= 2) {
+        if (!decodeOne(run.from, run.fromEnd, run.isLast, c)) return;
+        put(run, c);
+        if (oneChar && run.to != start) return;
+    }
+}
+
+void XmlDecoder::decodeUtf8(Run& run) noexcept {
+    Bytes from = run.from;
+    char16_t* to = run.to;
+    // Two units of room are kept for the longest character.
+    while (from != run.fromEnd && run.toEnd - to >= 2) {
+#if defined(__SSE2__)
+        if (!isAfterReturn_) {
+            const __m128i zero = _mm_setzero_si128();
+            const __m128i carriageReturn = _mm_set1_epi8('\r');
+            while (run.fromEnd - from >= 16 && run.toEnd - to >= 16) {
+                const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+                const auto special = static_cast<unsigned>(_mm_movemask_epi8(v)) |
+                                     static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, carriageReturn)));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(v, zero));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 8), _mm_unpackhi_epi8(v, zero));
+                // All sixteen are written; only those before the first special byte count.
+                const int good = special ? __builtin_ctz(special) : 16;
+                from += good;
+                to += good;
+                if (special) break;
+            }
+            if (from == run.fromEnd || run.toEnd - to < 2) break;
+        }
+#endif
+        const unsigned lead = *from;
+        if (lead >= 0xE3 && lead <= 0xEF && run.fromEnd - from >= 3 && (from[1] & 0xC0) == 0x80 &&
+            (from[2] & 0xC0) == 0x80) {
+            // Ideographs and kana come in long runs, and none of them is a line end.
+            isAfterReturn_ = false;
+            *to++ = static_cast<char16_t>(((lead & 0x0F) << 12) | ((from[1] & 0x3Fu) << 6) | (from[2] & 0x3Fu));
+            from += 3;
+            continue;
+        }
+        std::int32_t c;
+        if (!decodeUtf8Sequence(from, run.fromEnd, run.isLast, c)) break;
+        run.to = to;
+        put(run, c);
+        to = run.to;
+    }
+    run.from = from;
+    run.to = to;
+}
+
+void XmlDecoder::decodeBytes(Run& run) noexcept {
+    while (run.from != run.fromEnd && run.to != run.toEnd) {
+#if defined(__SSE2__)
+        if (!isAfterReturn_) {
+            const __m128i zero = _mm_setzero_si128();
+            const __m128i carriageReturn = _mm_set1_epi8('\r');
+            const __m128i nextLine = _mm_set1_epi8(static_cast<char>(0x85));
+            while (run.fromEnd - run.from >= 16 && run.toEnd - run.to >= 16) {
+                const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(run.from));
+                const auto special = static_cast<unsigned>(
+                    _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, carriageReturn), _mm_cmpeq_epi8(v, nextLine))));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(run.to), _mm_unpacklo_epi8(v, zero));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(run.to + 8), _mm_unpackhi_epi8(v, zero));
+                const int good = special ? __builtin_ctz(special) : 16;
+                run.from += good;
+                run.to += good;
+                if (special) break;
+            }
+            if (run.from == run.fromEnd || run.to == run.toEnd) break;
+        }
+#endif
+        put(run, *run.from++);
+    }
+}
+
+void XmlDecoder::decodeUtf16(Run& run) noexcept {
+    const bool isLittleEndian = encoding == XmlEncoding::Utf16LE;
+    std::int32_t c;
+    while (run.from != run.fromEnd && run.toEnd - run.to >= 2) {
+#if defined(__SSE2__)
+        if (!isAfterReturn_) {
+            const __m128i carriageReturn = _mm_set1_epi16('\r');
+            const __m128i nextLine = _mm_set1_epi16(0x85);
+            const __m128i lineSeparator = _mm_set1_epi16(0x2028);
+            const __m128i leadMask = _mm_set1_epi16(static_cast<short>(0xFC00));
+            const __m128i lead = _mm_set1_epi16(static_cast<short>(0xD800));
+            while (run.fromEnd - run.from >= 16 && run.toEnd - run.to >= 8) {
+                __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(run.from));
+                if (!isLittleEndian) v = _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
+                const __m128i hits = _mm_or_si128(
+                    _mm_or_si128(_mm_cmpeq_epi16(v, carriageReturn), _mm_cmpeq_epi16(v, nextLine)),
+                    _mm_or_si128(_mm_cmpeq_epi16(v, lineSeparator), _mm_cmpeq_epi16(_mm_and_si128(v, leadMask), lead)));
+                const auto special = static_cast<unsigned>(_mm_movemask_epi8(hits));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(run.to), v);
+                const int good = special ? __builtin_ctz(special) / 2 : 8;
+                run.from += 2 * good;
+                run.to += good;
+                if (special) break;
+            }
+            if (run.from == run.fromEnd || run.toEnd - run.to < 2) break;
+        }
+#endif
+        if (!decodeUtf16Sequence(run.from, run.fromEnd, run.isLast, isLittleEndian, c)) break;
+        put(run, c);
+    }
+}
+
+void XmlDecoder::decode(Bytes& from, Bytes fromEnd, bool isLast, char16_t*& to, char16_t* toEnd,
+                        bool oneChar) noexcept {
+    Run run{from, fromEnd, isLast, to, toEnd};
+    if (oneChar) {
+        decodeEach(run, true);
+    } else {
+        switch (encoding) {
+            case XmlEncoding::Utf8:
+                decodeUtf8(run);
+                break;
+            case XmlEncoding::Utf16LE:
+            case XmlEncoding::Utf16BE:
+                decodeUtf16(run);
+                break;
+            case XmlEncoding::Utf32LE:
+            case XmlEncoding::Utf32BE:
+                decodeEach(run, false);
+                break;
+            default:
+                decodeBytes(run);
+        }
+    }
+    from = run.from;
+    to = run.to;
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,194 @@
+#include <lumcommon/xml/detail/XmlInput.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr std::size_t blockBytes = 32768;
+constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-level cache while it is scanned
+constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
+constexpr std::size_t slackUnits = 16;     // so that scanners may load whole vectors
+
+}  // namespace
+
+XmlInput::XmlInput(std::istream* stream, bool ownsStream)
+    : stream_(stream),
+      ownsStream_(ownsStream),
+      bytes_(blockBytes),
+      window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
+    counted_ = window_.get() + putBackUnits;
+}
+
+XmlInput::~XmlInput() {
+    if (ownsStream_) delete stream_;
+}
+
+bool XmlInput::fillBytes() {
+    if (isAtEnd_) return false;
+    if (byteStart_ > 0) {
+        std::memmove(bytes_.data(), bytes_.data() + byteStart_, byteEnd_ - byteStart_);
+        byteEnd_ -= byteStart_;
+        byteStart_ = 0;
+    }
+    std::streambuf* buffer = stream_->rdbuf();
+    const std::size_t room = bytes_.size() - byteEnd_;
+    std::streamsize count = 0;
+    if (buffer && !stream_->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
+        // A buffer that cannot tell what it holds has at least the byte just looked at.
+        const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
+        count = buffer->sgetn(reinterpret_cast<char*>(bytes_.data() + byteEnd_),
+                              std::min(available, static_cast<std::streamsize>(room)));
+    }
+    if (count <= 0) {
+        isAtEnd_ = true;
+        // As an extraction would leave it; a stream that is set to throw has not failed here.
+        if (!(stream_->exceptions() & std::ios::eofbit)) stream_->setstate(std::ios::eofbit);
+        return false;
+    }
+    byteEnd_ += static_cast<std::size_t>(count);
+    bytesRead_ += static_cast<std::uint64_t>(count);
+    return true;
+}
+
+int XmlInput::peekByte(std::size_t index) {
+    while (byteEnd_ - byteStart_ <= index) {
+        if (!fillBytes()) return -1;
+    }
+    return bytes_[byteStart_ + index];
+}
+
+bool XmlInput::refill(XmlCursor& cursor) {
+    char16_t* const base = window_.get() + putBackUnits;
+    if (cursor.cur) {
+        position_.advance(counted_, cursor.end);
+        // Units that were pushed back into the window before it was first filled lie in front of `base` too.
+        const std::size_t kept =
+            std::min<std::size_t>(putBackUnits, static_cast<std::size_t>(cursor.cur - window_.get()));
+        std::memmove(base - kept, cursor.cur - kept, kept * sizeof(char16_t));
+    }
+    char16_t* to = base;
+    char16_t* const toEnd = base + windowUnits;
+    do {
+        const unsigned char* from = bytes_.data() + byteStart_;
+        const unsigned char* const fromEnd = bytes_.data() + byteEnd_;
+        if (from != fromEnd) decoder_.decode(from, fromEnd, isAtEnd_, to, toEnd, isLeashed_);
+        byteStart_ = static_cast<std::size_t>(from - bytes_.data());
+    } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
+    counted_ = base;
+    cursor = {base, to, base};
+    return to != base;
+}
+
+TextPosition XmlInput::getPosition(const XmlCursor& cursor) {
+    if (cursor.high > counted_) {
+        position_.advance(counted_, cursor.high);
+        counted_ = cursor.high;
+    }
+    return position_;
+}
+
+void XmlInput::pushUncounted(XmlCursor& cursor, char16_t unit) {
+    if (!cursor.cur) {
+        const char16_t* const base = window_.get() + putBackUnits;
+        cursor = {base, base, base};
+    }
+    window_[static_cast<std::size_t>(cursor.end - window_.get())] = unit;
+    ++cursor.end;
+    cursor.high = cursor.end;
+    counted_ = cursor.end;
+}
+
+void XmlInput::detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken) {
+    decoder_.encoding = encoding;
+    encodingName = name;
+    hasBom = isMarked;
+    byteStart_ += bytesTaken;
+}
+
+bool XmlInput::detectUtf32OrUtf16BE(XmlCursor& cursor) {
+    const int second = peekByte(1);
+    if (second > 0) {
+        detected(XmlEncoding::Utf16BE, u"UTF-16BE", false, 2);
+        pushUncounted(cursor, static_cast<char16_t>(second));
+        return true;
+    }
+    const int third = peekByte(2);
+    const int fourth = peekByte(3);
+    if (second < 0 || third < 0 || fourth < 0) return true;
+    const bool isMarked = third == 0xFE && fourth == 0xFF;
+    detected(XmlEncoding::Utf32BE, isMarked ? u"UTF-32" : u"UTF-32BE", isMarked, 4);
+    if (!isMarked) pushUncounted(cursor, static_cast<char16_t>((third << 8) | fourth));
+    return true;
+}
+
+void XmlInput::detectByLessThan(XmlCursor& cursor) {
+    const XmlEncoding named = decoder_.encoding;
+    if (named != XmlEncoding::Undecided && named != XmlEncoding::Utf16Generic && named != XmlEncoding::Utf32Generic) {
+        return;
+    }
+    if (peekByte(1) != 0) {
+        detected(XmlEncoding::Utf8, u"UTF-8", false, 1);
+        pushUncounted(cursor, u'<');
+        return;
+    }
+    if (peekByte(2) != 0) {
+        detected(XmlEncoding::Utf16LE, u"UTF-16LE", false, 2);
+        pushUncounted(cursor, u'<');
+        return;
+    }
+    const int fourth = peekByte(3);
+    if (fourth == 0) {
+        detected(XmlEncoding::Utf32LE, u"UTF-32LE", false, 4);
+        pushUncounted(cursor, u'<');
+        return;
+    }
+    detected(XmlEncoding::Utf16LE, u"UTF-16LE", false, fourth < 0 ? 2 : 4);
+    pushUncounted(cursor, u'<');
+    if (fourth > 0) pushUncounted(cursor, static_cast<char16_t>(fourth << 8));
+}
+
+bool XmlInput::detectByMark(XmlCursor& cursor, int first) {
+    const int second = peekByte(1);
+    if (first == 0xFE && second == 0xFF) {
+        detected(XmlEncoding::Utf16BE, u"UTF-16", true, 2);
+        return true;
+    }
+    if (first == 0xEF && second == 0xBB && peekByte(2) == 0xBF) {
+        detected(XmlEncoding::Utf8, u"UTF-8", true, 3);
+        return true;
+    }
+    if (first != 0xFF || second != 0xFE) return false;
+    const int third = peekByte(2);
+    const int fourth = peekByte(3);
+    if (third == 0 && fourth == 0) {
+        detected(XmlEncoding::Utf32LE, u"UTF-32", true, 4);
+    } else if (third < 0 || fourth < 0) {
+        detected(XmlEncoding::Utf16LE, u"UTF-16", true, 2);
+    } else {
+        detected(XmlEncoding::Utf16LE, u"UTF-16", true, 4);
+        pushUncounted(cursor, static_cast<char16_t>((fourth << 8) | third));
+    }
+    return true;
+}
+
+bool XmlInput::detectEncoding(XmlCursor& cursor) {
+    const int first = peekByte(0);
+    switch (first) {
+        case 0x00:
+            return detectUtf32OrUtf16BE(cursor);
+        case '<':
+            detectByLessThan(cursor);
+            return true;
+        case 0xEF:
+        case 0xFE:
+        case 0xFF:
+            return detectByMark(cursor, first);
+        default:
+            return true;
+    }
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+#include <lumcommon/xml/detail/TextPosition.h>
+#include <lumcommon/xml/detail/XmlDecoder.h>
+
+#include <cstdint>
+#include <istream>
+#include <memory>
+#include <vector>
+
+namespace LumCommon::detail {
+
+/// Where the parser reads in a window of units.
+struct XmlCursor {
+    const char16_t* cur = nullptr;   // the next unit to read
+    const char16_t* end = nullptr;   // behind the last unit there is
+    const char16_t* high = nullptr;  // behind the furthest unit that has been read
+
+    // The reported position is the furthest unit read, so a push-back moves `cur` only. Were `high` lowered with it, an
+    // error found after a failed look-ahead would name a column that the reader has already passed.
+    void touch(const char16_t* p) noexcept {
+        if (p > high) high = p;
+    }
+};
+
+/// One open input of the parser: reads bytes in blocks, decodes them and offers a window of units.
+///
+/// It takes what the stream's buffer has and never waits for more than the next piece. Until unleash() it decodes one
+/// character at a time, as an XML declaration can change the decoder for the very next byte.
+class XmlInput {
+public:
+    /// @param ownsStream  whether the stream is deleted with this.
+    XmlInput(std::istream* stream, bool ownsStream);
+    ~XmlInput();
+    XmlInput(const XmlInput&) = delete;
+    XmlInput& operator=(const XmlInput&) = delete;
+
+    /// Recognises the encoding from the first bytes. Characters that had to be read for it are in the window, and do
+    /// not count as read.
+    /// @return false when the first byte promises a byte order mark that does not come.
+    bool detectEncoding(XmlCursor& cursor);
+
+    /// Makes more units available when the cursor is at the end of the window. The last few units before the cursor
+    /// stay in front of it. False at the end of the input.
+    bool refill(XmlCursor& cursor);
+
+    /// From now on decodes whole blocks.
+    void unleash() noexcept { isLeashed_ = false; }
+
+    /// The position behind the furthest unit read.
+    TextPosition getPosition(const XmlCursor& cursor);
+    void setPosition(TextPosition position) noexcept { position_ = position; }
+
+    XmlEncoding getEncoding() const noexcept { return decoder_.encoding; }
+    void setEncoding(XmlEncoding encoding) noexcept { decoder_.encoding = encoding; }
+    std::uint64_t getBytesRead() const noexcept { return bytesRead_; }
+    std::istream* getStream() const noexcept { return stream_; }
+
+    UnicodeString encodingName;
+    bool hasBom = false;
+    UnicodeString systemId;
+    UnicodeString baseUri;
+
+private:
+    bool fillBytes();
+    int peekByte(std::size_t index);
+    void pushUncounted(XmlCursor& cursor, char16_t unit);
+    void detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken);
+    bool detectUtf32OrUtf16BE(XmlCursor& cursor);
+    void detectByLessThan(XmlCursor& cursor);
+    bool detectByMark(XmlCursor& cursor, int first);
+
+    std::istream* stream_;
+    bool ownsStream_;
+    bool isLeashed_ = true;
+    bool isAtEnd_ = false;  // the stream has no more bytes
+    XmlDecoder decoder_;
+    TextPosition position_;              // of counted_
+    const char16_t* counted_ = nullptr;  // in the window; units before it are in position_
+    std::vector<unsigned char> bytes_;
+    std::size_t byteStart_ = 0;
+    std::size_t byteEnd_ = 0;
+    std::uint64_t bytesRead_ = 0;
+    std::unique_ptr<char16_t[]> window_;
+};
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <lumcommon/core/LumError.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+#include "support/Utf8.h"
+
+namespace LumTest {
+
+/// Runs `action`, which must throw a LumError with this code, message and source.
+template <class Action>
+void expectError(unsigned code, const std::string& message, const std::string& source, Action action) {
+    try {
+        action();
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const LumCommon::LumError& error) {
+        EXPECT_EQ(error.code, code);
+        EXPECT_EQ(utf8(error.message), message);
+        EXPECT_EQ(utf8(error.source), source);
+        EXPECT_EQ(error.line, -1);
+        EXPECT_EQ(error.column, -1);
+        EXPECT_EQ(utf8(error.location), "");
+    }
+}
+
+/// The same for an error of the parser, which tells its position in the message.
+template <class Action>
+void expectParserError(unsigned code, const std::string& message, const std::string& position, Action action) {
+    expectError(code, message + "\n" + position, "LumCommon::XmlParserImpl", action);
+}
+
+}  // namespace LumTest

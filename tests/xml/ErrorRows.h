@@ -1,0 +1,168 @@
+#pragma once
+
+#include "support/XmlEvents.h"
+
+namespace LumTest {
+
+using Feature = LumXmlParser::Feature;
+
+/// A document that is not well-formed, with a bar behind the last character read when the error is found.
+struct ErrorRow {
+    unsigned code;
+    const char* document;
+    const char* message;
+    LumXmlParser::EventType event;  ///< that the message names
+    /// Characters of a literal that were looked at again behind the bar; negative for bytes before it that are no
+    /// characters: those that tell the encoding.
+    int rescanned = 0;
+    Setup setup = {};
+};
+
+inline Setup define(const char* name, const char* text) {
+    return {.features = {}, .encoding = {}, .baseUri = {}, .entities = {{name, text}}};
+}
+inline Setup turnOn(Feature feature) {
+    return {.features = {feature}, .encoding = {}, .baseUri = {}, .entities = {}};
+}
+
+inline constexpr auto atStart = LumXmlParser::START_DOCUMENT;
+inline constexpr auto inTag = LumXmlParser::START_TAG;
+inline constexpr auto inEndTag = LumXmlParser::END_TAG;
+inline constexpr auto inText = LumXmlParser::TEXT;
+inline constexpr auto inRef = LumXmlParser::ENTITY_REF;
+inline constexpr auto inPi = LumXmlParser::PROCESSING_INSTRUCTION;
+inline constexpr auto inComment = LumXmlParser::COMMENT;
+inline constexpr auto inCData = LumXmlParser::CDSECT;
+inline constexpr auto inSpace = LumXmlParser::IGNORABLE_WHITESPACE;
+
+inline const std::vector<ErrorRow> errorRows = {
+    // Elements
+    {0x1801, "<a>|", "Missing end tag.", inTag},
+    {0x1801, "<a><b></b>|", "Missing end tag.", inEndTag},
+    {0x1801, "<a>x\n|", "Missing end tag.", inText},
+    {0x1801, "<a><!-- -->|", "Missing end tag.", inComment},
+    {0x1802, "<a/><b|/>", "Only one top level element is allowed.", inTag},
+    {0x1802, "<a/>\n <b|/>", "Only one top level element is allowed.", inTag},
+    {0x1804, "<1|a/>", "Invalid start tag name.", inTag},
+    {0x1804, "<a:>|</a>", "Invalid start tag name.", inTag},
+    {0x1804, "<a:1|/>", "Invalid start tag name.", inTag},
+    {0x1804, "<:|a/>", "Invalid start tag name.", inTag},
+    {0x1805, "<a></>|", "Invalid end tag name.", inEndTag},
+    {0x1805, "<a></a:>|", "Invalid end tag name.", inEndTag},
+    {0x1806, "<a></b>|", "End tag 'b' does not match the start tag 'a'.", inEndTag},
+    {0x1806, "<a><b></a>|", "End tag 'a' does not match the start tag 'b'.", inEndTag},
+    {0x1806, "<p:a xmlns:p='u' xmlns:q='u'></q:a>|", "End tag 'q:a' does not match the start tag 'p:a'.", inEndTag},
+    {0x1806, "<a/></a>|", "End tag 'a' does not match the start tag ''.", inEndTag},
+    {0x1807, "<p:a/>|", "Undeclared namespace prefix: p", inTag},
+    {0x1807, "<p:a/>|", "Undeclared namespace prefix: p", inTag, 0, turnOn(Feature::FEATURE_ALLOW_UNDECLARED_PREFIX)},
+    {0x1807, "<a p:b='1'>|</a>", "Undeclared namespace prefix: p", inTag},
+    {0x1807, "<a><b xmlns:p='u'/><p:c>|</p:c></a>", "Undeclared namespace prefix: p", inTag},
+    {0x1808, "<a b='1' c='' b='2'/>|", "Duplicate attribute: b", inTag},
+    {0x1808, "<a xmlns:p='u' xmlns:q='u' p:b='1' q:b='2'>|", "Duplicate attribute: q:b", inTag},
+    {0x1808, "<a xmlns:p='u' xmlns:p='v'>|", "Duplicate attribute: xmlns:p", inTag},
+    {0x1808, "<a xmlns='u' xmlns='v'>|", "Duplicate attribute: xmlns", inTag},
+    {0x1809, "<a 1b |='x'/>", "Invalid attribute name: 1b", inTag},
+    {0x1809, "<a 'x y'| b=''/>", "Invalid attribute name: 'x y'", inTag},
+    {0x1809, "<a \"x>|", "Invalid attribute name: \"x>", inTag},
+    {0x1809, "<a b:1 |='x'/>", "Invalid attribute name: 1", inTag},
+    {0x1809, "<a |", "Invalid attribute name: ", inTag},
+    {0x1809, "<a =1>|", "Invalid attribute name: =1>", inTag},
+    {0x180A, "<a b>|</a>", "Missing '=' after attribute name.", inTag},
+    {0x180A, "<a b c|='1'/>", "Missing '=' after attribute name.", inTag},
+    {0x180B, "<a b='1'c|='2'/>", "Missing whitespace between attributes.", inTag},
+    {0x180C, "<a b='1'?|>", "Unexpected character: ?", inTag},
+    {0x180C, "<a?|>", "Unexpected character: ?", inTag},
+    {0x180C, "<a/x|>", "Unexpected character: x", inTag},
+    {0x180C, "<a></a b|>", "Unexpected character: b", inEndTag},
+    {0x180C, "<a></a/|>", "Unexpected character: /", inEndTag},
+    {0x180D, "< |a/>", "Unexpected whitespace after '<'.", inTag},
+    {0x180D, "<a><\n|b/></a>", "Unexpected whitespace after '<'.", inTag},
+    {0x180D, "<a/ |>", "Unexpected whitespace after '/'.", inTag},
+    {0x180D, "<a></\t|a>", "Unexpected whitespace after '</'.", inEndTag},
+    // Text
+    {0x180E, "<a/>A|B", "Unexpected text at top level of the document: U+0041 (A)", inText},
+    {0x180E, "A|<a/>", "Unexpected text at top level of the document: U+0041 (A)", inText},
+    {0x180E, "<a/>\n \xC3\xA9|", "Unexpected text at top level of the document: U+00E9 (\xC3\xA9)", inText},
+    {0x180E, "<a/>\xF0\x9F\x98\x80|", "Unexpected text at top level of the document: U+1F600 (\xF0\x9F\x98\x80)", inText},
+    {0x1810, "<a>x]]>|y</a>", "Unexpected ']]>'.", inText},
+    {0x1810, "<a>]]]>|</a>", "Unexpected ']]>'.", inText},
+    {0x1811, "<a><![CDATA[x]]|", "Unexpected end of input while looking for CDATA section terminator ']]>'.", inCData},
+    {0x1811, "<a><![IGNORE[x] >|", "Unexpected end of input while looking for CDATA section terminator ']]>'.", inTag},
+    {0x1812, "<a/><!--x--|", "Unexpected end of input while looking for comment terminator '-->'.", inComment},
+    {0x1813, "<!--x--y|--><a/>", "Unexpected character after -- in comment", inComment},
+    {0x1813, "<!-----|-><a/>", "Unexpected character after -- in comment", inComment},
+    // References
+    {0x181B, "<a>&;|</a>", "Empty entity name.", inRef},
+    {0x181B, "<a>& |</a>", "Empty entity name.", inRef},
+    {0x181B, "<a b='&1;'|/>", "Empty entity name.", inTag, 2},
+    {0x181C, "<a>&b |;</a>", "Invalid character in entity reference: &b ;", inRef},
+    {0x181C, "<a>x&b<|/a>", "Invalid character in entity reference: &b<;", inRef},
+    {0x181C, "<a b='&c.d!;'|/>", "Invalid character in entity reference: &c.d!;", inTag, 5},
+    {0x181E, "<a b='x&c;'|/>", "Reference to undefined entity: &c;", inTag, 4},
+    {0x181E, "<a b='&e;'|/>", "Reference to undefined entity: &f;", inTag, 3, define("e", "1&f;2")},
+    {0x1830, "<a b='x<y'|/>", "Unexpected '<' in attribute value.", inTag, 2},
+    {0x1830, "<a b='x&e;y'|/>", "Unexpected '<' in attribute value.", inTag, 4, define("e", "1<2")},
+    {0x1831, "<a>&#65 |;</a>", "Unexpected whitespace in character reference: &#65 ;", inRef},
+    {0x1831, "<a>&#x41\n|;</a>", "Unexpected whitespace in character reference: &#x41\n;", inRef},
+    {0x1831, "<a b='&# ;'|/>", "Unexpected whitespace in character reference: &# ;", inTag, 3},
+    {0x1832, "<a>&#x4G|;</a>", "Invalid character in character reference: &#x4G;", inRef},
+    {0x1832, "<a>&#6A|;</a>", "Invalid character in character reference: &#6A;", inRef},
+    {0x1832, "<a>&#X|41;</a>", "Invalid character in character reference: &#X;", inRef},
+    {0x1833, "<a>&#0;|</a>", "Invalid unicode character: &#0;", inRef},
+    {0x1833, "<a>&#xD800;|</a>", "Invalid unicode character: &#xD800;", inRef},
+    {0x1833, "<a>&#xdfff;|</a>", "Invalid unicode character: &#xdfff;", inRef},
+    {0x1833, "<a>&#xFFFE;|</a>", "Invalid unicode character: &#xFFFE;", inRef},
+    {0x1833, "<a>&#65535;|</a>", "Invalid unicode character: &#65535;", inRef},
+    {0x1833, "<a>&#x110000;|</a>", "Invalid unicode character: &#x110000;", inRef},
+    {0x1833, "<a>&#4294967361;|</a>", "Invalid unicode character: &#4294967361;", inRef},  // 2^32 + 65
+    {0x1833, "<a>&#x10000000000000041;|</a>", "Invalid unicode character: &#x10000000000000041;", inRef},
+    {0x1833, "<a b='&#8;'|/>", "Invalid unicode character: &#8;", inTag, 4},
+    // Declarations and instructions
+    {0x1821, " <?xml |version='1.0'?><a/>", "Unexpected XML declaration.", inSpace},
+    {0x1821, "<a><?xml?|></a>", "Unexpected XML declaration.", inTag},
+    {0x1822, "<?xml encoding=|'UTF-8'?><a/>", "Missing 'version=' after '<?xml ' in XML declaration.", atStart},
+    {0x1822, "<?xml ?|><a/>", "Missing 'version=' after '<?xml ' in XML declaration.", atStart},
+    {0x1823, "<?xml version '|1.0'?><a/>", "Missing '=' after '<?xml version' in XML declaration.", atStart},
+    {0x1823, "<?xml version='1.0' encoding?|><a/>", "Missing '=' after 'encoding' in XML declaration.", atStart},
+    {0x1823, "<?xml version='1.0' standalone?|><a/>", "Missing '=' after 'standalone' in XML declaration.", atStart},
+    {0x1824, "<?xml?|><a/>", "Missing whitespace after '<?xml' in XML declaration.", atStart},
+    {0x1825, "<?xml version='1.0'encoding=|'UTF-8'?><a/>",
+     "Missing whitespace before 'encoding=' in XML declaration.", atStart},
+    {0x1825, "<?xml version='1.0'standalone=|'yes'?><a/>",
+     "Missing whitespace before 'standalone=' in XML declaration.", atStart},
+    {0x1825, "<?xml version='1.0' encoding='UTF-8'standalone=|'yes'?><a/>",
+     "Missing whitespace before 'standalone=' in XML declaration.", atStart},
+    {0x1826, "<?xml version='1.2'|?><a/>", "Unsupported XML version: 1.2", atStart},
+    {0x1826, "<?xml version=''|?><a/>", "Unsupported XML version: ", atStart},
+    {0x1827, "<?xml version='1.0' standalone='true'|?><a/>", "Invalid standalone declaration in XML declaration.",
+     atStart},
+    {0x180C, "<?xml version='1.0' !|?><a/>", "Unexpected character: !", atStart},
+    {0x180C, "<?xml version='1.0' encoding='UTF-8' ?x|><a/>", "Unexpected character: x", atStart},
+    {0x182E, "<?xml version=1|.0?><a/>", "Missing quotation character (\" or ').", atStart},
+    {0x182F, "<?xml version='1.0|", "Unexpected end of input while looking for literal terminator (').", atStart},
+    {0x1828, "<a><![CDATA |[x]]></a>", "Invalid syntax in CDATA section.", inTag},
+    {0x1829, "<a>x<!-y|--></a>", "Invalid syntax in comment.", inText},
+    {0x182A, "<a><!ELEMENT |b></a>", "Unexpected '<!ELEMENT'.", inTag},
+    {0x182A, "<a><!>|</a>", "Unexpected '<!'.", inTag},
+    {0x182B, "<?XML |version='1.0'?><a/>", "The name 'xml' must be lower case: <?XML", inPi},
+    {0x182B, "<a><?xMl |?></a>", "The name 'xml' must be lower case: <?xMl", inPi},
+    {0x182C, "<a><?p?|></a>", "Missing whitespace after PI target: <?p", inPi},
+    {0x182C, "<?p:|q r?><a/>", "Missing whitespace after PI target: <?p", inPi},
+    {0x182D, "<a><?p q?|", "Unexpected end of input while looking for PI terminator '?>'.", inPi},
+    {0x182E, "<a b=1|/>", "Missing quotation character (\" or ').", inTag},
+    {0x182E, "<a b=|", "Missing quotation character (\" or ').", inTag},
+    {0x182F, "<a b='x\"></a>|", "Unexpected end of input while looking for literal terminator (').", inTag},
+    {0x182F, "<a b=\"x|", "Unexpected end of input while looking for literal terminator (\").", inTag},
+    // Encodings
+    {0x1834, "\xEF|x<a/>", "Invalid character.", atStart, -1},
+    {0x1834, "\xFE\xFE|", "Invalid character.", atStart, -2},
+    {0x1834, "<a>\xEF\xBF\xBF|x</a>", "Invalid character.", inTag},
+    {0x1835, "<?xml version='1.0' encoding='no-such-charset'|?><a/>",
+     "Unknown or unsupported encoding: no-such-charset.", atStart},
+    {0x1835, "<?xml version='1.0' encoding='Shift_JIS'|?><a/>", "Unknown or unsupported encoding: Shift_JIS.", atStart, 0,
+     turnOn(Feature::FEATURE_BUILTIN_ENCODINGS_ONLY)},
+    {0x1839, "\xEF\xBB\xBF<?xml version='1.0' encoding='ISO-8859-1'|?><a/>", "Conflict encoding: ISO-8859-1.", atStart,
+     -1},
+};
+
+}  // namespace LumTest
