@@ -22,10 +22,13 @@ public:
         QUOTE_CSS = 8,       ///< CSS escapes
     };
 
+    /// The text in quotes. Without a quote bit there are none, and only QUOTE_CSS then changes anything.
     static UnicodeString quoteString(const UnicodeString& text, unsigned mode);
-    /// The text without its quotes; bogus when it is not a string of the mode.
+    /// The text without white space around it and without its quotes; bogus when it is not a string of the mode. Where
+    /// the mode has neither doubling nor escapes, any text that ends with its first character loses both.
     static UnicodeString unquoteString(const UnicodeString& text, unsigned mode);
-    /// Reads one string, quoted as `mode` says.
+    /// Reads one string, quoted as `mode` says; without a quote bit it goes on to the end. A CSS escape of what is no
+    /// character (0, surrogates, beyond U+10FFFF) gives U+FFFD.
     /// @param position  zero-terminated UTF-16.
     /// @param end       gets the position after the string; `position` when the result is bogus.
     static UnicodeString parseString(const char16_t* position, const char16_t*& end, unsigned mode);
@@ -35,7 +38,8 @@ public:
     /// The URI inside url(...) or quotes, normalised as LumUri does.
     static UnicodeString unquoteUri(const UnicodeString& text);
 
-    /// Base64 (RFC 4648, padded, no line breaks) of the next `length` bytes, or of those that are there.
+    /// Base64 (RFC 4648, padded, no line breaks) of the next `length` bytes, or of those that are there. Bogus when the
+    /// result is beyond the length of a string.
     static UnicodeString encodeBase64(std::istream& in, int length);
     /// A data: URI of the next `length` bytes.
     static UnicodeString encodeBase64(std::istream& in, int length, const UnicodeString& mediaType,
@@ -46,12 +50,13 @@ public:
     /// The digit of a six-bit value in the base64 alphabet.
     static char16_t stEncode(unsigned value);
 
-    /// Scans an optional sign, digits, and a fraction; no exponent.
+    /// Scans an optional sign, digits, and a fraction ("12." and ".5" are numbers); no exponent. The point is "." in
+    /// every locale.
     /// @param position     zero-terminated UTF-16; white space at its start is passed over.
     /// @param end          gets the position after the number, or `position` when there is none (the result is then 0).
     /// @param hasFraction  set to whether there was a "."; may be null.
     static double parseNumber(const char16_t* position, const char16_t*& end, bool* hasFraction = nullptr);
-    /// Scans hexadecimal digits, at most `maxDigits` (-1: no limit). A number beyond 32 bits gives 0xFFFFFFFF.
+    /// Scans white space and hexadecimal digits, at most `maxDigits` (-1: no limit). A number beyond 32 bits gives 0xFFFFFFFF.
     static std::uint32_t parseHexNum(const char16_t* position, const char16_t*& end, int maxDigits = -1);
 
     /// Releases what the class keeps; part of LumCommon::cleanup().

@@ -6,11 +6,18 @@
 
 namespace LumCommon {
 
+namespace detail {
+class UnitCursor;
+}
+
 /// Splits the text of a property into tokens and builds values, signed numbers, function calls and lists of them.
 ///
-/// Nothing here throws. Every call that returns a token has consumed at least one unit of text, until the end.
-/// Cost: linear in the text, also for nested parentheses, which take no stack.
-/// Threads: one at a time.
+/// White space is space, tab, line feed and carriage return. A number written with a "." is real even when its fraction
+/// is zero ("10.0"), one written without is an integer where it fits into 32 bits.
+///
+/// Nothing here throws, but for exhausted memory. Every call that returns a token has consumed at least one unit of
+/// text, until the end. Cost: linear in the text, also for nested parentheses, which take no stack. Threads: one at a
+/// time.
 class LUM_API LumTokenizer {
 public:
     /// Kinds of tokens; a positive kind is the code of a single delimiter character.
@@ -56,8 +63,24 @@ public:
     bool scanSeparator(char16_t separator) const;
 
 private:
+    detail::UnitCursor getCursor() const noexcept;
+    void setCursor(const detail::UnitCursor& cursor) noexcept;
+    void setText(const char16_t* begin, const char16_t* end);
+    void readName(detail::UnitCursor& cursor);
+    void readQuoted(detail::UnitCursor& cursor);
+    void readNumber(detail::UnitCursor& cursor);
+    /// The value of the number just read; moves back over a suffix that is no unit.
+    LumValue makeNumberValue();
+    /// Applies an exponent that comes next to number_ and gives its unit; false, and nothing read, when none comes.
+    bool readExponent(LumValueUnitType& unit);
+    /// Passes what follows an opening parenthesis up to and with the closing one, or to the end.
+    void skipGroup();
+    /// Adds a quoted part or a run of other characters to the item being read.
+    void appendItemPart(detail::UnitCursor& cursor, char16_t separator);
+
     int kind_ = TOKEN_NONE;
     double number_ = 0;
+    bool hasFraction_ = false;  // the number was written with a "."
     UnicodeString text_;
     UnicodeString source_;
     int position_ = 0;  // into source_

@@ -78,6 +78,10 @@ public:
     LumValue(LumName name) noexcept;
     LumValue(LumNameEnum name) noexcept : LumValue(LumName(name)) {}
     LumValue(const UnicodeString& text);
+    /// An integer 00RRGGBB (UNIT_COLOR) for a plain colour, else a compound (UNIT_COLOR): the RGB value is its unnamed
+    /// item, and the item with the name of the colour space holds the components. What of a separation was not given
+    /// ("value" for the tint, the four inks, "rgb" for the fallback) is not there.
+    LumValue(const LumColor& color);
     /// Takes a reference; null gives the null value.
     LumValue(LumRCObject* object) noexcept;
     LumValue(LumNamedValueMap* map) noexcept;
@@ -120,6 +124,9 @@ public:
     LumName getNameValue() const noexcept;
     /// An absolute length, or that of a compound's item "length" or unnamed item; else no length.
     LumLength getLengthValue() const;
+    /// The colour that the value is, or that its name or text says; else the invalid colour. A compound that lacks its
+    /// components gives its RGB value.
+    LumColor getColorValue() const;
     /// The object of kinds 5 and 7, else null. Borrowed.
     LumRCObject* getRCObject() const noexcept;
     /// The map of kind 7, else null. Borrowed.
@@ -149,6 +156,10 @@ public:
     static LumValue parse(const UnicodeString& text);
     /// The same, but numbers and colours stay text.
     static LumValue parseNonNumeric(const UnicodeString& text);
+    /// The value of a colour's text: a colour, or a name, number or quoted string that is the whole text; any other
+    /// text becomes a plain string as it stands. A colour written in words is a name: getColorValue() resolves it.
+    /// @param iccAllowed  whether icc-color(...) may follow an RGB colour or a keyword.
+    static LumValue parseColor(const UnicodeString& text, bool iccAllowed);
 
     LumValue operator-() const;
     LumValue abs() const;

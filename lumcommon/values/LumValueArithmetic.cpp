@@ -1,3 +1,4 @@
+#include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/Units.h>
 

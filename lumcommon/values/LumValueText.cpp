@@ -1,10 +1,11 @@
 #include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/NumberText.h>
 
-#include <algorithm>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace LumCommon {
@@ -56,7 +57,7 @@ private:
                 if (value.getUnit() == UNIT_CHAR) {
                     text_.append(static_cast<char16_t>(value.getIntegerValue()));
                 } else if (value.getUnit() == UNIT_COLOR) {
-                    appendColor(value.getNamedItem(NAME_NULL));
+                    text_.append(value.getColorValue().toString(false));
                 } else {
                     appendInteger(text_, value.getIntegerValue());
                     text_.append(LumValue::getUnitString(value.getUnit()));
@@ -77,20 +78,13 @@ private:
                 break;
             case KIND_COMPOUND:
                 if (value.getUnit() == UNIT_COLOR) {
-                    appendColor(value.getNamedItem(NAME_NULL));
+                    text_.append(value.getColorValue().toString(false));
                 } else {
                     text_.append(u'{');
                     open_.push_back({value.getNamedValueMap(), 0, false});
                 }
                 break;
         }
-    }
-
-    void appendColor(const LumValue& value) {
-        const auto rgb = static_cast<std::uint32_t>(value.getIntegerValue());
-        if (rgb == 0xFFFFFFFFu) text_.append(LumName(NAME_transparent).getString());
-        if (rgb == 0xFE000000u) text_.append(LumName(NAME_currentColor).getString());
-        if (rgb <= 0x00FFFFFFu) appendHexColor(text_, rgb);
     }
 
     UnicodeString text_;

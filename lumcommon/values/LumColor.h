@@ -1,0 +1,120 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+#include <lumcommon/names/LumName.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+
+namespace LumCommon {
+
+class LumValue;
+
+namespace detail {
+class ColorReader;
+}
+
+/// A colour of a property: an sRGB value and, for print, its definition in a process or spot colour space.
+///
+/// Four colour spaces besides plain RGB (the null name): NAME_HASH_GRAYSCALE, NAME_HASH_CMYK, NAME_HASH_SEPARATION (a
+/// spot ink; the registration colour is the separation "All") and NAME_icc_color. Every component is kept in 0 to 1;
+/// arguments outside are moved to the nearer end and NaN to 0.
+///
+/// Nothing here throws, but for exhausted memory. Threads: a value.
+class LUM_API LumColor {
+public:
+    /// Values above RGB_LARGEST are no colours of their own: these two, and everything else invalid.
+    static constexpr std::uint32_t RGB_LARGEST = 0x00FFFFFFu;
+    static constexpr std::uint32_t RGB_TRANSPARENT = 0xFFFFFFFFu;
+    static constexpr std::uint32_t RGB_CURRENT_COLOR = 0xFE000000u;
+    static constexpr std::uint32_t RGB_INVALID = 0xFF000000u;
+
+    /// The components of a CMYK colour, 0 to 1 each.
+    struct Cmyk {
+        float c, m, y, k;
+    };
+
+    /// Black.
+    LumColor() noexcept = default;
+    /// The colour of a keyword of SVG 1.1, "currentColor" or "transparent", in any case; else the invalid colour.
+    explicit LumColor(LumName name);
+    explicit LumColor(LumNameEnum name);
+    /// Plain RGB from channels, each moved into 0 to 255.
+    LumColor(int r, int g, int b) noexcept;
+    /// LumValue::getColorValue().
+    explicit LumColor(const LumValue& value);
+    /// Grayscale; 1 is white.
+    explicit LumColor(float gray) noexcept;
+    LumColor(const LumColor& fallback, float gray) noexcept;
+    /// CMYK.
+    LumColor(float c, float m, float y, float k) noexcept;
+    LumColor(const LumColor& fallback, float c, float m, float y, float k) noexcept;
+    /// A separation. An empty name stands for "All"; the alternative is all inks at full strength.
+    LumColor(const UnicodeString& name, float tint);
+    /// A separation with its alternative in CMYK.
+    LumColor(const UnicodeString& name, float tint, float c, float m, float y, float k);
+    /// A separation whose alternative is that of the fallback.
+    LumColor(const LumColor& fallback, const UnicodeString& name, float tint);
+    LumColor(const LumColor& fallback, const UnicodeString& name, float tint, float c, float m, float y, float k);
+    /// A colour of the profile `name` in its own components.
+    LumColor(const LumColor& fallback, const UnicodeString& name, float c0, float c1, float c2, float c3);
+
+    /// Plain RGB from 00RRGGBB or a marker.
+    static LumColor fromRGB(std::uint32_t rgb) noexcept;
+    static std::uint32_t cmyk2rgb(float c, float m, float y, float k) noexcept;
+    /// The CMYK colour of an RGB value, without division by what black leaves.
+    static LumColor rgb2cmyk(std::uint32_t rgb) noexcept;
+
+    std::uint32_t getRGB() const noexcept { return rgb_; }
+    LumName getColorSpace() const noexcept { return colorSpace_; }
+    /// Of a separation or a profile, else empty.
+    const UnicodeString& getName() const noexcept { return name_; }
+    /// Grayscale: 0 is the gray level. CMYK and icc-color: 0 to 3. Separation: 0 is the tint, 1 to 4 the alternative.
+    /// 0 outside 0 to 4.
+    float getComponent(int index) const noexcept {
+        return index >= 0 && index < 5 ? components_[static_cast<std::size_t>(index)] : 0;
+    }
+    /// Whether a separation has an RGB value, a tint and an alternative of its own.
+    bool isRgbGiven() const noexcept { return isRgbGiven_; }
+    bool isTintGiven() const noexcept { return isTintGiven_; }
+    bool isCmykGiven() const noexcept { return isCmykGiven_; }
+
+    /// The RGB value of a separation at its tint; of another colour its RGB value.
+    std::uint32_t getSeparationRGB() const noexcept;
+    /// Plain RGB at two thirds of each channel.
+    LumColor getDark() const noexcept;
+    /// Plain RGB half way to white.
+    LumColor getLight() const noexcept;
+    bool isInvalid() const;
+    /// Whether the name is "all" in any case.
+    bool isRegistrationName() const;
+    /// The keyword whose value this colour's RGB is; the null name when there is none.
+    LumName getColorName() const noexcept;
+
+    friend LUM_API bool operator==(const LumColor& a, const LumColor& b);
+
+    /// The colour in the syntax of properties: "#RRGGBB" or "rgb-icc(...)".
+    /// @param svgForm  a keyword where there is one, and "icc-color(...)" after the RGB colour.
+    /// The invalid colour gives the empty string.
+    UnicodeString toString(bool svgForm) const;
+
+private:
+    friend class detail::ColorReader;  // sets what was given
+
+    Cmyk getAlternative() const noexcept { return {components_[1], components_[2], components_[3], components_[4]}; }
+    void setComponents(std::initializer_list<float> values) noexcept;
+    void appendSeparation(UnicodeString& text) const;
+
+    std::uint32_t rgb_ = 0;
+    LumName colorSpace_;
+    UnicodeString name_;
+    std::array<float, 5> components_{};
+    bool isRgbGiven_ = false;
+    bool isTintGiven_ = false;
+    bool isCmykGiven_ = false;
+};
+
+}  // namespace LumCommon

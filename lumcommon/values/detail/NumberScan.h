@@ -1,0 +1,61 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+
+#include <cstdint>
+
+namespace LumCommon::detail {
+
+/// White space between tokens.
+constexpr bool isTokenSpace(char16_t c) noexcept { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
+constexpr bool isDigit(char16_t c) noexcept { return c >= u'0' && c <= u'9'; }
+/// The value of a hexadecimal digit, -1 for other characters.
+constexpr int getHexDigit(char16_t c) noexcept {
+    if (isDigit(c)) return c - u'0';
+    const char16_t lower = c | 0x20;
+    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
+}
+
+/// A reading position in UTF-16 that ends at a limit or at U+0000, whichever comes first. The limit may be null: then
+/// only U+0000 ends it, and nothing has to measure the text beforehand.
+class UnitCursor {
+public:
+    UnitCursor(const char16_t* position, const char16_t* limit) noexcept : position_(position), limit_(limit) {}
+
+    const char16_t* get() const noexcept { return position_; }
+    bool isAtEnd() const noexcept { return position_ == limit_ || *position_ == 0; }
+    /// The next unit; U+0000 at the end.
+    char16_t peek() const noexcept { return position_ == limit_ ? u'\0' : *position_; }
+    /// The unit after the next one; U+0000 at the end.
+    char16_t peekSecond() const noexcept { return isAtEnd() ? u'\0' : UnitCursor(position_ + 1, limit_).peek(); }
+    /// Passes the next unit. Not at the end.
+    void advance() noexcept { ++position_; }
+    void skipTokenSpace() noexcept {
+        while (isTokenSpace(peek())) advance();
+    }
+    /// A digit, or "." and a digit: what numbers begin with after their sign.
+    bool isAtNumber() const noexcept { return isDigit(peek()) || (peek() == u'.' && isDigit(peekSecond())); }
+    bool isAtSignedNumber() const noexcept {
+        if (peek() != u'+' && peek() != u'-') return isAtNumber();
+        return UnitCursor(position_ + 1, limit_).isAtNumber();
+    }
+
+private:
+    const char16_t* position_;
+    const char16_t* limit_;
+};
+
+struct ScannedNumber {
+    double value = 0;
+    bool hasFraction = false;  // a "." was taken
+};
+
+/// White space, an optional sign, digits, and a "." with further digits or none ("12." is 12). There is no exponent and
+/// the point is "." in every locale. Where no number comes, the value is 0 and the cursor stays.
+ScannedNumber scanNumber(UnitCursor& cursor);
+
+/// White space and at most `maxDigits` hexadecimal digits (-1: any number). A number beyond 32 bits gives 0xFFFFFFFF.
+/// Where no digit comes, the value is 0 and the cursor stays.
+std::uint32_t scanHexNumber(UnitCursor& cursor, int maxDigits);
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,169 @@
+#include <lumcommon/core/LumStrings.h>
+#include <lumcommon/values/detail/Quoting.h>
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr char16_t noQuote = 0;
+
+constexpr bool isCssSpace(char16_t c) noexcept { return isTokenSpace(c) || c == u'\f'; }
+
+char16_t chooseQuote(const UnicodeString& text, unsigned mode) {
+    switch (mode & (QUOTE_BIT_DOUBLE | QUOTE_BIT_SINGLE)) {
+        case QUOTE_BIT_DOUBLE | QUOTE_BIT_SINGLE:
+            return text.indexOf(u'"') >= 0 && text.indexOf(u'\'') < 0 ? u'\'' : u'"';
+        case QUOTE_BIT_DOUBLE:
+            return u'"';
+        case QUOTE_BIT_SINGLE:
+            return u'\'';
+        default:
+            return noQuote;
+    }
+}
+
+/// The hexadecimal digits that stand for `c` after a backslash; null when `c` stands for itself.
+const char16_t* getCssEscape(char16_t c, char16_t quote) noexcept {
+    switch (c) {
+        case u'\n':
+            return u"A";
+        case u'\f':
+            return u"C";
+        case u'\r':
+            return u"D";
+        case u'\\':
+            return u"5C";
+        case u'"':
+            return quote == u'"' ? u"22" : nullptr;
+        case u'\'':
+            return quote == u'\'' ? u"27" : nullptr;
+        default:
+            return nullptr;
+    }
+}
+
+void appendCssEscaped(UnicodeString& result, const UnicodeString& text, char16_t quote) {
+    for (int i = 0; i < text.length(); ++i) {
+        const char16_t c = text.charAt(i);
+        const char16_t* const escape = getCssEscape(c, quote);
+        if (!escape) {
+            result.append(c);
+            continue;
+        }
+        result.append(u'\\').append(escape, -1);
+        const bool hasNext = i + 1 < text.length();
+        const char16_t next = hasNext ? text.charAt(i + 1) : u'\0';
+        if (isCssSpace(next) || getHexDigit(next) >= 0) result.append(u' ');
+    }
+}
+
+void appendDoubled(UnicodeString& result, const UnicodeString& text, char16_t quote) {
+    for (int i = 0; i < text.length(); ++i) {
+        const char16_t c = text.charAt(i);
+        result.append(c);
+        if (c == quote) result.append(c);
+    }
+}
+
+/// Reads what follows a backslash. Code points that are none (0, surrogates, beyond U+10FFFF) become U+FFFD.
+void appendUnescaped(UnicodeString& result, UnitCursor& cursor) {
+    const char16_t c = cursor.peek();
+    if (getHexDigit(c) >= 0) {
+        constexpr int mostDigits = 6;
+        const auto code = static_cast<UChar32>(scanHexNumber(cursor, mostDigits));
+        if (isCssSpace(cursor.peek())) cursor.advance();
+        const bool isCharacter = code > 0 && code <= 0x10FFFF && !U_IS_SURROGATE(code);
+        result.append(isCharacter ? code : UChar32{0xFFFD});
+        return;
+    }
+    if (cursor.isAtEnd()) {
+        result.append(u'\\');
+        return;
+    }
+    cursor.advance();
+    if (c == u'\r' && cursor.peek() == u'\n') cursor.advance();
+    if (c != u'\r' && c != u'\n' && c != u'\f') result.append(c);
+}
+
+bool isQuoteOfMode(char16_t c, unsigned mode) noexcept {
+    return (c == u'"' && (mode & QUOTE_BIT_DOUBLE)) || (c == u'\'' && (mode & QUOTE_BIT_SINGLE));
+}
+
+}  // namespace
+
+UnicodeString quoteString(const UnicodeString& text, unsigned mode) {
+    const char16_t quote = chooseQuote(text, mode);
+    UnicodeString result;
+    if (quote != noQuote) result.append(quote);
+    if (mode & QUOTE_BIT_CSS) {
+        appendCssEscaped(result, text, quote);
+    } else if ((mode & QUOTE_BIT_DOUBLING) && quote != noQuote) {
+        appendDoubled(result, text, quote);
+    } else {
+        result.append(text);
+    }
+    if (quote != noQuote) result.append(quote);
+    return result;
+}
+
+UnicodeString scanString(UnitCursor& cursor, unsigned mode) {
+    UnitCursor scan = cursor;
+    char16_t quote = noQuote;
+    if (mode & (QUOTE_BIT_DOUBLE | QUOTE_BIT_SINGLE)) {
+        quote = scan.peek();
+        if (!isQuoteOfMode(quote, mode)) return LumBogusString::BOGUS_VALUE;
+        scan.advance();
+    }
+    UnicodeString result;
+    for (;;) {
+        if (scan.isAtEnd()) {
+            if (quote != noQuote) return LumBogusString::BOGUS_VALUE;
+            break;
+        }
+        const char16_t c = scan.peek();
+        scan.advance();
+        if (c == quote) {
+            if (!(mode & QUOTE_BIT_DOUBLING) || scan.peek() != quote) break;
+            scan.advance();
+            result.append(c);
+        } else if (c == u'\\' && (mode & QUOTE_BIT_CSS)) {
+            appendUnescaped(result, scan);
+        } else {
+            result.append(c);
+        }
+    }
+    cursor = scan;
+    return result;
+}
+
+UnicodeString unquoteString(const UnicodeString& text, unsigned mode) {
+    UnicodeString trimmed(text);
+    trimmed.trim();
+    const int length = trimmed.length();
+    const char16_t* const start = trimmed.getBuffer();
+    if (start) {
+        UnitCursor cursor(start, start + length);
+        UnicodeString result = scanString(cursor, mode);
+        if (!result.isBogus() && cursor.get() == start + length) return result;
+    }
+    // Nothing inside can be escaped, so that a quote inside is an ordinary character.
+    const bool isPlain = !(mode & (QUOTE_BIT_DOUBLING | QUOTE_BIT_CSS));
+    if (isPlain && length >= 2 && trimmed.charAt(0) == trimmed.charAt(length - 1)) {
+        return UnicodeString(trimmed, 1, length - 2);
+    }
+    return LumBogusString::BOGUS_VALUE;
+}
+
+UnicodeString quoteUri(const UnicodeString& uri) {
+    UnicodeString result(u"url(\"", 5);
+    for (int i = 0; i < uri.length(); ++i) {
+        if (uri.charAt(i) == u'"') {
+            result.append(u"%22", 3);
+        } else {
+            result.append(uri.charAt(i));
+        }
+    }
+    return result.append(u"\")", 2);
+}
+
+}  // namespace LumCommon::detail
