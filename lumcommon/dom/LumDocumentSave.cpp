@@ -11,6 +11,7 @@
 #include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/values/LumColor.h>
 
 #include <sstream>
 #include <typeinfo>
@@ -23,7 +24,8 @@ namespace {
 /// Writes one attribute from its typed value: nothing for a null or an object, one attribute an entry for a compound.
 class AttributeWriter {
 public:
-    explicit AttributeWriter(LumXmlSerializer& serializer) : serializer_(serializer) {}
+    AttributeWriter(LumXmlSerializer& serializer, const LumDocument& document)
+        : serializer_(serializer), document_(document) {}
 
     void write(const LumNode& attr) {
         // The library's own classes lend their value; others are asked for a copy.
@@ -42,7 +44,9 @@ private:
         const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
         if (plain) {
             put(attr, attr.getLocalName(), *plain);
-        } else if (kind == KIND_COMPOUND && value.getUnit() != UNIT_COLOR) {
+        } else if (value.getUnit() == UNIT_COLOR) {
+            put(attr, attr.getLocalName(), LumColor(value).toString(isSvg()));
+        } else if (kind == KIND_COMPOUND) {
             writeEntries(attr, *value.getNamedValueMap());
         } else {
             put(attr, attr.getLocalName(), value.toString());
@@ -63,11 +67,24 @@ private:
         }
     }
 
+    /// Whether the document is an SVG drawing, whose colours are written in the syntax of SVG.
+    bool isSvg() {
+        if (!isSvgKnown_) {
+            const LumElement* const root = document_.getDocumentElement();
+            isSvg_ = root && root->getNamespaceUri().getString() == u"http://www.w3.org/2000/svg";
+            isSvgKnown_ = true;
+        }
+        return isSvg_;
+    }
+
     void put(const LumNode& attr, LumName name, const UnicodeString& text) {
         serializer_.attribute(attr.getNamespaceUri(), attr.getPrefix(), name, text);
     }
 
     LumXmlSerializer& serializer_;
+    const LumDocument& document_;
+    bool isSvg_ = false;
+    bool isSvgKnown_ = false;  // asked at the first colour
 };
 
 /// Makes the serializer let go of an output that the caller may destroy before the next one is set, whichever way the
@@ -112,7 +129,7 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
-    AttributeWriter attributes(serializer);
+    AttributeWriter attributes(serializer, *this);
     LumTreeIterator walk(node, LumTreeIterator::ENTER_AND_LEAVE);
     while (const LumNode* current = walk.nextNode()) {
         switch (current->getNodeType()) {
