@@ -32,6 +32,10 @@
 #include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/names/NamespaceMap.h>
 #include <lumcommon/names/SVGName.h>
+#include <lumcommon/streams/LumKobOStreamBuf.h>
+#include <lumcommon/streams/LumKobStream.h>
+#include <lumcommon/streams/LumKobStreamBuf.h>
+#include <lumcommon/streams/cconv.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/values/LumColor.h>
