@@ -84,8 +84,8 @@ public:
     bool Open() override;
     /// Does nothing; the stream stays open.
     bool Close() override;
-    /// A read that meets the end leaves eofbit alone, not failbit: being shorter than asked is no failure, and a seek
-    /// works after it.
+    /// A read that meets the end leaves the stream with eofbit but without failbit: to be shorter than asked is no
+    /// failure, and a seek works after it.
     int Read(char* buf, int len) override;
     /// False when the stream's state has failbit or badbit.
     bool Seek(long offset, int whence) override;

@@ -100,6 +100,7 @@ public:
 protected:
     int_type underflow() override;
     int_type overflow(int_type c = traits_type::eof()) override;
+    std::streamsize xsputn(const char* s, std::streamsize n) override;
     /// Steps back one byte; nothing is stored. End of file at position 0 and for c = end of file, so that unget() fails
     /// at the start of a block where putback() works.
     int_type pbackfail(int_type c = traits_type::eof()) override;
@@ -128,6 +129,7 @@ private:
     void setGetArea(std::size_t block, std::size_t offset) noexcept;
     void setPutArea(std::size_t block, std::size_t offset) noexcept;
     void enterNextPutBlock();
+    void readyPutArea();
     void advancePut(std::size_t count) noexcept;
     std::size_t putRoom() const noexcept;
     std::span<const char> runAt(std::size_t position);
