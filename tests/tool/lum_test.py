@@ -1,0 +1,182 @@
+#!/usr/bin/env python3
+"""Runs the tool on small inputs and compares what it writes and how it ends.   Usage: lum_test.py LUM"""
+import json
+import os
+import pathlib
+import resource
+import subprocess
+import sys
+import tempfile
+
+LUM = sys.argv[1]
+FOLDER = pathlib.Path(tempfile.mkdtemp(prefix="lum tool "))
+failures = []
+
+
+def run(*arguments, stdin=b"", **options):
+    return subprocess.run([LUM, *map(str, arguments)], input=stdin, capture_output=True, cwd=FOLDER, timeout=60, **options)
+
+
+def expect(fault, got, expected):
+    if got != expected:
+        failures.append(f"{fault}:\n  got      {got!r}\n  expected {expected!r}")
+
+
+def write(name, content):
+    path = FOLDER / name
+    path.write_bytes(content if isinstance(content, bytes) else content.encode())
+    return path
+
+
+def prints(fault, arguments, expected, stdin=b""):
+    done = run(*arguments, stdin=stdin)
+    expect(fault, (done.returncode, done.stdout.decode(errors="replace"), done.stderr), (0, expected, b""))
+
+
+def events(*arguments, stdin=b""):
+    done = run("events", *arguments, stdin=stdin)
+    expect("events fails", (done.returncode, done.stderr), (0, b""))
+    return [json.loads(line) for line in done.stdout.splitlines()]
+
+
+def check_small_commands():
+    rows = [
+        ("version", ["version"], "309\n"),
+        ("resolves against the file, not the folder", ["resolve", "http://h/a/b.xml", "../c.xml"], "http://h/c.xml\n"),
+        ("built-in name", ["name", "block"], '{"id":303,"builtin":true}\n'),
+        ("name made at run time", ["name", "no such name"], '{"id":1598,"builtin":false}\n'),
+        ("empty name", ["name", ""], '{"id":0,"builtin":false}\n'),
+        ("tokens", ["tokens", "12pt/a'b'"],
+         '{"kind":-2,"text":"pt","number":12.0}\n{"kind":47,"text":"","number":0.0}\n'
+         '{"kind":-3,"text":"a","number":0.0}\n{"kind":-5,"text":"b","number":0.0}\n'),
+        ("no token", ["tokens", "  "], ""),
+        ("a sign taken for an option", ["tokens", "-1"],
+         '{"kind":45,"text":"","number":0.0}\n{"kind":-2,"text":"","number":1.0}\n'),
+        ("text that looks like an option", ["tokens", "--", "-a"],
+         '{"kind":45,"text":"","number":0.0}\n{"kind":-3,"text":"a","number":0.0}\n'),
+        ("length", ["value", "12pt"], '{"kind":2,"unit":9,"string":"12pt"}\n'),
+        ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5"}\n'),
+    ]
+    for fault, arguments, expected in rows:
+        prints(fault, arguments, expected)
+
+
+def check_events():
+    document = b"<?xml version='1.0'?><!--c--><p:a xmlns:p='urn:x' b='1&amp;2'>t<![CDATA[u]]><e/></p:a>"
+    path = write("a b.xml", document)
+    coalesced = events(path)
+    expect("standard input reads otherwise than a file", events("-", stdin=document), coalesced)
+    expect("order of events", [e["event"] for e in coalesced],
+           ["START_TAG", "TEXT", "START_TAG", "END_TAG", "END_TAG", "END_DOCUMENT"])
+    expect("keys of a tag", list(coalesced[0]),
+           ["event", "depth", "line", "column", "prefix", "name", "namespace", "empty", "attributes"])
+    expect("keys of another event", list(coalesced[1]), ["event", "depth", "line", "column", "text"])
+    expect("names of a tag", [coalesced[0][key] for key in ("prefix", "name", "namespace", "empty", "depth")],
+           ["p", "a", "urn:x", False, 1])
+    expect("attributes", coalesced[0]["attributes"][1], {"prefix": "", "name": "b", "namespace": "", "value": "1&2"})
+    expect("empty element", [(e["name"], e["empty"]) for e in coalesced[2:5]], [("e", True), ("e", True), ("a", False)])
+    expect("text of neighbours joined", coalesced[1]["text"], "tu")
+    tokens = [(e["event"], e.get("text")) for e in events("--tokens", path)]
+    expect("--tokens hides or joins", [t for t in tokens if t[0] in ("COMMENT", "TEXT", "CDSECT")],
+           [("COMMENT", "c"), ("TEXT", "t"), ("CDSECT", "u")])
+    expect("--encoding does not reach the parser", events("--encoding", "ISO-8859-1", "-", stdin=b" <a>\xe9</a>")[1]["text"],
+           "\u00e9")
+    undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
+    expect("--feature does not reach the parser", undeclared.returncode, 0)
+    lone = events("-", stdin=b"\xff\xfe" + "<a>x".encode("utf-16-le") + b"\x34\xdc" + "y</a>".encode("utf-16-le"))
+    expect("a lone surrogate breaks the line", lone[1]["text"], "x\ufffdy")
+
+
+DOCUMENT = ('<?xml version="1.0"?><!-- gone --><a xmlns="urn:u" xmlns:p="urn:p" p:b="1&lt;2">\n t &amp; \u65e5'
+            '<b xmlns=""><c/></b><p:d>x<e/>y</p:d></a>')
+SAVED = ('<a p:b="1&lt;2" xmlns="urn:u" xmlns:p="urn:p">\n t &amp; \u65e5<b xmlns=""><c/></b><p:d>x<e/>y</p:d></a>')
+
+
+def check_save():
+    path = write("doc.xml", DOCUMENT)
+    for lazily in ([], ["--lazy"]):
+        save = ["save", "--no-generator", *lazily]
+        prints(f"{lazily} saved otherwise", [*save, path], '<?xml version="1.0"?>' + SAVED)
+        prints(f"{lazily} standard input", [*save, "-"], '<?xml version="1.0"?>' + SAVED, stdin=DOCUMENT.encode())
+        prints(f"{lazily} to a file", [*save, "--encoding", "utf-8", path, "o u t.xml"], "")
+        expect("file", (FOLDER / "o u t.xml").read_text(encoding="utf-8"),
+               '<?xml version="1.0" encoding="UTF-8"?>' + SAVED)
+        done = run(*save, "--encoding", "shift_jis", path)
+        expect("Shift_JIS", done.stdout,
+               ('<?xml version="1.0" encoding="SHIFT_JIS"?>' + SAVED).encode("cp932"))
+        with_generator = run("save", *lazily, path).stdout
+        expect("generator", with_generator.startswith(b'<?xml version="1.0"?><!-- Lumset V3.9 R1 '), True)
+        prints("an empty root gets content", [*save, "-"], '<?xml version="1.0"?><a/>', stdin=b"<a></a>")
+        broken = run(*save, "-", stdin=b"<a><b></a>")
+        expect("an error is not told", (broken.returncode, broken.stderr[:18]), (1, b"lum: error 0x1802:"))
+    expect("a second save differs", run("save", "--no-generator", FOLDER / "o u t.xml").stdout.decode(),
+           '<?xml version="1.0"?>' + SAVED)
+    expect("--lazy onto its own input", run("save", "--lazy", path, path).returncode, 2)
+    expect("the refused input is changed", path.read_text(encoding="utf-8"), DOCUMENT)
+
+
+def check_bounded_memory():
+    """A document far larger than the memory that the tool may have."""
+    row = b"<r n='1'><c>some text of a cell</c><c>and more</c></r>\n"
+    path = FOLDER / "large.xml"
+    with path.open("wb") as out:
+        out.write(b"<t><body>")
+        for _ in range(200):
+            out.write(row * 5000)
+        out.write(b"</body></t>")
+    limit = 40 << 20
+    size = path.stat().st_size
+    expect("the document is too small to prove anything", size > limit, True)
+    before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
+    done = run("save", "--lazy", "--no-generator", path, "copy.xml")
+    expect("--lazy fails", (done.returncode, done.stderr), (0, b""))
+    copy = FOLDER / "copy.xml"
+    expect("--lazy loses content", copy.stat().st_size, size + len('<?xml version="1.0"?>'))
+    after = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
+    sanitized = os.environ.get("LUM_SANITIZED") or b"__asan_init" in pathlib.Path(LUM).read_bytes()
+    if not sanitized:  # quarantines and shadows are not the tool's
+        expect("--lazy keeps what it has written", max(before, after) * 1024 < limit, True)
+    path.unlink()
+    copy.unlink()
+
+
+def check_failures():
+    rows = [
+        ("no command", [], 2, None),
+        ("unknown command", ["frob"], 2, None),
+        ("missing argument", ["resolve", "a"], 2, None),
+        ("too many arguments", ["name", "a", "b"], 2, None),
+        ("unknown option", ["events", "--frob", "a.xml"], 2, None),
+        ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
+        ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("missing file", ["events", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
+        ("missing file to save", ["save", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
+        ("output in no folder", ["save", "doc.xml", "no/such/out.xml"], 1,
+         b"lum: error 0x1003: Cannot open file: no/such/out.xml\n"),
+        ("empty input", ["events", "-"], 1, b"lum: error 0x1004: Unexpected end of input stream.\n"),
+    ]
+    for fault, arguments, status, message in rows:
+        done = run(*arguments)
+        expect(fault, (done.returncode, done.stdout), (status, b""))
+        if message is not None:
+            expect(fault, done.stderr, message)
+        else:
+            expect(fault + ": says nothing", bool(done.stderr), True)
+    expect("help fails", (run("--help").returncode, run("save", "--help").returncode), (0, 0))
+    broken = run("events", "-", stdin=b"<a>\n<b></c>")
+    expect("events before an error are lost", broken.stdout.count(b"START_TAG"), 2)
+    expect("position of an error", (broken.returncode, b"Line 2" in broken.stderr), (1, True))
+    for arguments in (["version"], ["save", "doc.xml"]):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([LUM, *arguments], stdout=full, stderr=subprocess.PIPE, cwd=FOLDER, timeout=60)
+        expect("a full disk is not noticed", (done.returncode, done.stderr),
+               (1, b"lum: error 0x1007: Output stream error.\n"))
+
+
+for check in (check_small_commands, check_events, check_save, check_failures, check_bounded_memory):
+    check()
+for path in FOLDER.iterdir():
+    path.unlink()
+FOLDER.rmdir()
+print("\n".join(failures) or "all as expected")
+sys.exit(1 if failures else 0)

@@ -1,0 +1,91 @@
+#include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/xml/LumXmlParser.h>
+
+#include "Command.h"
+#include "Output.h"
+
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+namespace lum {
+namespace {
+
+using namespace LumCommon;
+using nlohmann::ordered_json;
+
+struct Arguments {
+    bool isTokens = false;
+    std::vector<int> features;
+    std::string encoding, file;
+};
+
+void describe(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--tokens", arguments.isTokens, "Every token is an event of its own");
+    command.add_option("--feature", arguments.features, "A parser feature to turn on, by number; may be repeated")
+        ->check(CLI::Range(0, 5))
+        ->allow_extra_args(false)
+        ->type_name("N");
+    command.add_option("--encoding", arguments.encoding, "The encoding, when it is known from outside");
+    command.add_option("file", arguments.file, "A file, a URI, or - for standard input")->required();
+}
+
+ordered_json attributesOf(const LumXmlParser& parser) {
+    ordered_json attributes = ordered_json::array();
+    for (int i = 0; i < parser.getAttributeCount(); ++i) {  // the count is -1 at an end tag
+        attributes.push_back({{"prefix", toUtf8(parser.getAttributePrefix(i))},
+                              {"name", toUtf8(parser.getAttributeName(i))},
+                              {"namespace", toUtf8(parser.getAttributeNamespace(i))},
+                              {"value", toUtf8(parser.getAttributeValue(i))}});
+    }
+    return attributes;
+}
+
+/// @param isEmptyElement  whether a tag is that of an empty element; an end tag made for one counts.
+void printEvent(const LumXmlParser& parser, bool isEmptyElement) {
+    const LumXmlParser::EventType event = parser.getEventType();
+    ordered_json line = {{"event", toUtf8(LumXmlParser::getEventTypeStr(event))},
+                         {"depth", parser.getDepth()},
+                         {"line", parser.getLineNumber()},
+                         {"column", parser.getColumnNumber()}};
+    if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG) {
+        line["prefix"] = toUtf8(parser.getPrefix());
+        line["name"] = toUtf8(parser.getName());
+        line["namespace"] = toUtf8(parser.getNamespace());
+        line["empty"] = isEmptyElement;
+        line["attributes"] = attributesOf(parser);
+    } else {
+        line["text"] = toUtf8(parser.getText());
+    }
+    printJson(line);
+}
+
+void run(const Arguments& arguments) {
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    for (const int feature : arguments.features) parser->setFeature(static_cast<LumXmlParser::Feature>(feature), true);
+    if (arguments.file == "-") {
+        parser->setInput(std::cin, fromArgument(arguments.encoding), {});
+    } else {
+        parser->setInput(fromArgument(arguments.file), fromArgument(arguments.encoding), {});
+    }
+    LumXmlParser::EventType event;
+    bool isEmptyElement = false;
+    do {
+        event = arguments.isTokens ? parser->nextToken() : parser->next();
+        if (event == LumXmlParser::START_TAG) {
+            isEmptyElement = parser->isEmptyElementTag();
+            printEvent(*parser, isEmptyElement);
+        } else {
+            printEvent(*parser, isEmptyElement);
+            isEmptyElement = false;
+        }
+    } while (event != LumXmlParser::END_DOCUMENT);
+}
+
+}  // namespace
+
+void addEventsCommand(CLI::App& app, Action& action) {
+    addCommand(app, action, "events", "Print the events of the XML parser, one JSON object each", describe, run);
+}
+
+}  // namespace lum

@@ -1,0 +1,115 @@
+#include <lumcommon/dom/LumDocument.h>
+#include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/LumXmlSerializer.h>
+
+#include "Command.h"
+#include "Output.h"
+
+#include <filesystem>
+#include <iostream>
+
+namespace lum {
+namespace {
+
+using namespace LumCommon;
+
+struct Arguments {
+    bool isLazy = false;
+    bool isWithoutGenerator = false;
+    std::string encoding, file, output = "-";
+};
+
+void describe(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--lazy", arguments.isLazy, "Hold no more of the document in memory than the open elements");
+    command.add_flag("--no-generator", arguments.isWithoutGenerator, "Leave the generator comment out");
+    command.add_option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
+    command.add_option("file", arguments.file, "A file, a URI, or - for standard input")->required();
+    command.add_option("out", arguments.output, "The file to write; standard output without one");
+}
+
+void load(LumDocument& document, const std::string& file) {
+    if (file == "-") {
+        document.load(std::cin);
+    } else {
+        document.load(fromArgument(file));
+    }
+}
+
+/// Writes the element and its descendants as they are loaded. A node is taken out as soon as it is written and the
+/// node after it is known, so that never more than the open elements and their next nodes are in memory.
+void saveAsLoaded(LumDocument& document, LumElement* root) {
+    LumXmlSerializer& serializer = *document.getSerializer();
+    LumNode* node = root;
+    for (;;) {
+        const bool isElement = node->isElementNode();
+        document.doSave(node, isElement);  // of an element the start tag
+        if (isElement) {
+            if (LumNode* const child = node->getFirstChild()) {
+                node = child;
+                continue;
+            }
+            serializer.endTag(node->getNamespaceUri(), node->getLocalName());
+        }
+        for (;;) {
+            if (node == root) return;
+            LumNode* const parent = node->getParentNode();
+            LumNode* const next = node->getNextSibling();
+            parent->removeChild(node);
+            if (next) {
+                node = next;
+                break;
+            }
+            node = parent;
+            serializer.endTag(node->getNamespaceUri(), node->getLocalName());
+        }
+    }
+}
+
+void saveLazily(LumDocument& document, const Arguments& arguments) {
+    document.setDeferredLoad(true);
+    load(document, arguments.file);
+    LumElement* const root = document.getDocumentElement();
+    LumXmlSerializer& serializer = *document.getSerializer();
+    const UnicodeString encoding = fromArgument(arguments.encoding);
+    if (arguments.output == "-") {
+        serializer.setOutput(std::cout, encoding);
+    } else {
+        serializer.setOutput(fromArgument(arguments.output), encoding);
+    }
+    serializer.startDocument({}, {});
+    if (root) saveAsLoaded(document, root);
+    serializer.endDocument();
+}
+
+void saveWhole(LumDocument& document, const Arguments& arguments) {
+    load(document, arguments.file);
+    const UnicodeString encoding = fromArgument(arguments.encoding);
+    if (arguments.output == "-") {
+        document.save(std::cout, nullptr, encoding);
+    } else {
+        document.save(fromArgument(arguments.output), nullptr, encoding);
+    }
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+void run(const Arguments& arguments) {
+    const LumPtr<LumDocument> document(new LumDocument);
+    if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
+    if (!arguments.isLazy) return saveWhole(*document, arguments);
+    if (isSameFile(arguments.file, arguments.output)) {
+        throw UsageError("--lazy reads while it writes: OUT must be another file than FILE");
+    }
+    saveLazily(*document, arguments);
+}
+
+}  // namespace
+
+void addSaveCommand(CLI::App& app, Action& action) {
+    addCommand(app, action, "save", "Load a document and save it again", describe, run);
+}
+
+}  // namespace lum

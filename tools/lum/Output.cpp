@@ -1,0 +1,52 @@
+#include "Output.h"
+
+#include <lumcommon/core/LumError.h>
+#include <unicode/ustring.h>
+
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+namespace lum {
+
+using namespace LumCommon;
+
+namespace {
+
+void checkOutput() {
+    if (!std::cout) throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::Unnamed25);
+}
+
+}  // namespace
+
+UnicodeString fromArgument(const std::string& argument) {
+    UErrorCode status = U_ZERO_ERROR;
+    int32_t units = 0;
+    u_strFromUTF8(nullptr, 0, &units, argument.data(), static_cast<int32_t>(argument.size()), &status);
+    const bool isUtf8 = status == U_BUFFER_OVERFLOW_ERROR || U_SUCCESS(status);
+    return isUtf8 ? UnicodeString::fromUTF8(argument) : UnicodeString(argument.c_str());
+}
+
+std::string toUtf8(const UnicodeString& text) {
+    std::string bytes;
+    return text.toUTF8String(bytes);
+}
+
+std::string toUtf8(LumName name) { return toUtf8(name.getString()); }
+
+void printLine(const std::string& text) {
+    std::cout << text << '\n';
+    checkOutput();
+}
+
+void printJson(const nlohmann::ordered_json& object) {
+    printLine(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+}
+
+void flushOutput() {
+    std::cout.flush();
+    checkOutput();
+}
+
+void flushOutputQuietly() { std::cout.flush(); }
+
+}  // namespace lum
