@@ -34,6 +34,7 @@
 #include <lumcommon/names/SVGName.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
+#include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumLength.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>

@@ -6,6 +6,9 @@
 namespace LumCommon {
 
 /// The attributes of one element, in the order they were added. It holds one count of each.
+/// Lookups compare name identifiers one attribute after the other; past 32 attributes getNamedItemNS uses an index, so
+/// that an element with a hundred thousand attributes is built in linear time. When the element dies, the map is left
+/// empty, whoever still holds it.
 /// Errors: setNamedItem and setNamedItemNS throw 0x803 (null), 0x806 (other document), 0x807 (no attribute) and 0x808
 /// (already owned, also by this element) before they change anything.
 class LUM_API AttrNodeMap : public LumNamedNodeMap {
@@ -36,7 +39,34 @@ public:
     virtual LumPtr<LumAttr> removeAttrNode(LumAttr* attr);
 
 private:
-    LumNode* link_;  // the owner element while the map is empty, else the last attribute of the ring
+    friend class LumElement;
+
+    struct Index;
+
+    bool isEmpty() const noexcept { return count_ == 0; }
+    LumNode* last() const noexcept;
+    void setLink(LumNode* link) noexcept;
+    LumElement* ownerElement() const noexcept;
+    LumNode* findByName(LumName name) const;
+    LumNode* findByNameNS(LumName namespaceUri, LumName localName) const;
+    bool buildIndex() const;
+    void dropIndex() const noexcept;
+    void append(LumAttr* attr);
+    LumPtr<LumNode> setItem(LumNode* node, LumCommonErrorSource source, bool isNodeName);
+    LumPtr<LumNode> replaceOrAppend(LumNode* node, bool (*isSame)(const LumNode*, const LumNode*));
+    LumPtr<LumNode> remove(LumNode* node);
+    void forgetOwner() noexcept;
+
+    // Elements are many and most have few attributes: one pointer serves three purposes, so that the map stays at three
+    // words.
+    mutable unsigned count_ : 30 = 0;
+    mutable unsigned isIndexed_ : 1 = 0;
+    mutable unsigned isIndexUseless_ : 1 = 0;  // some attribute's namespace depends on its place in the tree
+    union Link {
+        LumNode* node;  // the owner element while the map is empty, else the last attribute of the ring
+        Index* index;   // when isIndexed_: what finds attributes by name, and the last attribute
+    };
+    mutable Link link_;
 };
 
 }  // namespace LumCommon

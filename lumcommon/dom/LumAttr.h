@@ -49,6 +49,11 @@ public:
     const LumValue& peekValue() const noexcept { return value_; }
 
 private:
+    friend class AttrNodeMap;
+    friend class LumElement;
+
+    void takeValue(LumValue&& value) noexcept;
+
     LumValue value_;
 };
 
@@ -69,6 +74,8 @@ public:
     void setPrefix(LumName prefix) override;
 
 private:
+    friend class AttrNodeMap;
+
     LumName namespaceUri_;
     LumName prefix_;
 };

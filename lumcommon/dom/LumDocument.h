@@ -4,6 +4,7 @@
 #include <lumcommon/dom/LumNode.h>
 
 #include <iosfwd>
+#include <memory>
 
 namespace LumCommon {
 
@@ -20,6 +21,10 @@ class LumXmlSerializer;
 ///
 /// Loading pulls events from a parser and makes nodes of them through the virtual factory operations; a derived
 /// document substitutes its own classes there, or returns null to drop an element with its content, or a text.
+///
+/// Between two steps of a deferred load the document holds the node that is being filled. Taking that node, or one
+/// above it, out of the tree ends the loading with that node; whatever is followed by a loaded node can be taken out.
+/// A node may outlive its document, but must then not be asked for new nodes, copies or more input.
 ///
 /// Errors: parser and stream errors pass through; the tree keeps what was built before.
 /// Threads: one at a time, except that loadNextNode() holds a lock, so that two threads that walk one partly loaded
@@ -64,7 +69,9 @@ public:
     /// Loads into the document what the parser's current input still has.
     void load();
     void doLoad(LumNode* target, bool deferred);
-    /// Reads until one more node exists and returns it; null at the end of the input.
+    /// Reads until one more node exists and returns it; null at the end of the input. After an error has passed through
+    /// it, loading is over and it gives null. So it does when it is called from inside itself, by a factory operation
+    /// or a hook of a derived class that asks the unfinished tree for more.
     LumNode* loadNextNode();
     /// Ends the loading where it is.
     void abort();
@@ -111,14 +118,27 @@ public:
     void setSerializer(LumXmlSerializer* serializer);
 
 private:
-    LumNameTable* nameTable_;  // one reference held
+    class Reading;
+
+    void startLoad(LumNode* target, const UnicodeString& uri);
+    LumNode* readNode(LumXmlParser& parser);
+    LumPtr<LumElement> readElement(LumXmlParser& parser);
+    static LumNode* closeElement(LumNode* element) noexcept;
+    void setCursor(LumNode* node) noexcept;
+    void writeAll(LumNode* node, const UnicodeString& comment, const UnicodeString& doctype,
+                  const UnicodeString& processingInstruction);
+
+    LumNameTable* nameTable_;                    // one reference held
+    std::unique_ptr<std::istream> stringInput_;  // over the string of loadXml; outlives the parser's use of it
     LumPtr<LumXmlParser> parser_;
     LumPtr<LumXmlSerializer> serializer_;
     UnicodeString inputOption_;
     UnicodeString documentUri_;
-    LumNode* loadCursor_ = nullptr;  // the node after which loading continues
+    LumNode* loadCursor_ = nullptr;  // the node that what is read next belongs into
+    LumPtr<LumNode> cursorHolder_;   // keeps the cursor, unless it is this document, while nobody is reading
     int skipDepth_ = 0;              // non-zero while an element that was not made is passed over
     bool isLoadDeferred_ = false;
+    bool isReading_ = false;
     LumLock loadLock_;
 };
 

@@ -18,6 +18,7 @@ public:
     bool isA(unsigned int typeId) const override;
     int getNodeType() const override;
     bool isElementNode() const override;
+    /// Never null. Borrowed.
     LumNamedNodeMap* getAttributes() const override;
     bool hasAttributes() const override;
     /// A copy made by the owner document's createElementNS with the namespace as resolved now, all attributes in order
@@ -60,7 +61,14 @@ protected:
     explicit LumElement(LumDocument* ownerDocument);
 
 private:
-    AttrNodeMap* attributes_;  // one count held
+    AttrNodeMap* attributeMap() const;
+    LumPtr<LumElement> cloneWithoutChildren() const;
+    void cloneChildrenInto(LumNode* copy) const;
+    LumAttr* attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName);
+    template <class Visit>
+    void visitLocal(LumName localName, Visit visit) const;
+
+    mutable AttrNodeMap* attributes_ = nullptr;  // one count held; made when first asked for
     int sourceLine_ = -1;
     int sourceColumn_ = -1;
 };

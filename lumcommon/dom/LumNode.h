@@ -6,6 +6,7 @@
 
 namespace LumCommon {
 
+enum class LumCommonErrorSource : int;
 class LumDocument;
 class LumNamedNodeMap;
 class LumNodeIterator;
@@ -119,7 +120,8 @@ public:
     virtual LumNode* appendChildText(const UnicodeString& text);
 
     /// The position of an element's start tag in its source, -1 when unknown. Other nodes answer with that of the
-    /// nearest preceding sibling that has one, else with their parent's.
+    /// nearest element before them among their siblings, when that has one, else with their parent's; an attribute with
+    /// its element's.   Cost: linear in the siblings stepped over.
     virtual int getSourceLineNumber() const;
     virtual void setSourceLineNumber(int line);
     virtual int getSourceColumnNumber() const;
@@ -133,7 +135,8 @@ public:
     /// Takes out and releases all descendants, also those that somebody else holds, and returns their number. Counts
     /// change without atomic instructions: no other thread may hold a node of the tree.
     int deleteAllChildNodes();
-    /// The same for the siblings up to and including `last` and their descendants.
+    /// The same for the siblings up to and including `last` and their descendants; siblings behind it stay. Of a `last`
+    /// without parent only the descendants are taken out, as no count of it belongs to the tree. Null gives 0.
     static int deleteAllChildNodes(LumNode* last);
 
     bool isDescendantOf(const LumNode* other) const;
@@ -169,6 +172,15 @@ protected:
     friend class AttrNodeMap;
     friend class Attr;
     friend class LumDocument;
+    friend class LumElement;
+
+    /// Puts an object that nobody shares yet into its first LumPtr; as no other thread can see it, without an atomic
+    /// instruction.
+    template <class T>
+    static LumPtr<T> firstPointer(T* fresh) noexcept {
+        static_cast<LumNode*>(fresh)->refCount_ = 1;
+        return LumPtr<T>(fresh, false);
+    }
 
     unsigned flags_ = 0;
     LumNode* parent_ = nullptr;           // of an attribute: its owner element
@@ -176,6 +188,14 @@ protected:
     LumNode* previousSibling_ = nullptr;  // null for the first child
     LumNode* lastChild_ = nullptr;
     LumDocument* ownerDocument_;
+
+private:
+    void checkNewChild(const LumNode* newChild, LumCommonErrorSource source) const;
+    static void moveOut(LumNode* newChild);
+    void unlinkChild(LumNode* child) noexcept;
+    bool isLastChildOfLoading() const noexcept;
+    void releaseChildren() noexcept;
+    int inheritedPosition(int (LumNode::*getPosition)() const) const;
 };
 
 }  // namespace LumCommon

@@ -119,8 +119,14 @@ public:
     /// Whether the current node is being left, its subtree done.
     bool isLeaving() const noexcept { return isLeaving_; }
 
+    /// Both move and return the new current node. At the start previousNode() gives null, at the end nextNode(); from
+    /// the end the walk can be made backwards: the same nodes in reverse order, where a node that is reported once is
+    /// reported as left.
     LumNode* nextNode();
     LumNode* previousNode();
+    /// Whether there is more to report. An exception: when the root is entered and has no children, hasNextNode() is
+    /// false, although ENTER_AND_LEAVE reports an element once more as left; nextNode() is the surer test.
+    /// Cost: linear in the depth.
     bool hasNextNode() const;
     bool hasPreviousNode() const;
 

@@ -16,7 +16,8 @@ LumNameEnum internName(const char16_t* text, std::size_t units);
 /// The table that gives strings their identifiers. The static operations work on the one table of the process.
 ///
 /// The shared table lives while a LumDocument, a NamespaceManager or a caller of addRefSharedNameTable() holds it;
-/// with the last of them its run-time names are gone and counting starts again at 1598.
+/// with the last of them its run-time names are gone and counting starts again at 1598. Its references are counted by
+/// addRefSharedNameTable() and releaseSharedNameTable() alone: a LumPtr would count without the lock.
 ///
 /// Threads: the static operations may be called from any thread, except setupSharedNameTable() and cleanup().
 /// Built-in names are looked up and read without a lock. Interning a run-time name takes the table's lock. Reading
@@ -54,7 +55,10 @@ public:
     /// Destroys the shared table and what the library keeps for names. Nothing may use names during or after it.
     static void cleanup();
 
-    /// Interns `text` in this table. Not locked.
+    // The operations on one table take no lock: on the shared table they are for start-up and shutdown, and for callers
+    // that hold its lock. Reading strings and the last identifier is safe beside interning.
+
+    /// Interns `text` in this table.   Failure: as getSharedNameEnum.
     LumNameEnum getNameEnum(const UnicodeString& text);
     /// Adds `text` to the run-time part of this table without looking at the built-in names and without a lock:
     /// for callers that hold the lock of the shared table.

@@ -210,6 +210,8 @@ bool operator==(const LumValue& a, const LumValue& b) {
             case KIND_STRING:
                 return *a.payload_.string == *b.payload_.string;
             case KIND_COMPOUND:
+                return a.payload_.object == b.payload_.object ||
+                       (a.getUnit() == UNIT_COLOR && a.getColorValue() == b.getColorValue());
             case KIND_OBJECT:
                 return a.payload_.object == b.payload_.object;
             case KIND_NULL:

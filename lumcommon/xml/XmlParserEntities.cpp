@@ -118,4 +118,7 @@ void XmlParserImpl::expandEntityInContent(LumName name) {
     }
 }
 
+UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString&) { return UnicodeString(); }
+void XmlParserImpl::addMathMLEntityMap() {}
+
 }  // namespace LumCommon

@@ -17,6 +17,12 @@
 
 namespace LumCommon {
 
+class LumUri;
+
+namespace detail {
+struct ExternalDtd;
+}
+
 /// The parser.
 ///
 ///     std::istream --bytes--> XmlInput --window of units--> scanners --events--> XmlParserImpl
@@ -101,7 +107,7 @@ private:
         std::unique_ptr<detail::XmlInput> input;  // Stream
         bool isBarrier = false;                   // its end is the end of input, whatever lies below
         UnicodeString text;                       // Replacement: keeps the units alive
-        LumName entity;                           // Replacement: whose text it is
+        std::uint32_t entityKey = 0;              // Replacement: whose text it is
         const char16_t* start = nullptr;          // Literal: its first unit
     };
 
@@ -129,7 +135,7 @@ private:
     bool expectTextDeclEquals(const char16_t* what);
     Frame& pushFrame(Frame::Kind kind);
     void popFrame();
-    void pushReplacement(LumName entity, const UnicodeString& text);
+    void pushReplacement(LumName entity, const UnicodeString& text, bool isParameter = false);
     bool isWithinExpansionLimit(std::uint64_t moreUnits);
     bool pull();  // makes the cursor point at a unit; false at the end of input
     std::int32_t readCharSlow();
@@ -180,7 +186,6 @@ private:
     void applyDeclaredEncoding(const UnicodeString& name);
     bool expectXmlDeclEquals(const char16_t* what);
     void expectDeclEnd();
-    void parseDocDecl();
     void skipSection();
     bool skipWhitespace();
     LumName readNCName();
@@ -191,7 +196,8 @@ private:
     UnicodeString readLiteral(LiteralType type);
     bool readLiteral(LiteralType type, detail::UnitBuffer& out);
     bool readAttributeValueFast();
-    bool readRawLiteral(LiteralType type, std::int32_t delimiter);
+    bool readRawLiteral(std::int32_t delimiter, std::uint16_t unterminated, const UnicodeString& argument);
+    void processRawLiteral(LiteralType type, detail::UnitBuffer& out);
     void expandLiteral(LiteralType type, std::size_t from, detail::UnitBuffer& out);
     void expandReferenceInLiteral(LiteralType type, detail::UnitBuffer& out);
 
@@ -203,6 +209,35 @@ private:
     /// The character of a reference to a predefined entity that lies in the window; 0, and nothing read, otherwise.
     char16_t readPredefinedReference();
     static bool isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name);
+
+    // The document type declaration (XmlParserDtd.cpp); what is read goes into text_ as it stands
+    struct ExternalId {
+        bool isGiven = false;
+        UnicodeString publicId;
+        UnicodeString systemId;
+    };
+    void parseDocDecl();
+    void parseEntityDecl();
+    void parseExternalDtd();
+    void readDeclaration(const char16_t* what);
+    void readDeclarationChar(std::int32_t c, int& nesting);
+    template <class IsEnd>
+    void readDeclUntil(const IsEnd& isEnd);
+    bool isIgnoreSection() const;
+    void skipIgnoreSection();
+    void readParameterReference(bool isUndefinedIgnored);
+    bool readDeclSpace();
+    LumName readDeclName();
+    void requireDeclSpace(const UnicodeString& after);
+    UnicodeString readDeclLiteral(std::uint16_t missing, const UnicodeString& after);
+    ExternalId readExternalId(const UnicodeString& start);
+    UnicodeString readEntityValue();
+    void readNotation(const UnicodeString& start, const UnicodeString& systemId);
+    void addExternalDtd(const UnicodeString& systemId);
+    static std::shared_ptr<const detail::ExternalDtd> readExternalDtd(const LumUri& resource,
+                                                                      const UnicodeString& baseUri);
+    static void addDefinitions(const std::vector<std::pair<UnicodeString, UnicodeString>>& from, EntityMap& to,
+                               const EntityMap& internal, const EntityMap& external);
 
     // Errors
     void throwError(std::uint16_t code, const UnicodeString& a = UnicodeString(),
@@ -241,8 +276,8 @@ private:
     EntityMap parameterEntities_;
     EntityMap generalExternals_;
     EntityMap parameterExternals_;
-    EntityMap earlyDefinitions_;                // made before the input that they are for
-    std::unordered_set<LumName> openEntities_;  // whose replacement text is being read
+    EntityMap earlyDefinitions_;                      // made before the input that they are for
+    std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;
     std::uint64_t closedBytes_ = 0;  // read from inputs that are closed by now
 

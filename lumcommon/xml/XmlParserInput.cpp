@@ -23,6 +23,7 @@ namespace {
 constexpr int maxExternalInputs = 64;
 constexpr std::uint64_t expansionThresholdUnits = 8u << 20;
 constexpr std::uint64_t expansionFactor = 100;
+constexpr std::uint32_t parameterKeyBit = 1u << 31;  // names have 24 bits
 
 bool isIn(XmlEncoding encoding, XmlEncoding a, XmlEncoding b) { return encoding == a || encoding == b; }
 
@@ -198,7 +199,6 @@ XmlParserImpl::Frame& XmlParserImpl::pushFrame(Frame::Kind kind) {
     Frame& frame = *frames_[frameCount_++];
     frame.kind = kind;
     frame.isBarrier = false;
-    frame.entity = LumName();
     cursor_ = {};
     if (kind == Frame::Stream) ++streamCount_;
     return frame;
@@ -212,7 +212,7 @@ void XmlParserImpl::popFrame() {
         encodingName_ = frame.input->encodingName;
         frame.input.reset();
     } else if (frame.kind == Frame::Replacement) {
-        openEntities_.erase(frame.entity);
+        openEntities_.erase(frame.entityKey);
         frame.text.remove();
     }
     cursor_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->cursor : detail::XmlCursor();
@@ -222,11 +222,9 @@ bool XmlParserImpl::pull() {
     while (frameCount_ > 0) {
         if (cursor_.cur != cursor_.end) return true;
         Frame& frame = *frames_[frameCount_ - 1];
-        if (frame.isBarrier) return false;
-        if (frame.kind == Frame::Stream) {
-            if (frame.input->refill(cursor_)) return true;
-            if (streamCount_ == 1) return false;
-        }
+        const bool isStream = frame.kind == Frame::Stream;
+        if (isStream && frame.input->refill(cursor_)) return true;
+        if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();
     }
     return false;
@@ -253,21 +251,22 @@ bool XmlParserImpl::isWithinExpansionLimit(std::uint64_t moreUnits) {
     return expandedUnits_ <= expansionFactor * bytesRead;
 }
 
-void XmlParserImpl::pushReplacement(LumName entity, const UnicodeString& text) {
+void XmlParserImpl::pushReplacement(LumName entity, const UnicodeString& text, bool isParameter) {
     // Frames that are used up go first: an entity that ends with a reference then adds no frame for each reference.
     while (frameCount_ > 0 && cursor_.cur == cursor_.end && frames_[frameCount_ - 1]->kind == Frame::Replacement) {
         popFrame();
     }
     const auto units = static_cast<std::uint64_t>(text.length());
     // An entity inside its own replacement text would go on for ever; there is no need to wait for the limit.
-    if (openEntities_.contains(entity) || !isWithinExpansionLimit(units)) {
+    const std::uint32_t key = entity.getEnum() | (isParameter ? parameterKeyBit : 0);
+    if (openEntities_.contains(key) || !isWithinExpansionLimit(units)) {
         throwError(XmlError::ExpansionLimit);
         return;
     }
     Frame& frame = pushFrame(Frame::Replacement);
     frame.text = text;
-    frame.entity = entity;
-    openEntities_.insert(entity);
+    frame.entityKey = key;
+    openEntities_.insert(key);
     const char16_t* const start = frame.text.getBuffer();
     cursor_ = {start, start + units, start};
 }

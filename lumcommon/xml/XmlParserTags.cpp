@@ -359,8 +359,16 @@ bool XmlParserImpl::readLiteral(LiteralType type, detail::UnitBuffer& out) {
         }
         delimiter = ' ';
     }
-    const bool isTerminated = readRawLiteral(type, delimiter);
+    const bool isTerminated =
+        readRawLiteral(delimiter, isOptional ? std::uint16_t{0} : std::uint16_t{XmlError::LiteralUnterminated},
+                       UnicodeString(static_cast<UChar32>(delimiter)));
     if (type == LITERAL_OFFENDING && isQuoted) out.append(static_cast<char16_t>(delimiter));
+    processRawLiteral(type, out);
+    if (type == LITERAL_OFFENDING && isQuoted && isTerminated) out.append(static_cast<char16_t>(delimiter));
+    return true;
+}
+
+void XmlParserImpl::processRawLiteral(LiteralType type, detail::UnitBuffer& out) {
     const char16_t* const raw = rawLiteral_.data();
     const std::size_t size = rawLiteral_.size();
     const bool expands = type == LITERAL_ATTRIBUTE || type == LITERAL_ENTITY;
@@ -371,11 +379,9 @@ bool XmlParserImpl::readLiteral(LiteralType type, detail::UnitBuffer& out) {
         out.append(isXmlSpace(unit) ? u' ' : unit);
     }
     if (i < size) expandLiteral(type, i, out);
-    if (type == LITERAL_OFFENDING && isQuoted && isTerminated) out.append(static_cast<char16_t>(delimiter));
-    return true;
 }
 
-bool XmlParserImpl::readRawLiteral(LiteralType type, std::int32_t delimiter) {
+bool XmlParserImpl::readRawLiteral(std::int32_t delimiter, std::uint16_t unterminated, const UnicodeString& argument) {
     rawLiteral_.clear();
     for (;;) {
         const char16_t* const start = cursor_.cur;
@@ -386,9 +392,7 @@ bool XmlParserImpl::readRawLiteral(LiteralType type, std::int32_t delimiter) {
         cursor_.touch(cursor_.cur);
         if (isFound) return true;
         if (!pull()) {
-            if (type != LITERAL_OPTIONAL && type != LITERAL_OFFENDING) {
-                throwError(XmlError::LiteralUnterminated, UnicodeString(static_cast<UChar32>(delimiter)));
-            }
+            if (unterminated != 0) throwError(unterminated, argument);
             return false;
         }
     }

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/names/MathMLName.h>
+#include <lumcommon/names/SVGName.h>
+#include <lumcommon/values/LumValue.h>
 
 #include <set>
 #include <string>
@@ -25,6 +28,29 @@ TEST_F(LumNameTest, aNameIsItsIdentifier) {
     EXPECT_NE(LumName(UnicodeString(u"Block")), LumName(NAME_block));
     EXPECT_LT(LumName(NAME_block), LumName(NAME_zoom));
     EXPECT_EQ(LumName(UnicodeString(u"neu")).getEnum(), 1599u) << "after Block";
+}
+
+TEST_F(LumNameTest, aValueIsItsNameElseItsText) {
+    const UnicodeString rect(u"rect");
+    struct Row {
+        const char* fault;
+        LumValue value;
+        UnicodeString text;
+        SVGNameEnum svg;
+    };
+    const Row rows[] = {
+        {"the name is lost", LumValue(NAME_block), UnicodeString(u"block"), SVG_NULL},
+        {"a run-time name is lost", LumValue(LumName(rect)), rect, SVG_rect},
+        {"a string is not interned", LumValue(rect), rect, SVG_rect},
+        {"a number is not printed", LumValue(12), UnicodeString(u"12"), SVG_NULL},
+        {"null is not the empty text", LumValue(), UnicodeString(), SVG_NULL},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(LumName(row.value).getString(), row.text);
+        EXPECT_EQ(SVGName(row.value), SVGName(row.svg));
+    }
+    EXPECT_EQ(MathMLName(LumValue(UnicodeString(u"mfrac"))), MathMLName(MATHML_mfrac));
 }
 
 TEST_F(LumNameTest, aGeneratedNameTellsItsOwnIdentifier) {

@@ -13,14 +13,15 @@ namespace {
 std::atomic<std::size_t> allocations{0};
 }
 
-// Every allocation of the process is counted, those of the library too.
-void* operator new(std::size_t bytes) {
+// Every allocation of the process is counted, those of the library too. Inlined, the pairs would look mismatched to the
+// compiler.
+[[gnu::noinline]] void* operator new(std::size_t bytes) {
     allocations.fetch_add(1, std::memory_order_relaxed);
     if (void* memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace LumCommon {
 namespace {

@@ -124,7 +124,7 @@ struct GoingOnRow {
 };
 const GoingOnRow goingOnRows[] = {
     {"a bad character behind / is read again, or the tag goes on", "<r><a/x>y</r>", {0x180C},
-     {"START_TAG 1 r", "START_TAG 2 a /", "END_TAG 2 a", "TEXT 2 \">y\"", "END_TAG 1 r"}},
+     {"START_TAG 1 r", "START_TAG 2 a /", "END_TAG 2 a", "TEXT 1 \">y\"", "END_TAG 1 r"}},
     {"an undefined entity leaves something in a value", "<a b='x&c;y'/>", {0x1E1E},
      {"START_TAG 1 a b=\"xy\" /", "END_TAG 1 a"}},
     {"an undefined entity leaves something in the text", "<a>x&c;y</a>", {0x1E1E},

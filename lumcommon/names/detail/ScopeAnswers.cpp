@@ -4,11 +4,16 @@
 
 namespace LumCommon::detail {
 
-std::uint32_t ScopeAnswers::find(std::uint64_t key) const noexcept {
+std::uint32_t ScopeAnswers::findInIndex(Kind kind, LumName name) const noexcept {
+    const std::uint64_t key = keyOf(kind, name);
     const std::size_t mask = index_.size() - 1;
     for (std::size_t place = placeOf(key) & mask;; place = (place + 1) & mask) {
         const std::uint32_t question = index_[place];
-        if (question == none || questions_[question].key == key) return question;
+        if (question == none) return none;
+        if (questions_[question].key == key) {
+            recent_[kind] = {name, question};  // questions are never given up, so what is found once stays right
+            return question;
+        }
     }
 }
 
@@ -33,12 +38,12 @@ void ScopeAnswers::closeScope() noexcept {
 }
 
 LumName ScopeAnswers::get(Kind kind, LumName name) const noexcept {
-    const std::uint32_t question = find(keyOf(kind, name));
+    const std::uint32_t question = find(kind, name);
     return question == none ? LumName() : questions_[question].answer;
 }
 
 LumName ScopeAnswers::getOuter(Kind kind, LumName name) const noexcept {
-    const std::uint32_t at = find(keyOf(kind, name));
+    const std::uint32_t at = find(kind, name);
     if (at == none) return LumName();
     const Question& question = questions_[at];
     return isChangedInScope(question) ? log_[question.lastChange - 1].previousAnswer : question.answer;
@@ -46,8 +51,8 @@ LumName ScopeAnswers::getOuter(Kind kind, LumName name) const noexcept {
 
 void ScopeAnswers::prepare(Kind kind, LumName name) {
     if (log_.capacity() - log_.size() < maxPrepared) log_.reserve(std::max<std::size_t>(32, 2 * log_.capacity()));
+    if (find(kind, name) != none) return;
     const std::uint64_t key = keyOf(kind, name);
-    if (find(key) != none) return;
     if (2 * (questions_.size() + 1) > index_.size()) growIndex();
     questions_.push_back({key, LumName()});
     const std::size_t mask = index_.size() - 1;
@@ -57,7 +62,7 @@ void ScopeAnswers::prepare(Kind kind, LumName name) {
 }
 
 void ScopeAnswers::set(Kind kind, LumName name, LumName answer) noexcept {
-    const std::uint32_t at = find(keyOf(kind, name));
+    const std::uint32_t at = find(kind, name);
     if (at == none || questions_[at].answer == answer) return;
     Question& question = questions_[at];
     if (!isChangedInScope(question)) {

@@ -49,6 +49,10 @@ private:
         LumName previousAnswer;
         std::size_t previousChange;
     };
+    struct Recent {
+        LumName name;
+        std::uint32_t question;
+    };
     static constexpr std::uint32_t none = 0xFFFFFFFFu;
 
     static std::uint64_t keyOf(Kind kind, LumName name) noexcept {
@@ -58,13 +62,19 @@ private:
     std::size_t placeOf(std::uint64_t key) const noexcept {
         return static_cast<std::size_t>(foldMultiply(key ^ hashKey_.seed, hashKey_.multiplier));
     }
-    std::uint32_t find(std::uint64_t key) const noexcept;
+    std::uint32_t find(Kind kind, LumName name) const noexcept {
+        const Recent& recent = recent_[kind];
+        return recent.question != none && recent.name == name ? recent.question : findInIndex(kind, name);
+    }
+    std::uint32_t findInIndex(Kind kind, LumName name) const noexcept;
     void growIndex();
     bool isChangedInScope(const Question& question) const noexcept { return question.lastChange > scopeStarts_.back(); }
 
     HashKey hashKey_ = processHashKey();
     std::vector<Question> questions_;
     std::vector<std::uint32_t> index_ = std::vector<std::uint32_t>(32, none);  // a power of two, at most half full
+    // The question asked last of each kind: elements in a row mostly share their prefix and namespace.
+    mutable Recent recent_[3] = {{{}, none}, {{}, none}, {{}, none}};
     std::vector<Change> log_;
     std::vector<std::size_t> scopeStarts_ = {0};  // the length of the log when the scope was opened
 };

@@ -1,0 +1,298 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/dom/AttrNodeMap.h>
+#include <lumcommon/dom/LumElement.h>
+
+#include <cstdint>
+#include <memory>
+#include <typeinfo>
+#include <unordered_map>
+
+namespace LumCommon {
+
+namespace {
+
+constexpr unsigned indexThreshold = 32;
+
+/// One of the library's own attribute classes, whose fields can be read without virtual calls. Comparing the addresses
+/// of the type information can only err by giving null, which costs time and nothing else.
+template <class T>
+const T* exactly(const LumNode* node) noexcept {
+    return &typeid(*node) == &typeid(T) ? static_cast<const T*>(node) : nullptr;
+}
+
+std::uint64_t makeKey(LumName namespaceUri, LumName localName) noexcept {
+    return std::uint64_t{namespaceUri.getEnum()} << 32 | localName.getEnum();
+}
+
+struct KeyHash {
+    std::size_t operator()(std::uint64_t key) const noexcept {
+        key *= 0x9E3779B97F4A7C15u;
+        return static_cast<std::size_t>(key ^ (key >> 32));
+    }
+};
+
+bool isQualifiedName(const UnicodeString& name, const UnicodeString& prefix, const UnicodeString& local) {
+    const int colon = prefix.length();
+    return name.length() == colon + 1 + local.length() && name[colon] == u':' && name.startsWith(prefix) &&
+           name.endsWith(local);
+}
+
+bool hasSameNodeName(const LumNode* a, const LumNode* b) { return a->getNodeName() == b->getNodeName(); }
+
+bool hasSameNameNS(const LumNode* a, const LumNode* b) {
+    return a->getLocalName() == b->getLocalName() && a->getNamespaceUri() == b->getNamespaceUri();
+}
+
+}  // namespace
+
+/// The first attribute of each namespace and local name. It holds only attributes whose two names cannot change.
+struct AttrNodeMap::Index {
+    LumNode* last;
+    std::unordered_map<std::uint64_t, LumNode*, KeyHash> firstByName;
+
+    /// False when the names of `node` may change.
+    bool add(LumNode* node) {
+        LumName namespaceUri;
+        if (const AttrNS* attr = exactly<AttrNS>(node)) {
+            namespaceUri = attr->getNamespaceUri();
+            // Without a stored namespace it is looked up in the tree.
+            if (attr->namespaceUri_.isNull()) return false;
+        } else if (!exactly<Attr>(node)) {
+            return false;
+        }
+        firstByName.emplace(makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node);
+        return true;
+    }
+};
+
+AttrNodeMap::AttrNodeMap(LumElement* ownerElement) noexcept { link_.node = ownerElement; }
+
+AttrNodeMap::~AttrNodeMap() { forgetOwner(); }
+
+bool AttrNodeMap::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNamedNodeMap::isA(typeId); }
+
+UnicodeString AttrNodeMap::getTypeName() const { return u"AttrNodeMap"; }
+
+/// What the link is without regard to the index: the last attribute, or the owner of an empty map.
+LumNode* AttrNodeMap::last() const noexcept { return isIndexed_ ? link_.index->last : link_.node; }
+
+void AttrNodeMap::setLink(LumNode* link) noexcept { (isIndexed_ ? link_.index->last : link_.node) = link; }
+
+LumElement* AttrNodeMap::ownerElement() const noexcept {
+    return static_cast<LumElement*>(isEmpty() ? last() : last()->parent_);
+}
+
+/// Empties the map and cuts it off its element, which dies.
+void AttrNodeMap::forgetOwner() noexcept {
+    LumNode* const lastAttr = isEmpty() ? nullptr : last();
+    dropIndex();
+    count_ = 0;
+    link_.node = nullptr;
+    LumNode* attr = lastAttr ? lastAttr->nextSibling_ : nullptr;
+    while (attr) {
+        LumNode* const next = attr == lastAttr ? nullptr : attr->nextSibling_;
+        attr->parent_ = attr->nextSibling_ = nullptr;
+        attr->releaseRef();
+        attr = next;
+    }
+}
+
+// Walking
+
+LumNode* AttrNodeMap::getFirstNode() const { return isEmpty() ? nullptr : last()->nextSibling_; }
+
+LumNode* AttrNodeMap::getLastNode() const { return isEmpty() ? nullptr : last(); }
+
+LumNode* AttrNodeMap::getNextNode(const LumNode* node) const {
+    return node && node != last() ? node->nextSibling_ : nullptr;
+}
+
+LumNode* AttrNodeMap::getPreviousNode(const LumNode* node) const {
+    LumNode* previous = getFirstNode();
+    if (!node || previous == node) return nullptr;
+    while (previous && previous->nextSibling_ != node) previous = getNextNode(previous);
+    return previous;
+}
+
+int AttrNodeMap::getCount() const { return static_cast<int>(count_); }
+
+LumNode* AttrNodeMap::item(int index) const {
+    if (index < 0 || index >= getCount()) return nullptr;
+    LumNode* attr = getFirstNode();
+    while (index-- > 0) attr = attr->nextSibling_;
+    return attr;
+}
+
+// Finding
+
+LumNode* AttrNodeMap::findByName(LumName name) const {
+    if (isEmpty()) return nullptr;
+    LumNode* const end = last();
+    LumNode* attr = end;
+    do {
+        attr = attr->nextSibling_;
+        if (exactly<Attr>(attr)) {
+            if (static_cast<const Attr*>(attr)->value_.getNameKey() == name.getEnum()) return attr;
+        } else if (const AttrNS* attrNS = exactly<AttrNS>(attr)) {
+            // The parts are compared with the whole, so that looking interns no names.
+            const LumName local = attrNS->value_.getNameKey();
+            const bool isFound =
+                attrNS->prefix_.isNull()
+                    ? local == name
+                    : isQualifiedName(name.getString(), attrNS->prefix_.getString(), local.getString());
+            if (isFound) return attr;
+        } else if (attr->getNodeName() == name) {
+            return attr;
+        }
+    } while (attr != end);
+    return nullptr;
+}
+
+bool AttrNodeMap::buildIndex() const {
+    auto index = std::make_unique<Index>();
+    index->last = last();
+    index->firstByName.reserve(2 * std::size_t{count_});
+    for (LumNode* attr = getFirstNode(); attr; attr = getNextNode(attr)) {
+        if (index->add(attr)) continue;
+        isIndexUseless_ = 1;
+        return false;
+    }
+    link_.index = index.release();
+    isIndexed_ = 1;
+    return true;
+}
+
+void AttrNodeMap::dropIndex() const noexcept {
+    isIndexUseless_ = 0;
+    if (!isIndexed_) return;
+    Index* const index = link_.index;
+    link_.node = index->last;
+    isIndexed_ = 0;
+    delete index;
+}
+
+LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) const {
+    if (isEmpty()) return nullptr;
+    if (isIndexed_ || (count_ > indexThreshold && !isIndexUseless_ && buildIndex())) {
+        const auto& firstByName = link_.index->firstByName;
+        const auto found = firstByName.find(makeKey(namespaceUri, localName));
+        return found == firstByName.end() ? nullptr : found->second;
+    }
+    LumNode* const end = last();
+    LumNode* attr = end;
+    do {
+        attr = attr->nextSibling_;
+        if (exactly<Attr>(attr)) {
+            const bool isNamed = static_cast<const Attr*>(attr)->value_.getNameKey() == localName.getEnum();
+            if (isNamed && namespaceUri.isNull()) return attr;
+        } else if (const AttrNS* attrNS = exactly<AttrNS>(attr)) {
+            const bool isNamed = attrNS->value_.getNameKey() == localName.getEnum();
+            if (isNamed && attrNS->AttrNS::getNamespaceUri() == namespaceUri) return attr;
+        } else if (attr->getLocalName() == localName && attr->getNamespaceUri() == namespaceUri) {
+            return attr;
+        }
+    } while (attr != end);
+    return nullptr;
+}
+
+LumNode* AttrNodeMap::getNamedItem(LumName name) const { return findByName(name); }
+
+LumNode* AttrNodeMap::getNamedItemNS(LumName namespaceUri, LumName localName) const {
+    return findByNameNS(namespaceUri, localName);
+}
+
+void AttrNodeMap::getNamedItemLocal(LumName localName, std::vector<LumPtr<LumNode>>* out) const {
+    if (!out) return;
+    for (LumNode* attr = getFirstNode(); attr; attr = getNextNode(attr)) {
+        if (attr->getLocalName() == localName) out->emplace_back(attr);
+    }
+}
+
+// Changing
+
+/// Adds an attribute that is not in the map yet, as the last one. The map takes over one count.
+void AttrNodeMap::append(LumAttr* attr) {
+    LumNode* const node = attr;
+    if (isIndexed_ && !link_.index->add(node)) {
+        dropIndex();
+        isIndexUseless_ = 1;
+    }
+    node->parent_ = ownerElement();
+    if (isEmpty()) {
+        node->nextSibling_ = node;
+    } else {
+        node->nextSibling_ = last()->nextSibling_;
+        last()->nextSibling_ = node;
+    }
+    setLink(node);
+    ++count_;
+}
+
+LumPtr<LumNode> AttrNodeMap::setItem(LumNode* node, LumCommonErrorSource source, bool isNodeName) {
+    if (!node) throwCommonError(LumErrorCodeLumLIB::NullArgument, source);
+    const LumNode* const owner = ownerElement();
+    if (!owner || node->ownerDocument_ != owner->ownerDocument_) {
+        throwCommonError(LumErrorCodeLumLIB::DifferentDocument, source);
+    }
+    if (node->getNodeType() != LumNode::ATTRIBUTE_NODE) throwCommonError(LumErrorCodeLumLIB::NotAnAttribute, source);
+    if (node->parent_) throwCommonError(LumErrorCodeLumLIB::AttributeInUse, source);
+    return replaceOrAppend(node, isNodeName ? hasSameNodeName : hasSameNameNS);
+}
+
+LumPtr<LumNode> AttrNodeMap::replaceOrAppend(LumNode* node, bool (*isSame)(const LumNode*, const LumNode*)) {
+    LumNode* previous = last();
+    LumNode* old = isEmpty() ? nullptr : previous->nextSibling_;
+    while (old && !isSame(old, node)) {
+        previous = old;
+        old = getNextNode(old);
+    }
+    if (!old) {
+        append(static_cast<LumAttr*>(node));
+        node->addRef();
+        return nullptr;
+    }
+    dropIndex();
+    node->addRef();
+    node->parent_ = old->parent_;
+    node->nextSibling_ = old == previous ? node : old->nextSibling_;
+    previous->nextSibling_ = node;
+    if (old == last()) setLink(node);
+    old->parent_ = old->nextSibling_ = nullptr;
+    return LumPtr<LumNode>(old, false);
+}
+
+LumPtr<LumNode> AttrNodeMap::setNamedItem(LumNode* node) {
+    return setItem(node, LumCommonErrorSource::AttrNodeMapSetNamedItem, true);
+}
+
+LumPtr<LumNode> AttrNodeMap::setNamedItemNS(LumNode* node) {
+    return setItem(node, LumCommonErrorSource::AttrNodeMapSetNamedItemNS, false);
+}
+
+/// Takes `node`, null or of this map, out and hands the map's count over.
+LumPtr<LumNode> AttrNodeMap::remove(LumNode* node) {
+    if (!node) return nullptr;
+    dropIndex();
+    LumNode* previous = last();
+    while (previous->nextSibling_ != node) previous = previous->nextSibling_;
+    LumNode* const owner = node->parent_;
+    previous->nextSibling_ = node->nextSibling_;
+    if (last() == node) setLink(previous == node ? owner : previous);
+    --count_;
+    node->parent_ = node->nextSibling_ = nullptr;
+    return LumPtr<LumNode>(node, false);
+}
+
+LumPtr<LumNode> AttrNodeMap::removeNamedItem(LumName name) { return remove(findByName(name)); }
+
+LumPtr<LumNode> AttrNodeMap::removeNamedItemNS(LumName namespaceUri, LumName localName) {
+    return remove(findByNameNS(namespaceUri, localName));
+}
+
+LumPtr<LumAttr> AttrNodeMap::removeAttrNode(LumAttr* attr) {
+    LumNode* const node = attr;
+    if (!node || isEmpty() || node->parent_ != ownerElement()) return nullptr;
+    return LumPtr<LumAttr>(static_cast<LumAttr*>(remove(node).detach()), false);
+}
+
+}  // namespace LumCommon

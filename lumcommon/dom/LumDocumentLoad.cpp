@@ -1,0 +1,176 @@
+// From the parser's events to nodes.
+
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/dom/LumDocument.h>
+#include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/detail/StringInput.h>
+#include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/xml/LumXmlParser.h>
+
+namespace LumCommon {
+
+/// One stretch of reading: the load lock, the parser, and what must hold whichever way it ends.
+class LumDocument::Reading {
+public:
+    explicit Reading(LumDocument& document)
+        : document_(document), lock_(&document.loadLock_), isNested_(document.isReading_) {
+        if (isNested_) return;
+        parser_ = LumPtr<LumXmlParser>(document.getParser());
+        document.isReading_ = true;
+    }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+    ~Reading() {
+        if (isNested_) return;
+        document_.isReading_ = false;
+        // After an error the parser's place and the tree no longer agree, and the input may be gone by the time that
+        // somebody asks the tree for more.
+        document_.setCursor(isDone_ ? document_.loadCursor_ : nullptr);
+    }
+
+    LumNode* readNode() {
+        if (isNested_) return nullptr;
+        isDone_ = false;
+        LumNode* const node = document_.readNode(*parser_);
+        isDone_ = true;
+        return node;
+    }
+
+private:
+    LumDocument& document_;
+    LumMutex lock_;
+    LumPtr<LumXmlParser> parser_;  // a hook may give the document another one
+    bool isNested_;
+    bool isDone_ = true;
+};
+
+LumXmlParser* LumDocument::getParser() {
+    if (!parser_) parser_ = LumXmlUtil::createXmlParser();
+    return parser_.get();
+}
+
+void LumDocument::setParser(LumXmlParser* parser) {
+    parser_ = parser;
+    documentUri_.remove();
+}
+
+/// Sets the node to go on at. It is held, as the caller may take it out of the tree before the next step. A document
+/// must not hold itself, or it would live for ever.
+void LumDocument::setCursor(LumNode* node) noexcept {
+    loadCursor_ = node;
+    cursorHolder_ = node == this ? nullptr : node;
+}
+
+void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
+    // An input that cannot be opened must not leave an older load going on with it.
+    abort();
+    if (!target || target == this) documentUri_ = uri;
+    getParser();
+}
+
+void LumDocument::load(const UnicodeString& uri, LumNode* target) {
+    startLoad(target, uri);
+    parser_->setInput(uri, UnicodeString(), inputOption_);
+    doLoad(target, isLoadDeferred_);
+}
+
+void LumDocument::load(std::istream& in, LumNode* target) {
+    startLoad(target, UnicodeString());
+    parser_->setInput(in, UnicodeString(), inputOption_);
+    doLoad(target, isLoadDeferred_);
+}
+
+void LumDocument::loadXml(const UnicodeString& xml, LumNode* target) {
+    startLoad(target, UnicodeString());
+    auto input = std::make_unique<detail::StringInput>(xml);
+    parser_->setInput(*input, detail::StringInput::encodingOf(xml), inputOption_);
+    stringInput_ = std::move(input);
+    doLoad(target, isLoadDeferred_);
+}
+
+void LumDocument::load() { doLoad(nullptr, isLoadDeferred_); }
+
+void LumDocument::doLoad(LumNode* target, bool deferred) {
+    if (!target) target = this;
+    setCursor(target);
+    skipDepth_ = 0;
+    target->flags_ |= FLAG_LOADING;
+    target->removeAllChildNodes();
+    if (deferred) return;
+    Reading reading(*this);
+    while (reading.readNode()) {
+    }
+}
+
+LumNode* LumDocument::loadNextNode() { return Reading(*this).readNode(); }
+
+void LumDocument::abort() { setCursor(nullptr); }
+
+/// Marks an element as complete and returns the ancestor in which loading goes on.
+LumNode* LumDocument::closeElement(LumNode* element) noexcept {
+    element->flags_ = (element->flags_ & ~unsigned{FLAG_LOADING}) | FLAG_COMPLETE;
+    LumNode* parent = element->parent_;
+    while (parent && (parent->flags_ & FLAG_STEP_OVER)) parent = parent->parent_;
+    return parent;
+}
+
+/// The element of the current start tag, attributes set; null when a derived document makes none.
+LumPtr<LumElement> LumDocument::readElement(LumXmlParser& parser) {
+    LumPtr<LumElement> element = createElementNS(parser.getNamespace(), parser.getPrefix(), parser.getName());
+    if (!element) return element;
+    static_cast<LumNode&>(*element).flags_ |= FLAG_LOADING;
+    element->setSourceLineNumber(parser.getLineNumber());
+    element->setSourceColumnNumber(parser.getColumnNumber());
+    const int count = parser.getAttributeCount();
+    for (int i = 0; i < count; ++i) {
+        element->setAttributeEx(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
+                                parser.getAttributeName(i), parser.getAttributeValue(i));
+    }
+    element->finishAttributes();
+    return element;
+}
+
+LumNode* LumDocument::readNode(LumXmlParser& parser) {
+    LumNode* parent = loadCursor_;
+    // The cursor stays as it is while hooks run; when it is gone afterwards, one of them has called abort().
+    while (parent && loadCursor_) {
+        const LumXmlParser::EventType event = parser.next();
+        if (skipDepth_ != 0 && event != LumXmlParser::END_DOCUMENT) {
+            if (event == LumXmlParser::END_TAG && parser.getDepth() == skipDepth_) skipDepth_ = 0;
+            continue;
+        }
+        switch (event) {
+            case LumXmlParser::START_TAG:
+                if (const LumPtr<LumElement> element = readElement(parser)) {
+                    LumNode* const placed = parent->appendChildEx(element.get());
+                    if (loadCursor_) loadCursor_ = placed;
+                    return placed;
+                }
+                skipDepth_ = parser.getDepth();
+                break;
+            case LumXmlParser::TEXT:
+                if (LumNode* const text = parent->appendChildText(parser.getText())) {
+                    // Nothing is loaded into a text, so the place to go on at is where the text hangs.
+                    const bool isLeaf = text->isText() && !(text->flags_ & FLAG_LOADING);
+                    LumNode* const place = isLeaf ? text->parent_ : text;
+                    if (loadCursor_) loadCursor_ = place ? place : parent;
+                    return text;
+                }
+                break;
+            case LumXmlParser::END_TAG:
+                parent = closeElement(parent);
+                break;
+            case LumXmlParser::END_DOCUMENT:
+                skipDepth_ = 0;
+                closeElement(parent);
+                parent = nullptr;
+                break;
+            default:
+                throwCommonError(LumErrorCodeLumLIB::NotAllowed, LumCommonErrorSource::DocumentLoadNextNode);
+        }
+    }
+    return loadCursor_ = nullptr;
+}
+
+}  // namespace LumCommon

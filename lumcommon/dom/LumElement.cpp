@@ -1,0 +1,270 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/dom/AttrNodeMap.h>
+#include <lumcommon/dom/LumDocument.h>
+#include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/detail/QualifiedName.h>
+
+#include <typeinfo>
+#include <utility>
+
+namespace LumCommon {
+
+LumElement::LumElement(LumDocument* ownerDocument) : LumNode(ownerDocument) {}
+
+LumElement::~LumElement() {
+    if (!attributes_) return;
+    attributes_->forgetOwner();
+    attributes_->releaseRef();
+}
+
+bool LumElement::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNode::isA(typeId); }
+
+int LumElement::getNodeType() const { return ELEMENT_NODE; }
+
+bool LumElement::isElementNode() const { return true; }
+
+AttrNodeMap* LumElement::attributeMap() const {
+    if (!attributes_) {
+        attributes_ = new AttrNodeMap(const_cast<LumElement*>(this));
+        attributes_->addRef();
+    }
+    return attributes_;
+}
+
+LumNamedNodeMap* LumElement::getAttributes() const { return attributeMap(); }
+
+bool LumElement::hasAttributes() const { return attributes_ && !attributes_->isEmpty(); }
+
+int LumElement::getSourceLineNumber() const { return sourceLine_; }
+
+void LumElement::setSourceLineNumber(int line) { sourceLine_ = line; }
+
+int LumElement::getSourceColumnNumber() const { return sourceColumn_; }
+
+void LumElement::setSourceColumnNumber(int column) { sourceColumn_ = column; }
+
+// Copying
+
+LumPtr<LumElement> LumElement::cloneWithoutChildren() const {
+    LumPtr<LumElement> copy = ownerDocument_->createElementNS(getNamespaceUri(), getPrefix(), getLocalName());
+    if (!copy) return copy;
+    if (attributes_) {
+        for (const LumNode* attr = attributes_->getFirstNode(); attr; attr = attributes_->getNextNode(attr)) {
+            copy->setAttributeNS(attr->getNamespaceUri(), attr->getPrefix(), attr->getLocalName(),
+                                 attr->getNodeValue());
+        }
+    }
+    copy->setFlags(getFlags());
+    return copy;
+}
+
+LumPtr<LumNode> LumElement::cloneNode(bool deep) const {
+    LumPtr<LumElement> copy = cloneWithoutChildren();
+    if (copy && deep) cloneChildrenInto(copy.get());
+    return copy;
+}
+
+/// Elements below are asked for a copy without children, which is then filled here: were they asked for deep copies,
+/// the depth of the tree would become depth of the stack.
+void LumElement::cloneChildrenInto(LumNode* copy) const {
+    std::vector<LumPtr<LumNode>> parents;  // of the next copy; the last one is its own
+    parents.emplace_back(copy);
+    const LumNode* node = getFirstChild();
+    while (node) {
+        const LumPtr<LumNode> child = node->cloneNode(!node->isElementNode());
+        if (child) {
+            parents.back()->appendChild(child.get());
+            const LumNode* const inner = node->isElementNode() ? node->getFirstChild() : nullptr;
+            if (inner) {
+                parents.push_back(child);
+                node = inner;
+                continue;
+            }
+        }
+        const LumNode* next = node->getNextSibling();
+        while (!next) {
+            node = node->getParentNode();
+            if (!node || node == this) return;
+            parents.pop_back();
+            next = node->getNextSibling();
+        }
+        node = next;
+    }
+}
+
+// Attributes
+
+namespace {
+
+LumAttr* asAttr(LumNode* node) noexcept {
+    return node && node->isA(LumAttr::TYPE_ID) ? static_cast<LumAttr*>(node) : nullptr;
+}
+
+LumValue valueOf(LumNode* node) {
+    const LumAttr* const attr = asAttr(node);
+    return attr ? attr->getValue() : LumValue::NULL_VALUE;
+}
+
+LumPtr<LumAttr> asAttr(LumPtr<LumNode>&& node) {
+    LumAttr* const attr = asAttr(node.get());
+    if (attr) static_cast<void>(node.detach());
+    return LumPtr<LumAttr>(attr, false);
+}
+
+/// One of the library's own classes, none derived from it, so that no virtual operation is overridden.
+template <class T>
+bool isExactly(const LumNode& node) noexcept {
+    return &typeid(node) == &typeid(T);
+}
+
+}  // namespace
+
+LumValue LumElement::getAttribute(LumName name) const {
+    return attributes_ ? valueOf(attributes_->findByName(name)) : LumValue::NULL_VALUE;
+}
+
+LumValue LumElement::getAttributeNS(LumName namespaceUri, LumName localName) const {
+    return attributes_ ? valueOf(attributes_->findByNameNS(namespaceUri, localName)) : LumValue::NULL_VALUE;
+}
+
+void LumElement::setAttribute(LumName name, const LumValue& value) {
+    AttrNodeMap* const map = attributeMap();
+    LumAttr* attr = asAttr(map->findByName(name));
+    if (!attr) {
+        LumPtr<LumAttr> made = ownerDocument_->createAttribute(name);
+        if (!made) return;
+        map->append(made.get());
+        attr = made.detach();
+    }
+    attr->setValue(value);
+}
+
+void LumElement::setAttributeNS(LumName namespaceUri, LumName qualifiedName, const LumValue& value) {
+    const detail::QualifiedName name = detail::splitQualifiedName(qualifiedName);
+    setAttributeNS(namespaceUri, name.prefix, name.localName, value);
+}
+
+/// The attribute of that name with `prefix` given to it, or a new one. Null when the document makes none.
+LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName) {
+    AttrNodeMap* const map = attributeMap();
+    if (LumAttr* attr = asAttr(map->findByNameNS(namespaceUri, localName))) {
+        attr->setPrefix(prefix);
+        return attr;
+    }
+    LumPtr<LumAttr> made = ownerDocument_->createAttributeNS(namespaceUri, prefix, localName);
+    if (made) map->append(made.get());
+    return made.detach();
+}
+
+void LumElement::setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value) {
+    if (LumAttr* attr = attributeForSetting(namespaceUri, prefix, localName)) attr->setValue(value);
+}
+
+void LumElement::setAttributeEx(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) {
+    // With the library's own classes nothing can tell whether setAttributeNS and setValue are called; the value then
+    // moves into place without a second copy of the string.
+    if (!isExactly<ElementNS>(*this) && !isExactly<Element>(*this)) {
+        setAttributeNS(namespaceUri, prefix, localName, LumValue(value));
+        return;
+    }
+    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName);
+    if (!attr) return;
+    if (isExactly<AttrNS>(*attr) || isExactly<Attr>(*attr)) {
+        static_cast<Attr*>(attr)->takeValue(LumValue(value));
+    } else {
+        attr->setValue(LumValue(value));
+    }
+}
+
+void LumElement::removeAttribute(LumName name) {
+    if (attributes_) attributes_->removeNamedItem(name);
+}
+
+void LumElement::removeAttributeNS(LumName namespaceUri, LumName localName) {
+    if (attributes_) attributes_->removeNamedItemNS(namespaceUri, localName);
+}
+
+LumPtr<LumAttr> LumElement::getAttributeNode(LumName name) const {
+    return LumPtr<LumAttr>(attributes_ ? asAttr(attributes_->findByName(name)) : nullptr);
+}
+
+LumPtr<LumAttr> LumElement::getAttributeNodeNS(LumName namespaceUri, LumName localName) const {
+    return LumPtr<LumAttr>(attributes_ ? asAttr(attributes_->findByNameNS(namespaceUri, localName)) : nullptr);
+}
+
+template <class Visit>
+void LumElement::visitLocal(LumName localName, Visit visit) const {
+    if (!attributes_) return;
+    for (LumNode* node = attributes_->getFirstNode(); node; node = attributes_->getNextNode(node)) {
+        LumAttr* const attr = node->getLocalName() == localName ? asAttr(node) : nullptr;
+        if (attr && !visit(attr)) return;
+    }
+}
+
+void LumElement::getAttributeNodeLocal(LumName localName, std::vector<LumPtr<LumAttr>>* out) const {
+    if (!out) return;
+    visitLocal(localName, [out](LumAttr* attr) {
+        out->emplace_back(attr);
+        return true;
+    });
+}
+
+void LumElement::getAttributeLocal(LumName localName, std::vector<LumValue>* out) const {
+    if (!out) return;
+    visitLocal(localName, [out](const LumAttr* attr) {
+        out->push_back(attr->getValue());
+        return true;
+    });
+}
+
+LumPtr<LumAttr> LumElement::setAttributeNode(LumAttr* attr) { return asAttr(attributeMap()->setNamedItem(attr)); }
+
+LumPtr<LumAttr> LumElement::setAttributeNodeNS(LumAttr* attr) { return asAttr(attributeMap()->setNamedItemNS(attr)); }
+
+LumPtr<LumAttr> LumElement::removeAttributeNode(LumAttr* oldAttr) {
+    if (!oldAttr) {
+        throwCommonError(LumErrorCodeLumLIB::NullArgument, LumCommonErrorSource::ElementRemoveAttributeNode,
+                         u"oldAttr");
+    }
+    return attributeMap()->removeAttrNode(oldAttr);
+}
+
+bool LumElement::hasAttribute(LumName name) const { return attributes_ && attributes_->findByName(name); }
+
+bool LumElement::hasAttributeNS(LumName namespaceUri, LumName localName) const {
+    return attributes_ && attributes_->findByNameNS(namespaceUri, localName);
+}
+
+bool LumElement::hasAttributeLocal(LumName localName) const {
+    bool isFound = false;
+    visitLocal(localName, [&isFound](const LumAttr*) { return !(isFound = true); });
+    return isFound;
+}
+
+// Element, ElementNS
+
+Element::Element(LumDocument* ownerDocument, LumName prefix, LumName localName)
+    : LumElement(ownerDocument), prefix_(prefix), localName_(localName) {}
+
+bool Element::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumElement::isA(typeId); }
+
+UnicodeString Element::getTypeName() const { return u"Element"; }
+
+LumName Element::getLocalName() const { return localName_; }
+
+LumName Element::getNamespaceUri() const { return lookupNamespaceUri(prefix_); }
+
+LumName Element::getPrefix() const { return prefix_; }
+
+void Element::setPrefix(LumName prefix) { prefix_ = prefix; }
+
+ElementNS::ElementNS(LumDocument* ownerDocument, LumName namespaceUri, LumName prefix, LumName localName)
+    : Element(ownerDocument, prefix, localName), namespaceUri_(namespaceUri) {}
+
+bool ElementNS::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumElement::isA(typeId); }
+
+UnicodeString ElementNS::getTypeName() const { return u"ElementNS"; }
+
+LumName ElementNS::getNamespaceUri() const { return namespaceUri_; }
+
+}  // namespace LumCommon

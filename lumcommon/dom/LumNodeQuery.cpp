@@ -1,0 +1,194 @@
+// Questions about a node's place in its tree.
+
+#include <lumcommon/dom/LumNode.h>
+#include <lumcommon/dom/LumNodeIterable.h>
+
+namespace LumCommon {
+
+namespace {
+
+int countAncestors(const LumNode* node) {
+    int count = 0;
+    while ((node = node->getParentNode())) ++count;
+    return count;
+}
+
+const LumNode* climb(const LumNode* node, int levels) {
+    for (; levels > 0; --levels) node = node->getParentNode();
+    return node;
+}
+
+/// Where two nodes' ways to the root part.
+struct Fork {
+    const LumNode* common = nullptr;   // the lowest node that is ancestor or self of both; null in different trees
+    const LumNode* aBranch = nullptr;  // the child of `common` towards a; null when `common` is a
+    const LumNode* bBranch = nullptr;
+};
+
+Fork findFork(const LumNode* a, const LumNode* b) {
+    const int aDepth = countAncestors(a);
+    const int bDepth = countAncestors(b);
+    Fork fork;
+    if (aDepth > bDepth) {
+        fork.aBranch = climb(a, aDepth - bDepth - 1);
+        a = fork.aBranch->getParentNode();
+    } else if (bDepth > aDepth) {
+        fork.bBranch = climb(b, bDepth - aDepth - 1);
+        b = fork.bBranch->getParentNode();
+    }
+    while (a != b) {
+        fork.aBranch = a;
+        fork.bBranch = b;
+        a = a->getParentNode();
+        b = b->getParentNode();
+    }
+    fork.common = a;
+    return fork;
+}
+
+bool isEarlierSibling(const LumNode* earlier, const LumNode* later) {
+    const LumNode* before = later;
+    while ((before = before->getPreviousSibling())) {
+        if (before == earlier) return true;
+    }
+    return false;
+}
+
+template <class Matches>
+LumNode* findChild(const LumNode* parent, Matches matches) {
+    LumNode* child = parent->getFirstChild();
+    while (child && !matches(child)) child = child->getNextSibling();
+    return child;
+}
+
+template <class Matches>
+LumNode* findAncestorOrSelf(LumNode* node, Matches matches) {
+    while (node && !matches(node)) node = node->getParentNode();
+    return node;
+}
+
+}  // namespace
+
+bool LumNode::isDescendantOf(const LumNode* other) const {
+    if (!other) return false;
+    const LumNode* node = getParentNode();
+    while (node && node != other) node = node->getParentNode();
+    return node != nullptr;
+}
+
+bool LumNode::isDescendantOrSelfOf(const LumNode* other) const { return this == other || isDescendantOf(other); }
+
+bool LumNode::isFollowingOf(const LumNode* other) const {
+    if (!other || other == this) return false;
+    const Fork fork = findFork(this, other);
+    return fork.common && fork.aBranch && fork.bBranch && isEarlierSibling(fork.bBranch, fork.aBranch);
+}
+
+bool LumNode::isPrecedingOf(const LumNode* other) const { return other && other->isFollowingOf(this); }
+
+int LumNode::countPrecedingSiblings() const {
+    int count = 0;
+    for (const LumNode* node = getPreviousSibling(); node; node = node->getPreviousSibling()) ++count;
+    return count;
+}
+
+int LumNode::countFollowingSiblings() const {
+    int count = 0;
+    for (const LumNode* node = getNextSibling(); node; node = node->getNextSibling()) ++count;
+    return count;
+}
+
+int LumNode::getChildNodeCount() const {
+    int count = 0;
+    for (const LumNode* node = getFirstChild(); node; node = node->getNextSibling()) ++count;
+    return count;
+}
+
+LumNode* LumNode::getChildNodeByName(LumName localName) const {
+    return findChild(this, [=](const LumNode* node) { return node->getLocalName() == localName; });
+}
+
+LumNode* LumNode::getChildNodeByNameNS(LumName namespaceUri, LumName localName) const {
+    return findChild(this, [=](const LumNode* node) {
+        return node->getLocalName() == localName && node->getNamespaceUri() == namespaceUri;
+    });
+}
+
+LumNode* LumNode::getChildNodeByTypeID(unsigned int typeId) const {
+    return findChild(this, [=](const LumNode* node) { return node->isA(typeId); });
+}
+
+LumNode* LumNode::getAncestorByName(LumName localName) const {
+    return findAncestorOrSelf(getParentNode(), [=](const LumNode* node) { return node->getLocalName() == localName; });
+}
+
+LumNode* LumNode::getAncestorOrSelfByName(LumName localName) const {
+    return findAncestorOrSelf(const_cast<LumNode*>(this),
+                              [=](const LumNode* node) { return node->getLocalName() == localName; });
+}
+
+LumNode* LumNode::getAncestorByNameNS(LumName namespaceUri, LumName localName) const {
+    return findAncestorOrSelf(getParentNode(), [=](const LumNode* node) {
+        return node->getLocalName() == localName && node->getNamespaceUri() == namespaceUri;
+    });
+}
+
+LumNode* LumNode::getAncestorByTypeID(unsigned int typeId) const {
+    return findAncestorOrSelf(getParentNode(), [=](const LumNode* node) { return node->isA(typeId); });
+}
+
+LumNode* LumNode::getCommonAncestorOrSelf(const LumNode* other) const {
+    return other ? const_cast<LumNode*>(findFork(this, other).common) : nullptr;
+}
+
+LumNode* LumNode::getCommonAncestor(const LumNode* other) const {
+    const LumNode* const parent = getParentNode();
+    return parent && other ? parent->getCommonAncestorOrSelf(other->getParentNode()) : nullptr;
+}
+
+UnicodeString LumNode::getInnerText() const {
+    if (isText() || getNodeType() != ELEMENT_NODE) return getText();
+    UnicodeString text;
+    LumTreeIterator walk(const_cast<LumNode*>(this), LumTreeIterator::ENTER);
+    while (const LumNode* node = walk.nextNode()) {
+        if (node != this && node->isText()) text.append(node->getText());
+    }
+    return text;
+}
+
+int LumNode::getNodeDepth() const {
+    int depth = 0;
+    const LumNode* node = getParentNode();
+    for (; node && node->getNodeType() != DOCUMENT_NODE; node = node->getParentNode()) ++depth;
+    return depth;
+}
+
+// Source positions
+
+/// What a node that is no element answers with: the position of the nearest element before it among its siblings, when
+/// that has one, else its parent's.
+///
+/// Only elements are asked, siblings of other kinds are stepped over: each of them would ask the one before it, as deep
+/// as the list of siblings is long.
+int LumNode::inheritedPosition(int (LumNode::*getPosition)() const) const {
+    const LumNode* node = this;
+    while (node) {
+        const LumNode* sibling = node->previousSibling_;
+        while (sibling && !sibling->isElementNode()) sibling = sibling->previousSibling_;
+        const int position = sibling ? (sibling->*getPosition)() : -1;
+        if (position != -1) return position;
+        node = node->parent_;
+        if (node && node->isElementNode()) return (node->*getPosition)();
+    }
+    return -1;
+}
+
+int LumNode::getSourceLineNumber() const { return inheritedPosition(&LumNode::getSourceLineNumber); }
+
+void LumNode::setSourceLineNumber(int) {}
+
+int LumNode::getSourceColumnNumber() const { return inheritedPosition(&LumNode::getSourceColumnNumber); }
+
+void LumNode::setSourceColumnNumber(int) {}
+
+}  // namespace LumCommon

@@ -1,0 +1,89 @@
+// Giving up subtrees, in constant stack whatever their depth.
+
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/dom/LumNode.h>
+
+#include <atomic>
+
+namespace LumCommon {
+
+namespace {
+
+/// While this thread deletes nodes: where the nodes wait whose count has reached 0, chained by their previous-sibling
+/// links. A node that dies in the meantime puts its children there instead of deleting them itself, so that the depth
+/// of a tree never becomes depth of the stack, whoever starts the release and whatever derived destructors do.
+constinit thread_local LumNode** condemned = nullptr;
+
+/// Takes one count. True when it was the last one.
+bool dropsLastCount(int& count) noexcept {
+    // The holder of the only count is alone with the object: nobody can add to a count of 1 but through that holder.
+    if (std::atomic_ref<int>(count).load(std::memory_order_acquire) == 1) {
+        count = 0;
+        return true;
+    }
+    return LumMutex::interlockedDecrement(count) < 1;
+}
+
+}  // namespace
+
+void LumNode::releaseChildren() noexcept {
+    LumNode* child = lastChild_;
+    if (!child) return;
+    lastChild_ = nullptr;
+    // All children are cut loose before the first of them dies: destructors never meet a half-dead parent. Children
+    // that somebody else holds live on with all that hangs below them.
+    LumNode* chain = nullptr;
+    LumNode** end = &chain;
+    while (child) {
+        LumNode* const previous = child->previousSibling_;
+        child->parent_ = child->nextSibling_ = child->previousSibling_ = nullptr;
+        if (dropsLastCount(child->refCount_)) {
+            *end = child;
+            end = &child->previousSibling_;
+        }
+        child = previous;
+    }
+    if (!chain) return;
+    if (condemned) {
+        *end = *condemned;
+        *condemned = chain;
+        return;
+    }
+    condemned = &chain;
+    while (chain) {
+        LumNode* const node = chain;
+        chain = node->previousSibling_;
+        node->previousSibling_ = nullptr;
+        delete node;
+    }
+    condemned = nullptr;
+}
+
+void LumNode::removeAllChildNodes() { releaseChildren(); }
+
+int LumNode::deleteAllChildNodes() { return deleteAllChildNodes(lastChild_); }
+
+int LumNode::deleteAllChildNodes(LumNode* last) {
+    if (!last) return 0;
+    LumNode* const parent = last->parent_;
+    int count = 0;
+    LumNode* node = last;
+    for (;;) {
+        while (node->lastChild_) node = node->lastChild_;
+        if (node == last && !parent) return count;
+        LumNode* const holder = node->parent_;
+        LumNode* const previous = node->previousSibling_;
+        holder->unlinkChild(node);
+        ++count;
+        if (--node->refCount_ < 1) delete node;
+        if (holder != parent) {
+            node = holder;
+        } else if (previous) {
+            node = previous;
+        } else {
+            return count;
+        }
+    }
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,212 @@
+// Inputs made to exhaust the reader: depth, width, length, and everything that ends too early.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "support/PieceStream.h"
+#include "support/XmlEvents.h"
+
+namespace {
+
+using namespace LumTest;
+
+std::string repeat(std::string_view unit, std::size_t times) {
+    std::string text;
+    text.reserve(unit.size() * times);
+    for (std::size_t i = 0; i < times; ++i) text += unit;
+    return text;
+}
+
+struct Counts {
+    int startTags = 0;
+    int deepest = 0;
+    int texts = 0;
+    std::int64_t textUnits = 0;
+    bool ended = false;
+};
+
+Counts countEvents(std::istream& in, Pull how = Pull::events) {
+    Counts counts;
+    const LumPtr<LumXmlParser> parser = openParser(in);
+    for (;;) {
+        const LumXmlParser::EventType type = pull(*parser, how);
+        if (type == LumXmlParser::START_TAG) ++counts.startTags;
+        if (type == LumXmlParser::TEXT) {
+            ++counts.texts;
+            counts.textUnits += parser->getText().length();
+        }
+        counts.deepest = std::max(counts.deepest, parser->getDepth());
+        if (type == LumXmlParser::END_DOCUMENT) break;
+    }
+    counts.ended = parser->getDepth() == 0;
+    return counts;
+}
+
+TEST(LumXmlParserHostile, aMillionLevels) {
+    constexpr int levels = 1000000;
+    PieceStream in(repeat("<a>", levels) + repeat("</a>", levels));
+    const Counts counts = countEvents(in);
+    EXPECT_EQ(counts.startTags, levels);
+    EXPECT_EQ(counts.deepest, levels);
+    EXPECT_TRUE(counts.ended);
+    // And let go of in the middle, with an error.
+    PieceStream open(repeat("<p:a xmlns:p='u'>", levels / 10));
+    EXPECT_THROW(countEvents(open), LumError);
+}
+
+TEST(LumXmlParserHostile, aMillionReferences) {
+    constexpr int references = 1000000;
+    PieceStream in("<a>" + repeat("&amp;", references) + "</a>");
+    EXPECT_EQ(countEvents(in).textUnits, references);
+    PieceStream inValue("<a b='" + repeat("&#38;", references) + "'/>");
+    const LumPtr<LumXmlParser> parser = openParser(inValue);
+    parser->next();
+    EXPECT_EQ(parser->getAttributeValue(0).length(), references);
+}
+
+struct LongRow {
+    const char* construct;
+    const char* before;
+    const char* unit;
+    const char* after;
+};
+constexpr LongRow longRows[] = {
+    {"element name", "<", "n", "/>"},
+    {"attribute name", "<a ", "n", "=''/>"},
+    {"attribute value", "<a b='", "v", "'/>"},
+    {"value of line ends", "<a b='", "\r\n", "'/>"},
+    {"white space in a tag", "<a ", " ", "/>"},
+    {"comment of dashes", "<!--", "- ", "--><a/>"},
+    {"instruction of question marks", "<?p ", "? ", "?><a/>"},
+    {"section of brackets", "<a><![CDATA[", "]", "]]></a>"},
+    {"text of brackets", "<a>", "]", "</a>"},
+    {"text of carriage returns", "<a>", "\r", "</a>"},
+    {"white space before the root", "", "\n", "<a/>"},
+    {"skipped section", "<![X[", "]]", "]]><a/>"},
+    {"entity name", "<a><!--", "&n;", "--></a>"},
+    {"digits of a reference", "<a>&#", "0", "65;</a>"},
+};
+
+// Each in small pieces too: what is read again at every piece takes quadratic time there.
+TEST(LumXmlParserHostile, longConstructs) {
+    for (const LongRow& row : longRows) {
+        SCOPED_TRACE(row.construct);
+        for (const std::size_t pieceBytes : {std::size_t{7}, wholeInput}) {
+            PieceStream in(row.before + repeat(row.unit, 1000000) + row.after, pieceBytes);
+            EXPECT_TRUE(countEvents(in, Pull::tokens).ended);
+        }
+    }
+}
+
+double parseSeconds(const std::string& document) {
+    double best = 1e9;
+    for (int run = 0; run < 3; ++run) {
+        PieceStream in(document);
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_TRUE(countEvents(in).ended);
+        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    }
+    return best;
+}
+
+// Comparing each attribute with every other would take four times as long for twice as many, and so long for so many.
+TEST(LumXmlParserHostile, aHundredThousandAttributes) {
+    const auto makeTag = [](int attributes, const char* prefix) {
+        std::string tag = "<a xmlns:p='u' xmlns:q='u2'";
+        for (int i = 0; i < attributes; ++i) tag += std::string(" ") + prefix + "a" + std::to_string(i) + "='u'";
+        return tag;
+    };
+    for (const char* prefix : {"", "p:", "xmlns:"}) {
+        SCOPED_TRACE(prefix);
+        const double half = parseSeconds(makeTag(50000, prefix) + "/>");
+        const double full = parseSeconds(makeTag(100000, prefix) + "/>");
+        EXPECT_LT(full, 3.2 * half + 0.05);
+        // The duplicate is still found, wherever the first one stands.
+        for (const char* again : {"a0", "a50000", "a99999"}) {
+            PieceStream in(makeTag(100000, prefix) + " " + prefix + again + "=''/>");
+            const LumPtr<LumXmlParser> parser = openParser(in);
+            try {
+                parser->next();
+                ADD_FAILURE() << "nothing thrown";
+            } catch (const LumError& error) {
+                EXPECT_EQ(error.code, 0x1808u);
+            }
+        }
+    }
+}
+
+// Markup in a stream that is made on the way: what is handed out is counted against what has been asked for.
+TEST(LumXmlParserHostile, aLongStreamIsReadAsItIsAskedFor) {
+    const std::string piece = repeat("<b>some text</b>", 4096);  // 64 KiB
+    constexpr int pieces = 1024;
+    int madePieces = 0;
+    GeneratedBuffer buffer([&]() -> std::string {
+        ++madePieces;
+        if (madePieces == 1) return "<a>";
+        if (madePieces <= pieces + 1) return piece;
+        return madePieces == pieces + 2 ? "</a>" : "";
+    });
+    std::istream in(&buffer);
+    const LumPtr<LumXmlParser> parser = openParser(in);
+    std::int64_t events = 0;
+    while (parser->next() != LumXmlParser::END_DOCUMENT) {
+        ++events;
+        const std::int64_t consumedPieces = events / (3 * 4096);
+        ASSERT_LE(madePieces, consumedPieces + 4) << "the stream is read far ahead";
+    }
+    EXPECT_EQ(events, 2 + std::int64_t{3} * 4096 * pieces);
+}
+
+TEST(LumXmlParserHostile, textWithoutMarkup) {
+    const std::string piece(1 << 20, 'x');
+    int madePieces = 0;
+    GeneratedBuffer buffer([&]() -> std::string {
+        ++madePieces;
+        if (madePieces == 1) return "<a>";
+        if (madePieces <= 65) return piece;
+        return madePieces == 66 ? "</a>" : "";
+    });
+    std::istream in(&buffer);
+    const Counts counts = countEvents(in);
+    EXPECT_EQ(counts.texts, 1);
+    EXPECT_EQ(counts.textUnits, 64 << 20);
+}
+
+const std::string everyConstruct =
+    "<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\r\n<!--c - d--><?p q?>\n"
+    "<p:r xmlns:p='u' xmlns='v' a=\"1 &lt;\t&#65;&#x1F600;'\" p:a='2'>t\xC3\xA9xt &amp; ]] &#10;"
+    "<b c='d' /><![CDATA[ <x> ]] ]]><![IGNORE[ no ]]><e\n f='\xE3\x81\x82'\n>\xF0\x9F\x98\x80\r</e></p:r>\n<!--end-->";
+
+TEST(LumXmlParserHostile, everyPrefixOfAGoodDocument) {
+    ASSERT_EQ(recordEvents(everyConstruct, Pull::events).back().event, "END_DOCUMENT 0");
+    for (std::size_t bytes = 1; bytes <= everyConstruct.size(); ++bytes) {
+        const std::string cut = everyConstruct.substr(0, bytes);
+        for (const Pull how : {Pull::events, Pull::tokens}) {
+            const std::vector<EventRecord> whole = recordEvents(cut, how);
+            const bool hasRoot = cut.find("</p:r>") != std::string::npos;
+            const bool hasStartedRoot = cut.find("<p") != std::string::npos;
+            if (hasStartedRoot && !hasRoot) {
+                EXPECT_TRUE(whole.back().event.starts_with("error ")) << cut;
+            }
+            for (const std::size_t pieceBytes : {std::size_t{1}, std::size_t{2}, std::size_t{3}})
+                EXPECT_EQ(recordEvents(cut, how, {}, pieceBytes), whole) << cut;
+        }
+    }
+}
+
+// One byte is changed to each of those that mean something.
+TEST(LumXmlParserHostile, everyByteOfAGoodDocumentReplaced) {
+    constexpr std::string_view others("\0<>&;'\"/!?[]-= \n\r:x#%\x80\xC3\xE2\xF0\xFF", 26);
+    for (std::size_t at = 0; at < everyConstruct.size(); ++at) {
+        std::string changed = everyConstruct;
+        for (const char other : others) {
+            changed[at] = other;
+            const std::vector<EventRecord> whole = recordEvents(changed, Pull::events);
+            EXPECT_TRUE(whole.back().event.starts_with("e") || whole.back().event.starts_with("END_DOCUMENT"));
+            EXPECT_EQ(recordEvents(changed, Pull::events, {}, 1), whole) << changed;
+        }
+    }
+}
+
+}  // namespace
