@@ -1,4 +1,5 @@
 #include <lumcommon/streams/LumKobOStreamBuf.h>
+#include <lumcommon/streams/LumMemStream.h>
 
 #include <algorithm>
 #include <cstring>
@@ -57,6 +58,19 @@ void LumKobOStreamBuf::writeRawBuffer(const char* data, unsigned int n) {
     if (data) writeRaw(data, n);
 }
 
+void LumKobOStreamBuf::writeRawStream(std::istream& in) {
+    if (isLimitOver()) return;
+    // Only the blocks being read are kept, so that a stream of any length passes through. It is sgetc() that recycles
+    // them; getBuffer() alone would keep them all.
+    LumMemStream chunks(&in, LumMemStreamBuf::defaultGrowBytes, false);
+    chunks.rdbuf()->setKeepMemory(false);
+    while (!traits_type::eq_int_type(chunks.rdbuf()->sgetc(), traits_type::eof())) {
+        const char* chunk = nullptr;
+        const std::size_t count = chunks.rdbuf()->getBuffer(chunk);
+        writeRaw(chunk, count);
+    }
+}
+
 LumKobOStreamBuf::int_type LumKobOStreamBuf::overflow(int_type c) {
     if (!isOpen_) return traits_type::eof();
     if (!traits_type::eq_int_type(c, traits_type::eof())) {
@@ -105,7 +119,8 @@ bool LumKobOStreamBuf::convertAll(unsigned bytes, bool isLast) noexcept {
         if (cconvConvert(context_) != 0) return false;
         if (context_.outputProduced == 0) {
             // Nothing fits: the next character would pass the limit. It stays with the conversion for good.
-            if (limit_ != 0 && context_.isOutputFull) outputLength_ = std::max(outputLength_, std::uint64_t{limit_} + 1);
+            if (limit_ != 0 && context_.isOutputFull)
+                outputLength_ = std::max(outputLength_, std::uint64_t{limit_} + 1);
             return isWritten;
         }
         isWritten = hand(output_.get(), context_.outputProduced) && isWritten;
@@ -125,7 +140,8 @@ bool LumKobOStreamBuf::hand(const char* bytes, std::size_t count) noexcept {
 bool LumKobOStreamBuf::writeRaw(const char* data, std::size_t n) noexcept {
     std::size_t admitted = n;
     if (limit_ != 0) {
-        admitted = limit_ > outputLength_ ? static_cast<std::size_t>(std::min<std::uint64_t>(n, limit_ - outputLength_)) : 0;
+        admitted =
+            limit_ > outputLength_ ? static_cast<std::size_t>(std::min<std::uint64_t>(n, limit_ - outputLength_)) : 0;
     }
     outputLength_ += n;
     return admitted == 0 || hand(data, admitted);

@@ -2,24 +2,25 @@
 
 namespace LumCommon {
 
-LumKobStream::LumKobStream(std::istream* in, const char* encoding) : std::istream(nullptr), buffer_(in, encoding) {
+LumKobStream::LumKobStream(std::istream* source, const char* encoding)
+    : std::istream(nullptr), buffer_(source, encoding) {
     std::istream::rdbuf(&buffer_);
     if (!is_open()) setstate(std::ios_base::failbit);
 }
 
 LumKobStream::~LumKobStream() = default;
 
-bool LumKobStream::detectEncoding(std::istream* in, UnicodeString& name, bool& bom) {
-    if (!in) return false;
+bool LumKobStream::detectEncoding(std::istream* source, UnicodeString& name, bool& bom) {
+    if (!source) return false;
     constexpr unsigned sampleBytes = 2048;
     char sample[sampleBytes];
     CConvContext context;
     context.input = sample;
     try {
-        in->read(sample, sampleBytes);
-        context.inputAvailable = static_cast<unsigned>(in->gcount());
-        in->clear();
-        in->seekg(0);
+        source->read(sample, sampleBytes);
+        context.inputAvailable = static_cast<unsigned>(source->gcount());
+        source->clear();
+        source->seekg(0);
     } catch (...) {
         // The stream is set to throw, and is not readable or not seekable: it cannot be read from the start again.
         return false;

@@ -15,7 +15,7 @@ namespace LumCommon {
 class LUM_API LumKobStream : public std::istream {
 public:
     /// The arguments of LumKobStreamBuf. With an unknown charset is_open() is false and the stream has failed.
-    LumKobStream(std::istream* in, const char* encoding);
+    LumKobStream(std::istream* source, const char* encoding);
     ~LumKobStream() override;
 
     LumKobStreamBuf* rdbuf() const noexcept { return const_cast<LumKobStreamBuf*>(&buffer_); }
@@ -26,7 +26,7 @@ public:
     /// @param name  gets the charset's name, as init() of LumKobStreamBuf takes it.
     /// @param bom   gets whether there is a byte order mark.
     /// @return false, with both unchanged, when the stream is null or empty or its charset is not recognised.
-    static bool detectEncoding(std::istream* in, UnicodeString& name, bool& bom);
+    static bool detectEncoding(std::istream* source, UnicodeString& name, bool& bom);
     /// The same for the resource that a URI or local path names. False also when it cannot be opened.
     static bool detectEncoding(const char* uri, UnicodeString& name, bool& bom);
 

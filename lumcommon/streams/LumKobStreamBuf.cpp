@@ -16,21 +16,11 @@ struct NameRow {
 };
 
 constexpr NameRow nameRows[] = {
-    {"BIG5", "ChineseBIG5"},
-    {"CHINESEBIG5", "ChineseBIG5"},
-    {"CHINESEGBK", "ChineseGBK"},
-    {"EUC-JP", "EUC-JP"},
-    {"GB2312", "ChineseGBK"},
-    {"GBK", "ChineseGBK"},
-    {"ISO-2022-JP", "ISO-2022-JP"},
-    {"ISO-IR-149", "KoreanKSC"},
-    {"KOREAN", "KoreanKSC"},
-    {"KOREANKSC", "KoreanKSC"},
-    {"KS_C_5601-1987", "KoreanKSC"},
-    {"SHIFT-JIS", "WINDOWS31J"},
-    {"SHIFT_JIS", "WINDOWS31J"},
-    {"WINDOWS-31J", "WINDOWS31J"},
-    {"WINDOWS31J", "WINDOWS31J"},
+    {"BIG5", "ChineseBIG5"},        {"CHINESEBIG5", "ChineseBIG5"},  {"CHINESEGBK", "ChineseGBK"},
+    {"EUC-JP", "EUC-JP"},           {"GB2312", "ChineseGBK"},        {"GBK", "ChineseGBK"},
+    {"ISO-2022-JP", "ISO-2022-JP"}, {"ISO-IR-149", "KoreanKSC"},     {"KOREAN", "KoreanKSC"},
+    {"KOREANKSC", "KoreanKSC"},     {"KS_C_5601-1987", "KoreanKSC"}, {"SHIFT-JIS", "WINDOWS31J"},
+    {"SHIFT_JIS", "WINDOWS31J"},    {"WINDOWS-31J", "WINDOWS31J"},   {"WINDOWS31J", "WINDOWS31J"},
 };
 
 constexpr char toCapital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
@@ -88,7 +78,8 @@ LumKobStreamBuf::int_type LumKobStreamBuf::underflow() {
     if (!input_) return traits_type::eof();
     // What was delivered last stays in front of what comes, and stays there when nothing comes.
     char* const start = output_.get();
-    const std::size_t kept = gptr() ? std::min<std::size_t>(PUT_BACK_BYTES, static_cast<std::size_t>(gptr() - eback())) : 0;
+    const std::size_t kept =
+        gptr() ? std::min<std::size_t>(PUT_BACK_BYTES, static_cast<std::size_t>(gptr() - eback())) : 0;
     if (kept > 0) std::memmove(start, gptr() - kept, kept);
     char* const room = start + kept;
     setg(start, room, room);

@@ -58,7 +58,7 @@ struct CConvContext {
     unsigned outputProduced = 0;  // bytes that the last call wrote
     unsigned outputCapacity = 0;
     bool isOutputFull = false;  // the next character did not fit behind what the last call wrote
-    int status = 0;  // 1: the conversion has ended, and the last call wrote nothing
+    int status = 0;             // 1: the conversion has ended, and the last call wrote nothing
 
     char charsetName[64] = {};  // by cconvChkEncode
     bool hasMark = false;       // by cconvChkEncode

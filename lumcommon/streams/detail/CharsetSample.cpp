@@ -16,12 +16,9 @@ struct MarkRow {
     const char* name;
 };
 constexpr MarkRow markRows[] = {
-    {"\xEF\xBB\xBF"sv, "UTF-8"},
-    {"\xFF\xFE\0\0"sv, "UTF-32LE"},  // before the mark of UTF-16, which it begins with
-    {"\0\0\xFE\xFF"sv, "UTF-32BE"},
-    {"\xFF\xFE"sv, "UTF-16LE"},
-    {"\xFE\xFF"sv, "UTF-16BE"},
-    {"\x84\x31\x95\x33"sv, "GB18030"},
+    {"\xEF\xBB\xBF"sv, "UTF-8"},    {"\xFF\xFE\0\0"sv, "UTF-32LE"},  // before the mark of UTF-16, which it begins with
+    {"\0\0\xFE\xFF"sv, "UTF-32BE"}, {"\xFF\xFE"sv, "UTF-16LE"},
+    {"\xFE\xFF"sv, "UTF-16BE"},     {"\x84\x31\x95\x33"sv, "GB18030"},
 };
 
 /// Markup without a mark.
