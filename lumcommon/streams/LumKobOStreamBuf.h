@@ -16,7 +16,8 @@ namespace LumCommon {
 ///
 /// Units gather in a block of 4096 bytes. A flush converts and hands over what has gathered; it does not flush the
 /// destination. A last unit that is a high surrogate or U+0000, and half a unit, wait for what follows; term() writes
-/// them as they are. A character that the charset lacks becomes "?", one of East Asian width U+3013 where that exists.
+/// them as they are. A character that the charset lacks becomes "?", one of East Asian width U+3013 where that exists;
+/// half of a surrogate pair becomes U+FFFD, or "?" where the charset lacks that.
 class LUM_API LumKobOStreamBuf : public std::streambuf {
 public:
     /// What line ends (CR LF, CR, LF) are written as.

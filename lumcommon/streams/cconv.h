@@ -85,7 +85,8 @@ struct CConvContext {
 LUM_API int cconvConvert(CConvContext& context) noexcept;
 
 /// Recognises the charset of the context's input, a sample of up to 2048 bytes that may end inside a character: by a
-/// byte order mark, by escape sequences, as valid UTF-8, by the zero bytes of UTF-16 markup, else by statistics.
+/// byte order mark, by escape sequences, as UTF-8, by the zero bytes of UTF-16 markup, else by statistics. Statistics
+/// need text: a few words can be taken for a neighbour charset.
 /// @return 1 when it was recognised: charsetName and hasMark are set. 0 otherwise, and both are cleared.
 LUM_API int cconvChkEncode(CConvContext& context) noexcept;
 

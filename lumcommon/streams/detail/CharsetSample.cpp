@@ -29,15 +29,15 @@ constexpr MarkRow markupRows[] = {
     {"\0<"sv, "UTF-16BE"},
 };
 
-/// The detector's names for charsets that the conversion knows under names of its own.
+/// What the detector's answers stand for: charsets that the conversion knows under names of its own, and charsets whose
+/// bytes 80 to 9F are control characters. Behind the sample these may turn out to be letters and quotation marks.
 struct NameRow {
     std::string_view detected;
     const char* name;
 };
 constexpr NameRow nameRows[] = {
-    {"Big5", "ChineseBIG5"},
-    {"EUC-KR", "KoreanKSC"},
-    {"Shift_JIS", "WINDOWS31J"},
+    {"Big5", "ChineseBIG5"},        {"EUC-KR", "KoreanKSC"},     {"ISO-8859-1", "windows-1252"},
+    {"ISO-8859-9", "windows-1254"}, {"Shift_JIS", "WINDOWS31J"},
 };
 
 struct DetectorCloser {
@@ -49,23 +49,38 @@ bool isAscii(std::string_view sample) {
     return std::ranges::all_of(sample, [](char c) { return c > 0 && c != escape && c != 0x7F; });
 }
 
-/// Whether the bytes are UTF-8 in its shortest form; the last character may be cut off.
+/// How many bytes of a character in UTF-8 stand at `start`: 0 for malformed ones, what there is when it is cut off.
+std::size_t countUtf8Character(std::string_view sample, std::size_t start) {
+    const auto lead = static_cast<unsigned char>(sample[start]);
+    if (lead < 0xC2 || lead > 0xF4) return 0;
+    const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    const std::string_view character = sample.substr(start, length);
+    for (std::size_t k = 1; k < character.size(); ++k) {
+        const auto trail = static_cast<unsigned char>(character[k]);
+        if ((trail & 0xC0) != 0x80) return 0;
+        if (k > 1) continue;
+        if ((lead == 0xE0 && trail < 0xA0) || (lead == 0xED && trail > 0x9F)) return 0;
+        if ((lead == 0xF0 && trail < 0x90) || (lead == 0xF4 && trail > 0x8F)) return 0;
+    }
+    return character.size();
+}
+
+/// Whether the sample holds characters of UTF-8 and hardly anything that is not UTF-8. A damaged file is still one.
 bool isUtf8(std::string_view sample) {
-    std::size_t i = 0;
-    while (i < sample.size()) {
-        const auto lead = static_cast<unsigned char>(sample[i++]);
-        if (lead < 0x80) continue;
-        if (lead < 0xC2 || lead > 0xF4) return false;
-        const int length = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-        for (int k = 0; k < length && i < sample.size(); ++k, ++i) {
-            const auto trail = static_cast<unsigned char>(sample[i]);
-            if ((trail & 0xC0) != 0x80) return false;
-            if (k > 0) continue;
-            if ((lead == 0xE0 && trail < 0xA0) || (lead == 0xED && trail > 0x9F)) return false;
-            if ((lead == 0xF0 && trail < 0x90) || (lead == 0xF4 && trail > 0x8F)) return false;
+    std::size_t wellFormed = 0;
+    std::size_t malformed = 0;
+    for (std::size_t i = 0; i < sample.size();) {
+        if (static_cast<unsigned char>(sample[i]) < 0x80) {
+            ++i;
+        } else if (const std::size_t length = countUtf8Character(sample, i)) {
+            ++wellFormed;
+            i += length;
+        } else {
+            ++malformed;
+            ++i;
         }
     }
-    return true;
+    return wellFormed > 10 * malformed;
 }
 
 /// The detector's answer to bytes that are neither ASCII nor UTF-8.
@@ -76,12 +91,17 @@ const char* guessByStatistics(std::string_view sample) {
     const std::unique_ptr<UCharsetDetector, DetectorCloser> detector(ucsdet_open(&status));
     ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &status);
     ucsdet_enableInputFilter(detector.get(), true);
-    const UCharsetMatch* const match = ucsdet_detect(detector.get(), &status);
-    if (U_FAILURE(status) || !match || ucsdet_getConfidence(match, &status) < leastConfidence) return nullptr;
-    const char* const name = ucsdet_getName(match, &status);
-    if (U_FAILURE(status)) return nullptr;
-    const auto* const row = std::ranges::find(nameRows, std::string_view(name), &NameRow::detected);
-    return row != std::end(nameRows) ? row->name : name;
+    std::int32_t count = 0;
+    const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &status);
+    for (std::int32_t i = 0; U_SUCCESS(status) && i < count; ++i) {
+        if (ucsdet_getConfidence(matches[i], &status) < leastConfidence) break;
+        const char* const name = ucsdet_getName(matches[i], &status);
+        // The detector takes overlong forms for UTF-8, which has been ruled out.
+        if (U_FAILURE(status) || std::string_view(name) == "UTF-8") continue;
+        const auto* const row = std::ranges::find(nameRows, std::string_view(name), &NameRow::detected);
+        return row != std::end(nameRows) ? row->name : name;
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -97,8 +117,7 @@ CharsetGuess guessCharset(std::string_view sample) noexcept {
         if (sample.starts_with(row.bytes)) return {row.name, false};
     }
     if (isAscii(sample)) return {"US-ASCII", false};
-    const bool hasHighBytes = std::ranges::any_of(sample, [](char c) { return c < 0; });
-    if (hasHighBytes && isUtf8(sample)) return {"UTF-8", false};
+    if (isUtf8(sample)) return {"UTF-8", false};
     return {guessByStatistics(sample), false};
 }
 
