@@ -182,7 +182,7 @@ public:
     }
     ~TempFile() { std::filesystem::remove(path_); }
     std::string getUri() const { return "file://" + path_.string(); }
-    std::string getFolderUri() const { return "file://" + path_.parent_path().string() + "/"; }
+    std::string getFolder() const { return path_.parent_path().string() + "/"; }
 
 private:
     std::filesystem::path path_;
@@ -193,7 +193,7 @@ TEST(LumXmlParserInput, opensAFileByItsUri) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     for (int round = 0; round < 2; ++round) {  // also again, in place of the first
         parser->setInput(fromUtf8(file.getUri()), UnicodeString(), UnicodeString());
-        EXPECT_EQ(utf8(parser->getBaseUri()), file.getFolderUri());
+        EXPECT_EQ(utf8(parser->getBaseUri()), file.getFolder());
         EXPECT_EQ(utf8(parser->getPositionDescription()), "START_DOCUMENT, '" + file.getUri() + "'.");
         parser->next();
         EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + file.getUri() + "', Line 1, Col 2.");
