@@ -45,8 +45,12 @@ void addAttributes(const LumXmlParser& parser, Digest& digest) {
         digest.add(parser.getAttributeNamespace(i).getString());
         const UnicodeString& value = parser.getAttributeValue(i);
         digest.add(value);
-        // Asked by name, an attribute that is there is not absent.
-        FUZZ_LAW(!parser.getAttributeValue(parser.getAttributeNamespace(i), parser.getAttributeName(i)).isBogus());
+        // Asked by its name and what its prefix stands for, an attribute that is there is not absent. The search is
+        // linear, so only the first few are asked for.
+        if (i < 64) {
+            const LumName scope = parser.getNamespace(parser.getAttributePrefix(i));
+            FUZZ_LAW(!parser.getAttributeValue(scope, parser.getAttributeName(i)).isBogus());
+        }
     }
 }
 
