@@ -99,8 +99,11 @@ inline std::string describe(const LumXmlParser& parser) {
             break;
         case LumXmlParser::PROCESSING_INSTRUCTION:
         case LumXmlParser::COMMENT:
-        case LumXmlParser::DOCDECL: shown += " " + escape(parser.getText()); break;
-        default: break;
+        case LumXmlParser::DOCDECL:
+            shown += " " + escape(parser.getText());
+            break;
+        default:
+            break;
     }
     return shown;
 }

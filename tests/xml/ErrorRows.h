@@ -21,9 +21,7 @@ struct ErrorRow {
 inline Setup define(const char* name, const char* text) {
     return {.features = {}, .encoding = {}, .baseUri = {}, .entities = {{name, text}}};
 }
-inline Setup turnOn(Feature feature) {
-    return {.features = {feature}, .encoding = {}, .baseUri = {}, .entities = {}};
-}
+inline Setup turnOn(Feature feature) { return {.features = {feature}, .encoding = {}, .baseUri = {}, .entities = {}}; }
 
 inline constexpr auto atStart = LumXmlParser::START_DOCUMENT;
 inline constexpr auto inTag = LumXmlParser::START_TAG;
@@ -83,7 +81,8 @@ inline const std::vector<ErrorRow> errorRows = {
     {0x180E, "<a/>A|B", "Unexpected text at top level of the document: U+0041 (A)", inText},
     {0x180E, "A|<a/>", "Unexpected text at top level of the document: U+0041 (A)", inText},
     {0x180E, "<a/>\n \xC3\xA9|", "Unexpected text at top level of the document: U+00E9 (\xC3\xA9)", inText},
-    {0x180E, "<a/>\xF0\x9F\x98\x80|", "Unexpected text at top level of the document: U+1F600 (\xF0\x9F\x98\x80)", inText},
+    {0x180E, "<a/>\xF0\x9F\x98\x80|", "Unexpected text at top level of the document: U+1F600 (\xF0\x9F\x98\x80)",
+     inText},
     {0x1810, "<a>x]]>|y</a>", "Unexpected ']]>'.", inText},
     {0x1810, "<a>]]]>|</a>", "Unexpected ']]>'.", inText},
     {0x1811, "<a><![CDATA[x]]|", "Unexpected end of input while looking for CDATA section terminator ']]>'.", inCData},
@@ -126,8 +125,8 @@ inline const std::vector<ErrorRow> errorRows = {
     {0x1823, "<?xml version='1.0' encoding?|><a/>", "Missing '=' after 'encoding' in XML declaration.", atStart},
     {0x1823, "<?xml version='1.0' standalone?|><a/>", "Missing '=' after 'standalone' in XML declaration.", atStart},
     {0x1824, "<?xml?|><a/>", "Missing whitespace after '<?xml' in XML declaration.", atStart},
-    {0x1825, "<?xml version='1.0'encoding=|'UTF-8'?><a/>",
-     "Missing whitespace before 'encoding=' in XML declaration.", atStart},
+    {0x1825, "<?xml version='1.0'encoding=|'UTF-8'?><a/>", "Missing whitespace before 'encoding=' in XML declaration.",
+     atStart},
     {0x1825, "<?xml version='1.0'standalone=|'yes'?><a/>",
      "Missing whitespace before 'standalone=' in XML declaration.", atStart},
     {0x1825, "<?xml version='1.0' encoding='UTF-8'standalone=|'yes'?><a/>",
@@ -159,8 +158,8 @@ inline const std::vector<ErrorRow> errorRows = {
     {0x1834, "<a>\xEF\xBF\xBF|x</a>", "Invalid character.", inTag},
     {0x1835, "<?xml version='1.0' encoding='no-such-charset'|?><a/>",
      "Unknown or unsupported encoding: no-such-charset.", atStart},
-    {0x1835, "<?xml version='1.0' encoding='Shift_JIS'|?><a/>", "Unknown or unsupported encoding: Shift_JIS.", atStart, 0,
-     turnOn(Feature::FEATURE_BUILTIN_ENCODINGS_ONLY)},
+    {0x1835, "<?xml version='1.0' encoding='Shift_JIS'|?><a/>", "Unknown or unsupported encoding: Shift_JIS.", atStart,
+     0, turnOn(Feature::FEATURE_BUILTIN_ENCODINGS_ONLY)},
     {0x1839, "\xEF\xBB\xBF<?xml version='1.0' encoding='ISO-8859-1'|?><a/>", "Conflict encoding: ISO-8859-1.", atStart,
      -1},
 };

@@ -130,8 +130,7 @@ TEST(LumXmlParserDecoding, joinsSequencesAcrossBlocks) {
     for (const std::size_t border : {4096, 16384, 65536}) {
         for (std::size_t inside = 0; inside <= tail.size(); ++inside) {
             const std::string filler(border - inside - 12, 'x');
-            EXPECT_EQ(readSection("<a><![CDATA[" + filler + tail + "]]></a>"),
-                      foldLineEnds(decodeUtf8(filler + tail)));
+            EXPECT_EQ(readSection("<a><![CDATA[" + filler + tail + "]]></a>"), foldLineEnds(decodeUtf8(filler + tail)));
         }
     }
 }
@@ -191,8 +190,12 @@ TEST(LumXmlParserDecoding, takesEveryUnitOfUtf16) {
 }
 
 TEST(LumXmlParserDecoding, endsAtHalfACharacter) {
-    const std::string cut[] = {"<a>\xC3", "<a>\xE3\x81", "<a>\xF0\x9F\x98", makeUtf16({0xD83D}, false).substr(0, 26),
-                               makeUtf16({'x'}, true).substr(0, 25), std::string("\0\0\0<\0\0\0a\0\0", 10),
+    const std::string cut[] = {"<a>\xC3",
+                               "<a>\xE3\x81",
+                               "<a>\xF0\x9F\x98",
+                               makeUtf16({0xD83D}, false).substr(0, 26),
+                               makeUtf16({'x'}, true).substr(0, 25),
+                               std::string("\0\0\0<\0\0\0a\0\0", 10),
                                std::string("\xFF\xFE\0\0<\0\0\0a\0\0\0>\0\0", 15)};
     for (const std::string& bytes : cut) {
         for (const std::size_t pieceBytes : {std::size_t{1}, wholeInput}) {

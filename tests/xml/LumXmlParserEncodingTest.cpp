@@ -141,9 +141,9 @@ TEST(LumXmlParserEncoding, isThatOfTheDeclarationOrTheCallerWhereTheBytesLeaveIt
 }
 
 constexpr DeclarationRow conflictRows[] = {
-    {"", "UTF-8", true, "", "ISO-8859-1", "", ""},   {"", "UTF-8", true, "", "UTF-16", "", ""},
-    {"", "UTF-16LE", true, "", "UTF-8", "", ""},     {"", "UTF-16LE", true, "", "UTF-16BE", "", ""},
-    {"", "UTF-16BE", true, "", "UCS-4", "", ""},     {"", "UTF-32LE", true, "", "UTF-16", "", ""},
+    {"", "UTF-8", true, "", "ISO-8859-1", "", ""},  {"", "UTF-8", true, "", "UTF-16", "", ""},
+    {"", "UTF-16LE", true, "", "UTF-8", "", ""},    {"", "UTF-16LE", true, "", "UTF-16BE", "", ""},
+    {"", "UTF-16BE", true, "", "UCS-4", "", ""},    {"", "UTF-32LE", true, "", "UTF-16", "", ""},
     {"", "UTF-32BE", true, "", "UTF-32LE", "", ""},
 };
 

@@ -53,8 +53,10 @@ TEST(LumXmlParserErrors, areTheSameWhereverABlockOfTheInputEnds) {
                 } catch (const LumError& error) {
                     ASSERT_EQ(error.code, row.code) << utf8(error.message);
                     ASSERT_TRUE(utf8(error.message).starts_with(std::string(row.message) + "\n"));
-                    ASSERT_NE(utf8(error.message).find(", Line " + std::to_string(readMarks(row.document).positions[0].line + 1) + ", "),
-                              std::string::npos)
+                    ASSERT_NE(
+                        utf8(error.message)
+                            .find(", Line " + std::to_string(readMarks(row.document).positions[0].line + 1) + ", "),
+                        std::string::npos)
                         << utf8(error.message);
                 }
             }
@@ -123,25 +125,43 @@ struct GoingOnRow {
     std::vector<std::string> events;
 };
 const GoingOnRow goingOnRows[] = {
-    {"a bad character behind / is read again, or the tag goes on", "<r><a/x>y</r>", {0x180C},
+    {"a bad character behind / is read again, or the tag goes on",
+     "<r><a/x>y</r>",
+     {0x180C},
      {"START_TAG 1 r", "START_TAG 2 a /", "END_TAG 2 a", "TEXT 1 \">y\"", "END_TAG 1 r"}},
-    {"an undefined entity leaves something in a value", "<a b='x&c;y'/>", {0x1E1E},
+    {"an undefined entity leaves something in a value",
+     "<a b='x&c;y'/>",
+     {0x1E1E},
      {"START_TAG 1 a b=\"xy\" /", "END_TAG 1 a"}},
-    {"an undefined entity leaves something in the text", "<a>x&c;y</a>", {0x1E1E},
+    {"an undefined entity leaves something in the text",
+     "<a>x&c;y</a>",
+     {0x1E1E},
      {"START_TAG 1 a", "TEXT 1 \"xy\"", "END_TAG 1 a"}},
     {"a duplicate is dropped", "<a b='1' b='2'/>", {0x1808}, {"START_TAG 1 a b=\"1\" b=\"2\" /", "END_TAG 1 a"}},
     {"an element without namespace is dropped", "<p:a/>", {0x1807}, {"START_TAG 1 p:a /", "END_TAG 1 p:a"}},
-    {"a second root is dropped", "<a/><b/>", {0x1802},
+    {"a second root is dropped",
+     "<a/><b/>",
+     {0x1802},
      {"START_TAG 1 a /", "END_TAG 1 a", "START_TAG 1 b /", "END_TAG 1 b"}},
-    {"text behind the root is told once, or dropped", "<a/>A B", {0x180E, 0x180E},
+    {"text behind the root is told once, or dropped",
+     "<a/>A B",
+     {0x180E, 0x180E},
      {"START_TAG 1 a /", "END_TAG 1 a", "TEXT 0 \"A B\""}},
-    {"an end tag of another name closes nothing", "<a><b></c></a>", {0x1806},
+    {"an end tag of another name closes nothing",
+     "<a><b></c></a>",
+     {0x1806},
      {"START_TAG 1 a", "START_TAG 2 b", "END_TAG 2 b", "END_TAG 1 a"}},
-    {"an end tag too many closes the document", "<a/></a><!-- -->", {0x1806},
+    {"an end tag too many closes the document",
+     "<a/></a><!-- -->",
+     {0x1806},
      {"START_TAG 1 a /", "END_TAG 1 a", "END_TAG 0 "}},
-    {"a wrong version ends the declaration", "<?xml version='2.0' standalone='maybe'?><a/>", {0x1826, 0x1827},
+    {"a wrong version ends the declaration",
+     "<?xml version='2.0' standalone='maybe'?><a/>",
+     {0x1826, 0x1827},
      {"START_TAG 1 a /", "END_TAG 1 a"}},
-    {"an unknown encoding stops the reading", "<?xml version='1.0' encoding='no-such-charset'?><a>x</a>", {0x1835},
+    {"an unknown encoding stops the reading",
+     "<?xml version='1.0' encoding='no-such-charset'?><a>x</a>",
+     {0x1835},
      {"START_TAG 1 a", "TEXT 1 \"x\"", "END_TAG 1 a"}},
 };
 

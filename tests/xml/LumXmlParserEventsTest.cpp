@@ -42,9 +42,14 @@ TEST(LumXmlParserEvents, areTheSameForEveryPieceSize) {
 
 // The bars of the rows are counted by the tests; these numbers are counted by hand.
 TEST(LumXmlParserEvents, tellTheFurthestCharacterReadAsPosition) {
-    EXPECT_EQ(recordEvents("<a b=\"1\">x\ny<b\n/><![CDATA[z]]></a>", Pull::tokens), std::vector<EventRecord>({
-        {"START_TAG 1 a b=\"1\"", {1, 8}}, {"TEXT 1 \"x\\u000Ay\"", {2, 2}}, {"START_TAG 2 b /", {3, 2}},
-        {"END_TAG 2 b", {3, 2}}, {"CDSECT 1 \"z\"", {3, 15}}, {"END_TAG 1 a", {3, 19}}, {"END_DOCUMENT 0", {3, 19}}}));
+    EXPECT_EQ(recordEvents("<a b=\"1\">x\ny<b\n/><![CDATA[z]]></a>", Pull::tokens),
+              std::vector<EventRecord>({{"START_TAG 1 a b=\"1\"", {1, 8}},
+                                        {"TEXT 1 \"x\\u000Ay\"", {2, 2}},
+                                        {"START_TAG 2 b /", {3, 2}},
+                                        {"END_TAG 2 b", {3, 2}},
+                                        {"CDSECT 1 \"z\"", {3, 15}},
+                                        {"END_TAG 1 a", {3, 19}},
+                                        {"END_DOCUMENT 0", {3, 19}}}));
 }
 
 /// Shifts the document behind a comment so that a block border of the input falls on each of its bytes.

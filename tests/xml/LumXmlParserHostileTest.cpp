@@ -101,7 +101,7 @@ TEST(LumXmlParserHostile, longConstructs) {
 
 double parseSeconds(const std::string& document) {
     double best = 1e9;
-    for (int run = 0; run < 3; ++run) {
+    for (int run = 0; run < 2; ++run) {
         PieceStream in(document);
         const auto begin = std::chrono::steady_clock::now();
         EXPECT_TRUE(countEvents(in).ended);
@@ -123,7 +123,7 @@ TEST(LumXmlParserHostile, aHundredThousandAttributes) {
         const double full = parseSeconds(makeTag(100000, prefix) + "/>");
         EXPECT_LT(full, 3.2 * half + 0.05);
         // The duplicate is still found, wherever the first one stands.
-        for (const char* again : {"a0", "a50000", "a99999"}) {
+        for (const char* again : {"a0", "a99999"}) {
             PieceStream in(makeTag(100000, prefix) + " " + prefix + again + "=''/>");
             const LumPtr<LumXmlParser> parser = openParser(in);
             try {
@@ -139,7 +139,7 @@ TEST(LumXmlParserHostile, aHundredThousandAttributes) {
 // Markup in a stream that is made on the way: what is handed out is counted against what has been asked for.
 TEST(LumXmlParserHostile, aLongStreamIsReadAsItIsAskedFor) {
     const std::string piece = repeat("<b>some text</b>", 4096);  // 64 KiB
-    constexpr int pieces = 1024;
+    constexpr int pieces = 256;
     int madePieces = 0;
     GeneratedBuffer buffer([&]() -> std::string {
         ++madePieces;

@@ -18,9 +18,9 @@ using namespace LumTest;
 constexpr const char* checkStream = "LumCommon::XmlParserImpl::checkStream";
 
 TEST(LumXmlParserInput, namesItsEventsAndItself) {
-    const char* names[] = {"START_DOCUMENT",         "END_DOCUMENT", "START_TAG",  "END_TAG",
-                           "TEXT",                   "CDSECT",       "ENTITY_REF", "IGNORABLE_WHITESPACE",
-                           "PROCESSING_INSTRUCTION", "COMMENT",      "DOCDECL"};
+    const char* names[] = {
+        "START_DOCUMENT",       "END_DOCUMENT",           "START_TAG", "END_TAG", "TEXT", "CDSECT", "ENTITY_REF",
+        "IGNORABLE_WHITESPACE", "PROCESSING_INSTRUCTION", "COMMENT",   "DOCDECL"};
     for (int i = 0; i < 11; ++i) EXPECT_EQ(utf8(LumXmlParser::getEventTypeStr(i)), names[i]);
     for (const int i : {-1, 11, 1000}) EXPECT_EQ(utf8(LumXmlParser::getEventTypeStr(i)), "");
     EXPECT_EQ(utf8(LumXmlUtil::createXmlParser()->getTypeName()), "XmlParserImpl");
@@ -101,8 +101,8 @@ TEST(LumXmlParserInput, saysNoToAccessorsOutOfPlace) {
         SCOPED_TRACE(utf8(LumXmlParser::getEventTypeStr(type)));
         EXPECT_EQ(parser->getEventType(), type);
         const bool isTag = type == LumXmlParser::START_TAG || type == LumXmlParser::END_TAG;
-        const bool isText = type == LumXmlParser::TEXT || type == LumXmlParser::CDSECT ||
-                            type == LumXmlParser::IGNORABLE_WHITESPACE;
+        const bool isText =
+            type == LumXmlParser::TEXT || type == LumXmlParser::CDSECT || type == LumXmlParser::IGNORABLE_WHITESPACE;
         EXPECT_EQ(parser->getName().isNull(), !isTag && type != LumXmlParser::ENTITY_REF);
         EXPECT_TRUE(parser->getPrefix().isNull());
         EXPECT_TRUE(parser->getNamespace().isNull());
@@ -123,7 +123,8 @@ TEST(LumXmlParserInput, saysNoToAccessorsOutOfPlace) {
                         [&] { parser->getAttributeValue(LumName(), name); });
         }
         for (const int index : {-1, 1, type == LumXmlParser::START_TAG ? 2 : 0, 0x7FFFFFFF}) {
-            expectError(0x804, noIndex, source + "getAttributeNamespace", [&] { parser->getAttributeNamespace(index); });
+            expectError(0x804, noIndex, source + "getAttributeNamespace",
+                        [&] { parser->getAttributeNamespace(index); });
             expectError(0x804, noIndex, source + "getAttributeName", [&] { parser->getAttributeName(index); });
             expectError(0x804, noIndex, source + "getAttributePrefix", [&] { parser->getAttributePrefix(index); });
             expectError(0x804, noIndex, source + "getAttributeValue", [&] { parser->getAttributeValue(index); });
@@ -135,10 +136,8 @@ TEST(LumXmlParserInput, saysNoToAccessorsOutOfPlace) {
 
 TEST(LumXmlParserInput, startsAnewWithEachInput) {
     PieceStream first("<?xml version='1.0' encoding='ISO-8859-1'?><p:a xmlns:p='u' b='1'><c>x");
-    const LumPtr<LumXmlParser> parser = openParser(first, {.features = {},
-                                                           .encoding = {},
-                                                           .baseUri = "http://host.example/first/",
-                                                           .entities = {{"e", "1"}}});
+    const LumPtr<LumXmlParser> parser = openParser(
+        first, {.features = {}, .encoding = {}, .baseUri = "http://host.example/first/", .entities = {{"e", "1"}}});
     for (int i = 0; i < 3; ++i) parser->next();
     EXPECT_EQ(parser->getDepth(), 2);
     EXPECT_EQ(utf8(parser->getBaseUri()), "http://host.example/first/");
@@ -193,7 +192,7 @@ TEST(LumXmlParserInput, opensAFileByItsUri) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     for (int round = 0; round < 2; ++round) {  // also again, in place of the first
         parser->setInput(fromUtf8(file.getUri()), UnicodeString(), UnicodeString());
-        EXPECT_EQ(utf8(parser->getBaseUri()), file.getFolder());
+        EXPECT_EQ(utf8(parser->getBaseUri()), file.getFolder()) << "the base is a local path";
         EXPECT_EQ(utf8(parser->getPositionDescription()), "START_DOCUMENT, '" + file.getUri() + "'.");
         parser->next();
         EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + file.getUri() + "', Line 1, Col 2.");

@@ -43,8 +43,7 @@ struct Story {
 std::string toBraces(const XML_Char* name) {
     const std::string text = name;
     const std::size_t separator = text.find('\x1F');
-    return separator == std::string::npos ? text
-                                          : "{" + text.substr(0, separator) + "}" + text.substr(separator + 1);
+    return separator == std::string::npos ? text : "{" + text.substr(0, separator) + "}" + text.substr(separator + 1);
 }
 
 Story tellByExpat(const std::string& document) {
@@ -81,8 +80,9 @@ Story tellByUs(const std::string& document, std::size_t pieceBytes) {
             std::vector<std::string> attributes;
             for (int i = 0; i < parser->getAttributeCount(); ++i) {
                 if (parser->getAttributeNamespace(i) == LumName(LumCommon::NAME_NS_XMLNS)) continue;
-                attributes.push_back(showName(LumName(), parser->getAttributeName(i), parser->getAttributeNamespace(i)) +
-                                     "=\"" + toUtf8(parser->getAttributeValue(i)) + "\"");
+                attributes.push_back(
+                    showName(LumName(), parser->getAttributeName(i), parser->getAttributeNamespace(i)) + "=\"" +
+                    toUtf8(parser->getAttributeValue(i)) + "\"");
             }
             story.start(name, attributes);
         }
@@ -111,19 +111,19 @@ private:
     std::size_t below(std::size_t limit) { return random_() % limit; }
     std::string pick(std::initializer_list<const char*> choices) { return choices.begin()[below(choices.size())]; }
 
-    void hidden() {
-        out_ += pick({"", " ", "\n", "<!---->", "<!-- < & - -> ]]> -->", "<?p q?>", "<?p ? < & ??\?>"});
-    }
+    void hidden() { out_ += pick({"", " ", "\n", "<!---->", "<!-- < & - -> ]]> -->", "<?p q?>", "<?p ? < & ??\?>"}); }
     void text(bool isValue) {
         for (std::size_t n = below(5); n > 0; --n) {
-            out_ += pick({"x", "words ", "\n", "\r\n", "\r", "\t", "&amp;", "&lt;", "&gt;", "&quot;", "&apos;", "&#9;",
-                          "&#10;", "&#13;", "&#x10FFFF;", "\xC3\xA9", "\xE3\x81\x82", "\xF0\x9F\x98\x80", "]", "]]"});
-            if (!isValue) out_ += pick({"", "", "", "<![CDATA[<&]]]>]]>", "<![CDATA[]]>", "<!-- - -->", "'\""});
+            out_ += pick({"x",     "words ", "\n",         "\r\n",     "\r",           "\t",
+                          "&amp;", "&lt;",   "&gt;",       "&quot;",   "&apos;",       "&#9;",
+                          "&#10;", "&#13;",  "&#x10FFFF;", "\xC3\xA9", "\xE3\x81\x82", "\xF0\x9F\x98\x80",
+                          "]",     "]]"});
+            if (!isValue) out_ += pick({"", "", "", "<![CDATA[<&]] ]>]]>", "<![CDATA[]]>", "<!-- - -->", "'\""});
         }
     }
     void element(int depth) {
         const std::string prefix = pick({"", "", "p:", "q:"});
-        const std::string name = prefix + pick({"a", "b", "long-name.1", "_\xC3\xA9", "\xF0\x90\x80\x80"});
+        const std::string name = prefix + pick({"a", "b", "long-name.1", "_\xC3\xA9"});
         out_ += "<" + name;
         // Both prefixes are always declared at the root and now and then again.
         if (depth == 0 || below(5) == 0) out_ += pick({" xmlns:p='u1'", "\n\txmlns:p=\"u2\""});
@@ -155,16 +155,13 @@ private:
 };
 
 TEST(LumXmlParserJudge, agreesAboutWellFormedDocuments) {
-    int compared = 0;
-    for (unsigned seed = 0; seed < 2000; ++seed) {
+    for (unsigned seed = 0; seed < 1000; ++seed) {
         const std::string document = Writer(seed).write();
         const Story expected = tellByExpat(document);
-        if (!expected.isWellFormed) continue;  // "]]>" may arise from its pieces, "?" before "?>"
-        ++compared;
+        ASSERT_TRUE(expected.isWellFormed) << document;
         const Story story = tellByUs(document, seed % 3 == 0 ? 1 : seed % 3 == 1 ? 7 : wholeInput);
         ASSERT_EQ(story.lines, expected.lines) << document;
     }
-    EXPECT_GT(compared, 1500);
 }
 
 }  // namespace

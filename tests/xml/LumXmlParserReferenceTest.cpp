@@ -22,33 +22,61 @@ struct ExpansionRow {
     std::vector<LumXmlParser::Feature> features = {};
 };
 const ExpansionRow expansionRows[] = {
-    {"markup in the replacement is text", "<a>x&e;y</a>", {{"e", "1<b c='2'/>3"}},
+    {"markup in the replacement is text",
+     "<a>x&e;y</a>",
+     {{"e", "1<b c='2'/>3"}},
      {"START_TAG 1 a", "TEXT 1 \"x1\"", "START_TAG 2 b c=\"2\" /", "END_TAG 2 b", "TEXT 1 \"3y\"", "END_TAG 1 a"}},
-    {"an element may not begin before a replacement that ends it", "<a><b>x&e;y</a>", {{"e", "1</b>2"}},
+    {"an element may not begin before a replacement that ends it",
+     "<a><b>x&e;y</a>",
+     {{"e", "1</b>2"}},
      {"START_TAG 1 a", "START_TAG 2 b", "TEXT 2 \"x1\"", "END_TAG 2 b", "TEXT 1 \"2y\"", "END_TAG 1 a"}},
-    {"a value may not begin in the replacement and end behind it", "<a>&e;2'/></a>", {{"e", "<b c='1"}},
+    {"a value may not begin in the replacement and end behind it",
+     "<a>&e;2'/></a>",
+     {{"e", "<b c='1"}},
      {"START_TAG 1 a", "START_TAG 2 b c=\"12\" /", "END_TAG 2 b", "END_TAG 1 a"}},
-    {"a comment or a section may not begin in the replacement and end behind it", "<a>&e;-->&f;x]]></a>",
-     {{"e", "<!--"}, {"f", "<![CDATA["}}, {"START_TAG 1 a", "TEXT 1 \"x\"", "END_TAG 1 a"}},
-    {"a reference may not begin in the replacement and end behind it", "<a>&e;x41;&f;t;</a>",
-     {{"e", "&#"}, {"f", "&l"}}, {"START_TAG 1 a", "TEXT 1 \"A<\"", "END_TAG 1 a"}},
-    {"brackets across the end of a replacement close a section", "<a>&e;></a>", {{"e", "]]"}},
+    {"a comment or a section may not begin in the replacement and end behind it",
+     "<a>&e;-->&f;x]]></a>",
+     {{"e", "<!--"}, {"f", "<![CDATA["}},
+     {"START_TAG 1 a", "TEXT 1 \"x\"", "END_TAG 1 a"}},
+    {"a reference may not begin in the replacement and end behind it",
+     "<a>&e;x41;&f;t;</a>",
+     {{"e", "&#"}, {"f", "&l"}},
+     {"START_TAG 1 a", "TEXT 1 \"A<\"", "END_TAG 1 a"}},
+    {"brackets across the end of a replacement close a section",
+     "<a>&e;></a>",
+     {{"e", "]]"}},
      {"START_TAG 1 a", "error Unexpected ']]>'.\nTEXT, Line 1, Col 6."}},
-    {"a replacement in a replacement ends the outer one", "<a>&e;</a>", {{"e", "1&f;3"}, {"f", "2&g;"}, {"g", ""}},
+    {"a replacement in a replacement ends the outer one",
+     "<a>&e;</a>",
+     {{"e", "1&f;3"}, {"f", "2&g;"}, {"g", ""}},
      {"START_TAG 1 a", "TEXT 1 \"123\"", "END_TAG 1 a"}},
-    {"line ends of a replacement are folded once more", "<a>&e;</a>", {{"e", "1\r\n2"}},
+    {"line ends of a replacement are folded once more",
+     "<a>&e;</a>",
+     {{"e", "1\r\n2"}},
      {"START_TAG 1 a", "TEXT 1 \"1\\u000D\\u000A2\"", "END_TAG 1 a"}},
-    {"a supplementary character is torn", "<a>&e;</a>", {{"e", "\xF0\x9F\x98\x80&#x1F600;"}},
+    {"a supplementary character is torn",
+     "<a>&e;</a>",
+     {{"e", "\xF0\x9F\x98\x80&#x1F600;"}},
      {"START_TAG 1 a", "TEXT 1 \"\\u1F600\\u1F600\"", "END_TAG 1 a"}},
-    {"a predefined entity cannot be redefined", "<a b='&lt;'>&lt;</a>", {{"lt", "L"}},
+    {"a predefined entity cannot be redefined",
+     "<a b='&lt;'>&lt;</a>",
+     {{"lt", "L"}},
      {"START_TAG 1 a b=\"L\"", "TEXT 1 \"L\"", "END_TAG 1 a"}},
-    {"the first definition stays", "<a>&e;</a>", {{"e", "1"}, {"e", "2"}},
+    {"the first definition stays",
+     "<a>&e;</a>",
+     {{"e", "1"}, {"e", "2"}},
      {"START_TAG 1 a", "TEXT 1 \"2\"", "END_TAG 1 a"}},
-    {"replacements in values are not read by the rules of values", "<a b='&e;&e;'/>", {{"e", "1\t&#9;\n&f;\""}, {"f", "'"}},
+    {"replacements in values are not read by the rules of values",
+     "<a b='&e;&e;'/>",
+     {{"e", "1\t&#9;\n&f;\""}, {"f", "'"}},
      {"START_TAG 1 a b=\"1 \\u0009 '\"1 \\u0009 '\"\" /", "END_TAG 1 a"}},
-    {"a reference in a value may not end behind its replacement", "<a b='&e;t;x'/>", {{"e", "&l"}},
+    {"a reference in a value may not end behind its replacement",
+     "<a b='&e;t;x'/>",
+     {{"e", "&l"}},
      {"START_TAG 1 a b=\"<x\" /", "END_TAG 1 a"}},
-    {"an undefined entity is refused against the feature", "<a b='x&u;y'>1&u;2<b>&u;</b></a>", {},
+    {"an undefined entity is refused against the feature",
+     "<a b='x&u;y'>1&u;2<b>&u;</b></a>",
+     {},
      {"START_TAG 1 a b=\"xy\"", "TEXT 1 \"12\"", "START_TAG 2 b", "END_TAG 2 b", "END_TAG 1 a"},
      {LumXmlParser::FEATURE_IGNORE_UNDEFINED_ENTITIES}},
 };
@@ -57,8 +85,8 @@ TEST(LumXmlParserReference, isReplacedByTextThatIsReadOn) {
     for (const ExpansionRow& row : expansionRows) {
         SCOPED_TRACE(row.fault);
         for (const std::size_t pieceBytes : {std::size_t{1}, std::size_t{3}, wholeInput}) {
-            std::vector<std::string> events = getDescriptions(
-                recordEvents(row.document, Pull::events, with(row.entities, row.features), pieceBytes));
+            std::vector<std::string> events =
+                getDescriptions(recordEvents(row.document, Pull::events, with(row.entities, row.features), pieceBytes));
             if (events.back() == "END_DOCUMENT 0") events.pop_back();
             EXPECT_EQ(events, row.events);
         }
@@ -67,10 +95,10 @@ TEST(LumXmlParserReference, isReplacedByTextThatIsReadOn) {
 
 TEST(LumXmlParserReference, isATokenWithTheValueOfItsEntity) {
     const std::string document = "<a>&e;&amp;&u;&#x26;</a>";
-    EXPECT_EQ(getDescriptions(recordEvents(document, Pull::tokens, with({{"e", "<b/>"}}))),
-              (std::vector<std::string>{"START_TAG 1 a", "ENTITY_REF 1 e \"<b/>\"", "ENTITY_REF 1 amp \"&#38;\"",
-                                        "ENTITY_REF 1 u bogus", "ENTITY_REF 1 #x26 \"&\"", "END_TAG 1 a",
-                                        "END_DOCUMENT 0"}));
+    EXPECT_EQ(
+        getDescriptions(recordEvents(document, Pull::tokens, with({{"e", "<b/>"}}))),
+        (std::vector<std::string>{"START_TAG 1 a", "ENTITY_REF 1 e \"<b/>\"", "ENTITY_REF 1 amp \"&#38;\"",
+                                  "ENTITY_REF 1 u bogus", "ENTITY_REF 1 #x26 \"&\"", "END_TAG 1 a", "END_DOCUMENT 0"}));
     EXPECT_EQ(getDescriptions(
                   recordEvents(document, Pull::tokens, with({}, {LumXmlParser::FEATURE_IGNORE_UNDEFINED_ENTITIES})))[3],
               "ENTITY_REF 1 u \"\"");
@@ -116,10 +144,16 @@ const EndlessRow endlessRows[] = {
     {"<a>&e;</a>", {{"e", "<b>&e;</b>"}}},
     {"<a b='&e;'/>", {{"e", "&e;"}}},
     {"<a b='&e;'/>", {{"e", "xxxxxxxxxxxxxxxx&f;"}, {"f", "&e;&e;"}}},
-    {"<a>&e;</a>", {{"e", "&f;&f;&f;&f;&f;&f;&f;&f;"}, {"f", "&g;&g;&g;&g;&g;&g;&g;&g;"},
-                    {"g", "&h;&h;&h;&h;&h;&h;&h;&h;"}, {"h", "&i;&i;&i;&i;&i;&i;&i;&i;"},
-                    {"i", "&j;&j;&j;&j;&j;&j;&j;&j;"}, {"j", "&k;&k;&k;&k;&k;&k;&k;&k;"},
-                    {"k", "&l;&l;&l;&l;&l;&l;&l;&l;"}, {"l", "&m;&m;&m;&m;&m;&m;&m;&m;"}, {"m", "xxxxxxxx"}}},
+    {"<a>&e;</a>",
+     {{"e", "&f;&f;&f;&f;&f;&f;&f;&f;"},
+      {"f", "&g;&g;&g;&g;&g;&g;&g;&g;"},
+      {"g", "&h;&h;&h;&h;&h;&h;&h;&h;"},
+      {"h", "&i;&i;&i;&i;&i;&i;&i;&i;"},
+      {"i", "&j;&j;&j;&j;&j;&j;&j;&j;"},
+      {"j", "&k;&k;&k;&k;&k;&k;&k;&k;"},
+      {"k", "&l;&l;&l;&l;&l;&l;&l;&l;"},
+      {"l", "&m;&m;&m;&m;&m;&m;&m;&m;"},
+      {"m", "xxxxxxxx"}}},
 };
 
 TEST(LumXmlParserReference, withoutEndIsStopped) {
