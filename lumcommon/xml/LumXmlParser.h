@@ -79,8 +79,8 @@ public:
     virtual void closeStream() = 0;
     /// The encoding as declared or recognised.
     virtual UnicodeString getInputEncoding() const = 0;
-    /// Defines a general entity, in place of an earlier definition. setInput() forgets it, except that one made before
-    /// a first setInput() stays when the predefined entities have been changed by it.
+    /// Defines a general entity, in place of an earlier definition: for the current document, or, while no input is
+    /// open (before setInput() and after END_DOCUMENT), for the next.
     virtual void defineEntityReplacementText(LumName name, const UnicodeString& text) = 0;
 
     /// The number of prefixes declared by the element at that depth (1 is the root).
@@ -118,7 +118,9 @@ public:
     virtual LumName getAttributeName(int index) const = 0;
     virtual LumName getAttributePrefix(int index) const = 0;
     virtual const UnicodeString& getAttributeValue(int index) const = 0;
-    /// The attribute of that name, bogus when absent. Only at a START_TAG; other events throw 0x804.
+    /// The first attribute of that local name whose prefix is bound to the namespace here, bogus when absent. An
+    /// attribute without a prefix so answers to the default namespace, and to the null namespace only where there is
+    /// none. Only at a START_TAG; other events throw 0x804.
     virtual const UnicodeString& getAttributeValue(LumName namespaceUri, LumName localName) const = 0;
 
     virtual EventType getEventType() const = 0;

@@ -208,8 +208,7 @@ const UnicodeString& XmlParserImpl::getAttributeValue(LumName namespaceUri, LumN
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         const Attribute& attribute = attributes_[i];
         if (attribute.localName != localName) continue;
-        // An attribute without prefix answers to the null namespace as well as to the default namespace in scope.
-        if (attribute.namespaceUri == namespaceUri || namespaces_->lookupNamespace(attribute.prefix) == namespaceUri) {
+        if (namespaces_->lookupNamespace(attribute.prefix) == namespaceUri) {
             return getAttributeValue(static_cast<int>(i));
         }
     }

@@ -49,8 +49,13 @@ char* appendReference(char* out, UChar32 c) {
     return out;
 }
 
-/// Writes an ASCII character that specialTable marks for the mode.
+/// Writes an ASCII character at which copying stopped: one that specialTable marks for the mode, or a control
+/// character, as the vectors stop at all of them but the line feed.
 char* appendSpecial(char* out, char16_t c, unsigned mode) {
+    if (!(specialTable[c] & (mode | DROPPED))) {
+        *out++ = static_cast<char>(c);
+        return out;
+    }
     switch (c) {
         case u'&':
             return append(out, "&amp;");
@@ -63,8 +68,8 @@ char* appendSpecial(char* out, char16_t c, unsigned mode) {
         default:
             break;
     }
-    const bool isDropped = c < 32 && !(mode & TEXT_ESCAPE_CONTROL);
-    return isDropped ? out : appendReference(out, c);
+    const bool isWritten = c >= 32 || (mode & TEXT_ESCAPE_CONTROL);
+    return isWritten ? appendReference(out, c) : out;
 }
 
 #if defined(__SSE2__)

@@ -1,5 +1,7 @@
 #include <lumcommon/xml/detail/XmlInput.h>
 
+#include <cxxabi.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -36,11 +38,18 @@ bool XmlInput::fillBytes() {
     std::streambuf* buffer = stream_->rdbuf();
     const std::size_t room = bytes_.size() - byteEnd_;
     std::streamsize count = 0;
-    if (buffer && !stream_->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
-        // A buffer that cannot tell what it holds has at least the byte just looked at.
-        const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
-        count = buffer->sgetn(reinterpret_cast<char*>(bytes_.data() + byteEnd_),
-                              std::min(available, static_cast<std::streamsize>(room)));
+    try {
+        if (buffer && !stream_->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
+            // A buffer that cannot tell what it holds has at least the byte just looked at.
+            const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
+            count = buffer->sgetn(reinterpret_cast<char*>(bytes_.data() + byteEnd_),
+                                  std::min(available, static_cast<std::streamsize>(room)));
+        }
+    } catch (const abi::__forced_unwind&) {
+        throw;  // the thread is being cancelled
+    } catch (...) {
+        // As with every extraction from a stream: what its buffer throws ends the input.
+        if (!(stream_->exceptions() & std::ios::badbit)) stream_->setstate(std::ios::badbit);
     }
     if (count <= 0) {
         isAtEnd_ = true;

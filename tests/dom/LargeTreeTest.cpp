@@ -1,0 +1,185 @@
+// Trees of a million nodes, deep or wide, in a thread whose stack holds nowhere near a million frames.
+
+#include <lumcommon/lumcommon.h>
+
+#include <gtest/gtest.h>
+
+#include <pthread.h>
+
+#include <functional>
+#include <sstream>
+#include <string>
+
+#include "dom/CountedDocument.h"
+#include "support/PieceStream.h"
+
+namespace LumTest {
+namespace {
+
+constexpr int million = 1000000;
+
+void runOnSmallStack(std::function<void()> work) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{256} << 10), 0);
+    pthread_t thread;
+    const auto start = [](void* argument) -> void* {
+        (*static_cast<std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+/// A document of `depth` elements inside each other.
+LumPtr<LumDocument> makeDeep(NodeCounter& counter, int depth) {
+    const LumPtr<CountedDocument> document(new CountedDocument(counter));
+    LumNode* node = document.get();
+    for (int i = 0; i < depth; ++i) {
+        node = node->appendChild(document->createElementNS(LumName(), LumName(), NAME_block).get());
+    }
+    node->appendChildText(u"x");
+    return document;
+}
+
+TEST(LargeTree, aDeepTreeIsLoadedWalkedCopiedSavedAndReleased) {
+    runOnSmallStack([] {
+        std::string bytes;
+        bytes.reserve(std::size_t{million} * 7);
+        for (int i = 0; i < million; ++i) bytes += "<a>";
+        bytes += "x";
+        for (int i = 0; i < million; ++i) bytes += "</a>";
+        std::istringstream in(bytes);
+        LumPtr<LumDocument> document(new LumDocument);
+        document->load(in);
+        LumElement* const root = document->getDocumentElement();
+        EXPECT_EQ(root->getDescendantNodes()->getCount(), million);
+        EXPECT_TRUE(root->getInnerText() == u"x");
+        const LumPtr<LumNode> copy = root->cloneNode(true);
+        EXPECT_EQ(document->saveXml(copy.get()).length(), static_cast<int>(bytes.size()));
+        LumTreeIterator walk(root, LumTreeIterator::LEAVE);
+        const LumNode* const deepest = walk.nextNode();
+        EXPECT_EQ(deepest->getNodeDepth(), million);
+        EXPECT_TRUE(deepest->lookupNamespaceUri(NAME_xml).isNull());
+        EXPECT_EQ(deepest->getSourceLineNumber(), 1);
+    });
+}
+
+TEST(LargeTree, releaseTakesNoStackWhereverItBegins) {
+    struct Case {
+        const char* fault;
+        std::function<void(LumPtr<LumDocument>&)> release;
+        int left;
+    };
+    LumPtr<LumNode> held;
+    const auto nodeAt = [](const LumPtr<LumDocument>& document, int depth) {
+        LumNode* node = document.get();
+        while (depth-- > 0) node = node->getFirstChild();
+        return node;
+    };
+    const int depth = million / 2;
+    const Case cases[] = {
+        {"from the document", [](LumPtr<LumDocument>& document) { document = nullptr; }, 0},
+        {"from an inner node that is removed",
+         [&](LumPtr<LumDocument>& document) { nodeAt(document, 9)->removeChild(nodeAt(document, 10)); }, 9},
+        {"from removeAllChildNodes", [](LumPtr<LumDocument>& document) { document->removeAllChildNodes(); }, 0},
+        {"from deleteAllChildNodes",
+         [&](LumPtr<LumDocument>& document) { EXPECT_EQ(document->deleteAllChildNodes(), depth + 1); }, 0},
+        {"past an inner node that is held",
+         [&](LumPtr<LumDocument>& document) {
+             held = LumPtr<LumNode>(nodeAt(document, depth - 10));
+             document = nullptr;
+         },
+         12},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        runOnSmallStack([&] {
+            NodeCounter counter;
+            LumPtr<LumDocument> document = makeDeep(counter, depth);
+            c.release(document);
+            EXPECT_EQ(counter.live, c.left);
+            if (held) {
+                EXPECT_EQ(held->getParentNode(), nullptr);
+                EXPECT_EQ(held->getFirstChild()->getParentNode(), held.get());
+            }
+            held = nullptr;
+            document = nullptr;
+            EXPECT_EQ(counter.live, 0);
+        });
+    }
+}
+
+/// Its destructor looks at its children and gives them up itself.
+class TidyElement : public ElementNS {
+public:
+    TidyElement(int& childrenSeen, LumDocument* owner)
+        : ElementNS(owner, LumName(), LumName(), NAME_block), childrenSeen_(childrenSeen) {}
+    ~TidyElement() override {
+        if (hasChildNodes()) ++childrenSeen_;
+        removeAllChildNodes();
+    }
+
+private:
+    int& childrenSeen_;
+};
+
+TEST(LargeTree, derivedDestructorsFindTheirChildrenAndMayReleaseThem) {
+    runOnSmallStack([] {
+        const LumPtr<LumDocument> document(new LumDocument);
+        int childrenSeen = 0;
+        LumNode* node = document.get();
+        for (int i = 0; i < million / 2; ++i) {
+            node = node->appendChild(LumPtr<LumNode>(new TidyElement(childrenSeen, document.get())).get());
+        }
+        document->removeAllChildNodes();
+        EXPECT_EQ(childrenSeen, million / 2 - 1);
+    });
+}
+
+TEST(LargeTree, aWideElementCostsNoMorePerChildThanANarrowOne) {
+    runOnSmallStack([] {
+        std::string bytes = "<a>";
+        for (int i = 0; i < million; ++i) bytes += "<b/>";
+        bytes += "</a>";
+        std::istringstream in(bytes);
+        const LumPtr<LumDocument> document(new LumDocument);
+        document->load(in);
+        LumNode* const root = document->getDocumentElement();
+        EXPECT_EQ(root->getChildNodeCount(), million);
+        EXPECT_EQ(document->saveXml(root).length(), static_cast<int>(bytes.size()));
+        LumNode* const first = root->getFirstChild();
+        LumNode* const last = root->getLastChild();
+        for (int i = 0; i < million / 10; ++i) root->insertBefore(last, first), root->appendChild(last);
+        EXPECT_EQ(last->getPreviousSibling()->getNextSibling(), last);
+        EXPECT_EQ(root->deleteAllChildNodes(), million);
+    });
+}
+
+TEST(LargeTree, aHundredThousandTextsAnswerWithoutAskingEachOther) {
+    runOnSmallStack([] {
+        const LumPtr<LumDocument> document(new LumDocument);
+        document->loadXml(u"<a/>");
+        LumNode* const root = document->getDocumentElement();
+        for (int i = 0; i < million / 10; ++i) root->appendChildText(u"t");
+        EXPECT_EQ(root->getLastChild()->getSourceLineNumber(), 1);
+    });
+}
+
+TEST(LargeTree, aHundredThousandAttributesAreSetInLinearTime) {
+    // A quadratic search takes minutes here.
+    constexpr int count = million / 10;
+    std::string bytes = "<a";
+    for (int i = 0; i < count; ++i) bytes += " n" + std::to_string(i) + "='v'";
+    std::istringstream in(bytes + "/>");
+    const LumPtr<LumDocument> document(new LumDocument);
+    document->load(in);
+    LumElement* const root = document->getDocumentElement();
+    EXPECT_EQ(root->getAttributes()->getCount(), count);
+    const LumPtr<LumNode> copy = root->cloneNode(false);
+    EXPECT_EQ(copy->getAttributes()->getCount(), count);
+}
+
+}  // namespace
+}  // namespace LumTest

@@ -1,0 +1,319 @@
+#include <lumcommon/lumcommon.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "dom/CountedDocument.h"
+#include "support/ExpectError.h"
+#include "support/PieceStream.h"
+#include "support/Utf8.h"
+
+namespace LumTest {
+namespace {
+
+std::string xmlOf(LumDocument& document) {
+    LumElement* const root = document.getDocumentElement();
+    return root ? utf8(document.saveXml(root)) : "none";
+}
+
+class LumDocumentLoadTest : public testing::Test {
+protected:
+    LumPtr<LumDocument> document{new LumDocument};
+};
+
+TEST_F(LumDocumentLoadTest, stringsOfEveryBeginningAreRead) {
+    struct Case {
+        const char* fault;
+        const char16_t* xml;
+        const char* tree;
+    };
+    const Case cases[] = {
+        {"the byte order is not recognised", u"<a>x<b/>y</a>", "<a>x<b/>y</a>"},
+        {"white space hides the byte order", u" \n<a/>", "<a/>"},
+        {"a line separator hides the byte order", u"\u2028<a/>", "<a/>"},
+        {"a byte order mark is taken for text", u"\uFEFF<a/>", "<a/>"},
+        {"a name whose low byte is 0 is misread", u"<\u4E00>x</\u4E00>", "<\xE4\xB8\x80>x</\xE4\xB8\x80>"},
+        {"a declared byte encoding is believed", u"<?xml version='1.0' encoding='UTF-8'?><a>\u00E9</a>",
+         "<a>\xC3\xA9</a>"},
+        {"a declared UTF-16 is a conflict", u"<?xml version='1.0' encoding='utf-16'?><a/>", "<a/>"},
+        {"surrogate pairs are torn", u"<a>\U0001D11E</a>", "<a>\xF0\x9D\x84\x9E</a>"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        document->loadXml(c.xml);
+        EXPECT_EQ(xmlOf(*document), c.tree);
+    }
+    expectError(0x1004, "Unexpected end of input stream.", "LumCommon::XmlParserImpl::checkStream",
+                [&] { document->loadXml(UnicodeString()); });
+}
+
+TEST_F(LumDocumentLoadTest, elementsAreMarkedCompleteAndPlaced) {
+    document->loadXml(u"<a>x<b/>\n<c\n>y</c></a>");
+    LumElement* const a = document->getDocumentElement();
+    LumNode* const b = a->getFirstChild()->getNextSibling();
+    EXPECT_EQ(b->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+    EXPECT_EQ(a->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+    EXPECT_EQ(document->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+    EXPECT_FALSE(b->hasChildNodes());
+    EXPECT_EQ(a->getLastChild()->getSourceLineNumber(), 3);
+    EXPECT_EQ(document->loadNextNode(), nullptr);
+    EXPECT_EQ(a->getFirstChild()->getRefCount(), 1);
+}
+
+TEST_F(LumDocumentLoadTest, uriAndTargetAreKeptApart) {
+    std::istringstream in("<n>t</n>");
+    document->loadXml(u"<r><old/></r>");
+    LumElement* const root = document->getDocumentElement();
+    document->load(UnicodeString(LUM_TEST_DATA "/fo/manpage.fo"), root);
+    EXPECT_EQ(utf8(document->getDocumentUri()), "") << "a part does not give the document its URI";
+    EXPECT_EQ(root->getChildNodeCount(), 1) << "old children stay";
+    document->load(UnicodeString(LUM_TEST_DATA "/fo/manpage.fo"));
+    EXPECT_EQ(utf8(document->getDocumentUri()), LUM_TEST_DATA "/fo/manpage.fo");
+    const LumPtr<LumDocumentFragment> fragment = document->createDocumentFragment();
+    document->load(in, fragment.get());
+    EXPECT_EQ(utf8(document->saveXml(fragment.get())), "<n>t</n>");
+    EXPECT_EQ(fragment->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+    EXPECT_NE(utf8(document->getDocumentUri()), "");
+    document->setParser(document->getParser());
+    EXPECT_EQ(utf8(document->getDocumentUri()), "") << "a new parser has read nothing yet";
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    std::istringstream rest("<a><b/><c/></a>");
+    parser->setInput(rest, UnicodeString(), UnicodeString());
+    document->setParser(parser.get());
+    document->load();
+    EXPECT_EQ(xmlOf(*document), "<a><b/><c/></a>");
+    expectError(0x1003, "Cannot open file: " LUM_TEST_DATA "/none.xml", "LumCommon::XmlParserImpl::setInput",
+                [&] { document->load(UnicodeString(LUM_TEST_DATA "/none.xml")); });
+}
+
+TEST_F(LumDocumentLoadTest, deferredLoadingReadsAsFarAsAsked) {
+    const UnicodeString xml(u"<r><a>x<b/></a><c/>y</r>");
+    document->setDeferredLoad(true);
+    document->loadXml(xml);
+    EXPECT_EQ(document->getParser()->getDepth(), 0) << "load reads ahead";
+    LumNode* const root = document->getFirstChild();
+    EXPECT_EQ(document->getParser()->getDepth(), 1) << "more than the root is read";
+    EXPECT_EQ(root->getFlags(), unsigned{LumNode::FLAG_LOADING});
+    LumNode* const a = root->getFirstChild();
+    EXPECT_TRUE(a->hasChildNodes());
+    EXPECT_EQ(utf8(a->getFirstChild()->getText()), "x");
+    EXPECT_EQ(document->getParser()->getEventType(), LumXmlParser::TEXT);
+    EXPECT_EQ(utf8(a->getLastChild()->getNodeName().getString()), "b");
+    EXPECT_EQ(a->getFlags(), unsigned{LumNode::FLAG_COMPLETE}) << "the last child shows only at the end tag";
+    EXPECT_EQ(utf8(a->getNextSibling()->getNextSibling()->getText()), "y");
+    EXPECT_EQ(root->getNextSibling(), nullptr);
+    EXPECT_EQ(document->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+    for (const bool isWalked : {false, true}) {
+        document->loadXml(xml);
+        if (isWalked) document->getLastChild();
+        EXPECT_EQ(xmlOf(*document), "<r><a>x<b/></a><c/>y</r>");
+    }
+}
+
+TEST_F(LumDocumentLoadTest, abortKeepsTheTreeAsItIs) {
+    document->setDeferredLoad(true);
+    document->loadXml(u"<r><a/><b/><c/></r>");
+    document->getDocumentElement()->getFirstChild()->getNextSibling();
+    document->abort();
+    EXPECT_EQ(document->loadNextNode(), nullptr);
+    EXPECT_EQ(xmlOf(*document), "<r><a/><b/></r>");
+}
+
+TEST_F(LumDocumentLoadTest, whatHangsAtTheReadingPlaceCanBeTakenOut) {
+    document->setDeferredLoad(true);
+    const UnicodeString xml(u"<r>x<a><b>y</b></a><c/></r>");
+    document->loadXml(xml);
+    LumElement* root = document->getDocumentElement();
+    root->getFirstChild();
+    EXPECT_EQ(root->deleteAllChildNodes(), 1);
+    EXPECT_EQ(xmlOf(*document), "<r><a><b>y</b></a><c/></r>") << "taking out a text stops the loading";
+    document->loadXml(xml);
+    root = document->getDocumentElement();
+    root->getFirstChild()->getNextSibling()->getFirstChild()->getFirstChild();  // reads up to y
+    EXPECT_EQ(root->deleteAllChildNodes(), 4);
+    EXPECT_EQ(xmlOf(*document), "<r/>") << "the open element that was taken out ends the loading";
+    document->loadXml(xml);
+    document->getDocumentElement()->getFirstChild()->getNextSibling();
+    const LumPtr<LumNode> held(document->getDocumentElement());
+    document = nullptr;
+    EXPECT_EQ(held->getLastChild()->getLastChild(), nullptr) << "a node asks its dead document for more";
+}
+
+TEST_F(LumDocumentLoadTest, errorsLeaveWhatWasBuilt) {
+    struct Case {
+        const char* fault;
+        const char* xml;
+        unsigned code;
+        const char* tree;
+    };
+    const Case cases[] = {
+        {"an end tag that does not match", "<r><a>x</a><b></c></r>", 0x1806, "<r><a>x</a><b/></r>"},
+        {"input that ends early", "<r><a>x<b>", 0x1801, "<r><a>x<b/></a></r>"},
+        {"an attribute error half way through a tag", "<r><a/><b c='1' c='2'/></r>", 0x1808, "<r><a/></r>"},
+        {"text behind the root", "<r/>x", 0x180E, "<r/>"},
+    };
+    for (const bool isDeferred : {false, true}) {
+        for (const Case& c : cases) {
+            SCOPED_TRACE(c.fault);
+            document->setDeferredLoad(isDeferred);
+            auto in = std::make_unique<PieceStream>(c.xml, 1);
+            try {
+                document->load(*in);
+                LumTreeIterator walk(document.get(), LumTreeIterator::ENTER);
+                while (walk.nextNode()) {
+                }
+                ADD_FAILURE() << "nothing thrown";
+            } catch (const LumError& error) {
+                EXPECT_EQ(error.code, c.code);
+            }
+            in = nullptr;  // whoever reads on after the error reads freed memory
+            EXPECT_EQ(xmlOf(*document), c.tree);
+            EXPECT_EQ(document->loadNextNode(), nullptr);
+        }
+    }
+    document->loadXml(u"<ok/>");
+    EXPECT_EQ(xmlOf(*document), "<ok/>");
+}
+
+TEST_F(LumDocumentLoadTest, anErrorBeforeReadingEndsTheOlderLoad) {
+    document->setDeferredLoad(true);
+    document->loadXml(u"<r><a/><b/></r>");
+    document->getDocumentElement();
+    EXPECT_THROW(document->load(UnicodeString(u"/no/such/file")), LumError);
+    EXPECT_EQ(xmlOf(*document), "<r/>");
+}
+
+TEST(LumDocumentDerived, nullDropsElementsAndTexts) {
+    NodeCounter counter;
+    const LumPtr<CountedDocument> document(new CountedDocument(counter));
+    document->dropped = u"b";
+    struct Case {
+        const char* fault;
+        const char16_t* xml;
+        const char* tree;
+    };
+    const Case cases[] = {
+        {"the subtree is not passed over", u"<a><b><c/>x</b><d/></a>", "<a><d/></a>"},
+        {"the same name inside ends the passing over", u"<a><b><b/><c/></b><d/></a>", "<a><d/></a>"},
+        {"the end tag of an empty element closes its parent", u"<a><b/><b/><d><b/></d>x</a>", "<a><d/>x</a>"},
+        {"a dropped root leaves loading open", u"<b><c/></b>", "none"},
+        {"the last child", u"<a><d/><b>x</b></a>", "<a><d/></a>"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        for (const bool isDeferred : {false, true}) {
+            const UnicodeString xml(c.xml);
+            document->setDeferredLoad(isDeferred);
+            document->loadXml(xml);
+            EXPECT_EQ(xmlOf(*document), c.tree);
+            document->getLastChild();
+            EXPECT_EQ(document->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+        }
+    }
+    document->dropsText = true;
+    document->setDeferredLoad(false);
+    document->loadXml(u"<a>x<d>y</d>z</a>");
+    EXPECT_EQ(xmlOf(*document), "<a><d/></a>");
+    EXPECT_EQ(document->getDocumentElement()->appendChildText(u"t"), nullptr);
+    document->dropped = u"d";
+    EXPECT_EQ(utf8(document->saveXml(document->getDocumentElement()->cloneNode(true).get())), "<a/>")
+        << "a copy leaves out what the document does not make";
+}
+
+/// An element with hooks: the test says what they do.
+struct Hooks {
+    std::function<LumNode*(LumNode* parent, LumNode* child)> append;
+    std::function<void(LumNode* element)> finish;
+};
+
+class HookedElement : public ElementNS {
+public:
+    HookedElement(Hooks& hooks, LumDocument* owner, LumName ns, LumName prefix, LumName local)
+        : ElementNS(owner, ns, prefix, local), hooks_(hooks) {}
+    LumNode* appendChildEx(LumNode* child) override {
+        return hooks_.append ? hooks_.append(this, child) : ElementNS::appendChildEx(child);
+    }
+    void finishAttributes() override {
+        if (hooks_.finish) hooks_.finish(this);
+    }
+
+private:
+    Hooks& hooks_;
+};
+
+class HookedDocument : public LumDocument {
+public:
+    using LumDocument::createElementNS;
+    LumPtr<LumElement> createElementNS(LumName ns, LumName prefix, LumName local) override {
+        return LumPtr<LumElement>(new HookedElement(hooks, this, ns, prefix, local));
+    }
+    Hooks hooks;
+};
+
+TEST(LumDocumentDerived, hooksDecideWhereLoadingGoesOn) {
+    const LumPtr<HookedDocument> document(new HookedDocument);
+    // Each child of r gets a wrapper around it. The end tag of the child closes both.
+    document->hooks.append = [&](LumNode* parent, LumNode* child) {
+        if (parent != document->getDocumentElement()) return parent->appendChild(child);
+        const LumPtr<LumElement> wrapper = document->createElement(LumName(u"w"));
+        wrapper->setFlags(LumNode::FLAG_STEP_OVER);
+        parent->appendChild(wrapper.get());
+        return wrapper->appendChild(child);
+    };
+    document->loadXml(u"<r><a>x</a><b><c/></b>y</r>");
+    EXPECT_EQ(xmlOf(*document), "<r><w><a>x</a></w><w><b><c/></b></w>y</r>");
+}
+
+TEST(LumDocumentDerived, hooksSeeAttributesAndMayAskForMoreOrStop) {
+    const LumPtr<HookedDocument> document(new HookedDocument);
+    std::string seen;
+    document->hooks.finish = [&](LumNode* element) {
+        seen += utf8(element->getLocalName().getString()) + std::to_string(element->getAttributes()->getCount());
+        // All three would read on in the middle of a start tag.
+        EXPECT_EQ(element->getFirstChild(), nullptr);
+        EXPECT_EQ(element->getParentNode(), nullptr);
+        document->getLastChild();
+    };
+    document->loadXml(u"<r x='1' y='2'><a z='3'>t</a><b/></r>");
+    EXPECT_EQ(xmlOf(*document), "<r x=\"1\" y=\"2\"><a z=\"3\">t</a><b/></r>");
+    EXPECT_EQ(seen, "r2a1b0");
+    document->hooks.finish = [&](LumNode* element) {
+        if (element->getLocalName().getString() == u"a") document->abort();
+    };
+    document->loadXml(u"<r><a>t</a><b/></r>");
+    EXPECT_EQ(xmlOf(*document), "<r><a/></r>") << "reading goes on after an abort inside a hook";
+    document->hooks.finish = [](LumNode*) { throw std::runtime_error("stop"); };
+    EXPECT_THROW(document->loadXml(u"<r/>"), std::runtime_error);
+    document->hooks.finish = nullptr;
+    document->loadXml(u"<r/>");
+    EXPECT_EQ(xmlOf(*document), "<r/>") << "after a hook has thrown, nothing loads any more";
+}
+
+TEST(LumDocumentThreads, loadNextNodeGivesEachNodeToOneThread) {
+    constexpr int childCount = 3000;
+    UnicodeString xml(u"<r>");
+    for (int i = 0; i < childCount; ++i) xml.append(u"<a b='c'/>");
+    xml.append(u"</r>");
+    const LumPtr<LumDocument> document(new LumDocument);
+    document->setDeferredLoad(true);
+    document->loadXml(xml);
+    std::atomic<int> nodes = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            while (document->loadNextNode()) ++nodes;
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(nodes, childCount + 1);
+    EXPECT_EQ(document->getDocumentElement()->getChildNodeCount(), childCount);
+}
+
+}  // namespace
+}  // namespace LumTest
