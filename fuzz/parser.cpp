@@ -45,8 +45,11 @@ void addAttributes(const LumXmlParser& parser, Digest& digest) {
         digest.add(parser.getAttributeNamespace(i).getString());
         const UnicodeString& value = parser.getAttributeValue(i);
         digest.add(value);
-        // Asked by name, an attribute that is there is not absent.
-        FUZZ_LAW(!parser.getAttributeValue(parser.getAttributeNamespace(i), parser.getAttributeName(i)).isBogus());
+        // Asked by name, an attribute that is there is not absent. Without a prefix it goes by the default namespace.
+        const LumName prefix = parser.getAttributePrefix(i);
+        const LumName uri = prefix.isNull() ? parser.getNamespace(LumName()) : parser.getAttributeNamespace(i);
+        if (!prefix.isNull() && parser.getNamespace(prefix) != uri) continue;
+        FUZZ_LAW(!parser.getAttributeValue(uri, parser.getAttributeName(i)).isBogus());
     }
 }
 

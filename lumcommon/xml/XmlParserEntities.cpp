@@ -1,5 +1,7 @@
 #include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/xml/XmlParserImpl.h>
+#include <lumcommon/xml/detail/MathMLEntities.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
 #include <string_view>
@@ -20,6 +22,8 @@ int digitValue(std::int32_t c, bool isHexadecimal) {
     return -1;
 }
 
+std::u16string_view findMathML(const UnicodeString& name) { return detail::findMathMLEntity(detail::viewOf(name)); }
+
 constexpr bool isXmlChar(std::int32_t c) {
     return c == 0x09 || c == 0x0A || c == 0x0D || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
            (c >= 0x10000 && c <= 0x10FFFF);
@@ -27,8 +31,9 @@ constexpr bool isXmlChar(std::int32_t c) {
 
 }  // namespace
 
-bool XmlParserImpl::isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name) {
-    return internal.contains(name) || external.contains(name);
+bool XmlParserImpl::isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name) const {
+    if (internal.contains(name) || external.contains(name)) return true;
+    return &internal == &generalEntities_ && hasMathMLEntities_ && findMathML(name.getString()).data();
 }
 
 UnicodeString XmlParserImpl::lookupEntityValue(LumName name, bool isParameter) const {
@@ -36,6 +41,9 @@ UnicodeString XmlParserImpl::lookupEntityValue(LumName name, bool isParameter) c
     if (const auto found = internal.find(name); found != internal.end()) return found->second;
     const EntityMap& external = isParameter ? parameterExternals_ : generalExternals_;
     if (const auto found = external.find(name); found != external.end()) return found->second;
+    if (!isParameter && hasMathMLEntities_) {
+        if (const std::u16string_view text = findMathML(name.getString()); text.data()) return detail::textOf(text);
+    }
     if (features_[FEATURE_IGNORE_UNDEFINED_ENTITIES]) return UnicodeString();
     return LumBogusString::BOGUS_VALUE;
 }
@@ -118,7 +126,8 @@ void XmlParserImpl::expandEntityInContent(LumName name) {
     }
 }
 
-UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString&) { return UnicodeString(); }
-void XmlParserImpl::addMathMLEntityMap() {}
+UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString& name) { return detail::textOf(findMathML(name)); }
+
+void XmlParserImpl::addMathMLEntityMap() { hasMathMLEntities_ = true; }
 
 }  // namespace LumCommon

@@ -208,7 +208,7 @@ private:
     void expandEntityInContent(LumName name);
     /// The character of a reference to a predefined entity that lies in the window; 0, and nothing read, otherwise.
     char16_t readPredefinedReference();
-    static bool isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name);
+    bool isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name) const;
 
     // The document type declaration (XmlParserDtd.cpp); what is read goes into text_ as it stands
     struct ExternalId {
@@ -236,8 +236,8 @@ private:
     void addExternalDtd(const UnicodeString& systemId);
     static std::shared_ptr<const detail::ExternalDtd> readExternalDtd(const LumUri& resource,
                                                                       const UnicodeString& baseUri);
-    static void addDefinitions(const std::vector<std::pair<UnicodeString, UnicodeString>>& from, EntityMap& to,
-                               const EntityMap& internal, const EntityMap& external);
+    void addDefinitions(const std::vector<std::pair<UnicodeString, UnicodeString>>& from, EntityMap& to,
+                        const EntityMap& internal, const EntityMap& external);
 
     // Errors
     void throwError(std::uint16_t code, const UnicodeString& a = UnicodeString(),
@@ -272,6 +272,7 @@ private:
     LumName entityName_;
     std::int32_t entityChar_ = 0;      // of a character reference
     bool isPredefinedIntact_ = false;  // the predefined entities mean what XML says
+    bool hasMathMLEntities_ = false;   // those of MathML stand behind the document's own
     EntityMap generalEntities_;
     EntityMap parameterEntities_;
     EntityMap generalExternals_;

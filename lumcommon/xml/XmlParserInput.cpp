@@ -136,6 +136,7 @@ void XmlParserImpl::reset() {
     openEntities_.clear();
     expandedUnits_ = closedBytes_ = 0;
     loadPredefinedEntities();
+    hasMathMLEntities_ = false;
     parameterEntities_.clear();
     generalExternals_.clear();
     parameterExternals_.clear();
