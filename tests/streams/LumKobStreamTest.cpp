@@ -20,7 +20,12 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 using LumTest::PieceStream;
 
-std::string readAll(std::istream& in) { return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}; }
+std::string readAll(std::istream& in) {
+    std::string all;
+    char block[1000];
+    while (in.read(block, sizeof block), in.gcount() > 0) all.append(block, static_cast<std::size_t>(in.gcount()));
+    return all;
+}
 
 std::u16string decode(std::string_view bytes, const char* encoding, std::size_t pieceBytes = LumTest::wholeInput) {
     PieceStream source(bytes, pieceBytes);
