@@ -56,7 +56,7 @@ void addAttributes(const LumXmlParser& parser, Digest& digest) {
     }
 }
 
-void addEvent(const LumXmlParser& parser, bool touchOnlyTags, Digest& digest) {
+void addEvent(const LumXmlParser& parser, const Setting& setting, Digest& digest) {
     const int event = parser.getEventType();
     digest.add(static_cast<std::uint64_t>(event));
     digest.add(static_cast<std::uint64_t>(parser.getDepth()));
@@ -66,13 +66,13 @@ void addEvent(const LumXmlParser& parser, bool touchOnlyTags, Digest& digest) {
         digest.add(parser.getPrefix().getString());
         digest.add(parser.getName().getString());
         digest.add(parser.getNamespace().getString());
-        FUZZ_LAW(parser.getDepth() > 0);
+        FUZZ_LAW(parser.getDepth() > 0 || setting.goOnAfterErrors);
         digest.add(static_cast<std::uint64_t>(parser.getNamespaceCount(parser.getDepth())));
     }
     if (event == LumXmlParser::START_TAG) {
         digest.add(parser.isEmptyElementTag());
         addAttributes(parser, digest);
-    } else if (!touchOnlyTags) {
+    } else if (!setting.touchOnlyTags) {
         digest.add(parser.getText());
     }
     if (event == LumXmlParser::TEXT || event == LumXmlParser::CDSECT) digest.add(parser.isWhitespace());
@@ -124,7 +124,7 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
                 FUZZ_LAW(setting.goOnAfterErrors || parser->getDepth() == depth);
             }
             if (event == LumXmlParser::END_TAG) --depth;
-            addEvent(*parser, setting.touchOnlyTags, digest);
+            addEvent(*parser, setting, digest);
         } while (event != LumXmlParser::END_DOCUMENT);
         FUZZ_LAW(setting.goOnAfterErrors || depth == 0);
     } catch (const LumError& error) {
