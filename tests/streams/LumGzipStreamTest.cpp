@@ -142,6 +142,14 @@ TEST(LumGzipStreamBuf, readsNoFurtherThanItIsAsked) {
     LumGzipStreamBuf buffer(source);
     EXPECT_EQ(buffer.sgetc(), 0);
     EXPECT_LE(source.getBuffer().getDeliveredBytes(), 8192u);
+
+    PieceStream behind(deflated("abc", Wrapper::GZIP) + std::string(20000, 'x'), 512);
+    LumGzipStreamBuf member(behind);
+    EXPECT_EQ(readAll(member), "abc");
+    const std::size_t deliveredBytes = behind.getBuffer().getDeliveredBytes();
+    EXPECT_LE(deliveredBytes, 8192u);
+    EXPECT_EQ(member.sgetc(), EOF);
+    EXPECT_EQ(behind.getBuffer().getDeliveredBytes(), deliveredBytes) << "what follows the member is read as well";
 }
 
 TEST(LumGzipStreamBuf, readsOneMemberOfAStreamAndAllOfAFile) {
