@@ -46,16 +46,6 @@ std::streamoff tellPosition(std::istream& in) noexcept {
     }
 }
 
-}  // namespace detail
-
-namespace {
-
-/// The widths of the records, behind the signature.
-constexpr std::size_t extheaderBytes = 12;
-constexpr std::size_t directoryBytes = 2 + detail::zipMemberFieldsBytes + 14;
-constexpr std::size_t endDirectoryBytes = 18;
-
-/// Moves back to where the four bytes of a signature began. Having met the end on the way is forgotten.
 void rewindTo(std::istream& in, std::streamoff position) noexcept {
     try {
         if (in.bad()) return;
@@ -65,6 +55,15 @@ void rewindTo(std::istream& in, std::streamoff position) noexcept {
         // The stream does not go back although it told its position; it is left in the state that it gave itself.
     }
 }
+
+}  // namespace detail
+
+namespace {
+
+/// The widths of the records, behind the signature.
+constexpr std::size_t extheaderBytes = 12;
+constexpr std::size_t directoryBytes = 2 + detail::zipMemberFieldsBytes + 14;
+constexpr std::size_t endDirectoryBytes = 18;
 
 }  // namespace
 
@@ -77,7 +76,7 @@ std::uint32_t LumZipEntry::getSignature(std::istream& s) {
     const std::streamoff position = detail::tellPosition(s);
     if (position < 0) return 0;
     const std::uint32_t signature = detail::HeaderReader<4>(s)->take32();
-    rewindTo(s, position);
+    detail::rewindTo(s, position);
     return signature;
 }
 

@@ -1,5 +1,5 @@
 #include <lumcommon/containers/LumZipFile.h>
-#include <lumcommon/containers/detail/ZipFields.h>
+#include <lumcommon/containers/detail/DescriptorSearch.h>
 
 #include <fstream>
 #include <memory>
@@ -59,12 +59,17 @@ void LumZipFile::close() noexcept {
 
 void LumZipFile::init() {
     if (!stream_) return;
+    bool areDescriptorsFound = true;
     for (;;) {
         switch (LumZipEntry::getSignature(*stream_)) {
             case LumZipEntry::SIGNATURE_FILE: {
                 LumPtr<LumZipFileEntry> entry(new LumZipFileEntry(*stream_));
                 LumZipFileEntry* const added = entries_.emplace_back(std::move(entry)).get();
                 byName_.try_emplace(added->getFileName(), added);
+                // A search that fails has read to the end. One for each header would make hostile headers quadratic.
+                if (areDescriptorsFound && added->leavesSizesToDescriptor()) {
+                    areDescriptorsFound = detail::findDescriptor(*stream_, added->fields_);
+                }
                 break;
             }
             case LumZipEntry::SIGNATURE_EXTHEADER: {

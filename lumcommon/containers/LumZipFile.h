@@ -12,9 +12,11 @@ namespace LumCommon {
 /// Reads a zip archive from a file or from any stream that can seek.
 ///
 /// Opening walks the local headers from the stream's position, one after another, and stops at the first record that is
-/// neither a local header nor a data descriptor; the central directory is not read. A member whose sizes stand only in
-/// a data descriptor behind it (bit 3 of its flags) therefore ends the list, empty, and so does one that claims more
-/// bytes than there are, as the 0xFFFFFFFF of a zip64 header does.
+/// neither a local header nor a data descriptor; the central directory is not read. Programs that write an archive in
+/// one go leave the sizes of a member at 0 and put them into a data descriptor behind its data (bit 3 of its flags).
+/// That is looked for: it is the first one whose place agrees with the compressed size that it states. Where there is
+/// none, or it lacks the signature that most programs give it, the member is empty and mostly the last of the list. So
+/// is one that claims more bytes than there are, as the 0xFFFFFFFF of a zip64 header does.
 ///
 ///     LumZipFile zip("book.zip");
 ///     LumZipFileEntry* entry = zip.getFileEntry(u"chapters/one.xml");
@@ -28,7 +30,7 @@ public:
     LumZipFile();
     /// @param path  a local path in the platform's charset; null for none.
     explicit LumZipFile(const char* path);
-    /// @param s    null for no archive.
+    /// @param s    null for no archive; not a stream of one of this archive's own entries.
     /// @param own  true: the archive deletes `s` with itself or when another is opened. false: `s` must outlive the
     ///             archive and every entry whose data are not read yet.
     LumZipFile(std::istream* s, bool own);
@@ -37,7 +39,8 @@ public:
     ~LumZipFile();
 
     /// Drops the archive that was open, its stream included when owned, and reads another; the arguments are those of
-    /// the constructors. Cost: O(number of members), plus the names; the data are skipped.
+    /// the constructors. Cost: O(number of members), plus the names; the data are skipped, but for
+    /// those in front of a data descriptor that has to be looked for.
     void open(const char* path);
     void open(std::istream* s, bool own);
 

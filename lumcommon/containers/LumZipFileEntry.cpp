@@ -46,6 +46,11 @@ LumZipFileEntry::LumZipFileEntry(std::istream& s) : LumZipEntry(s) {
 
 LumZipFileEntry::~LumZipFileEntry() = default;
 
+bool LumZipFileEntry::leavesSizesToDescriptor() const noexcept {
+    constexpr unsigned descriptorFollows = 1u << 3;
+    return (fields_.flags & descriptorFollows) != 0 && fields_.compressedSize == 0;
+}
+
 bool LumZipFileEntry::seekData() {
     const std::streamoff offset = dataOffset(fields_);
     if (!stream_ || position_ < 0 || position_ > std::numeric_limits<std::streamoff>::max() - offset) return false;
@@ -58,11 +63,15 @@ bool LumZipFileEntry::seekData() {
     }
 }
 
+void LumZipFileEntry::loadData() {
+    if (hasReadData_) return;
+    if (seekData()) data_ = readClaimed(*stream_, fields_.compressedSize);
+    hasReadData_ = true;
+}
+
 std::span<const char> LumZipFileEntry::readCompressedData() {
-    if (hasReadData_) return data_;
     try {
-        if (seekData()) data_ = readClaimed(*stream_, fields_.compressedSize);
-        hasReadData_ = true;
+        loadData();
     } catch (const std::exception&) {
         // Memory is wanting: nothing was kept, and the next call tries again.
     }
@@ -71,9 +80,9 @@ std::span<const char> LumZipFileEntry::readCompressedData() {
 
 std::istream* LumZipFileEntry::getCompressedStream(bool fresh) {
     try {
-        const std::span<const char> data = readCompressedData();
-        if (fresh) return new LumStrStream(data.data(), data.size(), true);
-        if (!compressedStream_) compressedStream_ = std::make_unique<LumStrStream>(data.data(), data.size(), false);
+        loadData();
+        if (fresh) return new LumStrStream(data_.data(), data_.size(), true);
+        if (!compressedStream_) compressedStream_ = std::make_unique<LumStrStream>(data_.data(), data_.size(), false);
         compressedStream_->clear();
         compressedStream_->seekg(0);
         return compressedStream_.get();
@@ -85,10 +94,10 @@ std::istream* LumZipFileEntry::getCompressedStream(bool fresh) {
 std::istream* LumZipFileEntry::getUncompressedStream(bool fresh) {
     if (fields_.method != METHOD_DEFLATE) return getCompressedStream(fresh);
     try {
-        const std::span<const char> data = readCompressedData();
-        if (fresh) return new LumInflaterStream(data.data(), data.size(), true);
+        loadData();
+        if (fresh) return new LumInflaterStream(data_.data(), data_.size(), true);
         if (!uncompressedStream_) {
-            uncompressedStream_ = std::make_unique<LumInflaterStream>(data.data(), data.size(), false);
+            uncompressedStream_ = std::make_unique<LumInflaterStream>(data_.data(), data_.size(), false);
         }
         uncompressedStream_->reset();
         return uncompressedStream_.get();

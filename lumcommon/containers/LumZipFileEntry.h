@@ -13,7 +13,8 @@ class LumStrStream;
 
 /// A member of a zip archive, read from its local header; its data are read from the archive's stream on first use.
 ///
-/// Sizes are those of the local header. The data are as many of the claimed bytes as the stream really holds, and
+/// Sizes and CRC-32 are those of the local header, or of the data descriptor where the header leaves them to one and
+/// the archive found it (see LumZipFile). The data are as many of the claimed bytes as the stream really holds, and
 /// memory grows with these alone: a member that claims 4 GiB in a file of 100 bytes has less than 100. Encrypted
 /// members and methods other than deflate are handed out as they are stored; nothing is checked against the CRC-32.
 /// Failure: nothing is thrown.
@@ -31,10 +32,10 @@ public:
     explicit LumZipFileEntry(std::istream& s);
     ~LumZipFileEntry() override;
 
-    /// The name in the platform's default charset, as stored: with "/" between folders, and at the end of a folder's
-    /// own name. Empty when the stream does not hold all of it.
+    /// The name in the platform's default charset (ICU takes Linux for UTF-8), as stored: with "/" between folders, and
+    /// at the end of a folder's own name. Empty when the stream does not hold all of it.
     const UnicodeString& getFileName() const noexcept { return fileName_; }
-    /// All that the header says.
+    /// All that the header says, the sizes of a data descriptor put in.
     const LumZipMemberFields& getFields() const noexcept { return fields_; }
     std::uint16_t getMethod() const noexcept { return fields_.method; }
     std::uint16_t getFlags() const noexcept { return fields_.flags; }
@@ -70,7 +71,10 @@ private:
 
     /// The archive deletes its stream; data not read until now are not there any more.
     void forgetStream() noexcept { stream_ = nullptr; }
+    /// True when the header says so and states no compressed size itself.
+    bool leavesSizesToDescriptor() const noexcept;
     bool seekData();
+    void loadData();
 
     LumZipMemberFields fields_;
     UnicodeString fileName_;

@@ -65,15 +65,14 @@ std::uint64_t copyToOutput(std::istream& in) {
 void cat(const Arguments& arguments) {
     LumZipFile zip;
     openArchive(zip, arguments.file);
-    LumZipFileEntry* entry = zip.getFileEntry(fromArgument(arguments.member));
-    // Names in an archive are in the locale's charset; in a locale that is not UTF-8 the argument is, too.
-    if (!entry) entry = zip.getFileEntry(UnicodeString(arguments.member.c_str()));
+    LumZipFileEntry* const entry = zip.getFileEntry(fromArgument(arguments.member));
     if (!entry) refuse(arguments.file + "!/" + arguments.member);
     std::istream* const in = entry->getUncompressedStream(false);
     if (!in) throw std::bad_alloc();
     const bool isDeflated = entry->getMethod() == LumZipFileEntry::METHOD_DEFLATE;
     const std::uint64_t expected = isDeflated ? entry->getUncompressedSize() : entry->getCompressedSize();
-    if (copyToOutput(*in) < expected) {
+    constexpr std::uint64_t isInZip64Field = 0xFFFFFFFFu;
+    if (copyToOutput(*in) < expected && expected != isInZip64Field) {
         throwCommonError(LumErrorCodeIO::UnexpectedEnd, LumCommonErrorSource::Unnamed25);
     }
 }

@@ -22,4 +22,7 @@ void skipBytes(std::istream& in, std::uint64_t bytes) noexcept;
 /// The stream's position; -1 when it has failed or cannot seek.
 std::streamoff tellPosition(std::istream& in) noexcept;
 
+/// Moves back to a position that the stream was read on from. That it met its end on the way is forgotten.
+void rewindTo(std::istream& in, std::streamoff position) noexcept;
+
 }  // namespace LumCommon::detail
