@@ -221,7 +221,8 @@ TEST(LumZipFile, everyPrefixGivesThePrefixOfEachMember) {
             const std::size_t there = size < headerEnd ? 0 : std::min(size - headerEnd, members[i].data.size());
             EXPECT_EQ(entry->getFileName().isEmpty(), size < nameEnd);
             ASSERT_EQ(rawData(*entry), members[i].data.substr(0, there));
-            const std::string content = contentOf(entry->getUncompressedStream(true));
+            const std::unique_ptr<std::istream> fresh(entry->getUncompressedStream(true));
+            const std::string content = contentOf(fresh.get());
             const std::string full = i == 0 ? "one" : text;
             ASSERT_EQ(content, full.substr(0, content.size())) << "cut data give other bytes";
             ASSERT_TRUE(content.size() <= there * 1032 && (there < members[i].data.size() || content == full));
