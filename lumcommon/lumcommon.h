@@ -32,6 +32,13 @@
 #include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/names/NamespaceMap.h>
 #include <lumcommon/names/SVGName.h>
+#include <lumcommon/streams/JZIOobj.h>
+#include <lumcommon/streams/LumCustomStreamBuf.h>
+#include <lumcommon/streams/LumGzipStream.h>
+#include <lumcommon/streams/LumInflaterStream.h>
+#include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/LumStrStream.h>
+#include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/values/LumColor.h>

@@ -1,0 +1,83 @@
+#include <lumcommon/streams/LumCustomStreamBuf.h>
+#include <lumcommon/streams/detail/StreamReading.h>
+
+namespace LumCommon {
+namespace {
+
+constexpr std::size_t readBytesAtOnce = 8192;
+constexpr std::size_t bufferBytes = detail::putbackBytes + readBytesAtOnce;
+// One byte short of the buffer, so that overflow() can always store its character.
+constexpr std::size_t putAreaBytes = bufferBytes - 1;
+
+}  // namespace
+
+LumCustomStreamController::~LumCustomStreamController() = default;
+
+LumCustomStreamBuf::LumCustomStreamBuf(LumCustomStreamController* controller) : controller_(controller) {
+    if (!controller_) return;
+    buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes);
+    setp(buffer_.get(), buffer_.get() + putAreaBytes);
+}
+
+LumCustomStreamBuf::~LumCustomStreamBuf() {
+    try {
+        flushBuffer();
+    } catch (...) {
+        // There is nobody left to tell.
+    }
+}
+
+LumCustomStreamBuf::int_type LumCustomStreamBuf::underflow() {
+    if (!buffer_) return traits_type::eof();
+    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
+    const std::size_t kept = detail::keepPutback(buffer_.get(), eback(), gptr());
+    char* const room = buffer_.get() + kept;
+    setg(buffer_.get(), room, room);
+    const int count = controller_->read(room, static_cast<int>(readBytesAtOnce));
+    if (count <= 0 || static_cast<std::size_t>(count) > readBytesAtOnce) return traits_type::eof();
+    setg(buffer_.get(), room, room + count);
+    return traits_type::to_int_type(*gptr());
+}
+
+/// Gives the put area to the controller; false, and it stays, when not all of it is taken.
+bool LumCustomStreamBuf::handOver() {
+    const auto size = static_cast<int>(pptr() - pbase());
+    if (controller_->write(pbase(), size) < size) return false;
+    setp(buffer_.get(), buffer_.get() + putAreaBytes);
+    writtenBytes_ += static_cast<std::uint64_t>(size);
+    return true;
+}
+
+LumCustomStreamBuf::int_type LumCustomStreamBuf::overflow(int_type c) {
+    if (!buffer_) return traits_type::eof();
+    const bool isStored = !traits_type::eq_int_type(c, traits_type::eof());
+    if (isStored) {
+        *pptr() = traits_type::to_char_type(c);
+        pbump(1);
+    }
+    bool isTaken = false;
+    try {
+        isTaken = handOver();
+    } catch (...) {
+        if (isStored) pbump(-1);
+        throw;
+    }
+    if (isTaken) return c;
+    // A character that is refused does not wait, and the put area does not stand past its end.
+    if (isStored) pbump(-1);
+    return traits_type::eof();
+}
+
+int LumCustomStreamBuf::flushBuffer() {
+    const auto size = static_cast<int>(pptr() - pbase());
+    if (size == 0) return 0;
+    return handOver() ? size : -1;
+}
+
+int LumCustomStreamBuf::sync() { return flushBuffer() < 0 ? -1 : 0; }
+
+LumCustomStreamBuf::pos_type LumCustomStreamBuf::seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) {
+    return pos_type(static_cast<off_type>(writtenBytes_) + (pptr() - pbase()));
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,268 @@
+#include <lumcommon/core/detail/PlatformText.h>
+#include <lumcommon/streams/LumGzipStream.h>
+#include <lumcommon/streams/detail/RawInflater.h>
+#include <lumcommon/streams/detail/StreamReading.h>
+
+#define ZLIB_CONST
+#include <zlib.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace LumCommon {
+namespace detail {
+
+/// A file as zlib reads it: all members of a gzip file, or the bytes of any other.
+class FileInflater {
+public:
+    explicit FileInflater(const char* path) : file_(gzopen(path, "rbe")) {}
+    ~FileInflater() {
+        if (file_) gzclose(file_);
+    }
+    FileInflater(const FileInflater&) = delete;
+    FileInflater& operator=(const FileInflater&) = delete;
+
+    bool isOpen() const noexcept { return file_ != nullptr; }
+    std::size_t read(std::span<char> room) noexcept {
+        const int count = gzread(file_, room.data(), static_cast<unsigned>(room.size()));
+        return count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+
+private:
+    gzFile file_;
+};
+
+/// The data of one gzip member whose header has been read.
+class StreamInflater {
+public:
+    std::size_t read(std::istream& source, std::span<char> room) {
+        return inflater_.fill(
+            rest_, room, [this, &source] { return std::span<const char>(input_.data(), readBytes(source, input_)); });
+    }
+
+private:
+    RawInflater inflater_;
+    std::array<char, refillBytes> input_;
+    std::span<const char> rest_;
+};
+
+/// Makes one gzip member.
+class GzipDeflater {
+public:
+    GzipDeflater() {
+        constexpr int gzipWrapper = 15 + 16;
+        constexpr int mostMemory = 9;
+        isReady_ =
+            deflateInit2(&z_, Z_BEST_COMPRESSION, Z_DEFLATED, gzipWrapper, mostMemory, Z_DEFAULT_STRATEGY) == Z_OK;
+        emptyOutput();
+    }
+    ~GzipDeflater() {
+        if (isReady_) deflateEnd(&z_);
+    }
+    GzipDeflater(const GzipDeflater&) = delete;
+    GzipDeflater& operator=(const GzipDeflater&) = delete;
+
+    /// Compresses `data`, and with Z_FINISH all that is held back; false when that or writing to `target` fails.
+    bool run(std::span<const char> data, int flush, std::ostream& target) {
+        if (!isReady_) return false;
+        z_.next_in = reinterpret_cast<const Bytef*>(data.data());
+        z_.avail_in = static_cast<uInt>(data.size());
+        while (flush == Z_FINISH || z_.avail_in != 0) {
+            const int result = deflate(&z_, flush);
+            const bool isComplete = result == Z_STREAM_END;
+            if (!isComplete && result != Z_OK && result != Z_BUF_ERROR) return false;
+            if ((isComplete || z_.avail_out == 0) && !writeOutput(target)) return false;
+            if (isComplete) return true;
+        }
+        return true;
+    }
+
+private:
+    void emptyOutput() noexcept {
+        z_.next_out = reinterpret_cast<Bytef*>(output_.data());
+        z_.avail_out = static_cast<uInt>(output_.size());
+    }
+    bool writeOutput(std::ostream& target) {
+        target.write(output_.data(), static_cast<std::streamsize>(output_.size() - z_.avail_out));
+        emptyOutput();
+        return target.good();
+    }
+
+    z_stream z_{};
+    std::array<char, refillBytes> output_;
+    bool isReady_ = false;
+};
+
+}  // namespace detail
+
+namespace {
+
+/// Moves a stream back over the bytes last read from it.
+void giveBack(std::istream& s, std::string_view bytes) {
+    if (s.bad()) return;
+    s.clear();
+    if (bytes.empty()) return;
+    const auto back = -static_cast<std::streamoff>(bytes.size());
+    if (s.rdbuf()->pubseekoff(back, std::ios_base::cur, std::ios_base::in) != std::streampos(std::streamoff(-1)))
+        return;
+    while (!bytes.empty() && s.rdbuf()->sputbackc(bytes.back()) != std::char_traits<char>::eof())
+        bytes.remove_suffix(1);
+}
+
+/// Reads past the parts of a gzip header that its flags announce.
+void skipOptionalParts(std::istream& s, unsigned flags) {
+    enum : unsigned { HEADER_CRC = 2, EXTRA = 4, NAME = 8, COMMENT = 16 };
+    if ((flags & EXTRA) != 0) {
+        std::array<char, 2> size{};
+        if (detail::readBytes(s, size) != size.size()) return;
+        s.ignore(static_cast<unsigned char>(size[0]) + 256 * static_cast<unsigned char>(size[1]));
+    }
+    constexpr auto noLimit = std::numeric_limits<std::streamsize>::max();
+    if ((flags & NAME) != 0) s.ignore(noLimit, 0);
+    if ((flags & COMMENT) != 0) s.ignore(noLimit, 0);
+    if ((flags & HEADER_CRC) != 0) s.ignore(2);
+}
+
+bool readHeader(std::istream& s) {
+    if (!s.good() || s.rdbuf()->sgetc() == std::char_traits<char>::eof()) return false;
+    std::array<char, 4> start{};  // 1F 8B, the method, the flags
+    const std::size_t got = detail::readBytes(s, start);
+    constexpr unsigned reservedFlags = 0xE0;
+    constexpr std::string_view gzipDeflated = "\x1F\x8B\x08";
+    const auto flags = static_cast<unsigned char>(start[3]);
+    const std::string_view bytes(start.data(), got);
+    if (got < start.size() || !bytes.starts_with(gzipDeflated) || (flags & reservedFlags) != 0) {
+        giveBack(s, bytes);
+        return false;
+    }
+    s.ignore(6);  // time, extra flags, operating system
+    skipOptionalParts(s, flags);
+    return true;
+}
+
+}  // namespace
+
+LumGzipStreamBuf::LumGzipStreamBuf(const char* path) { open(path); }
+
+LumGzipStreamBuf::LumGzipStreamBuf(const UnicodeString& path) { open(path); }
+
+LumGzipStreamBuf::LumGzipStreamBuf(std::istream& s)
+    : buffer_(std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes)), source_(&s) {
+    if (checkHeader(s)) member_ = std::make_unique<detail::StreamInflater>();
+}
+
+LumGzipStreamBuf::~LumGzipStreamBuf() = default;
+
+bool LumGzipStreamBuf::open(const char* path) {
+    setg(nullptr, nullptr, nullptr);
+    buffer_.reset();
+    file_.reset();
+    member_.reset();
+    source_ = nullptr;
+    // A directory can be opened but not read.
+    std::error_code error;
+    if (!path || std::filesystem::is_directory(path, error)) return false;
+    auto file = std::make_unique<detail::FileInflater>(path);
+    if (!file->isOpen()) return false;
+    buffer_ = std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes);
+    file_ = std::move(file);
+    return true;
+}
+
+bool LumGzipStreamBuf::open(const UnicodeString& path) {
+    const auto platformPath = detail::toPlatformPath(path);
+    return open(platformPath ? platformPath->c_str() : nullptr);
+}
+
+bool LumGzipStreamBuf::checkHeader(std::istream& s) {
+    try {
+        return readHeader(s);
+    } catch (...) {
+        // A stream that throws has none of its data read any further.
+        return false;
+    }
+}
+
+std::size_t LumGzipStreamBuf::refill(std::span<char> room) {
+    if (file_) return file_->read(room);
+    return member_ ? member_->read(*source_, room) : detail::readBytes(*source_, room);
+}
+
+LumGzipStreamBuf::int_type LumGzipStreamBuf::underflow() {
+    if (!buffer_) return traits_type::eof();
+    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
+    char* const room = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr());
+    const std::size_t count = refill({room, detail::refillBytes});
+    setg(buffer_.get(), room, room + count);
+    return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
+}
+
+LumGzipStream::LumGzipStream(const char* path) : std::istream(nullptr), buffer_(path) { rdbuf(&buffer_); }
+
+LumGzipStream::LumGzipStream(const UnicodeString& path) : std::istream(nullptr), buffer_(path) { rdbuf(&buffer_); }
+
+LumGzipStream::LumGzipStream(std::istream& s) : std::istream(nullptr), buffer_(s) { rdbuf(&buffer_); }
+
+LumGzipStream::~LumGzipStream() = default;
+
+LumGzipOStreamBuf::LumGzipOStreamBuf(const UnicodeString& path) : target_(nullptr) {
+    if (const auto platformPath = detail::toPlatformPath(path)) {
+        auto file = std::make_unique<std::ofstream>(*platformPath, std::ios_base::binary | std::ios_base::trunc);
+        if (file->is_open()) ownedTarget_ = std::move(file);
+    }
+    target_ = ownedTarget_.get();
+    if (target_) initZStream();
+    hasFailed_ = !target_;
+}
+
+LumGzipOStreamBuf::LumGzipOStreamBuf(std::ostream& s) : target_(&s) { initZStream(); }
+
+LumGzipOStreamBuf::~LumGzipOStreamBuf() { sync(); }
+
+bool LumGzipOStreamBuf::is_open() const noexcept { return deflater_ != nullptr; }
+
+void LumGzipOStreamBuf::initZStream() {
+    deflater_ = std::make_unique<detail::GzipDeflater>();
+    buffer_ = std::make_unique_for_overwrite<char[]>(detail::refillBytes);
+    setp(buffer_.get(), buffer_.get() + detail::refillBytes);
+}
+
+/// Compresses what waits in the put area, which is empty afterwards. 0, or -1 when the member has failed.
+int LumGzipOStreamBuf::encodeBuffer(int flush) {
+    const std::span<const char> waiting(pbase(), pptr());
+    bool isDone = false;
+    try {
+        isDone = deflater_->run(waiting, flush, *target_);
+    } catch (...) {
+        // The exception mask of the target; its state tells as well.
+    }
+    hasFailed_ = !isDone;
+    if (isDone && flush != Z_FINISH) {
+        setp(buffer_.get(), buffer_.get() + detail::refillBytes);
+    } else {
+        // Without a put area every byte comes to overflow(), which refuses it.
+        setp(nullptr, nullptr);
+        deflater_.reset();
+    }
+    return isDone ? 0 : -1;
+}
+
+LumGzipOStreamBuf::int_type LumGzipOStreamBuf::overflow(int_type c) {
+    if (!deflater_ || encodeBuffer(Z_NO_FLUSH) != 0) return traits_type::eof();
+    if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+    *pptr() = traits_type::to_char_type(c);
+    pbump(1);
+    return c;
+}
+
+int LumGzipOStreamBuf::sync() {
+    if (deflater_) encodeBuffer(Z_FINISH);
+    if (ownedTarget_ && !ownedTarget_->flush()) hasFailed_ = true;
+    return hasFailed_ ? -1 : 0;
+}
+
+}  // namespace LumCommon

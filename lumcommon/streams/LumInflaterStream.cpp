@@ -1,0 +1,50 @@
+#include <lumcommon/streams/LumInflaterStream.h>
+#include <lumcommon/streams/detail/RawInflater.h>
+#include <lumcommon/streams/detail/StreamReading.h>
+
+#include <cstring>
+
+namespace LumCommon {
+
+LumInflaterStreamBuf::LumInflaterStreamBuf(const char* data, std::size_t size, bool copy)
+    : data_(data, size),
+      inflater_(std::make_unique<detail::RawInflater>()),
+      buffer_(std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes)) {
+    if (copy && size != 0) {
+        copy_ = std::make_unique_for_overwrite<char[]>(size);
+        std::memcpy(copy_.get(), data, size);
+        data_ = {copy_.get(), size};
+    }
+    rest_ = data_;
+}
+
+LumInflaterStreamBuf::~LumInflaterStreamBuf() = default;
+
+void LumInflaterStreamBuf::reset() {
+    inflater_->restart();
+    rest_ = data_;
+    setg(nullptr, nullptr, nullptr);
+}
+
+LumInflaterStreamBuf::int_type LumInflaterStreamBuf::underflow() {
+    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
+    char* const room = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr());
+    const std::size_t count =
+        inflater_->fill(rest_, {room, detail::refillBytes}, [] { return std::span<const char>(); });
+    setg(buffer_.get(), room, room + count);
+    return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
+}
+
+LumInflaterStream::LumInflaterStream(const char* data, std::size_t size, bool copy)
+    : std::istream(nullptr), buffer_(data, size, copy) {
+    rdbuf(&buffer_);
+}
+
+LumInflaterStream::~LumInflaterStream() = default;
+
+void LumInflaterStream::reset() {
+    clear();
+    buffer_.reset();
+}
+
+}  // namespace LumCommon

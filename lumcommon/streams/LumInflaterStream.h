@@ -1,0 +1,60 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+
+#include <cstddef>
+#include <istream>
+#include <memory>
+#include <span>
+#include <streambuf>
+
+namespace LumCommon {
+
+namespace detail {
+class RawInflater;
+}
+
+/// Reads a raw deflate block (RFC 1951) in memory, as members of zip archives are stored.
+///
+/// Up to 10 bytes that were read can be put back. Seeking is not supported; reset() starts again. Memory: constant
+/// besides the copy, whatever the data claim.
+/// Failure: nothing is thrown. Data that are corrupt or cut end early: the piece of 4096 bytes in which they turn out
+/// to be so is not delivered, all pieces before it are. Threads: one at a time.
+class LUM_API LumInflaterStreamBuf : public std::streambuf {
+public:
+    /// @param data  `size` bytes of compressed data; null only when there are none.
+    /// @param copy  true: the buffer works on a copy. false: the bytes must outlive it.
+    LumInflaterStreamBuf(const char* data, std::size_t size, bool copy);
+    LumInflaterStreamBuf(const LumInflaterStreamBuf&) = delete;
+    LumInflaterStreamBuf& operator=(const LumInflaterStreamBuf&) = delete;
+    ~LumInflaterStreamBuf() override;
+
+    /// Starts again from the first byte.
+    void reset();
+
+protected:
+    int_type underflow() override;
+
+private:
+    std::unique_ptr<char[]> copy_;
+    std::span<const char> data_;
+    std::span<const char> rest_;
+    std::unique_ptr<detail::RawInflater> inflater_;
+    std::unique_ptr<char[]> buffer_;
+};
+
+/// An input stream over a LumInflaterStreamBuf of its own. Threads: one at a time.
+class LUM_API LumInflaterStream : public std::istream {
+public:
+    /// The arguments are those of the buffer.
+    LumInflaterStream(const char* data, std::size_t size, bool copy);
+    ~LumInflaterStream() override;
+
+    /// Starts again from the first byte, with a state that is good.
+    void reset();
+
+private:
+    LumInflaterStreamBuf buffer_;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,167 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <istream>
+#include <memory>
+#include <span>
+#include <streambuf>
+#include <string>
+
+namespace LumCommon {
+
+/// A seekable stream buffer in memory, made of blocks of one size, that can be fed from other streams.
+///
+/// It is written like a file, read back, sought in both directions, truncated and searched. Streams given to it as
+/// sources are read only when a read, a seek or a search needs their bytes; their bytes follow one another behind what
+/// the buffer holds, so that a stream that cannot seek becomes one that can. Data never move once they are written:
+/// growing adds a block and copies nothing. For bytes that are complete and only read, LumStrStream is lighter.
+///
+/// Positions count bytes from the start of the first block. Reading and writing have a position each.
+/// Failure: no operation raises an error. What a source throws counts as its end; a source that fails has ended. A want
+/// of memory is std::bad_alloc, which a stream over the buffer turns into its badbit.
+/// Threads: one at a time; there is no lock.
+class LUM_API LumMemStreamBuf : public std::streambuf {
+public:
+    static constexpr unsigned defaultGrowBytes = 8192;
+
+    /// @param source     the first source; null for none. Nothing is read yet.
+    /// @param growBytes  the size of a block. A block cannot be empty: 0 is not taken, the size is then the default.
+    /// @param ownSource  true: the buffer deletes `source` once it is used up, or with itself.
+    explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
+                             bool ownSource = false);
+    /// An empty buffer with the block size and the keepMemory setting of `other`; its content is not copied.
+    LumMemStreamBuf(const LumMemStreamBuf& other);
+    LumMemStreamBuf& operator=(const LumMemStreamBuf&) = delete;
+    /// Deletes the sources that are left and owned.
+    ~LumMemStreamBuf() override;
+
+    /// True at first. When false, reading on from the sources reuses the block before the one last read, so that a long
+    /// sequential read holds two blocks. Positions then start at the older of the two, and a put position in a reused
+    /// block is lost: writing begins at 0 again. Seeking and searching keep every block that they read.
+    void setKeepMemory(bool keepMemory) noexcept { keepMemory_ = keepMemory; }
+    bool getKeepMemory() const noexcept { return keepMemory_; }
+
+    /// The size of a block in bytes.
+    unsigned getGrowBytes() const noexcept { return growBytes_; }
+    /// Changes the size of a block. Ignored once there is a block, and for 0.
+    void setGrowBytes(unsigned growBytes) noexcept;
+
+    /// Adds a source behind those that wait; null is ignored. A last block that is not full is filled at once, and a
+    /// reader at its end sees the new bytes.
+    /// @param own  true: the buffer deletes `source` once it is used up, or with itself.
+    void setSource(std::istream* source, bool own);
+
+    /// The number of bytes. Cost: reads every source to its end.
+    std::size_t length();
+    /// Appends the whole content to `s`. Cost: reads every source to its end.
+    void appendToString(std::string& s);
+    /// Forgets the content and the sources; both positions are 0. Owned sources are deleted.
+    void remove();
+    /// Cuts the content down to `newLength` bytes; ignored when it is no longer than that. A position behind the new
+    /// end moves to it. Cost: reads every source to its end.
+    void trim(std::size_t newLength);
+
+    /// The number of bytes that can be read without leaving the current block or asking a source.
+    std::size_t getRemains() const noexcept { return static_cast<std::size_t>(egptr() - gptr()); }
+    /// Reads without copying: gives the rest of the current block and moves the read position behind it.
+    /// @return the number of bytes at `p`; 0 at the end. They stay where they are until they are trimmed, removed or
+    /// abandoned.
+    std::size_t getBuffer(const char*& p);
+    /// Frees the blocks before the one being read. Positions count from that block afterwards; a put position before it
+    /// is lost, and writing begins at 0 again.
+    void abandonBuffer();
+
+    /// Copies up to `count` bytes from `in` to the put position.
+    /// @param in  must not read from this buffer.
+    /// @return the number of bytes copied; fewer when `in` ended or failed.
+    std::size_t copyStream(std::istream& in, std::size_t count);
+    /// Copies all that `src` yields to the put position. Null and this buffer itself are ignored. What `src` throws
+    /// passes through; the bytes copied before it stay.
+    LumMemStreamBuf& operator<<(std::streambuf* src);
+
+    /// Moves the read position to the next place that holds `pattern`, on its first byte.
+    /// @param len  the length of the pattern in bytes; 0 for strlen(pattern).
+    /// @return false, and nothing moved, when it is not found or is empty. Cost: one look at each byte, whatever the
+    /// pattern; blocks read from sources are kept.
+    bool searchSeek(const char* pattern, unsigned len = 0);
+    /// Moves the read position behind `pattern` when that stands there; false, and nothing moved, otherwise.
+    bool skipSeek(const char* pattern, unsigned len = 0);
+    /// Moves the read position behind the next line end, or to the end without one. A run of CR and LF is one line end.
+    void seekEOL();
+
+    /// The checksum of an OpenType table: the sum, modulo 2^32, of the content as big-endian 32-bit words, the last one
+    /// filled up with zeros. The block size must be a multiple of 4. Cost: reads every source to its end.
+    std::uint32_t calcOTFTableChecksum();
+
+protected:
+    int_type underflow() override;
+    int_type overflow(int_type c = traits_type::eof()) override;
+    std::streamsize xsputn(const char* s, std::streamsize n) override;
+    /// Steps back one byte; nothing is stored. End of file at position 0 and for c = end of file, so that unget() fails
+    /// at the start of a block where putback() works.
+    int_type pbackfail(int_type c = traits_type::eof()) override;
+    /// From `std::ios::cur`, a mode of exactly `in` counts from the read position, any other from the put position.
+    pos_type seekoff(off_type off, std::ios_base::seekdir dir,
+                     std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
+    /// The position just behind the last byte can be sought; one further gives -1 and moves nothing.
+    pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
+
+private:
+    struct Source {
+        std::istream* stream;
+        bool owned;
+    };
+
+    void appendBuffer(bool fresh);
+    void recycleFrontBlock();
+    void fillFromSources();
+    void dropFrontSource();
+    void dropFrontBlocks(std::size_t count);
+    void flushBuffer() noexcept;
+    std::size_t totalBytes() const noexcept;
+    std::size_t validBytes(std::size_t block) const noexcept;
+    std::size_t readPosition() const noexcept;
+    std::size_t putPosition() const noexcept;
+    void setGetArea(std::size_t block, std::size_t offset) noexcept;
+    void setPutArea(std::size_t block, std::size_t offset) noexcept;
+    void enterNextPutBlock();
+    void readyPutArea();
+    void advancePut(std::size_t count) noexcept;
+    std::size_t putRoom() const noexcept;
+    std::span<const char> runAt(std::size_t position);
+
+    std::deque<std::unique_ptr<char[]>> blocks_;  // all but the last are full
+    std::size_t getBlock_ = 0;                    // the block of the get area, while there is one
+    std::size_t putBlock_ = 0;                    // the block of the put area, while there is one
+    std::size_t lastBlockFill_ = 0;               // valid bytes of the last block
+    std::deque<Source> sources_;  // the front one is read first; none waits while the last block has room
+    unsigned growBytes_;
+    bool keepMemory_ = true;
+};
+
+/// A stream for reading and writing over a LumMemStreamBuf of its own.
+/// Threads: one at a time.
+class LUM_API LumMemStream : public std::iostream {
+public:
+    /// The arguments are those of the buffer.
+    explicit LumMemStream(std::istream* source = nullptr, unsigned growBytes = LumMemStreamBuf::defaultGrowBytes,
+                          bool ownSource = false);
+    /// A copy of the content, the positions, the block size and the keepMemory setting; the sources of `other` are read
+    /// to their ends. Of a stream that has failed the positions are not taken over: the copy, which has not failed,
+    /// then reads from 0 and writes at the end. Cost: O(length of `other`).
+    LumMemStream(LumMemStream& other);
+    LumMemStream& operator=(const LumMemStream&) = delete;
+    ~LumMemStream() override;
+
+    /// The buffer; it lives as long as the stream.
+    LumMemStreamBuf* rdbuf() const noexcept { return const_cast<LumMemStreamBuf*>(&buffer_); }
+
+private:
+    LumMemStreamBuf buffer_;
+};
+
+}  // namespace LumCommon

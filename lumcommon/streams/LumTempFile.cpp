@@ -1,0 +1,181 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/PlatformText.h>
+#include <lumcommon/streams/LumTempFile.h>
+#include <lumcommon/streams/detail/RawInflater.h>
+#include <lumcommon/streams/detail/StreamReading.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+
+namespace LumCommon {
+namespace {
+
+constexpr int removalAttempts = 10;
+constexpr int creationAttempts = 100;
+// Names that are taken are no failures, but a file system that claims to have every file must not hold us for ever.
+constexpr int takenNamesAtMost = 1 << 16;
+
+const char* orEmpty(const char* text) { return text ? text : ""; }
+
+std::string findTempDirectory() {
+    std::error_code error;
+    const std::filesystem::path directory = std::filesystem::temp_directory_path(error);
+    if (error || directory.empty()) return "./";
+    std::string path = directory.string();
+    if (path.back() != '/') path += '/';
+    return path;
+}
+
+const std::string& tempDirectory() {
+    static const std::string directory = findTempDirectory();
+    return directory;
+}
+
+LumLock& mkTempLock() {
+    static LumLock lock;
+    return lock;
+}
+
+/// The count in the next name. Threads: under mkTempLock.
+unsigned nextCount() {
+    static auto count = static_cast<unsigned>(std::chrono::system_clock::now().time_since_epoch().count());
+    return count++;
+}
+
+std::string nextName(const char* dir, const char* prefix, const char* suffix) {
+    std::array<char, 32> number{};
+    std::snprintf(number.data(), number.size(), "%03x_%04x", static_cast<unsigned>(getpid()), nextCount());
+    std::string name = dir ? std::string(dir) : tempDirectory();
+    return name.append(orEmpty(prefix)).append(number.data()).append(orEmpty(suffix));
+}
+
+/// Whether something of that name stands in its directory; a link that leads nowhere does.
+bool exists(const char* path) {
+    struct stat status {};
+    return lstat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+}
+
+[[noreturn]] void throwCannotCreate(const std::string& path, const char16_t* reason) {
+    throwCommonError(LumErrorCodeIO::CannotCreateTempFile, LumCommonErrorSource::TempFile,
+                     detail::fromPlatformText(path.c_str()) + reason);
+}
+
+/// Proves that a file of this name can be made and removed. False when it cannot be made; errno tells why.
+bool tryName(const std::string& path) {
+    // Exclusively: a link that somebody else puts there in the meantime must not lead us to another file.
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd < 0) return false;
+    const bool isRemoved = LumTempFile::removeTempFile(path.c_str());
+    close(fd);
+    if (!isRemoved) throwCannotCreate(path, u" (cannot remove)\n");
+    return true;
+}
+
+std::string findFreePath(const char* dir, const char* prefix, const char* suffix) {
+    LumMutex guard(&mkTempLock());
+    std::string path;
+    int failures = 0;
+    for (int taken = 0; failures < creationAttempts && taken < takenNamesAtMost;) {
+        path = nextName(dir, prefix, suffix);
+        if (access(path.c_str(), F_OK) == 0) {
+            ++taken;
+        } else if (tryName(path)) {
+            return path;
+        } else {
+            ++(errno == EEXIST ? taken : failures);
+        }
+    }
+    throwCannotCreate(path, u" (cannot create)\n");
+}
+
+}  // namespace
+
+UnicodeString stGetTempDirectory() { return detail::fromPlatformText(tempDirectory().c_str()); }
+
+UnicodeString LumTempFile::getTempDirectory() { return stGetTempDirectory(); }
+
+UnicodeString LumTempFile::getTempFile(const char* dir, const char* prefix, const char* suffix) {
+    return detail::fromPlatformText(findFreePath(dir, prefix, suffix).c_str());
+}
+
+LumTempFile::LumTempFile(const char* dir, const char* prefix, const char* suffix) {
+    hold(findFreePath(dir, prefix, suffix));
+}
+
+LumTempFile::~LumTempFile() {
+    if (isTempFile()) removeTempFile(path_.c_str());
+}
+
+void LumTempFile::hold(const std::string& path) {
+    fileName_ = detail::fromPlatformText(path.c_str());
+    path_ = path;
+}
+
+void LumTempFile::setFileName(const char* name) {
+    // The name may be a part of this object.
+    const std::string path = orEmpty(name);
+    remove();
+    hold(path);
+}
+
+void LumTempFile::setFileName(const char* dir, const char* prefix, const char* suffix) {
+    remove();
+    releaseFileName();
+    hold(findFreePath(dir, prefix, suffix));
+}
+
+UnicodeString LumTempFile::releaseFileName() {
+    const UnicodeString name = fileName_;
+    fileName_.remove();
+    path_.clear();
+    return name;
+}
+
+void LumTempFile::remove() const {
+    if (!isTempFile() || removeTempFile(path_.c_str())) return;
+    throwCommonError(LumErrorCodeIO::CannotRemoveTempFile, LumCommonErrorSource::TempFile, fileName_);
+}
+
+bool LumTempFile::removeTempFile(const char* path) {
+    if (!path || !exists(path)) return true;
+    for (int attempt = 0; attempt < removalAttempts; ++attempt) {
+        if (std::remove(path) == 0) return true;
+    }
+    return false;
+}
+
+bool LumTempFile::inflate(const unsigned char* data, std::size_t length) const {
+    if (!isTempFile()) return false;
+    std::ofstream out(path_, std::ios_base::binary | std::ios_base::trunc);
+    if (!out.is_open()) return false;
+    const bool isComplete = inflate(out, data, length);
+    out.close();
+    return isComplete && out.good();
+}
+
+bool LumTempFile::inflate(std::ostream& out, const unsigned char* data, std::size_t length) {
+    using Outcome = detail::RawInflater::Outcome;
+    if (!data) return false;
+    detail::RawInflater inflater;
+    std::array<char, detail::refillBytes> buffer;
+    std::span<const char> rest(reinterpret_cast<const char*>(data), length);
+    for (Outcome outcome = Outcome::MORE; outcome == Outcome::MORE;) {
+        std::span<char> room(buffer);
+        outcome = inflater.step(rest, room);
+        out.write(buffer.data(), static_cast<std::streamsize>(buffer.size() - room.size()));
+        if (outcome == Outcome::BROKEN || !out.good()) return false;
+    }
+    return true;
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,49 @@
+#include <lumcommon/streams/detail/RawInflater.h>
+
+#define ZLIB_CONST
+#include <zlib.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace LumCommon::detail {
+namespace {
+
+constexpr int rawDeflate = -15;  // the largest window, and no header
+constexpr std::size_t mostAtOnce = std::numeric_limits<uInt>::max();
+
+}  // namespace
+
+RawInflater::RawInflater() : stream_(std::make_unique<z_stream>()) {
+    isReady_ = inflateInit2(stream_.get(), rawDeflate) == Z_OK;
+}
+
+RawInflater::~RawInflater() {
+    if (isReady_) inflateEnd(stream_.get());
+}
+
+void RawInflater::restart() noexcept {
+    hasEnded_ = false;
+    if (isReady_) inflateReset(stream_.get());
+}
+
+RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<char>& room) noexcept {
+    if (hasEnded_) return Outcome::END;
+    if (!isReady_) return Outcome::BROKEN;
+    z_stream& z = *stream_;
+    const auto given = static_cast<uInt>(std::min(data.size(), mostAtOnce));
+    const auto free = static_cast<uInt>(std::min(room.size(), mostAtOnce));
+    z.next_in = reinterpret_cast<const Bytef*>(data.data());
+    z.avail_in = given;
+    z.next_out = reinterpret_cast<Bytef*>(room.data());
+    z.avail_out = free;
+    const int result = ::inflate(&z, data.empty() ? Z_FINISH : Z_NO_FLUSH);
+    data = data.subspan(given - z.avail_in);
+    room = room.subspan(free - z.avail_out);
+    hasEnded_ = result == Z_STREAM_END;
+    if (hasEnded_) return Outcome::END;
+    // A full room comes first: with Z_FINISH it is reported like data that are cut.
+    return result == Z_OK || (room.empty() && result == Z_BUF_ERROR) ? Outcome::MORE : Outcome::BROKEN;
+}
+
+}  // namespace LumCommon::detail
