@@ -55,8 +55,7 @@ std::string getProxy() {
 /// The number that the status begins with; 0 without one.
 int numberOf(std::string_view status) {
     const long number = std::strtol(std::string(status).c_str(), nullptr, 10);
-    return static_cast<int>(
-        std::clamp<long>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+    return static_cast<int>(std::clamp<long>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
 bool isSuccess(int status) { return status >= 200 && status <= 299; }

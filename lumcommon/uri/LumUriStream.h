@@ -17,16 +17,17 @@ struct HttpUrl;
 
 /// Reads the body of an http: resource while it arrives.
 ///
-/// The resource is fetched with an HTTP/1.0 GET over IPv4. When its host cannot be reached, the request goes through the
-/// proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme). The statuses 301, 302, 303
-/// and 305 are followed when they come with a location, which must be an http: URI in full; no more than 100 requests
-/// are made in all. Up to 16 bytes that were read can be put back. Seeking is not supported: put a LumMemStream on top.
+/// The resource is fetched with an HTTP/1.0 GET over IPv4. When its host cannot be reached, the request goes through
+/// the proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme). The statuses 301, 302,
+/// 303 and 305 are followed when they come with a location, which must be an http: URI in full; no more than 100
+/// requests are made in all. Up to 16 bytes that were read can be put back. Seeking is not supported: put a
+/// LumMemStream on top.
 ///
 /// Limits: a response head has at most 64 KiB. Connecting, sending, the whole head, and each read of the body may take
 /// as long as getTimeout() says; looking up the name of a host takes as long as the system's resolver does.
 /// Memory: constant, whatever the server sends.
-/// Failure: nothing is thrown. The buffer is then closed and getErrorMessage() has the reason. A body that ends early, a
-/// connection that breaks and a read that takes too long all end the stream; the length that the server announced is
+/// Failure: nothing is thrown. The buffer is then closed and getErrorMessage() has the reason. A body that ends early,
+/// a connection that breaks and a read that takes too long all end the stream; the length that the server announced is
 /// not compared. SIGPIPE is never raised.
 /// Threads: one at a time; any number of buffers can be open at once.
 class LUM_API LumUriStreamBuf : public std::streambuf {
