@@ -24,8 +24,8 @@ public:
     /// What is sent, piece by piece with a pause between them, before the connection is closed.
     struct Answer {
         std::vector<std::string> pieces;
-        int pauseMilliseconds = 20;    // long enough for the reader to see the pieces apart
-        bool isKeptOpen = false;       // the connection stays as it is until the server goes
+        int pauseMilliseconds = 20;  // long enough for the reader to see the pieces apart
+        bool isKeptOpen = false;     // the connection stays as it is until the server goes
     };
     /// @param request  all that the client sent, up to the empty line.
     using Answerer = std::function<Answer(const std::string& request)>;

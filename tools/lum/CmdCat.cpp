@@ -1,6 +1,7 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/format/LumUtil.h>
 #include <lumcommon/uri/LumDataUri.h>
+#include <unicode/stringoptions.h>
 
 #include "Command.h"
 #include "Output.h"
