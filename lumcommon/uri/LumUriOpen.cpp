@@ -112,7 +112,10 @@ OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, Unicod
     if (archiveCount == 0 || archiveCount > 1 + maxNestedArchives) return nullptr;
     // The archive's own URI has no mark: should it be a jar: URI again, it opens nothing and goes no deeper.
     const LumUri archive(detail::textOf(takePart(rest)));
-    OwnedStream stream(archive.getStream(nullptr, errorMessage));
+    UnicodeString archiveMessage;
+    OwnedStream stream(archive.getStream(nullptr, &archiveMessage));
+    // That an archive was found is not what there is to say about a member that was not.
+    if (!stream && errorMessage && !archiveMessage.isEmpty()) *errorMessage = archiveMessage;
     if (stream && (!archive.isFile() || stream->tellg() == std::istream::pos_type(-1))) {
         stream = makeSeekable(std::move(stream));
     }
