@@ -223,12 +223,12 @@ void LumUriStreamBuf::close() noexcept {
 }
 
 LumUriStream::LumUriStream(const UnicodeString& uri) : std::istream(nullptr), buffer_(uri) {
-    init(&buffer_);
+    std::istream::rdbuf(&buffer_);
     if (!is_open()) setstate(failbit);
 }
 
 LumUriStream::LumUriStream(const char* uri) : std::istream(nullptr), buffer_(uri) {
-    init(&buffer_);
+    std::istream::rdbuf(&buffer_);
     if (!is_open()) setstate(failbit);
 }
 
