@@ -46,7 +46,9 @@
 #include <lumcommon/streams/LumStrStream.h>
 #include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/streams/cconv.h>
+#include <lumcommon/uri/LumDataUri.h>
 #include <lumcommon/uri/LumUri.h>
+#include <lumcommon/uri/LumUriStream.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumLength.h>
