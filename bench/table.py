@@ -25,14 +25,16 @@ def measure(program, rounds, only):
     run = subprocess.run(command, capture_output=True)
     if run.returncode != 0:
         sys.exit(f"{program}: {run.stderr.decode()}")
-    times = {}
+    listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True).stdout.decode().split()
+    order = dict.fromkeys(name.split("/")[2] for name in listed)  # rounds are shuffled, rows are not
+    times = {document: {} for document in order}
     if not run.stdout.strip():
-        return times
+        return {}
     for row in json.loads(run.stdout)["benchmarks"]:
         if row["run_type"] == "iteration":
             _, label, document = row["run_name"].split("/")[:3]
-            times.setdefault(document, {}).setdefault(label, []).append(1e9 / row["bytes_per_second"])
-    return times
+            times[document].setdefault(label, []).append(1e9 / row["bytes_per_second"])
+    return {document: by_label for document, by_label in times.items() if by_label}
 
 
 def cell(times):
@@ -56,7 +58,7 @@ def main():
         print(f"Not installed, so not measured: {missing}")
     for question, meaning in QUESTIONS.items():
         times = measure(options.folder / f"bench_{question}", options.rounds, options.only)
-        peers = [label for label in next(iter(times.values()), {}) if label != OURS]
+        peers = sorted({label for by_label in times.values() for label in by_label} - {OURS})
         rows = [[f"{question}: {meaning}", OURS, "MB/s"] + [text for peer in peers for text in (peer, "ratio")]]
         for document, by_label in times.items():
             ours = by_label[OURS]

@@ -39,9 +39,13 @@
 #include <lumcommon/streams/LumCustomStreamBuf.h>
 #include <lumcommon/streams/LumGzipStream.h>
 #include <lumcommon/streams/LumInflaterStream.h>
+#include <lumcommon/streams/LumKobOStreamBuf.h>
+#include <lumcommon/streams/LumKobStream.h>
+#include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/streams/LumStrStream.h>
 #include <lumcommon/streams/LumTempFile.h>
+#include <lumcommon/streams/cconv.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/values/LumColor.h>

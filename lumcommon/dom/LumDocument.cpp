@@ -8,6 +8,8 @@
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
+#include <istream>
+
 namespace LumCommon {
 
 LumDocument::LumDocument() : LumNode(this), nameTable_(LumNameTable::addRefSharedNameTable()) {}

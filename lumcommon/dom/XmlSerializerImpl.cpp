@@ -342,7 +342,7 @@ void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) con
     throwCommonError(LumErrorCodeLumLIB::EndTagMismatch, LumCommonErrorSource::SerializerEndTag, given, opened);
 }
 
-void XmlSerializerImpl::text(const UnicodeString& text) { writeContent({}, text, detail::TEXT_CONTENT, {}); }
+void XmlSerializerImpl::text(const UnicodeString& text) { writeContent("", text, detail::TEXT_CONTENT, ""); }
 
 /// A null buffer, a negative start and a length below 1 stand for no text.
 void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length) {
@@ -372,7 +372,7 @@ void XmlSerializerImpl::docdecl(const UnicodeString& content) {
     writeContent("<!DOCTYPE ", content, detail::TEXT_RAW, ">");
 }
 
-void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent({}, text, detail::TEXT_RAW, {}); }
+void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent("", text, detail::TEXT_RAW, ""); }
 
 void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, unsigned mode,
                                      std::string_view after) {

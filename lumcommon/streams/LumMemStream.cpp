@@ -109,8 +109,8 @@ void LumMemStreamBuf::fillFromSources() {
     while (!sources_.empty() && lastBlockFill_ < growBytes_) {
         std::istream& source = *sources_.front().stream;
         lastBlockFill_ += readBytes(source, {blocks_.back().get() + lastBlockFill_, growBytes_ - lastBlockFill_});
-        // A source that failed has ended as well: asked again it would give nothing for ever.
-        if (!source.good() || lastBlockFill_ < growBytes_) dropFrontSource();
+        // A short read is the end of the source, or its failure, after which it would give nothing for ever.
+        if (lastBlockFill_ < growBytes_) dropFrontSource();
     }
 }
 
@@ -282,15 +282,13 @@ std::streamsize LumMemStreamBuf::xsputn(const char* s, std::streamsize n) {
 }
 
 std::size_t LumMemStreamBuf::copyStream(std::istream& in, std::size_t count) {
-    const auto resynchronise = [this] { pubseekoff(0, std::ios_base::cur, std::ios_base::out); };
     std::size_t copied = 0;
     while (in.good() && count > copied) {
-        resynchronise();
+        readyPutArea();
         const std::size_t got = readBytes(in, {pptr(), std::min(putRoom(), count - copied)});
         advancePut(got);
         copied += got;
     }
-    if (pbase() && putRoom() == 0) resynchronise();
     return copied;
 }
 

@@ -95,21 +95,44 @@ std::int32_t XmlParserImpl::readCharEntityRef(LumName& name, bool wantValue, Uni
     return 0;
 }
 
-char16_t XmlParserImpl::readPredefinedReference() {
-    static constexpr struct {
-        std::u16string_view text;
-        char16_t unit;
-    } references[] = {{u"amp;", u'&'}, {u"lt;", u'<'}, {u"gt;", u'>'}, {u"quot;", u'"'}, {u"apos;", u'\''}};
-    if (!isPredefinedIntact_) return 0;
-    const std::u16string_view rest(cursor_.cur, static_cast<std::size_t>(cursor_.end - cursor_.cur));
-    for (const auto& reference : references) {
-        if (rest.starts_with(reference.text)) {
-            cursor_.cur += reference.text.size();
-            cursor_.touch(cursor_.cur);
+std::int32_t XmlParserImpl::matchSimpleReference(const char16_t*& position, const char16_t* end) const {
+    const char16_t* p = position;
+    if (p == end) return -1;
+    if (*p != '#') {
+        static constexpr struct {
+            std::u16string_view text;
+            char16_t unit;
+        } references[] = {{u"amp;", u'&'}, {u"lt;", u'<'}, {u"gt;", u'>'}, {u"quot;", u'"'}, {u"apos;", u'\''}};
+        const std::u16string_view rest(p, static_cast<std::size_t>(end - p));
+        for (const auto& reference : references) {
+            if (*p != reference.text[0] || !rest.starts_with(reference.text)) continue;
+            if (!isPredefinedIntact_) return -1;
+            position = p + reference.text.size();
             return reference.unit;
         }
+        return -1;
     }
-    return 0;
+    const bool isHexadecimal = ++p != end && *p == 'x';
+    if (isHexadecimal) ++p;
+    const char16_t* const digits = p;
+    std::int32_t value = 0;
+    for (int digit; p != end && (digit = digitValue(*p, isHexadecimal)) >= 0 && p - digits < 8; ++p) {
+        value = value * (isHexadecimal ? 16 : 10) + digit;
+        if (value > 0x10FFFF) return -1;
+    }
+    if (p == end || p == digits || *p != ';' || !isXmlChar(value)) return -1;
+    position = p + 1;
+    return value;
+}
+
+std::int32_t XmlParserImpl::readSimpleReference() {
+    const char16_t* behind = cursor_.cur;
+    const std::int32_t c = matchSimpleReference(behind, cursor_.end);
+    if (c >= 0) {
+        cursor_.cur = behind;
+        cursor_.touch(behind);
+    }
+    return c;
 }
 
 void XmlParserImpl::expandEntityInContent(LumName name) {

@@ -312,9 +312,9 @@ LumXmlParser::EventType XmlParserImpl::next() {
     for (;;) {
         textStart_ = text_.size();
         if (tokenState_ == TOKEN_REFERENCE && getDepth() > 0) {
-            // The character that a predefined reference stands for is text, whatever it is.
-            if (const char16_t unit = readPredefinedReference()) {
-                text_.append(unit);
+            // The character that such a reference stands for is text, whatever it is.
+            if (const std::int32_t c = readSimpleReference(); c >= 0) {
+                text_.appendCodePoint(c);
                 eventType_ = TEXT;
                 isTextCached_ = false;
                 tokenState_ = TOKEN_UNKNOWN;

@@ -206,8 +206,10 @@ private:
     std::int32_t readCharacterReference();
     UnicodeString lookupEntityValue(LumName name, bool isParameter) const;
     void expandEntityInContent(LumName name);
-    /// The character of a reference to a predefined entity that lies in the window; 0, and nothing read, otherwise.
-    char16_t readPredefinedReference();
+    /// The character of a character reference, or of a reference to a predefined entity that means what XML says, that
+    /// lies behind "&" before `end`; -1, and nothing passed over, when it is another one or wrong.
+    std::int32_t matchSimpleReference(const char16_t*& position, const char16_t* end) const;
+    std::int32_t readSimpleReference();
     bool isEntityDefined(const EntityMap& internal, const EntityMap& external, LumName name) const;
 
     // The document type declaration (XmlParserDtd.cpp); what is read goes into text_ as it stands

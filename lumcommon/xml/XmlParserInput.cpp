@@ -277,16 +277,27 @@ void XmlParserImpl::detectEncoding(XmlInput& input) {
 }
 
 void XmlParserImpl::setEncoding(XmlInput& input, const UnicodeString& name) {
+    const UnicodeString knownName = input.encodingName;
     input.encodingName = name;
-    if (name.isEmpty()) return;
+    if (name.isEmpty() || input.isConverted()) return;
     UnicodeString key(name);
     key.trim().toUpper(icu::Locale::getRoot());
     XmlEncoding encoding = input.getEncoding();
     if (findEncoding(LumNameTable::getBuiltinNameEnum(key), encoding)) {
         input.setEncoding(encoding);
-    } else if (features_[FEATURE_BUILTIN_ENCODINGS_ONLY] || !features_[FEATURE_IGNORE_UNSUPPORTED_ENCODING]) {
-        throwError(XmlError::Encoding, name);
+        return;
     }
+    const bool isBuiltinOnly = features_[FEATURE_BUILTIN_ENCODINGS_ONLY];
+    // Bytes that have shown a form of Unicode, by a mark or by their order, are in no other charset.
+    const bool isFormKnown = input.hasBom || (encoding >= XmlEncoding::Utf16LE && encoding <= XmlEncoding::Utf32BE &&
+                                              encoding != XmlEncoding::Utf32Generic);
+    if (!isBuiltinOnly && isFormKnown && XmlInput::isCharset(key)) {
+        input.encodingName = knownName;
+        if (input.hasBom) throwError(XmlError::EncodingConflict, name);
+        return;
+    }
+    if (!isBuiltinOnly && input.convertFrom(key)) return;
+    if (isBuiltinOnly || !features_[FEATURE_IGNORE_UNSUPPORTED_ENCODING]) throwError(XmlError::Encoding, name);
 }
 
 void XmlParserImpl::pushStream(const UnicodeString& systemId) {
@@ -369,7 +380,7 @@ void XmlParserImpl::applyTextEncoding() {
         setEncoding(input, declared);
         const bool isOrderKnown = isIn(detectedEncoding, XmlEncoding::Utf16LE, XmlEncoding::Utf16BE) ||
                                   isIn(detectedEncoding, XmlEncoding::Utf32LE, XmlEncoding::Utf32BE);
-        if (isOrderKnown && input.getEncoding() != detectedEncoding) {
+        if (!input.isConverted() && isOrderKnown && input.getEncoding() != detectedEncoding) {
             input.setEncoding(detectedEncoding);
             input.encodingName = detectedName;
         }

@@ -267,7 +267,7 @@ void XmlParserImpl::applyDeclaredEncoding(const UnicodeString& name) {
     const UnicodeString earlierName = input->encodingName;
     setEncoding(*input, name);
     const XmlEncoding declared = input->getEncoding();
-    if (declared == earlier) return;
+    if (input->isConverted() || declared == earlier) return;
     if (input->hasBom) {
         const bool isSameForm = (isUtf16Order(earlier) && declared == XmlEncoding::Utf16Generic) ||
                                 (isUtf32Order(earlier) && declared == XmlEncoding::Utf32Generic);

@@ -32,18 +32,21 @@ LumNameEnum internUnits(const char16_t* units, std::size_t size) {
     return LumNameTable::getSharedNameEnum(lendUnits(units, size));
 }
 
-/// The class of a unit in ASCII, 0 beyond.
-unsigned classOf(char16_t unit) { return unit < 128 ? xmlCharClasses[unit] : 0u; }
+/// Whether a unit may stand in a qualified name. Characters of two units are left to the slow road.
+bool isQNameUnit(char16_t unit) {
+    if (unit < 128) return (xmlCharClasses[unit] & (detail::CLASS_NAME | detail::CLASS_COLON)) != 0;
+    return !U16_IS_SURROGATE(unit) && isXmlNameChar(unit);
+}
 
-/// The place of the colon in a qualified name of ASCII letters; its size when there is none, nothing when the text is
-/// no qualified name.
+/// Finds the place of the colon in a qualified name; its size when there is none. False when the text is no qualified
+/// name.
 bool splitQName(const char16_t* text, std::size_t size, std::size_t& colon) {
     colon = static_cast<std::size_t>(std::find(text, text + size, u':') - text);
-    if (!(classOf(text[0]) & detail::CLASS_NAME_START)) return false;
+    if (!isXmlNameStart(text[0])) return false;
     if (colon == size) return true;
     const char16_t* const local = text + colon + 1;
     const char16_t* const end = text + size;
-    return local != end && (classOf(*local) & detail::CLASS_NAME_START) && std::find(local, end, u':') == end;
+    return local != end && isXmlNameStart(*local) && std::find(local, end, u':') == end;
 }
 
 }  // namespace
@@ -94,7 +97,7 @@ const CachedName* XmlParserImpl::readQNameFast() {
     const CachedName* const guess = lastName_ ? lastName_->following : nullptr;
     if (guess && static_cast<std::size_t>(cursor_.end - start) > guess->size && guess->matches(start)) {
         const char16_t* const behind = start + guess->size;
-        if (*behind < 128 && !(classOf(*behind) & (detail::CLASS_NAME | detail::CLASS_COLON))) {
+        if (*behind < 128 && !isQNameUnit(*behind)) {
             cursor_.cur = behind;
             cursor_.touch(behind + 1);
             return lastName_ = guess;
@@ -111,8 +114,8 @@ const CachedName* XmlParserImpl::readQNameFast() {
 const CachedName* XmlParserImpl::findQName() {
     const char16_t* const start = cursor_.cur;
     const char16_t* p = start;
-    while (p != cursor_.end && (classOf(*p) & (detail::CLASS_NAME | detail::CLASS_COLON))) ++p;
-    if (p == cursor_.end || *p >= 128 || p == start) return nullptr;
+    while (p != cursor_.end && isQNameUnit(*p)) ++p;
+    if (p == cursor_.end || U16_IS_SURROGATE(*p) || p == start) return nullptr;
     const auto size = static_cast<std::size_t>(p - start);
     const CachedName* name = names_.find(start, size);
     if (!name) {
@@ -375,8 +378,18 @@ void XmlParserImpl::processRawLiteral(LiteralType type, detail::UnitBuffer& out)
     std::size_t i = 0;
     for (; i < size; ++i) {
         const char16_t unit = raw[i];
-        if (expands && (unit == '&' || (unit == '<' && type == LITERAL_ATTRIBUTE))) break;
-        out.append(isXmlSpace(unit) ? u' ' : unit);
+        if (expands && unit == '&') {
+            // Only what needs the definition of an entity, and what is wrong, has to become an input of its own.
+            const char16_t* behind = raw + i + 1;
+            const std::int32_t c = type == LITERAL_ATTRIBUTE ? matchSimpleReference(behind, raw + size) : -1;
+            if (c < 0) break;
+            out.appendCodePoint(c);
+            i = static_cast<std::size_t>(behind - raw) - 1;
+        } else if (unit == '<' && type == LITERAL_ATTRIBUTE) {
+            break;
+        } else {
+            out.append(isXmlSpace(unit) ? u' ' : unit);
+        }
     }
     if (i < size) expandLiteral(type, i, out);
 }
@@ -431,8 +444,8 @@ void XmlParserImpl::expandLiteral(LiteralType type, std::size_t from, detail::Un
 
 void XmlParserImpl::expandReferenceInLiteral(LiteralType type, detail::UnitBuffer& out) {
     if (type == LITERAL_ATTRIBUTE) {
-        if (const char16_t unit = readPredefinedReference()) {
-            out.append(unit);
+        if (const std::int32_t c = readSimpleReference(); c >= 0) {
+            out.appendCodePoint(c);
             return;
         }
     }

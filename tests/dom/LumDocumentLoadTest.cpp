@@ -117,8 +117,9 @@ TEST_F(LumDocumentLoadTest, deferredLoadingReadsAsFarAsAsked) {
 }
 
 TEST_F(LumDocumentLoadTest, abortKeepsTheTreeAsItIs) {
+    const UnicodeString xml(u"<r><a/><b/><c/></r>");
     document->setDeferredLoad(true);
-    document->loadXml(u"<r><a/><b/><c/></r>");
+    document->loadXml(xml);
     document->getDocumentElement()->getFirstChild()->getNextSibling();
     document->abort();
     EXPECT_EQ(document->loadNextNode(), nullptr);
@@ -177,13 +178,15 @@ TEST_F(LumDocumentLoadTest, errorsLeaveWhatWasBuilt) {
             EXPECT_EQ(document->loadNextNode(), nullptr);
         }
     }
+    document->setDeferredLoad(false);
     document->loadXml(u"<ok/>");
     EXPECT_EQ(xmlOf(*document), "<ok/>");
 }
 
 TEST_F(LumDocumentLoadTest, anErrorBeforeReadingEndsTheOlderLoad) {
+    const UnicodeString xml(u"<r><a/><b/></r>");
     document->setDeferredLoad(true);
-    document->loadXml(u"<r><a/><b/></r>");
+    document->loadXml(xml);
     document->getDocumentElement();
     EXPECT_THROW(document->load(UnicodeString(u"/no/such/file")), LumError);
     EXPECT_EQ(xmlOf(*document), "<r/>");

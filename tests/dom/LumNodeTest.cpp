@@ -274,6 +274,8 @@ TEST(LumNode, namespaceLookupsFollowDeclarationsAndElements) {
     EXPECT_EQ(utf8(find(document, "b")->lookupPrefix(LumName(u"u:p")).getString()), "p");
     EXPECT_TRUE(c->lookupPrefix(LumName(u"u:d")).isNull()) << "a default namespace has no prefix";
     EXPECT_TRUE(c->lookupPrefix(LumName()).isNull());
+    const LumPtr<LumDocument> shadowed = load("<p:a xmlns:p='u:1'><b xmlns:p='u:2'/></p:a>");
+    EXPECT_TRUE(find(shadowed, "b")->lookupPrefix(LumName(u"u:1")).isNull()) << "the prefix means something else here";
     EXPECT_TRUE(find(document, "b")->isDefaultNamespace(LumName(u"u:d"))) << "a prefixed element asks its parent";
     EXPECT_TRUE(find(document, "g")->isDefaultNamespace(LumName()));
     EXPECT_EQ(utf8(document->lookupNamespaceUri(LumName(u"p")).getString()), "u:p") << "a document asks its root";

@@ -183,20 +183,25 @@ std::string encodedSlowly(const UnicodeString& units, bool isAttribute) {
 }
 
 TEST_F(XmlSerializerTest, everyUnitAtEveryPlaceOfARunIsEncodedByTheRules) {
-    // Runs of all lengths around the widths of the vector loops, with the unit in each place.
-    for (int unit = 0; unit <= 0xFFFF; unit += unit < 0x180 ? 1 : 0x3B) {
-        const int length = 1 + unit % 37;
-        UnicodeString run;
-        for (int i = 0; i < length; ++i) run.append(static_cast<char16_t>(u'a' + i % 26));
-        for (int place = 0; place < length; place += unit < 0x180 ? 1 : 5) {
-            UnicodeString units(run);
-            units.setCharAt(place, static_cast<char16_t>(unit));
-            startDocument();
-            serializer->text(units);
-            ASSERT_EQ(written(), encodedSlowly(units, false)) << "unit " << unit << " at " << place << " of " << length;
-            serializer->startTag(none, name("a"));
-            serializer->attribute(none, name("b"), units);
-            ASSERT_EQ(written(), "<a b=\"" + encodedSlowly(units, true) + "\"") << "unit " << unit << " at " << place;
+    // Lengths on both sides of the widths of vector loops; beyond the first units one length after the other.
+    static constexpr int lengths[] = {1, 7, 8, 9, 15, 16, 17, 23, 24, 25, 33};
+    startDocument();
+    for (int unit = 0; unit <= 0xFFFF; unit += unit < 0x110 ? 1 : 0x3B) {
+        for (const int length : lengths) {
+            if (unit > 0x110 && length != lengths[static_cast<std::size_t>(unit) % std::size(lengths)]) continue;
+            UnicodeString run;
+            for (int i = 0; i < length; ++i) run.append(static_cast<char16_t>(u'a' + i % 26));
+            for (int place = 0; place < length; ++place) {
+                UnicodeString units(run);
+                units.setCharAt(place, static_cast<char16_t>(unit));
+                serializer->startTag(none, name("a"));
+                serializer->attribute(none, name("b"), units);
+                serializer->text(units);
+                serializer->endTag(none, name("a"));
+                ASSERT_EQ(written(),
+                          "<a b=\"" + encodedSlowly(units, true) + "\">" + encodedSlowly(units, false) + "</a>")
+                    << "unit " << unit << " at " << place << " of " << length;
+            }
         }
     }
 }

@@ -26,6 +26,8 @@ constexpr RootCase rootCases[] = {
     {"no namespace", "<a/>", "", "a", ""},
     {"prefix taken for the name", "<p:a xmlns:p='urn:x'/>", "urn:x", "a", "urn:x"},
     {"stops before the root", "<?xml version='1.0'?><!-- <x/> --><?p <y/>?>\n<a>", "", "a", ""},
+    {"stops at a document type", "<!DOCTYPE a [<!ENTITY e '<y/>'>]><a>", "", "a", ""},
+    {"reads an external DTD", "<!DOCTYPE a SYSTEM 'no/such/file.dtd'><a/>", "", "a", ""},
     {"wants prefixes declared", "<a q:b='&undefined;'/>", "", "a", ""},
     {"wants the encoding known", "<?xml version='1.0' encoding='x-nobody-knows'?><a/>", "", "a", ""},
     {"no root", "<!-- nothing -->", "", "", ""},

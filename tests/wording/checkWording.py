@@ -60,7 +60,8 @@ def main():
         checked += 1
         found += findings(name, text)
     assert checked > 50, "hardly any file was read"
-    print("\n".join(found))
+    if found:
+        print("\n".join(found))
     return 1 if found else 0
 
 

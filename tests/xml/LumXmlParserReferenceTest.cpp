@@ -134,6 +134,22 @@ TEST(LumXmlParserReference, isDefinedForOneDocument) {
     EXPECT_EQ(escape(parser->getText()), "\"L\"");
 }
 
+// Whoever prepares a parser defines entities before there is an input; they hold for the document that comes first.
+TEST(LumXmlParserReference, isDefinedBeforeTheInput) {
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    parser->defineEntityReplacementText(LumName(fromUtf8("e")), fromUtf8("1&gt;"));
+    PieceStream first("<a>&e;&lt;</a>");
+    parser->setInput(first, UnicodeString(), UnicodeString());
+    parser->next();
+    parser->next();
+    EXPECT_EQ(escape(parser->getText()), "\"1><\"");
+    PieceStream second("<a>&e;</a>");
+    parser->setInput(second, UnicodeString(), UnicodeString());
+    parser->next();
+    expectParserError(0x181E, "Reference to undefined entity: &e;", "ENTITY_REF, Line 1, Col 5.",
+                      [&] { parser->next(); });
+}
+
 struct EndlessRow {
     const char* document;
     Entities entities;

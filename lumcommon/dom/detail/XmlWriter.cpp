@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <cstring>
 #include <ostream>
 
 #if defined(__SSE2__)
@@ -181,7 +180,10 @@ UConverter* openShiftJis() {
 
 }  // namespace
 
-XmlWriter::XmlWriter() : buffer_(std::make_unique_for_overwrite<char[]>(BUFFER_SIZE)), cursor_(buffer_.get()) {}
+XmlWriter::XmlWriter()
+    : buffer_(std::make_unique_for_overwrite<char[]>(BUFFER_SIZE)),
+      cursor_(buffer_.get()),
+      limit_(buffer_.get() + BUFFER_SIZE) {}
 
 XmlWriter::~XmlWriter() { ucnv_close(converter_); }
 
@@ -204,11 +206,6 @@ void XmlWriter::selectShiftJis(bool isShiftJis) {
 void XmlWriter::check() {
     if (!stream_) throwCommonError(LumErrorCodeIO::NoOutput, LumCommonErrorSource::SerializerCheckStream);
     if (stream_->fail()) fail();  // the bad or the fail bit
-}
-
-void XmlWriter::ascii(std::string_view text) {
-    reserve(text.size());  // only short fixed texts come here
-    cursor_ = append(cursor_, text);
 }
 
 void XmlWriter::text(const char16_t* units, std::size_t count, unsigned mode) {
@@ -267,10 +264,6 @@ void XmlWriter::sync() {
     }
     if (!isSynced) fail();
     isDirty_ = false;
-}
-
-void XmlWriter::reserve(std::size_t byteCount) {
-    if (static_cast<std::size_t>(buffer_.get() + BUFFER_SIZE - cursor_) < byteCount) commit();
 }
 
 void XmlWriter::markFailed() noexcept {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <iosfwd>
 #include <memory>
 #include <string_view>
@@ -47,7 +48,12 @@ public:
 
     /// Throws unless the stream can be written to.
     void check();
-    void ascii(std::string_view text);
+    /// Only for short fixed texts.
+    void ascii(std::string_view text) {
+        reserve(text.size());
+        std::memcpy(cursor_, text.data(), text.size());
+        cursor_ += text.size();
+    }
     void text(const char16_t* units, std::size_t count, unsigned mode);
     void text(const UnicodeString& text, unsigned mode);
     /// The name's string, unescaped.
@@ -74,7 +80,9 @@ private:
     };
     static constexpr std::size_t NAME_SLOTS = 256;
 
-    void reserve(std::size_t byteCount);
+    void reserve(std::size_t byteCount) {
+        if (static_cast<std::size_t>(limit_ - cursor_) < byteCount) commit();
+    }
     void markFailed() noexcept;
     [[noreturn]] void fail();
     bool put(const char* bytes, std::size_t count);
@@ -85,6 +93,7 @@ private:
     std::ostream* stream_ = nullptr;
     std::unique_ptr<char[]> buffer_;
     char* cursor_;
+    char* limit_;
     bool isShiftJis_ = false;
     bool isDirty_ = false;
     bool isBroken_ = false;

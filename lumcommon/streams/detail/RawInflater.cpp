@@ -28,7 +28,6 @@ void RawInflater::restart() noexcept {
 }
 
 RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<char>& room) noexcept {
-    if (hasEnded_) return Outcome::END;
     if (!isReady_) return Outcome::BROKEN;
     z_stream& z = *stream_;
     const auto given = static_cast<uInt>(std::min(data.size(), mostAtOnce));
@@ -37,13 +36,13 @@ RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<ch
     z.avail_in = given;
     z.next_out = reinterpret_cast<Bytef*>(room.data());
     z.avail_out = free;
-    const int result = ::inflate(&z, data.empty() ? Z_FINISH : Z_NO_FLUSH);
+    const int result = ::inflate(&z, Z_NO_FLUSH);
     data = data.subspan(given - z.avail_in);
     room = room.subspan(free - z.avail_out);
     hasEnded_ = result == Z_STREAM_END;
     if (hasEnded_) return Outcome::END;
-    // A full room comes first: with Z_FINISH it is reported like data that are cut.
-    return result == Z_OK || (room.empty() && result == Z_BUF_ERROR) ? Outcome::MORE : Outcome::BROKEN;
+    // Without data zlib gives what it holds back; when that is nothing, the call is an error to it.
+    return result == Z_OK ? Outcome::MORE : Outcome::BROKEN;
 }
 
 }  // namespace LumCommon::detail

@@ -21,21 +21,20 @@ public:
     void restart() noexcept;
 
     /// Inflates from the start of `data` into the start of `room` and cuts both by what was used. Empty `data` say that
-    /// no more will come: what is held back is given, and where the data do not end there they are broken.
-    /// MORE: `data` are used up or `room` is full.
+    /// no more will come: what is held back is given, and data that do not end there are broken.
+    /// @param room  not empty.
+    /// MORE: `data` are used up or `room` is full. After END it is END again.
     Outcome step(std::span<const char>& data, std::span<char>& room) noexcept;
 
     /// Inflates until `room` is full or the data end, and returns the number of bytes made. Data that turn out to be
     /// broken give 0, whatever was made of them before.
-    /// @param next  gives further data when `data` are used up; none at the end.
+    /// @param next  gives further data when `data` are used up; none at the end. It is not called once the data ended.
     template <class Next>
     std::size_t fill(std::span<const char>& data, std::span<char> room, Next next) {
         const std::size_t size = room.size();
-        while (!room.empty()) {
+        while (!room.empty() && !hasEnded_) {
             if (data.empty()) data = next();
-            const Outcome outcome = step(data, room);
-            if (outcome == Outcome::BROKEN) return 0;
-            if (outcome == Outcome::END) break;
+            if (step(data, room) == Outcome::BROKEN) return 0;
         }
         return size - room.size();
     }

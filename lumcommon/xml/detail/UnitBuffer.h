@@ -22,6 +22,7 @@ public:
     void truncate(std::size_t size) noexcept { size_ = std::min(size, size_); }
 
     void append(const char16_t* units, std::size_t count) {
+        if (count == 0) return;  // there may be no memory on either side
         if (count > capacity_ - size_) grow(count);
         std::memcpy(units_.get() + size_, units, count * sizeof(char16_t));
         size_ += count;

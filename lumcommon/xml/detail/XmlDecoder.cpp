@@ -2,6 +2,9 @@
 
 #include <unicode/utf16.h>
 
+#include <bit>
+#include <cstring>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -13,6 +16,8 @@ namespace {
 constexpr std::int32_t replacement = 0xFFFD;
 
 using Bytes = const unsigned char*;
+
+static_assert(std::endian::native == std::endian::little, "sequences are loaded as little-endian words");
 
 /// One UTF-8 sequence. False, and nothing taken, when it is incomplete and more bytes may follow.
 inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t& c) noexcept {
@@ -173,14 +178,22 @@ void XmlDecoder::decodeUtf8(Run& run) noexcept {
             if (from == run.fromEnd || run.toEnd - to < 2) break;
         }
 #endif
-        const unsigned lead = *from;
-        if (lead >= 0xE3 && lead <= 0xEF && run.fromEnd - from >= 3 && (from[1] & 0xC0) == 0x80 &&
-            (from[2] & 0xC0) == 0x80) {
-            // Ideographs and kana come in long runs, and none of them is a line end.
-            isAfterReturn_ = false;
-            *to++ = static_cast<char16_t>(((lead & 0x0F) << 12) | ((from[1] & 0x3Fu) << 6) | (from[2] & 0x3Fu));
-            from += 3;
-            continue;
+        if (*from >= 0xE2) {
+            // Ideographs and kana come in long runs. Below U+2029 lie a line end and overlong forms of others.
+            const Bytes start = from;
+            while (run.fromEnd - from >= 4 && to != run.toEnd) {
+                std::uint32_t word;
+                std::memcpy(&word, from, sizeof word);
+                if ((word & 0x00C0C0F0u) != 0x008080E0u) break;
+                const std::uint32_t unit = ((word & 0x0Fu) << 12) | ((word >> 2) & 0x0FC0u) | ((word >> 16) & 0x3Fu);
+                if (unit < 0x2029) break;
+                *to++ = static_cast<char16_t>(unit);
+                from += 3;
+            }
+            if (from != start) {
+                isAfterReturn_ = false;
+                continue;
+            }
         }
         std::int32_t c;
         if (!decodeUtf8Sequence(from, run.fromEnd, run.isLast, c)) break;

@@ -16,6 +16,34 @@ constexpr std::size_t slackUnits = 16;     // so that scanners may load whole ve
 
 }  // namespace
 
+/// Hands out the bytes that were read before the charset was known, then the rest of the stream.
+class XmlInput::Remainder : public std::streambuf {
+public:
+    Remainder(std::istream& rest, const unsigned char* from, const unsigned char* to)
+        : stream(this), rest_(rest), block_(from, to) {
+        char* const start = reinterpret_cast<char*>(block_.data());
+        setg(start, start, start + block_.size());
+    }
+
+    std::istream stream;
+
+private:
+    int_type underflow() override {
+        std::streambuf* const buffer = rest_.rdbuf();
+        if (!buffer || rest_.bad() || buffer->sgetc() == traits_type::eof()) return traits_type::eof();
+        block_.resize(blockBytes);
+        char* const start = reinterpret_cast<char*>(block_.data());
+        const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
+        const std::streamsize count = buffer->sgetn(start, std::min<std::streamsize>(available, blockBytes));
+        if (count <= 0) return traits_type::eof();
+        setg(start, start, start + count);
+        return traits_type::to_int_type(*start);
+    }
+
+    std::istream& rest_;
+    std::vector<unsigned char> block_;
+};
+
 XmlInput::XmlInput(std::istream* stream, bool ownsStream)
     : stream_(stream),
       ownsStream_(ownsStream),
@@ -28,6 +56,27 @@ XmlInput::~XmlInput() {
     if (ownsStream_) delete stream_;
 }
 
+bool XmlInput::convertFrom(const UnicodeString& charset) {
+    std::string name;
+    charset.toUTF8String(name);
+    auto remainder = std::make_unique<Remainder>(*stream_, bytes_.data() + byteStart_, bytes_.data() + byteEnd_);
+    auto converted = std::make_unique<LumKobStream>(&remainder->stream, name.c_str());
+    if (!converted->is_open()) return false;
+    remainder_ = std::move(remainder);
+    converted_ = std::move(converted);
+    byteStart_ = byteEnd_ = 0;
+    isAtEnd_ = false;
+    decoder_.encoding = XmlEncoding::Utf16LE;
+    return true;
+}
+
+bool XmlInput::isCharset(const UnicodeString& name) {
+    std::string charset;
+    return LumKobStreamBuf(nullptr, name.toUTF8String(charset).c_str()).is_open();
+}
+
+std::istream* XmlInput::source() noexcept { return converted_ ? converted_.get() : stream_; }
+
 bool XmlInput::fillBytes() {
     if (isAtEnd_) return false;
     if (byteStart_ > 0) {
@@ -35,11 +84,12 @@ bool XmlInput::fillBytes() {
         byteEnd_ -= byteStart_;
         byteStart_ = 0;
     }
-    std::streambuf* buffer = stream_->rdbuf();
+    std::istream* const in = source();
+    std::streambuf* const buffer = in->rdbuf();
     const std::size_t room = bytes_.size() - byteEnd_;
     std::streamsize count = 0;
     try {
-        if (buffer && !stream_->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
+        if (buffer && !in->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
             // A buffer that cannot tell what it holds has at least the byte just looked at.
             const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
             count = buffer->sgetn(reinterpret_cast<char*>(bytes_.data() + byteEnd_),
@@ -49,12 +99,12 @@ bool XmlInput::fillBytes() {
         throw;  // the thread is being cancelled
     } catch (...) {
         // As with every extraction from a stream: what its buffer throws ends the input.
-        if (!(stream_->exceptions() & std::ios::badbit)) stream_->setstate(std::ios::badbit);
+        if (!(in->exceptions() & std::ios::badbit)) in->setstate(std::ios::badbit);
     }
     if (count <= 0) {
         isAtEnd_ = true;
         // As an extraction would leave it; a stream that is set to throw has not failed here.
-        if (!(stream_->exceptions() & std::ios::eofbit)) stream_->setstate(std::ios::eofbit);
+        if (!(in->exceptions() & std::ios::eofbit)) in->setstate(std::ios::eofbit);
         return false;
     }
     byteEnd_ += static_cast<std::size_t>(count);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Text.h>
+#include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/XmlDecoder.h>
 
@@ -52,10 +53,15 @@ public:
     TextPosition getPosition(const XmlCursor& cursor);
     void setPosition(TextPosition position) noexcept { position_ = position; }
 
+    /// Reads what follows in another charset than the decoder knows, through ICU's converters. False, and nothing
+    /// changed, when the charset is unknown.
+    bool convertFrom(const UnicodeString& charset);
+    static bool isCharset(const UnicodeString& name);
+    bool isConverted() const noexcept { return converted_ != nullptr; }
+
     XmlEncoding getEncoding() const noexcept { return decoder_.encoding; }
     void setEncoding(XmlEncoding encoding) noexcept { decoder_.encoding = encoding; }
     std::uint64_t getBytesRead() const noexcept { return bytesRead_; }
-    std::istream* getStream() const noexcept { return stream_; }
 
     UnicodeString encodingName;
     bool hasBom = false;
@@ -63,7 +69,10 @@ public:
     UnicodeString baseUri;
 
 private:
+    class Remainder;
+
     bool fillBytes();
+    std::istream* source() noexcept;
     int peekByte(std::size_t index);
     void pushUncounted(XmlCursor& cursor, char16_t unit);
     void detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken);
@@ -72,6 +81,8 @@ private:
     bool detectByMark(XmlCursor& cursor, int first);
 
     std::istream* stream_;
+    std::unique_ptr<Remainder> remainder_;  // under converted_: bytes read already, then the stream
+    std::unique_ptr<LumKobStream> converted_;
     bool ownsStream_;
     bool isLeashed_ = true;
     bool isAtEnd_ = false;  // the stream has no more bytes

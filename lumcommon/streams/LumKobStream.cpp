@@ -1,0 +1,34 @@
+#include <lumcommon/streams/LumKobStream.h>
+
+namespace LumCommon {
+
+LumKobStream::LumKobStream(std::istream* source, const char* encoding)
+    : std::istream(nullptr), buffer_(source, encoding) {
+    std::istream::rdbuf(&buffer_);
+    if (!is_open()) setstate(std::ios_base::failbit);
+}
+
+LumKobStream::~LumKobStream() = default;
+
+bool LumKobStream::detectEncoding(std::istream* source, UnicodeString& name, bool& bom) {
+    if (!source) return false;
+    constexpr unsigned sampleBytes = 2048;
+    char sample[sampleBytes];
+    CConvContext context;
+    context.input = sample;
+    try {
+        source->read(sample, sampleBytes);
+        context.inputAvailable = static_cast<unsigned>(source->gcount());
+        source->clear();
+        source->seekg(0);
+    } catch (...) {
+        // The stream is set to throw, and is not readable or not seekable: it cannot be read from the start again.
+        return false;
+    }
+    if (context.inputAvailable == 0 || cconvChkEncode(context) != 1) return false;
+    name = UnicodeString(context.charsetName);
+    bom = context.hasMark;
+    return true;
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,132 @@
+#include <lumcommon/streams/LumKobStream.h>
+#include <lumcommon/streams/LumKobStreamBuf.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace LumCommon {
+
+namespace {
+
+struct NameRow {
+    std::string_view given;  // in capitals
+    const char* libraryName;
+};
+
+constexpr NameRow nameRows[] = {
+    {"BIG5", "ChineseBIG5"},        {"CHINESEBIG5", "ChineseBIG5"},  {"CHINESEGBK", "ChineseGBK"},
+    {"EUC-JP", "EUC-JP"},           {"GB2312", "ChineseGBK"},        {"GBK", "ChineseGBK"},
+    {"ISO-2022-JP", "ISO-2022-JP"}, {"ISO-IR-149", "KoreanKSC"},     {"KOREAN", "KoreanKSC"},
+    {"KOREANKSC", "KoreanKSC"},     {"KS_C_5601-1987", "KoreanKSC"}, {"SHIFT-JIS", "WINDOWS31J"},
+    {"SHIFT_JIS", "WINDOWS31J"},    {"WINDOWS-31J", "WINDOWS31J"},   {"WINDOWS31J", "WINDOWS31J"},
+};
+
+constexpr char toCapital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+}  // namespace
+
+const char* LumKobStreamBuf::getLibraryName(const char* encoding) noexcept {
+    const std::string_view name = encoding ? encoding : "";
+    const auto* const row = std::ranges::find_if(nameRows, [name](const NameRow& candidate) {
+        return std::ranges::equal(candidate.given, name, {}, {}, toCapital);
+    });
+    return row != std::end(nameRows) ? row->libraryName : encoding;
+}
+
+LumKobStreamBuf::LumKobStreamBuf(std::istream* in, const char* encoding) : in_(in) {
+    if (encoding) {
+        init(encoding, false);
+        return;
+    }
+    UnicodeString detected;
+    bool bom = false;
+    if (!LumKobStream::detectEncoding(in, detected, bom)) return;
+    std::string name;
+    init(detected.toUTF8String(name).c_str(), bom);
+}
+
+LumKobStreamBuf::~LumKobStreamBuf() { term(); }
+
+bool LumKobStreamBuf::init(const char* encoding, bool bom) {
+    term();
+    CConvOptions options;
+    options.sourceHasMark = bom;
+    if (cconvInitConvert(context_, options, "UTF-16") != 0 ||
+        cconvChgCharset(context_, options, getLibraryName(encoding)) != 0) {
+        term();
+        return false;
+    }
+    if (!output_) output_ = std::make_unique_for_overwrite<char[]>(PUT_BACK_BYTES + BLOCK_BYTES);
+    input_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
+    context_.input = input_.get();
+    context_.inputConsumed = context_.inputAvailable = 0;
+    context_.isLastInput = false;
+    isOpen_ = true;
+    return true;
+}
+
+void LumKobStreamBuf::term() noexcept {
+    cconvTermConvert(context_);
+    input_.reset();
+    isOpen_ = false;
+}
+
+LumKobStreamBuf::int_type LumKobStreamBuf::underflow() {
+    if (gptr() < egptr()) return traits_type::to_int_type(*gptr());
+    if (!input_) return traits_type::eof();
+    // What was delivered last stays in front of what comes, and stays there when nothing comes.
+    char* const start = output_.get();
+    const std::size_t kept =
+        gptr() ? std::min<std::size_t>(PUT_BACK_BYTES, static_cast<std::size_t>(gptr() - eback())) : 0;
+    if (kept > 0) std::memmove(start, gptr() - kept, kept);
+    char* const room = start + kept;
+    setg(start, room, room);
+    if (!convert(room, BLOCK_BYTES)) {
+        term();
+        return traits_type::eof();
+    }
+    setg(start, room, room + context_.outputProduced);
+    return traits_type::to_int_type(*gptr());
+}
+
+/// Moves what has not been consumed to the start of the input and fills it up.
+void LumKobStreamBuf::fill() noexcept {
+    std::size_t filled = context_.inputAvailable - context_.inputConsumed;
+    std::memmove(input_.get(), input_.get() + context_.inputConsumed, filled);
+    try {
+        if (!in_ || !in_->good() || !in_->rdbuf()) context_.isLastInput = true;
+        while (!context_.isLastInput && filled < BLOCK_BYTES) {
+            // Only what lies ready is taken at once: a source that throws in the middle of a read would not say how
+            // much it had delivered before.
+            std::streambuf& source = *in_->rdbuf();
+            if (traits_type::eq_int_type(source.sgetc(), traits_type::eof())) {
+                context_.isLastInput = true;
+                in_->setstate(std::ios_base::eofbit);
+            } else {
+                const auto ready = std::clamp(source.in_avail(), std::streamsize{1},
+                                              static_cast<std::streamsize>(BLOCK_BYTES - filled));
+                filled += static_cast<std::size_t>(source.sgetn(input_.get() + filled, ready));
+            }
+        }
+    } catch (...) {
+        // A source that fails ends like one that is finished.
+        context_.isLastInput = true;
+    }
+    context_.inputConsumed = 0;
+    context_.inputAvailable = static_cast<unsigned>(filled);
+}
+
+/// False when nothing more will be produced. A block of shift sequences alone produces nothing and is not the end.
+bool LumKobStreamBuf::convert(char* room, std::size_t roomBytes) noexcept {
+    context_.output = room;
+    context_.outputCapacity = static_cast<unsigned>(roomBytes);
+    do {
+        fill();
+        if (cconvConvert(context_) != 0 || context_.status == 1) return false;
+    } while (context_.outputProduced == 0);
+    return true;
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,43 @@
+#include <lumcommon/streams/cconv.h>
+#include <lumcommon/streams/detail/CharsetConversion.h>
+#include <lumcommon/streams/detail/CharsetSample.h>
+
+#include <cstring>
+#include <new>
+
+namespace LumCommon {
+
+int cconvInitConvert(CConvContext& context, const CConvOptions& options, const char* toCharset) noexcept {
+    cconvTermConvert(context);
+    context.status = 0;
+    context.conversion = new (std::nothrow) detail::CharsetConversion;
+    return context.conversion && context.conversion->setTarget(toCharset, options) ? 0 : -1;
+}
+
+int cconvChgCharset(CConvContext& context, const CConvOptions& options, const char* fromCharset) noexcept {
+    return context.conversion && context.conversion->setSource(fromCharset, options) ? 0 : -1;
+}
+
+int cconvConvert(CConvContext& context) noexcept {
+    if (context.conversion && context.conversion->run(context)) return 0;
+    context.status = 1;
+    return -1;
+}
+
+int cconvChkEncode(CConvContext& context) noexcept {
+    context.charsetName[0] = '\0';
+    context.hasMark = false;
+    if (!context.input) return 0;
+    const detail::CharsetGuess guess = detail::guessCharset({context.input, context.inputAvailable});
+    if (!guess.name || std::strlen(guess.name) >= sizeof context.charsetName) return 0;
+    std::strcpy(context.charsetName, guess.name);
+    context.hasMark = guess.hasMark;
+    return 1;
+}
+
+void cconvTermConvert(CConvContext& context) noexcept {
+    delete context.conversion;
+    context.conversion = nullptr;
+}
+
+}  // namespace LumCommon

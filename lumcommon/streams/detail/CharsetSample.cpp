@@ -1,0 +1,124 @@
+#include <lumcommon/streams/detail/CharsetSample.h>
+#include <unicode/ucsdet.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+namespace LumCommon::detail {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+struct MarkRow {
+    std::string_view bytes;
+    const char* name;
+};
+constexpr MarkRow markRows[] = {
+    {"\xEF\xBB\xBF"sv, "UTF-8"},    {"\xFF\xFE\0\0"sv, "UTF-32LE"},  // before the mark of UTF-16, which it begins with
+    {"\0\0\xFE\xFF"sv, "UTF-32BE"}, {"\xFF\xFE"sv, "UTF-16LE"},
+    {"\xFE\xFF"sv, "UTF-16BE"},     {"\x84\x31\x95\x33"sv, "GB18030"},
+};
+
+/// Markup without a mark.
+constexpr MarkRow markupRows[] = {
+    {"<\0\0\0"sv, "UTF-32LE"},
+    {"\0\0\0<"sv, "UTF-32BE"},
+    {"<\0"sv, "UTF-16LE"},
+    {"\0<"sv, "UTF-16BE"},
+};
+
+/// What the detector's answers stand for: charsets that the conversion knows under names of its own, and charsets whose
+/// bytes 80 to 9F are control characters. Behind the sample these may turn out to be letters and quotation marks.
+struct NameRow {
+    std::string_view detected;
+    const char* name;
+};
+constexpr NameRow nameRows[] = {
+    {"Big5", "ChineseBIG5"},        {"EUC-KR", "KoreanKSC"},     {"ISO-8859-1", "windows-1252"},
+    {"ISO-8859-9", "windows-1254"}, {"Shift_JIS", "WINDOWS31J"},
+};
+
+struct DetectorCloser {
+    void operator()(UCharsetDetector* detector) const noexcept { ucsdet_close(detector); }
+};
+
+bool isAscii(std::string_view sample) {
+    constexpr char escape = 0x1B;
+    return std::ranges::all_of(sample, [](char c) { return c > 0 && c != escape && c != 0x7F; });
+}
+
+/// How many bytes of a character in UTF-8 stand at `start`: 0 for malformed ones, what there is when it is cut off.
+std::size_t countUtf8Character(std::string_view sample, std::size_t start) {
+    const auto lead = static_cast<unsigned char>(sample[start]);
+    if (lead < 0xC2 || lead > 0xF4) return 0;
+    const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    const std::string_view character = sample.substr(start, length);
+    for (std::size_t k = 1; k < character.size(); ++k) {
+        const auto trail = static_cast<unsigned char>(character[k]);
+        if ((trail & 0xC0) != 0x80) return 0;
+        if (k > 1) continue;
+        if ((lead == 0xE0 && trail < 0xA0) || (lead == 0xED && trail > 0x9F)) return 0;
+        if ((lead == 0xF0 && trail < 0x90) || (lead == 0xF4 && trail > 0x8F)) return 0;
+    }
+    return character.size();
+}
+
+/// Whether the sample holds characters of UTF-8 and hardly anything that is not UTF-8. A damaged file is still one.
+bool isUtf8(std::string_view sample) {
+    std::size_t wellFormed = 0;
+    std::size_t malformed = 0;
+    for (std::size_t i = 0; i < sample.size();) {
+        if (static_cast<unsigned char>(sample[i]) < 0x80) {
+            ++i;
+        } else if (const std::size_t length = countUtf8Character(sample, i)) {
+            ++wellFormed;
+            i += length;
+        } else {
+            ++malformed;
+            ++i;
+        }
+    }
+    return wellFormed > 10 * malformed;
+}
+
+/// The detector's answer to bytes that are neither ASCII nor UTF-8.
+const char* guessByStatistics(std::string_view sample) {
+    // Below this, the detector has seen nothing that speaks for a charset but that no byte speaks against it.
+    constexpr std::int32_t leastConfidence = 15;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UCharsetDetector, DetectorCloser> detector(ucsdet_open(&status));
+    ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &status);
+    ucsdet_enableInputFilter(detector.get(), true);
+    std::int32_t count = 0;
+    const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &status);
+    for (std::int32_t i = 0; U_SUCCESS(status) && i < count; ++i) {
+        if (ucsdet_getConfidence(matches[i], &status) < leastConfidence) break;
+        const char* const name = ucsdet_getName(matches[i], &status);
+        // The detector takes overlong forms for UTF-8, which has been ruled out.
+        if (U_FAILURE(status) || std::string_view(name) == "UTF-8") continue;
+        const auto* const row = std::ranges::find(nameRows, std::string_view(name), &NameRow::detected);
+        return row != std::end(nameRows) ? row->name : name;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+CharsetGuess guessCharset(std::string_view sample) noexcept {
+    constexpr std::size_t largestSample = 2048;
+    sample = sample.substr(0, largestSample);
+    if (sample.empty()) return {};
+    for (const MarkRow& row : markRows) {
+        if (sample.starts_with(row.bytes)) return {row.name, true};
+    }
+    for (const MarkRow& row : markupRows) {
+        if (sample.starts_with(row.bytes)) return {row.name, false};
+    }
+    if (isAscii(sample)) return {"US-ASCII", false};
+    if (isUtf8(sample)) return {"UTF-8", false};
+    return {guessByStatistics(sample), false};
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,101 @@
+#include <lumcommon/streams/LumInflaterStream.h>
+
+#include <gtest/gtest.h>
+
+#include <istream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "support/Deflated.h"
+
+using LumCommon::LumInflaterStream;
+using LumCommon::LumInflaterStreamBuf;
+using namespace LumTest;
+
+namespace {
+
+std::string readAll(LumInflaterStreamBuf& buffer) { return {std::istreambuf_iterator<char>(&buffer), {}}; }
+
+/// The bytes in a block of their exact size, so that a sanitizer sees a read past their end.
+std::string inflateExact(const std::string& data) {
+    const std::unique_ptr<char[]> exact(new char[data.size()]);
+    data.copy(exact.get(), data.size());
+    LumInflaterStreamBuf buffer(exact.get(), data.size(), false);
+    return readAll(buffer);
+}
+
+TEST(LumInflaterStreamBuf, readsWhatZlibMade) {
+    for (const std::size_t size : {0, 1, 4095, 4096, 4097, 8192, 100000}) {
+        SCOPED_TRACE(size);
+        const std::string bytes = compressible(size);
+        EXPECT_EQ(inflateExact(deflated(bytes, Wrapper::RAW)), bytes);
+        EXPECT_EQ(inflateExact(deflated(bytes, Wrapper::RAW) + "what follows"), bytes);
+        const std::string one(size, 'x');
+        EXPECT_EQ(inflateExact(deflated(one, Wrapper::RAW)), one) << "output is lost that comes after the last input";
+    }
+}
+
+TEST(LumInflaterStreamBuf, cutAtAnyByteGivesTheWholePiecesBeforeIt) {
+    const std::string bytes = compressible(9000);
+    const std::string data = deflated(bytes, Wrapper::RAW);
+    std::size_t longest = 0;
+    for (std::size_t size = 0; size < data.size(); ++size) {
+        const std::string cut = data.substr(0, size);
+        const std::string got = inflateExact(cut);
+        ASSERT_EQ(got, delivered(inflated(cut, Wrapper::RAW))) << "cut to " << size;
+        longest = std::max(longest, got.size());
+    }
+    EXPECT_EQ(longest, 8192u) << "no cut leaves anything, so that nothing was tried";
+}
+
+TEST(LumInflaterStreamBuf, aFaultInAnyByteEndsTheStream) {
+    const std::string data = deflated(compressible(9000), Wrapper::RAW);
+    int complete = 0;
+    for (std::size_t place = 0; place < data.size(); ++place) {
+        std::string faulty = data;
+        faulty[place] = static_cast<char>(faulty[place] ^ (1 << place % 8));
+        const Inflated judged = inflated(faulty, Wrapper::RAW);
+        ASSERT_EQ(inflateExact(faulty), delivered(judged)) << "fault at " << place;
+        complete += judged.isComplete;
+    }
+    EXPECT_LT(complete, static_cast<int>(data.size())) << "no fault was one";
+}
+
+TEST(LumInflaterStream, startsAgain) {
+    for (const bool copy : {false, true}) {
+        SCOPED_TRACE(copy);
+        const std::string bytes = compressible(9000);
+        auto data = std::make_unique<std::string>(deflated(bytes, Wrapper::RAW));
+        LumInflaterStream stream(data->data(), data->size(), copy);
+        if (copy) data.reset();
+        for (const std::size_t read : {20000, 100, 5000, 20000}) {  // to the end, inside, on, and to the end again
+            std::string got(read, '\0');
+            stream.read(got.data(), static_cast<std::streamsize>(read));
+            got.resize(static_cast<std::size_t>(stream.gcount()));
+            EXPECT_EQ(got, bytes.substr(0, read));
+            stream.reset();
+            EXPECT_TRUE(stream.good());
+        }
+    }
+}
+
+TEST(LumInflaterStream, putsBackTenBytesOverARefillAndAtTheEnd) {
+    const std::string bytes = compressible(5000);
+    const std::string data = deflated(bytes, Wrapper::RAW);
+    for (const std::size_t place : {std::size_t{4097}, bytes.size()}) {
+        SCOPED_TRACE(place);
+        LumInflaterStreamBuf buffer(data.data(), data.size(), false);
+        for (std::size_t i = 0; i < place; ++i) buffer.sbumpc();
+        buffer.sgetc();
+        for (std::size_t i = 1; i <= 10; ++i) ASSERT_EQ(buffer.sungetc(), static_cast<unsigned char>(bytes[place - i]));
+        EXPECT_EQ(readAll(buffer), bytes.substr(place - 10));
+    }
+}
+
+TEST(LumInflaterStream, isEmptyWithoutData) {
+    EXPECT_EQ(LumInflaterStream(nullptr, 0, true).get(), EOF);
+    EXPECT_EQ(LumInflaterStream(nullptr, 0, false).get(), EOF);
+}
+
+}  // namespace

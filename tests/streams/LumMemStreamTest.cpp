@@ -1,0 +1,200 @@
+// What the random test of LumMemStreamModelTest.cpp does not reach: edges, sources that fail, what is only documented.
+
+#include <lumcommon/streams/LumMemStream.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "support/PieceStream.h"
+
+using LumCommon::LumMemStream;
+using LumCommon::LumMemStreamBuf;
+using LumTest::PieceStream;
+
+namespace {
+
+std::string contentOf(LumMemStreamBuf& buffer) {
+    std::string content;
+    buffer.appendToString(content);
+    return content;
+}
+
+TEST(LumMemStreamBuf, refusesAnEmptyBlock) {
+    LumMemStreamBuf buffer(nullptr, 0, false);
+    EXPECT_EQ(buffer.getGrowBytes(), LumMemStreamBuf::defaultGrowBytes);
+    buffer.setGrowBytes(16);
+    buffer.setGrowBytes(0);
+    EXPECT_EQ(buffer.getGrowBytes(), 16u);
+    buffer.sputc('x');
+    buffer.setGrowBytes(32);
+    EXPECT_EQ(buffer.getGrowBytes(), 16u) << "the size changes under the blocks";
+}
+
+TEST(LumMemStreamBuf, readsASourceOnlyWhenItsBytesAreNeeded) {
+    PieceStream first("0123456789");
+    PieceStream second("abc");
+    LumMemStreamBuf buffer(&first, 4, false);
+    buffer.setSource(&second, false);
+    buffer.setSource(nullptr, true);
+    EXPECT_EQ(first.getBuffer().getDeliveredBytes(), 0u) << "construction reads";
+    EXPECT_EQ(buffer.sbumpc(), '0');
+    EXPECT_EQ(second.getBuffer().getDeliveredBytes(), 0u) << "the second is read before the first has ended";
+    EXPECT_EQ(contentOf(buffer), "0123456789abc");
+}
+
+TEST(LumMemStreamBuf, aReaderAtTheEndSeesWhatComesLater) {
+    LumMemStream stream(nullptr, 8);
+    stream << "abc";
+    char got[3];
+    stream.read(got, 3);
+    EXPECT_EQ(stream.rdbuf()->sgetc(), EOF);
+    stream << "d";
+    EXPECT_EQ(stream.rdbuf()->sbumpc(), 'd') << "the end is that of the first read";
+    PieceStream source("e");
+    stream.rdbuf()->setSource(&source, false);
+    EXPECT_EQ(stream.rdbuf()->getRemains(), 1u) << "the last block is filled at once";
+    EXPECT_EQ(stream.rdbuf()->sbumpc(), 'e');
+}
+
+TEST(LumMemStreamBuf, ungetFailsAtTheStartOfABlock) {
+    LumMemStreamBuf buffer(nullptr, 4, false);
+    buffer.sputn("abcdef", 6);
+    buffer.pubseekpos(4, std::ios_base::in);
+    EXPECT_EQ(buffer.sungetc(), EOF);
+    EXPECT_EQ(buffer.sputbackc('x'), 'x');
+    EXPECT_EQ(contentOf(buffer), "abcdef") << "the character put back is stored";
+    EXPECT_EQ(buffer.sgetc(), 'd');
+}
+
+struct SeekCase {
+    const char* fault;
+    std::streamoff off;
+    std::ios_base::seekdir dir;
+};
+constexpr auto mostOffset = std::numeric_limits<std::streamoff>::max();
+const SeekCase refusedSeeks[] = {
+    {"adds to the position before comparing", mostOffset, std::ios_base::cur},
+    {"adds to the length before comparing", mostOffset, std::ios_base::end},
+    {"takes a negative position for a huge one", -1, std::ios_base::beg},
+    {"goes below the start", std::numeric_limits<std::streamoff>::min(), std::ios_base::end},
+    {"knows a fourth direction", 0, static_cast<std::ios_base::seekdir>(3)},
+};
+
+TEST(LumMemStreamBuf, refusesWhatCannotBeSought) {
+    LumMemStreamBuf buffer(nullptr, 4, false);
+    buffer.sputn("abcdef", 6);
+    buffer.pubseekpos(2);
+    for (const SeekCase& c : refusedSeeks) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(std::streamoff(buffer.pubseekoff(c.off, c.dir)), -1);
+        EXPECT_EQ(buffer.sgetc(), 'c');
+        EXPECT_EQ(std::streamoff(buffer.pubseekoff(0, std::ios_base::cur, std::ios_base::out)), 2);
+    }
+}
+
+struct SearchCase {
+    const char* fault;
+    std::string content;
+    const char* pattern;
+    unsigned len;
+    std::streamoff found;  // -1: nowhere
+};
+const SearchCase searchCases[] = {
+    {"misses a match over two blocks", "abcdefgh", "def", 0, 3},
+    {"forgets the start that lies inside a failed match", "aababaabaac", "abaac", 0, 6},
+    {"gives up after a match cut by the end", "abcabc", "abcd", 0, -1},
+    {"takes the empty pattern for found", "abc", "", 0, -1},
+    {"takes null for found", "abc", nullptr, 3, -1},
+    {"stops at a zero byte in a pattern of given length", std::string("ab\0cd", 5), "b\0c", 3, 1},
+    {"looks at the length of the C string only", "xxab", "abz", 2, 2},
+};
+
+TEST(LumMemStreamBuf, findsPatterns) {
+    for (const SearchCase& c : searchCases) {
+        for (const unsigned growBytes : {4u, 8192u}) {
+            SCOPED_TRACE(testing::Message() << c.fault << "; block " << growBytes);
+            LumMemStreamBuf buffer(nullptr, growBytes, false);
+            buffer.sputn(c.content.data(), static_cast<std::streamsize>(c.content.size()));
+            EXPECT_EQ(buffer.searchSeek(c.pattern, c.len), c.found >= 0);
+            EXPECT_EQ(std::streamoff(buffer.pubseekoff(0, std::ios_base::cur, std::ios_base::in)),
+                      std::max<std::streamoff>(c.found, 0));
+            EXPECT_EQ(buffer.skipSeek(c.pattern, c.len), c.found >= 0) << "a pattern that was found is not skipped";
+        }
+    }
+}
+
+TEST(LumMemStreamBuf, searchesHostileTextInOnePass) {
+    // Compared afresh at each candidate, this takes 2^40 steps.
+    LumMemStreamBuf buffer(nullptr, 8192, false);
+    const std::string text(1 << 20, 'a');
+    buffer.sputn(text.data(), static_cast<std::streamsize>(text.size()));
+    const std::string pattern = text + 'b';
+    EXPECT_FALSE(buffer.searchSeek(pattern.data(), static_cast<unsigned>(pattern.size())));
+    EXPECT_TRUE(buffer.searchSeek(text.data(), static_cast<unsigned>(text.size())));
+}
+
+struct ChecksumCase {
+    const char* fault;
+    std::string content;
+    std::uint32_t sum;
+};
+const ChecksumCase checksumCases[] = {
+    {"counts something of nothing", "", 0},
+    {"drops the bytes behind the last whole word", std::string("\0\0\0\1\2", 5), 0x02000001},
+    {"takes bytes for signed", "\xff\xff\xff\xff\xff", 0xFEFFFFFF},
+    {"does not wrap around", "\xff\xff\xff\xff\xff\xff\xff\xff", 0xFFFFFFFE},
+};
+
+TEST(LumMemStreamBuf, sumsBigEndianWords) {
+    for (const ChecksumCase& c : checksumCases) {
+        SCOPED_TRACE(c.fault);
+        LumMemStreamBuf buffer(nullptr, 8, false);
+        buffer.sputn(c.content.data(), static_cast<std::streamsize>(c.content.size()));
+        EXPECT_EQ(buffer.calcOTFTableChecksum(), c.sum);
+    }
+}
+
+TEST(LumMemStreamBuf, aSourceThatFailsHasEnded) {
+    for (const bool throwing : {false, true}) {
+        SCOPED_TRACE(throwing ? "lets the source's exception out" : "asks a failed source for ever");
+        auto failing = std::make_unique<PieceStream>("0123456789", 2);
+        failing->getBuffer().failAfter(6);
+        if (throwing) failing->exceptions(std::ios_base::badbit | std::ios_base::eofbit);
+        PieceStream next("next");
+        LumMemStreamBuf buffer(failing.release(), 4, true);
+        buffer.setSource(&next, false);
+        EXPECT_EQ(contentOf(buffer), "0123next") << "what came with the failure is not known to be right";
+    }
+}
+
+TEST(LumMemStream, copyDoesNotDisturbTheOriginal) {
+    LumMemStream original(nullptr, 4);
+    original << "abcdef";
+    std::string all;
+    original >> all;  // meets the end
+    ASSERT_TRUE(original.eof() && !original.fail());
+    LumMemStream copy(original);
+    EXPECT_EQ(contentOf(*copy.rdbuf()), "abcdef");
+    EXPECT_FALSE(original.fail()) << "asking for its position has made the original fail";
+
+    original.setstate(std::ios_base::failbit);
+    LumMemStream copyOfFailed(original);
+    EXPECT_EQ(std::streamoff(copyOfFailed.tellg()), 0);
+    EXPECT_EQ(std::streamoff(copyOfFailed.tellp()), 6);
+    EXPECT_EQ(original.rdbuf()->sgetc(), EOF) << "the original's position has moved";
+}
+
+TEST(LumMemStreamBuf, ignoresAsASourceWhatWouldNeverEnd) {
+    LumMemStreamBuf buffer(nullptr, 4, false);
+    buffer.sputn("abc", 3);
+    buffer << &buffer;
+    buffer << nullptr;
+    EXPECT_EQ(contentOf(buffer), "abc");
+}
+
+}  // namespace
