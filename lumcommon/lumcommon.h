@@ -2,6 +2,9 @@
 
 /// The umbrella header: everything public.
 
+#include <lumcommon/containers/LumZipEntry.h>
+#include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/containers/LumZipFileEntry.h>
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/LumCStr.h>
 #include <lumcommon/core/LumError.h>
