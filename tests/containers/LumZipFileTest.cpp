@@ -31,6 +31,12 @@ std::atomic<int> allocationsLeft{-1};  // the one that finds 0 fails; negative: 
     if (void* memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory;
     throw std::bad_alloc();
 }
+// A sanitizer brings a form of its own, whose blocks std::free may not release.
+[[gnu::noinline]] void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    if (bytes > largestAllocation) largestAllocation = bytes;
+    if (allocationsLeft >= 0 && allocationsLeft-- == 0) return nullptr;
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
