@@ -2,7 +2,7 @@
 
 LUM_PACKAGES="g++ clang cmake ninja-build ccache clang-format pkg-config binutils python3 libicu-dev zlib1g-dev
 uuid-dev libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
-libxml2-utils xsltproc xz-utils"
+libxml2-utils xsltproc xz-utils w3c-sgml-lib docbook-xml"
 
 # Installs the packages named that are missing. Without root it names them and stops.
 install_missing() {
