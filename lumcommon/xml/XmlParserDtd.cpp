@@ -77,7 +77,6 @@ XmlParserImpl::ExternalId XmlParserImpl::readExternalId(const UnicodeString& sta
     }
     requireDeclSpace(after);
     id.systemId = readDeclLiteral(XmlError::DeclSystemId, UnicodeString(start).append(u" SYSTEM|PUBLIC"));
-    id.isGiven = true;
     return id;
 }
 
@@ -106,7 +105,7 @@ void XmlParserImpl::parseDocDecl() {
         namespaces_->addNamespace(LumName(UnicodeString(u"xlink")),
                                   LumName(UnicodeString(u"http://www.w3.org/1999/xlink")));
     }
-    if (id.isGiven && !features_[FEATURE_SKIP_EXTERNAL_DTD]) addExternalDtd(id.systemId);
+    if (!id.systemId.isEmpty() && !features_[FEATURE_SKIP_EXTERNAL_DTD]) addExternalDtd(id.systemId);
     docTypeSeen_ = true;
 }
 

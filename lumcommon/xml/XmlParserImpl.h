@@ -107,7 +107,7 @@ private:
         std::unique_ptr<detail::XmlInput> input;  // Stream
         bool isBarrier = false;                   // its end is the end of input, whatever lies below
         UnicodeString text;                       // Replacement: keeps the units alive
-        std::uint32_t entityKey = 0;              // Replacement: whose text it is
+        std::vector<std::uint32_t> entityKeys;    // Replacement: the entities that end with it
         const char16_t* start = nullptr;          // Literal: its first unit
     };
 
@@ -214,7 +214,6 @@ private:
 
     // The document type declaration (XmlParserDtd.cpp); what is read goes into text_ as it stands
     struct ExternalId {
-        bool isGiven = false;
         UnicodeString publicId;
         UnicodeString systemId;
     };
@@ -282,7 +281,8 @@ private:
     EntityMap earlyDefinitions_;                      // made before the input that they are for
     std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;
-    std::uint64_t closedBytes_ = 0;  // read from inputs that are closed by now
+    std::uint64_t allowedUnits_ = 0;  // by the bytes read when they were counted last
+    std::uint64_t closedBytes_ = 0;   // read from inputs that are closed by now
 
     mutable int line_ = -1;  // when no input is open
     mutable int column_ = -1;

@@ -134,7 +134,7 @@ void XmlParserImpl::reset() {
     xmlDeclSeen_ = docTypeSeen_ = rootSeen_ = false;
     rootName_ = rootNamespace_ = LumName();
     openEntities_.clear();
-    expandedUnits_ = closedBytes_ = 0;
+    expandedUnits_ = allowedUnits_ = closedBytes_ = 0;
     loadPredefinedEntities();
     hasMathMLEntities_ = false;
     parameterEntities_.clear();
@@ -213,7 +213,8 @@ void XmlParserImpl::popFrame() {
         encodingName_ = frame.input->encodingName;
         frame.input.reset();
     } else if (frame.kind == Frame::Replacement) {
-        openEntities_.erase(frame.entityKey);
+        for (const std::uint32_t key : frame.entityKeys) openEntities_.erase(key);
+        frame.entityKeys.clear();
         frame.text.remove();
     }
     cursor_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->cursor : detail::XmlCursor();
@@ -244,19 +245,17 @@ std::int32_t XmlParserImpl::readCharSlow() {
 
 bool XmlParserImpl::isWithinExpansionLimit(std::uint64_t moreUnits) {
     expandedUnits_ += moreUnits;
-    if (expandedUnits_ <= expansionThresholdUnits) return true;
+    if (expandedUnits_ <= std::max(expansionThresholdUnits, allowedUnits_)) return true;
+    // Counted only when what was allowed is used up: there may be many frames, and nothing is read under them.
     std::uint64_t bytesRead = closedBytes_;
     for (std::size_t i = 0; i < frameCount_; ++i) {
         if (frames_[i]->input) bytesRead += frames_[i]->input->getBytesRead();
     }
-    return expandedUnits_ <= expansionFactor * bytesRead;
+    allowedUnits_ = expansionFactor * bytesRead;
+    return expandedUnits_ <= allowedUnits_;
 }
 
 void XmlParserImpl::pushReplacement(LumName entity, const UnicodeString& text, bool isParameter) {
-    // Frames that are used up go first: an entity that ends with a reference then adds no frame for each reference.
-    while (frameCount_ > 0 && cursor_.cur == cursor_.end && frames_[frameCount_ - 1]->kind == Frame::Replacement) {
-        popFrame();
-    }
     const auto units = static_cast<std::uint64_t>(text.length());
     // An entity inside its own replacement text would go on for ever; there is no need to wait for the limit.
     const std::uint32_t key = entity.getEnum() | (isParameter ? parameterKeyBit : 0);
@@ -264,9 +263,20 @@ void XmlParserImpl::pushReplacement(LumName entity, const UnicodeString& text, b
         throwError(XmlError::ExpansionLimit);
         return;
     }
+    // Frames that are used up go first: an entity that ends with a reference then adds no frame for each reference.
+    // The new text still lies inside the texts of their entities, which stay open as long as it does.
+    std::vector<std::uint32_t> keys;
+    while (frameCount_ > 0 && cursor_.cur == cursor_.end && frames_[frameCount_ - 1]->kind == Frame::Replacement) {
+        std::vector<std::uint32_t>& popped = frames_[frameCount_ - 1]->entityKeys;
+        if (keys.size() < popped.size()) keys.swap(popped);
+        keys.insert(keys.end(), popped.begin(), popped.end());
+        popped.clear();
+        popFrame();
+    }
+    keys.push_back(key);
     Frame& frame = pushFrame(Frame::Replacement);
     frame.text = text;
-    frame.entityKey = key;
+    frame.entityKeys = std::move(keys);
     openEntities_.insert(key);
     const char16_t* const start = frame.text.getBuffer();
     cursor_ = {start, start + units, start};
