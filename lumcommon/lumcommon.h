@@ -2,6 +2,9 @@
 
 /// The umbrella header: everything public.
 
+#include <lumcommon/containers/LumZipEntry.h>
+#include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/containers/LumZipFileEntry.h>
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/LumCStr.h>
 #include <lumcommon/core/LumError.h>
@@ -43,7 +46,9 @@
 #include <lumcommon/streams/LumStrStream.h>
 #include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/streams/cconv.h>
+#include <lumcommon/uri/LumDataUri.h>
 #include <lumcommon/uri/LumUri.h>
+#include <lumcommon/uri/LumUriStream.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumLength.h>

@@ -1,8 +1,8 @@
 # What the scripts share; they read this file with `.`.
 
-LUM_PACKAGES="g++ clang cmake ninja-build ccache clang-format pkg-config binutils python3 libicu-dev zlib1g-dev
+LUM_PACKAGES="g++ g++-multilib clang libclang-rt-14-dev cmake ninja-build ccache clang-format pkg-config binutils python3 libicu-dev zlib1g-dev
 uuid-dev libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
-libxml2-utils xsltproc xz-utils w3c-sgml-lib docbook-xml"
+libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip"
 
 # Installs the packages named that are missing. Without root it names them and stops.
 install_missing() {

@@ -34,7 +34,7 @@ public:
     ~LumRCObject() override;
 
 private:
-    friend class LumNode;  // deleteAllChildNodes releases without atomic instructions
+    friend class LumNode;           // deleteAllChildNodes releases without atomic instructions
     friend class LumNamedValueMap;  // releases maps nested in maps without recursion
     mutable int refCount_ = 0;
 };

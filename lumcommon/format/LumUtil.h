@@ -56,7 +56,8 @@ public:
     /// @param end          gets the position after the number, or `position` when there is none (the result is then 0).
     /// @param hasFraction  set to whether there was a "."; may be null.
     static double parseNumber(const char16_t* position, const char16_t*& end, bool* hasFraction = nullptr);
-    /// Scans white space and hexadecimal digits, at most `maxDigits` (-1: no limit). A number beyond 32 bits gives 0xFFFFFFFF.
+    /// Scans white space and hexadecimal digits, at most `maxDigits` (-1: no limit). A number beyond 32 bits gives
+    /// 0xFFFFFFFF.
     static std::uint32_t parseHexNum(const char16_t* position, const char16_t*& end, int maxDigits = -1);
 
     /// Releases what the class keeps; part of LumCommon::cleanup().

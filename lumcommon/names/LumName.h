@@ -5,6 +5,7 @@
 #include <lumcommon/names/LumNameEnum.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 
 namespace LumCommon {
@@ -47,6 +48,6 @@ private:
 template <>
 struct std::hash<LumCommon::LumName> {
     std::size_t operator()(LumCommon::LumName name) const noexcept {
-        return static_cast<std::size_t>(name.getEnum()) * 0x9E3779B97F4A7C15u;
+        return static_cast<std::size_t>((std::uint64_t{name.getEnum()} * 0x9E3779B97F4A7C15u) >> 20);
     }
 };

@@ -83,15 +83,34 @@ public:
     /// Installs a resolver (null: none) and returns the one before. The caller keeps it alive while it is installed.
     static LumUriReferenceResolver* setUriReferenceResolver(LumUriReferenceResolver* resolver);
 
-    /// Opens the resource for reading: by the installed resolver, else as a local file. Any other scheme gives null,
-    /// and so does a directory.
-    /// @param contentType   gets the media type when one is known; may be null.
-    /// @param errorMessage  gets the reason of a failure when one is known; may be null.
+    /// Opens the resource for reading: by the installed resolver, else by its scheme.
+    /// - file: or no scheme: a local file; a directory gives null.
+    /// - http: fetched as LumUriStreamBuf says; the stream is one that reads while bytes arrive and cannot seek.
+    /// - jar: as "jar:ARCHIVE!/MEMBER", where ARCHIVE is a URI of any of these kinds but jar: and MEMBER the name of a
+    ///   member as the archive has it, or with its percent escapes decoded. "jar:ARCHIVE!/MEMBER!/MEMBER" goes into an
+    ///   archive in the archive, up to 16 deep. The stream holds the compressed bytes and inflates them as it is read.
+    /// Any other scheme gives null; the parts of data: are in LumDataUri.
+    /// @param contentType   gets the media type of an http: resource, and is empty after a jar: one; may be null.
+    /// @param errorMessage  gets what LumUriStreamBuf has to report, "Unknown exception" where something threw; may be
+    ///                      null. Other failures leave it as it was.
     /// Ownership: the caller deletes the stream. Null on failure.
+    /// Cost: archives are read up to the data of their last member; one that does not come from a local file, and one
+    /// inside another, is held in memory as far as it is read. See LumUriStreamBuf for how long a server may take.
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage) const;
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType = nullptr) const;
     /// What the installed resolver opens for this URI; null without one. The caller deletes it.
     [[nodiscard]] std::istream* getStreamFromResolver() const;
+    /// Whether the resource can be opened and begins as gzip data do.
+    bool isGzip() const;
+    /// Whether the stream, sought to 0, begins as gzip data do. It is left behind the two bytes that tell.
+    /// False for a stream that has failed or cannot seek.
+    static bool isGzip(std::istream& s);
+    /// The local path as a LumGzipStream, which passes through what is not gzip data. Null when it cannot be opened.
+    /// Ownership: the caller deletes the stream.
+    [[nodiscard]] std::istream* getGzipStream() const;
+    /// The stream, sought to 0, seen through a LumGzipStream, which the caller deletes.
+    /// @param s  must outlive the result.
+    [[nodiscard]] static std::istream* getGzipStream(std::istream& s);
     /// A new file for writing, in binary, at a local path or file: URI; null on failure. End it with releaseOStream().
     [[nodiscard]] static std::ostream* createOStream(const UnicodeString& path);
     /// Closes and deletes a stream made by createOStream; null is allowed. False when not all could be written.

@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
 """Runs the tool on small inputs and compares what it writes and how it ends.   Usage: lum_test.py LUM"""
+import http.server
+import io
 import json
 import os
 import pathlib
@@ -7,6 +9,8 @@ import resource
 import subprocess
 import sys
 import tempfile
+import threading
+import zipfile
 
 LUM = os.path.abspath(sys.argv[1])
 TEMPORARY = tempfile.TemporaryDirectory(prefix="lum tool ")
@@ -137,6 +141,64 @@ def check_bounded_memory():
            path.stat().st_size + len('<?xml version="1.0"?>'))
 
 
+class Handler(http.server.BaseHTTPRequestHandler):
+    def do_GET(self):
+        body = ARCHIVE.getvalue() if self.path == "/a.zip" else b"served"
+        self.send_response(404 if self.path == "/no" else 200)
+        self.end_headers()
+        self.wfile.write(body)
+
+    def log_message(self, *arguments):
+        pass
+
+
+ARCHIVE = io.BytesIO()
+
+
+def check_resources():
+    inner = io.BytesIO()
+    with zipfile.ZipFile(inner, "w", zipfile.ZIP_DEFLATED) as archive:
+        archive.writestr("m", "inner")
+    with zipfile.ZipFile(ARCHIVE, "w", zipfile.ZIP_DEFLATED) as archive:
+        archive.writestr("d/a b", "outer")
+        archive.writestr("in.zip", inner.getvalue())
+    zip_file = write("a.zip", ARCHIVE.getvalue())
+    every_byte = write("all bytes", bytes(range(256)) * 1000)
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    host = f"http://127.0.0.1:{server.server_port}"
+    rows = [
+        ("a file is changed", every_byte, every_byte.read_bytes()),
+        ("a relative path is not taken", "all bytes", every_byte.read_bytes()),
+        ("file:", every_byte.as_uri(), every_byte.read_bytes()),
+        ("http:", host + "/x", b"served"),
+        ("member of an archive", f"jar:{zip_file.as_uri()}!/d/a b", b"outer"),
+        ("archive in an archive", f"jar:{zip_file.as_uri()}!/in.zip!/m", b"inner"),
+        ("archive of a server", f"jar:{host}/a.zip!/in.zip!/m", b"inner"),
+        ("base64", "data:text/plain;charset=utf-8;BASE64,AP/+8A==", b"\x00\xff\xfe\xf0"),
+        ("escaped bytes", "data:,a%00%C3%A9 b", b"a\x00\xc3\xa9 b"),
+        ("characters that are not escaped", "data:;base64x,\u65e5", "\u65e5".encode()),
+        ("no bytes", "data:,", b""),
+    ]
+    for fault, uri, expected in rows:
+        done = run("cat", uri)
+        expect(fault, (done.returncode, done.stdout, done.stderr), (0, expected, b""))
+    expect("standard input", run("cat", "-", stdin=b"\x00a").stdout, b"\x00a")
+    rows = [
+        ("missing file", "none", b"none"),
+        ("no reason given", host + "/no", host.encode() + b"/no (HTTP status is 404 Not Found)"),
+        ("https:", "https://127.0.0.1/", b"https://127.0.0.1/ (No http scheme)"),
+        ("missing member", f"jar:{host}/a.zip!/x", f"jar:{host}/a.zip!/x".encode()),
+        ("no comma", "data:a", b"data:a"),
+    ]
+    for fault, uri, what in rows:
+        done = run("cat", uri)
+        expect(fault, (done.returncode, done.stdout, done.stderr),
+               (1, b"", b"lum: error 0x1003: Cannot open file: " + what + b"\n"))
+    server.shutdown()
+    server.server_close()
+
+
 def check_failures():
     rows = [
         ("no command", [], 2, None),
@@ -170,7 +232,7 @@ def check_failures():
                (1, b"lum: error 0x1007: Output stream error.\n"))
 
 
-for check in (check_small_commands, check_events, check_save, check_failures, check_bounded_memory):
+for check in (check_small_commands, check_events, check_save, check_resources, check_failures, check_bounded_memory):
     check()
 print("\n".join(failures) or "all as expected")
 sys.exit(1 if failures else 0)

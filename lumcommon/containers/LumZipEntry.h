@@ -1,0 +1,131 @@
+#pragma once
+
+#include <lumcommon/core/LumRCObject.h>
+
+#include <cstdint>
+#include <ios>
+#include <iosfwd>
+
+namespace LumCommon {
+
+/// What the local header and the central directory header of a member say alike, in their order.
+struct LumZipMemberFields {
+    std::uint16_t versionNeeded = 0;
+    std::uint16_t flags = 0;             ///< bit 0: encrypted; bit 3: a data descriptor follows the data
+    std::uint16_t method = 0;            ///< 0: stored; 8: deflate
+    std::uint16_t modificationTime = 0;  ///< in the format of DOS
+    std::uint16_t modificationDate = 0;  ///< in the format of DOS
+    std::uint32_t crc32 = 0;             ///< of the uncompressed data; never checked
+    std::uint32_t compressedSize = 0;    ///< in bytes
+    std::uint32_t uncompressedSize = 0;  ///< in bytes
+    std::uint16_t nameLength = 0;        ///< in bytes
+    std::uint16_t extraLength = 0;       ///< in bytes
+};
+
+/// One record of a zip archive. Each class reads its record from the stream's position when it is constructed.
+///
+/// Failure: nothing is thrown, also where the stream throws. A field that the stream no longer holds is 0, and so is
+/// every field behind it. All numbers are what the archive says; none has been checked against another.
+/// Of the derived classes only LumZipFileEntry has a type identifier of its own.
+/// Ownership: the stream stays the caller's.   Threads: one at a time per stream.
+class LUM_API LumZipEntry : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0xB84B5A40u;
+
+    static constexpr std::uint32_t SIGNATURE_FILE = 0x04034B50u;
+    static constexpr std::uint32_t SIGNATURE_EXTHEADER = 0x08074B50u;
+    static constexpr std::uint32_t SIGNATURE_DIRECTORY = 0x02014B50u;
+    static constexpr std::uint32_t SIGNATURE_END_DIRECTORY = 0x06054B50u;
+
+    /// Reads the signature.
+    explicit LumZipEntry(std::istream& s);
+    ~LumZipEntry() override;
+
+    /// The stream that the record was read from; null once an archive that owned it is gone.
+    std::istream* getStream() const noexcept { return stream_; }
+    /// Where the record begins in the stream, in bytes; -1 when the stream had failed or cannot seek.
+    std::streamoff getPosition() const noexcept { return position_; }
+    /// The first four bytes of the record, 0 when they could not be read.
+    std::uint32_t getSignature() const noexcept { return signature_; }
+
+    /// The next four bytes as a little-endian number; the stream stays where it is. 0 when there are fewer or the
+    /// stream cannot seek.
+    static std::uint32_t getSignature(std::istream& s);
+
+    unsigned int getTypeID() const override;
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+
+private:
+    friend class LumZipFileEntry;  // forgets the stream that its archive deletes
+
+    std::istream* stream_;
+    std::streamoff position_;
+    std::uint32_t signature_;
+};
+
+/// A data descriptor: it follows the data of a member whose sizes were not known when its header was written.
+class LUM_API LumZipExtheaderEntry : public LumZipEntry {
+public:
+    explicit LumZipExtheaderEntry(std::istream& s);
+
+    std::uint32_t getCrc32() const noexcept { return crc32_; }
+    std::uint32_t getCompressedSize() const noexcept { return compressedSize_; }
+    std::uint32_t getUncompressedSize() const noexcept { return uncompressedSize_; }
+
+private:
+    std::uint32_t crc32_;
+    std::uint32_t compressedSize_;
+    std::uint32_t uncompressedSize_;
+};
+
+/// A file header of the central directory. The stream stands behind its comment afterwards.
+class LUM_API LumZipDirectoryEntry : public LumZipEntry {
+public:
+    explicit LumZipDirectoryEntry(std::istream& s);
+
+    std::uint16_t getVersionMadeBy() const noexcept { return versionMadeBy_; }
+    const LumZipMemberFields& getFields() const noexcept { return fields_; }
+    std::uint16_t getCommentLength() const noexcept { return commentLength_; }
+    std::uint16_t getDiskNumberStart() const noexcept { return diskNumberStart_; }
+    std::uint16_t getInternalAttributes() const noexcept { return internalAttributes_; }
+    std::uint32_t getExternalAttributes() const noexcept { return externalAttributes_; }
+    std::uint32_t getLocalHeaderOffset() const noexcept { return localHeaderOffset_; }
+    /// The name in the platform's default charset; empty when the stream does not hold all of it.
+    const UnicodeString& getFileName() const noexcept { return fileName_; }
+
+private:
+    std::uint16_t versionMadeBy_;
+    LumZipMemberFields fields_;
+    std::uint16_t commentLength_;
+    std::uint16_t diskNumberStart_;
+    std::uint16_t internalAttributes_;
+    std::uint32_t externalAttributes_;
+    std::uint32_t localHeaderOffset_;
+    UnicodeString fileName_;
+};
+
+/// The end record of the central directory. The stream stands before the archive's comment afterwards.
+class LUM_API LumZipEndDirectoryEntry : public LumZipEntry {
+public:
+    explicit LumZipEndDirectoryEntry(std::istream& s);
+
+    std::uint16_t getDiskNumber() const noexcept { return diskNumber_; }
+    std::uint16_t getDirectoryDisk() const noexcept { return directoryDisk_; }
+    std::uint16_t getDiskEntryCount() const noexcept { return diskEntryCount_; }
+    std::uint16_t getTotalEntryCount() const noexcept { return totalEntryCount_; }
+    std::uint32_t getDirectorySize() const noexcept { return directorySize_; }
+    std::uint32_t getDirectoryOffset() const noexcept { return directoryOffset_; }
+    std::uint16_t getCommentLength() const noexcept { return commentLength_; }
+
+private:
+    std::uint16_t diskNumber_;
+    std::uint16_t directoryDisk_;
+    std::uint16_t diskEntryCount_;
+    std::uint16_t totalEntryCount_;
+    std::uint32_t directorySize_;
+    std::uint32_t directoryOffset_;
+    std::uint16_t commentLength_;
+};
+
+}  // namespace LumCommon

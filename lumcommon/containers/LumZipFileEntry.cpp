@@ -1,0 +1,115 @@
+#include <lumcommon/containers/LumZipFileEntry.h>
+#include <lumcommon/containers/detail/ZipFields.h>
+#include <lumcommon/streams/LumInflaterStream.h>
+#include <lumcommon/streams/LumStrStream.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace LumCommon {
+
+namespace {
+
+constexpr std::size_t firstPieceBytes = std::size_t{64} * 1024;
+
+/// Where the data begin, from the start of the record; the largest sum of its parts is far below 2^31.
+std::streamoff dataOffset(const LumZipMemberFields& fields) noexcept {
+    constexpr std::streamoff signatureBytes = 4;
+    return signatureBytes + std::streamoff{detail::zipMemberFieldsBytes} + fields.nameLength + fields.extraLength;
+}
+
+/// Up to `claimed` bytes of the stream, in pieces that grow with what has come, so that a claim costs nothing.
+std::vector<char> readClaimed(std::istream& in, std::size_t claimed) {
+    std::vector<char> bytes;
+    while (bytes.size() < claimed) {
+        const std::size_t before = bytes.size();
+        const std::size_t piece = std::min(claimed - before, std::max(before, firstPieceBytes));
+        bytes.resize(before + piece);
+        const std::size_t got = detail::readBytes(in, std::span(bytes).subspan(before));
+        if (got < piece) {
+            bytes.resize(before + got);
+            bytes.shrink_to_fit();
+            break;
+        }
+    }
+    return bytes;
+}
+
+}  // namespace
+
+LumZipFileEntry::LumZipFileEntry(std::istream& s) : LumZipEntry(s) {
+    detail::HeaderReader<detail::zipMemberFieldsBytes> header(s);
+    fields_ = detail::takeZipMemberFields(*header);
+    fileName_ = detail::readZipName(s, fields_.nameLength);
+    detail::skipBytes(s, std::uint64_t{fields_.extraLength} + fields_.compressedSize);
+}
+
+LumZipFileEntry::~LumZipFileEntry() = default;
+
+bool LumZipFileEntry::leavesSizesToDescriptor() const noexcept {
+    constexpr unsigned descriptorFollows = 1u << 3;
+    return (fields_.flags & descriptorFollows) != 0 && fields_.compressedSize == 0;
+}
+
+bool LumZipFileEntry::seekData() {
+    const std::streamoff offset = dataOffset(fields_);
+    if (!stream_ || position_ < 0 || position_ > std::numeric_limits<std::streamoff>::max() - offset) return false;
+    try {
+        stream_->clear();  // walking the archive may have ended with a failure
+        stream_->seekg(position_ + offset);
+        return stream_->good();
+    } catch (...) {
+        return false;
+    }
+}
+
+void LumZipFileEntry::loadData() {
+    if (hasReadData_) return;
+    if (seekData()) data_ = readClaimed(*stream_, fields_.compressedSize);
+    hasReadData_ = true;
+}
+
+std::span<const char> LumZipFileEntry::readCompressedData() {
+    try {
+        loadData();
+    } catch (const std::exception&) {
+        // Memory is wanting: nothing was kept, and the next call tries again.
+    }
+    return data_;
+}
+
+std::istream* LumZipFileEntry::getCompressedStream(bool fresh) {
+    try {
+        loadData();
+        if (fresh) return new LumStrStream(data_.data(), data_.size(), true);
+        if (!compressedStream_) compressedStream_ = std::make_unique<LumStrStream>(data_.data(), data_.size(), false);
+        compressedStream_->clear();
+        compressedStream_->seekg(0);
+        return compressedStream_.get();
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+std::istream* LumZipFileEntry::getUncompressedStream(bool fresh) {
+    if (fields_.method != METHOD_DEFLATE) return getCompressedStream(fresh);
+    try {
+        loadData();
+        if (fresh) return new LumInflaterStream(data_.data(), data_.size(), true);
+        if (!uncompressedStream_) {
+            uncompressedStream_ = std::make_unique<LumInflaterStream>(data_.data(), data_.size(), false);
+        }
+        uncompressedStream_->reset();
+        return uncompressedStream_.get();
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+unsigned int LumZipFileEntry::getTypeID() const { return TYPE_ID; }
+
+bool LumZipFileEntry::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumZipEntry::isA(typeId); }
+
+UnicodeString LumZipFileEntry::getTypeName() const { return u"LumZipFileEntry"; }
+
+}  // namespace LumCommon

@@ -1,0 +1,64 @@
+#include <lumcommon/containers/detail/BoundedReader.h>
+#include <lumcommon/containers/detail/DescriptorSearch.h>
+#include <lumcommon/containers/detail/ZipFields.h>
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <vector>
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr std::size_t descriptorBytes = 16;
+constexpr std::size_t windowBytes = std::size_t{64} * 1024;
+constexpr std::string_view signature("PK\x07\x08", 4);
+
+/// The first descriptor that lies in `window` as a whole and states its own distance.
+/// @param distance  of the window from the member's data; receives that of what was found.
+bool findIn(std::string_view window, std::uint64_t& distance, LumZipMemberFields& found) {
+    for (std::size_t at = 0; (at = window.find(signature, at)) != window.npos; ++at) {
+        BoundedReader fields(window.substr(at));
+        if (fields.getRemainingBytes() < descriptorBytes) return false;
+        fields.take32();
+        const std::uint32_t crc32 = fields.take32();
+        const std::uint32_t compressedSize = fields.take32();
+        if (compressedSize == distance + at) {
+            found.crc32 = crc32;
+            found.compressedSize = compressedSize;
+            found.uncompressedSize = fields.take32();
+            distance += at;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool search(std::istream& in, std::uint64_t& distance, LumZipMemberFields& found) {
+    std::vector<char> window(windowBytes);
+    std::size_t kept = 0;  // bytes at the front that may begin a descriptor
+    while (distance <= std::numeric_limits<std::uint32_t>::max()) {
+        const std::size_t size = kept + readBytes(in, std::span(window).subspan(kept));
+        if (findIn({window.data(), size}, distance, found)) return true;
+        if (size < window.size()) break;
+        kept = descriptorBytes - 1;
+        std::copy(window.end() - static_cast<std::ptrdiff_t>(kept), window.end(), window.begin());
+        distance += size - kept;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool findDescriptor(std::istream& in, LumZipMemberFields& fields) {
+    const std::streamoff start = tellPosition(in);
+    if (start < 0) return false;
+    std::uint64_t distance = 0;
+    const bool isFound = search(in, distance, fields);
+    // What lies between was read, so the sum is a position of the stream and cannot wrap.
+    rewindTo(in, start + static_cast<std::streamoff>(isFound ? distance : 0));
+    return isFound;
+}
+
+}  // namespace LumCommon::detail

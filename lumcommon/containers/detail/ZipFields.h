@@ -1,0 +1,28 @@
+#pragma once
+
+#include <lumcommon/containers/LumZipEntry.h>
+#include <lumcommon/containers/detail/BoundedReader.h>
+
+#include <cstdint>
+#include <istream>
+
+namespace LumCommon::detail {
+
+/// The size of LumZipMemberFields in an archive.
+inline constexpr std::size_t zipMemberFieldsBytes = 26;
+
+LumZipMemberFields takeZipMemberFields(BoundedReader& header) noexcept;
+
+/// Reads a name of `lengthBytes`, in the platform's default charset; empty when the stream does not hold all of it.
+UnicodeString readZipName(std::istream& in, std::uint16_t lengthBytes);
+
+/// Moves the stream on. What the stream throws fails it.
+void skipBytes(std::istream& in, std::uint64_t bytes) noexcept;
+
+/// The stream's position; -1 when it has failed or cannot seek.
+std::streamoff tellPosition(std::istream& in) noexcept;
+
+/// Moves back to a position that the stream was read on from. That it met its end on the way is forgotten.
+void rewindTo(std::istream& in, std::streamoff position) noexcept;
+
+}  // namespace LumCommon::detail

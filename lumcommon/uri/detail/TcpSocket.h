@@ -1,0 +1,35 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace LumCommon::detail {
+
+/// The moment at which waiting ends.
+class Deadline {
+public:
+    explicit Deadline(int milliseconds)
+        : end_(std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds)) {}
+
+    bool isOver() const { return std::chrono::steady_clock::now() >= end_; }
+    /// What is left in milliseconds, rounded up, so that a wait of that length does not end before the deadline.
+    int remainingMilliseconds() const;
+
+private:
+    std::chrono::steady_clock::time_point end_;
+};
+
+/// A TCP socket for IPv4 that does not block and is not inherited by other programs; -1 when there is none to be had.
+int makeTcpSocket() noexcept;
+/// Connects to the first address of a host name or dotted address. False when the name is not known, the connection is
+/// refused, or the deadline passes; the socket can then only be closed.
+bool connectTcp(int socket, const std::string& host, unsigned short port, const Deadline& deadline);
+/// Sends all bytes. False when the connection breaks or the deadline passes.
+bool sendTcp(int socket, std::string_view bytes, const Deadline& deadline);
+/// Waits for bytes and takes those that are there, up to the room. 0 at the end, on failure and after the deadline.
+std::size_t receiveTcp(int socket, std::span<char> room, const Deadline& deadline);
+
+}  // namespace LumCommon::detail

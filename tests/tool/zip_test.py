@@ -1,0 +1,146 @@
+#!/usr/bin/env python3
+"""Lists and prints archives with the tool and compares with other readers of zip archives: Python's zipfile, and unzip
+where it is installed.   Usage: zip_test.py LUM DATA_FOLDER"""
+import gzip
+import io
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import zipfile
+
+LUM = os.path.abspath(sys.argv[1])
+DATA = pathlib.Path(sys.argv[2]).resolve()
+TEMPORARY = tempfile.TemporaryDirectory(prefix="lum zip ")
+FOLDER = pathlib.Path(TEMPORARY.name)
+UNZIP = shutil.which("unzip")
+ZIP = shutil.which("zip")
+ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8"}
+failures = []
+
+
+def run(*arguments, stdin=b"", environment=None):
+    return subprocess.run([LUM, *map(str, arguments)], input=stdin, capture_output=True, cwd=FOLDER, timeout=60,
+                          env=environment or ENVIRONMENT)
+
+
+def expect(fault, got, expected):
+    if got != expected:
+        failures.append(f"{fault}:\n  got      {str(got)[:500]!r}\n  expected {str(expected)[:500]!r}")
+
+
+class OneWay(io.RawIOBase):
+    """A target that cannot seek: zipfile then writes data descriptors."""
+
+    def __init__(self, out):
+        self.out = out
+
+    def writable(self):
+        return True
+
+    def write(self, data):
+        return self.out.write(data)
+
+
+def make_archives():
+    """Archives by the programs of this machine, besides the committed ones."""
+    members = [("a.txt", b"hello " * 3000), ("dir/", b""), ("dir/\u00e9\u65e5.bin", bytes(range(256)) * 40),
+               ("empty", b""), ("noise", os.urandom(70000))]
+    for method in (zipfile.ZIP_STORED, zipfile.ZIP_DEFLATED):
+        for is_streamed in (False, True):
+            path = FOLDER / f"python{method}{is_streamed}.zip"
+            with path.open("wb") as out, zipfile.ZipFile(OneWay(out) if is_streamed else out, "w", method) as archive:
+                for name, data in members:
+                    archive.writestr(name, data)
+            yield path
+    inner = (FOLDER / "python0True.zip").read_bytes()
+    with zipfile.ZipFile(OneWay((FOLDER / "nested.zip").open("wb")), "w") as archive:
+        archive.writestr("inner.zip", inner)  # its descriptors must not be taken for those of the outer archive
+        archive.writestr("after", b"x")
+    yield FOLDER / "nested.zip"
+    if ZIP:
+        for name, data in members:
+            if not name.endswith("/"):
+                (FOLDER / "in" / name).parent.mkdir(parents=True, exist_ok=True)
+                (FOLDER / "in" / name).write_bytes(data)
+        for level in ("-0", "-9"):
+            subprocess.run([ZIP, "-qr", level, f"../infozip{level}.zip", "."], cwd=FOLDER / "in", check=True)
+            yield FOLDER / f"infozip{level}.zip"
+
+
+def stored_name(info):
+    """zipfile reads names without the mark of UTF-8 in its own charset; the library reads all in the platform's."""
+    return info.filename if info.flag_bits & 0x800 else info.filename.encode("cp437").decode()
+
+
+def check_archive(path):
+    done = run("zip", "list", path)
+    expect(f"{path.name} is not listed", (done.returncode, done.stderr), (0, b""))
+    listed = [json.loads(line) for line in done.stdout.splitlines()]
+    with zipfile.ZipFile(path) as archive:
+        infos = archive.infolist()
+        expect(f"{path.name}: listed otherwise than by zipfile", listed,
+               [{"name": stored_name(i), "method": i.compress_type, "flags": i.flag_bits, "crc32": i.CRC,
+                 "compressedSize": i.compress_size, "uncompressedSize": i.file_size} for i in infos])
+        for info in infos:
+            done = run("zip", "cat", path, stored_name(info))
+            expect(f"{path.name}!/{info.filename}: other bytes than by zipfile", (done.returncode, done.stdout),
+                   (0, archive.read(info)))
+            if UNZIP and info.filename.isascii() and not info.is_dir() and info.file_size:
+                judged = subprocess.run([UNZIP, "-p", path, info.filename.replace("[", "[[]")], capture_output=True, env=ENVIRONMENT)
+                expect(f"{path.name}!/{info.filename}: other bytes than by unzip", done.stdout, judged.stdout)
+
+
+def check_failures():
+    (FOLDER / "no.zip").write_bytes(b"PK no archive")
+    whole = (FOLDER / "python8False.zip").read_bytes()
+    (FOLDER / "cut.zip").write_bytes(whole[:60])
+    rows = [
+        ("no such archive", ["list", "none.zip"], b"lum: error 0x1003: Cannot open file: none.zip\n"),
+        ("no archive", ["list", "no.zip"], b"lum: error 0x1003: Cannot open file: no.zip\n"),
+        ("no member", ["cat", "cut.zip", "b"], b"lum: error 0x1003: Cannot open file: cut.zip!/b\n"),
+        ("a cut member passes for a whole one", ["cat", "cut.zip", "a.txt"],
+         b"lum: error 0x1004: Unexpected end of input stream.\n"),
+    ]
+    for fault, arguments, message in rows:
+        done = run("zip", *arguments)
+        expect(fault, (done.returncode, done.stderr), (1, message))
+    expect("no subcommand", run("zip").returncode, 2)
+    expect("no seeking in a pipe", run("zip", "cat", "-", "a.txt", stdin=whole).stdout, b"hello " * 3000)
+    ascii_only = {**ENVIRONMENT, "LC_ALL": "C"}
+    done = run("zip", "cat", "python8False.zip", "dir/\u00e9\u65e5.bin", environment=ascii_only)
+    expect("a member that the locale cannot name", (done.returncode, done.stdout), (0, bytes(range(256)) * 40))
+
+
+def check_kind():
+    document = b"<?xml version='1.0'?><!DOCTYPE p:r SYSTEM 'none.dtd'><p:r xmlns:p='urn:p'/>"
+    root = {"name": "r", "namespace": "urn:p"}
+    rows = [
+        ("archive", (DATA / "office.odt").read_bytes(), {"zip": True, "gzip": False, "root": None}),
+        ("empty archive", b"PK\5\6" + bytes(18), {"zip": True, "gzip": False, "root": None}),
+        ("document", document, {"zip": False, "gzip": False, "root": root}),
+        ("packed document", gzip.compress(document), {"zip": False, "gzip": True, "root": root}),
+        ("no namespace", b"<a/>", {"zip": False, "gzip": False, "root": {"name": "a", "namespace": ""}}),
+        ("text", b"some text", {"zip": False, "gzip": False, "root": None}),
+        ("nothing", b"", {"zip": False, "gzip": False, "root": None}),
+    ]
+    for fault, content, expected in rows:
+        (FOLDER / "kind").write_bytes(content)
+        for file, stdin in (("kind", b""), ("-", content)):
+            done = run("kind", file, stdin=stdin)
+            expect(f"{fault} from {file}", (done.returncode, done.stderr), (0, b""))
+            expect(f"{fault} from {file}", json.loads(done.stdout or b"null"), expected)
+    expect("no such file", run("kind", "none").returncode, 1)
+
+
+archives = sorted(p for p in DATA.iterdir() if zipfile.is_zipfile(p)) + list(make_archives())
+expect("archives are missing", len(archives) >= 10, True)
+for archive_path in archives:
+    check_archive(archive_path)
+check_failures()
+check_kind()
+print("\n".join(failures) or f"{len(archives)} archives, all as expected")
+sys.exit(1 if failures else 0)

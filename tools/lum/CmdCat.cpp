@@ -1,0 +1,84 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/format/LumUtil.h>
+#include <lumcommon/uri/LumDataUri.h>
+#include <unicode/stringoptions.h>
+
+#include "Command.h"
+#include "Output.h"
+
+#include <array>
+#include <iostream>
+#include <memory>
+
+namespace lum {
+namespace {
+
+using namespace LumCommon;
+
+struct Arguments {
+    std::string uri;
+};
+
+void describe(CLI::App& command, Arguments& arguments) {
+    command.add_option("uri", arguments.uri, "A file, a file:, http:, jar: or data: URI, or - for standard input")
+        ->required();
+}
+
+[[noreturn]] void failToOpen(const UnicodeString& what) {
+    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, what);
+}
+
+void copyToOutput(std::istream& in) {
+    std::array<char, 65536> block;
+    while (in.read(block.data(), block.size()), in.gcount() > 0) std::cout.write(block.data(), in.gcount());
+    if (in.bad()) throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::Unnamed25);
+}
+
+bool isBase64(const UnicodeString& head) {
+    static const UnicodeString mark(u";base64");
+    const int32_t start = head.length() - mark.length();
+    return start >= 0 && head.caseCompare(start, mark.length(), mark, U_FOLD_CASE_DEFAULT) == 0;
+}
+
+void printData(const UnicodeString& argument) {
+    const LumDataUri uri(argument);
+    const int32_t start = uri.getDataStart();
+    if (start == -1) failToOpen(argument);
+    const UnicodeString& text = uri.toString();
+    const UnicodeString data(text, start);
+    if (isBase64(UnicodeString(text, 0, start - 1).trim())) {
+        LumUtil::decodeBase64(data, data.length(), std::cout);
+        return;
+    }
+    // An escape stands for a byte. A character that was not escaped goes out as it came.
+    for (int32_t i = 0; i < data.length(); i = data.moveIndex32(i, 1)) {
+        const UChar32 c = data.char32At(i);
+        if (c <= 0xFF) {
+            std::cout.put(static_cast<char>(c));
+        } else {
+            std::cout << toUtf8(UnicodeString(c));
+        }
+    }
+}
+
+void run(const Arguments& arguments) {
+    if (arguments.uri == "-") return copyToOutput(std::cin);
+    const LumUri uri(fromArgument(arguments.uri));
+    if (uri.isDataScheme()) return printData(uri.toString());
+    UnicodeString message;
+    const std::unique_ptr<std::istream> in(uri.getStream(nullptr, &message));
+    if (!in) {
+        UnicodeString what = fromArgument(arguments.uri);
+        if (!message.isEmpty()) what.append(u" (").append(message).append(u')');
+        failToOpen(what);
+    }
+    copyToOutput(*in);
+}
+
+}  // namespace
+
+void addCatCommand(CLI::App& app, Action& action) {
+    addCommand(app, action, "cat", "Write the bytes of a resource", describe, run);
+}
+
+}  // namespace lum
