@@ -22,7 +22,8 @@ public:
 class LUM_API LumUri {
 public:
     /// How the string handed to a constructor is written: 2 and 3 allow url(...) and quotes around it.
-    enum URISTRTYPE : int { URISTR_0 = 0, URISTR_1 = 1, URISTR_2 = 2, URISTR_3 = 3 };
+    using URISTRTYPE = int;
+    static constexpr URISTRTYPE URISTR_0 = 0, URISTR_1 = 1, URISTR_2 = 2, URISTR_3 = 3;
 
     LumUri() = default;
     LumUri(const UnicodeString& s, URISTRTYPE type = URISTR_3);

@@ -12,10 +12,11 @@ public:
     LumUriSub() = delete;
 
     /// Passed through by the resolving functions; their results do not depend on it.
-    enum URISPECTYPE : int { URISPEC_0 = 0, URISPEC_2 = 2 };
+    using URISPECTYPE = int;
+    static constexpr URISPECTYPE URISPEC_0 = 0, URISPEC_2 = 2;
 
     /// The string without url(...) and surrounding quotes, where `strType` (LumUri::URISTRTYPE) allows them.
-    static UnicodeString unquoteUri(const UnicodeString& s, int& specType, int strType);
+    static UnicodeString unquoteUri(const UnicodeString& s, URISPECTYPE& specType, int strType);
     /// The index of the colon that ends the scheme, -1 without one. A scheme has at least two characters, so that a
     /// drive letter is none.
     static int checkScheme(const UnicodeString& s);
@@ -29,9 +30,9 @@ public:
     /// Trims white space and, except in a data: URI, escapes spaces.
     static UnicodeString makeUriSub(const UnicodeString& s);
     /// A path or URI to a URI: "/a" becomes "file:///a", a relative path stays relative.
-    static UnicodeString makeUriFromPath(const UnicodeString& path, int specType);
+    static UnicodeString makeUriFromPath(const UnicodeString& path, URISPECTYPE specType);
     /// Resolves `reference` against `base`.
-    static UnicodeString makeAbsUri(const UnicodeString& base, const UnicodeString& reference, int specType);
+    static UnicodeString makeAbsUri(const UnicodeString& base, const UnicodeString& reference, URISPECTYPE specType);
     /// The local path of a file: URI or a string without scheme, percent escapes decoded; any other URI unchanged.
     static UnicodeString makeLocalPathFromUri(const UnicodeString& uri);
 };

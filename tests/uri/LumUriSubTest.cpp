@@ -108,9 +108,9 @@ TEST(LumUriSub, unwrapsQuotesAndUrl) {
     static constexpr Case cases[] = {
         {"unwraps what it may not", "url('a')", 0, "url('a')", 0},
         {"unwraps what it may not", "url('a')", 1, "url('a')", 2},
-        {"inside not trimmed, spec type kept", "url( ' a b ' )", 3, " a b ", 0},
+        {"inside not trimmed, kind kept", "url( ' a b ' )", 3, " a b ", 0},
         {"quotes without url kept", "\"a\"", 3, "a", 2},
-        {"spec type wrong without wrapper", "'a'", 2, "a", 0},
+        {"kind wrong without wrapper", "'a'", 2, "a", 0},
         {"unequal quotes removed", "'a\"", 3, "'a\"", 2},
         {"one quote counted twice", "'", 3, "'", 2},
         {"only one pair goes", "''a''", 3, "'a'", 2},
