@@ -132,7 +132,6 @@ private:
     void pushStream(const UnicodeString& systemId);
     void readTextDeclaration();
     void applyTextEncoding();
-    bool expectTextDeclEquals(const char16_t* what);
     Frame& pushFrame(Frame::Kind kind);
     void popFrame();
     void pushReplacement(LumName entity, const UnicodeString& text, bool isParameter = false);
@@ -184,7 +183,7 @@ private:
     void parsePi(const UnicodeString& target);
     void parseXmlDecl();
     void applyDeclaredEncoding(const UnicodeString& name);
-    bool expectXmlDeclEquals(const char16_t* what);
+    void expectXmlDeclEquals(const char16_t* what);
     void expectDeclEnd();
     void skipSection();
     bool skipWhitespace();

@@ -360,30 +360,18 @@ void XmlParserImpl::readTextDeclaration() {
     frame.isBarrier = false;
 }
 
-bool XmlParserImpl::expectTextDeclEquals(const char16_t* what) {
-    skipWhitespace();
-    const std::int32_t c = readChar();
-    if (c == '=') {
-        skipWhitespace();
-        return true;
-    }
-    unreadChar(c);
-    throwError(XmlError::XmlDeclEquals, what);
-    return false;
-}
-
 void XmlParserImpl::applyTextEncoding() {
     XmlInput& input = *currentInput();
     skipWhitespace();
     LumName name = readNCName();
     if (name == NAME_version) {
-        expectTextDeclEquals(u"<?xml version");
+        expectXmlDeclEquals(u"<?xml version");
         readLiteral(LITERAL_PLAIN);
         skipWhitespace();
         name = readNCName();
     }
     if (name == NAME_encoding) {
-        expectTextDeclEquals(u"encoding");
+        expectXmlDeclEquals(u"encoding");
         const UnicodeString declared = readLiteral(LITERAL_PLAIN);
         const XmlEncoding detectedEncoding = input.getEncoding();
         const UnicodeString detectedName = input.encodingName;

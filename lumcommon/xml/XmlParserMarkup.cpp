@@ -205,16 +205,15 @@ void XmlParserImpl::parsePi(const UnicodeString& target) {
     }
 }
 
-bool XmlParserImpl::expectXmlDeclEquals(const char16_t* what) {
+void XmlParserImpl::expectXmlDeclEquals(const char16_t* what) {
     skipWhitespace();
     const std::int32_t c = readChar();
-    if (c != '=') {
+    if (c == '=') {
+        skipWhitespace();
+    } else {
         unreadChar(c);
         throwError(XmlError::XmlDeclEquals, what);
-        return false;
     }
-    skipWhitespace();
-    return true;
 }
 
 void XmlParserImpl::expectDeclEnd() {
