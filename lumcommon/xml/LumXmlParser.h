@@ -72,8 +72,8 @@ public:
     /// @param baseUri   what relative references in the document are resolved against.
     /// Errors: 0x1004 for an empty input, 0x1006 for a failed one.
     virtual void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
-    /// The same for a resource that the parser opens. An empty base is replaced by the directory of an absolute URI.
-    /// Errors: also 0x1003 when it cannot be opened.
+    /// The same for a resource that the parser opens, and decompresses when it is compressed with gzip. An empty base
+    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened.
     virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// Lets go of the input; streams that the parser opened are closed.
     virtual void closeStream() = 0;

@@ -3,6 +3,7 @@
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/XmlParserImpl.h>
+#include <lumcommon/xml/detail/OpenInput.h>
 
 #include <lumcommon/xml/detail/XmlChars.h>
 
@@ -86,15 +87,14 @@ void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding, co
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) {
     const LumUri resource(uri);
-    UnicodeString contentType;
-    std::istream* const in = resource.getStream(&contentType);
+    std::unique_ptr<std::istream> in = detail::openInput(resource);
     if (!in) {
         closeStream();
         reset();
         throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
     }
     const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    startInput(in, true, encoding, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
+    startInput(in.release(), true, encoding, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
 }
 
 void XmlParserImpl::startInput(std::istream* in, bool ownsStream, const UnicodeString& encoding,
@@ -316,14 +316,14 @@ void XmlParserImpl::pushStream(const UnicodeString& systemId) {
         throwError(XmlError::NestingLimit);
         return;
     }
-    std::istream* const in = resource.getStream();
+    std::unique_ptr<std::istream> in = detail::openInput(resource);
     if (!in) {
         if (resource.isFile()) {
             throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());
         }
         return;
     }
-    auto input = std::make_unique<XmlInput>(in, true);
+    auto input = std::make_unique<XmlInput>(in.release(), true);
     input->systemId = resource.getLocalPath();
     input->baseUri = resource.isAbsolute() ? resource.getBaseString() : getBaseUri();
     XmlInput& opened = *input;

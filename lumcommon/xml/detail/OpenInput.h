@@ -1,0 +1,17 @@
+#pragma once
+
+#include <istream>
+#include <memory>
+
+namespace LumCommon {
+class LumUri;
+}
+
+namespace LumCommon::detail {
+
+/// Opens a resource that is to be parsed: LumUri::getStream(), and what is compressed with gzip is decompressed. (No
+/// XML document begins with the byte that gzip data begin with.)
+/// Null when the resource cannot be opened.
+std::unique_ptr<std::istream> openInput(const LumUri& resource);
+
+}  // namespace LumCommon::detail
