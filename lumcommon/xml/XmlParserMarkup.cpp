@@ -5,7 +5,6 @@
 
 #include <unicode/locid.h>
 
-#include <algorithm>
 #include <cstdio>
 
 // The look-ahead, character data, comments, processing instructions, the XML declaration, and other "<!" markup.
@@ -116,7 +115,7 @@ void XmlParserImpl::parseCDSect() {
             text_.truncate(text_.size() - 2);
             return;
         }
-        const char16_t* const found = std::find(start, cursor_.end, u']');
+        const char16_t* const found = detail::findUnit(start, cursor_.end, u']');
         if (found != start) brackets = 0;
         text_.append(start, static_cast<std::size_t>(found - start));
         cursor_.cur = found;
@@ -137,7 +136,7 @@ void XmlParserImpl::parseComment() {
             return;
         }
         const char16_t* const start = cursor_.cur;
-        const char16_t* const found = std::find(start, cursor_.end, u'-');
+        const char16_t* const found = detail::findUnit(start, cursor_.end, u'-');
         text_.append(start, static_cast<std::size_t>(found - start));
         cursor_.cur = found;
         cursor_.touch(found);
@@ -192,7 +191,7 @@ void XmlParserImpl::parsePi(const UnicodeString& target) {
             return;
         }
         const char16_t* const start = cursor_.cur;
-        const char16_t* const found = std::find(start, cursor_.end, u'?');
+        const char16_t* const found = detail::findUnit(start, cursor_.end, u'?');
         text_.append(start, static_cast<std::size_t>(found - start));
         cursor_.cur = found;
         cursor_.touch(found);

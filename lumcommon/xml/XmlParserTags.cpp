@@ -377,6 +377,10 @@ void XmlParserImpl::processRawLiteral(LiteralType type, detail::UnitBuffer& out)
     const bool expands = type == LITERAL_ATTRIBUTE || type == LITERAL_ENTITY;
     std::size_t i = 0;
     for (; i < size; ++i) {
+        const char16_t* const runEnd = detail::findValueEnd(raw + i, raw + size, u'&');
+        out.append(raw + i, static_cast<std::size_t>(runEnd - raw) - i);
+        i = static_cast<std::size_t>(runEnd - raw);
+        if (i == size) break;
         const char16_t unit = raw[i];
         if (expands && unit == '&') {
             // Only what needs the definition of an entity, and what is wrong, has to become an input of its own.
@@ -398,7 +402,7 @@ bool XmlParserImpl::readRawLiteral(std::int32_t delimiter, std::uint16_t untermi
     rawLiteral_.clear();
     for (;;) {
         const char16_t* const start = cursor_.cur;
-        const char16_t* const found = std::find(start, cursor_.end, static_cast<char16_t>(delimiter));
+        const char16_t* const found = detail::findUnit(start, cursor_.end, static_cast<char16_t>(delimiter));
         rawLiteral_.append(start, static_cast<std::size_t>(found - start));
         const bool isFound = found != cursor_.end;
         cursor_.cur = isFound ? found + 1 : found;

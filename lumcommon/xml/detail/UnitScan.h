@@ -7,6 +7,21 @@
 /// Searches for the few units at which a scanner has to stop, eight units a step where the processor can.
 namespace LumCommon::detail {
 
+/// The first unit that equals `wanted`; `end` when there is none.
+inline const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t wanted) noexcept {
+#if defined(__SSE2__)
+    const __m128i wantedUnits = _mm_set1_epi16(static_cast<short>(wanted));
+    for (; end - p >= 8; p += 8) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(v, wantedUnits)))) {
+            return p + __builtin_ctz(mask) / 2;
+        }
+    }
+#endif
+    while (p != end && *p != wanted) ++p;
+    return p;
+}
+
 /// The first unit that ends a run of text: "<", "&", "]" or U+FFFF; `end` when there is none.
 inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexcept {
 #if defined(__SSE2__)
