@@ -30,7 +30,9 @@ public:
     /// @param request  all that the client sent, up to the empty line.
     using Answerer = std::function<Answer(const std::string& request)>;
 
-    explicit LoopbackServer(Answerer answerer) : answerer_(std::move(answerer)) {
+    /// @param requestLimitBytes  after so many bytes the server answers without waiting for the rest of the request.
+    explicit LoopbackServer(Answerer answerer, std::size_t requestLimitBytes = std::string::npos)
+        : answerer_(std::move(answerer)), requestLimitBytes_(requestLimitBytes) {
         listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_in address = loopback(0);
         socklen_t sizeBytes = sizeof address;
@@ -94,8 +96,11 @@ private:
     /// True when the connection is to be kept open.
     bool answer(int client) {
         std::string request;
-        while (request.find("\r\n\r\n") == std::string::npos && waitFor(client)) {
-            char room[512];
+        std::size_t searched = 0;
+        while (request.size() < requestLimitBytes_ && request.find("\r\n\r\n", searched) == std::string::npos &&
+               waitFor(client)) {
+            searched = request.size() < 3 ? 0 : request.size() - 3;
+            char room[4096];
             const ssize_t size = recv(client, room, sizeof room, 0);
             if (size <= 0) break;
             request.append(room, static_cast<std::size_t>(size));
@@ -109,10 +114,16 @@ private:
             if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(answer.pauseMilliseconds));
             send(client, answer.pieces[i].data(), answer.pieces[i].size(), MSG_NOSIGNAL);
         }
+        if (request.size() >= requestLimitBytes_) {
+            // The client, still sending, sees the end first and the reset later: the order that raises SIGPIPE.
+            shutdown(client, SHUT_WR);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
         return answer.isKeptOpen;
     }
 
     Answerer answerer_;
+    std::size_t requestLimitBytes_;
     int listener_ = -1;
     int stop_[2] = {-1, -1};
     int port_ = 0;

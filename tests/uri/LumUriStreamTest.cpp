@@ -5,6 +5,7 @@
 #include <support/Utf8.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <iterator>
 #include <memory>
@@ -146,6 +147,20 @@ TEST_F(LumUriStreamTest, sendsTheRequest) {
         EXPECT_FALSE(LumUriStream(text("http://" + host + ":" + std::to_string(server.getPort()) + "/")).is_open());
     }
     EXPECT_EQ(server.getRequests().size(), count) << "a host that is no name was asked";
+}
+
+TEST_F(LumUriStreamTest, sendsLongRequestsInPieces) {
+    const std::string path = "/" + std::string(8000000, 'x');
+    const LoopbackServer server(always("HTTP/1.0 200 OK\r\n\r\nbody"));
+    EXPECT_EQ(open(server.url(path)).body, "body");
+    EXPECT_TRUE(server.getRequests().front().starts_with("GET " + path + " HTTP/1.0\r\n"));
+    const LoopbackServer hasty(always("HTTP/1.0 414 Too long\r\n\r\n"), 100);
+    static volatile std::sig_atomic_t signals;
+    signals = 0;
+    const auto before = std::signal(SIGPIPE, [](int) { signals = signals + 1; });
+    EXPECT_FALSE(open(hasty.url(path)).isOpen);
+    std::signal(SIGPIPE, before);
+    EXPECT_EQ(signals, 0) << "sending to a server that is gone raises SIGPIPE, which ends a program";
 }
 
 TEST_F(LumUriStreamTest, refusesOtherSchemes) {
