@@ -114,11 +114,6 @@ private:
             if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(answer.pauseMilliseconds));
             send(client, answer.pieces[i].data(), answer.pieces[i].size(), MSG_NOSIGNAL);
         }
-        if (request.size() >= requestLimitBytes_) {
-            // The client, still sending, sees the end first and the reset later: the order that raises SIGPIPE.
-            shutdown(client, SHUT_WR);
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
         return answer.isKeptOpen;
     }
 
