@@ -30,7 +30,9 @@ public:
     /// @param request  all that the client sent, up to the empty line.
     using Answerer = std::function<Answer(const std::string& request)>;
 
-    explicit LoopbackServer(Answerer answerer) : answerer_(std::move(answerer)) {
+    /// @param requestLimitBytes  after so many bytes the server answers without waiting for the rest of the request.
+    explicit LoopbackServer(Answerer answerer, std::size_t requestLimitBytes = std::string::npos)
+        : answerer_(std::move(answerer)), requestLimitBytes_(requestLimitBytes) {
         listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_in address = loopback(0);
         socklen_t sizeBytes = sizeof address;
@@ -94,8 +96,11 @@ private:
     /// True when the connection is to be kept open.
     bool answer(int client) {
         std::string request;
-        while (request.find("\r\n\r\n") == std::string::npos && waitFor(client)) {
-            char room[512];
+        std::size_t searched = 0;
+        while (request.size() < requestLimitBytes_ && request.find("\r\n\r\n", searched) == std::string::npos &&
+               waitFor(client)) {
+            searched = request.size() < 3 ? 0 : request.size() - 3;
+            char room[4096];
             const ssize_t size = recv(client, room, sizeof room, 0);
             if (size <= 0) break;
             request.append(room, static_cast<std::size_t>(size));
@@ -113,6 +118,7 @@ private:
     }
 
     Answerer answerer_;
+    std::size_t requestLimitBytes_;
     int listener_ = -1;
     int stop_[2] = {-1, -1};
     int port_ = 0;

@@ -148,6 +148,15 @@ TEST_F(LumUriStreamTest, sendsTheRequest) {
     EXPECT_EQ(server.getRequests().size(), count) << "a host that is no name was asked";
 }
 
+TEST_F(LumUriStreamTest, sendsLongRequestsInPieces) {
+    const std::string path = "/" + std::string(8000000, 'x');
+    const LoopbackServer server(always("HTTP/1.0 200 OK\r\n\r\nbody"));
+    EXPECT_EQ(open(server.url(path)).body, "body");
+    EXPECT_TRUE(server.getRequests().front().starts_with("GET " + path + " HTTP/1.0\r\n"));
+    const LoopbackServer hasty(always("HTTP/1.0 414 Too long\r\n\r\n"), 100);
+    EXPECT_FALSE(open(hasty.url(path)).isOpen) << "a server that goes away while the request is sent";
+}
+
 TEST_F(LumUriStreamTest, refusesOtherSchemes) {
     for (const char* const url : {"https://127.0.0.1/", "ftp://127.0.0.1/a", "http:/127.0.0.1/", "data:,a"}) {
         const Opened opened = open(url);

@@ -26,9 +26,11 @@ bool waitFor(int socket, short events, const Deadline& deadline) {
 
 bool isTransient(int error) { return error == EAGAIN || error == EWOULDBLOCK || error == EINTR; }
 
-/// A resolver may skip what stands behind a blank, and the name is sent to the server as a line of the request.
+/// A resolver may skip what stands behind a blank, and the name is sent to the server as a line of the request. A colon
+/// is left only where there is no name before the port.
 bool isHostName(std::string_view host) {
-    return !host.empty() && std::ranges::all_of(host, [](unsigned char c) { return c > 0x20 && c != 0x7F; });
+    return !host.empty() &&
+           std::ranges::all_of(host, [](unsigned char c) { return c > 0x20 && c != 0x7F && c != ':'; });
 }
 
 std::optional<sockaddr_in> findAddress(const std::string& host, unsigned short port) {
