@@ -6,7 +6,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <array>
 #include <iostream>
 #include <memory>
 
@@ -26,12 +25,6 @@ void describe(CLI::App& command, Arguments& arguments) {
 
 [[noreturn]] void failToOpen(const UnicodeString& what) {
     throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, what);
-}
-
-void copyToOutput(std::istream& in) {
-    std::array<char, 65536> block;
-    while (in.read(block.data(), block.size()), in.gcount() > 0) std::cout.write(block.data(), in.gcount());
-    if (in.bad()) throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::Unnamed25);
 }
 
 bool isBase64(const UnicodeString& head) {
@@ -62,7 +55,10 @@ void printData(const UnicodeString& argument) {
 }
 
 void run(const Arguments& arguments) {
-    if (arguments.uri == "-") return copyToOutput(std::cin);
+    if (arguments.uri == "-") {
+        copyToOutput(std::cin);
+        return;
+    }
     const LumUri uri(fromArgument(arguments.uri));
     if (uri.isDataScheme()) return printData(uri.toString());
     UnicodeString message;

@@ -51,17 +51,6 @@ void list(const Arguments& arguments) {
     }
 }
 
-/// The number of bytes that were there.
-std::uint64_t copyToOutput(std::istream& in) {
-    char piece[8192];
-    std::uint64_t copied = 0;
-    while (in.read(piece, sizeof piece), in.gcount() > 0) {
-        std::cout.write(piece, in.gcount());
-        copied += static_cast<std::uint64_t>(in.gcount());
-    }
-    return copied;
-}
-
 void cat(const Arguments& arguments) {
     LumZipFile zip;
     openArchive(zip, arguments.file);

@@ -3,6 +3,7 @@
 #include <lumcommon/core/LumError.h>
 #include <unicode/ustring.h>
 
+#include <array>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -40,6 +41,17 @@ void printLine(const std::string& text) {
 
 void printJson(const nlohmann::ordered_json& object) {
     printLine(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+}
+
+std::uint64_t copyToOutput(std::istream& in) {
+    std::array<char, 65536> block;
+    std::uint64_t copied = 0;
+    while (in.read(block.data(), block.size()), in.gcount() > 0) {
+        std::cout.write(block.data(), in.gcount());
+        copied += static_cast<std::uint64_t>(in.gcount());
+    }
+    if (in.bad()) throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::Unnamed25);
+    return copied;
 }
 
 void flushOutput() {

@@ -3,6 +3,8 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/names/LumName.h>
 
+#include <cstdint>
+#include <iosfwd>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
@@ -19,6 +21,9 @@ std::string toUtf8(LumCommon::LumName name);
 void printLine(const std::string& text);
 /// Writes the object on one line.
 void printJson(const nlohmann::ordered_json& object);
+/// Copies the rest of a stream to standard output and returns the number of bytes.
+/// Failure: LumError 0x1006 when the input fails.
+std::uint64_t copyToOutput(std::istream& in);
 /// Passes on what standard output still holds.   Failure: LumError 0x1007.
 void flushOutput();
 void flushOutputQuietly();
