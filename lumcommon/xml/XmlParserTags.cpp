@@ -1,5 +1,5 @@
 #include <lumcommon/core/LumStrings.h>
-#include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/XmlParserImpl.h>
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
@@ -23,14 +23,6 @@ namespace {
 constexpr std::size_t maxPairwiseAttributes = 16;
 // Longer values are better copied by the library function.
 constexpr std::size_t maxShortValueUnits = 32;
-
-UnicodeString lendUnits(const char16_t* units, std::size_t size) {
-    return UnicodeString(false, units, static_cast<std::int32_t>(size));
-}
-
-LumNameEnum internUnits(const char16_t* units, std::size_t size) {
-    return LumNameTable::getSharedNameEnum(lendUnits(units, size));
-}
 
 /// Whether a unit may stand in a qualified name. Characters of two units are left to the slow road.
 bool isQNameUnit(char16_t unit) {
@@ -87,7 +79,7 @@ LumName XmlParserImpl::readNCName() {
     const CachedName* name = names_.find(nameBuffer_.data(), nameBuffer_.size());
     if (!name) {
         name = names_.add(nameBuffer_.data(), nameBuffer_.size(), NAME_NULL,
-                          internUnits(nameBuffer_.data(), nameBuffer_.size()));
+                          detail::internName(nameBuffer_.data(), nameBuffer_.size()));
     }
     return name->localName;
 }
@@ -123,8 +115,8 @@ const CachedName* XmlParserImpl::findQName() {
         if (!splitQName(start, size, colon)) return nullptr;
         const bool hasPrefix = colon != size;
         const std::size_t local = hasPrefix ? colon + 1 : 0;
-        const LumNameEnum prefix = hasPrefix ? internUnits(start, colon) : NAME_NULL;
-        name = names_.add(start, size, prefix, internUnits(start + local, size - local));
+        const LumNameEnum prefix = hasPrefix ? detail::internName(start, colon) : NAME_NULL;
+        name = names_.add(start, size, prefix, detail::internName(start + local, size - local));
     }
     cursor_.cur = p;
     cursor_.touch(p + 1);
@@ -220,7 +212,7 @@ void XmlParserImpl::parseAttribute() {
     attribute.valueSize = attributeText_.size() - attribute.valueStart;
     const bool isDefault = attribute.prefix.isNull() && attribute.localName == NAME_xmlns;
     if (isDefault || attribute.prefix == NAME_xmlns) {
-        const LumName uri(internUnits(attributeText_.data() + attribute.valueStart, attribute.valueSize));
+        const LumName uri(detail::internName(attributeText_.data() + attribute.valueStart, attribute.valueSize));
         namespaces_->addNamespace(isDefault ? LumName() : attribute.localName, uri);
         attribute.namespaceUri = NAME_NS_XMLNS;
     }

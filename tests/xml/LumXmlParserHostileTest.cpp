@@ -112,6 +112,25 @@ double parseSeconds(const std::string& document) {
 }
 
 // Comparing each attribute with every other would take four times as long for twice as many, and so long for so many.
+// A hash that multiplies and shifts lets an author cancel one word's difference with the next word's, under any seed.
+TEST(LumXmlParserHostile, namesMadeToShareAHash) {
+    constexpr unsigned blocks = 14;
+    const auto makeDocument = [](const std::string& last, const std::string& nextToLast) {
+        std::string document = "<r>";
+        for (unsigned bits = 0; bits < 1u << blocks; ++bits) {
+            document += '<';
+            for (unsigned block = 0; block < blocks; ++block) {
+                const bool isChanged = (bits >> block) & 1;
+                document += isChanged ? "aaa" + last + "aa" + nextToLast + last : "aaaaaaaa";
+            }
+            document += "/>";
+        }
+        return document + "</r>";
+    };
+    const double ordinary = parseSeconds(makeDocument("\xE8\x81\xA2", "f"));
+    EXPECT_LT(parseSeconds(makeDocument("\xE8\x81\xA1", "e")), 2.5 * ordinary + 0.2);
+}
+
 TEST(LumXmlParserHostile, aHundredThousandAttributes) {
     const auto makeTag = [](int attributes, const char* prefix) {
         std::string tag = "<a xmlns:p='u' xmlns:q='u2'";

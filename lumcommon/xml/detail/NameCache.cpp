@@ -1,7 +1,6 @@
 #include <lumcommon/xml/detail/NameCache.h>
 
 #include <algorithm>
-#include <random>
 
 namespace LumCommon::detail {
 
@@ -10,18 +9,9 @@ namespace {
 constexpr std::size_t initialSlots = 512;
 constexpr std::size_t blockUnits = 4096;
 
-// A seed that a document's author cannot know: names that all fall into one slot would make parsing quadratic.
-std::uint64_t makeSeed() {
-    std::random_device device;
-    return (static_cast<std::uint64_t>(device()) << 32) | device();
-}
-
 }  // namespace
 
-NameCache::NameCache() : mask_(initialSlots - 1), slots_(initialSlots) {
-    static const std::uint64_t seed = makeSeed();
-    seed_ = seed;
-}
+NameCache::NameCache() : key_(processHashKey()), mask_(initialSlots - 1), slots_(initialSlots) {}
 
 void NameCache::insert(Slot slot) noexcept {
     std::uint32_t i = slot.hash & mask_;
@@ -54,7 +44,7 @@ const CachedName* NameCache::add(const char16_t* text, std::size_t size, LumName
     }
     const char16_t* const kept = keep(text, size);
     names_.push_back({kept, static_cast<std::uint32_t>(size), prefix, localName, nullptr});
-    insert({hash(text, size, seed_), &names_.back()});
+    insert({hash(text, size), &names_.back()});
     return &names_.back();
 }
 

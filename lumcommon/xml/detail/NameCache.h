@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumNameEnum.h>
+#include <lumcommon/names/detail/UnitHash.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -30,15 +31,9 @@ struct CachedName {
             return true;
         }
         for (std::uint32_t i = 0; i + 4 < size; i += 4) {
-            if (loadWord(units + i) != loadWord(text + i)) return false;
+            if (loadFourUnits(units + i) != loadFourUnits(text + i)) return false;
         }
-        return loadWord(units + size - 4) == loadWord(text + size - 4);
-    }
-
-    static std::uint64_t loadWord(const char16_t* text) noexcept {
-        std::uint64_t word;
-        std::memcpy(&word, text, sizeof word);
-        return word;
+        return loadFourUnits(units + size - 4) == loadFourUnits(text + size - 4);
     }
 };
 
@@ -50,24 +45,9 @@ class NameCache {
 public:
     NameCache();
 
-    static std::uint32_t hash(const char16_t* text, std::size_t size, std::uint64_t seed) noexcept {
-        std::uint64_t h = seed ^ size;
-        while (size >= 4) {
-            h = mix(h, CachedName::loadWord(text));
-            text += 4;
-            size -= 4;
-        }
-        if (size) {
-            std::uint64_t last = 0;
-            std::memcpy(&last, text, size * sizeof(char16_t));
-            h = mix(h, last);
-        }
-        return static_cast<std::uint32_t>(h ^ (h >> 32));
-    }
-
     /// The entry of exactly this text, else null.
     const CachedName* find(const char16_t* text, std::size_t size) const noexcept {
-        const std::uint32_t h = hash(text, size, seed_);
+        const std::uint32_t h = hash(text, size);
         for (std::uint32_t i = h & mask_;; i = (i + 1) & mask_) {
             const Slot& slot = slots_[i];
             if (!slot.name) return nullptr;
@@ -84,14 +64,13 @@ private:
         const CachedName* name = nullptr;
     };
 
-    static std::uint64_t mix(std::uint64_t h, std::uint64_t word) noexcept {
-        h = (h ^ word) * 0x9E3779B97F4A7C15u;
-        return h ^ (h >> 29);
+    std::uint32_t hash(const char16_t* text, std::size_t size) const noexcept {
+        return static_cast<std::uint32_t>(hashUnits(text, size, key_));
     }
     void insert(Slot slot) noexcept;
     const char16_t* keep(const char16_t* text, std::size_t size);
 
-    std::uint64_t seed_;
+    const HashKey key_;  // of this process: names that all fall into one slot would make parsing quadratic
     std::uint32_t mask_;
     std::vector<Slot> slots_;
     std::deque<CachedName> names_;
