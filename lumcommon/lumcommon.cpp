@@ -9,6 +9,7 @@ int getLibVersion() { return 309; }
 void cleanup() {
     LumNameTable::cleanup();
     LumUtil::cleanup();
+    LumLang::cleanup();
     MathMLName::cleanup();
     SVGName::cleanup();
     u_cleanup();

@@ -26,6 +26,7 @@
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/format/LumUtil.h>
+#include <lumcommon/lang/LumLang.h>
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/names/LumNameEnum.h>
 #include <lumcommon/names/LumNameTable.h>

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+#include <lumcommon/names/LumName.h>
+
+#include <unicode/locid.h>
+
+#include <string>
+#include <string_view>
+
+namespace LumCommon {
+
+/// The bibliographic three-letter language codes (ISO 639-2/B) that ICU does not know, with the codes that it does.
+/// Threads: any; constant data.
+class LUM_API ISO639Bibliographic {
+public:
+    static constexpr int COUNT = 24;
+
+    /// The tag with a bibliographic code at its start replaced: "fre-FR" becomes "fra-FR", "none" the empty string. The
+    /// code is the whole tag, or three characters before one that is no ASCII letter; case counts. Any other tag comes
+    /// back unchanged.   Cost: O(length).
+    static UnicodeString get(const UnicodeString& tag);
+    static std::string get(const char* tag);
+};
+
+/// The table as an object, for callers that hold it by name; it has no state.
+extern LUM_API const ISO639Bibliographic s_ISO639Bibliographic;
+
+/// The language of a piece of text, from a tag ("de", "zh-TW", "fre-CA"): an ICU locale, made after bibliographic codes
+/// have been replaced. "-" and "_" both separate the parts of a tag.
+///
+/// Equality is that of the locale. The order (operator<) looks at the language alone, so that a map keyed by LumLang
+/// finds the entry of "sv" for "sv-SE".
+///
+/// Failure: a tag that ICU cannot parse gives a locale whose language is empty; nothing is thrown.
+/// Threads: a value.
+class LUM_API LumLang : public icu::Locale {
+public:
+    /// The empty language (not ICU's default locale).
+    LumLang() : icu::Locale("") {}
+    explicit LumLang(const UnicodeString& tag);
+    /// @param tag  in ASCII; null is the empty language.
+    explicit LumLang(const char* tag);
+    /// @param countryCode  ISO 3166 code; empty for none.
+    LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode);
+    /// The name's text as a tag; NAME_none and the null name are the empty language.
+    explicit LumLang(LumName name);
+
+    /// Whether there is no language.
+    bool isEmpty() const { return *getLanguage() == '\0'; }
+
+    /// Part of LumCommon::cleanup(). The table is constant data, so there is nothing to release.
+    static void cleanup();
+
+    friend bool operator<(const LumLang& a, const LumLang& b) {
+        return std::string_view(a.getLanguage()) < std::string_view(b.getLanguage());
+    }
+};
+
+}  // namespace LumCommon
