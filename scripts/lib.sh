@@ -2,7 +2,8 @@
 
 LUM_PACKAGES="g++ g++-multilib clang libclang-rt-14-dev cmake ninja-build ccache clang-format pkg-config binutils
 python3 libicu-dev zlib1g-dev uuid-dev libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev
-libpugixml-dev libxml2-dev libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip"
+libpugixml-dev libxml2-dev libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip
+doxygen"
 
 # Installs the packages named that are missing. Without root it names them and stops.
 install_missing() {

@@ -89,7 +89,7 @@ public:
     void setParser(LumXmlParser* parser);
 
     /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8, undeclared.
-    /// @param processingInstruction  written before the node, unless it is empty.
+    /// A processing instruction is written before the node, unless it is empty.
     void save(const UnicodeString& uri, LumNode* node = nullptr);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
