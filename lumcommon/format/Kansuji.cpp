@@ -117,8 +117,7 @@ Kansuji::Kansuji() { std::ranges::copy(KANJI, characters_.begin()); }
 void Kansuji::setDigitKanji() { std::copy_n(KANJI, DIGIT_COUNT, characters_.begin()); }
 
 void Kansuji::setDigitLatin() {
-    for (int i = 0; i < DIGIT_COUNT; ++i)
-        characters_[static_cast<std::size_t>(i)] = u'0' + FULL_WIDTH_OFFSET + i;
+    for (int i = 0; i < DIGIT_COUNT; ++i) characters_[static_cast<std::size_t>(i)] = u'0' + FULL_WIDTH_OFFSET + i;
 }
 
 void Kansuji::setDigits(const UnicodeString& characters) {
