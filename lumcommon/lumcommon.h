@@ -25,8 +25,10 @@
 #include <lumcommon/dom/LumNodeIterable.h>
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
+#include <lumcommon/format/Kansuji.h>
 #include <lumcommon/format/LumUtil.h>
 #include <lumcommon/lang/LumLang.h>
+#include <lumcommon/lang/LumScript.h>
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/names/LumNameEnum.h>
 #include <lumcommon/names/LumNameTable.h>

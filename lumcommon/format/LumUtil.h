@@ -2,13 +2,14 @@
 
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/Text.h>
+#include <lumcommon/names/LumName.h>
 
 #include <cstdint>
 #include <iosfwd>
 
 namespace LumCommon {
 
-/// Text conversions for property values: scanning numbers, quoting, url(...), base64.
+/// Text conversions for property values: scanning numbers, quoting, url(...), base64, Japanese numerals.
 /// Nothing here throws. Threads: any; the functions share no state.
 class LUM_API LumUtil {
 public:
@@ -62,6 +63,19 @@ public:
 
     /// Releases what the class keeps; part of LumCommon::cleanup().
     static void cleanup();
+
+    /// Rewrites the runs of ASCII digits in a text as Japanese numerals; see Kansuji::convert for the styles.
+    /// @param style      NAME_grouping, NAME_readable; any other name: digit by digit.
+    /// @param digits     NAME_kanji, NAME_latin (full-width); any other name: a text whose first ten characters replace
+    ///                   the kanji digits 0 to 9, as far as it has them.
+    /// @param unitChars  characters that replace ten, hundred, thousand and the large units, as far as there are any.
+    /// @param further    has no influence.
+    /// Cost: O(length).
+    static UnicodeString convertKansuji(const UnicodeString& text, LumName style, LumName digits,
+                                        const UnicodeString& unitChars = {}, const UnicodeString& further = {});
+    /// The same for the decimal text of a number; a minus sign is copied.
+    static UnicodeString convertKansuji(int number, LumName style, LumName digits, const UnicodeString& unitChars = {},
+                                        const UnicodeString& further = {});
 };
 
 }  // namespace LumCommon

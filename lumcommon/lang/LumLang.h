@@ -46,6 +46,7 @@ public:
     LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode);
     /// The name's text as a tag; NAME_none and the null name are the empty language.
     explicit LumLang(LumName name);
+    explicit LumLang(LumNameEnum name) : LumLang(LumName(name)) {}  // else ambiguous: an enum is also a character
 
     /// Whether there is no language.
     bool isEmpty() const { return *getLanguage() == '\0'; }

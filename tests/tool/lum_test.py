@@ -60,6 +60,16 @@ def check_small_commands():
         ("text that looks like an option", ["tokens", "--", "-a"],
          '{"kind":45,"text":"","number":0.0}\n{"kind":-3,"text":"a","number":0.0}\n'),
         ("length", ["value", "12pt"], '{"kind":2,"unit":9,"string":"12pt"}\n'),
+        ("digit by digit unless asked otherwise", ["kansuji", "p. 2024"], "p. \u4e8c\u3007\u4e8c\u56db\n"),
+        ("--style", ["kansuji", "--style", "readable", "12345"], "\u4e00\u4e07\u4e8c\u5343\u4e09\u767e\u56db\u5341\u4e94\n"),
+        ("--digits by name", ["kansuji", "--style=grouping", "--digits", "latin", "12000"], "\uff11\u4e07\uff12\uff10\uff10\uff10\n"),
+        ("--digits as characters", ["kansuji", "--digits", "abcdefghij", "--", "-19"], "-bj\n"),
+        ("locale", ["lang", "chi-Hant-TW"],
+         '{"name":"zh_Hant_TW","language":"zh","script":"Hant","country":"TW","variant":""}\n'),
+        ("no language", ["lang", "none"], '{"name":"","language":"","script":"","country":"","variant":""}\n'),
+        ("script by its code", ["script", "Thai"], '{"script":"Thai","code":38,"letter":"\u0e01","named":true}\n'),
+        ("script by a tag", ["script", "ja-JP"], '{"script":"Jpan","code":-8,"letter":"\u3042","named":true}\n'),
+        ("script of text", ["script", "1. \u0416"], '{"script":"Cyrl","code":8,"letter":"\u0410","named":false}\n'),
         ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5"}\n'),
     ]
     for fault, arguments, expected in rows:

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include <lumcommon/format/Kansuji.h>
+#include <lumcommon/format/LumUtil.h>
+#include <support/Utf8.h>
+
+#include <unicode/rbnf.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace LumCommon;
+using LumTest::utf8;
+
+UnicodeString text(const std::string& bytes) { return UnicodeString::fromUTF8(bytes); }
+
+std::string readable(const std::string& digits) {
+    return utf8(LumUtil::convertKansuji(text(digits), NAME_readable, NAME_kanji, u"", u""));
+}
+
+/// The rows of a file of fields between bars; its first line says what they are.
+std::vector<std::vector<std::string>> readRows(const char* file) {
+    std::ifstream in(file);
+    std::vector<std::vector<std::string>> rows;
+    std::string line;
+    std::getline(in, line);
+    while (std::getline(in, line)) {
+        rows.emplace_back();
+        for (std::istringstream fields(line); std::getline(fields, line, '|');) rows.back().push_back(line);
+    }
+    return rows;
+}
+
+TEST(Kansuji, writesRunsOfDigitsInEachStyle) {
+    const auto rows = readRows(LUM_TEST_DATA "/format/kansuji.txt");
+    ASSERT_EQ(rows.size(), 30u);
+    for (const std::vector<std::string>& row : rows) {
+        SCOPED_TRACE(row[0]);
+        ASSERT_EQ(row.size(), 6u);
+        const LumName style(text(row[1])), digits(text(row[2]));
+        EXPECT_EQ(utf8(LumUtil::convertKansuji(text(row[4]), style, digits, text(row[3]), u"ignored")), row[5]);
+    }
+}
+
+TEST(Kansuji, writesNumbersAsTheirDecimalText) {
+    for (const int number : {0, 7, -15, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(utf8(LumUtil::convertKansuji(number, NAME_readable, NAME_kanji)), readable(std::to_string(number)));
+}
+
+TEST(Kansuji, convertsSingleCharacters) {
+    Kansuji table;
+    EXPECT_EQ(table.getCharacter(-1), 0xFFFD);
+    EXPECT_EQ(table.getCharacter(Kansuji::COUNT), 0xFFFD);
+    const UnicodeString converted(
+        u"\uFF0B\u3001\uFF0D\u30FB\uFF0F\u3007\u4E00\u4E8C\u4E09\u56DB\u4E94\u516D\u4E03\u516B\u4E5D\uFF1A");
+    for (UChar32 c = 0; c < 0x110000; ++c) {
+        const UChar32 expected = c >= u'+' && c <= u':' ? converted[c - u'+'] : c > 0x20 && c < 0x7F ? c + 0xFEE0 : c;
+        if (table.toKansuji(c) != expected) ADD_FAILURE() << std::hex << c << " gives " << table.toKansuji(c);
+    }
+    table.setDigitLatin();
+    EXPECT_EQ(table.toKansuji(u'7'), u'\uFF17');
+    table.setDigitKanji();
+    EXPECT_EQ(table.toKansuji(u'7'), u'\u4E03');
+}
+
+/// ICU's Japanese spellout and the readable form agree on every number below 10^18, where ICU's rules end: there is no
+/// difference to list. LUM_TEST_LARGE tries all of the first hundred million.
+TEST(Kansuji, readsAsIcuSpellsNumbersOut) {
+    UErrorCode error = U_ZERO_ERROR;
+    const icu::RuleBasedNumberFormat judge(icu::URBNF_SPELLOUT, icu::Locale::getJapanese(), error);
+    ASSERT_TRUE(U_SUCCESS(error));
+    const Kansuji table;
+    int differing = 0;
+    const auto compare = [&](std::int64_t number) {
+        UnicodeString expected;
+        judge.format(number, expected);
+        const UnicodeString got = table.convert(text(std::to_string(number)), Kansuji::STYLE_READABLE);
+        if (got != expected && ++differing < 10)
+            ADD_FAILURE() << number << ": " << utf8(got) << ", ICU " << utf8(expected);
+    };
+    constexpr std::int64_t endOfIcu = 1'000'000'000'000'000'000;
+    const int step = std::getenv("LUM_TEST_LARGE") ? 1 : 991;
+    for (int number = 0; number < 100'000'000; number += number < 30'000 ? 1 : step) compare(number);
+    for (std::int64_t power = 1; power < endOfIcu; power *= 10)
+        for (const std::int64_t number : {power - 1, power, power + 1, 9 * power, 10 * power - 1}) compare(number);
+    std::mt19937_64 random(5);
+    for (int i = 0; i < 30'000; ++i) compare(static_cast<std::int64_t>((random() >> (random() % 60)) % endOfIcu));
+    EXPECT_EQ(differing, 0);
+}
+
+TEST(Kansuji, longRunsAreReadToTheirEnd) {
+    const std::string million(1'000'000, '0');
+    EXPECT_EQ(readable(million), "\u3007");
+    EXPECT_EQ(readable(million + "20"), "\u4E8C\u5341");
+    std::string each = "1";
+    for (int i = 0; i < Kansuji::LARGE_UNIT_COUNT; ++i) each += "0001";
+    EXPECT_EQ(readable(each),
+              "\u4E00\u6975\u4E00\u8F09\u4E00\u6B63\u4E00\u6F97\u4E00\u6E9D\u4E00\u7A63\u4E00\u79ED\u4E00\u5793\u4E00"
+              "\u4EAC\u4E00\u5146\u4E00\u5104\u4E00\u4E07\u4E00");
+    const UnicodeString ones = text(std::string(1'000'052, '1'));
+    const UnicodeString read = LumUtil::convertKansuji(ones, NAME_readable, NAME_kanji);
+    EXPECT_EQ(utf8(read.tempSubString(999'999, 6)), "\u4E00\u5343\u767E\u5341\u4E00\u6975");
+    EXPECT_EQ(read.length(), 1'000'000 + 13 * 4 + 12);
+    const UnicodeString grouped = LumUtil::convertKansuji(text("1" + million), NAME_grouping, NAME_kanji);
+    EXPECT_EQ(grouped.length(), 1'000'001 - 48 + 1);
+    UnicodeString bogus;
+    bogus.setToBogus();
+    EXPECT_TRUE(LumUtil::convertKansuji(bogus, NAME_grouping, NAME_kanji).isBogus());
+}
+
+}  // namespace

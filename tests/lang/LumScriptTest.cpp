@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <lumcommon/lang/LumScript.h>
+#include <lumcommon/names/LumNameTable.h>
+#include <support/Utf8.h>
+
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
+
+#include <string>
+
+namespace {
+
+using namespace LumCommon;
+using LumTest::utf8;
+
+TEST(LumScript, comesFromCodesKeywordsAndTags) {
+    struct Case {
+        const char* fault;
+        std::u16string text;
+        int code;
+        const char* name;
+    };
+    const Case cases[] = {
+        {"ICU's code for Japanese", u"Jpan", LumScript::JAPANESE, "Jpan"},
+        {"keyword auto", u"auto", LumScript::AUTO, ""},
+        {"empty text", u"", LumScript::AUTO, ""},
+        {"keyword none", u"none", LumScript::NONE, ""},
+        {"keyword in capitals", u"NONE", LumScript::UNKNOWN, ""},
+        {"Japanese with a country", u"ja-JP", LumScript::JAPANESE, "Jpan"},
+        {"Korean", u"ko", LumScript::KOREAN, "Hang"},
+        {"Taiwan", u"zh-TW", 74, "Hant"},
+        {"not lower-cased", u"ZH-TW", 74, "Hant"},
+        {"Hong Kong", u"zh-hk", 74, "Hant"},
+        {"Taiwan and more", u"zh-TW-x", 73, "Hans"},
+        {"Singapore", u"zh-SG", 73, "Hans"},
+        {"underscore taken for a hyphen", u"zh_TW", 17, "Hani"},
+        {"longer code taken for Chinese", u"zhx", USCRIPT_NUSHU, "Nshu"},
+        {"Inherited under its new name", u"Zinh", 1, "Qaai"},
+        {"ICU's long name", u"Old Italic", USCRIPT_OLD_ITALIC, "Ital"},
+        {"script of a language", u"ru", 8, "Cyrl"},
+        {"no script", u"hello", LumScript::UNKNOWN, ""},
+        {"character beyond ASCII", u"Latn\u00E9", LumScript::UNKNOWN, ""},
+        {"cut at a zero", std::u16string(u"Latn\0", 5), LumScript::UNKNOWN, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        const UnicodeString text(c.text.data(), static_cast<int>(c.text.size()));
+        const LumScript script(text);
+        EXPECT_EQ(script.getCode(), c.code);
+        EXPECT_EQ(utf8(script.getScriptCode().getString()), c.name);
+        EXPECT_EQ(LumScript(LumName(text)), script);
+    }
+    EXPECT_EQ(LumScript().getCode(), -1);
+    EXPECT_EQ(LumScript(NAME_Hira), LumScript::HIRAGANA);
+    EXPECT_EQ(LumScript(UnicodeString(std::string(1 << 20, 'z').c_str())), LumScript::UNKNOWN);
+}
+
+TEST(LumScript, namesEveryCodeOfIcu) {
+    const int end = u_getIntPropertyMaxValue(UCHAR_SCRIPT) + 1;
+    EXPECT_GT(end, 150);
+    for (int code = 0; code < end; ++code) {
+        const std::string name = utf8(LumScript(code).getScriptCode().getString());
+        EXPECT_EQ(name, code == LumScript::INHERITED ? "Qaai" : uscript_getShortName(UScriptCode(code)));
+        EXPECT_EQ(LumScript(UnicodeString::fromUTF8(name)).getCode(), name == "Jpan" ? -8 : code);
+    }
+    for (const int code : {-100, -9, -7, -5, -3, -2, -1, end + 1000, INT32_MAX, INT32_MIN}) {
+        EXPECT_TRUE(LumScript(code).getScriptCode().isNull()) << code;
+        EXPECT_EQ(utf8(LumScript(code).getA()), "A") << code;
+    }
+}
+
+TEST(LumScript, everyCharacterHasIcusScriptButForOurBlocks) {
+    struct Range {
+        UChar32 first, last;
+        LumScript script;
+    };
+    // Why each differs: a block counts as a whole, with what Unicode has not assigned or calls common and inherited.
+    // The Arabic-Indic digits are left to ICU: they are used with several scripts.
+    constexpr Range ours[] = {
+        {0x00A2, 0x00A5, LumScript::LATIN},   // currency signs
+        {0x00A7, 0x00AA, LumScript::LATIN},   // section sign, diaeresis, copyright, feminine ordinal
+        {0x00AE, 0x00AF, LumScript::LATIN},   // registered, macron
+        {0x00B4, 0x00B5, LumScript::LATIN},   // acute accent, micro
+        {0x00B8, 0x00B8, LumScript::LATIN},   // cedilla
+        {0x00BA, 0x00BA, LumScript::LATIN},   // masculine ordinal
+        {0x0590, 0x05FF, LumScript::HEBREW},  // unassigned places
+        {0x0600, 0x065F, LumScript::ARABIC},  // comma, question mark, vowel signs
+        {0x066A, 0x06EF, LumScript::ARABIC},  // superscript alef
+        {0x06FA, 0x06FF, LumScript::ARABIC}, {0x0900, 0x097F, LumScript::DEVANAGARI},  // danda, Vedic signs
+    };
+    const Range* range = std::begin(ours);
+    int differing = 0;
+    for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
+        while (range != std::end(ours) && c > range->last) ++range;
+        UErrorCode error = U_ZERO_ERROR;
+        const LumScript icu(static_cast<int>(uscript_getScript(c, &error)));
+        const bool isOurs = range != std::end(ours) && c >= range->first;
+        const LumScript expected = isOurs ? range->script : icu;
+        differing += expected != icu;
+        if (LumScript::getScript(c) != expected)
+            ADD_FAILURE() << std::hex << c << " has " << std::dec << LumScript::getScript(c).getCode();
+    }
+    EXPECT_GE(differing, 60) << "the exceptions prove nothing";
+    for (const UChar32 c : {-1, INT32_MIN, 0x110000, INT32_MAX})
+        EXPECT_EQ(LumScript::getScript(c), LumScript::UNKNOWN) << c;
+}
+
+TEST(LumScript, ofATextIsThatOfItsFirstCharacterWithOne) {
+    struct Case {
+        const char* fault;
+        std::u16string text;
+        int code;
+    };
+    const Case cases[] = {
+        {"empty", u"", 0},
+        {"digits and spaces", u" 12 (3)", 0},
+        {"common characters skipped", u"1. \u0416a", 8},
+        {"last character left out", u"12a", 25},
+        {"surrogate pair as two characters", u"\U00010330a", USCRIPT_GOTHIC},
+        {"pair of a common character", u"\U0001F600\u0E01", 38},
+        {"inherited counts", u"\u0301a", 1},
+        {"lone surrogate at the end", u"1\xD800", USCRIPT_UNKNOWN},
+        {"kana before Han", u"\u3042\u65E5", 20},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(LumScript::getScriptFromText(UnicodeString(c.text.data(), int(c.text.size()))).getCode(), c.code);
+    }
+    UnicodeString bogus;
+    bogus.setToBogus();
+    EXPECT_EQ(LumScript::getScriptFromText(bogus), LumScript::COMMON);
+    EXPECT_EQ(LumScript(bogus), LumScript::AUTO);
+}
+
+TEST(LumScript, givesALetterOfItself) {
+    // ICU judges most letters: they must be written in the script that they stand for.
+    for (const char16_t* code :
+         {u"Arab", u"Cyrl", u"Deva", u"Grek", u"Hani", u"Hang", u"Hebr", u"Hira", u"Kana", u"Latn", u"Thai"}) {
+        const LumScript script{UnicodeString(code)};
+        EXPECT_TRUE(u_isalpha(script.getA()[0]));
+        EXPECT_EQ(LumScript::getScriptFromText(script.getA()), script);
+    }
+    const auto letterOf = [](LumScript script) { return utf8(script.getA()); };
+    EXPECT_EQ(letterOf(LumScript::JAPANESE), "\u3042");
+    EXPECT_EQ(letterOf(LumScript::KATAKANA_OR_HIRAGANA), "\u3042");
+    EXPECT_EQ(letterOf(LumScript::KATAKANA), "\u30A2");
+    EXPECT_EQ(letterOf(LumScript::KOREAN), "\uAC00");
+    for (const LumScript script : {LumScript::HAN, LumScript::SIMPLIFIED_HAN, LumScript::TRADITIONAL_HAN})
+        EXPECT_EQ(letterOf(script), "\u4E9C");
+    EXPECT_EQ(letterOf(LumScript::COMMON), "A");
+}
+
+}  // namespace
