@@ -9,6 +9,7 @@
 #include <unicode/locid.h>
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <iterator>
 #include <vector>
 

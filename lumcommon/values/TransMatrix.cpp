@@ -1,6 +1,7 @@
 #include <lumcommon/values/TransMatrix.h>
 
 #include <cmath>
+#include <initializer_list>
 
 namespace LumCommon {
 
