@@ -57,6 +57,7 @@
 #include <lumcommon/values/LumLength.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
+#include <lumcommon/values/TransMatrix.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
 namespace LumCommon {

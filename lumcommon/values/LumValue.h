@@ -161,6 +161,49 @@ public:
     /// @param iccAllowed  whether icc-color(...) may follow an RGB colour or a keyword.
     static LumValue parseColor(const UnicodeString& text, bool iccAllowed);
 
+    // Links and destinations. The results are compounds of named items; what is absent is not set. Keywords and keys
+    // are compared without regard to case; "uri" and "nameddest" are taken as written, percent escapes included. None
+    // of these throws; when the name table is full, a destination becomes the null name.   Cost: linear in the text.
+
+    /// A link into a PDF document with the viewer's parameters behind its first "#": "uri" (the part before, perhaps
+    /// empty) and the items of parseView(). Without a "nameddest" that is a name, "page" is 1 and "view" is "xyz" where
+    /// they are not given.
+    static LumValue parsePDFOpenParameters(const UnicodeString& link);
+    /// Adds the viewer's parameters in `text` ("page=3&zoom=150") to `value` and returns it. A compound is filled in
+    /// place, so its other copies see the items; what is no compound becomes one with the first item, as by
+    /// setNamedItem().
+    ///
+    /// Items: "nameddest" (name), "page" (integer from 1), "view" (name: fit, fitb, fith, fitbh, fitv, fitbv, viewrect
+    /// or xyz), "zoom" (real above 0; 150 is 150 and 150% is 1.5), "left", "top", "width", "height" (real, UNIT_PT; a
+    /// plain number counts as points). A later parameter overrides an earlier one; keys and views that are not listed
+    /// are ignored, and so is a "nameddest" that is neither a word nor text, such as a number. An unreadable coordinate
+    /// of "view" and an unreadable or missing one of "viewrect" is 0; that of "zoom" is not set.
+    /// @param flag  changes nothing: every value gives the same result.
+    static LumValue parseView(const UnicodeString& text, LumValue value, int flag);
+    /// The type of a destination, "[keyword] [zoom] [coordinates]": a name (UNIT_IDENT), which with items is the
+    /// unnamed item of a compound. "zoom" is a real number (here 150% is 150, as 150 is); "left", "top", "bottom" and
+    /// "right" keep the unit they have, which must be cm, mm, in, pt, pc, jpt, q or twip. Numbers have no sign. What is
+    /// no destination type is "xyz-top".
+    static LumValue parseDestinationType(const UnicodeString& text);
+    /// An XLink reference: "uri" (the part before the first "#", unless empty) and either "nameddest" (the name that
+    /// the fragment begins with, the null name when it begins otherwise) or, for a fragment of the form "key=...", the
+    /// items of parseView(). Defaults as in parsePDFOpenParameters(). An empty text gives the null value.
+    static LumValue parseXlinkHref(const UnicodeString& text);
+    /// A destination in the same document: "nameddest" or "page", and the items of parseView() for the parameters after
+    /// a "#". A page is any integer, 0 included. The unnamed item is the name or number that the text begins with; a
+    /// text that begins otherwise is a "nameddest" as a whole, or only parameters when it begins with "#".
+    /// @param flag  passed to parseView() for a text that begins with "#".
+    static LumValue parseInternalDestination(const UnicodeString& text, int flag);
+    /// The parameters "sheet" and "chart" (integers from 0) behind the first "#" of a link to a spreadsheet, up to the
+    /// first empty parameter; NULL_VALUE when there is none. What is no number counts as 0.
+    static LumValue parseExcelOpenParameters(const UnicodeString& link);
+    /// The part before the first "#" as a string (null when empty), or the whole text without "#". The parameters
+    /// "key=value" behind it, separated by "&" up to the first empty one, become string items; the string is then the
+    /// unnamed item. Keys and values are percent-decoded (LumUri::unescape) and trimmed; of equal keys the last counts,
+    /// an empty key none. Every key becomes a shared name.
+    /// @param lowerKeys  turns keys into lower case.
+    static LumValue parseUriFragmentParameters(const UnicodeString& text, bool lowerKeys);
+
     LumValue operator-() const;
     LumValue abs() const;
     /// Only for numbers without unit; integers stay as they are, reals stay reals; otherwise NULL_VALUE.

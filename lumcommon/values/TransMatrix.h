@@ -1,0 +1,48 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+
+namespace LumCommon {
+
+/// An affine transformation of the plane, as SVG's matrix(a, b, c, d, e, f): it takes the point (x, y) to
+/// (a*x + c*y + e, b*x + d*y + f).
+///
+/// The operations compute in double precision and round each element once.   Threads: a value.
+class LUM_API TransMatrix {
+public:
+    struct Point {
+        float x = 0;
+        float y = 0;
+
+        friend bool operator==(const Point&, const Point&) = default;
+    };
+
+    float a = 1;
+    float b = 0;
+    float c = 0;
+    float d = 1;
+    float e = 0;
+    float f = 0;
+
+    /// The identity.
+    constexpr TransMatrix() noexcept = default;
+    constexpr TransMatrix(float a_, float b_, float c_, float d_, float e_, float f_) noexcept
+        : a(a_), b(b_), c(c_), d(d_), e(e_), f(f_) {}
+
+    /// Becomes the inverse and returns true. A matrix without an inverse in finite floats becomes the identity and the
+    /// result is false: one that flattens the plane, one that holds a NaN or an infinity, one whose inverse overflows.
+    /// Each element of the inverse is exact but for its rounding to float, however near to singular the matrix is.
+    bool reverse() noexcept;
+
+    /// Appends a transformation on the right, as one more in an SVG transform list: points go through `right` first.
+    TransMatrix& operator*=(const TransMatrix& right) noexcept;
+    friend TransMatrix operator*(TransMatrix left, const TransMatrix& right) noexcept { return left *= right; }
+    /// Where the point goes.
+    friend LUM_API Point operator*(const TransMatrix& matrix, Point point) noexcept;
+
+    bool isIdentity() const noexcept { return *this == TransMatrix(); }
+    /// Element by element; a matrix with a NaN equals none.
+    friend bool operator==(const TransMatrix&, const TransMatrix&) = default;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,72 @@
+#include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/values/LumValue.h>
+
+#include "Command.h"
+#include "Output.h"
+
+#include <nlohmann/json.hpp>
+
+namespace lum {
+namespace {
+
+using LumCommon::LumNamedValue;
+using LumCommon::LumNamedValueMapIterator;
+using LumCommon::LumValue;
+using LumCommon::UnicodeString;
+
+struct LinkKind {
+    const char* name;
+    LumValue (*parse)(const UnicodeString& text);
+};
+
+constexpr LinkKind linkKinds[] = {
+    {"pdf", LumValue::parsePDFOpenParameters},
+    {"destination", LumValue::parseDestinationType},
+    {"xlink", LumValue::parseXlinkHref},
+    {"internal", [](const UnicodeString& text) { return LumValue::parseInternalDestination(text, 0); }},
+    {"excel", LumValue::parseExcelOpenParameters},
+    {"fragment", [](const UnicodeString& text) { return LumValue::parseUriFragmentParameters(text, false); }},
+};
+
+struct Arguments {
+    std::string kind, text;
+};
+
+void describe(CLI::App& command, Arguments& arguments) {
+    std::vector<std::string> names;
+    for (const LinkKind& kind : linkKinds) names.emplace_back(kind.name);
+    command.add_option("kind", arguments.kind, "How to read the text")->required()->check(CLI::IsMember(names));
+    command.add_option("text", arguments.text, "The link or destination")->required();
+    command.footer(
+        "Writes one object: \"value\" is the unnamed value (null when there is none), every other member an item under "
+        "its name; all are printed forms. An item that is itself named \"value\" is written as \"#value\".");
+}
+
+nlohmann::ordered_json printed(const LumValue& value) {
+    if (value.isNull()) return nullptr;
+    return toUtf8(value.toString());
+}
+
+void run(const Arguments& arguments) {
+    const LinkKind* kind = linkKinds;
+    while (kind->name != arguments.kind) ++kind;
+    const LumValue value = kind->parse(fromArgument(arguments.text));
+    nlohmann::ordered_json object{{"value", printed(value.getNamedItem(LumCommon::NAME_NULL))}};
+    if (value.getNamedValueMap()) {
+        for (LumNamedValueMapIterator items(value.getNamedValueMap()); items.hasNext();) {
+            const LumNamedValue item = items.next();
+            if (item.getName().isNull()) continue;
+            const std::string name = toUtf8(item.getName());
+            object[name == "value" ? "#value" : name] = printed(item);
+        }
+    }
+    printJson(object);
+}
+
+}  // namespace
+
+void addLinkCommand(CLI::App& app, Action& action) {
+    addCommand(app, action, "link", "Print the items of a link or destination as JSON", describe, run);
+}
+
+}  // namespace lum
