@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/LumStrings.h>
 #include <lumcommon/core/Text.h>
 #include <lumcommon/lang/LumLang.h>
 #include <lumcommon/names/LumNameEnum.h>
@@ -67,7 +68,7 @@ public:
     /// Failure: bogus when the result is beyond the length of a string.
     /// Cost: O(length of format and result).   Threads: any; the alphabets are constant data.
     static UnicodeString formatNumber(int number, const UnicodeString& format,
-                                      const UnicodeString& separator = UnicodeString(), int size = 0);
+                                      const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0);
     static UnicodeString formatNumber(int number, const UnicodeString& format, const UnicodeString& separator, int size,
                                       LumLang language, LumNameEnum letterValue = NAME_NULL);
 
@@ -102,8 +103,9 @@ public:
     /// Appends a number in Hebrew numerals; a number below 1 appends nothing.
     /// @param separator, size  change nothing.
     /// @param level  how many thousands further the number counts, 0 to 9 (others are taken as the nearest).
-    static void makeHebrewNum(UnicodeString& text, int number, const UnicodeString& separator = UnicodeString(),
-                              int size = 0, int level = 0);
+    static void makeHebrewNum(UnicodeString& text, int number,
+                              const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0,
+                              int level = 0);
     /// The text with the separator between groups of `size` characters, counted from its end. Unchanged when the
     /// separator is empty or the size below 1; bogus when the result is beyond the length of a string.
     static UnicodeString makeGrouping(const UnicodeString& digits, const UnicodeString& separator, int size);

@@ -218,8 +218,8 @@ TEST(LumUtilNumbers, longFormatsAndSeparators) {
     EXPECT_TRUE(grouped.startsWith(u"0<>0<>") && grouped.endsWith(u"<>0<>7"));
     // 10^10 units are no string; the refusal must not try to make one.
     EXPECT_TRUE(LumUtil::formatNumber(7, zeros + u"1", dashes, 1).isBogus());
-    // A prefix must not hide it.
-    EXPECT_TRUE(LumUtil::formatNumber(7, u"(" + zeros + u"1", dashes, 1).isBogus());
+    // Prefix and suffix must not hide it.
+    EXPECT_TRUE(LumUtil::formatNumber(7, u"(" + zeros + u"1)", dashes, 1).isBogus());
     EXPECT_EQ(utf8(LumUtil::makeGrouping(u"\U0001D7D8\U0001D7D9\U0001D7DA", u",", 2)),
               "\U0001D7D8,\U0001D7D9\U0001D7DA");
     EXPECT_EQ(utf8(LumUtil::makeGrouping(UnicodeString(), u",", 3)), "");

@@ -63,8 +63,10 @@ bool appendRun(UnicodeString& text, int number, std::string_view) {
 /// Latin letters, or whatever letters the language has.
 template <LetterCase letterCase>
 bool appendLetters(UnicodeString& text, int number, std::string_view language) {
-    const Letters alphabet = findAlphabet(language, letterCase);
-    if (!alphabet.empty()) return appendInAlphabet(text, number, alphabet);
+    if (!language.empty()) {
+        const Letters alphabet = findAlphabet(language, letterCase);
+        if (!alphabet.empty()) return appendInAlphabet(text, number, alphabet);
+    }
     return appendRun < letterCase == LetterCase::UPPER ? u'A' : u'a' > (text, number, language);
 }
 
@@ -143,7 +145,7 @@ Token::Token(const UnicodeString& format) {
 /// The ten digits that a token counts in; none of them when it does not ask for digits.
 struct DigitTable {
     char16_t digits[10];
-    bool isThere;
+    bool isThere = false;
 };
 
 DigitTable findDigits(const Token& token) {
@@ -204,39 +206,53 @@ bool appendInToken(UnicodeString& text, int number, const UnicodeString& token, 
     return end != indexes;
 }
 
-/// Appends a number in letters or numerals. False, and nothing appended, when the token has none for it.
-bool appendNumeral(UnicodeString& text, int number, const Token& token, const NumberFormat& how) {
-    if (token.characters == 1) {
-        const TokenRow* row = std::ranges::lower_bound(TOKENS, token.first, {}, &TokenRow::character);
-        return row != std::end(TOKENS) && row->character == token.first && row->append(text, number, how.language);
-    }
+/// What a token of one character asks for besides digits; null when it asks for nothing.
+const TokenRow* findToken(const Token& token) {
+    if (token.characters != 1) return nullptr;
+    const TokenRow* row = std::ranges::lower_bound(TOKENS, token.first, {}, &TokenRow::character);
+    return row != std::end(TOKENS) && row->character == token.first ? row : nullptr;
+}
+
+/// Appends a number as a token of several characters asks for it. False, and nothing appended, when it does not.
+bool appendInCharacters(UnicodeString& text, int number, const Token& token, const UnicodeString& format) {
     if (token.characters < 2) return false;
-    const UnicodeString characters = how.format.tempSubStringBetween(token.begin, token.end);
-    if (token.characters == 2) {
-        const char16_t cycle[] = {getSequence(Sequence::STEMS)[0], getSequence(Sequence::BRANCHES)[0]};
-        if (characters == UnicodeString(false, cycle, 2)) return appendCycle(text, number);
-    }
+    const UnicodeString characters = format.tempSubStringBetween(token.begin, token.end);
+    const char16_t cycle[] = {getSequence(Sequence::STEMS)[0], getSequence(Sequence::BRANCHES)[0]};
+    if (characters == UnicodeString(false, cycle, 2)) return appendCycle(text, number);
     return isWide(token.first) && appendInToken(text, number, characters, token.characters);
+}
+
+/// The number in digits that are grouped.
+UnicodeString toGroups(int number, const Token& token, const DigitTable& table, const NumberFormat& how) {
+    const UnicodeString digits = table.isThere ? toDigits(number, token.characters, table.digits) : toDecimal(number);
+    return groupDigits(digits, how.separator, how.groupingSize);
+}
+
+UnicodeString formatByToken(int number, const NumberFormat& how) {
+    const Token token(how.format);
+    UnicodeString text;
+    if (token.begin > 0) text.append(how.format, 0, token.begin);
+    const TokenRow* const row = findToken(token);
+    const DigitTable table = row ? DigitTable{} : findDigits(token);
+    const bool isWritten = row ? row->append(text, number, how.language)
+                               : !table.isThere && appendInCharacters(text, number, token, how.format);
+    if (!isWritten) {
+        const UnicodeString digits = toGroups(number, token, table, how);
+        text.append(digits);
+        if (digits.isBogus()) text.setToBogus();
+    }
+    if (token.end < how.format.length()) text.append(how.format, token.end, how.format.length() - token.end);
+    return text;
 }
 
 }  // namespace
 
 UnicodeString formatNumber(int number, const NumberFormat& how) {
-    const auto group = [&how](const UnicodeString& digits) {
-        return groupDigits(digits, how.separator, how.groupingSize);
-    };
-    if (how.format.isEmpty() || (how.format.length() == 1 && how.format[0] == u'1')) return group(toDecimal(number));
-
-    const Token token(how.format);
-    UnicodeString text(how.format, 0, token.begin);
-    const DigitTable table = findDigits(token);
-    if (table.isThere || !appendNumeral(text, number, token, how)) {
-        const UnicodeString digits =
-            group(table.isThere ? toDigits(number, token.characters, table.digits) : toDecimal(number));
-        if (digits.isBogus()) return digits;
-        text.append(digits);
-    }
-    return text.append(how.format, token.end, how.format.length() - token.end);
+    const std::int32_t length = how.format.length();
+    const bool isPlain = length == 0 || (length == 1 && how.format[0] == u'1');
+    if (!isPlain) return formatByToken(number, how);
+    if (how.groupingSize < 1 || how.separator.isEmpty()) return toDecimal(number);
+    return groupDigits(toDecimal(number), how.separator, how.groupingSize);
 }
 
 }  // namespace LumCommon::detail

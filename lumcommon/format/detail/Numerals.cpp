@@ -59,36 +59,48 @@ void appendHebrewLetters(UnicodeString& text, int number) {
     appendHebrewDigit(text, 0, units);
 }
 
-constexpr int romanPairs = 5;  // pair k of a table holds unit and five of 10^k
+constexpr int romanLetters = 9;  // unit and five of 1 to 1000, unit of 10000
 
-/// The letters of one decimal digit. A table need not hold letters that its largest number does not use, so a letter is
-/// looked at only when the digit calls for it.
-char16_t* writeRomanDigit(char16_t* out, int digit, int pair, const char16_t* table) noexcept {
-    const auto letterAt = [&](int offset) {
-        const int index = pair * 2 + offset;
-        return index < romanPairs * 2 - 1 ? table[index] : u'\0';
-    };
-    if (digit == 0) return out;
-    const char16_t unit = letterAt(0);
-    const char16_t five = digit >= 4 ? letterAt(1) : u'\0';
-    const char16_t ten = digit == 9 ? letterAt(2) : u'\0';
-    if (unit == 0) return out;
-    if (digit == 4 && five) {
-        *out++ = unit;
-        *out++ = five;
-        return out;
+/// Writes a number one decimal digit after the other.
+struct RomanWriter {
+    char16_t* out;
+    int number;
+    const char16_t* table;
+    char16_t firstSingle;
+
+    /// Writes the digit of 10^pair; false when nothing is left to write. With a constant level nothing is divided.
+    template <int level, int pair>
+    bool writeDigit() noexcept {
+        if (number == 0) return false;
+        if (firstSingle != 0 && number < 13) {
+            *out++ = static_cast<char16_t>(firstSingle + number - 1);
+            return false;
+        }
+        if (number >= level) write(number / level, table + pair * 2, romanLetters - pair * 2);
+        number %= level;
+        return true;
     }
-    if (ten) {
-        *out++ = unit;
-        *out++ = ten;
-        return out;
+
+private:
+    /// @param letters  unit, five and ten of the digit. A table need not hold letters that its largest number does not
+    ///     use, so a letter is looked at only when the digit calls for it.   @param count  how many of them there are.
+    void write(int digit, const char16_t* letters, int count) noexcept {
+        const char16_t unit = letters[0];
+        const char16_t five = digit >= 4 && count > 1 ? letters[1] : u'\0';
+        const char16_t ten = digit == 9 && count > 2 ? letters[2] : u'\0';
+        if (unit == 0) return;
+        if (ten || (digit == 4 && five)) {
+            *out++ = unit;
+            *out++ = ten ? ten : five;
+            return;
+        }
+        if (five) {
+            *out++ = five;
+            digit -= 5;
+        }
+        for (; digit > 0; --digit) *out++ = unit;
     }
-    if (five && digit >= 5) {
-        *out++ = five;
-        digit -= 5;
-    }
-    return std::fill_n(out, digit, unit);
-}
+};
 
 }  // namespace
 
@@ -108,16 +120,10 @@ void appendUnsigned(UnicodeString& text, std::uint64_t number) {
 
 char16_t* writeRoman(char16_t* out, int number, const char16_t* table, int largest, char16_t firstSingle) noexcept {
     if (number < 1 || number > largest) return out;
-    int level = 10000;
-    for (int pair = romanPairs - 1; number != 0; --pair, level /= 10) {
-        if (firstSingle != 0 && number < 13) {
-            *out++ = static_cast<char16_t>(firstSingle + number - 1);
-            return out;
-        }
-        out = writeRomanDigit(out, number / level, pair, table);
-        number %= level;
-    }
-    return out;
+    RomanWriter writer{out, number, table, firstSingle};
+    (void)(writer.writeDigit<10000, 4>() && writer.writeDigit<1000, 3>() && writer.writeDigit<100, 2>() &&
+           writer.writeDigit<10, 1>() && writer.writeDigit<1, 0>());
+    return writer.out;
 }
 
 void appendHebrew(UnicodeString& text, int number, int level) {

@@ -20,6 +20,10 @@ constexpr int longestDecimal = 11;
 template <class Letter, class LetterAt>
 Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
     if (number < 1 || base < 1) return out;
+    if (number <= base) {
+        *out++ = letterAt(number - 1);
+        return out;
+    }
     int length = 0;
     for (int rest = number; rest > 0; rest = (rest - 1) / base) ++length;
     Letter* const end = out + length;
