@@ -2,9 +2,9 @@
 """Runs the benchmark programs and prints one table.   table.py FOLDER [--rounds N] [--only WORD]
 
 A program runs its contenders in random order, round by round, so that a change of the machine's pace meets them all.
-A cell is the median of nanoseconds a byte, or a number where numbers are written; the spread is that of the fastest and the slowest round. The ratio tells
-how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the ratio is marked with ~:
-no difference is claimed.
+A cell is the median of nanoseconds a byte, or a number where numbers are written; the spread is that of the fastest and
+the slowest round. The ratio tells how many times the peer's time ours is (below 1: we are faster). Where two ranges
+overlap the ratio is marked with ~: no difference is claimed.
 """
 import argparse
 import json

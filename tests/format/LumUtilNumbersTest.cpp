@@ -65,31 +65,28 @@ TEST(LumUtilNumbers, formatsEveryRowOfTheFile) {
     }
 }
 
-/// One alphabet as the table's source lists it.
 struct Alphabet {
     UnicodeString token;
     std::string language;
     UnicodeString letters;
 };
 
+/// Every alphabet of the list, with each token that counts in it.
 std::vector<Alphabet> readAlphabets() {
-    const UnicodeString latin(u"Aa"), greek(u"\u0391\u03B1"), cyrillic(u"\u0410\u0430");
+    const UnicodeString latin(u"Aa");
     std::vector<Alphabet> alphabets;
     for (const std::string& line : readLines("../../lumcommon/format/alphabets.txt")) {
         std::istringstream fields(line);
         std::string name, script, count, upper, lowerCount, lower;
         fields >> name >> script >> count >> upper >> lowerCount >> lower;
-        if (upper.empty()) {  // a sequence: name, count, letters; digits are not counted in
-            if (name.find("DIGITS") == std::string::npos) {
-                alphabets.push_back({UnicodeString(unicode(count), 0, 1), "", unicode(count)});
-            }
-            continue;
-        }
-        const UnicodeString& own = script == "greek" ? greek : script == "cyrillic" ? cyrillic : latin;
-        for (const UnicodeString& tokens : own == latin ? std::set{latin} : std::set{latin, own}) {
-            const UnicodeString ascii(u"ABCDEFGHIJKLMNOPQRSTUVWXYZ");
-            alphabets.push_back({UnicodeString(tokens[0]), name, upper == "-" ? ascii : unicode(upper)});
-            alphabets.push_back({UnicodeString(tokens[1]), name, unicode(lower)});
+        const UnicodeString sequence = unicode(count);  // of a line that has name, count and letters only
+        const bool hasToken = name.find("DIGITS") == std::string::npos;
+        if (upper.empty() && hasToken) alphabets.push_back({UnicodeString(sequence[0]), "", sequence});
+        if (upper.empty()) continue;
+        const UnicodeString own = script == "greek" ? u"\u0391\u03B1" : script == "cyrillic" ? u"\u0410\u0430" : latin;
+        for (const UnicodeString& tokens : std::set{latin, own}) {
+            alphabets.push_back({tokens[0], name, upper == "-" ? u"ABCDEFGHIJKLMNOPQRSTUVWXYZ" : unicode(upper)});
+            alphabets.push_back({tokens[1], name, unicode(lower)});
         }
     }
     return alphabets;
