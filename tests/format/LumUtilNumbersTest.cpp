@@ -213,7 +213,7 @@ TEST(LumUtilNumbers, longFormatsAndSeparators) {
     const UnicodeString grouped = LumUtil::formatNumber(7, zeros + u"1", u"<>", 1);
     EXPECT_EQ(grouped.length(), 3 * many + 1);
     EXPECT_TRUE(grouped.startsWith(u"0<>0<>") && grouped.endsWith(u"<>0<>7"));
-    // 10^10 units are no string; the refusal must not try to make one.
+    // 10^10 units are no string.
     EXPECT_TRUE(LumUtil::formatNumber(7, zeros + u"1", dashes, 1).isBogus());
     // Prefix and suffix must not hide it.
     EXPECT_TRUE(LumUtil::formatNumber(7, u"(" + zeros + u"1)", dashes, 1).isBogus());

@@ -24,8 +24,8 @@ Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
         *out++ = letterAt(number - 1);
         return out;
     }
-    int length = 0;
-    for (int rest = number; rest > 0; rest = (rest - 1) / base) ++length;
+    int length = 1;
+    for (std::int64_t reach = base; reach < number; reach = reach * base + base) ++length;
     Letter* const end = out + length;
     Letter* position = end;
     for (int rest = number; rest > 0; rest = (rest - 1) / base) *--position = letterAt((rest - 1) % base);
