@@ -82,14 +82,14 @@ public:
 
     /// The most UTF-16 units that makeABCSeq1 and makeABCNum1 write when `count` is at least 2.
     static constexpr int LETTERS_MAX = 31;
-    /// The most UTF-16 units that makeRoman writes for numbers up to 39999. Beyond, each further 10000 takes one more.
+    /// The most UTF-16 units that makeRoman writes for numbers up to 39999 when the table has every letter that they
+    /// need. Beyond, each further 10000 takes one more; a missing five or ten is made up for by more units, at most 9.
     static constexpr int ROMAN_MAX = 19;
 
     /// Writes a number in Roman numerals and returns the end of what was written, or `buffer` when the number is below
     /// 1 or above `largest`.
     /// @param buffer  has room for ROMAN_MAX units; nothing is written after the numeral.
-    /// @param table   unit and five of 1, 10, 100 and 1000, then the unit of 10000; 0 where there is none. It must
-    /// reach
+    /// @param table   unit and five of 1, 10, 100 and 1000, then the unit of 10000; 0 where there is none. It reaches
     ///     as far as `largest` needs: seven units for 3999.
     /// @param firstSingle  the character of 1 where 1 to 12 have a character each, one after the other; else 0.
     static char16_t* makeRoman(char16_t* buffer, int number, const char16_t* table, int largest,
