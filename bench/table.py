@@ -2,9 +2,9 @@
 """Runs the benchmark programs and prints one table.   table.py FOLDER [--rounds N] [--only WORD]
 
 A program runs its contenders in random order, round by round, so that a change of the machine's pace meets them all.
-A cell is the median of nanoseconds a byte; the spread is that of the fastest and the slowest round. The ratio tells
-how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the ratio is marked with ~:
-no difference is claimed.
+A cell is the median of nanoseconds a byte, or a number where numbers are written; the spread is that of the fastest and
+the slowest round. The ratio tells how many times the peer's time ours is (below 1: we are faster). Where two ranges
+overlap the ratio is marked with ~: no difference is claimed.
 """
 import argparse
 import json
@@ -14,10 +14,15 @@ import subprocess
 import sys
 
 OURS = "lumcommon"
-QUESTIONS = {"parse": "bytes to events", "load": "bytes to a tree", "save": "a tree to bytes"}
+QUESTIONS = {  # meaning, what is counted, millions of it a second
+    "parse": ("bytes to events", "bytes", "MB/s"),
+    "load": ("bytes to a tree", "bytes", "MB/s"),
+    "save": ("a tree to bytes", "bytes", "MB/s"),
+    "number": ("numbers to text", "items", "M/s"),
+}
 
 
-def measure(program, rounds, only):
+def measure(program, counted, rounds, only):
     command = [program, "--benchmark_format=json", "--benchmark_enable_random_interleaving=true",
                f"--benchmark_repetitions={rounds}", "--benchmark_min_time=0.05"]
     if only:
@@ -33,7 +38,7 @@ def measure(program, rounds, only):
     for row in json.loads(run.stdout)["benchmarks"]:
         if row["run_type"] == "iteration":
             _, label, document = row["run_name"].split("/")[:3]
-            times[document].setdefault(label, []).append(1e9 / row["bytes_per_second"])
+            times[document].setdefault(label, []).append(1e9 / row[f"{counted}_per_second"])
     return {document: by_label for document, by_label in times.items() if by_label}
 
 
@@ -52,14 +57,15 @@ def main():
     options.add_argument("--rounds", type=int, default=7)
     options.add_argument("--only", default="")
     options = options.parse_args()
-    print("Nanoseconds a byte, median (fastest-slowest round); ratio: our time divided by theirs, ~ where ranges overlap.")
+    print("Nanoseconds a byte (or a number), median (fastest-slowest round); ratio: our time divided by theirs, ~ where "
+          "ranges overlap.")
     missing = (options.folder / "missing-peers.txt").read_text(encoding="utf-8").strip()
     if missing:
         print(f"Not installed, so not measured: {missing}")
-    for question, meaning in QUESTIONS.items():
-        times = measure(options.folder / f"bench_{question}", options.rounds, options.only)
+    for question, (meaning, counted, speed) in QUESTIONS.items():
+        times = measure(options.folder / f"bench_{question}", counted, options.rounds, options.only)
         peers = sorted({label for by_label in times.values() for label in by_label} - {OURS})
-        rows = [[f"{question}: {meaning}", OURS, "MB/s"] + [text for peer in peers for text in (peer, "ratio")]]
+        rows = [[f"{question}: {meaning}", OURS, speed] + [text for peer in peers for text in (peer, "ratio")]]
         for document, by_label in times.items():
             ours = by_label[OURS]
             row = [document, cell(ours), f"{1e3 / statistics.median(ours):.0f}"]

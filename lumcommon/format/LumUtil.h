@@ -1,7 +1,9 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/LumStrings.h>
 #include <lumcommon/core/Text.h>
+#include <lumcommon/lang/LumLang.h>
 #include <lumcommon/names/LumName.h>
 
 #include <cstdint>
@@ -9,7 +11,8 @@
 
 namespace LumCommon {
 
-/// Text conversions for property values: scanning numbers, quoting, url(...), base64, Japanese numerals.
+/// Text conversions: numbers of pages and lists, Japanese numerals; scanning numbers, quoting, url(...), base64 of
+/// property values.
 /// Nothing here throws. Threads: any; the functions share no state.
 class LUM_API LumUtil {
 public:
@@ -38,6 +41,79 @@ public:
     static UnicodeString quoteUri(const UnicodeString& uri);
     /// The URI inside url(...) or quotes, normalised as LumUri does.
     static UnicodeString unquoteUri(const UnicodeString& text);
+
+    /// @name Numbers as text
+    /// @{
+
+    /// The text of a page or list number.
+    ///
+    /// The format is a prefix, a token (the first run of ICU's alphanumeric characters and U+2160 to U+2183) and a
+    /// suffix; prefix and suffix are copied. A character is a code point. The token asks for
+    /// - digits, when it ends with the digit one of a script and is that alone or begins with the script's zero: at
+    ///   least as many characters as the token has, a "-" (always ASCII) included. One of the scripts is that of the
+    ///   ideographs, whose zero U+3007 ICU does not count as alphanumeric: before U+4E00 it is prefix, not padding;
+    /// - letters or numerals, when it is one of "A", "a", "I", "i", the first letters of the Greek, Cyrillic, Arabic,
+    ///   Hebrew, Hangul and kana alphabets, the first stem or branch, or a full-width or number form of these; stem
+    ///   and branch together count 1 to 60 in the sexagenary cycle;
+    /// - an alphabet of its own, when it has two characters or more and the first is wide: its characters are the
+    ///   letters.
+    ///
+    /// What a token cannot write is in ASCII decimal: numbers below 1 (Hebrew writes 0), Roman numerals above 3999
+    /// ("i") or 39999 ("I"), the cycle above 60, and every number under any other token.
+    /// @param separator  put between groups of `size` digits, from the right; only digits are grouped. A "-" counts as
+    ///     a digit and no separator stands first. Empty, or `size` below 1: no grouping.
+    /// @param language  whose alphabet "A", "a" and the Greek and Cyrillic tokens use; the country does not matter, and
+    ///     "nb" and "nn" use the Norwegian alphabet. An empty or unknown language counts in A to Z, in Greek or in
+    ///     Russian letters.
+    /// @param letterValue  changes nothing.
+    /// Failure: bogus when the result is beyond the length of a string.
+    /// Cost: O(length of format and result).   Threads: any; the alphabets are constant data.
+    static UnicodeString formatNumber(int number, const UnicodeString& format,
+                                      const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0);
+    static UnicodeString formatNumber(int number, const UnicodeString& format, const UnicodeString& separator, int size,
+                                      LumLang language, LumNameEnum letterValue = NAME_NULL);
+
+    /// As printf's "%d", "%lld" and "%g" in the C locale: the decimal point is "." in every locale.
+    static UnicodeString toString(int number);
+    static UnicodeString toString(long number) { return toString(static_cast<long long>(number)); }
+    static UnicodeString toString(long long number);
+    static UnicodeString toString(double number);
+    /// Appends the decimal digits of a number, without sign.
+    static void toString64Sub(UnicodeString& text, unsigned long long number);
+
+    /// The most UTF-16 units that makeABCSeq1 and makeABCNum1 write when `count` is at least 2.
+    static constexpr int LETTERS_MAX = 31;
+    /// The most UTF-16 units that makeRoman writes for numbers up to 39999 when the table has every letter that they
+    /// need. Beyond, each further 10000 takes one more; a missing five or ten is made up for by more units, at most 9.
+    static constexpr int ROMAN_MAX = 19;
+
+    /// Writes a number in Roman numerals and returns the end of what was written, or `buffer` when the number is below
+    /// 1 or above `largest`.
+    /// @param buffer  has room for ROMAN_MAX units; nothing is written after the numeral.
+    /// @param table   unit and five of 1, 10, 100 and 1000, then the unit of 10000; 0 where there is none. It reaches
+    ///     as far as `largest` needs: seven units for 3999.
+    /// @param firstSingle  the character of 1 where 1 to 12 have a character each, one after the other; else 0.
+    static char16_t* makeRoman(char16_t* buffer, int number, const char16_t* table, int largest,
+                               char16_t firstSingle = 0);
+    /// Writes a number in `count` letters that follow one another, bijectively: with 26 letters from a, 26 is z and 27
+    /// is aa. Returns the end of what was written, or `buffer` when number or count is below 1.
+    /// @param buffer  has room for LETTERS_MAX units, or for `number` units when `count` is 1.
+    static char16_t* makeABCSeq1(char16_t* buffer, int number, char16_t firstLetter, int count);
+    /// The same with the first `count` letters of an alphabet.
+    static char16_t* makeABCNum1(char16_t* buffer, int number, const char16_t* alphabet, int count);
+    /// Appends a number in Hebrew numerals; a number below 1 appends nothing.
+    /// @param separator, size  change nothing.
+    /// @param level  how many thousands further the number counts, 0 to 9 (others are taken as the nearest).
+    static void makeHebrewNum(UnicodeString& text, int number,
+                              const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0,
+                              int level = 0);
+    /// The text with the separator between groups of `size` characters, counted from its end. Unchanged when the
+    /// separator is empty or the size below 1; bogus when the result is beyond the length of a string.
+    static UnicodeString makeGrouping(const UnicodeString& digits, const UnicodeString& separator, int size);
+    /// Needs not be called: the alphabets are part of the program.
+    static void loadAlphabets();
+
+    /// @}
 
     /// Base64 (RFC 4648, padded, no line breaks) of the next `length` bytes, or of those that are there. Bogus when the
     /// result is beyond the length of a string.

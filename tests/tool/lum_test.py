@@ -71,6 +71,10 @@ def check_small_commands():
         ("script by a tag", ["script", "ja-JP"], '{"script":"Jpan","code":-8,"letter":"\u3042","named":true}\n'),
         ("script of text", ["script", "1. \u0416"], '{"script":"Cyrl","code":8,"letter":"\u0410","named":false}\n'),
         ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5"}\n'),
+        ("a line a number", ["number", "(i)", "4", "-1", "4000"], "(iv)\n(-1)\n(4000)\n"),
+        ("language and format in UTF-8", ["number", "--lang", "sv-SE", "\u3014a", "27"], "\u3014\u00e5\n"),
+        ("groups", ["number", "--separator", ",", "--size", "3", "1", "1234567"], "1,234,567\n"),
+        ("octal", ["number", "", "010"], "10\n"),
     ]
     for fault, arguments, expected in rows:
         prints(fault, arguments, expected)
@@ -218,6 +222,7 @@ def check_failures():
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
         ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("number out of range", ["number", "1", "2147483648"], 2, None),
         ("missing file", ["events", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
         ("missing file to save", ["save", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
         ("output in no folder", ["save", "doc.xml", "no/such/out.xml"], 1,

@@ -1,0 +1,258 @@
+#include <lumcommon/format/detail/NumberFormat.h>
+
+#include <lumcommon/format/detail/Alphabets.h>
+#include <lumcommon/format/detail/Numerals.h>
+
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
+namespace LumCommon::detail {
+
+namespace {
+
+struct RomanNumerals {
+    const char16_t* letters;
+    int largest;
+    char16_t firstSingle;
+};
+
+namespace Roman {
+#define LUM_ROMAN(name, letters, largest, firstSingle) constexpr RomanNumerals name{letters, largest, firstSingle};
+#include <lumcommon/format/detail/RomanNumerals.inc>
+#undef LUM_ROMAN
+}  // namespace Roman
+
+constexpr char16_t DIGIT_ONES[] = {
+#define LUM_DIGITS(one) one,
+#include <lumcommon/format/detail/DecimalDigits.inc>
+#undef LUM_DIGITS
+};
+static_assert(std::ranges::is_sorted(DIGIT_ONES));
+
+/// Appends a number as one token asks for it. False, and nothing appended, for a number that it cannot write.
+using Appender = bool (*)(UnicodeString& text, int number, std::string_view language);
+
+template <class LetterAt>
+bool appendLetterSequence(UnicodeString& text, int number, int base, LetterAt letterAt) {
+    char16_t letters[longestLetterSequence];
+    const char16_t* const end = writeLetters(letters, number, base, letterAt);
+    text.append(letters, static_cast<std::int32_t>(end - letters));
+    return end != letters;
+}
+
+bool appendInAlphabet(UnicodeString& text, int number, Letters alphabet) {
+    return appendLetterSequence(text, number, static_cast<int>(alphabet.size()),
+                                [alphabet](int index) { return alphabet[static_cast<std::size_t>(index)]; });
+}
+
+template <Sequence sequence>
+bool appendSequence(UnicodeString& text, int number, std::string_view) {
+    return appendInAlphabet(text, number, getSequence(sequence));
+}
+
+template <char16_t first>
+bool appendRun(UnicodeString& text, int number, std::string_view) {
+    constexpr int latinLetters = 26;
+    return appendLetterSequence(text, number, latinLetters, [](int i) { return static_cast<char16_t>(first + i); });
+}
+
+/// Latin letters, or whatever letters the language has.
+template <LetterCase letterCase>
+bool appendLetters(UnicodeString& text, int number, std::string_view language) {
+    if (!language.empty()) {
+        const Letters alphabet = findAlphabet(language, letterCase);
+        if (!alphabet.empty()) return appendInAlphabet(text, number, alphabet);
+    }
+    return appendRun < letterCase == LetterCase::UPPER ? u'A' : u'a' > (text, number, language);
+}
+
+/// Letters of the language if that is written in the script, else those of the script's own alphabet.
+template <LetterScript script, LetterCase letterCase>
+bool appendLettersOf(UnicodeString& text, int number, std::string_view language) {
+    static_assert(script != LetterScript::LATIN);
+    constexpr bool isUpper = letterCase == LetterCase::UPPER;
+    constexpr Sequence fallback = script == LetterScript::GREEK
+                                      ? (isUpper ? Sequence::GREEK_UPPER : Sequence::GREEK_LOWER)
+                                      : (isUpper ? Sequence::RUSSIAN_UPPER : Sequence::RUSSIAN_LOWER);
+    const Letters alphabet = findAlphabet(language, letterCase, script);
+    return appendInAlphabet(text, number, alphabet.empty() ? getSequence(fallback) : alphabet);
+}
+
+template <const RomanNumerals& numerals>
+bool appendRoman(UnicodeString& text, int number, std::string_view) {
+    char16_t letters[longestRoman];
+    const char16_t* const end = writeRoman(letters, number, numerals.letters, numerals.largest, numerals.firstSingle);
+    text.append(letters, static_cast<std::int32_t>(end - letters));
+    return end != letters;
+}
+
+bool appendHebrewToken(UnicodeString& text, int number, std::string_view) { return appendHebrewNumber(text, number); }
+
+struct TokenRow {
+    char16_t character;
+    Appender append;
+};
+
+constexpr TokenRow TOKENS[] = {
+#define LUM_TOKEN(character, appender) {character, appender},
+#include <lumcommon/format/detail/NumberTokens.inc>
+#undef LUM_TOKEN
+};
+static_assert(std::ranges::is_sorted(TOKENS, {}, &TokenRow::character));
+
+/// A format taken apart. The token is the first run of letters, digits and Roman number forms; only its ends matter to
+/// most styles.
+struct Token {
+    explicit Token(const UnicodeString& format);
+
+    std::int32_t begin = 0;  ///< in units of the format, as is `end`
+    std::int32_t end = 0;
+    std::int32_t characters = 0;
+    UChar32 first = 0;
+    UChar32 last = 0;
+};
+
+bool isTokenCharacter(UChar32 c) {
+    if (c < 0x80) return (c >= u'0' && c <= u'9') || ((c | 0x20) >= u'a' && (c | 0x20) <= u'z');
+    return (c >= 0x2160 && c <= 0x2183) || u_isalnum(c);
+}
+
+Token::Token(const UnicodeString& format) {
+    const char16_t* const units = format.getBuffer();
+    const std::int32_t length = format.length();
+    for (std::int32_t next = 0; next < length;) {
+        const std::int32_t position = next;
+        UChar32 c;
+        U16_NEXT(units, next, length, c);
+        if (isTokenCharacter(c)) {
+            if (characters++ == 0) {
+                begin = position;
+                first = c;
+            }
+            last = c;
+            end = next;
+        } else if (characters > 0) {
+            return;
+        }
+    }
+    if (characters == 0) begin = end = length;
+}
+
+/// The ten digits that a token counts in; none of them when it does not ask for digits.
+struct DigitTable {
+    char16_t digits[10];
+    bool isThere = false;
+};
+
+DigitTable findDigits(const Token& token) {
+    DigitTable table{{}, true};
+    if (std::ranges::binary_search(DIGIT_ONES, token.last)) {
+        std::iota(table.digits, std::end(table.digits), static_cast<char16_t>(token.last - 1));
+    } else {
+        table.isThere = false;
+        for (const Sequence sequence : {Sequence::IDEOGRAPHIC_DIGITS, Sequence::KOREAN_DIGITS}) {
+            const Letters digits = getSequence(sequence);
+            if (digits[1] != token.last) continue;
+            std::ranges::copy(digits, table.digits);
+            table.isThere = true;
+        }
+    }
+    table.isThere = table.isThere && (token.characters == 1 || token.first == table.digits[0]);
+    return table;
+}
+
+/// The number padded with zeros to `width` characters, sign included, as "%0*d" pads. The sign stays ASCII.
+UnicodeString toDigits(int number, std::int32_t width, const char16_t* digits) {
+    char16_t units[longestDecimal];
+    const char16_t* const end = writeDecimal(units, number);
+    UnicodeString text;
+    char16_t* position = units;
+    if (number < 0) text.append(*position++);
+    std::transform(position, units + (end - units), position, [digits](char16_t c) { return digits[c - u'0']; });
+    const auto padding = width - static_cast<std::int32_t>(end - units);
+    if (padding > 0) text.append(UnicodeString(padding, digits[0], padding));
+    return text.append(position, static_cast<std::int32_t>(end - position));
+}
+
+UnicodeString toDecimal(int number) {
+    char16_t units[longestDecimal];
+    return UnicodeString(units, static_cast<std::int32_t>(writeDecimal(units, number) - units));
+}
+
+bool isWide(UChar32 c) {
+    const int width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_FULLWIDTH || width == U_EA_WIDE;
+}
+
+/// The sixty-year cycle: a stem and a branch, each running through its own sequence.
+bool appendCycle(UnicodeString& text, int number) {
+    if (number < 1 || number > 60) return false;
+    for (const Letters letters : {getSequence(Sequence::STEMS), getSequence(Sequence::BRANCHES)}) {
+        text.append(letters[static_cast<std::size_t>(number - 1) % letters.size()]);
+    }
+    return true;
+}
+
+/// Counts in the characters of the token itself.
+bool appendInToken(UnicodeString& text, int number, const UnicodeString& token, std::int32_t characters) {
+    int indexes[longestLetterSequence];
+    const int* const end =
+        writeLetters(static_cast<int*>(indexes), number, characters, [](int index) { return index; });
+    for (const int* index = indexes; index != end; ++index) text.append(token.char32At(token.moveIndex32(0, *index)));
+    return end != indexes;
+}
+
+/// What a token of one character asks for besides digits; null when it asks for nothing.
+const TokenRow* findToken(const Token& token) {
+    if (token.characters != 1) return nullptr;
+    const TokenRow* row = std::ranges::lower_bound(TOKENS, token.first, {}, &TokenRow::character);
+    return row != std::end(TOKENS) && row->character == token.first ? row : nullptr;
+}
+
+/// Appends a number as a token of several characters asks for it. False, and nothing appended, when it does not.
+bool appendInCharacters(UnicodeString& text, int number, const Token& token, const UnicodeString& format) {
+    if (token.characters < 2) return false;
+    const UnicodeString characters = format.tempSubStringBetween(token.begin, token.end);
+    const char16_t cycle[] = {getSequence(Sequence::STEMS)[0], getSequence(Sequence::BRANCHES)[0]};
+    if (characters == UnicodeString(false, cycle, 2)) return appendCycle(text, number);
+    return isWide(token.first) && appendInToken(text, number, characters, token.characters);
+}
+
+/// The number in digits that are grouped.
+UnicodeString toGroups(int number, const Token& token, const DigitTable& table, const NumberFormat& how) {
+    const UnicodeString digits = table.isThere ? toDigits(number, token.characters, table.digits) : toDecimal(number);
+    return groupDigits(digits, how.separator, how.groupingSize);
+}
+
+UnicodeString formatByToken(int number, const NumberFormat& how) {
+    const Token token(how.format);
+    UnicodeString text;
+    if (token.begin > 0) text.append(how.format, 0, token.begin);
+    const TokenRow* const row = findToken(token);
+    const DigitTable table = row ? DigitTable{} : findDigits(token);
+    const bool isWritten = row ? row->append(text, number, how.language)
+                               : !table.isThere && appendInCharacters(text, number, token, how.format);
+    if (!isWritten) {
+        const UnicodeString digits = toGroups(number, token, table, how);
+        text.append(digits);
+        if (digits.isBogus()) text.setToBogus();
+    }
+    if (token.end < how.format.length()) text.append(how.format, token.end, how.format.length() - token.end);
+    return text;
+}
+
+}  // namespace
+
+UnicodeString formatNumber(int number, const NumberFormat& how) {
+    const std::int32_t length = how.format.length();
+    const bool isPlain = length == 0 || (length == 1 && how.format[0] == u'1');
+    if (!isPlain) return formatByToken(number, how);
+    if (how.groupingSize < 1 || how.separator.isEmpty()) return toDecimal(number);
+    return groupDigits(toDecimal(number), how.separator, how.groupingSize);
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+
+#include <string_view>
+
+namespace LumCommon::detail {
+
+/// How a number is to be written; the fields are those of LumUtil::formatNumber.
+struct NumberFormat {
+    const UnicodeString& format;
+    const UnicodeString& separator;
+    int groupingSize;
+    std::string_view language;  ///< ISO 639-1 code; empty for none
+};
+
+UnicodeString formatNumber(int number, const NumberFormat& how);
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,189 @@
+#include <lumcommon/format/detail/Numerals.h>
+
+#include <charconv>
+#include <iterator>
+#include <string_view>
+
+namespace LumCommon::detail {
+
+namespace {
+
+struct HebrewRow {
+    int number;
+    std::u16string_view letters;
+};
+
+constexpr HebrewRow HEBREW[] = {
+#define LUM_HEBREW(number, letters) {number, letters},
+#include <lumcommon/format/detail/HebrewLetters.inc>
+#undef LUM_HEBREW
+};
+constexpr bool hebrewRowsFollow() {
+    int i = 0;
+    for (int unit = 1; unit <= 100; unit *= 10) {
+        for (int digit = 1; digit <= 9; ++digit) {
+            if (HEBREW[i++].number != digit * unit) return false;
+        }
+    }
+    return i == std::ssize(HEBREW);
+}
+static_assert(hebrewRowsFollow());
+
+constexpr std::u16string_view hebrewZero = u"\u05D0\u05E4\u05E1";
+constexpr std::u16string_view hebrewThousand = u"\u05D0\u05DC\u05E3";
+constexpr std::u16string_view hebrewTwoThousand = u"\u05D0\u05DC\u05E4\u05D9\u05D9\u05DD";
+constexpr std::u16string_view hebrewThousands = u" \u05D0\u05DC\u05E4\u05D9";
+constexpr char16_t hebrewPluralEnd = u'\u05DD';
+constexpr int highestHebrewLevel = 9;
+
+void append(UnicodeString& text, std::u16string_view units) {
+    text.append(units.data(), static_cast<std::int32_t>(units.size()));
+}
+
+/// @param row  0: units, 1: tens, 2: hundreds.   @param digit  0 to 9; 0 writes nothing.
+void appendHebrewDigit(UnicodeString& text, int row, int digit) {
+    if (digit > 0) append(text, HEBREW[row * 9 + digit - 1].letters);
+}
+
+/// Appends 0 to 999.
+void appendHebrewLetters(UnicodeString& text, int number) {
+    appendHebrewDigit(text, 2, number / 100);
+    int tens = number % 100 / 10;
+    int units = number % 10;
+    if (number % 100 == 15 || number % 100 == 16) {  // with a ten they would spell a name of God
+        appendHebrewDigit(text, 0, 9);
+        units += 1;
+        tens = 0;
+    }
+    appendHebrewDigit(text, 1, tens);
+    appendHebrewDigit(text, 0, units);
+}
+
+constexpr int romanLetters = 9;  // unit and five of 1 to 1000, unit of 10000
+
+/// Writes a number one decimal digit after the other.
+struct RomanWriter {
+    char16_t* out;
+    int number;
+    const char16_t* table;
+    char16_t firstSingle;
+
+    /// Writes the digit of 10^pair; false when nothing is left to write. With a constant level nothing is divided.
+    template <int level, int pair>
+    bool writeDigit() noexcept {
+        if (number == 0) return false;
+        if (firstSingle != 0 && number < 13) {
+            *out++ = static_cast<char16_t>(firstSingle + number - 1);
+            return false;
+        }
+        if (number >= level) write(number / level, table + pair * 2, romanLetters - pair * 2);
+        number %= level;
+        return true;
+    }
+
+private:
+    /// @param letters  unit, five and ten of the digit. A table need not hold letters that its largest number does not
+    ///     use, so a letter is looked at only when the digit calls for it.   @param count  how many of them there are.
+    void write(int digit, const char16_t* letters, int count) noexcept {
+        const char16_t unit = letters[0];
+        const char16_t five = digit >= 4 && count > 1 ? letters[1] : u'\0';
+        const char16_t ten = digit == 9 && count > 2 ? letters[2] : u'\0';
+        if (unit == 0) return;
+        if (ten || (digit == 4 && five)) {
+            *out++ = unit;
+            *out++ = ten ? ten : five;
+            return;
+        }
+        if (five) {
+            *out++ = five;
+            digit -= 5;
+        }
+        for (; digit > 0; --digit) *out++ = unit;
+    }
+};
+
+}  // namespace
+
+char16_t* writeDecimal(char16_t* out, int number) noexcept {
+    char digits[longestDecimal];
+    const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
+    return std::copy(static_cast<const char*>(digits), end, out);
+}
+
+void appendUnsigned(UnicodeString& text, std::uint64_t number) {
+    char digits[20];
+    char16_t units[20];
+    const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
+    std::copy(static_cast<const char*>(digits), end, units);
+    text.append(units, static_cast<std::int32_t>(end - digits));
+}
+
+char16_t* writeRoman(char16_t* out, int number, const char16_t* table, int largest, char16_t firstSingle) noexcept {
+    if (number < 1 || number > largest) return out;
+    RomanWriter writer{out, number, table, firstSingle};
+    (void)(writer.writeDigit<10000, 4>() && writer.writeDigit<1000, 3>() && writer.writeDigit<100, 2>() &&
+           writer.writeDigit<10, 1>() && writer.writeDigit<1, 0>());
+    return writer.out;
+}
+
+void appendHebrew(UnicodeString& text, int number, int level) {
+    if (number < 1) return;
+    level = std::clamp(level, 0, highestHebrewLevel);
+    int thousands = 0;
+    for (; number % 1000 == 0; number /= 1000) ++thousands;
+    if (number > 999) {
+        appendHebrew(text, number / 1000, level + thousands + 1);  // at most three deep: an int has ten digits
+        text.append(u' ');
+    }
+    const int rest = number % 1000;
+    if (thousands > 0) thousands += level;
+    if (thousands > 0 && rest == 1) {
+        append(text, hebrewThousand);
+        --thousands;
+    } else {
+        appendHebrewLetters(text, rest);
+    }
+    if (thousands == 0) return;
+    for (int i = 0; i < thousands; ++i) append(text, hebrewThousands);
+    text.append(hebrewPluralEnd);
+}
+
+bool appendHebrewNumber(UnicodeString& text, int number) {
+    constexpr int million = 1000000;
+    if (number < 0) return false;
+    if (number == 0) {
+        append(text, hebrewZero);
+    } else if (number % million == 2000) {
+        if (number >= million) {
+            appendHebrew(text, number / million, 2);
+            text.append(u' ');
+        }
+        append(text, hebrewTwoThousand);
+    } else {
+        appendHebrew(text, number, 0);
+    }
+    return true;
+}
+
+UnicodeString groupDigits(const UnicodeString& digits, const UnicodeString& separator, int size) {
+    if (separator.isEmpty() || size < 1 || digits.isEmpty()) return digits;
+    const std::int32_t characters = digits.countChar32();
+    const std::int64_t separators = (characters - 1) / size;
+    const std::int64_t length = digits.length() + separators * separator.length();
+    UnicodeString result;
+    if (length > INT32_MAX) {
+        result.setToBogus();
+        return result;
+    }
+    result = UnicodeString(static_cast<std::int32_t>(length), 0, 0);
+    std::int32_t position = 0;
+    for (std::int32_t group = (characters - 1) % size + 1;; group = size) {
+        const std::int32_t next = digits.moveIndex32(position, group);
+        result.append(digits, position, next - position);
+        if (next == digits.length()) return result;
+        result.append(separator);
+        position = next;
+    }
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace LumCommon::detail {
+
+/// The most letters that a number takes in an alphabet of two letters or more.
+constexpr int longestLetterSequence = 31;
+/// The most letters that a number up to 39999 takes in Roman numerals (38888).
+constexpr int longestRoman = 19;
+/// The most units of an int in decimal.
+constexpr int longestDecimal = 11;
+
+/// Writes a number in bijective base `base`: with a to z, 26 is z and 27 is aa. `letterAt` gives the letter of an
+/// index below the base. Nothing is written when number or base is below 1.
+/// @return the end of what was written.   Cost: O(number) in base 1, else O(log number).
+template <class Letter, class LetterAt>
+Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
+    if (number < 1 || base < 1) return out;
+    if (number <= base) {
+        *out++ = letterAt(number - 1);
+        return out;
+    }
+    int length = 1;
+    for (std::int64_t reach = base; reach < number; reach = reach * base + base) ++length;
+    Letter* const end = out + length;
+    Letter* position = end;
+    for (int rest = number; rest > 0; rest = (rest - 1) / base) *--position = letterAt((rest - 1) % base);
+    return end;
+}
+
+/// Writes a number as "%d" prints it and returns the end; at most longestDecimal units.
+char16_t* writeDecimal(char16_t* out, int number) noexcept;
+
+/// What LumUtil::makeRoman does.
+char16_t* writeRoman(char16_t* out, int number, const char16_t* table, int largest, char16_t firstSingle) noexcept;
+
+/// Appends a number of at least 1 in Hebrew numerals; other numbers append nothing.
+/// @param level  how many thousands further this number counts, 0 to 9.
+void appendHebrew(UnicodeString& text, int number, int level);
+/// Appends a Hebrew list number: zero and two thousand are words. False for negative numbers, which have no numeral.
+bool appendHebrewNumber(UnicodeString& text, int number);
+
+/// What LumUtil::makeGrouping does.
+UnicodeString groupDigits(const UnicodeString& digits, const UnicodeString& separator, int size);
+
+/// Appends a number in decimal without sign.
+void appendUnsigned(UnicodeString& text, std::uint64_t number);
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,55 @@
+#include <lumcommon/format/LumUtil.h>
+
+#include "Command.h"
+#include "Output.h"
+
+#include <charconv>
+#include <vector>
+
+namespace lum {
+namespace {
+
+using namespace LumCommon;
+
+struct Arguments {
+    std::string format;
+    std::vector<std::string> numbers;
+    std::string language;
+    std::string separator;
+    int size = 0;
+};
+
+void describe(CLI::App& command, Arguments& arguments) {
+    command.add_option("format", arguments.format, "The format, such as 001, (a) or I")->required();
+    command.add_option("number", arguments.numbers, "The numbers, in decimal")->required();
+    command.add_option("--lang", arguments.language, "The language whose alphabet is used");
+    command.add_option("--separator", arguments.separator, "What stands between groups of digits");
+    command.add_option("--size", arguments.size, "The digits of a group; 0 for no groups");
+}
+
+int readNumber(const std::string& text) {
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end) throw UsageError("no number of 32 bits: " + text);
+    return number;
+}
+
+void run(const Arguments& arguments) {
+    std::vector<int> numbers;
+    for (const std::string& text : arguments.numbers) numbers.push_back(readNumber(text));
+    const UnicodeString format = fromArgument(arguments.format);
+    const UnicodeString separator = fromArgument(arguments.separator);
+    const LumLang language(fromArgument(arguments.language));
+    for (const int number : numbers) {
+        printLine(toUtf8(LumUtil::formatNumber(number, format, separator, arguments.size, language)));
+    }
+}
+
+}  // namespace
+
+void addNumberCommand(CLI::App& app, Action& action) {
+    addCommand(app, action, "number", "Print numbers of pages or lists, formatted, one a line", describe, run);
+}
+
+}  // namespace lum
