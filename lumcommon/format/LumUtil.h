@@ -71,7 +71,7 @@ public:
     static UnicodeString formatNumber(int number, const UnicodeString& format,
                                       const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0);
     static UnicodeString formatNumber(int number, const UnicodeString& format, const UnicodeString& separator, int size,
-                                      LumLang language, LumNameEnum letterValue = NAME_NULL);
+                                      const LumLang& language, LumNameEnum letterValue = NAME_NULL);
 
     /// As printf's "%d", "%lld" and "%g" in the C locale: the decimal point is "." in every locale.
     static UnicodeString toString(int number);

@@ -3,6 +3,7 @@
 #include <lumcommon/format/LumUtil.h>
 #include <lumcommon/format/detail/NumberFormat.h>
 #include <lumcommon/format/detail/Numerals.h>
+#include <lumcommon/format/detail/RomanNumerals.h>
 #include <lumcommon/values/detail/NumberText.h>
 
 namespace LumCommon {
@@ -15,7 +16,7 @@ UnicodeString LumUtil::formatNumber(int number, const UnicodeString& format, con
 }
 
 UnicodeString LumUtil::formatNumber(int number, const UnicodeString& format, const UnicodeString& separator, int size,
-                                    LumLang language, LumNameEnum) {
+                                    const LumLang& language, LumNameEnum) {
     return detail::formatNumber(number, {format, separator, size, language.getLanguage()});
 }
 
@@ -42,7 +43,7 @@ UnicodeString LumUtil::toString(double number) {
 void LumUtil::toString64Sub(UnicodeString& text, unsigned long long number) { detail::appendUnsigned(text, number); }
 
 char16_t* LumUtil::makeRoman(char16_t* buffer, int number, const char16_t* table, int largest, char16_t firstSingle) {
-    return detail::writeRoman(buffer, number, table, largest, firstSingle);
+    return detail::writeRoman(buffer, number, {table, largest, firstSingle});
 }
 
 char16_t* LumUtil::makeABCSeq1(char16_t* buffer, int number, char16_t firstLetter, int count) {

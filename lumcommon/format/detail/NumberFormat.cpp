@@ -2,6 +2,8 @@
 
 #include <lumcommon/format/detail/Alphabets.h>
 #include <lumcommon/format/detail/Numerals.h>
+#include <lumcommon/format/detail/ReadyTexts.h>
+#include <lumcommon/format/detail/RomanNumerals.h>
 
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -14,24 +16,14 @@ namespace LumCommon::detail {
 
 namespace {
 
-struct RomanNumerals {
-    const char16_t* letters;
-    int largest;
-    char16_t firstSingle;
-};
-
-namespace Roman {
-#define LUM_ROMAN(name, letters, largest, firstSingle) constexpr RomanNumerals name{letters, largest, firstSingle};
-#include <lumcommon/format/detail/RomanNumerals.inc>
-#undef LUM_ROMAN
-}  // namespace Roman
-
 constexpr char16_t DIGIT_ONES[] = {
 #define LUM_DIGITS(one) one,
 #include <lumcommon/format/detail/DecimalDigits.inc>
 #undef LUM_DIGITS
 };
 static_assert(std::ranges::is_sorted(DIGIT_ONES));
+
+constexpr int latinLetters = 26;
 
 /// Appends a number as one token asks for it. False, and nothing appended, for a number that it cannot write.
 using Appender = bool (*)(UnicodeString& text, int number, std::string_view language);
@@ -56,7 +48,6 @@ bool appendSequence(UnicodeString& text, int number, std::string_view) {
 
 template <char16_t first>
 bool appendRun(UnicodeString& text, int number, std::string_view) {
-    constexpr int latinLetters = 26;
     return appendLetterSequence(text, number, latinLetters, [](int i) { return static_cast<char16_t>(first + i); });
 }
 
@@ -85,7 +76,7 @@ bool appendLettersOf(UnicodeString& text, int number, std::string_view language)
 template <const RomanNumerals& numerals>
 bool appendRoman(UnicodeString& text, int number, std::string_view) {
     char16_t letters[longestRoman];
-    const char16_t* const end = writeRoman(letters, number, numerals.letters, numerals.largest, numerals.firstSingle);
+    const char16_t* const end = writeRoman(letters, number, numerals);
     text.append(letters, static_cast<std::int32_t>(end - letters));
     return end != letters;
 }
@@ -245,14 +236,65 @@ UnicodeString formatByToken(int number, const NumberFormat& how) {
     return text;
 }
 
+constexpr int readyNumbers = 999;
+
+template <char16_t first>
+constexpr char16_t* writeLatin(char16_t* out, int number) {
+    return writeLetters(out, number, latinLetters, [](int i) { return static_cast<char16_t>(first + i); });
+}
+
+template <const RomanNumerals& numerals>
+constexpr char16_t* writeRomanIn(char16_t* out, int number) {
+    return writeRoman(out, number, numerals);
+}
+
+constexpr char16_t* writeDigits(char16_t* out, int number) {
+    for (int level = number >= 100 ? 100 : number >= 10 ? 10 : 1; level > 0; level /= 10) {
+        *out++ = static_cast<char16_t>(u'0' + number / level % 10);
+    }
+    return out;
+}
+
+constexpr ReadyTextsStore<readyNumbers, writeDigits> readyDecimal;
+constexpr ReadyTextsStore<readyNumbers, writeLatin<u'A'>> readyUpperLatin;
+constexpr ReadyTextsStore<readyNumbers, writeLatin<u'a'>> readyLowerLatin;
+constexpr ReadyTextsStore<readyNumbers, writeRomanIn<Roman::ASCII_UPPER>> readyUpperRoman;
+constexpr ReadyTextsStore<readyNumbers, writeRomanIn<Roman::ASCII_LOWER>> readyLowerRoman;
+
+/// The texts that are ready for a format of that one character, in the Latin alphabet and without grouping.
+ReadyTexts findReadyTexts(char16_t token) {
+    switch (token) {
+        case u'1':
+            return readyDecimal.get();
+        case u'A':
+            return readyUpperLatin.get();
+        case u'a':
+            return readyLowerLatin.get();
+        case u'I':
+            return readyUpperRoman.get();
+        case u'i':
+            return readyLowerRoman.get();
+        default:
+            return {};
+    }
+}
+
 }  // namespace
 
 UnicodeString formatNumber(int number, const NumberFormat& how) {
     const std::int32_t length = how.format.length();
-    const bool isPlain = length == 0 || (length == 1 && how.format[0] == u'1');
-    if (!isPlain) return formatByToken(number, how);
-    if (how.groupingSize < 1 || how.separator.isEmpty()) return toDecimal(number);
-    return groupDigits(toDecimal(number), how.separator, how.groupingSize);
+    const bool isGrouped = how.groupingSize >= 1 && !how.separator.isEmpty();
+    if (length <= 1) {
+        const char16_t token = length == 0 ? u'1' : how.format[0];
+        if (!isGrouped && how.language.empty()) {
+            const ReadyTexts texts = findReadyTexts(token);
+            if (texts.has(number)) return texts.get(number);
+        }
+        if (token == u'1') {
+            return isGrouped ? groupDigits(toDecimal(number), how.separator, how.groupingSize) : toDecimal(number);
+        }
+    }
+    return formatByToken(number, how);
 }
 
 }  // namespace LumCommon::detail

@@ -59,49 +59,6 @@ void appendHebrewLetters(UnicodeString& text, int number) {
     appendHebrewDigit(text, 0, units);
 }
 
-constexpr int romanLetters = 9;  // unit and five of 1 to 1000, unit of 10000
-
-/// Writes a number one decimal digit after the other.
-struct RomanWriter {
-    char16_t* out;
-    int number;
-    const char16_t* table;
-    char16_t firstSingle;
-
-    /// Writes the digit of 10^pair; false when nothing is left to write. With a constant level nothing is divided.
-    template <int level, int pair>
-    bool writeDigit() noexcept {
-        if (number == 0) return false;
-        if (firstSingle != 0 && number < 13) {
-            *out++ = static_cast<char16_t>(firstSingle + number - 1);
-            return false;
-        }
-        if (number >= level) write(number / level, table + pair * 2, romanLetters - pair * 2);
-        number %= level;
-        return true;
-    }
-
-private:
-    /// @param letters  unit, five and ten of the digit. A table need not hold letters that its largest number does not
-    ///     use, so a letter is looked at only when the digit calls for it.   @param count  how many of them there are.
-    void write(int digit, const char16_t* letters, int count) noexcept {
-        const char16_t unit = letters[0];
-        const char16_t five = digit >= 4 && count > 1 ? letters[1] : u'\0';
-        const char16_t ten = digit == 9 && count > 2 ? letters[2] : u'\0';
-        if (unit == 0) return;
-        if (ten || (digit == 4 && five)) {
-            *out++ = unit;
-            *out++ = ten ? ten : five;
-            return;
-        }
-        if (five) {
-            *out++ = five;
-            digit -= 5;
-        }
-        for (; digit > 0; --digit) *out++ = unit;
-    }
-};
-
 }  // namespace
 
 char16_t* writeDecimal(char16_t* out, int number) noexcept {
@@ -116,14 +73,6 @@ void appendUnsigned(UnicodeString& text, std::uint64_t number) {
     const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
     std::copy(static_cast<const char*>(digits), end, units);
     text.append(units, static_cast<std::int32_t>(end - digits));
-}
-
-char16_t* writeRoman(char16_t* out, int number, const char16_t* table, int largest, char16_t firstSingle) noexcept {
-    if (number < 1 || number > largest) return out;
-    RomanWriter writer{out, number, table, firstSingle};
-    (void)(writer.writeDigit<10000, 4>() && writer.writeDigit<1000, 3>() && writer.writeDigit<100, 2>() &&
-           writer.writeDigit<10, 1>() && writer.writeDigit<1, 0>());
-    return writer.out;
 }
 
 void appendHebrew(UnicodeString& text, int number, int level) {

@@ -18,7 +18,7 @@ constexpr int longestDecimal = 11;
 /// index below the base. Nothing is written when number or base is below 1.
 /// @return the end of what was written.   Cost: O(number) in base 1, else O(log number).
 template <class Letter, class LetterAt>
-Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
+constexpr Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
     if (number < 1 || base < 1) return out;
     if (number <= base) {
         *out++ = letterAt(number - 1);
@@ -34,9 +34,6 @@ Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
 
 /// Writes a number as "%d" prints it and returns the end; at most longestDecimal units.
 char16_t* writeDecimal(char16_t* out, int number) noexcept;
-
-/// What LumUtil::makeRoman does.
-char16_t* writeRoman(char16_t* out, int number, const char16_t* table, int largest, char16_t firstSingle) noexcept;
 
 /// Appends a number of at least 1 in Hebrew numerals; other numbers append nothing.
 /// @param level  how many thousands further this number counts, 0 to 9.
