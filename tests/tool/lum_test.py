@@ -60,6 +60,26 @@ def check_small_commands():
         ("text that looks like an option", ["tokens", "--", "-a"],
          '{"kind":45,"text":"","number":0.0}\n{"kind":-3,"text":"a","number":0.0}\n'),
         ("length", ["value", "12pt"], '{"kind":2,"unit":9,"string":"12pt"}\n'),
+        ("negative number", ["value", "-3"], '{"kind":1,"unit":1,"string":"-3"}\n'),
+        ("hash colour", ["value", "#f00"], '{"kind":1,"unit":24,"string":"#FF0000"}\n'),
+        ("quoted string", ["value", " 'a b' "], '{"kind":4,"unit":21,"string":"a b"}\n'),
+        ("name", ["value", "bold"], '{"kind":3,"unit":23,"string":"bold"}\n'),
+        ("empty value", ["value", ""], '{"kind":4,"unit":0,"string":""}\n'),
+        ("plain colour", ["color", "rgb(100%, 50%, 0%)"],
+         '{"rgb":"00FF8000","space":"","name":"","components":[],"string":"#FF8000"}\n'),
+        ("keyword form", ["color", "--svg", "#f00"],
+         '{"rgb":"00FF0000","space":"","name":"","components":[],"string":"red"}\n'),
+        ("marker", ["color", "Transparent"],
+         '{"rgb":"FFFFFFFF","space":"","name":"","components":[],"string":"transparent"}\n'),
+        ("no colour", ["color", "5pt"], '{"rgb":"FF000000","space":"","name":"","components":[],"string":""}\n'),
+        ("icc-color without leave", ["color", "red icc-color(#GRAYSCALE,.1)"],
+         '{"rgb":"FF000000","space":"","name":"","components":[],"string":""}\n'),
+        ("icc-color", ["color", "--icc", "--svg", "red icc-color(#GRAYSCALE,.1)"],
+         '{"rgb":"00FF0000","space":"#GRAYSCALE","name":"","components":[0.1],'
+         '"string":"red icc-color(#GRAYSCALE,0.1)"}\n'),
+        ("ink", ["color", "rgb-icc(#SEPARATION, 'Gold', 50%, 0,.2,1,0)"],
+         '{"rgb":"00808080","space":"#SEPARATION","name":"Gold","components":[0.5,0.0,0.2,1.0,0.0],'
+         '"string":"rgb-icc(#SEPARATION,\\"Gold\\",0.5,0,0.2,1,0)"}\n'),
         ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5"}\n'),
     ]
     for fault, arguments, expected in rows:
