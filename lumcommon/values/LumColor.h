@@ -106,7 +106,7 @@ public:
     /// is a marker, a separation whose name holds a double quote, and a colour of a profile, which that syntax does not
     /// have. Components are printed with six significant digits, which moves them by at most 0.0000005; the RGB of a
     /// separation without fallback is worked out again from its tint.
-    UnicodeString toString(bool svgForm) const;
+    UnicodeString toString(bool svgForm = false) const;
 
 private:
     friend class detail::ColorReader;  // sets what was given, resolves keywords
