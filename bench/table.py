@@ -20,9 +20,10 @@ QUESTIONS = {  # meaning, what is counted, millions of it a second
     "save": ("a tree to bytes", "bytes", "MB/s"),
     "number": ("numbers to text", "items", "M/s"),
 }
+VALUE_OPERATIONS = ["parse", "parseColor", "to a colour", "tokens"]
 
 
-def measure(program, counted, rounds, only):
+def run_rounds(program, rounds, only):
     command = [program, "--benchmark_format=json", "--benchmark_enable_random_interleaving=true",
                f"--benchmark_repetitions={rounds}", "--benchmark_min_time=0.05"]
     if only:
@@ -30,12 +31,15 @@ def measure(program, counted, rounds, only):
     run = subprocess.run(command, capture_output=True)
     if run.returncode != 0:
         sys.exit(f"{program}: {run.stderr.decode()}")
+    return json.loads(run.stdout)["benchmarks"] if run.stdout.strip() else []
+
+
+def measure(program, counted, rounds, only):
+    measured = run_rounds(program, rounds, only)
     listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True).stdout.decode().split()
     order = dict.fromkeys(name.split("/")[2] for name in listed)  # rounds are shuffled, rows are not
     times = {document: {} for document in order}
-    if not run.stdout.strip():
-        return {}
-    for row in json.loads(run.stdout)["benchmarks"]:
+    for row in measured:
         if row["run_type"] == "iteration":
             _, label, document = row["run_name"].split("/")[:3]
             times[document].setdefault(label, []).append(1e9 / row[f"{counted}_per_second"])
@@ -44,6 +48,35 @@ def measure(program, counted, rounds, only):
 
 def cell(times):
     return f"{statistics.median(times):.2f} ({min(times):.2f}-{max(times):.2f})"
+
+
+def print_rows(rows):
+    widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
+    print()
+    for row in rows:
+        print("  ".join([row[0].ljust(widths[0])] + [c.rjust(w) for c, w in zip(row[1:], widths[1:])]))
+
+
+def print_values(program, rounds, only):
+    """Nanoseconds a value, millions of values a second and allocations a value, for each kind of text."""
+    cells = {}
+    for row in run_rounds(program, rounds, only):
+        if row["run_type"] == "iteration":
+            _, operation, group = row["run_name"].split("/")
+            times, allocations = cells.setdefault(group, {}).setdefault(operation, ([], []))
+            times.append(1e9 / row["items_per_second"])
+            allocations.append(row["allocations"])
+    shown = [operation for operation in VALUE_OPERATIONS if any(operation in found for found in cells.values())]
+    rows = [["value: property texts to values, ns a value"] + [title for o in shown for title in (o, "M/s", "memory")]]
+    for group, found in sorted(cells.items()):
+        row = [group]
+        for operation in shown:
+            times, allocations = found.get(operation, ([], []))
+            row += [cell(times), f"{1e3 / statistics.median(times):.1f}", f"{min(allocations):.2f}"] if times else [""] * 3
+        rows.append(row)
+    if cells:
+        print_rows(rows)
+        print("memory: allocations a value")
 
 
 def ratio(ours, theirs):
@@ -72,10 +105,8 @@ def main():
             for peer in peers:
                 row += [cell(by_label[peer]), ratio(ours, by_label[peer])]
             rows.append(row)
-        widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
-        print()
-        for row in rows:
-            print("  ".join([row[0].ljust(widths[0])] + [c.rjust(w) for c, w in zip(row[1:], widths[1:])]))
+        print_rows(rows)
+    print_values(options.folder / "bench_value", options.rounds, options.only)
 
 
 if __name__ == "__main__":

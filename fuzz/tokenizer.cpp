@@ -93,6 +93,17 @@ void checkPrinting(const UnicodeString& text) {
     FUZZ_LAW(LumValue::parse(printed).toString() == printed);
 }
 
+/// The same for colours, in both forms. A double quote in the name of an ink ends the name when it is read again.
+void checkColors(const UnicodeString& text) {
+    for (const bool svgForm : {false, true}) {
+        const LumColor color(LumValue::parseColor(text, true));
+        if (color.isInvalid() || color.getName().indexOf(u'"') >= 0) continue;
+        FUZZ_LAW(LumColor(LumValue(color)) == color);
+        const UnicodeString printed = color.toString(svgForm);
+        FUZZ_LAW(LumColor(LumValue::parseColor(printed, svgForm)).toString(svgForm) == printed);
+    }
+}
+
 void checkQuoting(const UnicodeString& text) {
     if (text.indexOf(u'\0') >= 0) return;  // a text that ends early is another text
     for (const unsigned quotes : {1u, 2u, 3u}) {
@@ -138,6 +149,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     FUZZ_LAW(first == second);
     checkPrinting(text);
+    checkColors(text);
     checkQuoting(text);
     checkBase64(input);
     return 0;

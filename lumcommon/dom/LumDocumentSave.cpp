@@ -44,7 +44,7 @@ private:
         const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
         if (plain) {
             put(attr, attr.getLocalName(), *plain);
-        } else if (value.getUnit() == UNIT_COLOR) {
+        } else if (value.getUnit() == UNIT_COLOR && (kind == KIND_INTEGER || kind == KIND_COMPOUND)) {
             put(attr, attr.getLocalName(), LumColor(value).toString(isSvg()));
         } else if (kind == KIND_COMPOUND) {
             writeEntries(attr, *value.getNamedValueMap());

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumValue.h>
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace LumCommon {
 
@@ -49,6 +51,11 @@ LumColor::Cmyk convertRGB(std::uint32_t rgb) noexcept {
     return {clampUnit(c - k), clampUnit(m - k), clampUnit(y - k), clampUnit(k)};
 }
 
+/// Whether lower case may differ from the text.
+bool hasCase(std::u16string_view units) noexcept {
+    return std::ranges::any_of(units, [](char16_t c) { return (c >= u'A' && c <= u'Z') || c >= 0x80; });
+}
+
 const UnicodeString& getRegistrationName() {
     static const UnicodeString all(u"All");
     return all;
@@ -67,15 +74,22 @@ LumColor LumColor::fromRGB(std::uint32_t rgb) noexcept {
 }
 
 // The vocabulary holds the keywords in lower case, except "currentColor".
-LumColor::LumColor(LumName name) : rgb_(detail::findColor(name.getEnum())) {
-    if (rgb_ != RGB_INVALID || name.isNull()) return;
-    UnicodeString lower(name.getString());
+std::uint32_t LumColor::findKeyword(const UnicodeString& text) {
+    constexpr std::u16string_view currentColor = u"currentcolor";
+    constexpr std::size_t longestKeyword = 20;  // lightgoldenrodyellow; no lower case is shorter in units
+    const std::u16string_view units = detail::viewOf(text);
+    if (units == currentColor) return RGB_CURRENT_COLOR;
+    if (units.size() > longestKeyword) return RGB_INVALID;
+    const std::uint32_t rgb = detail::findColor(LumNameTable::getBuiltinNameEnum(text));
+    if (rgb != RGB_INVALID || !hasCase(units)) return rgb;
+    UnicodeString lower(text);
     lower.toLower(icu::Locale::getRoot());
-    if (lower == UnicodeString(u"currentcolor")) {
-        rgb_ = RGB_CURRENT_COLOR;
-    } else {
-        rgb_ = detail::findColor(LumNameTable::getBuiltinNameEnum(lower));
-    }
+    if (detail::viewOf(lower) == currentColor) return RGB_CURRENT_COLOR;
+    return detail::findColor(LumNameTable::getBuiltinNameEnum(lower));
+}
+
+LumColor::LumColor(LumName name) : rgb_(detail::findColor(name.getEnum())) {
+    if (rgb_ == RGB_INVALID) rgb_ = findKeyword(name.getString());
 }
 
 LumColor::LumColor(LumNameEnum name) : LumColor(LumName(name)) {}
@@ -169,8 +183,9 @@ bool LumColor::isRegistrationName() const { return name_.caseCompare(getRegistra
 LumName LumColor::getColorName() const noexcept { return detail::findColorName(rgb_); }
 
 bool operator==(const LumColor& a, const LumColor& b) {
-    if (a.rgb_ != b.rgb_ || a.colorSpace_ != b.colorSpace_ || a.name_ != b.name_) return false;
-    if (a.colorSpace_ != NAME_HASH_SEPARATION) return a.components_ == b.components_;
+    if (a.rgb_ != b.rgb_ || a.colorSpace_ != b.colorSpace_) return false;
+    if (a.colorSpace_ != NAME_HASH_SEPARATION) return a.name_ == b.name_ && a.components_ == b.components_;
+    if (a.name_ != b.name_ && !(a.isRegistrationName() && b.isRegistrationName())) return false;
     // An alternative that nobody gave follows from the rest.
     if (a.components_[0] != b.components_[0] || a.isCmykGiven_ != b.isCmykGiven_) return false;
     return !a.isCmykGiven_ || a.components_ == b.components_;

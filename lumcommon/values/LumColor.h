@@ -94,16 +94,25 @@ public:
     /// The keyword whose value this colour's RGB is; the null name when there is none.
     LumName getColorName() const noexcept;
 
+    /// Whether RGB, colour space, name and components agree; of a separation the alternative counts where it was given.
+    /// All spellings of the registration colour's name are one.
     friend LUM_API bool operator==(const LumColor& a, const LumColor& b);
 
     /// The colour in the syntax of properties: "#RRGGBB" or "rgb-icc(...)".
     /// @param svgForm  a keyword where there is one, and "icc-color(...)" after the RGB colour.
-    /// The invalid colour gives the empty string.
-    UnicodeString toString(bool svgForm) const;
+    /// The invalid colour gives the empty string, a marker its keyword even as the fallback of another colour.
+    ///
+    /// parseColor() reads both forms (the second with its flag) as an equal colour, but for three: a colour whose RGB
+    /// is a marker, a separation whose name holds a double quote, and a colour of a profile, which that syntax does not
+    /// have. Components are printed with six significant digits, which moves them by at most 0.0000005; the RGB of a
+    /// separation without fallback is worked out again from its tint.
+    UnicodeString toString(bool svgForm = false) const;
 
 private:
-    friend class detail::ColorReader;  // sets what was given
+    friend class detail::ColorReader;  // sets what was given, resolves keywords
 
+    /// The value of a colour keyword in any case; RGB_INVALID for other texts.
+    static std::uint32_t findKeyword(const UnicodeString& text);
     Cmyk getAlternative() const noexcept { return {components_[1], components_[2], components_[3], components_[4]}; }
     void setComponents(std::initializer_list<float> values) noexcept;
     void appendSeparation(UnicodeString& text) const;

@@ -5,6 +5,7 @@
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
+#include <lumcommon/values/detail/TokenScan.h>
 
 #include <unicode/locid.h>
 
@@ -72,7 +73,7 @@ public:
 
     ColorReader(const UnicodeString& text, bool isIccAllowed) : tokenizer_(text), isIccAllowed_(isIccAllowed) {}
 
-    /// The value of the whole text; none when it is not of the syntax.
+    /// The value of a text of more than one token; none when it is no colour.
     std::optional<LumValue> read();
 
 private:
@@ -135,7 +136,8 @@ LumColor ColorReader::readSeparation(const LumValue& separation, const LumColor&
     }
     color.rgb_ = fallback.getRGB();
     color.isRgbGiven_ = isRgbGiven;
-    color.isTintGiven_ = tintItem.isNumeric();
+    // An alternative is written behind a tint only.
+    color.isTintGiven_ = tintItem.isNumeric() || color.isCmykGiven_;
     return color;
 }
 
@@ -161,28 +163,19 @@ LumColor ColorReader::readCompound(const LumValue& value) {
 }
 
 std::optional<LumValue> ColorReader::read() {
-    LumValue value = tokenizer_.nextTokenValueSigned();
-    switch (tokenizer_.getKind()) {
-        case LumTokenizer::TOKEN_NUMBER:
-        case LumTokenizer::TOKEN_STRING:
-            if (isAtEnd()) return value;
-            return std::nullopt;
-        case LumTokenizer::TOKEN_HASH:
-            return readIccPart(LumColor::fromRGB(static_cast<std::uint32_t>(value.getIntegerValue())));
-        case LumTokenizer::TOKEN_NAME:
-            break;
-        default:
-            return std::nullopt;
+    const int kind = tokenizer_.nextToken();
+    if (kind == LumTokenizer::TOKEN_HASH) {
+        return readIccPart(LumColor::fromRGB(static_cast<std::uint32_t>(tokenizer_.getNumber())));
     }
-    const int next = tokenizer_.nextToken();
-    if (next == LumTokenizer::TOKEN_END) return value;
-    const LumName name = value.getNameValue();
-    if (next == u'(') {
-        if (name == NAME_rgb) return readRgb();
-        if (name == NAME_rgb_icc) return readRgbIcc();
+    if (kind != LumTokenizer::TOKEN_NAME) return std::nullopt;
+    const UnicodeString name = tokenizer_.getText();
+    if (tokenizer_.nextToken() == u'(') {
+        if (name == UnicodeString(u"rgb")) return readRgb();
+        if (name == UnicodeString(u"rgb-icc")) return readRgbIcc();
         return std::nullopt;
     }
-    const LumColor color(name);
+    if (!isIccAllowed_) return std::nullopt;
+    const LumColor color = LumColor::fromRGB(LumColor::findKeyword(name));
     if (color.isInvalid()) return std::nullopt;
     tokenizer_.pushBack();
     return readIccPart(color);
@@ -246,7 +239,7 @@ std::optional<LumValue> ColorReader::readIccList(const LumColor* fallback) {
 bool ColorReader::readIccArguments() {
     for (;;) {
         tokenizer_.skipSeparator(u',');
-        const LumValue value = tokenizer_.nextTokenValueSigned();
+        const LumValue value = tokenizer_.nextTokenValueExp();  // small components are printed with an exponent
         if (tokenizer_.getKind() == u')') return true;
         if (argumentCount_ == mostArguments || !(isArgumentNumber(value) || isText(value))) return false;
         arguments_[static_cast<std::size_t>(argumentCount_++)] = value;
@@ -323,19 +316,21 @@ LumValue::LumValue(const LumColor& color) : LumValue(makeRGBValue(color.getRGB()
 }
 
 LumColor LumValue::getColorValue() const {
-    const LumColor invalid = LumColor::fromRGB(LumColor::RGB_INVALID);
     if (getUnit() == UNIT_COLOR) {
         if (getKind() == KIND_INTEGER) return LumColor::fromRGB(static_cast<std::uint32_t>(payload_.integer));
         if (getKind() == KIND_COMPOUND) return detail::ColorReader::readCompound(*this);
     }
     if (getKind() == KIND_NAME && getUnit() == UNIT_IDENT) return LumColor(getNameValue());
-    if (getKind() != KIND_NAME && getKind() != KIND_STRING) return invalid;
+    if (getKind() != KIND_NAME && getKind() != KIND_STRING) return LumColor::fromRGB(LumColor::RGB_INVALID);
     const LumValue parsed = parseColor(toString(), false);
     if (parsed.getKind() == KIND_NAME) return LumColor(parsed.getNameValue());
-    return parsed.getUnit() == UNIT_COLOR ? parsed.getColorValue() : invalid;
+    return parsed.getUnit() == UNIT_COLOR ? parsed.getColorValue() : LumColor::fromRGB(LumColor::RGB_INVALID);
 }
 
 LumValue LumValue::parseColor(const UnicodeString& text, bool iccAllowed) {
+    int kind = 0;
+    LumValue single = detail::parseSingleToken(text, true, kind);
+    if (kind != LumTokenizer::TOKEN_NONE) return single;
     detail::ColorReader reader(text, iccAllowed);
     if (std::optional<LumValue> value = reader.read()) return *std::move(value);
     return LumValue(text);

@@ -1,13 +1,10 @@
-#include <lumcommon/core/LumError.h>
-#include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/LumUri.h>
-#include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/detail/NumberScan.h>
-#include <lumcommon/values/detail/Units.h>
+#include <lumcommon/values/detail/TokenScan.h>
 
 #include <cmath>
-#include <limits>
 
 namespace LumCommon {
 
@@ -16,23 +13,6 @@ using detail::UnitCursor;
 namespace {
 
 constexpr bool isQuote(char16_t c) noexcept { return c == u'"' || c == u'\''; }
-
-constexpr bool isNameStart(char16_t c) noexcept {
-    if (c < 0xC0) return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
-    return c <= 0x2FF || (c >= 0x370 && c <= 0x37D) || (c >= 0x37F && c <= 0x1FFF) || c == 0x200C || c == 0x200D ||
-           (c >= 0x2070 && c <= 0x218F) || (c >= 0x2C00 && c <= 0x2FEF) || (c >= 0x3001 && c <= 0xD7FF) || c >= 0xF900;
-}
-
-constexpr bool isNameUnit(char16_t c) noexcept {
-    return isNameStart(c) || c == u'-' || c == u'.' || detail::isDigit(c) || c == 0xB7 || (c >= 0x300 && c <= 0x36F) ||
-           c == 0x203F || c == 0x2040;
-}
-
-/// A hash colour of one to three digits has one digit a channel; each becomes a byte by being written twice.
-constexpr std::uint32_t expandShortColor(std::uint32_t digits) noexcept {
-    return ((digits & 0xF00u) << 8 | (digits & 0xF0u) << 4 | (digits & 0xFu)) * 17;
-}
-static_assert(expandShortColor(0xABC) == 0xAABBCC);
 
 UnicodeString cutAtNul(const UnicodeString& text) {
     const int nul = text.indexOf(u'\0');
@@ -54,9 +34,7 @@ void LumTokenizer::setCursor(const UnitCursor& cursor) noexcept {
     if (cursor.get()) position_ = static_cast<int>(cursor.get() - source_.getBuffer());
 }
 
-void LumTokenizer::setText(const char16_t* begin, const char16_t* end) {
-    text_.setTo(begin, static_cast<int>(end - begin));
-}
+void LumTokenizer::setText(std::u16string_view text) { text_.setTo(text.data(), static_cast<int>(text.size())); }
 
 int LumTokenizer::nextToken() {
     if (isPushedBack_) {
@@ -64,114 +42,24 @@ int LumTokenizer::nextToken() {
         return kind_;
     }
     UnitCursor cursor = getCursor();
-    cursor.skipTokenSpace();
-    text_.remove();
-    number_ = 0;
-    hasFraction_ = false;
-    const char16_t c = cursor.peek();
-    if (cursor.isAtEnd()) {
-        kind_ = TOKEN_END;
-    } else if (isNameStart(c)) {
-        readName(cursor);
-        kind_ = TOKEN_NAME;
-    } else if (isQuote(c)) {
-        readQuoted(cursor);
-    } else if (cursor.isAtNumber()) {
-        readNumber(cursor);
-    } else if (c == u'#' && detail::getHexDigit(cursor.peekSecond()) >= 0) {
-        cursor.advance();
-        const char16_t* const digits = cursor.get();
-        const std::uint32_t value = detail::scanHexNumber(cursor, -1);
-        number_ = cursor.get() - digits <= 3 ? expandShortColor(value) : value;
-        kind_ = TOKEN_HASH;
-    } else {
-        cursor.advance();
-        kind_ = c;
-    }
+    const detail::ScannedToken token = detail::scanToken(cursor);
+    kind_ = token.kind;
+    number_ = token.number;
+    hasFraction_ = token.hasFraction;
+    setText(token.text);
     setCursor(cursor);
     return kind_;
 }
 
-void LumTokenizer::readName(UnitCursor& cursor) {
-    const char16_t* const start = cursor.get();
-    while (isNameUnit(cursor.peek())) cursor.advance();
-    setText(start, cursor.get());
-}
-
-void LumTokenizer::readQuoted(UnitCursor& cursor) {
-    const char16_t quote = cursor.peek();
-    cursor.advance();
-    UnitCursor closing = cursor;
-    while (!closing.isAtEnd() && closing.peek() != quote) closing.advance();
-    if (closing.isAtEnd()) {
-        kind_ = quote;
-        return;
-    }
-    setText(cursor.get(), closing.get());
-    closing.advance();
-    cursor = closing;
-    kind_ = TOKEN_STRING;
-}
-
-void LumTokenizer::readNumber(UnitCursor& cursor) {
-    const detail::ScannedNumber scanned = detail::scanNumber(cursor);
-    number_ = scanned.value;
-    hasFraction_ = scanned.hasFraction;
-    if (cursor.peek() == u'%') {
-        cursor.advance();
-        text_.setTo(u'%');
-    } else if (isNameStart(cursor.peek())) {
-        readName(cursor);
-    }
-    kind_ = TOKEN_NUMBER;
-}
-
-LumValue LumTokenizer::makeNumberValue() {
-    if (!text_.isEmpty()) {
-        if (text_.charAt(0) == u'%') return LumValue(static_cast<float>(number_), UNIT_PERCENT);
-        if (const LumValueUnitType unit = detail::findUnit(text_); unit != UNIT_NONE) {
-            return LumValue(static_cast<float>(number_), unit);
-        }
+LumValue LumTokenizer::nextTokenValue() {
+    nextToken();
+    bool isSuffixLeft = false;
+    LumValue value = detail::makeTokenValue({kind_, number_, hasFraction_, detail::viewOf(text_)}, isSuffixLeft);
+    if (isSuffixLeft) {
         // What is no unit is the next token. The text goes too: a number that is pushed back and read once more must
         // not move the position a second time.
         position_ -= text_.length();
         text_.remove();
-    }
-    // A number written with a point is a real even when its fraction is zero.
-    constexpr double smallest = std::numeric_limits<std::int32_t>::min();
-    constexpr double largest = std::numeric_limits<std::int32_t>::max();
-    if (!hasFraction_ && number_ >= smallest && number_ <= largest) return LumValue(static_cast<int>(number_));
-    return LumValue(static_cast<float>(number_), UNIT_NUMBER);
-}
-
-LumValue LumTokenizer::nextTokenValue() {
-    LumValue value;
-    switch (nextToken()) {
-        case TOKEN_END:
-        case TOKEN_NONE:
-            break;
-        case TOKEN_NUMBER:
-            return makeNumberValue();
-        case TOKEN_NAME:
-            try {
-                value = LumName(LumNameTable::getSharedNameEnum(text_));
-                value.setUnit(UNIT_IDENT);
-            } catch (const LumError&) {
-                value = LumValue(text_);  // the name table is full
-            }
-            break;
-        case TOKEN_STRING:
-            value = LumValue(text_);
-            value.setUnit(UNIT_QUOTED);
-            break;
-        case TOKEN_HASH:
-            value = LumValue(static_cast<int>(static_cast<std::uint32_t>(number_)));
-            value.setUnit(UNIT_COLOR);
-            break;
-        default:
-            value = LumValue(kind_);
-            value.setUnit(UNIT_CHAR);
-            break;
     }
     return value;
 }
@@ -185,10 +73,8 @@ LumValue LumTokenizer::nextTokenValueSigned() {
         --position_;
     }
     UnitCursor cursor = getCursor();
-    cursor.skipTokenSpace();
-    const char16_t sign = cursor.peek();
-    if ((sign != u'-' && sign != u'+') || !cursor.isAtSignedNumber()) return nextTokenValue();
-    cursor.advance();
+    char16_t sign = u'+';
+    if (!detail::skipSign(cursor, sign)) return nextTokenValue();
     setCursor(cursor);
     LumValue value = nextTokenValue();
     if (sign == u'+') return value;

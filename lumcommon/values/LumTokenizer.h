@@ -4,6 +4,8 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/values/LumValue.h>
 
+#include <string_view>
+
 namespace LumCommon {
 
 namespace detail {
@@ -65,12 +67,7 @@ public:
 private:
     detail::UnitCursor getCursor() const noexcept;
     void setCursor(const detail::UnitCursor& cursor) noexcept;
-    void setText(const char16_t* begin, const char16_t* end);
-    void readName(detail::UnitCursor& cursor);
-    void readQuoted(detail::UnitCursor& cursor);
-    void readNumber(detail::UnitCursor& cursor);
-    /// The value of the number just read; moves back over a suffix that is no unit.
-    LumValue makeNumberValue();
+    void setText(std::u16string_view text);
     /// Applies an exponent that comes next to number_ and gives its unit; false, and nothing read, when none comes.
     bool readExponent(LumValueUnitType& unit);
     /// Passes what follows an opening parenthesis up to and with the closing one, or to the end.

@@ -159,7 +159,7 @@ public:
     /// The value of a colour's text: a colour, or a name, number or quoted string that is the whole text; any other
     /// text becomes a plain string as it stands. A colour written in words is a name: getColorValue() resolves it.
     /// @param iccAllowed  whether icc-color(...) may follow an RGB colour or a keyword.
-    static LumValue parseColor(const UnicodeString& text, bool iccAllowed);
+    static LumValue parseColor(const UnicodeString& text, bool iccAllowed = false);
 
     // Links and destinations. The results are compounds of named items; what is absent is not set. Keywords and keys
     // are compared without regard to case; "uri" and "nameddest" are taken as written, percent escapes included. None

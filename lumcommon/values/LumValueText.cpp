@@ -3,6 +3,7 @@
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/NumberText.h>
+#include <lumcommon/values/detail/TokenScan.h>
 
 #include <cstddef>
 #include <utility>
@@ -102,22 +103,15 @@ UnicodeString LumValue::toString() const {
 }
 
 LumValue LumValue::parse(const UnicodeString& text) {
-    LumTokenizer tokenizer(text);
-    LumValue value = tokenizer.nextTokenValueSigned();
-    const int kind = tokenizer.getKind();
-    const bool isWholeValue = kind == LumTokenizer::TOKEN_NUMBER || kind == LumTokenizer::TOKEN_HASH ||
-                              kind == LumTokenizer::TOKEN_STRING || kind == LumTokenizer::TOKEN_NAME;
-    if (isWholeValue && tokenizer.nextToken() == LumTokenizer::TOKEN_END) return value;
-    return LumValue(text);
+    int kind = 0;
+    LumValue value = detail::parseSingleToken(text, true, kind);
+    return kind == LumTokenizer::TOKEN_NONE ? LumValue(text) : value;
 }
 
 LumValue LumValue::parseNonNumeric(const UnicodeString& text) {
-    LumTokenizer tokenizer(text);
-    LumValue value = tokenizer.nextTokenValue();
-    const int kind = tokenizer.getKind();
-    const bool isWholeValue = kind == LumTokenizer::TOKEN_STRING || kind == LumTokenizer::TOKEN_NAME;
-    if (isWholeValue && tokenizer.nextToken() == LumTokenizer::TOKEN_END) return value;
-    return LumValue(text);
+    int kind = 0;
+    LumValue value = detail::parseSingleToken(text, false, kind);
+    return kind == LumTokenizer::TOKEN_STRING || kind == LumTokenizer::TOKEN_NAME ? value : LumValue(text);
 }
 
 }  // namespace LumCommon

@@ -99,6 +99,11 @@ TEST_F(LumDocumentSaveTest, attributesAreWrittenFromTheirValues) {
         {"a name is not written", LumValue(LumName(u"auto")), "<e v=\"auto\"/>"},
         {"a compound is one attribute", compound, "<e v=\"1.5pt\" v.maximum=\"2cm\"/>"},
         {"a colour is written as a number", color, "<e v=\"#00FF00\"/>"},
+        {"a print colour is written as its entries", LumValue(LumColor(LumColor(0, 255, 0), u"Gold", 0.5f)),
+         "<e v=\"rgb-icc(0,255,0,#SEPARATION,&quot;Gold&quot;,0.5)\"/>"},
+        {"a quoted string keeps its quotes", LumValue::parse(u"'a'"), "<e v=\"a\"/>"},
+        {"an address gets a wrapper", LumTokenizer(u"url(a.png)").nextTokenValueFunc(), "<e v=\"a.png\"/>"},
+        {"a delimiter is written as its code", LumTokenizer(u"(").nextTokenValue(), "<e v=\"(\"/>"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fault);
@@ -106,10 +111,35 @@ TEST_F(LumDocumentSaveTest, attributesAreWrittenFromTheirValues) {
         element->setAttribute(LumName(u"v"), c.value);
         EXPECT_EQ(utf8(document->saveXml(element.get())), c.written);
     }
-    document->loadXml(u"<svg><rect/></svg>");
-    static_cast<LumElement*>(document->getDocumentElement()->getFirstChild())->setAttribute(LumName(u"fill"), color);
-    EXPECT_NE(document->saveXml(document->getDocumentElement()).indexOf(UnicodeString(u"fill=\"lime\"")), -1)
-        << "a drawing's colours are not in its own syntax";
+}
+
+// The syntax of colours is that of the whole document, wherever saving begins.
+TEST_F(LumDocumentSaveTest, aDrawingHasItsOwnSyntaxOfColours) {
+    const LumValue plain(LumColor(0, 255, 0));
+    const LumValue print(LumColor(LumColor(0, 255, 0), 0.0f, 1.0f, 0.5f, 0.0f));
+    LumValue compound(plain);
+    compound.setNamedItem(NAME_maximum, plain);
+    const struct {
+        const char* fault;
+        const char16_t* xml;
+        const char* written;
+    } cases[] = {
+        {"a drawing", u"<svg xmlns='http://www.w3.org/2000/svg'><g/></svg>",
+         "<g a=\"lime\" b=\"lime icc-color(#CMYK,0,1,0.5,0)\" c=\"#00FF00\" c.maximum=\"#00FF00\""},
+        {"a drawing inside another document", u"<r><g xmlns='http://www.w3.org/2000/svg'/></r>",
+         "<g a=\"#00FF00\" b=\"rgb-icc(0,255,0,#CMYK,0,1,0.5,0)\" c=\"#00FF00\" c.maximum=\"#00FF00\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        document->loadXml(c.xml);
+        auto* const element = static_cast<LumElement*>(document->getDocumentElement()->getFirstChild());
+        element->setAttribute(LumName(u"a"), plain);
+        element->setAttribute(LumName(u"b"), print);
+        element->setAttribute(LumName(u"c"), compound);
+        const std::string written = std::string(c.written) + " xmlns=\"http://www.w3.org/2000/svg\"/>";
+        EXPECT_EQ(utf8(document->saveXml(element)), written);
+        EXPECT_NE(utf8(document->saveXml()).find(c.written), std::string::npos);
+    }
 }
 
 TEST_F(LumDocumentSaveTest, textsKeepEvenHalfASurrogatePair) {

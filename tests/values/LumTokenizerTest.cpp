@@ -14,12 +14,6 @@ using LumTest::utf8;
 
 UnicodeString text(const std::string& bytes) { return UnicodeString::fromUTF8(bytes); }
 
-UnicodeString repeat(const char* part, int times) {
-    std::string bytes;
-    for (int i = 0; i < times; ++i) bytes += part;
-    return text(bytes);
-}
-
 /// A token as "kind text number", the number only where it is not 0.
 std::string describe(const LumTokenizer& tokenizer) {
     const int kind = tokenizer.getKind();
@@ -181,25 +175,6 @@ TEST(LumTokenizer, findsSeparators) {
     tokenizer.pushBack();
     EXPECT_FALSE(tokenizer.scanSeparator(u'a'));
     EXPECT_FALSE(tokenizer.skipSeparator(u'a'));
-}
-
-// Each text takes hours when an operation is quadratic, and overflows the stack when it recurses.
-TEST(LumTokenizer, takesHostileTextsInLinearTime) {
-    constexpr int size = 1'000'000;
-    for (const char* part : {"(", "a(", "rgb(", "url(", "'", "\"'", "1e", "1e1", "-", "#f", "1.", "9", "e+1e", ")"}) {
-        SCOPED_TRACE(part);
-        const UnicodeString source = repeat(part, size / static_cast<int>(std::string(part).size()));
-        LumTokenizer values(source);
-        // The loop must end: every value consumes something.
-        int last = -1;
-        while (!values.nextTokenValueFunc().isNull()) {
-            ASSERT_GT(values.getPosition(), last);
-            last = values.getPosition();
-        }
-        LumTokenizer items(source);
-        do items.nextSeparatedValue(u',');
-        while (items.getKind() != LumTokenizer::TOKEN_END);
-    }
 }
 
 TEST(LumTokenizer, takesADigitRunWhole) {

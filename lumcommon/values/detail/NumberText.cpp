@@ -1,5 +1,7 @@
 #include <lumcommon/values/detail/NumberText.h>
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 
 namespace LumCommon::detail {
@@ -29,7 +31,8 @@ void appendReal(UnicodeString& text, double number) {
 
 void appendHexColor(UnicodeString& text, std::uint32_t rgb) {
     text.append(u'#');
-    for (int shift = rgb > 0xFFFFFFu ? 28 : 20; shift >= 0; shift -= 4) {
+    const int shownDigits = std::max(6, (static_cast<int>(std::bit_width(rgb)) + 3) / 4);
+    for (int shift = 4 * (shownDigits - 1); shift >= 0; shift -= 4) {
         text.append(static_cast<char16_t>(u"0123456789ABCDEF"[(rgb >> shift) & 15u]));
     }
 }

@@ -1,7 +1,8 @@
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/detail/Units.h>
 
-#include <string_view>
+#include <cstddef>
+#include <cstdint>
 
 namespace LumCommon {
 
@@ -28,17 +29,42 @@ constexpr LumNameEnum unitNames[unitCount] = {
 };
 static_assert(unitNames[UNIT_KHZ] == NAME_kHz && unitNames[UNIT_DPI] == NAME_dpi && unitNames[UNIT_TWIP] == NAME_twip);
 
+constexpr std::size_t longestUnit = 4;
+
+/// The units of a text of at most longestUnit units as one number.
+constexpr std::uint64_t pack(std::u16string_view text) noexcept {
+    std::uint64_t packed = 0;
+    for (const char16_t c : text) packed = packed << 16 | c;
+    return packed;
+}
+
 struct UnitRow {
-    std::u16string_view lowerCase;
+    std::uint64_t lowerCase;
     LumValueUnitType unit;
 };
-constexpr UnitRow unitRows[] = {
-    {u"pt", UNIT_PT},   {u"em", UNIT_EM},   {u"mm", UNIT_MM},     {u"px", UNIT_PX},     {u"in", UNIT_IN},
-    {u"cm", UNIT_CM},   {u"ex", UNIT_EX},   {u"pc", UNIT_PC},     {u"jpt", UNIT_JPT},   {u"q", UNIT_Q},
-    {u"deg", UNIT_DEG}, {u"rad", UNIT_RAD}, {u"grad", UNIT_GRAD}, {u"ms", UNIT_MS},     {u"s", UNIT_S},
-    {u"hz", UNIT_HZ},   {u"khz", UNIT_KHZ}, {u"dpi", UNIT_DPI},   {u"twip", UNIT_TWIP},
+// clang-format off
+constexpr UnitRow unitRows[] = {  // the common ones first
+    {pack(u"pt"), UNIT_PT},
+    {pack(u"em"), UNIT_EM},
+    {pack(u"mm"), UNIT_MM},
+    {pack(u"px"), UNIT_PX},
+    {pack(u"in"), UNIT_IN},
+    {pack(u"cm"), UNIT_CM},
+    {pack(u"ex"), UNIT_EX},
+    {pack(u"pc"), UNIT_PC},
+    {pack(u"jpt"), UNIT_JPT},
+    {pack(u"q"), UNIT_Q},
+    {pack(u"deg"), UNIT_DEG},
+    {pack(u"rad"), UNIT_RAD},
+    {pack(u"grad"), UNIT_GRAD},
+    {pack(u"ms"), UNIT_MS},
+    {pack(u"s"), UNIT_S},
+    {pack(u"hz"), UNIT_HZ},
+    {pack(u"khz"), UNIT_KHZ},
+    {pack(u"dpi"), UNIT_DPI},
+    {pack(u"twip"), UNIT_TWIP},
 };
-constexpr int longestUnit = 4;
+// clang-format on
 
 // Folds ASCII only: the Kelvin sign is a name character that full case folding would take for a "k".
 constexpr char16_t toLowerAscii(char16_t c) noexcept {
@@ -53,13 +79,12 @@ const UnicodeString& LumValue::getUnitString(LumValueUnitType unit) {
     return LumNameTable::getBuiltinNameString(unit < unitCount ? unitNames[unit] : NAME_NULL);
 }
 
-LumValueUnitType detail::findUnit(const UnicodeString& text) noexcept {
-    if (text.length() > longestUnit) return UNIT_NONE;
-    char16_t folded[longestUnit];
-    const auto length = static_cast<std::size_t>(text.length());
-    for (std::size_t i = 0; i < length; ++i) folded[i] = toLowerAscii(text.charAt(static_cast<int>(i)));
+LumValueUnitType detail::findUnit(std::u16string_view text) noexcept {
+    if (text.size() > longestUnit) return UNIT_NONE;
+    std::uint64_t folded = 0;
+    for (const char16_t c : text) folded = folded << 16 | toLowerAscii(c);
     for (const UnitRow& row : unitRows) {
-        if (row.lowerCase == std::u16string_view(folded, length)) return row.unit;
+        if (row.lowerCase == folded) return row.unit;
     }
     return UNIT_NONE;
 }

@@ -2,6 +2,8 @@
 
 #include <lumcommon/values/LumValue.h>
 
+#include <string_view>
+
 namespace LumCommon::detail {
 
 /// Points in one `unit`; 0 when it is not an absolute length. The factors are kept as double so that going from one
@@ -34,6 +36,6 @@ inline constexpr double radiansPerGrad = 0.015707964;
 inline constexpr double gradsPerRadian = 63.661976;
 
 /// The unit whose printed form is `text`, whatever the case of its letters; UNIT_NONE when there is none.
-LumValueUnitType findUnit(const UnicodeString& text) noexcept;
+LumValueUnitType findUnit(std::u16string_view text) noexcept;
 
 }  // namespace LumCommon::detail

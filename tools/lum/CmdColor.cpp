@@ -1,0 +1,70 @@
+#include <lumcommon/values/LumColor.h>
+#include <lumcommon/values/LumValue.h>
+
+#include "Command.h"
+#include "Output.h"
+
+#include <charconv>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace lum {
+namespace {
+
+using LumCommon::LumColor;
+using LumCommon::LumValue;
+
+struct Arguments {
+    bool isIccAllowed = false;
+    bool isSvgForm = false;
+    std::string text;
+};
+
+void describe(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--icc", arguments.isIccAllowed, "icc-color(...) may follow the RGB colour");
+    command.add_flag("--svg", arguments.isSvgForm, "Print the colour as SVG writes it");
+    command.add_option("text", arguments.text, "The text of a colour")->required();
+}
+
+int getComponentCount(const LumColor& color) {
+    switch (color.getColorSpace().getEnum()) {
+        case LumCommon::NAME_NULL:
+            return 0;
+        case LumCommon::NAME_HASH_GRAYSCALE:
+            return 1;
+        case LumCommon::NAME_HASH_SEPARATION:
+            return 5;
+        default:
+            return 4;
+    }
+}
+
+/// The double with the fewest digits that is this float: 0.1 and not 0.10000000149011612.
+double getShortest(float number) {
+    char digits[32];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    double shortest = 0;
+    std::from_chars(digits, end, shortest);
+    return shortest;
+}
+
+void run(const Arguments& arguments) {
+    const LumColor color(LumValue::parseColor(fromArgument(arguments.text), arguments.isIccAllowed));
+    char rgb[16];
+    std::snprintf(rgb, sizeof rgb, "%08X", static_cast<unsigned>(color.getRGB()));
+    auto components = nlohmann::ordered_json::array();
+    for (int i = 0; i < getComponentCount(color); ++i) components.push_back(getShortest(color.getComponent(i)));
+    printJson({{"rgb", rgb},
+               {"space", toUtf8(color.getColorSpace())},
+               {"name", toUtf8(color.getName())},
+               {"components", components},
+               {"string", toUtf8(color.toString(arguments.isSvgForm))}});
+}
+
+}  // namespace
+
+void addColorCommand(CLI::App& app, Action& action) {
+    addCommand(app, action, "color", "Print the colour of a property's text as JSON", describe, run);
+}
+
+}  // namespace lum
