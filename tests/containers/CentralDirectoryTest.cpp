@@ -143,6 +143,7 @@ std::vector<DirectoryCase> lyingCases() {
              endRecord(49, streamed("e", "").bytes().size() + 16 + a.bytes().size()),
          {{"e", ""}, {"a", "one"}}},
         {"a directory without the member", withDirectory(ZipRecord{.name = "x", .offset = 1}.bytes()), searched},
+        {"the directory of another archive behind", withDirectory(record) + ZipArchive().add(a).bytes(), searched},
         {"no record at all", withDirectory(""), searched},
         {"a directory larger than the file", found + record + endRecord(0xFFFFFFF0u, 0), searched},
         {"a directory behind itself", found + record + endRecord(record.size(), 0xFFFFFFF0u), searched},
