@@ -73,7 +73,6 @@ TEST(LumZipPackage, tellsTheKindOfOfficeDocument) {
         {"the last row", wordPackage("application/vnd.openxmlformats-officedocument.themeManager+xml"), 16},
         {"letters of either case", wordPackage("application/vnd.ms-word.Document.macroEnabled.main+xml"), 0},
         {"a type that goes on", wordPackage(wordType + "+xml"), 0},
-        {"no type", wordPackage(""), 0},
         {"a target from the root", wordPackage(wordType, "/word/document.xml"), 1},
         {"a target that climbs", wordPackage(wordType, "../../word/document.xml"), 1},
         {"a target that leads nowhere", wordPackage(wordType, "document.xml"), 0},
@@ -86,7 +85,6 @@ TEST(LumZipPackage, tellsTheKindOfOfficeDocument) {
           {"_rels/.rels", relationshipsXml("<p:Relationship Type='" + officeDocumentType + "' Target='m.x'/>", "p:")},
           {"m.x", ""}},
          1},
-        {"no archive entries", {}, 0},
     };
     for (const KindCase& c : cases) {
         SCOPED_TRACE(c.fault);
@@ -96,11 +94,10 @@ TEST(LumZipPackage, tellsTheKindOfOfficeDocument) {
         EXPECT_TRUE(c.kind == 0 || zip->getOfficeDocument());
         std::istringstream in(archiveOf(c.parts));
         EXPECT_EQ(LumZipFile::detectOOXDocument(&in), c.kind);
-        in.clear();
-        in.seekg(0);
-        in.setstate(std::ios::failbit);
-        EXPECT_EQ(LumZipFile::detectOOXDocument(&in), 0);
     }
+    std::istringstream failed(archiveOf(wordPackage(wordType)));
+    failed.setstate(std::ios::failbit);
+    EXPECT_EQ(LumZipFile::detectOOXDocument(&failed), 0);
     EXPECT_EQ(LumZipFile::detectOOXDocument(static_cast<std::istream*>(nullptr)), 0);
     EXPECT_EQ(LumZipFile::detectOOXDocument("/no/such/file"), 0);
     EXPECT_EQ(LumZipFile::detectOOXDocument(LUM_TEST_DATA "/containers/office.docx"), 1);
@@ -132,13 +129,10 @@ TEST(LumZipPackage, leadsTargetsToTheirEntries) {
         {"a sibling", "word/a.xml", "b.xml", nullptr, "word/b.xml"},
         {"an empty mode is one of its own", "word/a.xml", "b.xml", "", "word/b.xml"},
         {"a sibling of a part in the root", "root.xml", "word/a.xml", nullptr, "word/a.xml"},
-        {"white space around it", "root.xml", " word/a.xml\n", nullptr, "word/a.xml"},
         {"up to the root", "word/a.xml", "../custom/i.xml", nullptr, "custom/i.xml"},
         {"up above the root", "word/a.xml", "../../../custom/i.xml", nullptr, "custom/i.xml"},
         {"up from the package", nullptr, "../custom/i.xml", nullptr, "custom/i.xml"},
-        {"here", nullptr, "./custom/i.xml", nullptr, "custom/i.xml"},
         {"up and down in the middle", "word/a.xml", "x/./../../custom/i.xml", nullptr, "custom/i.xml"},
-        {"a deep source", "word/deep/er/c.xml", "../../b.xml", nullptr, "word/b.xml"},
         {"a blank in the name", "word/a.xml", "my pic.png", nullptr, "word/my pic.png"},
         {"an escaped blank", "word/a.xml", "my%20pic.png", nullptr, "word/my pic.png"},
         {"an escape in the name itself", "word/a.xml", "p%41.png", nullptr, "word/p%41.png"},
@@ -150,9 +144,8 @@ TEST(LumZipPackage, leadsTargetsToTheirEntries) {
         {"outside by a mode of its own", "word/a.xml", "/word/b.xml", "internal", "/word/b.xml"},
         {"no target", nullptr, "", nullptr, ""},
     };
-    const Parts parts = {{"word/a.xml", ""},   {"word/b.xml", ""},         {"root.xml", ""},
-                         {"custom/i.xml", ""}, {"word/deep/er/c.xml", ""}, {"word/my pic.png", ""},
-                         {"word/p%41.png", ""}};
+    const Parts parts = {{"word/a.xml", ""},   {"word/b.xml", ""},      {"root.xml", ""},
+                         {"custom/i.xml", ""}, {"word/my pic.png", ""}, {"word/p%41.png", ""}};
     for (const TargetCase& c : cases) {
         SCOPED_TRACE(c.fault);
         const std::string mode = c.mode ? std::string(" TargetMode='") + c.mode + "'" : "";
