@@ -56,6 +56,18 @@ void rewindTo(std::istream& in, std::streamoff position) noexcept {
     }
 }
 
+StreamPlace::~StreamPlace() {
+    if (position_ >= 0) {
+        rewindTo(in_, position_);
+        return;
+    }
+    try {
+        in_.setstate(std::ios_base::failbit);
+    } catch (...) {
+        // Its mask throws; the state is set.
+    }
+}
+
 }  // namespace detail
 
 namespace {

@@ -1,5 +1,8 @@
 #include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/containers/detail/CentralDirectory.h>
 #include <lumcommon/containers/detail/DescriptorSearch.h>
+#include <lumcommon/containers/detail/PackageRelationships.h>
+#include <lumcommon/containers/detail/ZipFields.h>
 
 #include <fstream>
 #include <memory>
@@ -14,6 +17,13 @@ std::unique_ptr<std::istream> openFile(const char* path) {
     if (!path) return nullptr;
     auto file = std::make_unique<std::ifstream>(path, std::ios_base::in | std::ios_base::binary);
     return file->is_open() ? std::move(file) : nullptr;
+}
+
+/// True when the data descriptor of a member without data comes next, so that the walk can go on behind it.
+bool isBeforeEmptyDescriptor(std::istream& in) {
+    if (LumZipEntry::getSignature(in) != LumZipEntry::SIGNATURE_EXTHEADER) return false;
+    const detail::StreamPlace place(in);
+    return LumZipExtheaderEntry(in).getCompressedSize() == 0;
 }
 
 }  // namespace
@@ -48,6 +58,8 @@ void LumZipFile::open(std::istream* s, bool own) {
 
 void LumZipFile::close() noexcept {
     byName_.clear();
+    relationships_.reset();
+    hasContentTypes_ = false;
     if (ownsStream_) {
         for (const LumPtr<LumZipFileEntry>& entry : entries_) entry->forgetStream();
         delete stream_;
@@ -59,6 +71,8 @@ void LumZipFile::close() noexcept {
 
 void LumZipFile::init() {
     if (!stream_) return;
+    const std::streamoff start = detail::tellPosition(*stream_);
+    bool isDirectoryUntried = true;
     bool areDescriptorsFound = true;
     for (;;) {
         switch (LumZipEntry::getSignature(*stream_)) {
@@ -66,6 +80,11 @@ void LumZipFile::init() {
                 LumPtr<LumZipFileEntry> entry(new LumZipFileEntry(*stream_));
                 LumZipFileEntry* const added = entries_.emplace_back(std::move(entry)).get();
                 byName_.try_emplace(added->getFileName(), added);
+                if (!added->hasUnknownEnd()) break;
+                if (isDirectoryUntried && !isBeforeEmptyDescriptor(*stream_)) {
+                    isDirectoryUntried = false;
+                    if (takeFromDirectory(start, added->getPosition())) return;
+                }
                 // A search that fails has read to the end. One for each header would make hostile headers quadratic.
                 if (areDescriptorsFound && added->leavesSizesToDescriptor()) {
                     areDescriptorsFound = detail::findDescriptor(*stream_, added->fields_);
@@ -80,6 +99,32 @@ void LumZipFile::init() {
                 return;
         }
     }
+}
+
+bool LumZipFile::takeFromDirectory(std::streamoff start, std::streamoff unwalkable) {
+    const detail::StreamPlace place(*stream_);
+    const detail::CentralDirectory directory = detail::readCentralDirectory(*stream_, start);
+    std::vector<LumPtr<LumZipFileEntry>> entries;
+    bool isOfThisArchive = false;
+    std::streamoff free = start;  // where the next local header may begin
+    for (const detail::DirectoryMember& member : directory.members) {
+        if (member.headerPosition < free) continue;
+        detail::rewindTo(*stream_, member.headerPosition);
+        LumPtr<LumZipFileEntry> entry(new LumZipFileEntry(*stream_, member));
+        if (entry->getSignature() != LumZipEntry::SIGNATURE_FILE) continue;
+        // Data that reach into the next member would let a small file claim, in many members, any amount of memory.
+        if (!entries.empty()) entries.back()->limitData(entry->getPosition());
+        free = member.headerPosition + detail::zipLocalHeaderBytes;
+        isOfThisArchive = isOfThisArchive || member.headerPosition == unwalkable;
+        entries.push_back(std::move(entry));
+    }
+    if (!isOfThisArchive) return false;
+    entries.back()->limitData(directory.position);
+    std::map<UnicodeString, LumZipFileEntry*> byName;
+    for (const LumPtr<LumZipFileEntry>& entry : entries) byName.try_emplace(entry->getFileName(), entry.get());
+    entries_.swap(entries);
+    byName_.swap(byName);
+    return true;
 }
 
 LumZipFileEntry* LumZipFile::getFileEntry(unsigned index) const noexcept {

@@ -1,4 +1,6 @@
 #include <lumcommon/containers/LumZipFileEntry.h>
+#include <lumcommon/containers/detail/CentralDirectory.h>
+#include <lumcommon/containers/detail/PackageRelationships.h>
 #include <lumcommon/containers/detail/ZipFields.h>
 #include <lumcommon/streams/LumInflaterStream.h>
 #include <lumcommon/streams/LumStrStream.h>
@@ -14,8 +16,7 @@ constexpr std::size_t firstPieceBytes = std::size_t{64} * 1024;
 
 /// Where the data begin, from the start of the record; the largest sum of its parts is far below 2^31.
 std::streamoff dataOffset(const LumZipMemberFields& fields) noexcept {
-    constexpr std::streamoff signatureBytes = 4;
-    return signatureBytes + std::streamoff{detail::zipMemberFieldsBytes} + fields.nameLength + fields.extraLength;
+    return detail::zipLocalHeaderBytes + fields.nameLength + fields.extraLength;
 }
 
 /// Up to `claimed` bytes of the stream, in pieces that grow with what has come, so that a claim costs nothing.
@@ -44,11 +45,30 @@ LumZipFileEntry::LumZipFileEntry(std::istream& s) : LumZipEntry(s) {
     detail::skipBytes(s, std::uint64_t{fields_.extraLength} + fields_.compressedSize);
 }
 
+LumZipFileEntry::LumZipFileEntry(std::istream& s, const detail::DirectoryMember& member)
+    : LumZipEntry(s), fileName_(member.name) {
+    detail::HeaderReader<detail::zipMemberFieldsBytes> header(s);
+    const LumZipMemberFields local = detail::takeZipMemberFields(*header);
+    fields_ = member.fields;
+    fields_.nameLength = local.nameLength;
+    fields_.extraLength = local.extraLength;
+}
+
 LumZipFileEntry::~LumZipFileEntry() = default;
 
 bool LumZipFileEntry::leavesSizesToDescriptor() const noexcept {
     constexpr unsigned descriptorFollows = 1u << 3;
     return (fields_.flags & descriptorFollows) != 0 && fields_.compressedSize == 0;
+}
+
+bool LumZipFileEntry::hasUnknownEnd() const noexcept {
+    constexpr std::uint32_t isInZip64Field = 0xFFFFFFFFu;
+    return leavesSizesToDescriptor() || fields_.compressedSize == isInZip64Field;
+}
+
+void LumZipFileEntry::limitData(std::streamoff end) noexcept {
+    const std::streamoff bytes = end - position_ - dataOffset(fields_);
+    maxDataBytes_ = static_cast<std::uint32_t>(std::clamp<std::streamoff>(bytes, 0, 0xFFFFFFFF));
 }
 
 bool LumZipFileEntry::seekData() {
@@ -65,7 +85,7 @@ bool LumZipFileEntry::seekData() {
 
 void LumZipFileEntry::loadData() {
     if (hasReadData_) return;
-    if (seekData()) data_ = readClaimed(*stream_, fields_.compressedSize);
+    if (seekData()) data_ = readClaimed(*stream_, std::min(fields_.compressedSize, maxDataBytes_));
     hasReadData_ = true;
 }
 

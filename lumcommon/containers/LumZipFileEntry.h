@@ -11,12 +11,18 @@ namespace LumCommon {
 class LumInflaterStream;
 class LumStrStream;
 
+namespace detail {
+struct DirectoryMember;
+struct PackageRelationships;
+}  // namespace detail
+
 /// A member of a zip archive, read from its local header; its data are read from the archive's stream on first use.
 ///
-/// Sizes and CRC-32 are those of the local header, or of the data descriptor where the header leaves them to one and
-/// the archive found it (see LumZipFile). The data are as many of the claimed bytes as the stream really holds, and
-/// memory grows with these alone: a member that claims 4 GiB in a file of 100 bytes has less than 100. Encrypted
-/// members and methods other than deflate are handed out as they are stored; nothing is checked against the CRC-32.
+/// Sizes and CRC-32 are those of the local header; where that leaves them to a data descriptor, those of the central
+/// directory or of the descriptor (see LumZipFile). The data are as many of the claimed bytes as the stream really
+/// holds, and memory grows with these alone: a member that claims 4 GiB in a file of 100 bytes has less than 100.
+/// Encrypted members and methods other than deflate are handed out as they are stored; nothing is checked against the
+/// CRC-32.
 /// Failure: nothing is thrown.
 /// Threads: one at a time for all entries of one archive, since they share its stream; streams made with `fresh` are
 /// independent of it and of each other.
@@ -35,7 +41,8 @@ public:
     /// The name in the platform's default charset (ICU takes Linux for UTF-8), as stored: with "/" between folders, and
     /// at the end of a folder's own name. Empty when the stream does not hold all of it.
     const UnicodeString& getFileName() const noexcept { return fileName_; }
-    /// All that the header says, the sizes of a data descriptor put in.
+    /// All that the local header says, the sizes of a data descriptor put in. Of an archive read by its central
+    /// directory: what that says, but the lengths of name and extra field are those of the local header.
     const LumZipMemberFields& getFields() const noexcept { return fields_; }
     std::uint16_t getMethod() const noexcept { return fields_.method; }
     std::uint16_t getFlags() const noexcept { return fields_.flags; }
@@ -44,10 +51,13 @@ public:
     std::uint32_t getCompressedSize() const noexcept { return fields_.compressedSize; }
     /// In bytes, as claimed.
     std::uint32_t getUncompressedSize() const noexcept { return fields_.uncompressedSize; }
+    /// The content type in an office package, see LumZipFile::setContentType(); empty until that has assigned one.
+    const UnicodeString& getContentType() const noexcept { return contentType_; }
 
     /// The member's data as they are stored, read from the archive on the first call and kept.
-    /// @return fewer bytes than claimed when the stream ends or fails earlier; none when it cannot seek, is gone, or
-    /// memory is wanting (a later call then tries again).
+    /// @return fewer bytes than claimed when the stream ends or fails earlier, or when the central directory gave more
+    /// than lie in front of the next member; none when the stream cannot seek, is gone, or memory is wanting (a later
+    /// call then tries again).
     /// Ownership: they live as long as the entry.   Cost: O(data) on the first call.
     std::span<const char> readCompressedData();
 
@@ -69,19 +79,29 @@ public:
 private:
     friend class LumZipFile;
 
+    /// Reads the local header at the stream's position, but takes from the directory what that says.
+    LumZipFileEntry(std::istream& s, const detail::DirectoryMember& member);
+
     /// The archive deletes its stream; data not read until now are not there any more.
     void forgetStream() noexcept { stream_ = nullptr; }
     /// True when the header says so and states no compressed size itself.
     bool leavesSizesToDescriptor() const noexcept;
+    /// True when the local header does not tell where the data end, because the size is elsewhere.
+    bool hasUnknownEnd() const noexcept;
+    /// The data end at that position of the stream at the latest.
+    void limitData(std::streamoff end) noexcept;
     bool seekData();
     void loadData();
 
     LumZipMemberFields fields_;
     UnicodeString fileName_;
+    std::uint32_t maxDataBytes_ = 0xFFFFFFFFu;
     bool hasReadData_ = false;
     std::vector<char> data_;
     std::unique_ptr<LumStrStream> compressedStream_;
     std::unique_ptr<LumInflaterStream> uncompressedStream_;
+    UnicodeString contentType_;
+    std::unique_ptr<detail::PackageRelationships> relationships_;  // null until they have been read
 };
 
 }  // namespace LumCommon

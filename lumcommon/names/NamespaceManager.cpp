@@ -9,7 +9,8 @@ namespace LumCommon {
 using detail::ScopeAnswers;
 
 NamespaceManager::NamespaceManager() : answers_(std::make_unique<ScopeAnswers>()) {
-    scopes_.emplace_back().map = new NamespaceMap;
+    scopes_.emplace_back();
+    scopes_.back().map = new NamespaceMap;  // a statement of its own: it would be made before its place is
     addNamespace(NAME_xml, NAME_NS_XML);
     addNamespace(NAME_xmlns, NAME_NS_XMLNS);
     nameTable_ = LumNameTable::addRefSharedNameTable();  // last: a failure above would keep the reference for ever

@@ -95,8 +95,9 @@ public:
     /// @param errorMessage  gets what LumUriStreamBuf has to report, "Unknown exception" where something threw; may be
     ///                      null. Other failures leave it as it was.
     /// Ownership: the caller deletes the stream. Null on failure.
-    /// Cost: archives are read up to the data of their last member; one that does not come from a local file, and one
-    /// inside another, is held in memory as far as it is read. See LumUriStreamBuf for how long a server may take.
+    /// Cost: archives are read up to the data of their last member, and up to their end where only that tells the sizes
+    /// of members; one that does not come from a local file, and one inside another, is held in memory as far as it is
+    /// read. See LumUriStreamBuf for how long a server may take.
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage) const;
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType = nullptr) const;
     /// What the installed resolver opens for this URI; null without one. The caller deletes it.

@@ -36,6 +36,13 @@ void appendNumber(UnicodeString& text, int number) {
 
 LumPtr<LumXmlParser> makeXmlParser() { return LumPtr<LumXmlParser>(new XmlParserImpl); }
 
+LumPtr<LumXmlParser> makeClosedXmlParser() {
+    LumPtr<XmlParserImpl> parser(new XmlParserImpl);
+    parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);
+    parser->refuseExternalInputs();
+    return LumPtr<LumXmlParser>(parser.get());
+}
+
 bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
 
 UnicodeString LumXmlParser::getEventTypeStr(int eventType) {

@@ -41,6 +41,8 @@ public:
     bool isA(unsigned int typeId) const override;
     UnicodeString getTypeName() const override;
 
+    /// From now on no external entity can be opened.
+    void refuseExternalInputs() noexcept { opensExternalInputs_ = false; }
     void setFeature(Feature feature, bool value) override;
     bool getFeature(Feature feature) const override;
     void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) override;
@@ -247,6 +249,7 @@ private:
     static UnicodeString makeQName(LumName prefix, LumName localName);
 
     bool features_[6] = {};
+    bool opensExternalInputs_ = true;
     EventType eventType_ = START_DOCUMENT;
     TokenState tokenState_ = TOKEN_UNKNOWN;
     detail::XmlCursor cursor_;                    // of the topmost frame

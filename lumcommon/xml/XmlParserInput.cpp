@@ -316,7 +316,7 @@ void XmlParserImpl::pushStream(const UnicodeString& systemId) {
         throwError(XmlError::NestingLimit);
         return;
     }
-    std::unique_ptr<std::istream> in = detail::openInput(resource);
+    std::unique_ptr<std::istream> in = opensExternalInputs_ ? detail::openInput(resource) : nullptr;
     if (!in) {
         if (resource.isFile()) {
             throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());

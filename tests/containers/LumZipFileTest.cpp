@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/core/LumError.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/streams/LumStrStream.h>
 
@@ -352,6 +353,47 @@ TEST(LumZipFile, claimsAndWantOfMemoryCostNothing) {
         }
         ASSERT_TRUE(hasFailed || n > 10) << "hardly any allocation was made to fail";
         if (!hasFailed) break;
+    }
+}
+
+TEST(LumZipFile, wantOfMemoryLeavesAPackageThatCanBeReadLater) {
+    const std::string bytes =
+        LumTest::ZipArchive()
+            .add({.name = "_rels/.rels",
+                  .data = "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
+                          "<Relationship Id='a' Type='http://schemas.openxmlformats.org/officeDocument/2006/"
+                          "relationships/officeDocument' Target='/m'/></Relationships>",
+                  .flags = 8,
+                  .claimedData = 0})
+            .add({.name = "[Content_Types].xml",
+                  .data = "<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'><Override "
+                          "PartName='/m' ContentType='application/vnd.openxmlformats-officedocument.themeManager+xml'/>"
+                          "</Types>"})
+            .add({.name = "m"})
+            .bytes();
+    for (int n = 0;; ++n) {
+        ASSERT_LT(n, 2000);
+        std::istringstream in(bytes);
+        LumZipFile zip;
+        allocationsLeft = n;
+        int kind = -1;
+        try {
+            zip.open(&in, false);
+            kind = zip.detectOOXDocument();
+        } catch (const std::bad_alloc&) {
+        } catch (const LumError&) {  // a stream that fails for want of memory has failed for the parser
+        }
+        const bool hasFailed = allocationsLeft < 0;
+        allocationsLeft = -1;
+        EXPECT_EQ(zip.getFileEntryCount() == 3 ? zip.detectOOXDocument() : 16, 16) << "after allocation " << n;
+        in.clear();
+        in.seekg(0);
+        zip.open(&in, false);
+        EXPECT_EQ(zip.detectOOXDocument(), 16) << "after allocation " << n;
+        if (hasFailed) continue;
+        EXPECT_EQ(kind, 16);
+        EXPECT_GT(n, 50) << "hardly any allocation was made to fail";
+        break;
     }
 }
 

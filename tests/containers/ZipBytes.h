@@ -58,6 +58,55 @@ inline std::string descriptor(std::uint64_t compressed, std::uint64_t uncompress
     return "PK\7\10crc4" + littleEndian(compressed, 4) + littleEndian(uncompressed, 4);
 }
 
+/// What a central directory says of a member.
+struct ZipRecord {
+    std::string name = {};
+    std::uint64_t offset = 0;
+    std::uint64_t compressed = 0;
+    unsigned method = 0;
+    std::uint64_t uncompressed = 0;
+    std::string extra = {};
+    unsigned claimedName = 0;
+
+    std::string bytes() const {
+        return "PK\1\2" + littleEndian(20, 2) + littleEndian(20, 2) + littleEndian(8, 2) + littleEndian(method, 2) +
+               "TTDDcrc4" + littleEndian(compressed, 4) + littleEndian(uncompressed, 4) +
+               littleEndian(claimedName ? claimedName : name.size(), 2) + littleEndian(extra.size(), 2) +
+               std::string(10, '\0') + littleEndian(offset, 4) + name + extra;
+    }
+};
+
+/// The record of a member whose local header begins at `offset`.
+inline ZipRecord recordOf(const ZipMember& member, std::uint64_t offset) {
+    return {.name = member.name,
+            .offset = offset,
+            .compressed = member.data.size(),
+            .method = member.method,
+            .uncompressed = member.uncompressed};
+}
+
+inline std::string endRecord(std::uint64_t directorySize, std::uint64_t directoryOffset,
+                             const std::string& comment = "") {
+    return "PK\5\6" + std::string(8, '\0') + littleEndian(directorySize, 4) + littleEndian(directoryOffset, 4) +
+           littleEndian(comment.size(), 2) + comment;
+}
+
+/// An archive with its central directory.
+struct ZipArchive {
+    std::string body = {};
+    std::string directory = {};
+
+    /// @param trailer  what follows the data, such as a descriptor.
+    ZipArchive& add(const ZipMember& member, const std::string& trailer = "") {
+        directory += recordOf(member, body.size()).bytes();
+        body += member.bytes() + trailer;
+        return *this;
+    }
+    std::string bytes(const std::string& comment = "") const {
+        return body + directory + endRecord(directory.size(), body.size(), comment);
+    }
+};
+
 inline const std::string zipEnd = "PK\5\6" + std::string(18, '\0');
 
 }  // namespace LumTest

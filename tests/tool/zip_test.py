@@ -61,7 +61,21 @@ def make_archives():
         archive.writestr("inner.zip", inner)  # its descriptors must not be taken for those of the outer archive
         archive.writestr("after", b"x")
     yield FOLDER / "nested.zip"
+    with zipfile.ZipFile(OneWay((FOLDER / "zip64.zip").open("wb")), "w") as archive:
+        for name, data in members:
+            with archive.open(name, "w", force_zip64=True) as member:
+                member.write(data)
+    yield FOLDER / "zip64.zip"
+    with zipfile.ZipFile(DATA / "office.docx") as office, \
+            zipfile.ZipFile(OneWay((FOLDER / "stored.docx").open("wb")), "w") as archive:
+        for info in office.infolist():
+            archive.writestr(info.filename, office.read(info))
+        archive.comment = b"a comment"
+    yield FOLDER / "stored.docx"
     if ZIP:
+        piped = subprocess.run(f"{ZIP} -q - -", shell=True, input=members[0][1] * 100, capture_output=True, check=True)
+        (FOLDER / "infozip-piped.zip").write_bytes(piped.stdout)  # zip64: nobody knew how much would come
+        yield FOLDER / "infozip-piped.zip"
         for name, data in members:
             if not name.endswith("/"):
                 (FOLDER / "in" / name).parent.mkdir(parents=True, exist_ok=True)
@@ -118,14 +132,23 @@ def check_failures():
 def check_kind():
     document = b"<?xml version='1.0'?><!DOCTYPE p:r SYSTEM 'none.dtd'><p:r xmlns:p='urn:p'/>"
     root = {"name": "r", "namespace": "urn:p"}
+    def kind(**known):
+        return {"zip": False, "ooxml": 0, "gzip": False, "root": None, **known}
+
+    damaged = io.BytesIO()
+    with zipfile.ZipFile(damaged, "w") as archive:
+        archive.writestr("_rels/.rels", "<Relationships")
     rows = [
-        ("archive", (DATA / "office.odt").read_bytes(), {"zip": True, "gzip": False, "root": None}),
-        ("empty archive", b"PK\5\6" + bytes(18), {"zip": True, "gzip": False, "root": None}),
-        ("document", document, {"zip": False, "gzip": False, "root": root}),
-        ("packed document", gzip.compress(document), {"zip": False, "gzip": True, "root": root}),
-        ("no namespace", b"<a/>", {"zip": False, "gzip": False, "root": {"name": "a", "namespace": ""}}),
-        ("text", b"some text", {"zip": False, "gzip": False, "root": None}),
-        ("nothing", b"", {"zip": False, "gzip": False, "root": None}),
+        ("archive", (DATA / "office.odt").read_bytes(), kind(zip=True)),
+        ("empty archive", b"PK\5\6" + bytes(18), kind(zip=True)),
+        ("package", (DATA / "office.docx").read_bytes(), kind(zip=True, ooxml=1)),
+        ("stored package", (FOLDER / "stored.docx").read_bytes(), kind(zip=True, ooxml=1)),
+        ("damaged package", damaged.getvalue(), kind(zip=True)),
+        ("document", document, kind(root=root)),
+        ("packed document", gzip.compress(document), kind(gzip=True, root=root)),
+        ("no namespace", b"<a/>", kind(root={"name": "a", "namespace": ""})),
+        ("text", b"some text", kind()),
+        ("nothing", b"", kind()),
     ]
     for fault, content, expected in rows:
         (FOLDER / "kind").write_bytes(content)

@@ -23,6 +23,15 @@ void describe(CLI::App& command, Arguments& arguments) {
     command.add_option("file", arguments.file, "A file, a URI, or - for standard input")->required();
 }
 
+/// The kind of office document, 0 also for a package that cannot be read.
+int officeKindOf(std::istream& in) {
+    try {
+        return LumZipFile::detectOOXDocument(&in);
+    } catch (const LumError&) {
+        return 0;
+    }
+}
+
 /// The root of an XML document, null for what is none.
 ordered_json rootOf(std::istream& in) {
     try {
@@ -38,6 +47,9 @@ ordered_json rootOf(std::istream& in) {
 void run(const Arguments& arguments) {
     const std::unique_ptr<std::istream> in = openInput(arguments.file);
     ordered_json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
+    kind["ooxml"] = officeKindOf(*in);
+    in->clear();
+    in->seekg(0);
     kind["gzip"] = LumGzipStreamBuf::checkHeader(*in);
     in->clear();
     in->seekg(0);

@@ -25,4 +25,17 @@ std::streamoff tellPosition(std::istream& in) noexcept;
 /// Moves back to a position that the stream was read on from. That it met its end on the way is forgotten.
 void rewindTo(std::istream& in, std::streamoff position) noexcept;
 
+/// Puts a stream back where it was, and in the state that it was in, when the scope is left.
+class StreamPlace {
+public:
+    explicit StreamPlace(std::istream& in) noexcept : in_(in), position_(tellPosition(in)) {}
+    StreamPlace(const StreamPlace&) = delete;
+    StreamPlace& operator=(const StreamPlace&) = delete;
+    ~StreamPlace();
+
+private:
+    std::istream& in_;
+    std::streamoff position_;  // -1: it had failed
+};
+
 }  // namespace LumCommon::detail

@@ -22,7 +22,7 @@ void NameCache::insert(Slot slot) noexcept {
 const char16_t* NameCache::keep(const char16_t* text, std::size_t size) {
     if (size > blockLeft_) {
         const std::size_t units = std::max(blockUnits, size);
-        blocks_.emplace_back(new char16_t[units]);
+        blocks_.push_back(std::make_unique_for_overwrite<char16_t[]>(units));
         blockNext_ = blocks_.back().get();
         blockLeft_ = units;
     }
@@ -35,8 +35,8 @@ const char16_t* NameCache::keep(const char16_t* text, std::size_t size) {
 
 const CachedName* NameCache::add(const char16_t* text, std::size_t size, LumNameEnum prefix, LumNameEnum localName) {
     if ((names_.size() + 1) * 2 > slots_.size()) {
-        const std::vector<Slot> old = std::move(slots_);
-        slots_.assign(old.size() * 2, Slot());
+        std::vector<Slot> old(slots_.size() * 2);
+        old.swap(slots_);
         mask_ = static_cast<std::uint32_t>(slots_.size() - 1);
         for (const Slot& slot : old) {
             if (slot.name) insert(slot);

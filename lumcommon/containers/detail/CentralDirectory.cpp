@@ -1,0 +1,159 @@
+#include <lumcommon/containers/detail/BoundedReader.h>
+#include <lumcommon/containers/detail/CentralDirectory.h>
+#include <lumcommon/containers/detail/ZipFields.h>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr std::size_t endRecordBytes = 22;
+constexpr std::size_t maxCommentBytes = 0xFFFF;
+constexpr std::size_t zip64LocatorBytes = 20;
+constexpr std::size_t zip64EndRecordBytes = 56;
+constexpr std::size_t directoryRecordBytes = 46;
+constexpr std::string_view endSignature("PK\x05\x06", 4);
+constexpr std::string_view zip64LocatorSignature("PK\x06\x07", 4);
+constexpr std::string_view zip64EndSignature("PK\x06\x06", 4);
+constexpr std::uint16_t zip64ExtraId = 1;
+constexpr std::uint32_t isInZip64Extra = 0xFFFFFFFFu;
+
+/// What an end record says of the directory: it reaches up to `end`, and the archive's offset 0 lies at `base`.
+struct DirectoryPlace {
+    std::streamoff base = 0, start = 0, end = 0;
+};
+
+std::uint64_t take64(BoundedReader& fields) noexcept {
+    const std::uint64_t low = fields.take32();
+    return low | std::uint64_t{fields.take32()} << 32;
+}
+
+std::streamoff findEnd(std::istream& in) noexcept {
+    try {
+        in.clear();
+        in.seekg(0, std::ios_base::end);
+    } catch (...) {
+        return -1;
+    }
+    return tellPosition(in);
+}
+
+/// Finds the end record from behind: the last one whose comment reaches exactly to the end, as a comment can hold the
+/// signature too; else the last one at all. npos without one.
+std::size_t findEndRecord(std::string_view tail) noexcept {
+    std::size_t last = tail.npos;
+    for (std::size_t at = tail.size(); (at = tail.rfind(endSignature, at)) != tail.npos; --at) {
+        if (tail.size() - at >= endRecordBytes) {
+            BoundedReader comment(tail.substr(at + endRecordBytes - 2));
+            if (at + endRecordBytes + comment.take16() == tail.size()) return at;
+            if (last == tail.npos) last = at;
+        }
+        if (at == 0) break;
+    }
+    return last;
+}
+
+/// Works out the directory's place from the size and the offset that are claimed, in a directory that ends at `end`.
+std::optional<DirectoryPlace> placeOf(std::uint64_t claimedSize, std::uint64_t claimedOffset, std::streamoff end,
+                                      std::streamoff archiveStart) noexcept {
+    if (claimedSize > static_cast<std::uint64_t>(end - archiveStart)) return std::nullopt;
+    const std::streamoff start = end - static_cast<std::streamoff>(claimedSize);
+    if (claimedOffset > static_cast<std::uint64_t>(start)) return std::nullopt;
+    return DirectoryPlace{start - static_cast<std::streamoff>(claimedOffset), start, end};
+}
+
+std::optional<DirectoryPlace> findDirectory(std::istream& in, std::streamoff archiveStart) {
+    constexpr std::streamoff tailBytes = endRecordBytes + maxCommentBytes + zip64LocatorBytes + zip64EndRecordBytes;
+    const std::streamoff streamEnd = findEnd(in);
+    if (streamEnd < archiveStart) return std::nullopt;
+    const std::streamoff tailStart = std::max(archiveStart, streamEnd - tailBytes);
+    std::vector<char> bytes(static_cast<std::size_t>(streamEnd - tailStart));
+    rewindTo(in, tailStart);
+    const std::string_view tail(bytes.data(), readBytes(in, bytes));
+    const std::size_t at = findEndRecord(tail);
+    if (at == tail.npos) return std::nullopt;
+
+    // The two further records of zip64 stand in front of it, where they are.
+    constexpr std::size_t zip64Bytes = zip64LocatorBytes + zip64EndRecordBytes;
+    const bool isZip64 = at >= zip64Bytes && tail.substr(at - zip64LocatorBytes).starts_with(zip64LocatorSignature) &&
+                         tail.substr(at - zip64Bytes).starts_with(zip64EndSignature);
+    const std::size_t directoryEnd = isZip64 ? at - zip64Bytes : at;
+    BoundedReader record(tail.substr(directoryEnd + (isZip64 ? 40 : 12)));
+    const std::uint64_t size = isZip64 ? take64(record) : record.take32();
+    const std::uint64_t offset = isZip64 ? take64(record) : record.take32();
+    return placeOf(size, offset, tailStart + static_cast<std::streamoff>(directoryEnd), archiveStart);
+}
+
+/// Replaces the fields that point to the extra field of zip64 by what it says.
+void applyZip64(BoundedReader extra, LumZipMemberFields& fields, std::uint64_t& offset) noexcept {
+    constexpr std::size_t tagBytes = 4;
+    while (extra.getRemainingBytes() >= tagBytes) {
+        const std::uint16_t id = extra.take16();
+        std::span<const char> content;
+        if (!extra.take(extra.take16(), content)) return;
+        if (id != zip64ExtraId) continue;
+        BoundedReader values(content);
+        const auto take = [&values](std::uint64_t claimed) {
+            return claimed == isInZip64Extra && values.getRemainingBytes() >= 8 ? take64(values) : claimed;
+        };
+        const auto fitted = [](std::uint64_t size) {
+            return static_cast<std::uint32_t>(std::min<std::uint64_t>(size, isInZip64Extra));
+        };
+        fields.uncompressedSize = fitted(take(fields.uncompressedSize));
+        fields.compressedSize = fitted(take(fields.compressedSize));
+        offset = take(offset);
+        return;
+    }
+}
+
+/// Reads the record at the stream's position and moves that on.
+/// @param room  for bytes that are passed over.   @return false when none is there in full.
+bool readRecord(std::istream& in, std::streamoff& position, const DirectoryPlace& place, std::vector<char>& room,
+                DirectoryMember& member, std::uint64_t& offset) {
+    if (place.end - position < static_cast<std::streamoff>(directoryRecordBytes)) return false;
+    HeaderReader<directoryRecordBytes> header(in);
+    if (header->take32() != LumZipEntry::SIGNATURE_DIRECTORY) return false;
+    header->take16();  // the version that made it
+    member.fields = takeZipMemberFields(*header);
+    const std::uint16_t commentLength = header->take16();
+    header->take32();  // the disk, internal attributes
+    header->take32();  // external attributes
+    offset = header->take32();
+    position += static_cast<std::streamoff>(directoryRecordBytes) + member.fields.nameLength +
+                member.fields.extraLength + commentLength;
+    if (position > place.end) return false;
+    member.name = readZipName(in, member.fields.nameLength);
+    room.resize(std::size_t{member.fields.extraLength} + commentLength);
+    if (readBytes(in, room) < room.size()) return false;
+    applyZip64(BoundedReader(std::span<const char>(room).first(member.fields.extraLength)), member.fields, offset);
+    return true;
+}
+
+}  // namespace
+
+CentralDirectory readCentralDirectory(std::istream& in, std::streamoff archiveStart) {
+    CentralDirectory directory;
+    const std::optional<DirectoryPlace> place = findDirectory(in, archiveStart);
+    if (!place) return directory;
+    directory.position = place->start;
+    rewindTo(in, place->start);
+    std::streamoff position = place->start;
+    std::vector<char> room;
+    DirectoryMember member;
+    std::uint64_t offset = 0;
+    while (readRecord(in, position, *place, room, member, offset)) {
+        if (offset > static_cast<std::uint64_t>(place->start - place->base)) continue;
+        member.headerPosition = place->base + static_cast<std::streamoff>(offset);
+        if (member.headerPosition < archiveStart || place->start - member.headerPosition < zipLocalHeaderBytes)
+            continue;
+        directory.members.push_back(member);
+    }
+    std::ranges::stable_sort(directory.members, {}, &DirectoryMember::headerPosition);
+    return directory;
+}
+
+}  // namespace LumCommon::detail
