@@ -70,6 +70,10 @@ def main():
         print()
         for row in rows:
             print("  ".join([row[0].ljust(widths[0])] + [c.rjust(w) for c, w in zip(row[1:], widths[1:])]))
+    if not options.only:
+        print()
+        sys.stdout.flush()
+        sys.exit(subprocess.run([options.folder / "bench_ole"]).returncode)
 
 
 if __name__ == "__main__":
