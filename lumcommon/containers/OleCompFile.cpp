@@ -12,6 +12,7 @@
 #include <cstdio>  // SEEK_SET
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace LumCommon {
 namespace {
@@ -69,8 +70,8 @@ bool OleCompFile::OLEopen(JZIOobj* io) {
 
 bool OleCompFile::OLEopenSub() {
     try {
-        if (io_ && io_->Open() && io_->Seek(0, SEEK_END)) {
-            fileBytes_ = io_->Tell();
+        if (io_ && io_->Open()) {
+            fileBytes_ = io_->Seek(0, SEEK_END) ? io_->Tell() : io_->GetSize();
             if (parseHeader() && buildFAT() && buildMiniFAT() && buildDirInfo()) return true;
         }
     } catch (const std::bad_alloc&) {
@@ -214,6 +215,10 @@ bool OleCompFile::buildDirInfo() {
 const OleDirInfo* OleCompFile::getDirInfo(long index) const noexcept {
     if (index < 0 || index >= getDirCount()) return nullptr;
     return &directory_[static_cast<std::size_t>(index)];
+}
+
+OleDirInfo* OleCompFile::getDirInfo(long index) noexcept {
+    return const_cast<OleDirInfo*>(std::as_const(*this).getDirInfo(index));
 }
 
 long OleCompFile::getNextBlock(long sector, bool mini) const noexcept {

@@ -54,7 +54,9 @@ public:
     /// Drops the file that was open and opens another.
     /// @param path  in the platform's encoding; null fails.
     [[nodiscard]] bool OLEopen(const char* path);
-    /// @param io  opened here if it is not open; must be able to seek to its end, and outlives the file's use.
+    /// @param io  opened here if it is not open; its size is where seeking to its end leads or, where it cannot do
+    /// that, what
+    ///            GetSize() says. Borrowed: it outlives the file's use.
     [[nodiscard]] bool OLEopen(JZIOobj* io);
     bool isOpen() const noexcept { return io_ != nullptr; }
 
@@ -74,6 +76,7 @@ public:
     long findDirEntryByName(const OleDirInfo* start, const char* name) const;
     /// Null for a place outside the directory. Borrowed until the file is closed.
     const OleDirInfo* getDirInfo(long index) const noexcept;
+    OleDirInfo* getDirInfo(long index) noexcept;
     /// The number of entries, unused ones included.
     long getDirCount() const noexcept { return static_cast<long>(directory_.size()); }
 
