@@ -228,7 +228,7 @@ TEST(OleCompFile, checksEveryFieldOfTheHeader) {
 }
 
 TEST(OleCompFile, survivesChainsThatLieAndTreesThatLoop) {
-    const std::string large = patternBytes(20 * 512);
+    const std::string large = patternBytes(200 * 512);
     const std::string small = patternBytes(10 * 64, 2);
     const OleImage image({{u"small", small}, {u"large", large}, {u"b", "x"}, {u"c", "x"}, {u"d", "y"}});
     const std::uint32_t first = image.get32(image.entryOffset(2) + 116);
@@ -242,6 +242,8 @@ TEST(OleCompFile, survivesChainsThatLieAndTreesThatLoop) {
     };
     EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 4), first + 1, "large"), large.substr(0, 5 * 512)))
         << "a loop";
+    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 150), first + 9, "large"), large.substr(0, 151 * 512)))
+        << "a long loop";
     EXPECT_TRUE(isSame(readAfter(image.fatOffset(first), first, "large"), large.substr(0, 512))) << "a loop of one";
     EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 4), 0x7FFFFFFF, "large"), large.substr(0, 5 * 512)))
         << "leads outside";
