@@ -107,6 +107,10 @@ def main():
             rows.append(row)
         print_rows(rows)
     print_values(options.folder / "bench_value", options.rounds, options.only)
+    if not options.only:
+        print()
+        sys.stdout.flush()
+        sys.exit(subprocess.run([options.folder / "bench_ole"]).returncode)
 
 
 if __name__ == "__main__":

@@ -2,9 +2,15 @@
 
 /// The umbrella header: everything public.
 
+#include <lumcommon/containers/LumOleStreamBuf.h>
 #include <lumcommon/containers/LumZipEntry.h>
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/containers/LumZipFileEntry.h>
+#include <lumcommon/containers/OleCompFile.h>
+#include <lumcommon/containers/OleDirInfo.h>
+#include <lumcommon/containers/OlePropertySet.h>
+#include <lumcommon/containers/OleStream.h>
+#include <lumcommon/containers/OleSummaryInformation.h>
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/LumCStr.h>
 #include <lumcommon/core/LumError.h>

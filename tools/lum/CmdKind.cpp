@@ -1,4 +1,5 @@
 #include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/streams/LumGzipStream.h>
@@ -48,6 +49,9 @@ void run(const Arguments& arguments) {
     const std::unique_ptr<std::istream> in = openInput(arguments.file);
     ordered_json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
     kind["ooxml"] = officeKindOf(*in);
+    in->clear();
+    in->seekg(0);
+    kind["ole"] = OleCompFile::detectOLEDocument(*in);
     in->clear();
     in->seekg(0);
     kind["gzip"] = LumGzipStreamBuf::checkHeader(*in);

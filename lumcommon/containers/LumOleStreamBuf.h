@@ -1,0 +1,31 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+
+#include <memory>
+#include <streambuf>
+
+namespace LumCommon {
+
+class OleStream;
+
+/// Lets a std::istream read a stream of a compound file from the stream's position on. It cannot seek.
+/// Threads: as for the stream.
+class LUM_API LumOleStreamBuf : public std::basic_streambuf<char> {
+public:
+    /// @param stream  must outlive this object; null is empty.
+    /// @param limit   the number of bytes after which the input ends; negative for no limit.
+    LumOleStreamBuf(OleStream* stream, int limit);
+    ~LumOleStreamBuf() override;
+
+protected:
+    int_type underflow() override;
+
+private:
+    OleStream* stream_;
+    int limitBytes_;
+    long long blocksBytes_ = 0;  // of the blocks read so far, each counted as full
+    std::unique_ptr<char[]> buffer_;
+};
+
+}  // namespace LumCommon

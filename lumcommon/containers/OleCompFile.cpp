@@ -1,0 +1,266 @@
+#include <lumcommon/containers/OleCompFile.h>
+#include <lumcommon/containers/OleStream.h>
+#include <lumcommon/containers/detail/OleFields.h>
+#include <lumcommon/containers/detail/OleSignature.h>
+#include <lumcommon/containers/detail/SectorChain.h>
+#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/streams/JZIOobj.h>
+#include <unicode/locid.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>  // SEEK_SET
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace LumCommon {
+namespace {
+
+constexpr std::size_t headerBytes = 512;
+constexpr std::uint32_t headerFatSectors = 109;
+constexpr std::size_t headerFatList = 76;
+constexpr std::size_t sectorNumberBytes = 4;
+constexpr unsigned highestShift = 31;
+constexpr unsigned paddedHeaderVersion = 4;
+constexpr std::int32_t noSector = -2;
+
+/// What a table may say where a chain begins that need not exist.
+bool isFirstOrNone(std::int32_t sector) { return sector >= 0 || sector == noSector; }
+
+UnicodeString upperCased(UnicodeString text) { return text.toUpper(icu::Locale::getRoot()); }
+
+UnicodeString nameText(const char* name) {
+    const UnicodeString text = UnicodeString::fromUTF8(name);
+    return text.indexOf(char16_t{0xFFFD}) < 0 ? text : UnicodeString(name);
+}
+
+}  // namespace
+
+OleCompFile::OleCompFile() = default;
+
+OleCompFile::~OleCompFile() { close(); }
+
+void OleCompFile::close() noexcept {
+    io_ = nullptr;
+    ownIo_.reset();
+    fileBytes_ = 0;
+    fatSectors_.clear();
+    fat_.clear();
+    miniFat_.clear();
+    directory_.clear();
+    block_.clear();
+    miniStreamStart_ = -1;
+    miniStream_.reset();
+}
+
+bool OleCompFile::OLEopen(const char* path) {
+    close();
+    if (!path) return false;
+    ownIo_ = std::make_unique<JZFileIOobj>(path, "rb");
+    io_ = ownIo_.get();
+    return OLEopenSub();
+}
+
+bool OleCompFile::OLEopen(JZIOobj* io) {
+    close();
+    io_ = io;
+    return OLEopenSub();
+}
+
+bool OleCompFile::OLEopenSub() {
+    try {
+        if (io_ && io_->Open()) {
+            fileBytes_ = io_->Seek(0, SEEK_END) ? io_->Tell() : io_->GetSize();
+            if (parseHeader() && buildFAT() && buildMiniFAT() && buildDirInfo()) return true;
+        }
+    } catch (const std::bad_alloc&) {
+        // The file has more tables than there is memory.
+    }
+    close();
+    return false;
+}
+
+std::size_t OleCompFile::readAt(std::int64_t offset, char* to, std::size_t bytes) {
+    if (offset < 0 || offset >= fileBytes_ || !io_->Seek(static_cast<long>(offset), SEEK_SET)) return 0;
+    std::size_t done = 0;
+    while (done < bytes) {
+        const int got = io_->Read(to + done, static_cast<int>(std::min<std::size_t>(bytes - done, INT_MAX)));
+        if (got <= 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+std::int64_t OleCompFile::getSectorOffset(std::int32_t sector) const noexcept {
+    return (std::int64_t{sector} << sectorShift_) + sectorsStart_;
+}
+
+std::int64_t OleCompFile::getMiniSectorOffset(std::int32_t miniSector) {
+    const std::int64_t inMiniStream = std::int64_t{miniSector} << miniSectorShift_;
+    const std::int32_t sector = miniStream_->at(static_cast<std::size_t>(inMiniStream >> sectorShift_));
+    return sector < 0 ? -1 : getSectorOffset(sector) + (inMiniStream & (getSectorSize() - 1));
+}
+
+std::int64_t OleCompFile::getSectorCount() const noexcept {
+    if (fileBytes_ <= sectorsStart_) return 0;
+    return ((fileBytes_ - sectorsStart_ - 1) >> sectorShift_) + 1;
+}
+
+bool OleCompFile::isSectorThere(std::int64_t sector) const noexcept {
+    if (sector < 0 || sector >= getSectorCount()) return false;
+    return ((sector + 1) << sectorShift_) + sectorsStart_ <= fileBytes_;
+}
+
+bool OleCompFile::readBlock(long sector) {
+    if (!isSectorThere(sector)) return false;
+    block_.resize(static_cast<std::size_t>(getSectorSize()));
+    return readAt(getSectorOffset(static_cast<std::int32_t>(sector)), block_.data(), block_.size()) == block_.size();
+}
+
+void OleCompFile::appendBlockTo(std::vector<std::int32_t>& table) const {
+    const detail::OleFields fields(block_, littleEndian_);
+    for (std::size_t at = 0; at + sectorNumberBytes <= block_.size(); at += sectorNumberBytes) {
+        table.push_back(fields.getSigned(at));
+    }
+}
+
+bool OleCompFile::parseHeader() {
+    char header[headerBytes];
+    if (readAt(0, header, headerBytes) != headerBytes || !detail::startsWithOleSignature(header)) return false;
+    littleEndian_ = detail::OleFields(header, true).get16(28) == 0xFFFE;
+    const detail::OleFields fields(header, littleEndian_);
+    char version[8];
+    std::snprintf(version, sizeof version, "%.2x %.2x", unsigned{fields.get8(26)}, unsigned{fields.get8(27)});
+    version_ = version;
+    sectorShift_ = fields.get16(30);
+    miniSectorShift_ = fields.get16(32);
+    if (sectorShift_ > highestShift || miniSectorShift_ > sectorShift_ || getSectorSize() < OleDirInfo::entryBytes) {
+        return false;
+    }
+    sectorsStart_ = headerBytes;
+    if (fields.get16(26) == paddedHeaderVersion) sectorsStart_ = std::max(sectorsStart_, getSectorSize());
+    firstDirSector_ = fields.getSigned(48);
+    miniStreamCutoff_ = fields.get32(56);
+    firstMiniFatSector_ = fields.getSigned(60);
+    miniFatSectorCount_ = fields.get32(64);
+    const std::int32_t firstDifatSector = fields.getSigned(68);
+    if (firstDirSector_ < 0 || !isFirstOrNone(firstMiniFatSector_) || !isFirstOrNone(firstDifatSector)) return false;
+    const std::uint32_t fatSectorCount = fields.get32(44);
+    for (std::size_t i = 0; i < std::min(fatSectorCount, headerFatSectors); ++i) {
+        fatSectors_.push_back(fields.getSigned(headerFatList + sectorNumberBytes * i));
+    }
+    return fatSectorCount <= headerFatSectors || readFatList(fatSectorCount, firstDifatSector);
+}
+
+bool OleCompFile::readFatList(std::uint32_t count, std::int32_t firstDifat) {
+    if (firstDifat < 0) return false;
+    std::vector<bool> isRead(static_cast<std::size_t>(getSectorCount()));
+    std::int32_t sector = firstDifat;
+    while (fatSectors_.size() < count && readBlock(sector) && !isRead[static_cast<std::size_t>(sector)]) {
+        isRead[static_cast<std::size_t>(sector)] = true;
+        appendBlockTo(fatSectors_);
+        sector = fatSectors_.back();
+        fatSectors_.pop_back();
+    }
+    if (fatSectors_.size() > count) fatSectors_.resize(count);
+    return true;
+}
+
+bool OleCompFile::buildFAT() {
+    // Entries for sectors behind the end of the file are of no use, and a list that names one sector again and again
+    // would make a table of many times the file's size. What the table lacks counts as free.
+    const auto sectors = static_cast<std::size_t>(getSectorCount());
+    for (const std::int32_t sector : fatSectors_) {
+        if (!isSectorThere(sector)) return false;
+        if (fat_.size() >= sectors) continue;
+        if (!readBlock(sector)) return false;
+        appendBlockTo(fat_);
+    }
+    return true;
+}
+
+bool OleCompFile::buildMiniFAT() {
+    detail::SectorChain chain(fat_, firstMiniFatSector_);
+    for (std::size_t i = 0; i < miniFatSectorCount_; ++i) {
+        const std::int32_t sector = chain.at(i);
+        if (sector == detail::SectorChain::END) break;
+        if (!readBlock(sector)) return false;
+        appendBlockTo(miniFat_);
+    }
+    return true;
+}
+
+bool OleCompFile::buildDirInfo() {
+    detail::SectorChain chain(fat_, firstDirSector_);
+    bool hasRoot = false;
+    for (std::size_t i = 0; chain.at(i) != detail::SectorChain::END; ++i) {
+        if (!readBlock(chain.at(i))) return false;
+        for (std::size_t at = 0; at < block_.size(); at += OleDirInfo::entryBytes) {
+            const std::span<const char, OleDirInfo::entryBytes> fields(block_.data() + at, OleDirInfo::entryBytes);
+            OleDirInfo entry;
+            if (directory_.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return false;
+            if (!entry.parse(fields, littleEndian_, static_cast<int>(directory_.size()))) return false;
+            if (entry.getType() == OleDirInfo::ROOT && !hasRoot) {
+                hasRoot = true;
+                miniStreamStart_ = entry.getStartSector();
+            }
+            directory_.push_back(std::move(entry));
+        }
+    }
+    miniStream_ = std::make_unique<detail::SectorChain>(fat_, miniStreamStart_);
+    return true;
+}
+
+const OleDirInfo* OleCompFile::getDirInfo(long index) const noexcept {
+    if (index < 0 || index >= getDirCount()) return nullptr;
+    return &directory_[static_cast<std::size_t>(index)];
+}
+
+OleDirInfo* OleCompFile::getDirInfo(long index) noexcept {
+    return const_cast<OleDirInfo*>(std::as_const(*this).getDirInfo(index));
+}
+
+long OleCompFile::getNextBlock(long sector, bool mini) const noexcept {
+    const std::vector<std::int32_t>& table = mini ? miniFat_ : fat_;
+    if (sector < 0 || static_cast<std::size_t>(sector) >= table.size()) return -1;
+    return table[static_cast<std::size_t>(sector)];
+}
+
+long OleCompFile::findDirEntryByName(const OleDirInfo* start, const char* name) const {
+    if (!start || !name) return -1;
+    const UnicodeString wanted = upperCased(nameText(name));
+    std::vector<bool> isVisited(directory_.size());  // siblings that point at one another would be met for ever
+    std::vector<int> waiting{start->getIndex()};
+    while (!waiting.empty()) {
+        const OleDirInfo* const entry = getDirInfo(waiting.back());
+        waiting.pop_back();
+        if (!entry || isVisited[static_cast<std::size_t>(entry->getIndex())]) continue;
+        isVisited[static_cast<std::size_t>(entry->getIndex())] = true;
+        if (upperCased(entry->getName()) == wanted) return entry->getIndex();
+        waiting.push_back(entry->getRight());
+        waiting.push_back(entry->getLeft());  // taken first
+    }
+    return -1;
+}
+
+long OleCompFile::getDirIndex(const OleDirPath* path) const {
+    if (!path || directory_.empty()) return -1;
+    long current = 0;
+    for (const std::string& name : path->getNames()) {
+        current = findDirEntryByName(getDirInfo(getDirInfo(current)->getChild()), name.c_str());
+        if (current < 0) return -1;
+    }
+    return current;
+}
+
+OleStream* OleCompFile::OLEopenStream(const OleDirPath* path) {
+    const long index = getDirIndex(path);
+    if (index < 0) return nullptr;
+    auto stream = std::make_unique<OleStream>(this);
+    return stream->GetStreamChain(static_cast<int>(index)) ? stream.release() : nullptr;
+}
+
+void OleCompFile::OLEcloseStream(OleStream* stream) { delete stream; }
+
+}  // namespace LumCommon

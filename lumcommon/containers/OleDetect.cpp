@@ -1,0 +1,75 @@
+// What kind of document a compound file is. Kept apart from OleCompFile.cpp because it opens URIs.
+#include <lumcommon/containers/OleCompFile.h>
+#include <lumcommon/containers/OleStream.h>
+#include <lumcommon/containers/detail/OleSignature.h>
+#include <lumcommon/streams/JZIOobj.h>
+#include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/detail/StreamReading.h>
+#include <lumcommon/uri/LumUri.h>
+
+#include <istream>
+#include <memory>
+
+namespace LumCommon {
+namespace {
+
+enum DocumentKind : int {
+    NONE = 0,
+    WORD_PROCESSOR = 1,
+    SPREADSHEET = 2,
+    PRESENTATION = 3,
+    JAPANESE_WORD_PROCESSOR = 4
+};
+
+/// Whether there is a stream that can be opened, of at least that many bytes.
+bool hasStream(OleCompFile& file, const OleDirPath& path, unsigned leastBytes = 0) {
+    OleStream* const stream = file.OLEopenStream(&path);
+    const bool isLongEnough = stream && stream->GetStreamSize() >= leastBytes;
+    file.OLEcloseStream(stream);
+    return isLongEnough;
+}
+
+bool isPresentation(OleCompFile& file) {
+    constexpr unsigned currentUserBytes = 20;
+    return (hasStream(file, {"PP97_DUALSTORAGE", "Current User"}, currentUserBytes) &&
+            hasStream(file, {"PP97_DUALSTORAGE", "PowerPoint Document"})) ||
+           (hasStream(file, {"Current User"}, currentUserBytes) && hasStream(file, {"PowerPoint Document"}));
+}
+
+DocumentKind kindOf(OleCompFile& file) {
+    if (hasStream(file, {"WordDocument"})) return WORD_PROCESSOR;
+    if (hasStream(file, {"Workbook"})) return SPREADSHEET;
+    if (isPresentation(file)) return PRESENTATION;
+    if (hasStream(file, {"DocumentViewStyles"})) return JAPANESE_WORD_PROCESSOR;
+    return NONE;
+}
+
+}  // namespace
+
+bool OleCompFile::isOLEUri(std::istream& s) {
+    char bytes[512];
+    return detail::readBytes(s, bytes) >= detail::oleSignatureBytes && detail::startsWithOleSignature(bytes);
+}
+
+bool OleCompFile::isOLEUri(const LumUri& uri) {
+    const std::unique_ptr<std::istream> stream(uri.getStream());
+    return stream && isOLEUri(*stream);
+}
+
+int OleCompFile::detectOLEDocument(std::istream& s) {
+    JZStreamIOobj io(&s);
+    OleCompFile file;
+    return file.OLEopen(&io) ? kindOf(file) : NONE;
+}
+
+int OleCompFile::detectOLEDocument(const LumUri& uri) {
+    std::unique_ptr<std::istream> stream(uri.getStream());
+    if (!stream) return NONE;
+    if (stream->tellg() == std::istream::pos_type(-1)) {
+        LumMemStream seekable(stream.release(), LumMemStreamBuf::defaultGrowBytes, true);
+        return detectOLEDocument(seekable);
+    }
+    return detectOLEDocument(*stream);
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+
+#include <string>
+#include <string_view>
+
+namespace LumCommon::detail {
+
+/// The text of bytes in a charset, up to its first U+0000. A name of the form "cpNNN" means the Windows code page of
+/// that number where there is one. Malformed bytes become U+FFFD; an unknown charset is read as ISO 8859-1.
+UnicodeString fromCodePage(std::string_view bytes, const std::string& charset);
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <lumcommon/containers/OleCompFile.h>
+#include <lumcommon/streams/JZIOobj.h>
+
+#include <istream>
+#include <memory>
+#include <string>
+
+namespace lum {
+
+/// A compound file and what it is read from.
+class OleInput {
+public:
+    /// @param file  as for openInput.   Failure: LumError 0x1003, also for what is no compound file.
+    explicit OleInput(const std::string& file);
+
+    LumCommon::OleCompFile* operator->() noexcept { return &file_; }
+    LumCommon::OleCompFile& operator*() noexcept { return file_; }
+
+private:
+    std::unique_ptr<std::istream> in_;
+    LumCommon::JZStreamIOobj io_;
+    LumCommon::OleCompFile file_;
+};
+
+}  // namespace lum
