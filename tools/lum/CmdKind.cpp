@@ -45,19 +45,19 @@ ordered_json rootOf(std::istream& in) {
     }
 }
 
+std::istream& rewound(std::istream& in) {
+    in.clear();
+    in.seekg(0);
+    return in;
+}
+
 void run(const Arguments& arguments) {
     const std::unique_ptr<std::istream> in = openInput(arguments.file);
     ordered_json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
     kind["ooxml"] = officeKindOf(*in);
-    in->clear();
-    in->seekg(0);
-    kind["ole"] = OleCompFile::detectOLEDocument(*in);
-    in->clear();
-    in->seekg(0);
-    kind["gzip"] = LumGzipStreamBuf::checkHeader(*in);
-    in->clear();
-    in->seekg(0);
-    LumGzipStream content(*in);  // what is not gzip passes through
+    kind["ole"] = OleCompFile::detectOLEDocument(rewound(*in));
+    kind["gzip"] = LumGzipStreamBuf::checkHeader(rewound(*in));
+    LumGzipStream content(rewound(*in));  // what is not gzip passes through
     kind["root"] = rootOf(content);
     printJson(kind);
 }
