@@ -26,6 +26,9 @@
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/format/LumUtil.h>
+#include <lumcommon/format/XlsFormat.h>
+#include <lumcommon/format/XlsFormatCode.h>
+#include <lumcommon/format/XlsFormatString.h>
 #include <lumcommon/lang/LumLang.h>
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/names/LumNameEnum.h>
