@@ -61,6 +61,14 @@ def check_small_commands():
          '{"kind":45,"text":"","number":0.0}\n{"kind":-3,"text":"a","number":0.0}\n'),
         ("length", ["value", "12pt"], '{"kind":2,"unit":9,"string":"12pt"}\n'),
         ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5"}\n'),
+        ("cells", ["xlsformat", "0.00;[Red](0.00)", "2.675", "-5"],
+         '{"text":"2.68","color":null,"section":0}\n{"text":"(5.00)","color":"FF0000","section":1}\n'),
+        ("date system forgotten", ["xlsformat", "--1904", "yyyy-mm-dd", "0"],
+         '{"text":"1904-01-01","color":null,"section":0}\n'),
+        ("number taken for a text", ["xlsformat", "--text", "0;0;0;[Blue]<@>", "12"],
+         '{"text":"<12>","color":"0000FF","section":3}\n'),
+        ("failure hidden", ["xlsformat", "[>5]0", "1e0"], '{"text":"","color":null,"section":-2}\n'),
+        ("bytes taken for units", ["xlsformat", "0\u5186", "5"], '{"text":"5\u5186","color":null,"section":0}\n'),
     ]
     for fault, arguments, expected in rows:
         prints(fault, arguments, expected)
@@ -208,6 +216,9 @@ def check_failures():
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
         ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("text where a number is due", ["xlsformat", "0", "5x"], 2, None),
+        ("number beyond the range", ["xlsformat", "0", "1e999"], 2, None),
+        ("no value", ["xlsformat", "0"], 2, None),
         ("missing file", ["events", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
         ("missing file to save", ["save", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
         ("output in no folder", ["save", "doc.xml", "no/such/out.xml"], 1,
