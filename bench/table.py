@@ -2,9 +2,9 @@
 """Runs the benchmark programs and prints one table.   table.py FOLDER [--rounds N] [--only WORD]
 
 A program runs its contenders in random order, round by round, so that a change of the machine's pace meets them all.
-A cell is the median of nanoseconds a byte; the spread is that of the fastest and the slowest round. The ratio tells
-how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the ratio is marked with ~:
-no difference is claimed.
+An entry is the median of nanoseconds a byte, or a piece of other work; the spread is that of the fastest and the slowest
+round. The ratio tells how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the
+ratio is marked with ~: no difference is claimed.
 """
 import argparse
 import json
@@ -14,7 +14,10 @@ import subprocess
 import sys
 
 OURS = "lumcommon"
-QUESTIONS = {"parse": "bytes to events", "load": "bytes to a tree", "save": "a tree to bytes"}
+QUESTIONS = {"parse": "bytes to events", "load": "bytes to a tree", "save": "a tree to bytes",
+             "xlsformat": "codes parsed, and cells shown by a parsed code"}
+# What is counted where it is not bytes, and the column of a thousand million nanoseconds.
+UNITS = {"xlsformat": ("a code or cell", "M/s")}
 
 
 def measure(program, rounds, only):
@@ -25,7 +28,7 @@ def measure(program, rounds, only):
     run = subprocess.run(command, capture_output=True)
     if run.returncode != 0:
         sys.exit(f"{program}: {run.stderr.decode()}")
-    listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True).stdout.decode().split()
+    listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True).stdout.decode().splitlines()
     order = dict.fromkeys(name.split("/")[2] for name in listed)  # rounds are shuffled, rows are not
     times = {document: {} for document in order}
     if not run.stdout.strip():
@@ -52,19 +55,20 @@ def main():
     options.add_argument("--rounds", type=int, default=7)
     options.add_argument("--only", default="")
     options = options.parse_args()
-    print("Nanoseconds a byte, median (fastest-slowest round); ratio: our time divided by theirs, ~ where ranges overlap.")
+    print("Nanoseconds, median (fastest-slowest round); ratio: our time divided by theirs, ~ where ranges overlap.")
     missing = (options.folder / "missing-peers.txt").read_text(encoding="utf-8").strip()
     if missing:
         print(f"Not installed, so not measured: {missing}")
     for question, meaning in QUESTIONS.items():
         times = measure(options.folder / f"bench_{question}", options.rounds, options.only)
         peers = sorted({label for by_label in times.values() for label in by_label} - {OURS})
-        rows = [[f"{question}: {meaning}", OURS, "MB/s"] + [text for peer in peers for text in (peer, "ratio")]]
+        unit, speed = UNITS.get(question, ("a byte", "MB/s"))
+        rows = [[f"{question}: {meaning}, ns {unit}", OURS, speed] + [text for peer in peers for text in (peer, "ratio")]]
         for document, by_label in times.items():
             ours = by_label[OURS]
             row = [document, cell(ours), f"{1e3 / statistics.median(ours):.0f}"]
             for peer in peers:
-                row += [cell(by_label[peer]), ratio(ours, by_label[peer])]
+                row += [cell(by_label[peer]), ratio(ours, by_label[peer])] if peer in by_label else ["", ""]
             rows.append(row)
         widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
         print()

@@ -300,7 +300,7 @@ void SectionParser::findPlaces() {
         const XlsRawPiece& piece = raw_[i];
         if (piece.token == XlsToken::POINT && point_ == npos && exponent_ == npos) point_ = i;
         if (piece.token == XlsToken::EXPONENT && exponent_ == npos && first_ != npos) exponent_ = i;
-        if (!isPlaceholder(piece)) continue;
+        if (!isPlaceholder(piece) || i >= denominatorEnd_) continue;
         if (first_ == npos) first_ = i;
         if (point_ == npos && exponent_ == npos) lastInteger_ = i;
         last_ = i;
@@ -337,7 +337,7 @@ void SectionParser::numberPiece(std::size_t index) {
         case XlsToken::DIGIT_0:
         case XlsToken::DIGIT_OPTIONAL:
         case XlsToken::DIGIT_SPACED:
-            if (denominatorEnd_ != npos && index >= denominatorEnd_) {
+            if (index >= denominatorEnd_) {
                 asWritten(piece);  // a number ends with its denominator
             } else {
                 placeholder(piece, partOf(index));
