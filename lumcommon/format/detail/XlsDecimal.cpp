@@ -20,20 +20,26 @@ struct Scientific {
     char digits[48];
     int count = 0;
     int exponent = 0;
+
+    Scientific(const char* text, const char* end) {
+        for (; *text != 'e'; ++text) {
+            if (isDigit(*text)) digits[count++] = *text;
+        }
+        ++text;
+        if (*text == '+') ++text;  // from_chars takes no plus sign
+        std::from_chars(text, end, exponent);
+    }
 };
 
-Scientific toScientific(double magnitude, int decimals) {
+/// The shortest decimal that reads back as the same double, at most 17 digits.
+Scientific shortest(double magnitude) {
     char text[64];
-    const auto end = std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific, decimals).ptr;
-    Scientific result;
-    const char* p = text;
-    for (; *p != 'e'; ++p) {
-        if (isDigit(*p)) result.digits[result.count++] = *p;
-    }
-    ++p;
-    if (*p == '+') ++p;  // from_chars takes no plus sign
-    std::from_chars(p, end, result.exponent);
-    return result;
+    return {text, std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific).ptr};
+}
+
+Scientific expansion(double magnitude, int digits) {
+    char text[64];
+    return {text, std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific, digits - 1).ptr};
 }
 
 }  // namespace
@@ -49,11 +55,19 @@ XlsDecimal::XlsDecimal(double value) : negative_(std::signbit(value)) {
         trim();
         return;
     }
+    // A decimal of 15 digits comes back from the double nearest to it, unless that is a denormal one.
+    if (magnitude >= std::numeric_limits<double>::min()) {
+        const Scientific number = shortest(magnitude);
+        if (number.count <= MAX_DIGITS) {
+            fromScientific(number.digits, number.count, number.exponent, number.count);
+            return;
+        }
+    }
     // Two digits more than are kept tell which way to round, unless they read 50: what is behind them may have been
-    // rounded up to it. An expansion whose digits 16 to 41 are a 4 and nines, or exactly a half, is that of no double.
-    Scientific number = toScientific(magnitude, MAX_DIGITS + 1);
+    // rounded up to it. No double has an expansion whose digits 16 to 41 are a 4 and nines.
+    Scientific number = expansion(magnitude, MAX_DIGITS + 2);
     if (number.digits[MAX_DIGITS] == '5' && number.digits[MAX_DIGITS + 1] == '0') {
-        number = toScientific(magnitude, MAX_DIGITS + 25);
+        number = expansion(magnitude, MAX_DIGITS + 26);
     }
     fromScientific(number.digits, number.count, number.exponent, MAX_DIGITS);
 }
@@ -61,8 +75,8 @@ XlsDecimal::XlsDecimal(double value) : negative_(std::signbit(value)) {
 XlsDecimal XlsDecimal::exact(double value) {
     XlsDecimal result;
     result.negative_ = std::signbit(value);
-    const Scientific number = toScientific(std::fabs(value), EXACT_DIGITS - 1);
-    result.fromScientific(number.digits, number.count, number.exponent, EXACT_DIGITS);
+    const Scientific number = shortest(std::fabs(value));
+    result.fromScientific(number.digits, number.count, number.exponent, number.count);
     return result;
 }
 

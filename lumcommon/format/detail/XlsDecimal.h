@@ -11,13 +11,14 @@ namespace LumCommon::detail {
 class XlsDecimal {
 public:
     static constexpr int MAX_DIGITS = 15;
-    /// So many tell every double from its neighbours.
+    /// So many tell any double from its neighbours.
     static constexpr int EXACT_DIGITS = 17;
 
     XlsDecimal() = default;
     /// `value` is finite. Rounds half up on the exact decimal expansion.
     explicit XlsDecimal(double value);
-    /// With EXACT_DIGITS digits, for numbers that a product is made of before they are rounded.
+    /// The shortest decimal that reads back as `value`, with up to EXACT_DIGITS digits: for numbers that a product is
+    /// made of before they are rounded.
     static XlsDecimal exact(double value);
     /// Of a digit string; what is behind it does not count.
     explicit XlsDecimal(std::string_view digitString);

@@ -123,19 +123,17 @@ bool putCommon(const FMT& section, const XlsPiece& piece, XlsWriter& out) {
 void putGeneral(const FMT& section, const XlsDecimal& magnitude, int generalChars, XlsWriter& out) {
     std::string text = xlsGeneral(magnitude, generalChars);
     if (section.dbNum == 0) return out.number(text);
-    std::size_t end = text.find_first_of(".E");
-    if (end != text.npos && text[end] == 'E' && magnitude.point() > 0 &&
-        magnitude.point() <= static_cast<std::int64_t>(XLS_READABLE_DIGITS)) {
-        // Numerals with units have no scientific notation.
+    if (text.find('E') != text.npos) {
+        // Numerals with units have no scientific notation; what is too large for them, or too small, keeps it.
         const NaturalDigits whole = integerOf(magnitude);
+        if (whole.length == 0 || whole.length > static_cast<std::int64_t>(XLS_READABLE_DIGITS)) return out.number(text);
         text.assign(static_cast<std::size_t>(whole.length), '0');
         std::copy(whole.digits.begin(), whole.digits.end(), text.begin());
-        end = text.npos;
     }
     const std::string_view number = text;
-    if (number.find('E') != number.npos) return out.number(number);
-    xlsWriteReadable(out, number.substr(0, end), section.dbNum);
-    if (end != number.npos) out.number(number.substr(end));
+    const std::size_t point = std::min(number.find('.'), number.size());
+    xlsWriteReadable(out, number.substr(0, point), section.dbNum);
+    out.number(number.substr(point));
 }
 
 /// The power of ten of a number whose mantissa has that many places before its point, and the mantissa.
