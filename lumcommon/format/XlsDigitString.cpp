@@ -47,7 +47,7 @@ struct Parts {
         } else {
             auto cut = static_cast<std::size_t>(kept);
             const bool up = all[cut] >= '5';
-            std::fill(all.begin() + kept, all.end(), '0');
+            std::fill(all.begin() + static_cast<std::ptrdiff_t>(kept), all.end(), '0');
             while (up && cut > 0 && all[cut - 1] == '9') all[--cut] = '0';
             if (up && cut > 0) ++all[cut - 1];
             if (up && cut == 0) {

@@ -26,6 +26,8 @@ struct CELLV;
 ///   round to zero or the section has none. Negative zero is zero.
 /// - A denominator with more than five placeholders is searched below 100,000; a fixed one beyond nine digits is
 ///   999,999,999. A fraction that is zero leaves blanks, unless its numerator has a "0" or there is no whole number.
+/// - A fill ("*") writes nothing and a skip ("_") one space: there is no column here. XlsFormatString::fmtnum() fits a
+///   text into one.
 /// - Japanese numerals replace digit by digit; General, and the fields of dates but for the year, use ten, hundred
 ///   and thousand.
 ///
@@ -60,6 +62,7 @@ public:
     Result format(double value) const;
     /// A code without a section for text shows it as it is, with NO_SECTION.
     Result format(const UnicodeString& text) const;
+    /// The number or the text of a cell. The date system is that of the format, not the cell's.
     Result format(const CELLV& cell) const;
     /// The same into a result that is used again and again, which spares allocations.
     void format(double value, Result& result) const;
