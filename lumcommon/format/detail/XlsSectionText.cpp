@@ -10,6 +10,54 @@ namespace {
 
 using Kind = XlsPieceKind;
 
+/// The letter of a field of the calendar or the clock; 0 for other pieces.
+char16_t letterOf(Kind kind) {
+    switch (kind) {
+        case Kind::YEAR:
+            return u'y';
+        case Kind::MONTH:
+        case Kind::MINUTE:
+            return u'm';
+        case Kind::DAY:
+        case Kind::WEEKDAY:
+            return u'd';
+        case Kind::HOUR:
+            return u'h';
+        case Kind::SECOND:
+            return u's';
+        case Kind::ERA:
+            return u'g';
+        case Kind::ERA_YEAR:
+            return u'e';
+        default:
+            return 0;
+    }
+}
+
+/// What stands for a piece of a number or for a text; 0 for other pieces.
+char16_t signOf(Kind kind) {
+    switch (kind) {
+        case Kind::FORCED_DIGIT:
+            return u'0';
+        case Kind::OPTIONAL_DIGIT:
+            return u'#';
+        case Kind::SPACED_DIGIT:
+            return u'?';
+        case Kind::POINT:
+            return u'.';
+        case Kind::COMMA:
+            return u',';
+        case Kind::PERCENT:
+            return u'%';
+        case Kind::FRACTION_BAR:
+            return u'/';
+        case Kind::TEXT:
+            return u'@';
+        default:
+            return 0;
+    }
+}
+
 /// Writes the normal form: letters as the keyword table has them, all literals quoted.
 class SectionText {
 public:
@@ -56,7 +104,8 @@ void SectionText::literal(const XlsPiece& piece) {
 }
 
 void SectionText::piece(const XlsPiece& piece) {
-    const std::int32_t count = piece.count;
+    if (const char16_t letter = letterOf(piece.kind)) return letters(letter, piece.count);
+    if (const char16_t sign = signOf(piece.kind)) return repeat(sign, piece.count);
     switch (piece.kind) {
         case Kind::LITERAL:
             return literal(piece);
@@ -65,58 +114,28 @@ void SectionText::piece(const XlsPiece& piece) {
             out_.append(piece.kind == Kind::SKIP ? u'_' : u'*');
             out_.append(static_cast<UChar32>(piece.unit));
             return;
-        case Kind::FORCED_DIGIT:
-            return repeat(u'0', count);
-        case Kind::OPTIONAL_DIGIT:
-            return repeat(u'#', count);
-        case Kind::SPACED_DIGIT:
-            return repeat(u'?', count);
-        case Kind::POINT:
-            return repeat(u'.', 1);
-        case Kind::COMMA:
-            return repeat(u',', 1);
-        case Kind::PERCENT:
-            return repeat(u'%', 1);
         case Kind::EXPONENT:
             out_.append(u'E').append(static_cast<char16_t>(piece.unit));
             return;
-        case Kind::FRACTION_BAR:
-            return repeat(u'/', 1);
         case Kind::FIXED_DENOMINATOR:
             out_.append(UnicodeString::fromUTF8(std::to_string(section_.fixedDenominator)));
             return;
         case Kind::GENERAL:
             separate(u'g');
             return word(u"General");
-        case Kind::TEXT:
-            return repeat(u'@', 1);
-        case Kind::YEAR:
-            return letters(u'y', count);
-        case Kind::MONTH:
-        case Kind::MINUTE:
-            return letters(u'm', count);
-        case Kind::DAY:
-        case Kind::WEEKDAY:
-            return letters(u'd', count);
-        case Kind::HOUR:
-            return letters(u'h', count);
-        case Kind::SECOND:
-            return letters(u's', count);
         case Kind::SECOND_FRACTION:
             out_.append(u'.');
-            return repeat(u'0', count);
+            return repeat(u'0', piece.count);
         case Kind::AM_PM:
-            return word(xlsAmPm(count));
-        case Kind::ERA:
-            return letters(u'g', count);
-        case Kind::ERA_YEAR:
-            return letters(u'e', count);
+            return word(xlsAmPm(piece.count));
         case Kind::ELAPSED_HOURS:
-            return elapsed(u'h', count);
+            return elapsed(u'h', piece.count);
         case Kind::ELAPSED_MINUTES:
-            return elapsed(u'm', count);
+            return elapsed(u'm', piece.count);
         case Kind::ELAPSED_SECONDS:
-            return elapsed(u's', count);
+            return elapsed(u's', piece.count);
+        default:
+            return;  // unreachable: the others have a letter or a sign
     }
 }
 
