@@ -9,7 +9,7 @@
 namespace LumCommon {
 
 /// What a piece of a section is. XlsPiece::count is the length of a literal, the number of placeholders, or how often
-/// the letter of a date or time field stands there.
+/// the letter of a date or time field stands there. Kinds of one sort stand together.
 enum class XlsPieceKind : std::uint8_t {
     LITERAL,            ///< text as it is
     SKIP,               ///< `_`: a space in place of the character `unit`
@@ -101,7 +101,7 @@ struct FMT {
     UnicodeString text;      ///< the section's code in its normal form: it means the same and normalises to itself
 };
 
-/// A parsed format code.
+/// A parsed format code. XlsFormatString::fmtget() makes it; what is changed in it afterwards is not checked.
 struct FMT2 {
     int count = 0;                ///< sections, 1 to 4; 0 before parsing
     std::array<FMT, 4> sections;  ///< the first `count` of them

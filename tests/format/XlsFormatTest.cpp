@@ -101,6 +101,7 @@ TEST(XlsFormat, readsWhatCodesLeaveOpen) {
         {"comma before any placeholder", u",0", 1234, ",1234"},
         {"comma among the decimals", u"0.0,0", 1234.56, "1,234.56"},
         {"denominator that ends the number", u"# ?/?x#", 0.5, " 1/2x#"},
+        {"placeholder behind the denominator makes its commas separators", u"# ?/?#,,#", 1500000, "1 1/2 #"},
         {"denominator 10", u"0/10", 0.25, "3/10"},
         {"denominator beyond nine digits", u"?/99999999999", 1, "999999999/999999999"},
         {"spaces around the bar", u"# ? / ?", 1.5, "1 1 / 2"},
