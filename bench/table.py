@@ -2,9 +2,9 @@
 """Runs the benchmark programs and prints one table.   table.py FOLDER [--rounds N] [--only WORD]
 
 A program runs its contenders in random order, round by round, so that a change of the machine's pace meets them all.
-A cell is the median of nanoseconds a byte, or a number where numbers are written; the spread is that of the fastest and
-the slowest round. The ratio tells how many times the peer's time ours is (below 1: we are faster). Where two ranges
-overlap the ratio is marked with ~: no difference is claimed.
+An entry is the median of nanoseconds a byte, or a piece of other work; the spread is that of the fastest and the slowest
+round. The ratio tells how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the
+ratio is marked with ~: no difference is claimed.
 """
 import argparse
 import json
@@ -19,6 +19,7 @@ QUESTIONS = {  # meaning, what is counted, millions of it a second
     "load": ("bytes to a tree", "bytes", "MB/s"),
     "save": ("a tree to bytes", "bytes", "MB/s"),
     "number": ("numbers to text", "items", "M/s"),
+    "xlsformat": ("codes parsed, and cells shown by a parsed code", "items", "M/s"),
 }
 VALUE_OPERATIONS = ["parse", "parseColor", "to a colour", "tokens"]
 
@@ -36,7 +37,7 @@ def run_rounds(program, rounds, only):
 
 def measure(program, counted, rounds, only):
     measured = run_rounds(program, rounds, only)
-    listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True).stdout.decode().split()
+    listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True).stdout.decode().splitlines()
     order = dict.fromkeys(name.split("/")[2] for name in listed)  # rounds are shuffled, rows are not
     times = {document: {} for document in order}
     for row in measured:
@@ -90,20 +91,20 @@ def main():
     options.add_argument("--rounds", type=int, default=7)
     options.add_argument("--only", default="")
     options = options.parse_args()
-    print("Nanoseconds a byte (or a number), median (fastest-slowest round); ratio: our time divided by theirs, ~ where "
-          "ranges overlap.")
+    print("Nanoseconds, median (fastest-slowest round); ratio: our time divided by theirs, ~ where ranges overlap.")
     missing = (options.folder / "missing-peers.txt").read_text(encoding="utf-8").strip()
     if missing:
         print(f"Not installed, so not measured: {missing}")
     for question, (meaning, counted, speed) in QUESTIONS.items():
         times = measure(options.folder / f"bench_{question}", counted, options.rounds, options.only)
         peers = sorted({label for by_label in times.values() for label in by_label} - {OURS})
-        rows = [[f"{question}: {meaning}", OURS, speed] + [text for peer in peers for text in (peer, "ratio")]]
+        unit = "a byte" if counted == "bytes" else "each"
+        rows = [[f"{question}: {meaning}, ns {unit}", OURS, speed] + [text for peer in peers for text in (peer, "ratio")]]
         for document, by_label in times.items():
             ours = by_label[OURS]
             row = [document, cell(ours), f"{1e3 / statistics.median(ours):.0f}"]
             for peer in peers:
-                row += [cell(by_label[peer]), ratio(ours, by_label[peer])]
+                row += [cell(by_label[peer]), ratio(ours, by_label[peer])] if peer in by_label else ["", ""]
             rows.append(row)
         print_rows(rows)
     print_values(options.folder / "bench_value", options.rounds, options.only)

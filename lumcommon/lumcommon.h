@@ -33,6 +33,9 @@
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/format/Kansuji.h>
 #include <lumcommon/format/LumUtil.h>
+#include <lumcommon/format/XlsFormat.h>
+#include <lumcommon/format/XlsFormatCode.h>
+#include <lumcommon/format/XlsFormatString.h>
 #include <lumcommon/lang/LumLang.h>
 #include <lumcommon/lang/LumScript.h>
 #include <lumcommon/names/LumName.h>

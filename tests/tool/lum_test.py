@@ -95,6 +95,14 @@ def check_small_commands():
         ("language and format in UTF-8", ["number", "--lang", "sv-SE", "\u3014a", "27"], "\u3014\u00e5\n"),
         ("groups", ["number", "--separator", ",", "--size", "3", "1", "1234567"], "1,234,567\n"),
         ("octal", ["number", "", "010"], "10\n"),
+        ("cells", ["xlsformat", "0.00;[Red](0.00)", "2.675", "-5"],
+         '{"text":"2.68","color":null,"section":0}\n{"text":"(5.00)","color":"FF0000","section":1}\n'),
+        ("date system forgotten", ["xlsformat", "--1904", "yyyy-mm-dd", "0"],
+         '{"text":"1904-01-01","color":null,"section":0}\n'),
+        ("number taken for a text", ["xlsformat", "--text", "0;0;0;[Blue]<@>", "12"],
+         '{"text":"<12>","color":"0000FF","section":3}\n'),
+        ("failure hidden", ["xlsformat", "[>5]0", "1e0"], '{"text":"","color":null,"section":-2}\n'),
+        ("bytes taken for units", ["xlsformat", "0\u5186", "5"], '{"text":"5\u5186","color":null,"section":0}\n'),
     ]
     for fault, arguments, expected in rows:
         prints(fault, arguments, expected)
@@ -243,6 +251,9 @@ def check_failures():
         ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
         ("number out of range", ["number", "1", "2147483648"], 2, None),
+        ("text where a number is due", ["xlsformat", "0", "5x"], 2, None),
+        ("number beyond the range", ["xlsformat", "0", "1e999"], 2, None),
+        ("no value", ["xlsformat", "0"], 2, None),
         ("missing file", ["events", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
         ("missing file to save", ["save", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
         ("output in no folder", ["save", "doc.xml", "no/such/out.xml"], 1,

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <lumcommon/format/XlsFormatCode.h>
+#include <lumcommon/format/detail/XlsDecimal.h>
+
+namespace LumCommon::detail {
+
+class XlsWriter;
+
+/// A number by a number section; a negative one begins with "-".
+void renderXlsNumber(const FMT& section, const XlsDecimal& value, int generalChars, XlsWriter& out);
+/// A date or time by such a section; the value is XlsDecimal::exact(). False, and nothing written, when the value is
+/// not one.
+bool renderXlsDate(const FMT& section, const XlsDecimal& value, bool is1904, XlsWriter& out);
+/// A text by any section: what is no text writes nothing.
+void renderXlsText(const FMT& section, const UnicodeString& value, XlsWriter& out);
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace LumCommon::detail {
+
+/// What may stand in the brackets of a code; the order is that of XlsKeywords.inc.
+enum XlsKeyword : int {
+    XLS_BLACK = 0,
+    XLS_CYAN = 7,
+    XLS_COLOR = 8,
+    XLS_FIRST_OPERATOR = 9,
+    XLS_LAST_OPERATOR = 14,
+    XLS_HOURS = 15,
+    XLS_MINUTES = 16,
+    XLS_SECONDS = 17,
+    XLS_DBNUM1 = 18,
+    XLS_DBNUM3 = 20,
+    XLS_CURRENCY = 21,
+    XLS_KEYWORDS = 22,
+};
+constexpr int XLS_PALETTE_COLORS = 56;
+
+std::u16string_view xlsKeyword(int keyword) noexcept;
+/// 0xRRGGBB of palette number 1 to 56.
+int xlsPaletteColor(int number) noexcept;
+/// 1 to 12.
+std::u16string_view xlsMonthName(int month) noexcept;
+/// 0 is Sunday.
+std::u16string_view xlsDayName(int weekday) noexcept;
+/// Length of the short forms of the names of days and months, which are their beginnings.
+constexpr std::size_t xlsShortName = 3;
+
+struct XlsEra {
+    char16_t initial;
+    std::u16string_view name;  ///< its first character is the middle form
+    std::int32_t lastDay;      ///< in the 1900 system
+    int yearBefore;            ///< the year before its first
+};
+constexpr int XLS_ERAS = 4;
+const XlsEra& xlsEra(int era) noexcept;
+
+/// The forms of AM/PM, from 1; null view for others.
+std::u16string_view xlsAmPm(int form) noexcept;
+constexpr int XLS_AMPM_FORMS = 4;
+
+}  // namespace LumCommon::detail
