@@ -24,6 +24,7 @@ struct CELLV;
 /// - A section with an era or with a tag of the language Japanese anywhere makes the code Japanese: "e" is a year.
 /// - A negative number in a section that was not chosen for its sign is written behind "-", even when its digits
 ///   round to zero or the section has none. Negative zero is zero.
+/// - An exponent has as many digits as its placeholders, but two at least.
 /// - A denominator with more than five placeholders is searched below 100,000; a fixed one beyond nine digits is
 ///   999,999,999. A fraction that is zero leaves blanks, unless its numerator has a "0" or there is no whole number.
 /// - A fill ("*") writes nothing and a skip ("_") one space: there is no column here. XlsFormatString::fmtnum() fits a
