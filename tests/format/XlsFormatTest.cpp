@@ -137,6 +137,7 @@ TEST(XlsFormat, takesCellsAndTypedValues) {
 
 TEST(XlsFormat, doesNotFollowTheLocale) {
     const LumTest::CommaLocale locale;
+    if (!locale.isActive()) GTEST_SKIP() << "no locale with a decimal comma, and none could be compiled";
     EXPECT_EQ(utf8(XlsFormat(u"[>1.5]#,##0.00").format(1234.5).text), "1,234.50");
     EXPECT_EQ(utf8(XlsFormat(u"# ?/?").format(0.25).text), " 1/4");
     EXPECT_EQ(XlsFormatString::convDblStr(0.1), "0.1");
