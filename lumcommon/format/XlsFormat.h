@@ -18,6 +18,8 @@ struct CELLV;
 ///
 /// Where a code leaves something open:
 /// - What follows a fourth ";" is not read, nor what follows the first MAX_CODE_UNITS units.
+/// - Each "@" writes the text, until MAX_REPEATED_UNITS are exceeded; further ones write nothing. In a fourth section
+///   General does so as well.
 /// - A bracket without end is a literal; one whose content is unknown writes nothing. Of several colours, conditions
 ///   or numeral styles in a section the first counts.
 /// - A quoted text without end goes on to the end of the code; "\", "_" and "*" at the end write nothing.
@@ -34,11 +36,12 @@ struct CELLV;
 ///
 /// Failure: nothing is thrown but for exhausted memory. A value that cannot be shown has an empty text and a negative
 /// section; spreadsheets fill such a cell with "#".
-/// Cost: linear in the code, and formatting in the parsed code. Threads: a format is not changed by formatting; it
-/// may be used by several threads at a time.
+/// Cost: linear in the code, and formatting in the parsed code and the text (once for each "@"). Threads: a format is
+/// not changed by formatting; it may be used by several threads at a time.
 class LUM_API XlsFormat {
 public:
     static constexpr int MAX_CODE_UNITS = 1 << 20;
+    static constexpr int MAX_REPEATED_UNITS = 1 << 24;
     static constexpr int NO_COLOR = -1;
 
     /// What Result::section says where no section is used.

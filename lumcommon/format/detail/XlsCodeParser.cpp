@@ -34,6 +34,7 @@ private:
     void textSection();
     void dateSection();
     void dateLetters(const XlsRawPiece& piece);
+    void monthIsMinute();
     void elapsed(const XlsRawPiece& piece);
     void secondFraction(std::size_t index);
     void numberSection();
@@ -218,10 +219,7 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
             put(Kind::HOUR, std::min(count, 2));
             break;
         case 's':
-            if (lastField_ != npos && out_.pieces[lastField_].kind == Kind::MONTH &&
-                out_.pieces[lastField_].count <= 2) {
-                out_.pieces[lastField_].kind = Kind::MINUTE;
-            }
+            monthIsMinute();
             put(Kind::SECOND, std::min(count, 2));
             break;
         case 'g':
@@ -235,6 +233,13 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
     lastField_ = out_.pieces.size() - 1;
 }
 
+/// Seconds follow: a month in digits just before them is of the clock.
+void SectionParser::monthIsMinute() {
+    if (lastField_ == npos) return;
+    XlsPiece& last = out_.pieces[lastField_];
+    if (last.kind == Kind::MONTH && last.count <= 2) last.kind = Kind::MINUTE;
+}
+
 void SectionParser::elapsed(const XlsRawPiece& piece) {
     switch (piece.unit) {
         case 'h':
@@ -246,10 +251,7 @@ void SectionParser::elapsed(const XlsRawPiece& piece) {
             out_.elapsedMinutes = true;
             break;
         default:
-            if (lastField_ != npos && out_.pieces[lastField_].kind == Kind::MONTH &&
-                out_.pieces[lastField_].count <= 2) {
-                out_.pieces[lastField_].kind = Kind::MINUTE;
-            }
+            monthIsMinute();
             put(Kind::ELAPSED_SECONDS, piece.count);
             out_.elapsedSeconds = true;
             break;

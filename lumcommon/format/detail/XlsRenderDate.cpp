@@ -19,7 +19,7 @@ public:
     void run() {
         for (const XlsPiece& piece : section_.pieces) {
             if (piece.kind <= Kind::FILL) {
-                plain(piece);
+                renderXlsCommon(section_, piece, out_);
             } else if (piece.kind >= Kind::ELAPSED_HOURS) {
                 elapsed(piece);
             } else if (piece.kind >= Kind::HOUR && piece.kind <= Kind::AM_PM) {
@@ -31,7 +31,6 @@ public:
     }
 
 private:
-    void plain(const XlsPiece& piece);
     void calendar(const XlsPiece& piece);
     void clock(const XlsPiece& piece);
     void elapsed(const XlsPiece& piece);
@@ -55,17 +54,6 @@ void DateRenderer::number(std::int64_t value, std::int32_t width, bool isReadabl
     }
     for (auto i = static_cast<std::int32_t>(digits.size()); i < width; ++i) out_.digit('0');
     out_.number(digits);
-}
-
-void DateRenderer::plain(const XlsPiece& piece) {
-    switch (piece.kind) {
-        case Kind::LITERAL:
-            return out_.text(section_.literals, piece.start, piece.count);
-        case Kind::SKIP:
-            return out_.put(u' ');
-        default:
-            return out_.fill(piece.unit);
-    }
 }
 
 void DateRenderer::calendar(const XlsPiece& piece) {

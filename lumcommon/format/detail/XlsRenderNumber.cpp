@@ -1,3 +1,4 @@
+#include <lumcommon/format/XlsFormat.h>
 #include <lumcommon/format/detail/XlsFraction.h>
 #include <lumcommon/format/detail/XlsGeneral.h>
 #include <lumcommon/format/detail/XlsRender.h>
@@ -98,28 +99,6 @@ private:
     std::int64_t number_ = 0;
 };
 
-/// What all kinds of sections write in the same way. False for other pieces.
-bool putCommon(const FMT& section, const XlsPiece& piece, XlsWriter& out) {
-    switch (piece.kind) {
-        case Kind::LITERAL:
-            out.text(section.literals, piece.start, piece.count);
-            return true;
-        case Kind::SKIP:
-            out.put(u' ');
-            return true;
-        case Kind::FILL:
-            out.fill(piece.unit);
-            return true;
-        case Kind::PERCENT:
-            out.put(u'%');
-            return true;
-        case Kind::COMMA:
-            return true;
-        default:
-            return false;
-    }
-}
-
 void putGeneral(const FMT& section, const XlsDecimal& magnitude, int generalChars, XlsWriter& out) {
     std::string text = xlsGeneral(magnitude, generalChars);
     if (section.dbNum == 0) return out.number(text);
@@ -196,7 +175,7 @@ void renderPlain(const FMT& section, XlsDecimal value, int generalChars, XlsWrit
                 putGeneral(section, unrounded, generalChars, out);
                 break;
             default:
-                putCommon(section, piece, out);
+                renderXlsCommon(section, piece, out);
                 break;
         }
     }
@@ -254,13 +233,28 @@ void renderFraction(const FMT& section, const XlsDecimal& magnitude, XlsWriter& 
                 putGeneral(section, magnitude, XLS_GENERAL_CHARS, out);
                 break;
             default:
-                putCommon(section, piece, out);
+                renderXlsCommon(section, piece, out);
                 break;
         }
     }
 }
 
 }  // namespace
+
+void renderXlsCommon(const FMT& section, const XlsPiece& piece, XlsWriter& out) {
+    switch (piece.kind) {
+        case Kind::LITERAL:
+            return out.text(section.literals, piece.start, piece.count);
+        case Kind::SKIP:
+            return out.put(u' ');
+        case Kind::FILL:
+            return out.fill(piece.unit);
+        case Kind::PERCENT:
+            return out.put(u'%');
+        default:
+            return;
+    }
+}
 
 void renderXlsNumber(const FMT& section, const XlsDecimal& value, int generalChars, XlsWriter& out) {
     if (section.pieces.empty()) return;
@@ -276,11 +270,13 @@ void renderXlsNumber(const FMT& section, const XlsDecimal& value, int generalCha
 }
 
 void renderXlsText(const FMT& section, const UnicodeString& value, XlsWriter& out) {
+    std::int64_t repeated = 0;
     for (const XlsPiece& piece : section.pieces) {
-        if (piece.kind == Kind::TEXT) {
-            out.text(value, 0, value.length());
+        if (piece.kind == Kind::TEXT || piece.kind == Kind::GENERAL) {
+            if (repeated <= XlsFormat::MAX_REPEATED_UNITS) out.text(value, 0, value.length());
+            repeated += value.length();
         } else {
-            putCommon(section, piece, out);
+            renderXlsCommon(section, piece, out);
         }
     }
 }

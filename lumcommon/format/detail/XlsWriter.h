@@ -42,6 +42,11 @@ public:
     }
     /// Part of another string.
     void text(const UnicodeString& source, std::int32_t start, std::int32_t length) {
+        if (length > capacity) {
+            flush();
+            out_.append(source, start, length);
+            return;
+        }
         for (std::int32_t i = start; i < start + length; ++i) put(source.charAt(i));
     }
     /// The first one counts.
