@@ -81,6 +81,19 @@ public:
     /// Appends the decimal digits of a number, without sign.
     static void toString64Sub(UnicodeString& text, unsigned long long number);
 
+    /// Rewrites the runs of ASCII digits in a text as Japanese numerals; see Kansuji::convert for the styles.
+    /// @param style      NAME_grouping, NAME_readable; any other name: digit by digit.
+    /// @param digits     NAME_kanji, NAME_latin (full-width); any other name: a text whose first ten characters replace
+    ///                   the kanji digits 0 to 9, as far as it has them.
+    /// @param unitChars  characters that replace ten, hundred, thousand and the large units, as far as there are any.
+    /// @param further    has no influence.
+    /// Cost: O(length).
+    static UnicodeString convertKansuji(const UnicodeString& text, LumName style, LumName digits,
+                                        const UnicodeString& unitChars = {}, const UnicodeString& further = {});
+    /// The same for the decimal text of a number; a minus sign is copied.
+    static UnicodeString convertKansuji(int number, LumName style, LumName digits, const UnicodeString& unitChars = {},
+                                        const UnicodeString& further = {});
+
     /// The most UTF-16 units that makeABCSeq1 and makeABCNum1 write when `count` is at least 2.
     static constexpr int LETTERS_MAX = 31;
     /// The most UTF-16 units that makeRoman writes for numbers up to 39999 when the table has every letter that they
@@ -139,19 +152,6 @@ public:
 
     /// Releases what the class keeps; part of LumCommon::cleanup().
     static void cleanup();
-
-    /// Rewrites the runs of ASCII digits in a text as Japanese numerals; see Kansuji::convert for the styles.
-    /// @param style      NAME_grouping, NAME_readable; any other name: digit by digit.
-    /// @param digits     NAME_kanji, NAME_latin (full-width); any other name: a text whose first ten characters replace
-    ///                   the kanji digits 0 to 9, as far as it has them.
-    /// @param unitChars  characters that replace ten, hundred, thousand and the large units, as far as there are any.
-    /// @param further    has no influence.
-    /// Cost: O(length).
-    static UnicodeString convertKansuji(const UnicodeString& text, LumName style, LumName digits,
-                                        const UnicodeString& unitChars = {}, const UnicodeString& further = {});
-    /// The same for the decimal text of a number; a minus sign is copied.
-    static UnicodeString convertKansuji(int number, LumName style, LumName digits, const UnicodeString& unitChars = {},
-                                        const UnicodeString& further = {});
 };
 
 }  // namespace LumCommon
