@@ -2,16 +2,14 @@
 
 #include <lumcommon/format/Kansuji.h>
 #include <lumcommon/format/LumUtil.h>
+#include <support/DataRows.h>
 #include <support/Utf8.h>
 
 #include <unicode/rbnf.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -24,27 +22,13 @@ std::string readable(const std::string& digits) {
     return utf8(LumUtil::convertKansuji(text(digits), NAME_readable, NAME_kanji, u"", u""));
 }
 
-/// The rows of a file of fields between bars; its first line says what they are.
-std::vector<std::vector<std::string>> readRows(const char* file) {
-    std::ifstream in(file);
-    std::vector<std::vector<std::string>> rows;
-    std::string line;
-    std::getline(in, line);
-    while (std::getline(in, line)) {
-        rows.emplace_back();
-        for (std::istringstream fields(line); std::getline(fields, line, '|');) rows.back().push_back(line);
-    }
-    return rows;
-}
-
 TEST(Kansuji, writesRunsOfDigitsInEachStyle) {
-    const auto rows = readRows(LUM_TEST_DATA "/format/kansuji.txt");
+    const auto rows = LumTest::readRows("format/kansuji.txt");
     ASSERT_EQ(rows.size(), 31u);
-    for (const std::vector<std::string>& row : rows) {
-        SCOPED_TRACE(row[0]);
+    for (const auto& row : rows) {
         ASSERT_EQ(row.size(), 6u);
-        const LumName style(text(row[1])), digits(text(row[2]));
-        EXPECT_EQ(utf8(LumUtil::convertKansuji(text(row[4]), style, digits, text(row[3]), u"ignored")), row[5]);
+        const UnicodeString got = LumUtil::convertKansuji(row[4], LumName(row[1]), LumName(row[2]), row[3], u"ignored");
+        EXPECT_EQ(utf8(got), utf8(row[5])) << utf8(row[0]);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <lumcommon/format/LumUtil.h>
 #include <support/CommaLocale.h>
+#include <support/DataRows.h>
 #include <support/Utf8.h>
 
 #include <unicode/normalizer2.h>
@@ -22,39 +23,19 @@ namespace {
 using namespace LumCommon;
 using LumTest::utf8;
 
-UnicodeString unicode(const std::string& text) { return UnicodeString::fromUTF8(text); }
-
-/// The lines of a file below tests/data, without comments that take a whole line.
-std::vector<std::string> readLines(const std::string& file) {
-    std::ifstream in(LUM_TEST_DATA + ("/" + file));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line[0] != '#') lines.push_back(line);
-    }
-    return lines;
-}
-
 TEST(LumUtilNumbers, formatsEveryRowOfTheFile) {
-    const std::vector<std::string> lines = readLines("format/numbers.txt");
-    ASSERT_GT(lines.size(), 70u);
-    for (const std::string& line : lines) {
-        SCOPED_TRACE(line);
-        std::istringstream fields(line.substr(0, line.rfind('#')));
-        std::string format, separator, size, language, results;
-        for (std::string* field : {&format, &separator, &size, &language}) {
-            std::getline(fields, *field, '|');
-            *field = utf8(unicode(*field).trim());
-        }
-        std::getline(fields, results);
-        std::istringstream rows(results);
+    const auto rows = LumTest::readRows("format/numbers.txt");
+    ASSERT_GT(rows.size(), 70u);
+    for (const auto& row : rows) {
+        ASSERT_EQ(row.size(), 5u);
+        SCOPED_TRACE(utf8(row[0]) + ": " + utf8(row[4]));
+        const LumLang language(row[3]);
+        std::istringstream results(utf8(row[4]));
         int checked = 0;
-        for (std::string row; rows >> row; ++checked) {
-            const std::size_t equals = row.find('=');
-            const std::string expected = row.substr(equals + 1);
-            const UnicodeString text =
-                LumUtil::formatNumber(std::stoi(row), unicode(format), unicode(separator), std::stoi(size),
-                                      LumLang(language.c_str()), checked % 2 == 0 ? NAME_NULL : NAME_block);
-            EXPECT_EQ(utf8(UnicodeString(text).findAndReplace(u" ", u"_")), expected);
+        for (std::string result; results >> result && result != "#"; ++checked) {
+            const UnicodeString text = LumUtil::formatNumber(std::stoi(result), row[0], row[1], std::stoi(utf8(row[2])),
+                                                             language, checked % 2 == 0 ? NAME_NULL : NAME_block);
+            EXPECT_EQ(utf8(UnicodeString(text).findAndReplace(u" ", u"_")), result.substr(result.find('=') + 1));
         }
         EXPECT_GT(checked, 0);
     }
@@ -70,18 +51,24 @@ struct Alphabet {
 std::vector<Alphabet> readAlphabets() {
     const UnicodeString latin(u"Aa");
     std::vector<Alphabet> alphabets;
-    for (const std::string& line : readLines("../../lumcommon/format/alphabets.txt")) {
+    std::ifstream in(LUM_TEST_DATA "/../../lumcommon/format/alphabets.txt");
+    for (std::string line; std::getline(in, line);) {
         std::istringstream fields(line);
         std::string name, script, count, upper, lowerCount, lower;
         fields >> name >> script >> count >> upper >> lowerCount >> lower;
-        const UnicodeString sequence = unicode(count);  // of a line that has name, count and letters only
-        const bool hasToken = name.find("DIGITS") == std::string::npos;
-        if (upper.empty() && hasToken) alphabets.push_back({UnicodeString(sequence[0]), "", sequence});
-        if (upper.empty()) continue;
+        if (name.empty() || name == "#") continue;
+        if (upper.empty()) {  // a line of name, count and letters only
+            const UnicodeString letters = UnicodeString::fromUTF8(count);
+            const bool hasToken = name.find("DIGITS") == std::string::npos;
+            if (hasToken) alphabets.push_back({UnicodeString(letters[0]), "", letters});
+            continue;
+        }
         const UnicodeString own = script == "greek" ? u"\u0391\u03B1" : script == "cyrillic" ? u"\u0410\u0430" : latin;
         for (const UnicodeString& tokens : std::set{latin, own}) {
-            alphabets.push_back({tokens[0], name, upper == "-" ? u"ABCDEFGHIJKLMNOPQRSTUVWXYZ" : unicode(upper)});
-            alphabets.push_back({tokens[1], name, unicode(lower)});
+            const bool isWithoutUpper = upper == "-";
+            alphabets.push_back(
+                {tokens[0], name, UnicodeString::fromUTF8(isWithoutUpper ? "ABCDEFGHIJKLMNOPQRSTUVWXYZ" : upper)});
+            alphabets.push_back({tokens[1], name, UnicodeString::fromUTF8(lower)});
         }
     }
     return alphabets;
@@ -111,11 +98,7 @@ TEST(LumUtilNumbers, everyAlphabetCountsBijectively) {
 }
 
 TEST(LumUtilNumbers, romanNumeralsAgreeWithSubtractionAndNormalisation) {
-    struct Step {
-        int value;
-        const char16_t* letters;
-    };
-    constexpr Step steps[] = {
+    const std::pair<int, const char16_t*> steps[] = {
         {10000, u"\u2182"}, {9000, u"M\u2182"}, {5000, u"\u2181"}, {4000, u"M\u2181"}, {1000, u"M"}, {900, u"CM"},
         {500, u"D"},        {400, u"CD"},       {100, u"C"},       {90, u"XC"},        {50, u"L"},   {40, u"XL"},
         {10, u"X"},         {9, u"IX"},         {5, u"V"},         {4, u"IV"},         {1, u"I"}};
@@ -125,18 +108,14 @@ TEST(LumUtilNumbers, romanNumeralsAgreeWithSubtractionAndNormalisation) {
     for (int number = 1; number <= 39999; ++number) {
         UnicodeString expected;
         int rest = number;
-        for (const Step& step : steps) {
-            for (; rest >= step.value; rest -= step.value) expected.append(step.letters, -1);
+        for (const auto& [value, letters] : steps) {
+            for (; rest >= value; rest -= value) expected.append(letters, -1);
         }
-        for (const char16_t* token : {u"I", u"\uFF29", u"\u2160"}) {
-            const UnicodeString text = compatible->normalize(LumUtil::formatNumber(number, token), status);
-            ASSERT_EQ(utf8(text), utf8(expected)) << number << ' ' << utf8(token);
-        }
-        if (number > 3999) continue;
-        expected.toLower(icu::Locale::getRoot());
-        for (const char16_t* token : {u"i", u"\uFF49", u"\u2170"}) {
-            const UnicodeString text = compatible->normalize(LumUtil::formatNumber(number, token), status);
-            ASSERT_EQ(utf8(text), utf8(expected)) << number << ' ' << utf8(token);
+        const UnicodeString tokens(number > 3999 ? u"I\uFF29\u2160" : u"I\uFF29\u2160i\uFF49\u2170");
+        for (int i = 0; i < tokens.length(); ++i) {
+            const UnicodeString text = compatible->normalize(LumUtil::formatNumber(number, tokens[i]), status);
+            if (i == 3) expected.toLower(icu::Locale::getRoot());
+            ASSERT_EQ(text, expected) << number << ' ' << utf8(tokens[i]) << ' ' << utf8(text);
         }
     }
 }
