@@ -29,7 +29,8 @@ public:
     /// The text in quotes. Without a quote bit there are none, and only QUOTE_CSS then changes anything.
     static UnicodeString quoteString(const UnicodeString& text, unsigned mode);
     /// The text without white space around it and without its quotes; bogus when it is not a string of the mode. Where
-    /// the mode has neither doubling nor escapes, any text that ends with its first character loses both.
+    /// the mode has neither doubling nor escapes, any text of two characters or more that ends with its first one
+    /// loses both.
     static UnicodeString unquoteString(const UnicodeString& text, unsigned mode);
     /// Reads one string, quoted as `mode` says; without a quote bit it goes on to the end. A CSS escape of what is no
     /// character (0, surrogates, beyond U+10FFFF) gives U+FFFD.
