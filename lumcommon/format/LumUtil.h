@@ -29,7 +29,8 @@ public:
     /// The text in quotes. Without a quote bit there are none, and only QUOTE_CSS then changes anything.
     static UnicodeString quoteString(const UnicodeString& text, unsigned mode);
     /// The text without white space around it and without its quotes; bogus when it is not a string of the mode. Where
-    /// the mode has neither doubling nor escapes, any text that ends with its first character loses both.
+    /// the mode has neither doubling nor escapes, any text of two characters or more that ends with its first one
+    /// loses both.
     static UnicodeString unquoteString(const UnicodeString& text, unsigned mode);
     /// Reads one string, quoted as `mode` says; without a quote bit it goes on to the end. A CSS escape of what is no
     /// character (0, surrogates, beyond U+10FFFF) gives U+FFFD.
@@ -80,6 +81,19 @@ public:
     static UnicodeString toString(double number);
     /// Appends the decimal digits of a number, without sign.
     static void toString64Sub(UnicodeString& text, unsigned long long number);
+
+    /// Rewrites the runs of ASCII digits in a text as Japanese numerals; see Kansuji::convert for the styles.
+    /// @param style      NAME_grouping, NAME_readable; any other name: digit by digit.
+    /// @param digits     NAME_kanji, NAME_latin (full-width); any other name: a text whose first ten characters replace
+    ///                   the kanji digits 0 to 9, as far as it has them.
+    /// @param unitChars  characters that replace ten, hundred, thousand and the large units, as far as there are any.
+    /// @param further    has no influence.
+    /// Cost: O(length).
+    static UnicodeString convertKansuji(const UnicodeString& text, LumName style, LumName digits,
+                                        const UnicodeString& unitChars = {}, const UnicodeString& further = {});
+    /// The same for the decimal text of a number; a minus sign is copied.
+    static UnicodeString convertKansuji(int number, LumName style, LumName digits, const UnicodeString& unitChars = {},
+                                        const UnicodeString& further = {});
 
     /// The most UTF-16 units that makeABCSeq1 and makeABCNum1 write when `count` is at least 2.
     static constexpr int LETTERS_MAX = 31;
@@ -139,19 +153,6 @@ public:
 
     /// Releases what the class keeps; part of LumCommon::cleanup().
     static void cleanup();
-
-    /// Rewrites the runs of ASCII digits in a text as Japanese numerals; see Kansuji::convert for the styles.
-    /// @param style      NAME_grouping, NAME_readable; any other name: digit by digit.
-    /// @param digits     NAME_kanji, NAME_latin (full-width); any other name: a text whose first ten characters replace
-    ///                   the kanji digits 0 to 9, as far as it has them.
-    /// @param unitChars  characters that replace ten, hundred, thousand and the large units, as far as there are any.
-    /// @param further    has no influence.
-    /// Cost: O(length).
-    static UnicodeString convertKansuji(const UnicodeString& text, LumName style, LumName digits,
-                                        const UnicodeString& unitChars = {}, const UnicodeString& further = {});
-    /// The same for the decimal text of a number; a minus sign is copied.
-    static UnicodeString convertKansuji(int number, LumName style, LumName digits, const UnicodeString& unitChars = {},
-                                        const UnicodeString& further = {});
 };
 
 }  // namespace LumCommon

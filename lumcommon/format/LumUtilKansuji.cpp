@@ -1,8 +1,6 @@
 #include <lumcommon/format/Kansuji.h>
 #include <lumcommon/format/LumUtil.h>
 
-#include <string>
-
 namespace LumCommon {
 
 namespace {
@@ -31,7 +29,7 @@ UnicodeString LumUtil::convertKansuji(const UnicodeString& text, LumName style, 
 
 UnicodeString LumUtil::convertKansuji(int number, LumName style, LumName digits, const UnicodeString& unitChars,
                                       const UnicodeString& further) {
-    return convertKansuji(UnicodeString::fromUTF8(std::to_string(number)), style, digits, unitChars, further);
+    return convertKansuji(toString(number), style, digits, unitChars, further);
 }
 
 }  // namespace LumCommon

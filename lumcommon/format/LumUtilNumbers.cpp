@@ -40,7 +40,9 @@ UnicodeString LumUtil::toString(double number) {
     return text;
 }
 
-void LumUtil::toString64Sub(UnicodeString& text, unsigned long long number) { detail::appendUnsigned(text, number); }
+void LumUtil::toString64Sub(UnicodeString& text, unsigned long long number) {
+    detail::appendInteger(text, std::uint64_t{number});
+}
 
 char16_t* LumUtil::makeRoman(char16_t* buffer, int number, const char16_t* table, int largest, char16_t firstSingle) {
     return detail::writeRoman(buffer, number, {table, largest, firstSingle});

@@ -1,19 +1,20 @@
 #include <lumcommon/lang/LumLang.h>
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <string>
 
 namespace LumCommon {
 
 namespace {
 
 struct Code {
-    std::string_view bibliographic;
-    std::string_view terminology;
+    std::u16string_view bibliographic;
+    std::u16string_view terminology;
 };
 
 constexpr Code CODES[] = {
-#define LUM_CODE(bibliographic, terminology) {bibliographic, terminology},
+#define LUM_CODE(bibliographic, terminology) {u##bibliographic, u##terminology},
 #include <lumcommon/lang/BibliographicCodes.inc>
 #undef LUM_CODE
 };
@@ -21,23 +22,13 @@ constexpr Code CODES[] = {
 static_assert(std::size(CODES) == ISO639Bibliographic::COUNT);
 static_assert(std::ranges::is_sorted(CODES, {}, &Code::bibliographic));
 
-constexpr std::size_t CODE_LENGTH = 3;
-constexpr std::int32_t LONGEST_CODE = 4;  // "none"
+constexpr std::int32_t CODE_LENGTH = 3;
 
 constexpr bool isAsciiLetter(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); }
 
-const Code* findCode(std::string_view code) {
+const Code* findCode(std::u16string_view code) {
     const Code* found = std::ranges::lower_bound(CODES, code, {}, &Code::bibliographic);
     return found != std::end(CODES) && found->bibliographic == code ? found : nullptr;
-}
-
-char16_t getUnit(std::string_view text, std::size_t index) { return static_cast<unsigned char>(text[index]); }
-char16_t getUnit(const UnicodeString& text, std::size_t index) { return text[static_cast<std::int32_t>(index)]; }
-
-/// How many characters at the start of a tag may be a bibliographic code.
-template <class Text>
-std::size_t getCodeLength(const Text& tag, std::size_t length) {
-    return length > CODE_LENGTH && !isAsciiLetter(getUnit(tag, CODE_LENGTH)) ? CODE_LENGTH : length;
 }
 
 std::string toBytes(const UnicodeString& text) {
@@ -45,31 +36,24 @@ std::string toBytes(const UnicodeString& text) {
     return text.toUTF8String(bytes);
 }
 
-std::string toLocaleId(const UnicodeString& tag) { return ISO639Bibliographic::get(toBytes(tag).c_str()); }
+std::string toLocaleId(const UnicodeString& tag) { return toBytes(ISO639Bibliographic::get(tag)); }
 
 }  // namespace
 
 const ISO639Bibliographic s_ISO639Bibliographic;
 
-std::string ISO639Bibliographic::get(const char* text) {
-    const std::string_view tag(text ? text : "");
-    const std::string_view code = tag.substr(0, getCodeLength(tag, tag.size()));
-    const Code* found = findCode(code);
-    std::string result(found ? found->terminology : code);
-    result += tag.substr(code.size());
-    return result;
-}
-
 UnicodeString ISO639Bibliographic::get(const UnicodeString& tag) {
-    const auto length = static_cast<std::int32_t>(getCodeLength(tag, static_cast<std::size_t>(tag.length())));
-    const Code* found = length <= LONGEST_CODE ? findCode(toBytes(tag.tempSubString(0, length))) : nullptr;
+    const bool endsEarly = tag.length() > CODE_LENGTH && !isAsciiLetter(tag[CODE_LENGTH]);
+    const std::int32_t length = endsEarly ? CODE_LENGTH : tag.length();
+    const Code* found = findCode({tag.getBuffer(), static_cast<std::size_t>(length)});
     if (!found) return tag;
-    return UnicodeString(tag).replace(0, length, UnicodeString::fromUTF8(found->terminology));
+    const std::u16string_view code = found->terminology;
+    return UnicodeString(tag).replace(0, length, code.data(), static_cast<std::int32_t>(code.size()));
 }
 
 LumLang::LumLang(const UnicodeString& tag) : icu::Locale(toLocaleId(tag).c_str()) {}
 
-LumLang::LumLang(const char* tag) : icu::Locale(ISO639Bibliographic::get(tag).c_str()) {}
+LumLang::LumLang(const char* tag) : LumLang(UnicodeString::fromUTF8(tag ? tag : "")) {}
 
 LumLang::LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode)
     : icu::Locale(toLocaleId(languageCode).c_str(), toBytes(countryCode).c_str()) {}

@@ -6,7 +6,6 @@
 
 #include <unicode/locid.h>
 
-#include <string>
 #include <string_view>
 
 namespace LumCommon {
@@ -21,7 +20,6 @@ public:
     /// code is the whole tag, or three characters before one that is no ASCII letter; case counts. Any other tag comes
     /// back unchanged.   Cost: O(length).
     static UnicodeString get(const UnicodeString& tag);
-    static std::string get(const char* tag);
 };
 
 /// The table as an object, for callers that hold it by name; it has no state.

@@ -4,13 +4,13 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/names/LumName.h>
 
-#include <compare>
 #include <cstdint>
 
 namespace LumCommon {
 
 /// The writing system of a piece of text: an ICU script code, or one of a few values of our own for what ICU has no
-/// single code for. It comes from the "script" property, or is found from the text itself.
+/// single code for. It comes from the "script" property, or is found from the text itself. A script stands for its code
+/// wherever an integer is asked for, so scripts and codes compare with one another.
 ///
 /// Nothing here throws, but for exhausted memory. Threads: a value.
 class LUM_API LumScript {
@@ -44,7 +44,7 @@ public:
     constexpr LumScript(Code code) noexcept : code_(code) {}
     /// The script with this code, which is not checked. For the script of a character see getScript().
     constexpr explicit LumScript(int code) noexcept : code_(code) {}
-    LumScript(char16_t) = delete;
+    explicit LumScript(char16_t) = delete;
     /// A script by its ISO 15924 code ("Latn"), by "auto" (also the empty text) or "none", by a language tag ("zh-TW";
     /// "zh" is Simplified Han unless it is of TW or HK), or by a name that ICU knows ("Old Italic"). UNKNOWN for
     /// anything else. Our own codes and keywords are matched exactly, tags and ICU's names in any case.
@@ -55,6 +55,7 @@ public:
     explicit LumScript(LumNameEnum name) : LumScript(LumName(name)) {}
 
     constexpr std::int32_t getCode() const noexcept { return code_; }
+    constexpr operator std::int32_t() const noexcept { return code_; }
 
     /// The ISO 15924 name; KOREAN is "Hang" and INHERITED "Qaai". The null name for AUTO, NONE, UNKNOWN and what is no
     /// code.   Cost: names outside the built-in vocabulary are interned at each call.
@@ -72,10 +73,6 @@ public:
     /// The script of the first character that has one, which is neither COMMON nor UNKNOWN; INHERITED counts as one.
     /// COMMON when there is none.   Cost: O(length).
     static LumScript getScriptFromText(const UnicodeString& text) noexcept;
-
-    friend constexpr bool operator==(LumScript, LumScript) noexcept = default;
-    /// The order of codes.
-    friend constexpr auto operator<=>(LumScript, LumScript) noexcept = default;
 
 private:
     std::int32_t code_ = UNKNOWN;

@@ -11,36 +11,28 @@ namespace {
 using namespace LumCommon;
 using LumTest::utf8;
 
-UnicodeString text(const std::string& bytes) { return UnicodeString::fromUTF8(bytes); }
-
+// ICU judges the table: it must know what every code becomes.
 TEST(LumLang, bibliographicCodesBecomeWhatIcuKnows) {
-    struct Case {
-        const char* code;
-        const char* language;  // ISO 639-1
-    };
-    constexpr Case cases[] = {
+    const std::map<std::string, const char*> languages = {
         {"alb", "sq"}, {"arm", "hy"}, {"baq", "eu"}, {"bur", "my"}, {"chi", "zh"}, {"scr", "hr"},
         {"cze", "cs"}, {"dut", "nl"}, {"fre", "fr"}, {"geo", "ka"}, {"ger", "de"}, {"gre", "el"},
         {"ice", "is"}, {"jav", "jw"}, {"mac", "mk"}, {"may", "ms"}, {"mao", "mi"}, {"per", "fa"},
         {"rum", "ro"}, {"scc", "sr"}, {"slo", "sk"}, {"tib", "bo"}, {"wel", "cy"}, {"none", ""},
     };
-    static_assert(std::size(cases) == ISO639Bibliographic::COUNT);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.code);
-        EXPECT_NE(ISO639Bibliographic::get(c.code), c.code);
-        EXPECT_STREQ(LumLang(c.code).getLanguage(), c.language);
-        EXPECT_STREQ(LumLang(text(c.code)).getLanguage(), c.language);
-        EXPECT_STREQ(LumLang(LumName(text(c.code))).getLanguage(), c.language);
+    ASSERT_EQ(languages.size(), std::size_t{ISO639Bibliographic::COUNT});
+    for (const auto& [code, language] : languages) {
+        EXPECT_NE(utf8(ISO639Bibliographic::get(code.c_str())), code);
+        EXPECT_STREQ(LumLang(code.c_str()).getLanguage(), language) << code;
     }
 }
 
 TEST(LumLang, onlyACodeAtTheStartIsRewritten) {
     struct Case {
         const char* fault;
-        std::string tag;
-        std::string result;
+        const char* tag;
+        const char* result;
     };
-    const Case cases[] = {
+    constexpr Case cases[] = {
         {"rest lost", "fre-FR", "fra-FR"},
         {"underscore does not end a code", "fre_CA", "fra_CA"},
         {"letter behind Z taken for one", "fre[", "fra["},
@@ -49,16 +41,11 @@ TEST(LumLang, onlyACodeAtTheStartIsRewritten) {
         {"letter beyond ASCII taken for one", "fre\u00E9", "fra\u00E9"},
         {"case ignored", "FRE", "FRE"},
         {"none with a country", "none-DE", "none-DE"},
-        {"other tag changed", "zh-TW", "zh-TW"},
         {"code inside a tag", "de-ger", "de-ger"},
-        {"empty", "", ""},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.fault);
-        EXPECT_EQ(ISO639Bibliographic::get(c.tag.c_str()), c.result);
-        EXPECT_EQ(utf8(s_ISO639Bibliographic.get(text(c.tag))), c.result);
+        EXPECT_EQ(utf8(s_ISO639Bibliographic.get(UnicodeString::fromUTF8(c.tag))), c.result) << c.fault;
     }
-    EXPECT_EQ(ISO639Bibliographic::get(nullptr), "");
 }
 
 TEST(LumLang, isTheLocaleOfItsTag) {
@@ -67,26 +54,25 @@ TEST(LumLang, isTheLocaleOfItsTag) {
         LumLang lang;
         const char* locale;
     };
+    const icu::Locale before = icu::Locale::getDefault();
+    UErrorCode error = U_ZERO_ERROR;
+    icu::Locale::setDefault(icu::Locale("tr_TR"), error);
     const Case cases[] = {
         {"process default taken", LumLang(), ""},
+        {"process default taken for an empty tag", LumLang(u""), ""},
         {"null", LumLang(static_cast<const char*>(nullptr)), ""},
         {"null name", LumLang(LumName()), ""},
         {"none", LumLang(NAME_none), ""},
         {"built-in name", LumLang(NAME_zho_TWN), "zh_TW"},
         {"bibliographic code with a country", LumLang(u"ger-DE"), "deu_DE"},
         {"language and country", LumLang(u"fre", u"CA"), "fra_CA"},
-        {"no country", LumLang(u"ger", u""), "deu"},
         {"country without language", LumLang(u"none", u"DE"), "_DE"},
     };
-    const icu::Locale before = icu::Locale::getDefault();
-    UErrorCode error = U_ZERO_ERROR;
-    icu::Locale::setDefault(icu::Locale("tr_TR"), error);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fault);
         EXPECT_TRUE(c.lang == icu::Locale(c.locale)) << c.lang.getName();
         EXPECT_EQ(c.lang.isEmpty(), *c.locale == '\0' || *c.locale == '_');
     }
-    EXPECT_STREQ(LumLang(u"").getName(), "");
     icu::Locale::setDefault(before, error);
 }
 
@@ -95,7 +81,6 @@ TEST(LumLang, isOrderedByLanguageAlone) {
     EXPECT_EQ(alphabets.count(LumLang("sv-SE")), 1u);
     EXPECT_EQ(alphabets.count(LumLang("chi-TW")), 1u);
     EXPECT_EQ(alphabets.count(LumLang("s")), 0u);
-    EXPECT_EQ(alphabets.count(LumLang()), 0u);
     EXPECT_FALSE(LumLang("sv-SE") == LumLang("sv")) << "equality is the locale's";
 }
 

@@ -54,11 +54,9 @@ bool appendRun(UnicodeString& text, int number, std::string_view) {
 /// Latin letters, or whatever letters the language has.
 template <LetterCase letterCase>
 bool appendLetters(UnicodeString& text, int number, std::string_view language) {
-    if (!language.empty()) {
-        const Letters alphabet = findAlphabet(language, letterCase);
-        if (!alphabet.empty()) return appendInAlphabet(text, number, alphabet);
-    }
-    return appendRun < letterCase == LetterCase::UPPER ? u'A' : u'a' > (text, number, language);
+    constexpr char16_t first = letterCase == LetterCase::UPPER ? u'A' : u'a';
+    const Letters alphabet = findAlphabet(language, letterCase);
+    return alphabet.empty() ? appendRun<first>(text, number, language) : appendInAlphabet(text, number, alphabet);
 }
 
 /// Letters of the language if that is written in the script, else those of the script's own alphabet.

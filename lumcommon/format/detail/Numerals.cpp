@@ -67,14 +67,6 @@ char16_t* writeDecimal(char16_t* out, int number) noexcept {
     return std::copy(static_cast<const char*>(digits), end, out);
 }
 
-void appendUnsigned(UnicodeString& text, std::uint64_t number) {
-    char digits[20];
-    char16_t units[20];
-    const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
-    std::copy(static_cast<const char*>(digits), end, units);
-    text.append(units, static_cast<std::int32_t>(end - digits));
-}
-
 void appendHebrew(UnicodeString& text, int number, int level) {
     if (number < 1) return;
     level = std::clamp(level, 0, highestHebrewLevel);

@@ -44,7 +44,4 @@ bool appendHebrewNumber(UnicodeString& text, int number);
 /// What LumUtil::makeGrouping does.
 UnicodeString groupDigits(const UnicodeString& digits, const UnicodeString& separator, int size);
 
-/// Appends a number in decimal without sign.
-void appendUnsigned(UnicodeString& text, std::uint64_t number);
-
 }  // namespace LumCommon::detail

@@ -21,6 +21,11 @@ void appendInteger(UnicodeString& text, std::int32_t number) {
     appendAscii(text, digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }
 
+void appendInteger(UnicodeString& text, std::uint64_t number) {
+    char digits[24];
+    appendAscii(text, digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
 void appendReal(UnicodeString& text, double number) {
     // The longest form is sign, six digits, point and a four-character exponent such as "e-308".
     char digits[32];
