@@ -2,9 +2,6 @@
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/core/LumRCObject.h>
 
-#include <thread>
-#include <vector>
-
 namespace {
 
 using namespace LumCommon;
@@ -117,23 +114,6 @@ TEST_F(LumPtrTest, downCastAsksTheObject) {
     LumPtr<Nameless> nameless(new Nameless);
     nameless = static_cast<LumObjectBase*>(nameless.get());
     EXPECT_FALSE(nameless.isNull()) << "the object held already is asked again, and denies its class";
-}
-
-TEST_F(LumPtrTest, threadsCopyAndReleaseOneObject) {
-    LumPtr<Base> shared(new Base);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([mine = shared] {
-            for (int i = 0; i < 20000; ++i) {
-                const LumPtr<Base> copy(mine);
-                LumPtr<Base> other;
-                other = copy;
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    threads.clear();
-    EXPECT_EQ(shared->getRefCount(), 1);
 }
 
 }  // namespace
