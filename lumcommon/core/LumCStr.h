@@ -13,7 +13,8 @@ namespace LumCommon {
 /// Threads: one at a time; getMBString changes the cache.
 class LUM_API LumCStr : public UnicodeString {
 public:
-    explicit LumCStr(const UnicodeString& text);
+    LumCStr(const UnicodeString& text);
+    using UnicodeString::operator=;  // a text can be assigned as to any string; the narrow copy notices
 
     /// The text in `codepage` (an ICU converter name; null: the platform's default converter).
     /// Characters that the codepage lacks become the converter's substitution character.

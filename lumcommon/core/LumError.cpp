@@ -57,10 +57,12 @@ UnicodeString fillMarkers(std::u16string_view pattern, const UnicodeString& arg1
     }
 }
 
-[[noreturn]] void throwWithText(std::uint16_t code, LumCommonErrorSource source, std::u16string_view textOfUnknownCode,
-                                const UnicodeString& arg1, const UnicodeString& arg2) {
+/// @param family  the high byte of the codes that the caller may raise: a code of the other family has no text there.
+[[noreturn]] void throwWithText(std::uint16_t code, unsigned family, LumCommonErrorSource source,
+                                std::u16string_view textOfUnknownCode, const UnicodeString& arg1,
+                                const UnicodeString& arg2) {
     const auto* const row = std::ranges::lower_bound(errorRows, code, {}, &ErrorRow::code);
-    const bool isKnown = row != std::end(errorRows) && row->code == code;
+    const bool isKnown = row != std::end(errorRows) && row->code == code && code >> 8 == family;
     throw LumError(code, fillMarkers(isKnown ? row->text : textOfUnknownCode, arg1, arg2), getCommonErrorSource(source),
                    -1, -1, UnicodeString());
 }
@@ -137,11 +139,11 @@ UnicodeString getCommonErrorSource(LumCommonErrorSource source) {
 
 void throwCommonError(LumErrorCodeLumLIB code, LumCommonErrorSource source, const UnicodeString& arg1,
                       const UnicodeString& arg2) {
-    throwWithText(static_cast<std::uint16_t>(code), source, u"SYSTEM ERROR: LumErrorCodeLumLIB", arg1, arg2);
+    throwWithText(static_cast<std::uint16_t>(code), 0x08, source, u"SYSTEM ERROR: LumErrorCodeLumLIB", arg1, arg2);
 }
 
 void throwCommonError(LumErrorCodeIO code, LumCommonErrorSource source, const UnicodeString& arg) {
-    throwWithText(static_cast<std::uint16_t>(code), source, u"LumErrorCodeIO", arg, UnicodeString());
+    throwWithText(static_cast<std::uint16_t>(code), 0x10, source, u"LumErrorCodeIO", arg, UnicodeString());
 }
 
 }  // namespace LumCommon

@@ -48,11 +48,12 @@ public:
         }
         return *this;
     }
-    /// Checked down-cast: null unless the object's isA() accepts T's type identifier.
+    /// Checked down-cast: null unless the object's isA() accepts T's type identifier or it is the object already held.
     template <class U, class = std::enable_if_t<std::is_base_of_v<LumObjectBase, U> && !std::is_convertible_v<U*, T*>>>
     LumPtr& operator=(U* object) noexcept {
-        return *this =
-                   (object && object->isA(T::TYPE_ID)) ? static_cast<T*>(static_cast<LumObjectBase*>(object)) : nullptr;
+        LumObjectBase* const base = object;
+        if (base == static_cast<const LumObjectBase*>(object_)) return *this;
+        return *this = base && base->isA(T::TYPE_ID) ? static_cast<T*>(base) : nullptr;
     }
 
     T* get() const noexcept { return object_; }

@@ -9,6 +9,8 @@ namespace LumCommon {
 
 bool LumAttr::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNode::isA(typeId); }
 
+UnicodeString LumAttr::getTypeName() const { return u"LumAttr"; }
+
 int LumAttr::getNodeType() const { return ATTRIBUTE_NODE; }
 
 UnicodeString LumAttr::getText() const { return getValue().toString(); }

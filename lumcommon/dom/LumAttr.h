@@ -11,7 +11,9 @@ class LUM_API LumAttr : public LumNode {
 public:
     static constexpr unsigned int TYPE_ID = 0xC5B6A2E2u;
 
+    unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
     int getNodeType() const override;
     UnicodeString getText() const override;
     void setText(const UnicodeString& text) override;
@@ -32,7 +34,6 @@ public:
 
     Attr(LumDocument* ownerDocument, LumName localName);
 
-    unsigned int getTypeID() const override { return TYPE_ID; }
     UnicodeString getTypeName() const override;
     LumName getNodeName() const override;
     LumName getLocalName() const override;

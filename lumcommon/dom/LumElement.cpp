@@ -19,6 +19,8 @@ LumElement::~LumElement() {
 
 bool LumElement::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNode::isA(typeId); }
 
+UnicodeString LumElement::getTypeName() const { return u"LumElement"; }
+
 int LumElement::getNodeType() const { return ELEMENT_NODE; }
 
 bool LumElement::isElementNode() const { return true; }

@@ -15,7 +15,9 @@ public:
     static constexpr unsigned int TYPE_ID = 0xD31942AAu;
 
     ~LumElement() override;
+    unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
     int getNodeType() const override;
     bool isElementNode() const override;
     /// Never null. Borrowed.

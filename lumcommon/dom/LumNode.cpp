@@ -10,6 +10,8 @@ LumNode::~LumNode() { releaseChildren(); }
 
 bool LumNode::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
 
+UnicodeString LumNode::getTypeName() const { return u"LumNode"; }
+
 // Names and values
 
 LumName LumNode::getNodeName() const {

@@ -50,7 +50,10 @@ public:
     };
 
     ~LumNode() override;
+    /// A derived class without an identifier and a name of its own answers with those of the class above.
+    unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
 
     /// "prefix:local" interned, or the local name.
     virtual LumName getNodeName() const;

@@ -29,7 +29,9 @@ private:
 /// it.
 class LUM_API LumNodeIterable : public LumRCObject {
 public:
-    // no TYPE_ID: isA() passes over this class
+    /// None: isA() passes over this class, so that a checked assignment to a LumPtr<LumNodeIterable> gives null.
+    static constexpr unsigned int TYPE_ID = 0;
+
     virtual LumNodeIterator getIterator() const;
     virtual LumNode* getFirstNode() const = 0;
     virtual LumNode* getLastNode() const = 0;

@@ -25,6 +25,7 @@ public:
     constexpr MathMLName(MathMLNameEnum id) noexcept : id_(id) {}
     /// The vocabulary's entry for the name's string, 0 when there is none.   Cost: one hash and compare.
     explicit MathMLName(LumName name);
+    explicit MathMLName(LumNameEnum name) : MathMLName(LumName(name)) {}
     /// The same for the value's string form.
     explicit MathMLName(const LumValue& value);
 

@@ -25,6 +25,7 @@ public:
     constexpr SVGName(SVGNameEnum id) noexcept : id_(id) {}
     /// The vocabulary's entry for the name's string, 0 when there is none.   Cost: one hash and compare.
     explicit SVGName(LumName name);
+    explicit SVGName(LumNameEnum name) : SVGName(LumName(name)) {}
     /// The same for the value's string form.
     explicit SVGName(const LumValue& value);
 

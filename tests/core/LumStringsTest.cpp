@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <lumcommon/core/LumCStr.h>
 #include <lumcommon/core/LumMessage.h>
-#include <lumcommon/core/LumStrings.h>
 #include <lumcommon/core/LumUUID.h>
 #include <support/Utf8.h>
 
@@ -12,12 +11,6 @@ namespace {
 
 using namespace LumCommon;
 using LumTest::utf8;
-
-TEST(LumStrings, emptyAndBogusDiffer) {
-    EXPECT_TRUE(LumEmptyString::EMPTY_VALUE.isEmpty());
-    EXPECT_FALSE(LumEmptyString::EMPTY_VALUE.isBogus());
-    EXPECT_TRUE(LumBogusString::BOGUS_VALUE.isBogus());
-}
 
 TEST(LumUUID, printsItsBytesInOrder) {
     std::array<std::uint8_t, 16> bytes;
@@ -64,6 +57,8 @@ TEST(LumCStr, keepsTheCopyUntilTextOrCodepageChange) {
     EXPECT_EQ(text.getMBString("ISO-8859-1"), "\xE9") << "the codepage is not part of the cache's key";
     text.append(u'x');
     EXPECT_EQ(text.getMBString("ISO-8859-1"), "\xE9x") << "a change of the text went unseen";
+    text = u"new";
+    EXPECT_EQ(text.getMBString("ISO-8859-1"), "new") << "an assigned text keeps the old copy";
     LumCStr ascii{UnicodeString(u"abc")};
     EXPECT_EQ(ascii.getMBString("UTF-16BE").size(), 6u);
     EXPECT_EQ(ascii.getMBString(), "abc") << "the platform default is taken for the last codepage";

@@ -61,8 +61,6 @@ TEST_F(LumDocumentSaveTest, filesAreCompleteWhenSaveReturns) {
     std::ifstream in(path);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "<?xml version=\"1.0\"?><r/>");
     std::filesystem::remove(path);
-    expectError(0x1003, "Cannot open file: /no/such/folder/x", "LumCommon::XmlSerializerImpl::setOutput",
-                [&] { document->save(UnicodeString(u"/no/such/folder/x")); });
 }
 
 TEST_F(LumDocumentSaveTest, aFailedOutputHarmsOnlyItsOwnSaving) {
@@ -152,22 +150,11 @@ TEST_F(LumDocumentSaveTest, textsKeepEvenHalfASurrogatePair) {
     EXPECT_TRUE(document->saveXml(element.get()) == expected);
 }
 
-TEST_F(LumDocumentSaveTest, savingInPiecesGivesTheWhole) {
-    document->loadXml(u"<r xmlns='u:d' a='1'><x>1</x>t<y/></r>");
-    std::ostringstream out;
-    document->saveDocumentElement(out);
-    for (LumNode* child = document->getDocumentElement()->getFirstChild(); child; child = child->getNextSibling()) {
-        document->saveChildElement(child);
-    }
-    document->closeDocumentElement();
-    EXPECT_EQ(out.str(), "<?xml version=\"1.0\"?><r a=\"1\" xmlns=\"u:d\"><x>1</x>t<y/></r>");
-}
-
 TEST(LumDocumentStreaming, aDocumentOfAnyLengthPassesThroughFewNodes) {
     constexpr int childCount = 20000;
     int next = -1;
     GeneratedBuffer generated([&next]() -> std::string {
-        if (next++ < 0) return "<r>\n";
+        if (next++ < 0) return "<r xmlns='u:d' a='1'>\n";
         if (next > childCount + 1) return "";
         return next > childCount ? "</r>" : "<c n='" + std::to_string(next) + "'><d>text</d><e/></c>\n";
     });
@@ -193,7 +180,7 @@ TEST(LumDocumentStreaming, aDocumentOfAnyLengthPassesThroughFewNodes) {
     }
     EXPECT_EQ(counter.live, 0);
     EXPECT_LT(counter.most, 10);
-    std::string expected = "<?xml version=\"1.0\"?><r>\n";
+    std::string expected = "<?xml version=\"1.0\"?><r a=\"1\" xmlns=\"u:d\">\n";
     for (int i = 1; i <= childCount; ++i) expected += "<c n=\"" + std::to_string(i) + "\"><d>text</d><e/></c>\n";
     EXPECT_TRUE(out.str() == expected + "</r>");
 }

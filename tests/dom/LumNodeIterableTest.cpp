@@ -73,6 +73,15 @@ TEST(LumNodeList, listsWalkBothWaysAndIndex) {
     }
 }
 
+TEST(LumNodeList, theirCommonClassHasNoIdentifier) {
+    const LumPtr<LumDocument> document(new LumDocument);
+    const LumPtr<LumNodeList> list = document->getChildNodes();
+    LumPtr<LumNodeIterable> nodes(list);
+    EXPECT_FALSE(list->isA(LumNodeIterable::TYPE_ID));
+    nodes = static_cast<LumObjectBase*>(document.get());
+    EXPECT_TRUE(nodes.isNull()) << "any counted object is taken for a collection";
+}
+
 TEST(LumNodeIterator, startsBehindTheGivenNode) {
     const LumPtr<LumDocument> document = load(sample);
     const LumElement* const root = document->getDocumentElement();
