@@ -47,20 +47,6 @@ TEST(LumMemStreamBuf, readsASourceOnlyWhenItsBytesAreNeeded) {
     EXPECT_EQ(contentOf(buffer), "0123456789abc");
 }
 
-TEST(LumMemStreamBuf, aReaderAtTheEndSeesWhatComesLater) {
-    LumMemStream stream(nullptr, 8);
-    stream << "abc";
-    char got[3];
-    stream.read(got, 3);
-    EXPECT_EQ(stream.rdbuf()->sgetc(), EOF);
-    stream << "d";
-    EXPECT_EQ(stream.rdbuf()->sbumpc(), 'd') << "the end is that of the first read";
-    PieceStream source("e");
-    stream.rdbuf()->setSource(&source, false);
-    EXPECT_EQ(stream.rdbuf()->getRemains(), 1u) << "the last block is filled at once";
-    EXPECT_EQ(stream.rdbuf()->sbumpc(), 'e');
-}
-
 TEST(LumMemStreamBuf, ungetFailsAtTheStartOfABlock) {
     LumMemStreamBuf buffer(nullptr, 4, false);
     buffer.sputn("abcdef", 6);
