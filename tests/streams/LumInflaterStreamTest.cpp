@@ -71,17 +71,4 @@ TEST(LumInflaterStream, startsAgain) {
     }
 }
 
-TEST(LumInflaterStream, putsBackTenBytesOverARefillAndAtTheEnd) {
-    const std::string bytes = compressible(5000);
-    const std::string data = deflated(bytes, Wrapper::RAW);
-    for (const std::size_t place : {std::size_t{4097}, bytes.size()}) {
-        SCOPED_TRACE(place);
-        LumInflaterStreamBuf buffer(data.data(), data.size(), false);
-        for (std::size_t i = 0; i < place; ++i) buffer.sbumpc();
-        buffer.sgetc();
-        for (std::size_t i = 1; i <= 10; ++i) ASSERT_EQ(buffer.sungetc(), static_cast<unsigned char>(bytes[place - i]));
-        EXPECT_EQ(readAll(buffer), bytes.substr(place - 10));
-    }
-}
-
 }  // namespace
