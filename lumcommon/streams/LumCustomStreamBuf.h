@@ -39,7 +39,7 @@ public:
     /// Hands over the bytes that wait. Returns their number, or -1 when not all were taken; they then go on waiting.
     int flushBuffer();
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type underflow() override;
     int_type overflow(int_type c = traits_type::eof()) override;
     /// What std::ostream::flush() reaches: flushBuffer(), 0 or -1.

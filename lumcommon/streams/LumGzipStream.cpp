@@ -201,11 +201,13 @@ LumGzipStreamBuf::int_type LumGzipStreamBuf::underflow() {
     return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
-LumGzipStream::LumGzipStream(const char* path) : std::istream(nullptr), buffer_(path) { rdbuf(&buffer_); }
+LumGzipStream::LumGzipStream(const char* path) : LumGzipStream(new LumGzipStreamBuf(path)) {}
 
-LumGzipStream::LumGzipStream(const UnicodeString& path) : std::istream(nullptr), buffer_(path) { rdbuf(&buffer_); }
+LumGzipStream::LumGzipStream(const UnicodeString& path) : LumGzipStream(new LumGzipStreamBuf(path)) {}
 
-LumGzipStream::LumGzipStream(std::istream& s) : std::istream(nullptr), buffer_(s) { rdbuf(&buffer_); }
+LumGzipStream::LumGzipStream(std::istream& s) : LumGzipStream(new LumGzipStreamBuf(s)) {}
+
+LumGzipStream::LumGzipStream(LumGzipStreamBuf* buffer) : std::istream(buffer), buffer_(buffer) {}
 
 LumGzipStream::~LumGzipStream() = default;
 
@@ -231,8 +233,8 @@ void LumGzipOStreamBuf::initZStream() {
     setp(buffer_.get(), buffer_.get() + detail::refillBytes);
 }
 
-/// Compresses what waits in the put area, which is empty afterwards. 0, or -1 when the member has failed.
 int LumGzipOStreamBuf::encodeBuffer(int flush) {
+    if (!deflater_) return -1;
     const std::span<const char> waiting(pbase(), pptr());
     bool isDone = false;
     try {
@@ -252,7 +254,7 @@ int LumGzipOStreamBuf::encodeBuffer(int flush) {
 }
 
 LumGzipOStreamBuf::int_type LumGzipOStreamBuf::overflow(int_type c) {
-    if (!deflater_ || encodeBuffer(Z_NO_FLUSH) != 0) return traits_type::eof();
+    if (encodeBuffer(Z_NO_FLUSH) != 0) return traits_type::eof();
     if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
     *pptr() = traits_type::to_char_type(c);
     pbump(1);

@@ -50,7 +50,7 @@ public:
     /// otherwise, and `s` stands where it stood, unless it can neither seek nor put back.
     static bool checkHeader(std::istream& s);
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type underflow() override;
 
 private:
@@ -68,12 +68,14 @@ public:
     explicit LumGzipStream(const char* path);
     explicit LumGzipStream(const UnicodeString& path);
     explicit LumGzipStream(std::istream& s);
+    /// Takes over a buffer, which is deleted with the stream. Null reads like a file that could not be opened.
+    explicit LumGzipStream(LumGzipStreamBuf* buffer);
     ~LumGzipStream() override;
 
-    bool is_open() const noexcept { return buffer_.is_open(); }
+    bool is_open() const noexcept { return buffer_ && buffer_->is_open(); }
 
 private:
-    LumGzipStreamBuf buffer_;
+    std::unique_ptr<LumGzipStreamBuf> buffer_;
 };
 
 /// Writes gzip data (RFC 1952, one member, best compression).
@@ -95,14 +97,16 @@ public:
     /// True while bytes can be written: the target is open and the member is not complete.
     bool is_open() const noexcept;
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type overflow(int_type c = traits_type::eof()) override;
     /// Completes the member; 0 when all of it was written, also when that was done before, else -1.
     int sync() override;
+    /// Compresses what waits in the put area. With Z_FINISH of zlib the member is completed as by sync(), with
+    /// Z_NO_FLUSH it goes on. 0, or -1 when the member has failed or was complete before.
+    int encodeBuffer(int flush);
 
 private:
     void initZStream();
-    int encodeBuffer(int flush);
 
     std::unique_ptr<detail::GzipDeflater> deflater_;  // null once the member is complete or has failed
     std::unique_ptr<char[]> buffer_;

@@ -36,15 +36,15 @@ LumInflaterStreamBuf::int_type LumInflaterStreamBuf::underflow() {
 }
 
 LumInflaterStream::LumInflaterStream(const char* data, std::size_t size, bool copy)
-    : std::istream(nullptr), buffer_(data, size, copy) {
-    rdbuf(&buffer_);
-}
+    : LumInflaterStream(new LumInflaterStreamBuf(data, size, copy)) {}
+
+LumInflaterStream::LumInflaterStream(LumInflaterStreamBuf* buffer) : std::istream(buffer), buffer_(buffer) {}
 
 LumInflaterStream::~LumInflaterStream() = default;
 
 void LumInflaterStream::reset() {
     clear();
-    buffer_.reset();
+    buffer_->reset();
 }
 
 }  // namespace LumCommon

@@ -32,7 +32,7 @@ public:
     /// Starts again from the first byte.
     void reset();
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type underflow() override;
 
 private:
@@ -48,13 +48,15 @@ class LUM_API LumInflaterStream : public std::istream {
 public:
     /// The arguments are those of the buffer.
     LumInflaterStream(const char* data, std::size_t size, bool copy);
+    /// Takes over a buffer (not null), which is deleted with the stream.
+    explicit LumInflaterStream(LumInflaterStreamBuf* buffer);
     ~LumInflaterStream() override;
 
     /// Starts again from the first byte, with a state that is good.
     void reset();
 
 private:
-    LumInflaterStreamBuf buffer_;
+    std::unique_ptr<LumInflaterStreamBuf> buffer_;
 };
 
 }  // namespace LumCommon

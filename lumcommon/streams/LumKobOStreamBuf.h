@@ -63,7 +63,7 @@ public:
     /// the limit are read and counted.
     void writeRawStream(std::istream& in);
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type overflow(int_type c = traits_type::eof()) override;
     /// -1 when the buffer is closed or the destination fails; what could not be written is dropped.
     int sync() override;

@@ -1,5 +1,6 @@
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 
 #include <algorithm>
 #include <cstring>
@@ -78,10 +79,7 @@ LumKobStreamBuf::int_type LumKobStreamBuf::underflow() {
     if (!input_) return traits_type::eof();
     // What was delivered last stays in front of what comes, and stays there when nothing comes.
     char* const start = output_.get();
-    const std::size_t kept =
-        gptr() ? std::min<std::size_t>(PUT_BACK_BYTES, static_cast<std::size_t>(gptr() - eback())) : 0;
-    if (kept > 0) std::memmove(start, gptr() - kept, kept);
-    char* const room = start + kept;
+    char* const room = start + detail::keepPutback(start, eback(), gptr(), PUT_BACK_BYTES);
     setg(start, room, room);
     if (!convert(room, BLOCK_BYTES)) {
         term();

@@ -38,7 +38,7 @@ public:
     /// result is static text, or `encoding` itself when there is no other name.
     static const char* getLibraryName(const char* encoding) noexcept;
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type underflow() override;
 
 private:

@@ -97,7 +97,7 @@ public:
     /// filled up with zeros. The block size must be a multiple of 4. Cost: reads every source to its end.
     std::uint32_t calcOTFTableChecksum();
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type underflow() override;
     int_type overflow(int_type c = traits_type::eof()) override;
     std::streamsize xsputn(const char* s, std::streamsize n) override;

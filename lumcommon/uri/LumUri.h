@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/Text.h>
+#include <lumcommon/streams/LumGzipStream.h>
 
 #include <iosfwd>
 
@@ -109,10 +110,10 @@ public:
     static bool isGzip(std::istream& s);
     /// The local path as a LumGzipStream, which passes through what is not gzip data. Null when it cannot be opened.
     /// Ownership: the caller deletes the stream.
-    [[nodiscard]] std::istream* getGzipStream() const;
+    [[nodiscard]] LumGzipStream* getGzipStream() const;
     /// The stream, sought to 0, seen through a LumGzipStream, which the caller deletes.
     /// @param s  must outlive the result.
-    [[nodiscard]] static std::istream* getGzipStream(std::istream& s);
+    [[nodiscard]] static LumGzipStream* getGzipStream(std::istream& s);
     /// A new file for writing, in binary, at a local path or file: URI; null on failure. End it with releaseOStream().
     [[nodiscard]] static std::ostream* createOStream(const UnicodeString& path);
     /// Closes and deletes a stream made by createOStream; null is allowed. False when not all could be written.

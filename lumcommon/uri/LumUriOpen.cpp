@@ -1,7 +1,6 @@
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/core/detail/TextView.h>
-#include <lumcommon/streams/LumGzipStream.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriStream.h>
@@ -182,7 +181,7 @@ bool LumUri::isGzip(std::istream& s) {
     }
 }
 
-std::istream* LumUri::getGzipStream() const {
+LumGzipStream* LumUri::getGzipStream() const {
     try {
         auto stream = std::make_unique<LumGzipStream>(getLocalPath());
         return stream->is_open() ? stream.release() : nullptr;
@@ -191,7 +190,7 @@ std::istream* LumUri::getGzipStream() const {
     }
 }
 
-std::istream* LumUri::getGzipStream(std::istream& s) {
+LumGzipStream* LumUri::getGzipStream(std::istream& s) {
     try {
         s.seekg(0);
         return new LumGzipStream(s);

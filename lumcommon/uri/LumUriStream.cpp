@@ -1,6 +1,7 @@
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUriStream.h>
 #include <lumcommon/uri/detail/HttpHead.h>
 #include <lumcommon/uri/detail/TcpSocket.h>
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <string>
 
@@ -206,9 +206,7 @@ LumUriStreamBuf::int_type LumUriStreamBuf::underflow() {
 /// Fills the get area with what comes next. False, and the get area stands at its end, when nothing does.
 bool LumUriStreamBuf::receiveMore(const Deadline& deadline) {
     if (isEnded_) return false;
-    const std::size_t kept = std::min(putBackBytes, static_cast<std::size_t>(gptr() - eback()));
-    char* const fresh = buffer_.get() + kept;
-    if (kept) std::memmove(buffer_.get(), gptr() - kept, kept);
+    char* const fresh = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr(), putBackBytes);
     const std::size_t received = detail::receiveTcp(socket_, {fresh, readBytes}, deadline);
     setg(buffer_.get(), fresh, fresh + received);
     isEnded_ = received == 0;

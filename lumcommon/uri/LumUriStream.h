@@ -63,7 +63,7 @@ public:
     /// Sets it and returns the value before. A value that is not positive stands for the default.
     static int setTimeout(int milliseconds) noexcept;
 
-protected:
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
     int_type underflow() override;
 
 private:

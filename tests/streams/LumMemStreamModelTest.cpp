@@ -280,8 +280,6 @@ constexpr ModelCase modelCases[] = {
     {"the smallest block: its put area is empty from the start", 1, true, 4, 2000},
     {"block ends met in every operation", 4, true, 6, 3000},
     {"reuse of blocks under areas that are still in use", 4, false, 6, 3000},
-    {"blocks longer than most operations", 16, true, 6, 3000},
-    {"the same with reuse", 16, false, 6, 3000},
     {"the size that the library uses", 8192, true, 2, 1000},
     {"the same with reuse", 8192, false, 2, 1000},
 };

@@ -26,29 +26,27 @@ TEST(LumStrStream, copiesOnlyWhenAsked) {
     }
 }
 
-struct SeekCase {
-    const char* fault;
-    std::streamoff off;
-    std::ios_base::seekdir dir;
-    std::ios_base::openmode mode;
-    std::streamoff result;
-};
-constexpr auto most = std::numeric_limits<std::streamoff>::max();
-constexpr auto least = std::numeric_limits<std::streamoff>::min();
-const SeekCase seekCases[] = {
-    // from position 2 of 5
-    {"the end is out of reach", 5, std::ios_base::beg, std::ios_base::in, 5},
-    {"goes behind the end", 6, std::ios_base::beg, std::ios_base::in, -1},
-    {"goes before the start", -3, std::ios_base::cur, std::ios_base::in, -1},
-    {"loses the start", -2, std::ios_base::cur, std::ios_base::in, 0},
-    {"counts from the wrong end", -1, std::ios_base::end, std::ios_base::in, 4},
-    {"adds before it compares", most, std::ios_base::cur, std::ios_base::in, -1},
-    {"negates before it compares", least, std::ios_base::end, std::ios_base::in, -1},
-    {"moves for writing", 0, std::ios_base::beg, std::ios_base::out, -1},
-};
-
 TEST(LumStrStream, seeksInsideItsBytes) {
-    for (const SeekCase& c : seekCases) {
+    struct Case {
+        const char* fault;
+        std::streamoff off;
+        std::ios_base::seekdir dir;
+        std::ios_base::openmode mode;
+        std::streamoff result;
+    };
+    constexpr auto most = std::numeric_limits<std::streamoff>::max();
+    constexpr auto least = std::numeric_limits<std::streamoff>::min();
+    const Case cases[] = {
+        // from position 2 of 5
+        {"the end is out of reach", 5, std::ios_base::beg, std::ios_base::in, 5},
+        {"goes behind the end", 6, std::ios_base::beg, std::ios_base::in, -1},
+        {"goes before the start", -3, std::ios_base::cur, std::ios_base::in, -1},
+        {"counts from the wrong end", -1, std::ios_base::end, std::ios_base::in, 4},
+        {"adds before it compares", most, std::ios_base::cur, std::ios_base::in, -1},
+        {"negates before it compares", least, std::ios_base::end, std::ios_base::in, -1},
+        {"moves for writing", 0, std::ios_base::beg, std::ios_base::out, -1},
+    };
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.fault);
         LumStrStream::StrStreamBuf buffer("abcde", 5, false);
         buffer.pubseekpos(2, std::ios_base::in);
@@ -66,8 +64,7 @@ TEST(LumStrStream, isEmptyWithoutBytes) {
 }
 
 TEST(LumStrStream, neverWritesToBorrowedBytes) {
-    static const char bytes[] = "abc";  // read-only memory: a store ends the program
-    LumStrStream stream(bytes, 3, false);
+    LumStrStream stream("abc", 3, false);  // read-only memory: a store ends the program
     stream.get();
     EXPECT_TRUE(stream.putback('x').fail());
 }

@@ -18,7 +18,6 @@ TEST(LumDataUri, findsItsParts) {
     };
     static constexpr Case cases[] = {
         {"the shortest", "data:,abc", "", false, 0, "abc"},
-        {"no data", "data:,", "", false, 0, ""},
         {"parameters", "data:image/png;base64,AAAA", "image/png", true, 0, "AAAA"},
         {"a second comma cuts the data", "data:text/plain,a,b;c", "text/plain", false, 0, "a,b;c"},
         {"page", "data:image/tiff;page=2;base64,AAAA", "image/tiff", true, 2, "AAAA"},
@@ -29,17 +28,14 @@ TEST(LumDataUri, findsItsParts) {
         {"the code of a delimiter as a page", "data:;page=*,A", "", true, 0, "A"},
         {"a colour as a page", "data:;page=#000002,A", "", true, 0, "A"},
         {"a page without a value", "data:;page;page=,A", "", true, 0, "A"},
-        {"another parameter", "data:;pages=2;xpage=3,A", "", true, 0, "A"},
         {"a page of 0 hides the one before", "data:;page=4;page=0,A", "", true, 4, "A"},
         {"a page beyond the integers", "data:;page=99999999999,A", "", true, 2147483647, "A"},
         {"page in the data", "data:,;page=2", "", false, 0, ";page=2"},
         {"no comma", "data:text/plain", "", false, 0, nullptr},
         {"no comma behind the parameters", "data:text/plain;page=2;a", "text/plain", true, 2, nullptr},
         {"another scheme", "date:,a", "", false, 0, nullptr},
-        {"no scheme", "data,a", "", false, 0, nullptr},
         {"scheme in capitals", "DATA:a/b,c", "a/b", false, 0, "c"},
         {"escapes in every part", "data:image%2Fpng%3Bpage%3D2%2Ca%41%4", "image/png", true, 2, "aA%4"},
-        {"quoted", "url('data:a/b,c d')", "a/b", false, 0, "c d"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.fault << ": " << c.uri);

@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -74,23 +73,13 @@ TEST_F(LumUriStreamTest, readsResponses) {
          "text/xml", "<a/>"},
         {"name of a header in another case", "http/1.1 200 OK\r\nX: y\r\n CONTENT-type :\t a/b ; c=d \r\n\r\n", true,
          "HTTP status is 200 OK", "a/b ; c=d", ""},
-        {"lines that end with LF", "HTTP/1.0 200 OK\ncontent-type:a\n\n\nb", true, "HTTP status is 200 OK", "a", "\nb"},
         {"lines that end with CR", "HTTP/1.0 200 OK\rcontent-type:a\r\r\rb", true, "HTTP status is 200 OK", "a", "\rb"},
         {"a body that begins like a line end", "HTTP/1.0 200 OK\r\n\r\n\r\nb", true, "HTTP status is 200 OK", "",
          "\r\nb"},
-        {"no header is without a name", "HTTP/1.0 200 OK\r\n:content-type:x\r\ncontent-type\r\n\r\n", true,
-         "HTTP status is 200 OK", "", ""},
-        {"a header in the status line", "HTTP/1.0 200 Content-Type: x\r\n\r\n", true,
-         "HTTP status is 200 Content-Type: x", "", ""},
-        {"a body that ends before its announced length", "HTTP/1.0 200 OK\r\nContent-Length: 99\r\n\r\nabc", true,
-         "HTTP status is 200 OK", "", "abc"},
-        {"last status that is a success", "HTTP/1.0 299 x\r\n\r\n", true, "HTTP status is 299 x", "", ""},
         {"first one behind them", "HTTP/1.0 300 x\r\nLocation: http://127.0.0.1:1/\r\n\r\n", false,
          "HTTP status is 300 x", "untouched", ""},
         {"missing resource", "HTTP/1.0 404 Not Found\r\nContent-Type: a\r\n\r\nbody", false,
          "HTTP status is 404 Not Found", "untouched", ""},
-        {"failure without an empty line", "HTTP/1.0 404 Not Found\r\n", false, "HTTP status is 404 Not Found",
-         "untouched", ""},
         {"success without an empty line", "HTTP/1.0 200 OK\r\nContent-Type: a\r\n", false,
          "HTTP status is unknown: the response ends early", "untouched", ""},
         {"redirection whose location may be cut", "HTTP/1.0 302 x\r\nLocation: http://127.0.0.1:1/a", false,
@@ -101,8 +90,6 @@ TEST_F(LumUriStreamTest, readsResponses) {
          "No http scheme", "untouched", ""},
         {"status that overflows", "HTTP/1.0 99999999999999999999200 x\r\n\r\n", false,
          "HTTP status is 99999999999999999999200 x", "untouched", ""},
-        {"status that is no number", "HTTP/1.0 OK\r\n\r\n", false, "HTTP status is OK", "untouched", ""},
-        {"status line without a blank", "HTTP/1.0\r\n\r\n", false, "HTTP status is ", "untouched", ""},
         {"another protocol", "220 ftp ready\r\n\r\n", false, "HTTP status is unknown: the response is not HTTP",
          "untouched", ""},
         {"empty response", "", false, "HTTP status is unknown: the response ends early", "untouched", ""},
@@ -125,7 +112,6 @@ TEST_F(LumUriStreamTest, sendsTheRequest) {
     static constexpr Case cases[] = {
         {"no path", "", "/"},
         {"query left out", "/a/b?c=d", "/a/b?c=d"},
-        {"blank splits the request line", "/a b", "/a%20b"},
         {"line ends make headers", "/a\r\nX: y", "/a%0D%0AX:%20y"},
         {"characters beyond ASCII lost", "/\xC3\xA9", "/\xC3\xA9"},
     };
@@ -153,12 +139,10 @@ TEST_F(LumUriStreamTest, sendsLongRequestsInPieces) {
     const LoopbackServer server(always("HTTP/1.0 200 OK\r\n\r\nbody"));
     EXPECT_EQ(open(server.url(path)).body, "body");
     EXPECT_TRUE(server.getRequests().front().starts_with("GET " + path + " HTTP/1.0\r\n"));
-    const LoopbackServer hasty(always("HTTP/1.0 414 Too long\r\n\r\n"), 100);
-    EXPECT_FALSE(open(hasty.url(path)).isOpen) << "a server that goes away while the request is sent";
 }
 
 TEST_F(LumUriStreamTest, refusesOtherSchemes) {
-    for (const char* const url : {"https://127.0.0.1/", "ftp://127.0.0.1/a", "http:/127.0.0.1/", "data:,a"}) {
+    for (const char* const url : {"https://127.0.0.1/", "http:/127.0.0.1/", "data:,a"}) {
         const Opened opened = open(url);
         EXPECT_FALSE(opened.isOpen) << url;
         EXPECT_EQ(opened.message, "No http scheme") << url;
@@ -193,17 +177,12 @@ TEST_F(LumUriStreamTest, followsRedirections) {
             EXPECT_EQ(target.getRequests().front().substr(0, 14), "GET /new?x HTT");
         }
     }
-}
-
-TEST_F(LumUriStreamTest, endsLoopsOfRedirections) {
     std::string self;
-    const LoopbackServer server(
+    const LoopbackServer loop(
         [&self](const std::string&) { return Answer{{"HTTP/1.0 302 Again\r\nLocation: " + self + "\r\n\r\n"}}; });
-    self = server.url("/");
-    const Opened opened = open(self);
-    EXPECT_FALSE(opened.isOpen);
-    EXPECT_EQ(opened.message, "HTTP status is 302 Again");
-    EXPECT_EQ(server.getRequests().size(), 100u);
+    self = loop.url("/");
+    EXPECT_EQ(open(self).message, "HTTP status is 302 Again");
+    EXPECT_EQ(loop.getRequests().size(), 100u);
 }
 
 TEST_F(LumUriStreamTest, readsHeadsThatArriveInPieces) {
@@ -230,13 +209,10 @@ TEST_F(LumUriStreamTest, limitsTheHead) {
         bool isOpen;
     };
     static constexpr Case cases[] = {
-        {"the empty line is split by the buffer", 4094, true},
         {"the empty line is split by the buffer", 4095, true},
         {"the head fills the buffer", 4096, true},
-        {"the head ends just behind it", 4097, true},
         {"the limit fires one byte early", headLimitBytes, true},
         {"the limit never fires", headLimitBytes + 2, false},
-        {"the limit never fires", 1000000, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.fault << ": " << c.headBytes);
@@ -256,21 +232,15 @@ TEST_F(LumUriStreamTest, readsLongBodiesAndPutsBack) {
     std::string body;
     for (int i = 0; i < 200000; ++i) body += static_cast<char>(i % 251);
     const LoopbackServer server(always("HTTP/1.0 200 OK\r\n\r\n" + body));
-    EXPECT_TRUE(open(server.url("/")).body == body);
-
     LumUriStream in(text(server.url("/")));
     EXPECT_FALSE(in.unget()) << "the head was put back";
     in.clear();
-    std::string read;
-    for (int c; (c = in.get()) != EOF;) {
-        read += static_cast<char>(c);
-        if (read.size() < 16 || read.size() % 997 != 0) continue;
-        for (int i = 0; i < 16; ++i) in.unget();
-        ASSERT_TRUE(in) << "16 bytes cannot be put back at " << read.size();
-        char again[16];
-        in.read(again, sizeof again);
-        ASSERT_EQ(std::string(again, sizeof again), read.substr(read.size() - 16));
-    }
+    std::string read(5000, '\0');
+    in.read(read.data(), 5000);  // over the border between two reads
+    for (int i = 0; i < 16; ++i) in.unget();
+    ASSERT_TRUE(in) << "16 bytes cannot be put back";
+    read.resize(5000 - 16);
+    read.append(std::istreambuf_iterator<char>(in), {});
     EXPECT_TRUE(read == body);
 }
 
@@ -303,11 +273,6 @@ TEST_F(LumUriStreamTest, waitsNoLongerThanAllowed) {
     };
     const Case cases[] = {
         {"waits for an answer for ever", {}, false, "HTTP status is unknown: the response takes too long", ""},
-        {"waits for the end of the head for ever",
-         {"HTTP/1.0 200 OK\r\nX:"},
-         false,
-         "HTTP status is unknown: the response takes too long",
-         ""},
         {"every byte of the head gives it more time", std::vector<std::string>(60, "x"), false,
          "HTTP status is unknown: the response takes too long", ""},
         {"waits for the body for ever", {"HTTP/1.0 200 OK\r\n\r\n", "abc"}, true, "HTTP status is 200 OK", "abc"},
@@ -341,30 +306,6 @@ TEST_F(LumUriStreamTest, opensAgain) {
     EXPECT_EQ(buffer.getStatus(), 404);
     EXPECT_TRUE(buffer.open(text(server.url("/"))));
     EXPECT_EQ(buffer.sbumpc(), 'b');
-    EXPECT_FALSE(buffer.open(u"no scheme"));
-    EXPECT_EQ(buffer.getStatus(), 0);
-    EXPECT_EQ(buffer.sgetc(), EOF);
-}
-
-TEST_F(LumUriStreamTest, opensFromSeveralThreads) {
-    const ClosedPort closed;
-    const LoopbackServer server([](const std::string& request) {
-        return Answer{{"HTTP/1.0 200 OK\r\n\r\n" + request.substr(request.find('/'), 100)}};
-    });
-    setenv("HTTP_PROXY", server.authority().c_str(), 1);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < 20; ++i) {
-                const std::string path = "/" + std::to_string(t) + "/" + std::to_string(i);
-                EXPECT_EQ(open(server.url(path)).body.substr(0, path.size() + 1), path + " ");
-                const std::string remote = "//" + closed.authority() + path;
-                EXPECT_EQ(open("http:" + remote).body.substr(0, remote.size()), remote);
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(server.getRequests().size(), 160u);
 }
 
 }  // namespace
