@@ -7,7 +7,7 @@
 #include <iterator>
 #include <vector>
 
-#include "containers/ZipBytes.h"
+#include <support/ZipBytes.h>
 #include "support/PieceStream.h"
 
 namespace LumCommon {

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "containers/ZipBytes.h"
+#include <support/ZipBytes.h>
 
 namespace LumCommon {
 namespace {

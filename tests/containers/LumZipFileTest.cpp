@@ -16,7 +16,7 @@
 #include <new>
 #include <vector>
 
-#include "containers/ZipBytes.h"
+#include <support/ZipBytes.h>
 #include "support/PieceStream.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <vector>
 
-#include "containers/ZipBytes.h"
+#include <support/ZipBytes.h>
 #include "support/TempFolder.h"
 #include "support/Utf8.h"
 

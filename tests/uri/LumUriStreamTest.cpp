@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -306,6 +307,27 @@ TEST_F(LumUriStreamTest, opensAgain) {
     EXPECT_EQ(buffer.getStatus(), 404);
     EXPECT_TRUE(buffer.open(text(server.url("/"))));
     EXPECT_EQ(buffer.sbumpc(), 'b');
+}
+
+TEST_F(LumUriStreamTest, opensFromSeveralThreads) {
+    const ClosedPort closed;
+    const LoopbackServer server([](const std::string& request) {
+        return Answer{{"HTTP/1.0 200 OK\r\n\r\n" + request.substr(request.find('/'), 100)}};
+    });
+    setenv("HTTP_PROXY", server.authority().c_str(), 1);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 20; ++i) {
+                const std::string path = "/" + std::to_string(t) + "/" + std::to_string(i);
+                EXPECT_EQ(open(server.url(path)).body.substr(0, path.size() + 1), path + " ");
+                const std::string remote = "//" + closed.authority() + path;
+                EXPECT_EQ(open("http:" + remote).body.substr(0, remote.size()), remote);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(server.getRequests().size(), 160u);
 }
 
 }  // namespace
