@@ -34,10 +34,8 @@ TEST(TransMatrix, inverts) {
         {"linearly dependent", {1, 2, 2, 4, 0, 0}, false, {}},
         {"first pivot 0 twice", {0, 1, 0, 4, 7, 8}, false, {}},
         {"second pivot 0 after the turn", {0, 0, 1, 4, 7, 8}, false, {}},
-        {"all zero", {0, 0, 0, 0, 0, 0}, false, {}},
         {"determinant underflows in single precision", {1e-30f, 0, 0, 2e-30f, 0, 0}, true, {1e30f, 0, 0, 5e29f, 0, 0}},
         {"inverse overflows", {1e-40f, 0, 0, 1, 0, 0}, false, {}},
-        {"translation overflows", {1e-20f, 0, 0, 1, 1e20f, 0}, false, {}},
         {"infinite element", {infinity, 0, 0, 1, 0, 0}, false, {}},
         {"not a number", {1, 0, 0, 1, notANumber, 0}, false, {}},
         // The products of the diagonals differ in their last bit alone.
