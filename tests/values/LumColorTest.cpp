@@ -139,9 +139,9 @@ TEST(LumColor, parsesPrintsAndComesBackFromAValue) {
 }
 
 TEST(LumColor, leavesOtherWholeTextsAsTheirValues) {
-    EXPECT_EQ(LumValue::parseColor(text("5pt"), false).getUnit(), UNIT_PT);
+    EXPECT_EQ(LumValue::parseColor(text("-5pt"), false), LumValue(-5, UNIT_PT));
     EXPECT_EQ(LumValue::parseColor(text("'red'"), false).getUnit(), UNIT_QUOTED);
-    EXPECT_EQ(LumValue::parseColor(text("block"), false).getKind(), KIND_NAME);
+    EXPECT_EQ(LumValue::parseColor(text("block"), false).getUnit(), UNIT_IDENT);
     EXPECT_EQ(LumValue(text(" red ")).getColorValue().getRGB(), 0xFF0000u);
     EXPECT_EQ(LumValue(NAME_red).getColorValue().getRGB(), 0xFF0000u);
     EXPECT_EQ(LumValue(5).getColorValue().getRGB(), invalid);
@@ -150,7 +150,6 @@ TEST(LumColor, leavesOtherWholeTextsAsTheirValues) {
 TEST(LumColor, tellsColoursApart) {
     const LumColor red(255, 0, 0);
     EXPECT_FALSE(LumColor(red, 0.5f) == LumColor(red, 0.25f));
-    EXPECT_FALSE(LumColor(red, 0.5f) == red);
     EXPECT_FALSE(LumColor(red, text("A"), 1) == LumColor(red, text("B"), 1));
     EXPECT_FALSE(LumColor(red, text("A"), 1) == LumColor(red, text("A"), 1, 0, 0, 0, 0));
     EXPECT_FALSE(LumColor(red, text("P"), 0, 0, 0, 1) == LumColor(red, text("P"), 0, 0, 0, 0.5f));

@@ -112,17 +112,11 @@ TEST(LumTokenizer, buildsValues) {
     EXPECT_EQ(readAll(text("1.5e2pt 1e3 e"), &LumTokenizer::nextTokenValueExp, true), "74:150pt|10:1000|187:e|");
 }
 
-TEST(LumTokenizer, readsADelimiterAgainAsASign) {
-    LumTokenizer tokenizer(text("-5"));
-    EXPECT_EQ(tokenizer.nextToken(), u'-');
-    tokenizer.pushBack();
-    EXPECT_EQ(tokenizer.nextTokenValueSigned().getIntegerValue(), -5);
-    EXPECT_EQ(tokenizer.getNumber(), -5);
-}
-
 TEST(LumTokenizer, readsDoubles) {
-    LumTokenizer tokenizer(text("0.1e1 -1e-1 50% x #00f 123456789.25"));
-    for (const double expected : {1.0, -0.1, 50.0, 0.0, 255.0, 123456789.25, 0.0}) {
+    LumTokenizer tokenizer(text("-5 0.1e1 -1e-1 50% x #00f 123456789.25"));
+    tokenizer.nextToken();
+    tokenizer.pushBack();  // the delimiter is read again, as a sign
+    for (const double expected : {-5.0, 1.0, -0.1, 50.0, 0.0, 255.0, 123456789.25, 0.0}) {
         EXPECT_DOUBLE_EQ(tokenizer.nextTokenDoubleExp(), expected);
     }
 }

@@ -236,8 +236,7 @@ TEST(LumValue, sharesObjectsAndCopiesStrings) {
 
 TEST(LumValue, compoundsAreSharedByTheirCopies) {
     LumValue value(3);
-    EXPECT_EQ(value.getNamedItem(NAME_NULL).getIntegerValue(), 3);
-    EXPECT_TRUE(value.getNamedItem(NAME_length).isNull());
+    EXPECT_TRUE(value.getNamedItem(NAME_NULL) == value && value.getNamedItem(NAME_length).isNull());
     value.setNamedItem(NAME_length, value);  // the argument is what makeCompound() changes
     const LumValue copy(value);
     value.setNamedItem(NAME_value, LumValue(UnicodeString(u"a")));
@@ -256,8 +255,7 @@ TEST(LumValue, takesTheLengthOfACompound) {
     EXPECT_EQ(value.getLengthValue().getPoints(), 72.0f);
     value.setNamedItem(NAME_length, parsed("2pt"));
     EXPECT_EQ(LumLength(value).getPoints(), 2.0f);
-    LumValue outer(value);
-    outer = LumValue();
+    LumValue outer;
     outer.setNamedItem(NAME_length, value);
     EXPECT_EQ(outer.getLengthValue().getPoints(), 2.0f);
     value.setNamedItem(NAME_length, outer);  // a cycle
