@@ -125,6 +125,7 @@ TEST(LumValue, combinesNumbersOfOneDimension) {
         {"loses the integer of the left side", withUnit(3, UNIT_PT), '-', parsed("1in"), UNIT_PT, KIND_REAL, -69},
         {"adds numbers and lengths", parsed("1pt"), '+', LumValue(1), UNIT_NONE, KIND_NULL, 0},
         {"adds texts", LumValue(UnicodeString(u"1")), '+', LumValue(1), UNIT_NONE, KIND_NULL, 0},
+        {"wrong remainder", LumValue(7), '%', LumValue(3), UNIT_NUMBER, KIND_INTEGER, 1},
         {"sign of the divisor", LumValue(-7), '%', LumValue(3), UNIT_NUMBER, KIND_INTEGER, -1},
         {"negative zero of a multiple", LumValue(-6), '%', LumValue(3), UNIT_NUMBER, KIND_INTEGER, 0},
         {"traps on the smallest by -1", LumValue(smallest), '%', LumValue(-1), UNIT_NUMBER, KIND_INTEGER, 0},
