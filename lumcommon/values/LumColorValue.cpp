@@ -80,8 +80,8 @@ private:
     static LumColor readSeparation(const LumValue& separation, const LumColor& fallback);
 
     bool isAtEnd() { return tokenizer_.nextToken() == LumTokenizer::TOKEN_END; }
-    /// The three channels of rgb( ... , commas optional. False when a token is no argument at all. `areNumbers` tells
-    /// whether all three were numbers; the others count as 0.
+    /// The three channels of rgb( ... , with optional commas between them. False when a token is no argument at all.
+    /// `areNumbers` tells whether all three were numbers; the others count as 0.
     bool readChannels(LumColor& color, bool& areNumbers);
     std::optional<LumValue> readRgb();
     std::optional<LumValue> readRgbIcc();
@@ -184,16 +184,16 @@ std::optional<LumValue> ColorReader::read() {
 bool ColorReader::readChannels(LumColor& color, bool& areNumbers) {
     std::array<int, 3> channels{};
     areNumbers = true;
-    for (int& channel : channels) {
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        if (i > 0) tokenizer_.skipSeparator(u',');
         const LumValue value = tokenizer_.nextTokenValueSigned();
         if (isArgumentNumber(value)) {
-            channel = getChannelValue(value);
+            channels[i] = getChannelValue(value);
         } else if (isText(value)) {
             areNumbers = false;
         } else {
             return false;
         }
-        tokenizer_.skipSeparator(u',');
     }
     color = LumColor(channels[0], channels[1], channels[2]);
     return true;

@@ -7,6 +7,7 @@
 #include <lumcommon/values/LumValue.h>
 
 #include <unicode/locid.h>
+
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>

@@ -12,8 +12,6 @@ using detail::UnitCursor;
 
 namespace {
 
-constexpr bool isQuote(char16_t c) noexcept { return c == u'"' || c == u'\''; }
-
 UnicodeString cutAtNul(const UnicodeString& text) {
     const int nul = text.indexOf(u'\0');
     return nul < 0 ? text : UnicodeString(text, 0, nul);
@@ -182,7 +180,7 @@ UnicodeString LumTokenizer::nextSeparatedValue(char16_t separator) {
 
 void LumTokenizer::appendItemPart(UnitCursor& cursor, char16_t separator) {
     const char16_t quote = cursor.peek();
-    const bool isQuoted = isQuote(quote);
+    const bool isQuoted = detail::isQuote(quote);
     if (isQuoted) cursor.advance();
     const char16_t* const start = cursor.get();
     while (!cursor.isAtEnd()) {

@@ -46,7 +46,7 @@ public:
     /// Reads one token and returns its kind.
     int nextToken();
     /// Reads one token as a value: a number, name, string or colour, a delimiter (integer, UNIT_CHAR), or null at the
-    /// end.
+    /// end. A number's suffix that is no unit becomes the next token.
     LumValue nextTokenValue();
     /// The same, but a sign directly before a number belongs to the number.
     LumValue nextTokenValueSigned();
@@ -54,12 +54,15 @@ public:
     LumValue nextTokenValueExp();
     /// The same as a double, without rounding to float.
     double nextTokenDoubleExp();
-    /// The same, where a group in parentheses or a function call is read whole.
+    /// As nextTokenValueExp(), but a group in parentheses or a function call (no white space before its parenthesis) is
+    /// read whole: rgb(...) as the colour, url(...) as its URI (string, UNIT_URI), all else as a plain string of what
+    /// is written. What is not closed ends with the text.
     LumValue nextTokenValueFunc();
     /// The next item of a list separated by `separator`; empty with kind TOKEN_END at the end. Quoted parts lose their
-    /// quotes; white space inside an item becomes one space.
+    /// quotes, and one that is not closed ends with the text; white space inside an item becomes one space.
     UnicodeString nextSeparatedValue(char16_t separator);
-    /// Consumes the separator when it comes next.
+    /// Consumes the separator when it comes next, with the white space around it; else only the white space. False
+    /// while a token is pushed back, as for scanSeparator().
     bool skipSeparator(char16_t separator);
     /// Whether the separator comes next; consumes nothing.
     bool scanSeparator(char16_t separator) const;

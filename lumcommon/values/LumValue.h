@@ -4,6 +4,7 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/names/LumName.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace LumCommon {
@@ -85,6 +86,7 @@ public:
     /// Takes a reference; null gives the null value.
     LumValue(LumRCObject* object) noexcept;
     LumValue(LumNamedValueMap* map) noexcept;
+    LumValue(std::nullptr_t) noexcept : LumValue() {}
     /// Copies carry the name bits as well.
     LumValue(const LumValue& other) : payload_(other.payload_), typeWord_(other.typeWord_) {
         if (typeWord_ & 4u) share();

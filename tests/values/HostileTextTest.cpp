@@ -48,12 +48,6 @@ bool isLinear(Operation operation, const UnicodeString& once, const UnicodeStrin
     return false;
 }
 
-void readTokens(const UnicodeString& text) {
-    LumTokenizer tokenizer(text);
-    while (tokenizer.nextToken() != LumTokenizer::TOKEN_END) {
-    }
-}
-
 template <LumValue (LumTokenizer::*read)()>
 void readValues(const UnicodeString& text) {
     LumTokenizer tokenizer(text);
@@ -64,15 +58,11 @@ void readValues(const UnicodeString& text) {
     }
 }
 
-void readDoubles(const UnicodeString& text) {
+/// Calls what reads one token or item until the text ends.
+template <class Read>
+void readAll(const UnicodeString& text, Read read) {
     LumTokenizer tokenizer(text);
-    do tokenizer.nextTokenDoubleExp();
-    while (tokenizer.getKind() != LumTokenizer::TOKEN_END);
-}
-
-void readItems(const UnicodeString& text) {
-    LumTokenizer tokenizer(text);
-    do tokenizer.nextSeparatedValue(u',');
+    do read(tokenizer);
     while (tokenizer.getKind() != LumTokenizer::TOKEN_END);
 }
 
@@ -84,55 +74,41 @@ constexpr struct {
     {"parseNonNumeric", [](const UnicodeString& text) { LumValue::parseNonNumeric(text); }},
     {"parseColor", [](const UnicodeString& text) { LumValue::parseColor(text, true); }},
     {"getColorValue", [](const UnicodeString& text) { LumValue(text).getColorValue(); }},
-    {"nextToken", readTokens},
+    {"nextToken", [](const UnicodeString& text) { readAll(text, [](LumTokenizer& t) { t.nextToken(); }); }},
     {"nextTokenValueSigned", readValues<&LumTokenizer::nextTokenValueSigned>},
     {"nextTokenValueExp", readValues<&LumTokenizer::nextTokenValueExp>},
-    {"nextTokenDoubleExp", readDoubles},
+    {"nextTokenDoubleExp",
+     [](const UnicodeString& text) { readAll(text, [](LumTokenizer& t) { t.nextTokenDoubleExp(); }); }},
     {"nextTokenValueFunc", readValues<&LumTokenizer::nextTokenValueFunc>},
-    {"nextSeparatedValue", readItems},
+    {"nextSeparatedValue",
+     [](const UnicodeString& text) { readAll(text, [](LumTokenizer& t) { t.nextSeparatedValue(u','); }); }},
+    {"parsePDFOpenParameters", [](const UnicodeString& text) { LumValue::parsePDFOpenParameters(text); }},
+    {"parseDestinationType", [](const UnicodeString& text) { LumValue::parseDestinationType(text); }},
+    {"parseXlinkHref", [](const UnicodeString& text) { LumValue::parseXlinkHref(text); }},
+    {"parseInternalDestination", [](const UnicodeString& text) { LumValue::parseInternalDestination(text, 0); }},
+    {"parseExcelOpenParameters", [](const UnicodeString& text) { LumValue::parseExcelOpenParameters(text); }},
+    {"parseUriFragmentParameters", [](const UnicodeString& text) { LumValue::parseUriFragmentParameters(text, true); }},
 };
 
 constexpr struct {
     const char* begin;
     const char* part;
-} texts[] = {
-    {"", "("},
-    {"", ")"},
-    {"", "'"},
-    {"", "\"'"},
-    {"", "9"},
-    {"0.", "0"},
-    {"1.", "9"},
-    {"", "1."},
-    {"", ","},
-    {"", "#"},
-    {"", "#f"},
-    {"#", "f"},
-    {"", "-"},
-    {"", "+1"},
-    {"", "1e1"},
-    {"", "1e"},
-    {"", "a("},
-    {"", "rgb("},
-    {"", "url("},
-    {"rgb(", "1,"},
-    {"rgb-icc(", "#CMYK,"},
-    {"red ", "icc-color("},
-    {"rgb-icc(1,2,3,#SEPARATION,", "'"},
-    {"", " "},
-    {"", "a"},
-    {"", "%"},
-    {"url(", "'"},
-};
+} texts[] = {{"", "("},       {"", ")"},         {"", "'"},     {"", "\"'"},     {"", "9"},
+             {"0.", "0"},     {"1.", "9"},       {"", "1."},    {"", ","},       {"", "#"},
+             {"", "#f"},      {"#", "f"},        {"", "-"},     {"", "+1"},      {"", "1e1"},
+             {"", "1e"},      {"", "a("},        {"", "rgb("},  {"", "url("},    {"rgb(", "1,"},
+             {"", " "},       {"", "a"},         {"", "%"},     {"url(", "'"},   {"rgb-icc(", "#CMYK,"},
+             {"#", "&"},      {"#", "page=1&"},  {"#", "a=1&"}, {"#view=", ","}, {"red ", "icc-color("},
+             {"#page=", "7"}, {"#zoom=", "'\""}, {"#", "="},    {"#", "x "},     {"rgb-icc(1,2,3,#SEPARATION,", "'"}};
 
 // A quadratic operation takes four times as long for twice the text, and at this size seconds or hours. It is stopped
 // at a fraction of the size, where it takes a second and a linear one a millisecond.
 TEST(HostileText, takesLinearTime) {
     constexpr int smallUnits = 1 << 15;
 #ifdef __SANITIZE_ADDRESS__
-    constexpr int units = 200'000;  // ten times slower there, and no more telling
+    constexpr int units = 150'000;  // ten times slower there, and no more telling
 #else
-    constexpr int units = 1'000'000;
+    constexpr int units = 500'000;
 #endif
     for (const auto& [begin, part] : texts) {
         // A name of a megabyte is gone with the table.

@@ -26,16 +26,9 @@ TEST(LumColor, findsKeywords) {
     };
     constexpr Case cases[] = {
         {"first row", "aliceblue", 0xF0F8FF, "aliceblue"},
-        {"last row", "yellowgreen", 0x9ACD32, "yellowgreen"},
-        {"case of built-in names", "Red", 0xFF0000, "red"},
-        {"case of other names", "rEbEcca", invalid, ""},
         {"upper case", "REBECCAPURPLE", invalid, ""},
-        {"aqua printed", "aqua", 0x00FFFF, "cyan"},
-        {"fuchsia printed", "fuchsia", 0xFF00FF, "magenta"},
-        {"grey printed", "darkslategrey", 0x2F4F4F, "darkslategray"},
-        {"marker", "currentColor", 0xFE000000, "currentColor"},
+        {"case and the printed spelling", "FuchSia", 0xFF00FF, "magenta"},
         {"marker in another case", "Currentcolor", 0xFE000000, "currentColor"},
-        {"marker in lower case", "currentcolor", 0xFE000000, "currentColor"},
         {"marker in upper case", "TRANSPARENT", 0xFFFFFFFF, "transparent"},
         {"a name that is no colour", "block", invalid, ""},
         {"the empty name", "", invalid, ""},
@@ -89,16 +82,14 @@ TEST(LumColor, parsesPrintsAndComesBackFromAValue) {
         const char* svg;
     };
     constexpr Case cases[] = {
-        {"hash", "#f00", false, "#FF0000", "red"},
         {"keyword", "Red", false, "#FF0000", "red"},
         {"spaces for commas", "rgb( 1 2,3 )", false, "#010203", "#010203"},
         {"half of a percentage", "rgb(100%, 50%, 0%)", false, "#FF8000", "#FF8000"},
         {"channels beyond 255", "rgb(300, -5, 10)", false, "#FF000A", "#FF000A"},
-        {"two channels", "rgb(1,2)", false, nullptr, nullptr},
         {"four channels", "rgb(1,2,3,4)", false, nullptr, nullptr},
         {"lengths as channels", "rgb(1pt,2,3)", false, nullptr, nullptr},
         {"open function", "rgb(1,2,3", false, nullptr, nullptr},
-        {"text after it", "rgb(1,2,3) x", true, nullptr, nullptr},
+        {"comma after the channels", "rgb(1,2,3,)", false, nullptr, nullptr},
         {"profile not allowed", "rgb(1,2,3) icc-color(#CMYK,0,1,0,0)", false, nullptr, nullptr},
         {"profile", "rgb(1,2,3) icc-color(#CMYK,0,50%,0,.25)", true, "rgb-icc(1,2,3,#CMYK,0,0.5,0,0.25)",
          "#010203 icc-color(#CMYK,0,0.5,0,0.25)"},
@@ -115,8 +106,6 @@ TEST(LumColor, parsesPrintsAndComesBackFromAValue) {
          "black icc-color(#GRAYSCALE,5e-05)"},
         {"unknown space", "rgb-icc(#XYZ,1)", false, nullptr, nullptr},
         {"space without hash", "rgb-icc(0,0,0,CMYK,1,0,0,0)", false, nullptr, nullptr},
-        {"ink alone", "rgb-icc(#SEPARATION,Gold)", false, "rgb-icc(#SEPARATION,\"Gold\")",
-         "black icc-color(#SEPARATION,\"Gold\")"},
         {"ink with fallback", "rgb-icc(255,0,0,#SEPARATION,'Deep Gold',0.5)", false,
          "rgb-icc(255,0,0,#SEPARATION,\"Deep Gold\",0.5)", "red icc-color(#SEPARATION,\"Deep Gold\",0.5)"},
         {"ink with alternative", "rgb-icc(255,0,0,#Separation,Gold,0.5,0,0,1,0)", false,
@@ -148,9 +137,9 @@ TEST(LumColor, parsesPrintsAndComesBackFromAValue) {
 }
 
 TEST(LumColor, leavesOtherWholeTextsAsTheirValues) {
-    EXPECT_EQ(LumValue::parseColor(text("5pt"), false).getUnit(), UNIT_PT);
+    EXPECT_EQ(LumValue::parseColor(text("-5pt"), false), LumValue(-5, UNIT_PT));
     EXPECT_EQ(LumValue::parseColor(text("'red'"), false).getUnit(), UNIT_QUOTED);
-    EXPECT_EQ(LumValue::parseColor(text("block"), false).getKind(), KIND_NAME);
+    EXPECT_EQ(LumValue::parseColor(text("block"), false).getUnit(), UNIT_IDENT);
     EXPECT_EQ(LumValue(text(" red ")).getColorValue().getRGB(), 0xFF0000u);
     EXPECT_EQ(LumValue(NAME_red).getColorValue().getRGB(), 0xFF0000u);
     EXPECT_EQ(LumValue(5).getColorValue().getRGB(), invalid);
@@ -159,7 +148,6 @@ TEST(LumColor, leavesOtherWholeTextsAsTheirValues) {
 TEST(LumColor, tellsColoursApart) {
     const LumColor red(255, 0, 0);
     EXPECT_FALSE(LumColor(red, 0.5f) == LumColor(red, 0.25f));
-    EXPECT_FALSE(LumColor(red, 0.5f) == red);
     EXPECT_FALSE(LumColor(red, text("A"), 1) == LumColor(red, text("B"), 1));
     EXPECT_FALSE(LumColor(red, text("A"), 1) == LumColor(red, text("A"), 1, 0, 0, 0, 0));
     EXPECT_FALSE(LumColor(red, text("P"), 0, 0, 0, 1) == LumColor(red, text("P"), 0, 0, 0, 0.5f));
@@ -174,6 +162,7 @@ TEST(LumColor, tellsColoursApart) {
 TEST(LumColor, componentsAreItemsOfTheValue) {
     LumValue value(LumColor(LumColor(255, 0, 0), text("Gold"), 0.5f, 0, 0.25f, 1, 0));
     const LumValue ink = value.getNamedItem(NAME_HASH_SEPARATION);
+    EXPECT_EQ(value.getTypeWord(), 199u);
     EXPECT_EQ(value.getNamedItem(NAME_NULL).getIntegerValue(), 0xFF0000);
     EXPECT_EQ(utf8(ink.getNamedItem(NAME_name).toString()), "Gold");
     EXPECT_EQ(ink.getNamedItem(NAME_value).getRealValue(UNIT_NUMBER), 0.5f);

@@ -67,39 +67,31 @@ double distance(const LumColor& a, const LumColor& b) {
     return largest;
 }
 
-TEST(LumColorText, readsWhatItPrints) {
-    for (int i = 0; i < 20'000; ++i) {
-        const LumColor color = makeColor(static_cast<Model>(i % modelCount), random() % 2, true);
+TEST(LumColorText, readsWhatItPrintsOrLosesHalfAMillionth) {
+    double worst = 0;
+    for (int i = 0; i < 40'000; ++i) {
+        const bool isShort = random() % 2;
+        const LumColor color = makeColor(static_cast<Model>(i % modelCount), random() % 2, isShort);
         for (const bool svgForm : {false, true}) {
             SCOPED_TRACE(utf8(color.toString(svgForm)));
             const LumColor read = readBack(color, svgForm);
-            ASSERT_TRUE(read == color);
+            ASSERT_EQ(read.getColorSpace(), color.getColorSpace());
             // In the second form the RGB stands in front whether it was given or not.
             ASSERT_EQ(read.isRgbGiven(), color.isRgbGiven() || (svgForm && color.isTintGiven()));
             ASSERT_EQ(read.isTintGiven(), color.isTintGiven());
             ASSERT_EQ(read.isCmykGiven(), color.isCmykGiven());
+            if (isShort) {
+                ASSERT_TRUE(read == color);
+                continue;
+            }
+            worst = std::max(worst, distance(read, color));
+            ASSERT_TRUE(readBack(read, svgForm) == read) << "a second reading differs from the first";
+            // Where no RGB is printed, the gray of the tint may fall on the other side of a half.
+            ASSERT_LE(std::abs(static_cast<int>(read.getRGB() & 0xFF) - static_cast<int>(color.getRGB() & 0xFF)), 1);
         }
         const LumColor fromValue{LumValue(color)};
         ASSERT_TRUE(fromValue == color);
         ASSERT_EQ(utf8(fromValue.toString(false)), utf8(color.toString(false)));
-    }
-}
-
-TEST(LumColorText, sixDigitsMoveAComponentByHalfAMillionth) {
-    double worst = 0;
-    for (int i = 0; i < 20'000; ++i) {
-        const LumColor color = makeColor(static_cast<Model>(i % modelCount), random() % 2, false);
-        for (const bool svgForm : {false, true}) {
-            const UnicodeString printed = color.toString(svgForm);
-            SCOPED_TRACE(utf8(printed));
-            const LumColor read = readBack(color, svgForm);
-            ASSERT_EQ(read.getColorSpace(), color.getColorSpace());
-            ASSERT_TRUE(read.getName() == color.getName() || color.isRegistrationName());
-            worst = std::max(worst, distance(read, color));
-            // Where no RGB is printed, the gray of the tint may fall on the other side of a half.
-            ASSERT_LE(std::abs(static_cast<int>(read.getRGB() & 0xFF) - static_cast<int>(color.getRGB() & 0xFF)), 1);
-            ASSERT_TRUE(readBack(read, svgForm) == read) << "a second reading differs from the first";
-        }
     }
     EXPECT_LE(worst, 5.1e-7);
     EXPECT_GT(worst, 4e-7) << "nothing was lost, so the test says nothing";

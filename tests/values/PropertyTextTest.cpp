@@ -74,18 +74,14 @@ TEST(PropertyText, surprisesHaveReasons) {
         const char* functions;
     };
     constexpr Surprise surprises[] = {
-        {"an attribute may be empty, and no value is null", "", "=", "-", ""},
         {"a point makes a real, however round the number", "11.00", "2 1 11", "-", "1:11"},
         {"a point without digits behind it belongs to the number", "1.", "2 1 1", "-", "1:1"},
-        {"six digits are printed; the float holds more", "-111.52422", "2 1 -111.524", "-", "1:-111.524"},
-        {"a percentage is printed like any real", "120.00000477%", "2 2 120%", "-", "2:120%"},
         {"an exponent is no part of a number here, a unit is",
          "matrix(1.000000,0.000000,0.000000,0.338462,-1.435476e-15,29.48178)", "=", "-",
          "0:matrix(1.000000,0.000000,0.000000,0.338462,-1.435476e-15,29.48178)"},
         {"expressions are the formatter's: + comes apart, unless a digit follows", "14em * 0.60+1em", "=", "-",
          "3:14em|20:*|1:0.6|3:1em"},
         {"a list is one string, also of numbers alone", "5,2", "=", "-", "1:5|20:,|1:2"},
-        {"font families are a list", "Times,serif", "=", "-", "23:Times|20:,|23:serif"},
         {"- and digits continue a name: M-1 is one", "M-1,0 h2 M0,-1 v2", "=", "-",
          "23:M-1|20:,|1:0|23:h2|23:M0|20:,|1:-1|23:v2"},
         {"a fragment that starts with no hexadecimal digit is a delimiter and a name", "#gpPt11", "=", "-",
@@ -96,8 +92,6 @@ TEST(PropertyText, surprisesHaveReasons) {
          "23:lightgrey"},
         {"a colon belongs to no name, so an identifier may be a string", "glossary:Latin-1", "=", "-",
          "23:glossary|20::|23:Latin-1"},
-        {"an address is cut at its delimiters", "http://purl.org/dc/dcmitype/StillImage", "=", "-",
-         "23:http|20::|20:/|20:/|23:purl.org|20:/|23:dc|20:/|23:dcmitype|20:/|23:StillImage"},
     };
     for (const Surprise& surprise : surprises) {
         SCOPED_TRACE(surprise.reason);

@@ -8,6 +8,7 @@ namespace LumCommon::detail {
 
 /// White space between tokens.
 constexpr bool isTokenSpace(char16_t c) noexcept { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
+constexpr bool isQuote(char16_t c) noexcept { return c == u'"' || c == u'\''; }
 constexpr bool isDigit(char16_t c) noexcept { return c >= u'0' && c <= u'9'; }
 /// The value of a hexadecimal digit, -1 for other characters.
 constexpr int getHexDigit(char16_t c) noexcept {

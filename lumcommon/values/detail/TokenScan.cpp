@@ -12,8 +12,6 @@ namespace LumCommon::detail {
 
 namespace {
 
-constexpr bool isQuote(char16_t c) noexcept { return c == u'"' || c == u'\''; }
-
 constexpr bool isWideNameStart(char16_t c) noexcept {
     return (c >= 0xC0 && c <= 0x2FF) || (c >= 0x370 && c <= 0x37D) || (c >= 0x37F && c <= 0x1FFF) || c == 0x200C ||
            c == 0x200D || (c >= 0x2070 && c <= 0x218F) || (c >= 0x2C00 && c <= 0x2FEF) ||
