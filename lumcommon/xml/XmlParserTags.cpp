@@ -258,18 +258,14 @@ void XmlParserImpl::finishStartTag() {
 }
 
 void XmlParserImpl::bindRootNamespaces() {
-    static constexpr char16_t svg[] = u"http://www.w3.org/2000/svg";
     static constexpr char16_t chart[] = u"http://ns.diagrix.example/names/Diagrix";
-    static constexpr char16_t xlinkUri[] = u"http://www.w3.org/1999/xlink";
-    static constexpr char16_t xlink[] = u"xlink";
-    const bool isSvg = rootName_.getString() == UnicodeString(u"svg");
+    const bool isSvg = rootName_ == NAME_svg;
     if (!isSvg && rootName_ != NAME_chart) return;
     if (namespaces_->lookupNamespace(LumName()).isNull()) {
-        namespaces_->addNamespace(LumName(), LumName(UnicodeString(isSvg ? svg : chart)));
+        namespaces_->addNamespace(LumName(), LumName(UnicodeString(isSvg ? detail::svgNamespace : chart)));
     }
-    const LumName xlinkPrefix{UnicodeString(xlink)};
-    if (namespaces_->lookupNamespace(xlinkPrefix).isNull()) {
-        namespaces_->addNamespace(xlinkPrefix, LumName(UnicodeString(xlinkUri)));
+    if (namespaces_->lookupNamespace(NAME_xlink).isNull()) {
+        namespaces_->addNamespace(NAME_xlink, LumName(UnicodeString(detail::xlinkNamespace)));
     }
 }
 
