@@ -18,10 +18,8 @@ struct ErrorRow {
     Setup setup = {};
 };
 
-inline Setup define(const char* name, const char* text) {
-    return {.features = {}, .encoding = {}, .baseUri = {}, .entities = {{name, text}}};
-}
-inline Setup turnOn(Feature feature) { return {.features = {feature}, .encoding = {}, .baseUri = {}, .entities = {}}; }
+inline Setup define(const char* name, const char* text) { return {.entities = {{name, text}}}; }
+inline Setup turnOn(Feature feature) { return {.features = {feature}}; }
 
 inline constexpr auto atStart = LumXmlParser::START_DOCUMENT;
 inline constexpr auto inTag = LumXmlParser::START_TAG;

@@ -126,7 +126,7 @@ inline const std::vector<EventRow> eventRows = {
      {"START_TAG 1 a", "ENTITY_REF 1 e \"y\\u000A<b\"", "TEXT 1 \">x\"", "END_TAG 1 a"},
      "<a>|&e;|>|x</|b>|</a>|",
      {"START_TAG 1 a", "TEXT 1 \"y\\u000A\"", "START_TAG 2 b", "TEXT 2 \"x\"", "END_TAG 2 b", "END_TAG 1 a"},
-     {.features = {}, .encoding = {}, .baseUri = {}, .entities = {{"e", "y\n<b"}}}},
+     {.entities = {{"e", "y\n<b"}}}},
 };
 
 }  // namespace LumTest

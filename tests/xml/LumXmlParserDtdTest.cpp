@@ -20,8 +20,7 @@ std::string tell(const std::string& document, const Features& features = {}, con
     std::string told;
     PieceStream in(document, pieceBytes);
     try {
-        const LumPtr<LumXmlParser> parser =
-            openParser(in, {.features = features, .encoding = {}, .baseUri = baseUri, .entities = {}});
+        const LumPtr<LumXmlParser> parser = openParser(in, {.features = features, .baseUri = baseUri});
         for (LumXmlParser::EventType type; (type = parser->next()) != LumXmlParser::END_DOCUMENT;) {
             parser->getLineNumber();  // as the loader of documents does
             const std::string name = toUtf8(parser->getName().getString());
@@ -121,7 +120,7 @@ constexpr TextRow textRows[] = {
 };
 
 TEST(LumXmlParserDtd, textOfTheDeclaration) {
-    const LumTest::Setup setup{.features = {skipDtd}, .encoding = {}, .baseUri = {}, .entities = {}};
+    const LumTest::Setup setup{.features = {skipDtd}};
     for (const TextRow& row : textRows) {
         std::string expected = row.text;
         if (const std::size_t at = expected.find("\\u0022"); at != std::string::npos) expected.replace(at, 6, "\"");

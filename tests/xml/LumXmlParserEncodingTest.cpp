@@ -62,13 +62,10 @@ TEST(LumXmlParserEncoding, isRecognisedFromTheFirstBytes) {
         for (const std::string& given : {std::string(), family == "UTF-8" ? std::string() : family}) {
             for (const std::size_t pieceBytes : {std::size_t{1}, std::size_t{3}, wholeInput}) {
                 PieceStream in(bytes, pieceBytes);
-                const LumPtr<LumXmlParser> parser =
-                    openParser(in, {.features = {}, .encoding = given, .baseUri = {}, .entities = {}});
+                const LumPtr<LumXmlParser> parser = openParser(in, {.encoding = given});
                 parser->next();
                 EXPECT_EQ(utf8(parser->getInputEncoding()), row.encoding);
-                EXPECT_EQ(recordEvents(bytes, Pull::events,
-                                       {.features = {}, .encoding = given, .baseUri = {}, .entities = {}}, pieceBytes),
-                          expected);
+                EXPECT_EQ(recordEvents(bytes, Pull::events, {.encoding = given}, pieceBytes), expected);
             }
         }
     }
@@ -124,8 +121,7 @@ TEST(LumXmlParserEncoding, isThatOfTheDeclarationOrTheCallerWhereTheBytesLeaveIt
         SCOPED_TRACE(testing::Message() << row.form << ' ' << row.given << ' ' << (row.declared ? row.declared : ""));
         for (const std::size_t pieceBytes : {std::size_t{1}, wholeInput}) {
             PieceStream in(makeDeclared(row), pieceBytes);
-            const LumPtr<LumXmlParser> parser =
-                openParser(in, {.features = {}, .encoding = row.given, .baseUri = {}, .entities = {}});
+            const LumPtr<LumXmlParser> parser = openParser(in, {.encoding = row.given});
             ASSERT_EQ(parser->next(), LumXmlParser::START_TAG);
             EXPECT_EQ(utf8(parser->getInputEncoding()), row.encoding);
             parser->next();
@@ -159,10 +155,7 @@ TEST(LumXmlParserEncoding, mayNotContradictTheMark) {
 TEST(LumXmlParserEncoding, mayBeUnknownWhenTheCallerSaysSo) {
     const std::string document = "<?xml version='1.0' encoding='no-such-charset'?><a>x</a>";
     EXPECT_EQ(getDescriptions(recordEvents(document, Pull::events,
-                                           {.features = {LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING},
-                                            .encoding = {},
-                                            .baseUri = {},
-                                            .entities = {}})),
+                                           {.features = {LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING}})),
               (std::vector<std::string>{"START_TAG 1 a", "TEXT 1 \"x\"", "END_TAG 1 a", "END_DOCUMENT 0"}));
     // Only the built-in decoders: the other feature does not soften that.
     PieceStream in("<a/>");
@@ -170,8 +163,7 @@ TEST(LumXmlParserEncoding, mayBeUnknownWhenTheCallerSaysSo) {
         openParser(in, {.features = {LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING,
                                      LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY},
                         .encoding = "EUC-JP",
-                        .baseUri = "file:///base/",
-                        .entities = {}});
+                        .baseUri = "file:///base/"});
     });
 }
 

@@ -133,8 +133,8 @@ TEST(LumXmlParserInput, saysNoToAccessorsOutOfPlace) {
 
 TEST(LumXmlParserInput, startsAnewWithEachInput) {
     PieceStream first("<?xml version='1.0' encoding='ISO-8859-1'?><p:a xmlns:p='u' b='1'><c>x");
-    const LumPtr<LumXmlParser> parser = openParser(
-        first, {.features = {}, .encoding = {}, .baseUri = "http://host.example/first/", .entities = {{"e", "1"}}});
+    const LumPtr<LumXmlParser> parser =
+        openParser(first, {.baseUri = "http://host.example/first/", .entities = {{"e", "1"}}});
     for (int i = 0; i < 3; ++i) parser->next();
     EXPECT_EQ(parser->getDepth(), 2);
     EXPECT_EQ(utf8(parser->getBaseUri()), "http://host.example/first/");

@@ -11,7 +11,7 @@ using namespace LumTest;
 using Entities = std::vector<std::pair<std::string, std::string>>;
 
 Setup with(Entities entities, std::vector<LumXmlParser::Feature> features = {}) {
-    return {.features = std::move(features), .encoding = {}, .baseUri = {}, .entities = std::move(entities)};
+    return {.features = std::move(features), .entities = std::move(entities)};
 }
 
 struct ExpansionRow {
