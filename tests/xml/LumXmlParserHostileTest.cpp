@@ -36,6 +36,7 @@ Counts countEvents(std::istream& in, Pull how = Pull::events) {
             ++counts.texts;
             counts.textUnits += parser->getText().length();
         }
+        parser->getLineNumber();  // as the loader of documents asks
         counts.deepest = std::max(counts.deepest, parser->getDepth());
         if (type == LumXmlParser::END_DOCUMENT) break;
     }
@@ -118,6 +119,19 @@ TEST(LumXmlParserHostile, namesMadeToShareAHash) {
     };
     const double ordinary = parseSeconds(makeDocument("\xE8\x81\xA2", "f"));
     EXPECT_LT(parseSeconds(makeDocument("\xE8\x81\xA1", "e")), 2.5 * ordinary + 0.2);
+}
+
+// Looking for the input under all the texts that are being read would take four times as long for twice as many.
+TEST(LumXmlParserHostile, elementsInNestedEntities) {
+    const auto makeDocument = [](int entities) {
+        std::string document = "<!DOCTYPE a [";
+        for (int i = 0; i < entities; ++i) {
+            document += "<!ENTITY e" + std::to_string(i) + " '<b/>&e" + std::to_string(i + 1) + ";x'>";
+        }
+        return document + "<!ENTITY e" + std::to_string(entities) + " ''>]><a>&e0;</a>";
+    };
+    const double half = parseSeconds(makeDocument(25000));
+    EXPECT_LT(parseSeconds(makeDocument(50000)), 3.2 * half + 0.2);
 }
 
 TEST(LumXmlParserHostile, aHundredThousandAttributes) {
