@@ -16,8 +16,6 @@ using detail::isXmlSpace;
 
 namespace {
 
-UnicodeString charText(std::int32_t c) { return c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)); }
-
 bool endsWith(const detail::UnitBuffer& text, std::u16string_view end) {
     return std::u16string_view(text.data(), text.size()).ends_with(end);
 }

@@ -250,6 +250,7 @@ private:
                     const UnicodeString& b = UnicodeString());
     [[noreturn]] void throwNotAllowed(LumCommonErrorSource source) const;
     const Attribute& attributeAt(int index, LumCommonErrorSource source) const;
+    static UnicodeString charText(std::int32_t c);  // for messages; empty at the end of input
     static UnicodeString makeQName(LumName prefix, LumName localName);
 
     bool features_[6] = {};

@@ -254,7 +254,7 @@ void XmlParserImpl::finishStartTag() {
         throwError(XmlError::AttributeSpace);
         return;
     }
-    throwError(XmlError::UnexpectedChar, c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)));
+    throwError(XmlError::UnexpectedChar, charText(c));
 }
 
 void XmlParserImpl::bindRootNamespaces() {
@@ -328,7 +328,7 @@ void XmlParserImpl::parseEndTag() {
     skipWhitespace();
     c = readChar();
     if (c != '>') {
-        throwError(XmlError::UnexpectedChar, c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)));
+        throwError(XmlError::UnexpectedChar, charText(c));
     }
 }
 
