@@ -47,7 +47,7 @@ public:
         FEATURE_SKIP_EXTERNAL_DTD = 0,            ///< the external DTD is not read
         FEATURE_IGNORE_UNDEFINED_ENTITIES = 1,    ///< an undefined entity is empty text
         FEATURE_ALLOW_UNDECLARED_PREFIX = 2,      ///< an attribute's undeclared prefix is its own namespace
-        FEATURE_IGNORE_EXTERNAL_DTD_ERRORS = 3,   ///< errors in the external DTD are ignored
+        FEATURE_IGNORE_EXTERNAL_DTD_ERRORS = 3,   ///< an error ends the external DTD; what stood before it holds
         FEATURE_IGNORE_UNSUPPORTED_ENCODING = 4,  ///< bytes in an unknown encoding are read as they are
         FEATURE_BUILTIN_ENCODINGS_ONLY = 5,       ///< any encoding but the built-in ones is an error
     };

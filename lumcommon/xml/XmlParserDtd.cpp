@@ -16,8 +16,6 @@ using detail::isXmlSpace;
 
 namespace {
 
-UnicodeString charText(std::int32_t c) { return c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)); }
-
 bool endsWith(const detail::UnitBuffer& text, std::u16string_view end) {
     return std::u16string_view(text.data(), text.size()).ends_with(end);
 }
@@ -101,9 +99,8 @@ void XmlParserImpl::parseDocDecl() {
     }
     readDeclaration(u"DOCTYPE");
     if (id.publicId.startsWith(u"-//W3C//DTD SVG")) {
-        namespaces_->addNamespace(LumName(), LumName(UnicodeString(u"http://www.w3.org/2000/svg")));
-        namespaces_->addNamespace(LumName(UnicodeString(u"xlink")),
-                                  LumName(UnicodeString(u"http://www.w3.org/1999/xlink")));
+        namespaces_->addNamespace(LumName(), LumName(UnicodeString(detail::svgNamespace)));
+        namespaces_->addNamespace(NAME_xlink, LumName(UnicodeString(detail::xlinkNamespace)));
     }
     if (!id.systemId.isEmpty() && !features_[FEATURE_SKIP_EXTERNAL_DTD]) addExternalDtd(id.systemId);
     docTypeSeen_ = true;
@@ -112,7 +109,9 @@ void XmlParserImpl::parseDocDecl() {
 void XmlParserImpl::readDeclaration(const char16_t* what) {
     const int streamsBelow = streamCount_;
     int nesting = 1;
+    int nestingBelow = nesting;  // where an external parameter entity was referenced
     while (nesting > 0) {
+        if (streamCount_ == streamsBelow) nestingBelow = nesting;
         try {
             const std::int32_t c = readChar();
             if (c < 0) {
@@ -124,6 +123,7 @@ void XmlParserImpl::readDeclaration(const char16_t* what) {
             // What an ignorable external parameter entity breaks off goes with it.
             if (!features_[FEATURE_IGNORE_UNDEFINED_ENTITIES] || streamCount_ <= streamsBelow) throw;
             while (streamCount_ > streamsBelow) popFrame();
+            nesting = nestingBelow;
         }
     }
 }
@@ -293,15 +293,7 @@ void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
         return;
     }
     std::shared_ptr<const detail::ExternalDtd> dtd = detail::ExternalDtdCache::find(resource.toString());
-    if (!dtd) {
-        try {
-            dtd = readExternalDtd(resource, LumUri(systemId).isAbsolute() ? UnicodeString() : getBaseUri());
-        } catch (const LumError&) {
-            if (!features_[FEATURE_IGNORE_EXTERNAL_DTD_ERRORS]) throw;
-        }
-        if (!dtd) return;
-        dtd = detail::ExternalDtdCache::add(resource.toString(), std::move(dtd));
-    }
+    if (!dtd) dtd = readExternalDtd(resource, LumUri(systemId).isAbsolute() ? UnicodeString() : getBaseUri());
     addDefinitions(dtd->generalEntities, generalEntities_, generalEntities_, generalExternals_);
     addDefinitions(dtd->parameterEntities, parameterEntities_, parameterEntities_, parameterExternals_);
     addDefinitions(dtd->generalExternals, generalExternals_, generalEntities_, generalExternals_);
@@ -309,16 +301,14 @@ void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
 }
 
 std::shared_ptr<const detail::ExternalDtd> XmlParserImpl::readExternalDtd(const LumUri& resource,
-                                                                          const UnicodeString& baseUri) {
-    // A resource of another kind than a file that cannot be had contributes nothing.
+                                                                          const UnicodeString& baseUri) const {
     LumPtr<XmlParserImpl> parser(new XmlParserImpl);
+    bool isWhole = false;
     try {
-        parser->setInput(resource.toString(), UnicodeString(), baseUri);
-    } catch (const LumError& error) {
-        if (!resource.isFile() && error.code == static_cast<std::uint16_t>(LumErrorCodeIO::CannotOpen)) return nullptr;
-        throw;
+        isWhole = parser->parseExternalDtd(resource, baseUri);
+    } catch (const LumError&) {
+        if (!features_[FEATURE_IGNORE_EXTERNAL_DTD_ERRORS]) throw;
     }
-    parser->parseExternalDtd();
     auto dtd = std::make_shared<detail::ExternalDtd>();
     const auto collect = [](const EntityMap& from, detail::ExternalDtd::Definitions& to) {
         to.reserve(from.size());
@@ -328,7 +318,9 @@ std::shared_ptr<const detail::ExternalDtd> XmlParserImpl::readExternalDtd(const 
     collect(parser->parameterEntities_, dtd->parameterEntities);
     collect(parser->generalExternals_, dtd->generalExternals);
     collect(parser->parameterExternals_, dtd->parameterExternals);
-    return dtd;
+    // What an error cut short is for this document alone: the next one may want to hear of the error.
+    if (!isWhole) return dtd;
+    return detail::ExternalDtdCache::add(resource.toString(), std::move(dtd));
 }
 
 void XmlParserImpl::addDefinitions(const std::vector<std::pair<UnicodeString, UnicodeString>>& from, EntityMap& to,
@@ -339,7 +331,14 @@ void XmlParserImpl::addDefinitions(const std::vector<std::pair<UnicodeString, Un
     }
 }
 
-void XmlParserImpl::parseExternalDtd() {
+bool XmlParserImpl::parseExternalDtd(const LumUri& resource, const UnicodeString& baseUri) {
+    try {
+        setInput(resource.toString(), UnicodeString(), baseUri);
+    } catch (const LumError& error) {
+        // A resource of another kind than a file that cannot be had contributes nothing.
+        if (!resource.isFile() && error.code == static_cast<std::uint16_t>(LumErrorCodeIO::CannotOpen)) return false;
+        throw;
+    }
     isStarted_ = true;
     detail::XmlInput& input = *currentInput();
     detectEncoding(input);
@@ -367,6 +366,7 @@ void XmlParserImpl::parseExternalDtd() {
     if (getDepth() > 0) throwError(XmlError::MissingEndTag);
     eventType_ = END_DOCUMENT;
     closeStream();
+    return true;
 }
 
 }  // namespace LumCommon

@@ -370,6 +370,10 @@ void XmlParserImpl::throwError(std::uint16_t code, const UnicodeString& a, const
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
 }
 
+UnicodeString XmlParserImpl::charText(std::int32_t c) {
+    return c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c));
+}
+
 UnicodeString XmlParserImpl::makeQName(LumName prefix, LumName localName) {
     if (prefix.isNull()) return localName.getString();
     return UnicodeString(prefix.getString()).append(u':').append(localName.getString());

@@ -21,7 +21,10 @@ class LumUri;
 
 namespace detail {
 struct ExternalDtd;
-}
+// Bound without a declaration where a document is SVG.
+inline constexpr char16_t svgNamespace[] = u"http://www.w3.org/2000/svg";
+inline constexpr char16_t xlinkNamespace[] = u"http://www.w3.org/1999/xlink";
+}  // namespace detail
 
 /// The parser.
 ///
@@ -108,6 +111,7 @@ private:
         detail::XmlCursor cursor;                 // while another frame is on top of it
         std::unique_ptr<detail::XmlInput> input;  // Stream
         bool isBarrier = false;                   // its end is the end of input, whatever lies below
+        std::size_t source = 0;                   // the nearest frame from here down that is no replacement
         UnicodeString text;                       // Replacement: keeps the units alive
         std::vector<std::uint32_t> entityKeys;    // Replacement: the entities that end with it
         const char16_t* start = nullptr;          // Literal: its first unit
@@ -220,7 +224,7 @@ private:
     };
     void parseDocDecl();
     void parseEntityDecl();
-    void parseExternalDtd();
+    bool parseExternalDtd(const LumUri& resource, const UnicodeString& baseUri);  // false when it cannot be had
     void readDeclaration(const char16_t* what);
     void readDeclarationChar(std::int32_t c, int& nesting);
     template <class IsEnd>
@@ -236,8 +240,8 @@ private:
     UnicodeString readEntityValue();
     void readNotation(const UnicodeString& start, const UnicodeString& systemId);
     void addExternalDtd(const UnicodeString& systemId);
-    static std::shared_ptr<const detail::ExternalDtd> readExternalDtd(const LumUri& resource,
-                                                                      const UnicodeString& baseUri);
+    std::shared_ptr<const detail::ExternalDtd> readExternalDtd(const LumUri& resource,
+                                                               const UnicodeString& baseUri) const;
     void addDefinitions(const std::vector<std::pair<UnicodeString, UnicodeString>>& from, EntityMap& to,
                         const EntityMap& internal, const EntityMap& external);
 
@@ -246,6 +250,7 @@ private:
                     const UnicodeString& b = UnicodeString());
     [[noreturn]] void throwNotAllowed(LumCommonErrorSource source) const;
     const Attribute& attributeAt(int index, LumCommonErrorSource source) const;
+    static UnicodeString charText(std::int32_t c);  // for messages; empty at the end of input
     static UnicodeString makeQName(LumName prefix, LumName localName);
 
     bool features_[6] = {};

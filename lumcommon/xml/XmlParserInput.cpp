@@ -147,6 +147,10 @@ void XmlParserImpl::reset() {
     openNames_.clear();
     while (namespaces_->popScope()) {
     }
+    if (namespaces_->hasNamespace(NAME_xlink)) {  // by a document type declaration, outside of all elements
+        namespaces_->removeNamespace(LumName(), LumName(UnicodeString(detail::svgNamespace)));
+        namespaces_->removeNamespace(NAME_xlink, LumName(UnicodeString(detail::xlinkNamespace)));
+    }
 }
 
 void XmlParserImpl::loadPredefinedEntities() {
@@ -177,7 +181,7 @@ void XmlParserImpl::rememberPosition() const {
 }
 
 detail::TextPosition XmlParserImpl::positionOf(std::size_t frameIndex) const {
-    while (frames_[frameIndex]->kind == Frame::Replacement) --frameIndex;
+    frameIndex = frames_[frameIndex]->source;
     const Frame& frame = *frames_[frameIndex];
     const detail::XmlCursor& cursor = frameIndex + 1 == frameCount_ ? cursor_ : frame.cursor;
     if (frame.kind == Frame::Stream) return frame.input->getPosition(cursor);
@@ -188,7 +192,8 @@ detail::TextPosition XmlParserImpl::positionOf(std::size_t frameIndex) const {
 }
 
 XmlInput* XmlParserImpl::currentInput() const noexcept {
-    for (std::size_t i = frameCount_; i-- > 0;) {
+    for (std::size_t i = frameCount_; i > 0;) {
+        i = frames_[i - 1]->source;
         if (frames_[i]->input) return frames_[i]->input.get();
     }
     return nullptr;
@@ -197,8 +202,10 @@ XmlInput* XmlParserImpl::currentInput() const noexcept {
 XmlParserImpl::Frame& XmlParserImpl::pushFrame(Frame::Kind kind) {
     if (frameCount_ > 0) frames_[frameCount_ - 1]->cursor = cursor_;
     if (frameCount_ == frames_.size()) frames_.push_back(std::make_unique<Frame>());
-    Frame& frame = *frames_[frameCount_++];
+    Frame& frame = *frames_[frameCount_];
     frame.kind = kind;
+    frame.source = kind == Frame::Replacement && frameCount_ > 0 ? frames_[frameCount_ - 1]->source : frameCount_;
+    ++frameCount_;
     frame.isBarrier = false;
     cursor_ = {};
     if (kind == Frame::Stream) ++streamCount_;

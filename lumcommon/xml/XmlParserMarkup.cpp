@@ -17,8 +17,6 @@ using detail::XmlEncoding;
 
 namespace {
 
-UnicodeString charText(std::int32_t c) { return c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)); }
-
 bool isUtf16Order(XmlEncoding encoding) { return encoding == XmlEncoding::Utf16LE || encoding == XmlEncoding::Utf16BE; }
 
 bool isUtf32Order(XmlEncoding encoding) { return encoding == XmlEncoding::Utf32LE || encoding == XmlEncoding::Utf32BE; }

@@ -254,22 +254,18 @@ void XmlParserImpl::finishStartTag() {
         throwError(XmlError::AttributeSpace);
         return;
     }
-    throwError(XmlError::UnexpectedChar, c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)));
+    throwError(XmlError::UnexpectedChar, charText(c));
 }
 
 void XmlParserImpl::bindRootNamespaces() {
-    static constexpr char16_t svg[] = u"http://www.w3.org/2000/svg";
     static constexpr char16_t chart[] = u"http://ns.diagrix.example/names/Diagrix";
-    static constexpr char16_t xlinkUri[] = u"http://www.w3.org/1999/xlink";
-    static constexpr char16_t xlink[] = u"xlink";
-    const bool isSvg = rootName_.getString() == UnicodeString(u"svg");
+    const bool isSvg = rootName_ == NAME_svg;
     if (!isSvg && rootName_ != NAME_chart) return;
     if (namespaces_->lookupNamespace(LumName()).isNull()) {
-        namespaces_->addNamespace(LumName(), LumName(UnicodeString(isSvg ? svg : chart)));
+        namespaces_->addNamespace(LumName(), LumName(UnicodeString(isSvg ? detail::svgNamespace : chart)));
     }
-    const LumName xlinkPrefix{UnicodeString(xlink)};
-    if (namespaces_->lookupNamespace(xlinkPrefix).isNull()) {
-        namespaces_->addNamespace(xlinkPrefix, LumName(UnicodeString(xlinkUri)));
+    if (namespaces_->lookupNamespace(NAME_xlink).isNull()) {
+        namespaces_->addNamespace(NAME_xlink, LumName(UnicodeString(detail::xlinkNamespace)));
     }
 }
 
@@ -332,7 +328,7 @@ void XmlParserImpl::parseEndTag() {
     skipWhitespace();
     c = readChar();
     if (c != '>') {
-        throwError(XmlError::UnexpectedChar, c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c)));
+        throwError(XmlError::UnexpectedChar, charText(c));
     }
 }
 

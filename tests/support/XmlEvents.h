@@ -117,10 +117,11 @@ inline Position getPosition(const LumXmlParser& parser) { return {parser.getLine
 
 /// What a parser is told besides the document.
 struct Setup {
-    std::vector<LumXmlParser::Feature> features;
-    std::string encoding;
-    std::string baseUri;
-    std::vector<std::pair<std::string, std::string>> entities;  // defined after setInput, which forgets earlier ones
+    std::vector<LumXmlParser::Feature> features = {};
+    std::string encoding = {};
+    std::string baseUri = {};
+    std::vector<std::pair<std::string, std::string>> entities =
+        {};  // defined after setInput, which forgets earlier ones
 };
 
 inline LumPtr<LumXmlParser> openParser(std::istream& in, const Setup& setup = {}) {

@@ -4,7 +4,6 @@
 
 #include "support/ExpectError.h"
 #include "support/ResourceLibrary.h"
-#include "support/TempFolder.h"
 #include "support/XmlEvents.h"
 
 namespace {
@@ -21,8 +20,7 @@ std::string tell(const std::string& document, const Features& features = {}, con
     std::string told;
     PieceStream in(document, pieceBytes);
     try {
-        const LumPtr<LumXmlParser> parser =
-            openParser(in, {.features = features, .encoding = {}, .baseUri = baseUri, .entities = {}});
+        const LumPtr<LumXmlParser> parser = openParser(in, {.features = features, .baseUri = baseUri});
         for (LumXmlParser::EventType type; (type = parser->next()) != LumXmlParser::END_DOCUMENT;) {
             const std::string name = toUtf8(parser->getName().getString());
             if (type == LumXmlParser::TEXT) told += toUtf8(parser->getText());
@@ -82,12 +80,9 @@ constexpr SubsetRow subsetRows[] = {
     {"a keyword by reference is not seen", "<!ENTITY % k 'IGNORE'><![%k;[<!ENTITY e 'no'>]]><!ENTITY e 'yes'>", "&e;",
      "yes"},
     {"a value is not expanded in an attribute", "<!ENTITY e '&f;\t'><!ENTITY f '&#60;'>", "<b c='&e;'/>", "!1830"},
-    {"nested references in an attribute are lost", "<!ENTITY e '[&f;]'><!ENTITY f '(&#38;)'>", "<b c='&e;'/>", "!181B"},
     {"a name outside ASCII is refused", "<!ENTITY \xC3\xA9 '\xF0\x9F\x98\x80'>", "&\xC3\xA9;", "\xF0\x9F\x98\x80"},
-    {"an entity that names itself is expanded", "<!ENTITY e 'x&e;'>", "&e;", "!1837"},
     {"an entity that names itself by another is expanded", "<!ENTITY e '&f;'><!ENTITY f ' &g;'><!ENTITY g '&e;'>",
      "&e;", "!1837"},
-    {"an entity in markup that names itself is expanded", "<!ENTITY e '<b>&e;</b>'>", "&e;", "<b>!1837"},
     {"an entity may not be used twice", "<!ENTITY e '&f;&f;'><!ENTITY f 'x'>", "&e;&e;&f;", "xxxxx"},
 };
 
@@ -124,7 +119,7 @@ constexpr TextRow textRows[] = {
 };
 
 TEST(LumXmlParserDtd, textOfTheDeclaration) {
-    const LumTest::Setup setup{.features = {skipDtd}, .encoding = {}, .baseUri = {}, .entities = {}};
+    const LumTest::Setup setup{.features = {skipDtd}};
     for (const TextRow& row : textRows) {
         std::string expected = row.text;
         if (const std::size_t at = expected.find("\\u0022"); at != std::string::npos) expected.replace(at, 6, "\"");
@@ -133,14 +128,19 @@ TEST(LumXmlParserDtd, textOfTheDeclaration) {
 }
 
 TEST(LumXmlParserDtd, publicIdentifierBindsTheNamespacesOfSvg) {
-    const LumTest::Setup setup{.features = {skipDtd}, .encoding = {}, .baseUri = {}, .entities = {}};
-    EXPECT_EQ(recordEvents("<!DOCTYPE g PUBLIC '-//W3C//DTD SVG 1.1//EN' 's'><g xlink:href='x'/>", Pull::events, setup)
-                  .front()
-                  .event,
-              "START_TAG 1 {http://www.w3.org/2000/svg}g {http://www.w3.org/1999/xlink}xlink:href=\"x\" /");
-    EXPECT_EQ(
-        recordEvents("<!DOCTYPE g PUBLIC '-//W3C//DTD XHTML 1.1//EN' 's'><g/>", Pull::events, setup).front().event,
-        "START_TAG 1 g /");
+    const char* bound = "START_TAG 1 {http://www.w3.org/2000/svg}g {http://www.w3.org/1999/xlink}xlink:href=\"x\" /";
+    const std::pair<const char*, const char*> rows[] = {
+        {"<!DOCTYPE g PUBLIC '-//W3C//DTD SVG 1.1//EN' 's'><g xlink:href='x'/>", bound},
+        {"<!DOCTYPE g PUBLIC '-//W3C//DTD XHTML 1.1//EN' 's'><g/>", "START_TAG 1 g /"},
+    };
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();  // one for both: bindings end with a document
+    parser->setFeature(skipDtd, true);
+    for (const auto& [document, event] : rows) {
+        PieceStream in(document);
+        parser->setInput(in, UnicodeString(), UnicodeString());
+        parser->next();
+        EXPECT_EQ(describe(*parser), event);
+    }
 }
 
 struct FeatureRow {
@@ -158,11 +158,12 @@ const FeatureRow featureRows[] = {
     {"an absent file is not ignored", {ignoreDtdErrors}, "file:///no-such-folder/x.dtd", "<a>!181E"},
     {"an error in the definition is lost", {}, "bad.dtd", "!1816"},
     {"an error in the definition is not ignored", {ignoreDtdErrors, ignoreUndefined}, "bad.dtd", "<a>[]</a>"},
+    {"what stands before an ignored error is lost", {ignoreDtdErrors}, "late.dtd", "<a>[yes]</a>"},
+    {"an error that one document ignored is ignored in the next", {}, "late.dtd", "!1816"},
     {"a text declaration without version is taken for an XML declaration", {}, "text.dtd", "!1822"},
     {"the XML declaration's encoding is not used", {}, "latin.dtd", "<a>[\xC3\xA9]</a>"},
     {"an undefined parameter entity is an error outside declarations", {}, "undefined.dtd", "<a>[yes]</a>"},
     {"an external parameter entity is not read, or not against the base", {}, "module.dtd", "<a>[yes]</a>"},
-    {"a definition that names itself is read for ever", {}, "self.dtd", "!1838"},
     {"definitions that name each other are read for ever", {}, "first.dtd", "!1838"},
 };
 
@@ -170,12 +171,12 @@ TEST(LumXmlParserDtd, externalDefinition) {
     ResourceLibrary library;
     library.add("x.dtd", "<!ENTITY e 'yes'>");
     library.add("bad.dtd", "<!ENTITY f 'x'>\n<!ENTITY e>");
+    library.add("late.dtd", "<!ENTITY e 'yes'><!ENTITY>");
     library.add("text.dtd", "<?xml encoding='UTF-8'?><!ENTITY e 'yes'>");
     library.add("latin.dtd", "<?xml version='1.0' encoding='ISO-8859-1'?><!ENTITY e '\xE9'>");
     library.add("undefined.dtd", "%nothing; text <?p ?><!ENTITY e 'yes'>");
     library.add("module.dtd", "<!ENTITY % m SYSTEM 'x.mod'>%m;");
     library.add("x.mod", "<?xml encoding='UTF-8'?><![INCLUDE[<!ENTITY e 'yes'>]]>");
-    library.add("self.dtd", "<!ENTITY % m SYSTEM 'self.dtd'>\n%m;");
     library.add("first.dtd", "<!ENTITY % m SYSTEM 'first.dtd'><!ENTITY % n SYSTEM 'second.dtd'>%n;");
     library.add("second.dtd", "%m; %n;");
     for (const FeatureRow& row : featureRows) {
@@ -183,6 +184,10 @@ TEST(LumXmlParserDtd, externalDefinition) {
         const std::string document = std::string("<!DOCTYPE a SYSTEM '") + row.systemId + "'><a>[&e;]</a>";
         EXPECT_EQ(tell(document, row.features, library.getBase()), row.told);
     }
+    EXPECT_EQ(tell("<!DOCTYPE a [<!ENTITY % m SYSTEM 'bad.dtd'>%m;<!ENTITY e 'yes'>]><a>&f;&e;</a>", {ignoreUndefined},
+                   library.getBase()),
+              "<a>xyes</a>")
+        << "the declaration that an ignored error broke off stays open";
     PieceStream in("<!DOCTYPE a SYSTEM '" + library.getBase() + "bad.dtd'><a/>");
     expectParserError(0x1816, "Missing whitespace after '<!ENTITY e'.",
                       "START_DOCUMENT, '" + library.getBase() + "bad.dtd', Line 2, Col 11.",
@@ -232,23 +237,6 @@ TEST(LumXmlParserDtd, externalEntities) {
             "<!DOCTYPE a [<!ENTITY x SYSTEM '" + x + "'><!ENTITY y PUBLIC 'p' 'y.ent'>]><a>[&x;]&y;</a>";
         EXPECT_EQ(tell(document, {}, library.getBase()), row.told);
         EXPECT_EQ(tell(document, {}, library.getBase(), 1), row.told);
-    }
-}
-
-TEST(LumXmlParserDtd, filesThatNameEachOther) {
-    const TempFolder folder;
-    writeFile(folder.getPath() + "x.ent", "x&y;x");
-    writeFile(folder.getPath() + "y.ent", "y&x;y");
-    writeFile(folder.getPath() + "doc.xml",
-              "<!DOCTYPE a [<!ENTITY x SYSTEM 'x.ent'><!ENTITY y SYSTEM 'y.ent'>]><a>&x;</a>");
-    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    parser->setInput(fromUtf8(folder.getPath() + "doc.xml"), UnicodeString(), fromUtf8(folder.getPath()));
-    parser->next();
-    try {
-        parser->next();
-        ADD_FAILURE() << "nothing thrown";
-    } catch (const LumError& error) {
-        EXPECT_EQ(error.code, 0x1838u);
     }
 }
 
@@ -305,7 +293,6 @@ struct ExpansionRow {
     const char* content;
 };
 constexpr ExpansionRow expansionRows[] = {
-    {"content", "", "&", "]><a>&e9;</a>"},
     {"attribute value", "", "&", "]><a b='&e9;'/>"},
     {"declarations", "% ", "%", "%e9;]><a/>"},
 };
@@ -336,8 +323,7 @@ TEST(LumXmlParserDtd, manyDeclarations) {
     EXPECT_EQ(tell(same + "]><a>&e;</a>"), "<a>0</a>");
     chain += "<!ENTITY e" + std::to_string(entities);
     EXPECT_EQ(tell(chain + " ''>]><a>&e0;</a>"), "<a>" + std::string(entities / 2, 'x') + "</a>");
-    const std::string loop = tell(chain + " '&e7;'>]><a>&e0;</a>");
-    EXPECT_EQ(loop, "<a>!1837");
+    EXPECT_EQ(tell(chain + " '&e7;'>]><a>&e0;</a>"), "<a>!1837");
 }
 
 TEST(LumXmlParserDtd, everyPrefixOfADeclaration) {

@@ -20,8 +20,7 @@ using namespace LumTest;
 
 std::string readText(const std::string& document, const std::string& baseUri = {}) {
     PieceStream in(document);
-    const LumPtr<LumXmlParser> parser =
-        openParser(in, {.features = {}, .encoding = {}, .baseUri = baseUri, .entities = {}});
+    const LumPtr<LumXmlParser> parser = openParser(in, {.baseUri = baseUri});
     std::string text;
     for (LumXmlParser::EventType type; (type = parser->next()) != LumXmlParser::END_DOCUMENT;) {
         if (type == LumXmlParser::TEXT) text += toUtf8(parser->getText());
@@ -158,8 +157,7 @@ TEST(LumXmlParserDtdThreads, realDefinitionsDeclareWhatAnotherParserFinds) {
             for (const bool isFirst : {true, false}) {
                 const int before = modules.opened;
                 PieceStream in("<!DOCTYPE a SYSTEM '" + systemId + "'><a>" + content + "</a>");
-                const LumPtr<LumXmlParser> parser =
-                    openParser(in, {.features = {}, .encoding = {}, .baseUri = folder, .entities = {}});
+                const LumPtr<LumXmlParser> parser = openParser(in, {.baseUri = folder});
                 std::size_t compared = 0;
                 try {
                     while (parser->nextToken() != LumXmlParser::END_DOCUMENT) {

@@ -62,13 +62,10 @@ TEST(LumXmlParserEncoding, isRecognisedFromTheFirstBytes) {
         for (const std::string& given : {std::string(), family == "UTF-8" ? std::string() : family}) {
             for (const std::size_t pieceBytes : {std::size_t{1}, std::size_t{3}, wholeInput}) {
                 PieceStream in(bytes, pieceBytes);
-                const LumPtr<LumXmlParser> parser =
-                    openParser(in, {.features = {}, .encoding = given, .baseUri = {}, .entities = {}});
+                const LumPtr<LumXmlParser> parser = openParser(in, {.encoding = given});
                 parser->next();
                 EXPECT_EQ(utf8(parser->getInputEncoding()), row.encoding);
-                EXPECT_EQ(recordEvents(bytes, Pull::events,
-                                       {.features = {}, .encoding = given, .baseUri = {}, .entities = {}}, pieceBytes),
-                          expected);
+                EXPECT_EQ(recordEvents(bytes, Pull::events, {.encoding = given}, pieceBytes), expected);
             }
         }
     }
@@ -93,20 +90,15 @@ constexpr DeclarationRow declarationRows[] = {
     {"a lower-case alias is unknown", "UTF-8", false, "", "latin1", "latin1", bytesText},
     {"an alias with a colon is unknown", "UTF-8", false, "", "ISO_8859-1:1987", "ISO_8859-1:1987", bytesText},
     {"ASCII rejects bytes above 0x7F", "UTF-8", false, "", "US-ASCII", "US-ASCII", bytesText},
-    {"an alias of ASCII is unknown", "UTF-8", false, "", "iso_646.irv:1991", "iso_646.irv:1991", bytesText},
     {"UTF-16 without byte order reads pairs", "UTF-8", false, "", "UTF-16", "UTF-16", bytesText},
     {"UCS-4 without byte order reads fours", "UTF-8", false, "", "ucs-4", "ucs-4", bytesText},
     {"UTF-8 declared with a mark is a conflict", "UTF-8", true, "", "UTF-8", "UTF-8", utf8Text},
     {"the declaration wins over the recognised form", "UTF-16LE", false, "", "UTF-8", "UTF-16LE", utf8Text},
-    {"the declaration wins over the recognised form", "UTF-16BE", false, "", "ISO-8859-1", "UTF-16BE", utf8Text},
-    {"the declaration wins over the recognised form", "UTF-32LE", false, "", "UTF-16LE", "UTF-32LE", utf8Text},
     {"the declared byte order wins", "UTF-16LE", false, "", "UTF-16BE", "UTF-16LE", utf8Text},
     {"UTF-16 declared without byte order is a change", "UTF-16LE", false, "", "UTF-16", "UTF-16", utf8Text},
     {"UTF-16 declared with a mark is a conflict", "UTF-16LE", true, "", "UTF-16", "UTF-16", utf8Text},
-    {"UCS-2 declared with a mark is a conflict", "UTF-16BE", true, "", "ISO-10646-UCS-2", "ISO-10646-UCS-2", utf8Text},
     {"the declared byte order that is there is a conflict", "UTF-16BE", true, "", "UTF-16BE", "UTF-16BE", utf8Text},
     {"UCS-4 declared with a mark is a conflict", "UTF-32BE", true, "", "UCS-4", "UCS-4", utf8Text},
-    {"UCS-2 for UTF-32 is a change", "UTF-32LE", false, "", "UNICODE", "UTF-32LE", utf8Text},
     {"what the caller says is forgotten", "UTF-8", false, "iso-8859-1", nullptr, "iso-8859-1", bytesText},
     {"what the caller says is overridden by a guess", "UTF-8", false, "UTF-8", nullptr, "UTF-8", utf8Text},
     {"what the caller says wins over the declaration", "UTF-8", false, "ISO-8859-1", "UTF-8", "UTF-8", utf8Text},
@@ -129,8 +121,7 @@ TEST(LumXmlParserEncoding, isThatOfTheDeclarationOrTheCallerWhereTheBytesLeaveIt
         SCOPED_TRACE(testing::Message() << row.form << ' ' << row.given << ' ' << (row.declared ? row.declared : ""));
         for (const std::size_t pieceBytes : {std::size_t{1}, wholeInput}) {
             PieceStream in(makeDeclared(row), pieceBytes);
-            const LumPtr<LumXmlParser> parser =
-                openParser(in, {.features = {}, .encoding = row.given, .baseUri = {}, .entities = {}});
+            const LumPtr<LumXmlParser> parser = openParser(in, {.encoding = row.given});
             ASSERT_EQ(parser->next(), LumXmlParser::START_TAG);
             EXPECT_EQ(utf8(parser->getInputEncoding()), row.encoding);
             parser->next();
@@ -164,10 +155,7 @@ TEST(LumXmlParserEncoding, mayNotContradictTheMark) {
 TEST(LumXmlParserEncoding, mayBeUnknownWhenTheCallerSaysSo) {
     const std::string document = "<?xml version='1.0' encoding='no-such-charset'?><a>x</a>";
     EXPECT_EQ(getDescriptions(recordEvents(document, Pull::events,
-                                           {.features = {LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING},
-                                            .encoding = {},
-                                            .baseUri = {},
-                                            .entities = {}})),
+                                           {.features = {LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING}})),
               (std::vector<std::string>{"START_TAG 1 a", "TEXT 1 \"x\"", "END_TAG 1 a", "END_DOCUMENT 0"}));
     // Only the built-in decoders: the other feature does not soften that.
     PieceStream in("<a/>");
@@ -175,8 +163,7 @@ TEST(LumXmlParserEncoding, mayBeUnknownWhenTheCallerSaysSo) {
         openParser(in, {.features = {LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING,
                                      LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY},
                         .encoding = "EUC-JP",
-                        .baseUri = "file:///base/",
-                        .entities = {}});
+                        .baseUri = "file:///base/"});
     });
 }
 

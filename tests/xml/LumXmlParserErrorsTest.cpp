@@ -35,35 +35,6 @@ TEST(LumXmlParserErrors, tellCodeMessageAndPosition) {
     }
 }
 
-// The same document behind a comment, so that a block border of the input falls on each of its bytes.
-TEST(LumXmlParserErrors, areTheSameWhereverABlockOfTheInputEnds) {
-    for (const ErrorRow& row : errorRows) {
-        const std::string bytes = readMarks(row.document).bytes;
-        if (row.event == atStart || bytes.starts_with("<?")) continue;  // has to come first
-        SCOPED_TRACE(row.document);
-        for (const std::size_t border : {std::size_t{4096}, std::size_t{16384}, std::size_t{65536}}) {
-            for (std::size_t inside = 0; inside <= bytes.size(); inside += border == 65536 ? 5 : 1) {
-                const std::string filler(border - inside - 8, 'x');  // with a line end: columns stay small
-                PieceStream in("<!--" + filler + "\n-->" + bytes);
-                try {
-                    const LumPtr<LumXmlParser> parser = openParser(in, row.setup);
-                    while (parser->next() != LumXmlParser::END_DOCUMENT) {
-                    }
-                    ADD_FAILURE() << "nothing thrown at byte " << inside;
-                } catch (const LumError& error) {
-                    ASSERT_EQ(error.code, row.code) << utf8(error.message);
-                    ASSERT_TRUE(utf8(error.message).starts_with(std::string(row.message) + "\n"));
-                    ASSERT_NE(
-                        utf8(error.message)
-                            .find(", Line " + std::to_string(readMarks(row.document).positions[0].line + 1) + ", "),
-                        std::string::npos)
-                        << utf8(error.message);
-                }
-            }
-        }
-    }
-}
-
 struct Heard {
     LumXmlParser* parser = nullptr;
     std::vector<unsigned> codes;

@@ -36,6 +36,7 @@ Counts countEvents(std::istream& in, Pull how = Pull::events) {
             ++counts.texts;
             counts.textUnits += parser->getText().length();
         }
+        parser->getLineNumber();  // as the loader of documents asks
         counts.deepest = std::max(counts.deepest, parser->getDepth());
         if (type == LumXmlParser::END_DOCUMENT) break;
     }
@@ -55,16 +56,6 @@ TEST(LumXmlParserHostile, aMillionLevels) {
     EXPECT_THROW(countEvents(open), LumError);
 }
 
-TEST(LumXmlParserHostile, aMillionReferences) {
-    constexpr int references = 1000000;
-    PieceStream in("<a>" + repeat("&amp;", references) + "</a>");
-    EXPECT_EQ(countEvents(in).textUnits, references);
-    PieceStream inValue("<a b='" + repeat("&#38;", references) + "'/>");
-    const LumPtr<LumXmlParser> parser = openParser(inValue);
-    parser->next();
-    EXPECT_EQ(parser->getAttributeValue(0).length(), references);
-}
-
 struct LongRow {
     const char* construct;
     const char* before;
@@ -73,8 +64,9 @@ struct LongRow {
 };
 constexpr LongRow longRows[] = {
     {"element name", "<", "n", "/>"},
-    {"attribute name", "<a ", "n", "=''/>"},
     {"attribute value", "<a b='", "v", "'/>"},
+    {"value of references", "<a b='", "&#38;", "'/>"},
+    {"text of references", "<a>", "&amp;", "</a>"},
     {"value of line ends", "<a b='", "\r\n", "'/>"},
     {"white space in a tag", "<a ", " ", "/>"},
     {"comment of dashes", "<!--", "- ", "--><a/>"},
@@ -82,9 +74,7 @@ constexpr LongRow longRows[] = {
     {"section of brackets", "<a><![CDATA[", "]", "]]></a>"},
     {"text of brackets", "<a>", "]", "</a>"},
     {"text of carriage returns", "<a>", "\r", "</a>"},
-    {"white space before the root", "", "\n", "<a/>"},
     {"skipped section", "<![X[", "]]", "]]><a/>"},
-    {"entity name", "<a><!--", "&n;", "--></a>"},
     {"digits of a reference", "<a>&#", "0", "65;</a>"},
 };
 
@@ -131,6 +121,19 @@ TEST(LumXmlParserHostile, namesMadeToShareAHash) {
     EXPECT_LT(parseSeconds(makeDocument("\xE8\x81\xA1", "e")), 2.5 * ordinary + 0.2);
 }
 
+// Looking for the input under all the texts that are being read would take four times as long for twice as many.
+TEST(LumXmlParserHostile, elementsInNestedEntities) {
+    const auto makeDocument = [](int entities) {
+        std::string document = "<!DOCTYPE a [";
+        for (int i = 0; i < entities; ++i) {
+            document += "<!ENTITY e" + std::to_string(i) + " '<b/>&e" + std::to_string(i + 1) + ";x'>";
+        }
+        return document + "<!ENTITY e" + std::to_string(entities) + " ''>]><a>&e0;</a>";
+    };
+    const double half = parseSeconds(makeDocument(25000));
+    EXPECT_LT(parseSeconds(makeDocument(50000)), 3.2 * half + 0.2);
+}
+
 TEST(LumXmlParserHostile, aHundredThousandAttributes) {
     const auto makeTag = [](int attributes, const char* prefix) {
         std::string tag = "<a xmlns:p='u' xmlns:q='u2'";
@@ -156,43 +159,6 @@ TEST(LumXmlParserHostile, aHundredThousandAttributes) {
     }
 }
 
-// Markup in a stream that is made on the way: what is handed out is counted against what has been asked for.
-TEST(LumXmlParserHostile, aLongStreamIsReadAsItIsAskedFor) {
-    const std::string piece = repeat("<b>some text</b>", 4096);  // 64 KiB
-    constexpr int pieces = 256;
-    int madePieces = 0;
-    GeneratedBuffer buffer([&]() -> std::string {
-        ++madePieces;
-        if (madePieces == 1) return "<a>";
-        if (madePieces <= pieces + 1) return piece;
-        return madePieces == pieces + 2 ? "</a>" : "";
-    });
-    std::istream in(&buffer);
-    const LumPtr<LumXmlParser> parser = openParser(in);
-    std::int64_t events = 0;
-    while (parser->next() != LumXmlParser::END_DOCUMENT) {
-        ++events;
-        const std::int64_t consumedPieces = events / (3 * 4096);
-        ASSERT_LE(madePieces, consumedPieces + 4) << "the stream is read far ahead";
-    }
-    EXPECT_EQ(events, 2 + std::int64_t{3} * 4096 * pieces);
-}
-
-TEST(LumXmlParserHostile, textWithoutMarkup) {
-    const std::string piece(1 << 20, 'x');
-    int madePieces = 0;
-    GeneratedBuffer buffer([&]() -> std::string {
-        ++madePieces;
-        if (madePieces == 1) return "<a>";
-        if (madePieces <= 65) return piece;
-        return madePieces == 66 ? "</a>" : "";
-    });
-    std::istream in(&buffer);
-    const Counts counts = countEvents(in);
-    EXPECT_EQ(counts.texts, 1);
-    EXPECT_EQ(counts.textUnits, 64 << 20);
-}
-
 const std::string everyConstruct =
     "<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\r\n<!--c - d--><?p q?>\n"
     "<p:r xmlns:p='u' xmlns='v' a=\"1 &lt;\t&#65;&#x1F600;'\" p:a='2'>t\xC3\xA9xt &amp; ]] &#10;"
@@ -211,20 +177,6 @@ TEST(LumXmlParserHostile, everyPrefixOfAGoodDocument) {
             }
             for (const std::size_t pieceBytes : {std::size_t{1}, std::size_t{2}, std::size_t{3}})
                 EXPECT_EQ(recordEvents(cut, how, {}, pieceBytes), whole) << cut;
-        }
-    }
-}
-
-// One byte is changed to each of those that mean something.
-TEST(LumXmlParserHostile, everyByteOfAGoodDocumentReplaced) {
-    constexpr std::string_view others("\0<>&;'\"/!?[]-= \n\r:x#%\x80\xC3\xE2\xF0\xFF", 26);
-    for (std::size_t at = 0; at < everyConstruct.size(); ++at) {
-        std::string changed = everyConstruct;
-        for (const char other : others) {
-            changed[at] = other;
-            const std::vector<EventRecord> whole = recordEvents(changed, Pull::events);
-            EXPECT_TRUE(whole.back().event.starts_with("e") || whole.back().event.starts_with("END_DOCUMENT"));
-            EXPECT_EQ(recordEvents(changed, Pull::events, {}, 1), whole) << changed;
         }
     }
 }

@@ -41,9 +41,6 @@ const NamespaceRow namespaceRows[] = {
      "<p:a xmlns:p='u'><p:b xmlns:p='v'/><p:c/></p:a>",
      {"START_TAG 1 {u}p:a " XMLNS "xmlns:p=\"u\"", "START_TAG 2 {v}p:b " XMLNS "xmlns:p=\"v\" /", "END_TAG 2 {v}p:b",
       "START_TAG 2 {u}p:c /", "END_TAG 2 {u}p:c", "END_TAG 1 {u}p:a"}},
-    {"references in a namespace name are not expanded",
-     "<a xmlns='u&amp;&#118;'/>",
-     {"START_TAG 1 {u&v}a " XMLNS "xmlns=\"u&v\" /", "END_TAG 1 {u&v}a"}},
     {"the prefix xml has to be declared",
      "<a xml:lang='en'/>",
      {"START_TAG 1 a " XMLNSPACE "xml:lang=\"en\" /", "END_TAG 1 a"}},
@@ -87,10 +84,7 @@ TEST(LumXmlParserNamespace, isResolvedForElementsAndAttributes) {
         std::vector<std::string> expected = row.events;
         expected.push_back("END_DOCUMENT 0");
         for (const Pull how : {Pull::events, Pull::tokens}) {
-            EXPECT_EQ(
-                getDescriptions(recordEvents(
-                    row.document, how, {.features = row.features, .encoding = {}, .baseUri = {}, .entities = {}})),
-                expected);
+            EXPECT_EQ(getDescriptions(recordEvents(row.document, how, {.features = row.features})), expected);
         }
     }
 }
