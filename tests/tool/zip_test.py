@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 """Lists and prints archives with the tool and compares with other readers of zip archives: Python's zipfile, and unzip
-where it is installed.   Usage: zip_test.py LUM DATA_FOLDER"""
+where it is installed. What is right for the packages of an office suite was written down beside them.
+Usage: zip_test.py LUM FOLDER_OF_ARCHIVES FOLDER_OF_OFFICE_DOCUMENTS"""
 import gzip
+import hashlib
 import io
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -14,6 +17,7 @@ import zipfile
 
 LUM = os.path.abspath(sys.argv[1])
 DATA = pathlib.Path(sys.argv[2]).resolve()
+DOCUMENTS = pathlib.Path(sys.argv[3]).resolve()
 TEMPORARY = tempfile.TemporaryDirectory(prefix="lum zip ")
 FOLDER = pathlib.Path(TEMPORARY.name)
 UNZIP = shutil.which("unzip")
@@ -108,6 +112,19 @@ def check_archive(path):
                 expect(f"{path.name}!/{info.filename}: other bytes than by unzip", done.stdout, judged.stdout)
 
 
+def check_package(path):
+    """Members, their bytes and the kind of document, as judged; relationships and content types have no command."""
+    judged = (DOCUMENTS / "judge" / (path.name + ".tsv")).read_text(encoding="utf-8")
+    rows = [re.sub(r"\\(\d{3})", lambda match: chr(int(match[1], 8)), line).split("\t") for line in judged.splitlines()]
+    got = []
+    for member in map(json.loads, run("zip", "list", path).stdout.splitlines()):
+        data = run("zip", "cat", path, member["name"]).stdout
+        got.append([member["name"], str(member["uncompressedSize"]), f"{member['crc32']:08x}", hashlib.sha256(data).hexdigest()])
+    expect(f"{path.name}: other members than judged", got, [row[1:] for row in rows if row[0] == "member"])
+    kind = json.loads(run("kind", path).stdout)
+    expect(f"{path.name}: another kind than judged", ["kind", str(kind["ooxml"])], rows[-1])
+
+
 def check_failures():
     (FOLDER / "no.zip").write_bytes(b"PK no archive")
     whole = (FOLDER / "python8False.zip").read_bytes()
@@ -164,7 +181,11 @@ archives = sorted(p for p in DATA.iterdir() if zipfile.is_zipfile(p)) + list(mak
 expect("archives are missing", len(archives) >= 10, True)
 for archive_path in archives:
     check_archive(archive_path)
+packages = sorted(p for p in DOCUMENTS.iterdir() if zipfile.is_zipfile(p))
+expect("packages are missing", len(packages) >= 28, True)
+for package_path in packages:
+    check_package(package_path)
 check_failures()
 check_kind()
-print("\n".join(failures) or f"{len(archives)} archives, all as expected")
+print("\n".join(failures) or f"{len(archives)} archives and {len(packages)} packages, all as expected")
 sys.exit(1 if failures else 0)
