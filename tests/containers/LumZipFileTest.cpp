@@ -44,31 +44,18 @@ std::atomic<int> allocationsLeft{-1};  // the one that finds 0 fails; negative: 
 namespace LumCommon {
 namespace {
 
+using LumTest::contentOf;
 using LumTest::deflated;
 using LumTest::deflatedMember;
 using LumTest::descriptor;
-using LumTest::littleEndian;
+using LumTest::Members;
+using LumTest::membersOf;
 using LumTest::zipEnd;
 using LumTest::ZipMember;
-
-std::string contentOf(std::istream* in) { return in ? std::string(std::istreambuf_iterator<char>(*in), {}) : "(null)"; }
 
 std::string rawData(LumZipFileEntry& entry) {
     const auto data = entry.readCompressedData();
     return {data.begin(), data.end()};
-}
-
-using Members = std::vector<std::pair<std::string, std::string>>;
-
-Members membersOf(const LumZipFile& zip) {
-    Members members;
-    for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-        LumZipFileEntry* const entry = zip.getFileEntry(i);
-        std::string name;
-        entry->getFileName().toUTF8String(name);
-        members.emplace_back(name, contentOf(entry->getUncompressedStream(false)));
-    }
-    return members;
 }
 
 /// The ways in which an archive may lie before the reader. They differ in what seeking behind the end does.
@@ -114,7 +101,6 @@ std::vector<WalkCase> walkCases() {
         {"a directory alone is no archive", "PK\1\2" + std::string(42, '\0'), true, {}},
         {"two letters make an archive", "PK\3\3" + a.bytes().substr(4), false, {}},
         {"a descriptor makes an archive", descriptor(0) + a.bytes(), false, {{"a", "one"}}},
-        {"nothing is read as something", "", false, {}},
         {"stored and deflated members", a.bytes() + b.bytes() + zipEnd, true, {{"a", "one"}, {"d/b", text}}},
         {"an extra field is taken for data",
          ZipMember{.name = "a", .data = "one", .extra = "PK\3\4xx"}.bytes() + b.bytes(),
@@ -148,11 +134,10 @@ std::vector<WalkCase> walkCases() {
         {"a claim of 4 GiB in 100 bytes", lying.bytes(), true, {{"a", lying.data}}},
         {"a zip64 marker", ZipMember{.name = "a", .data = "x", .claimedData = 0xFFFFFFFFu}.bytes(), true, {{"a", "x"}}},
         {"a name beyond the end", ZipMember{.name = "abc", .claimedName = 0xFFFF}.bytes(), true, {{"", ""}}},
-        {"an encrypted member is guessed at",
-         ZipMember{.name = "a", .data = "s", .flags = 1}.bytes(),
+        {"encrypted, of another method than deflate",
+         ZipMember{.name = "a", .data = "s", .method = 12, .flags = 1}.bytes(),
          true,
          {{"a", "s"}}},
-        {"another method than deflate", ZipMember{.name = "a", .data = "s", .method = 12}.bytes(), true, {{"a", "s"}}},
         {"data that are not deflate",
          ZipMember{.name = "a", .data = "\xFF\xFF", .method = 8}.bytes(),
          true,
@@ -326,42 +311,12 @@ TEST(LumZipFile, hasNoEntriesWhereNothingCanBeRead) {
 
 TEST(LumZipFile, claimsAndWantOfMemoryCostNothing) {
     const std::string lying = ZipMember{.name = "a", .data = "x", .claimedData = 0xFFFFFFFEu}.bytes();
-    const std::string two = deflatedMember("a", text).bytes() + lying;
-    std::istringstream in(lying);
-    largestAllocation = 0;
-    EXPECT_EQ(membersOf(LumZipFile(&in, false)), (Members{{"a", "x"}}));
-    EXPECT_GT(largestAllocation, 0u) << "the counter does not count";
-    EXPECT_LT(largestAllocation, 200000u);
-    for (int n = 0;; ++n) {
-        ASSERT_LT(n, 1000);
-        std::istringstream again(two);
-        bool hasFailed = false;
-        allocationsLeft = n;
-        {
-            LumZipFile zip(&again, false);
-            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-                zip.getFileEntry(i)->getUncompressedStream(false);
-                delete zip.getFileEntry(i)->getUncompressedStream(true);
-            }
-            hasFailed = allocationsLeft < 0;
-            allocationsLeft = -1;
-            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-                EXPECT_EQ(contentOf(zip.getFileEntry(i)->getUncompressedStream(false)), i == 0 ? text : "x")
-                    << "not usable after allocation " << n << " failed";
-            }
-            EXPECT_TRUE(hasFailed || zip.getFileEntryCount() == 2);
-        }
-        ASSERT_TRUE(hasFailed || n > 10) << "hardly any allocation was made to fail";
-        if (!hasFailed) break;
-    }
-}
-
-TEST(LumZipFile, wantOfMemoryLeavesAPackageThatCanBeReadLater) {
+    // A package whose main part is deflated, with a descriptor that only the directory leads over.
     const std::string bytes =
         LumTest::ZipArchive()
             .add({.name = "_rels/.rels",
                   .data = "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
-                          "<Relationship Id='a' Type='http://schemas.openxmlformats.org/officeDocument/2006/"
+                          "<Relationship Type='http://schemas.openxmlformats.org/officeDocument/2006/"
                           "relationships/officeDocument' Target='/m'/></Relationships>",
                   .flags = 8,
                   .claimedData = 0})
@@ -369,31 +324,38 @@ TEST(LumZipFile, wantOfMemoryLeavesAPackageThatCanBeReadLater) {
                   .data = "<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'><Override "
                           "PartName='/m' ContentType='application/vnd.openxmlformats-officedocument.themeManager+xml'/>"
                           "</Types>"})
-            .add({.name = "m"})
+            .add(deflatedMember("m", text))
             .bytes();
+    std::istringstream in(lying);
+    largestAllocation = 0;
+    EXPECT_EQ(membersOf(LumZipFile(&in, false)), (Members{{"a", "x"}}));
+    EXPECT_GT(largestAllocation, 0u) << "the counter does not count";
+    EXPECT_LT(largestAllocation, 200000u);
     for (int n = 0;; ++n) {
         ASSERT_LT(n, 2000);
-        std::istringstream in(bytes);
+        std::istringstream again(bytes);
         LumZipFile zip;
-        allocationsLeft = n;
         int kind = -1;
+        allocationsLeft = n;
         try {
-            zip.open(&in, false);
+            zip.open(&again, false);
+            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
+                zip.getFileEntry(i)->getUncompressedStream(false);
+                delete zip.getFileEntry(i)->getUncompressedStream(true);
+            }
             kind = zip.detectOOXDocument();
         } catch (const std::bad_alloc&) {
         } catch (const LumError&) {  // a stream that fails for want of memory has failed for the parser
         }
         const bool hasFailed = allocationsLeft < 0;
         allocationsLeft = -1;
-        EXPECT_EQ(zip.getFileEntryCount() == 3 ? zip.detectOOXDocument() : 16, 16) << "after allocation " << n;
-        in.clear();
-        in.seekg(0);
-        zip.open(&in, false);
-        EXPECT_EQ(zip.detectOOXDocument(), 16) << "after allocation " << n;
-        if (hasFailed) continue;
-        EXPECT_EQ(kind, 16);
-        EXPECT_GT(n, 50) << "hardly any allocation was made to fail";
-        break;
+        SCOPED_TRACE("after allocation " + std::to_string(n));
+        EXPECT_TRUE(hasFailed || (zip.getFileEntryCount() == 3 && kind == 16));
+        if (zip.getFileEntryCount() != 3) zip.open((again.clear(), again.seekg(0), &again), false);
+        EXPECT_EQ(zip.detectOOXDocument(), 16) << "not usable afterwards";
+        EXPECT_EQ(contentOf(zip.getFileEntry(2u)->getUncompressedStream(false)), text);
+        EXPECT_TRUE(hasFailed || n > 60) << "hardly any allocation was made to fail";
+        if (!hasFailed) break;
     }
 }
 
@@ -404,37 +366,6 @@ TEST(LumZipFile, isReadInTimeThatGrowsWithItsSize) {
     while (bytes.size() < 3'000'000) bytes += one;
     std::istringstream in(bytes);
     EXPECT_EQ(LumZipFile(&in, false).getFileEntryCount(), bytes.size() / one.size());
-}
-
-TEST(LumZipFile, opensArchivesInArchives) {
-    std::string bytes = "the core";
-    for (int depth = 0; depth < 20; ++depth) {
-        const ZipMember member{
-            .name = "in", .data = depth % 2 ? deflated(bytes) : bytes, .method = depth % 2 ? 8u : 0u};
-        bytes = member.bytes() + zipEnd;
-    }
-    std::unique_ptr<std::istream> level = std::make_unique<std::istringstream>(bytes);
-    int opened = 0;
-    while (LumZipFile::isZipFile(level.get())) {
-        LumZipFile zip(level.get(), false);
-        ASSERT_NE(zip.getFileEntry(u"in"), nullptr);
-        std::unique_ptr<std::istream> inflated(zip.getFileEntry(u"in")->getUncompressedStream(true));
-        level = std::make_unique<LumMemStream>(inflated.get(), 8192, true);
-        static_cast<void>(inflated.release());
-        ++opened;
-    }
-    EXPECT_EQ(opened, 20);
-    EXPECT_EQ(contentOf(level.get()), "the core");
-}
-
-TEST(LumZipFile, readsTheArchivesOfAnOfficeSuite) {
-    LumZipFile zip(LUM_TEST_DATA "/containers/office.docx");
-    EXPECT_EQ(zip.getFileEntryCount(), 9u);
-    LumZipFileEntry* const entry = zip.getFileEntry(u"word/document.xml");
-    ASSERT_NE(entry, nullptr);
-    const std::string content = contentOf(entry->getUncompressedStream(false));
-    EXPECT_EQ(content.size(), entry->getUncompressedSize());
-    EXPECT_NE(content.find("Heading"), content.npos);
 }
 
 }  // namespace
