@@ -74,13 +74,6 @@ def make_archives():
         piped = subprocess.run(f"{ZIP} -q - -", shell=True, input=members[0][1] * 100, capture_output=True, check=True)
         (FOLDER / "infozip-piped.zip").write_bytes(piped.stdout)  # zip64: nobody knew how much would come
         yield FOLDER / "infozip-piped.zip"
-        for name, data in members:
-            if not name.endswith("/"):
-                (FOLDER / "in" / name).parent.mkdir(parents=True, exist_ok=True)
-                (FOLDER / "in" / name).write_bytes(data)
-        for level in ("-0", "-9"):
-            subprocess.run([ZIP, "-qr", level, f"../infozip{level}.zip", "."], cwd=FOLDER / "in", check=True)
-            yield FOLDER / f"infozip{level}.zip"
 
 
 def stored_name(info):
