@@ -55,8 +55,7 @@ public:
     /// @param path  in the platform's encoding; null fails.
     [[nodiscard]] bool OLEopen(const char* path);
     /// @param io  opened here if it is not open; its size is where seeking to its end leads or, where it cannot do
-    /// that, what
-    ///            GetSize() says. Borrowed: it outlives the file's use.
+    ///            that, what GetSize() says. Borrowed: it outlives the file's use.
     [[nodiscard]] bool OLEopen(JZIOobj* io);
     bool isOpen() const noexcept { return io_ != nullptr; }
 

@@ -119,12 +119,15 @@ void OleSummaryInformation::load() {
     } while (got != 0 && filled < stream_->GetStreamSize());
 }
 
-bool OleSummaryInformation::take(void* to, std::uint64_t bytes) {
+bool OleSummaryInformation::hasBytes(std::uint64_t bytes) {
     const std::uint64_t size = bytes_.size();
-    if (position_ > size || bytes > size - position_) {
-        position_ = std::max(position_, size);
-        return false;
-    }
+    if (position_ <= size && bytes <= size - position_) return true;
+    position_ = std::max(position_, size);
+    return false;
+}
+
+bool OleSummaryInformation::take(void* to, std::uint64_t bytes) {
+    if (!hasBytes(bytes)) return false;
     if (bytes != 0) std::memcpy(to, bytes_.data() + position_, static_cast<std::size_t>(bytes));
     position_ += bytes;
     return true;
@@ -140,12 +143,8 @@ bool OleSummaryInformation::spend(std::uint64_t bytes) {
 }
 
 bool OleSummaryInformation::getReverse(unsigned char* p, int n) {
-    if (!p || n < 0) return false;
+    if (!p || n < 0 || !hasBytes(static_cast<std::uint64_t>(n))) return false;
     const std::uint64_t start = position_;
-    if (static_cast<std::uint64_t>(n) > bytes_.size() - std::min<std::uint64_t>(start, bytes_.size())) {
-        position_ = std::max<std::uint64_t>(start, bytes_.size());
-        return false;
-    }
     position_ += static_cast<std::uint64_t>(n);
     std::reverse_copy(bytes_.data() + start, bytes_.data() + position_, p);
     return true;
@@ -172,11 +171,7 @@ bool OleSummaryInformation::getCLSID(OLE_CLSID* value) {
 }
 
 bool OleSummaryInformation::getWSTR(wchar_t* buffer, int count) {
-    if (!buffer || count < 0) return false;
-    if (static_cast<std::uint64_t>(count) * 2 > bytes_.size() - std::min<std::uint64_t>(position_, bytes_.size())) {
-        position_ = std::max<std::uint64_t>(position_, bytes_.size());
-        return false;
-    }
+    if (!buffer || count < 0 || !hasBytes(std::uint64_t{2} * static_cast<unsigned>(count))) return false;
     for (int i = 0; i < count; ++i) {
         unsigned short unit = 0;
         if (!getWORD(&unit)) return false;  // unreachable
@@ -240,7 +235,7 @@ bool OleSummaryInformation::readDictionary(OleSISection& section, std::uint32_t 
         std::uint32_t id = 0, length = 0;
         if (!getDWORD(&id) || !getDWORD(&length)) return false;
         if (position_ + length > end) return true;
-        if (length > bytes_.size() - position_ || !spend(8 + std::uint64_t{length})) return false;
+        if (!hasBytes(length) || !spend(8 + std::uint64_t{length})) return false;
         OleSIName& row = section.dictionary.emplace_back();
         row.id = id;
         row.name.resize(length);
@@ -266,11 +261,7 @@ void OleSummaryInformation::chooseCharset() {
 
 bool OleSummaryInformation::readString(std::string& bytes) {
     std::uint32_t length = 0;
-    if (!getDWORD(&length)) return false;
-    if (length > bytes_.size() - position_) {
-        position_ = bytes_.size();
-        return false;
-    }
+    if (!getDWORD(&length) || !hasBytes(length)) return false;
     bytes.resize(length);
     return take(bytes.data(), length);
 }
@@ -311,10 +302,7 @@ bool OleSummaryInformation::readHyperLink(std::vector<UnicodeString>& out) {
     if (type != TYPE_WIDE_STRING) return true;
     if (!getDWORD(&word)) return false;
     const std::uint64_t units = std::uint64_t{word} + (word & 1u);
-    if (units * 2 > bytes_.size() - position_) {
-        position_ = bytes_.size();
-        return false;
-    }
+    if (!hasBytes(units * 2)) return false;
     UnicodeString text;
     bool isEnded = false;
     for (std::uint64_t i = 0; i < units; ++i) {

@@ -131,11 +131,12 @@ private:
     void load();
     void chooseCharset();
     bool readSection(OleSISection& section);
-    bool readProperty(OleSISection& section, std::uint32_t id, std::uint32_t offset, std::uint64_t end);
     bool readDictionary(OleSISection& section, std::uint32_t nameCount, std::uint64_t end);
     bool readHyperLink(std::vector<UnicodeString>& out);
     bool readString(std::string& bytes);
 
+    /// Whether so many follow; the position moves to the end of the stream where they do not.
+    bool hasBytes(std::uint64_t bytes);
     bool take(void* to, std::uint64_t bytes);
     bool spend(std::uint64_t bytes);
     void closeStream();

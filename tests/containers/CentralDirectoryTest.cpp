@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
-#include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/streams/LumStrStream.h>
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 #include <vector>
 
 #include <support/ZipBytes.h>
@@ -17,24 +17,12 @@ using LumTest::deflatedMember;
 using LumTest::descriptor;
 using LumTest::endRecord;
 using LumTest::littleEndian;
+using LumTest::Members;
+using LumTest::membersOf;
 using LumTest::recordOf;
 using LumTest::ZipArchive;
 using LumTest::ZipMember;
 using LumTest::ZipRecord;
-
-using Members = std::vector<std::pair<std::string, std::string>>;
-
-Members membersOf(const LumZipFile& zip) {
-    Members members;
-    for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-        LumZipFileEntry* const entry = zip.getFileEntry(i);
-        std::string name;
-        entry->getFileName().toUTF8String(name);
-        std::istream* const in = entry->getUncompressedStream(false);
-        members.emplace_back(name, std::string(std::istreambuf_iterator<char>(*in), {}));
-    }
-    return members;
-}
 
 /// A stored member whose header leaves its sizes to a descriptor. One without signature, or none at all, cannot be
 /// searched for.

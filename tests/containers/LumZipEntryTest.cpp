@@ -3,26 +3,23 @@
 #include <lumcommon/core/LumPtr.h>
 
 #include <sstream>
+#include <vector>
 
 #include <support/ZipBytes.h>
 
 namespace LumCommon {
 namespace {
 
+using Numbers = std::vector<std::uint32_t>;
+
 /// The fields of a member, each with a value of its own: n01 for the first, and so on.
 const std::string memberFields = std::string("\x01\0\x02\0\x08\0\x04\0\x05\0\x06\0\0\x86\x03\0\0\0\x08\0\0\x88", 22);
 
 void expectMemberFields(const LumZipMemberFields& fields, unsigned nameLength, unsigned extraLength) {
-    EXPECT_EQ(fields.versionNeeded, 1);
-    EXPECT_EQ(fields.flags, 2);
-    EXPECT_EQ(fields.method, 8);
-    EXPECT_EQ(fields.modificationTime, 4);
-    EXPECT_EQ(fields.modificationDate, 5);
-    EXPECT_EQ(fields.crc32, 0x86000006u);
-    EXPECT_EQ(fields.compressedSize, 3u);
-    EXPECT_EQ(fields.uncompressedSize, 0x88000008u);
-    EXPECT_EQ(fields.nameLength, nameLength);
-    EXPECT_EQ(fields.extraLength, extraLength);
+    EXPECT_EQ(
+        (Numbers{fields.versionNeeded, fields.flags, fields.method, fields.modificationTime, fields.modificationDate,
+                 fields.crc32, fields.compressedSize, fields.uncompressedSize, fields.nameLength, fields.extraLength}),
+        (Numbers{1, 2, 8, 4, 5, 0x86000006u, 3, 0x88000008u, nameLength, extraLength}));
 }
 
 TEST(LumZipEntry, readsALocalHeaderFieldByField) {
@@ -45,29 +42,20 @@ TEST(LumZipEntry, readsTheOtherRecordsFieldByField) {
                           std::string("\1\0\2\0\3\0\4\0\5\0\0\x85\6\0\0\x86\7\0|", 19));
     const LumZipDirectoryEntry file(in);
     EXPECT_EQ(file.getSignature(), LumZipEntry::SIGNATURE_DIRECTORY);
-    EXPECT_EQ(file.getVersionMadeBy(), 10);
     expectMemberFields(file.getFields(), 2, 3);
-    EXPECT_EQ(file.getCommentLength(), 4);
-    EXPECT_EQ(file.getDiskNumberStart(), 5);
-    EXPECT_EQ(file.getInternalAttributes(), 6);
-    EXPECT_EQ(file.getExternalAttributes(), 0x87000007u);
-    EXPECT_EQ(file.getLocalHeaderOffset(), 0x98000008u);
+    EXPECT_EQ((Numbers{file.getVersionMadeBy(), file.getCommentLength(), file.getDiskNumberStart(),
+                       file.getInternalAttributes(), file.getExternalAttributes(), file.getLocalHeaderOffset()}),
+              (Numbers{10, 4, 5, 6, 0x87000007u, 0x98000008u}));
     EXPECT_EQ(file.getFileName(), UnicodeString(u"nm"));
     EXPECT_EQ(in.get(), '|') << "the comment is not passed";
     const LumZipExtheaderEntry sizes(in);
-    EXPECT_EQ(sizes.getSignature(), LumZipEntry::SIGNATURE_EXTHEADER);
-    EXPECT_EQ(sizes.getCrc32(), 0x34637263u);
-    EXPECT_EQ(sizes.getCompressedSize(), 7u);
-    EXPECT_EQ(sizes.getUncompressedSize(), 0x89000009u);
+    EXPECT_EQ((Numbers{sizes.getSignature(), sizes.getCrc32(), sizes.getCompressedSize(), sizes.getUncompressedSize()}),
+              (Numbers{LumZipEntry::SIGNATURE_EXTHEADER, 0x34637263u, 7, 0x89000009u}));
     EXPECT_EQ(LumZipEntry::getSignature(in), LumZipEntry::SIGNATURE_END_DIRECTORY);
     const LumZipEndDirectoryEntry end(in);
-    EXPECT_EQ(end.getDiskNumber(), 1);
-    EXPECT_EQ(end.getDirectoryDisk(), 2);
-    EXPECT_EQ(end.getDiskEntryCount(), 3);
-    EXPECT_EQ(end.getTotalEntryCount(), 4);
-    EXPECT_EQ(end.getDirectorySize(), 0x85000005u);
-    EXPECT_EQ(end.getDirectoryOffset(), 0x86000006u);
-    EXPECT_EQ(end.getCommentLength(), 7);
+    EXPECT_EQ((Numbers{end.getDiskNumber(), end.getDirectoryDisk(), end.getDiskEntryCount(), end.getTotalEntryCount(),
+                       end.getDirectorySize(), end.getDirectoryOffset(), end.getCommentLength()}),
+              (Numbers{1, 2, 3, 4, 0x85000005u, 0x86000006u, 7}));
     EXPECT_EQ(in.get(), '|');
 }
 

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <limits>
 #include <memory>
 #include <new>
 #include <vector>
@@ -44,31 +43,18 @@ std::atomic<int> allocationsLeft{-1};  // the one that finds 0 fails; negative: 
 namespace LumCommon {
 namespace {
 
+using LumTest::contentOf;
 using LumTest::deflated;
 using LumTest::deflatedMember;
 using LumTest::descriptor;
-using LumTest::littleEndian;
+using LumTest::Members;
+using LumTest::membersOf;
 using LumTest::zipEnd;
 using LumTest::ZipMember;
-
-std::string contentOf(std::istream* in) { return in ? std::string(std::istreambuf_iterator<char>(*in), {}) : "(null)"; }
 
 std::string rawData(LumZipFileEntry& entry) {
     const auto data = entry.readCompressedData();
     return {data.begin(), data.end()};
-}
-
-using Members = std::vector<std::pair<std::string, std::string>>;
-
-Members membersOf(const LumZipFile& zip) {
-    Members members;
-    for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-        LumZipFileEntry* const entry = zip.getFileEntry(i);
-        std::string name;
-        entry->getFileName().toUTF8String(name);
-        members.emplace_back(name, contentOf(entry->getUncompressedStream(false)));
-    }
-    return members;
 }
 
 /// The ways in which an archive may lie before the reader. They differ in what seeking behind the end does.
@@ -95,8 +81,8 @@ const std::string text = [] {
 struct WalkCase {
     const char* fault;
     std::string bytes;
-    bool isZip;
     Members members;
+    bool isZip = true;
 };
 
 std::vector<WalkCase> walkCases() {
@@ -105,58 +91,35 @@ std::vector<WalkCase> walkCases() {
     ZipMember streamed = b;
     streamed.flags = 8;
     streamed.claimedData = 0;
-    const std::string streamedBytes = streamed.bytes() + descriptor(b.data.size(), text.size());
-    const std::string inner = streamedBytes + zipEnd;
+    const std::string inner = streamed.bytes() + descriptor(b.data.size(), text.size()) + zipEnd;
     const ZipMember nested{.name = "z", .data = inner, .flags = 8, .claimedData = 0};
-    const ZipMember lying{.name = "a", .data = std::string(60, 'x'), .claimedData = 0xFFFFFFF0u};
+    const ZipMember lying{.name = "l", .data = std::string(60, 'x'), .claimedData = 0xFFFFFFF0u};
+    const ZipMember zip64{.name = "z", .data = "x", .claimedData = 0xFFFFFFFFu};
+    const ZipMember cutName{.name = "abc", .claimedName = 0xFFFF};
+    const ZipMember odd{.name = "o", .data = "s", .method = 12, .flags = 1};
+    const ZipMember broken{.name = "d", .data = "\xFF\xFF", .method = 8};
+    const ZipMember extra{.name = "e", .data = "one", .extra = "PK\3\4xx"};
+    const ZipMember empty{.name = "e", .flags = 8};
+    const std::pair<std::string, std::string> readA{"a", "one"}, readB{"d/b", text};
     return {
-        {"an empty archive is none", zipEnd, true, {}},
-        {"a directory alone is no archive", "PK\1\2" + std::string(42, '\0'), true, {}},
-        {"two letters make an archive", "PK\3\3" + a.bytes().substr(4), false, {}},
-        {"a descriptor makes an archive", descriptor(0) + a.bytes(), false, {{"a", "one"}}},
-        {"nothing is read as something", "", false, {}},
-        {"stored and deflated members", a.bytes() + b.bytes() + zipEnd, true, {{"a", "one"}, {"d/b", text}}},
-        {"an extra field is taken for data",
-         ZipMember{.name = "a", .data = "one", .extra = "PK\3\4xx"}.bytes() + b.bytes(),
-         true,
-         {{"a", "one"}, {"d/b", text}}},
-        {"a descriptor with known sizes ends the walk",
-         a.bytes() + descriptor(3) + b.bytes(),
-         true,
-         {{"a", "one"}, {"d/b", text}}},
-        {"sizes in a descriptor are not found",
-         streamedBytes + a.bytes() + zipEnd,
-         true,
-         {{"d/b", text}, {"a", "one"}}},
-        {"the descriptor of an inner archive is taken for the outer one's",
-         nested.bytes() + descriptor(inner.size()) + a.bytes(),
-         true,
-         {{"z", inner}, {"a", "one"}}},
-        {"an empty member in front of its descriptor",
-         ZipMember{.name = "e", .flags = 8}.bytes() + descriptor(0) + a.bytes(),
-         true,
-         {{"e", ""}, {"a", "one"}}},
-        {"a descriptor that does not fit is believed",
-         streamed.bytes() + descriptor(b.data.size() + 1),
-         true,
-         {{"d/b", ""}}},
-        {"garbage is passed over", a.bytes() + "?" + b.bytes(), true, {{"a", "one"}}},
-        {"the second of two equal names is lost",
-         a.bytes() + ZipMember{.name = "a", .data = "two"}.bytes(),
-         true,
-         {{"a", "one"}, {"a", "two"}}},
-        {"a claim of 4 GiB in 100 bytes", lying.bytes(), true, {{"a", lying.data}}},
-        {"a zip64 marker", ZipMember{.name = "a", .data = "x", .claimedData = 0xFFFFFFFFu}.bytes(), true, {{"a", "x"}}},
-        {"a name beyond the end", ZipMember{.name = "abc", .claimedName = 0xFFFF}.bytes(), true, {{"", ""}}},
-        {"an encrypted member is guessed at",
-         ZipMember{.name = "a", .data = "s", .flags = 1}.bytes(),
-         true,
-         {{"a", "s"}}},
-        {"another method than deflate", ZipMember{.name = "a", .data = "s", .method = 12}.bytes(), true, {{"a", "s"}}},
-        {"data that are not deflate",
-         ZipMember{.name = "a", .data = "\xFF\xFF", .method = 8}.bytes(),
-         true,
-         {{"a", ""}}},
+        {"an empty archive is none", zipEnd, {}},
+        {"a directory alone is no archive", "PK\1\2" + std::string(42, '\0'), {}},
+        {"two letters make an archive", "PK\3\3" + a.bytes().substr(4), {}, false},
+        {"a descriptor makes an archive", descriptor(0) + a.bytes(), {readA}, false},
+        {"stored and deflated members", a.bytes() + b.bytes() + zipEnd, {readA, readB}},
+        {"an extra field is taken for data", extra.bytes() + b.bytes(), {{"e", "one"}, readB}},
+        {"a descriptor with known sizes ends the walk", a.bytes() + descriptor(3) + b.bytes(), {readA, readB}},
+        {"sizes in a descriptor are not found", inner.substr(0, inner.size() - 22) + a.bytes(), {readB, readA}},
+        {"an inner archive's descriptor is taken", nested.bytes() + descriptor(inner.size()), {{"z", inner}}},
+        {"an empty member's descriptor", empty.bytes() + descriptor(0) + a.bytes(), {{"e", ""}, readA}},
+        {"a descriptor that lies", streamed.bytes() + descriptor(b.data.size() + 1), {{"d/b", ""}}},
+        {"garbage is passed over", a.bytes() + "?" + b.bytes(), {readA}},
+        {"the second of two equal names is lost", a.bytes() + a.bytes(), {readA, readA}},
+        {"a claim of 4 GiB in 100 bytes", lying.bytes(), {{"l", lying.data}}},
+        {"a zip64 marker", zip64.bytes(), {{"z", "x"}}},
+        {"a name beyond the end", cutName.bytes(), {{"", ""}}},
+        {"encrypted, of another method than deflate", odd.bytes(), {{"o", "s"}}},
+        {"data that are not deflate", broken.bytes(), {{"d", ""}}},
     };
 }
 
@@ -285,18 +248,6 @@ TEST(LumZipFile, opensAnotherArchiveInPlaceOfTheFirst) {
     EXPECT_EQ(zip.getFileEntryCount(), 0u);
 }
 
-/// Says that it stands as far away as a position can be.
-class FarBuffer : public std::stringbuf {
-public:
-    using std::stringbuf::stringbuf;
-
-protected:
-    pos_type seekoff(off_type off, std::ios_base::seekdir dir, std::ios_base::openmode mode) override {
-        const pos_type here = std::stringbuf::seekoff(off, dir, mode);
-        return here == pos_type(-1) ? here : pos_type(std::numeric_limits<off_type>::max() - 9);
-    }
-};
-
 TEST(LumZipFile, hasNoEntriesWhereNothingCanBeRead) {
     const std::string good = ZipMember{.name = "a", .data = "one"}.bytes();
     LumTest::PieceStream pipe(good);
@@ -318,50 +269,16 @@ TEST(LumZipFile, hasNoEntriesWhereNothingCanBeRead) {
     broken.getBuffer().failAfter(10);
     LumMemStream memory(&broken, 16);
     EXPECT_TRUE(membersOf(LumZipFile(&memory, false)).empty());
-    FarBuffer far(good);
-    std::istream farStream(&far);
-    LumZipFileEntry entry(farStream);
-    EXPECT_TRUE(entry.readCompressedData().empty()) << "the position of the data has wrapped";
 }
 
 TEST(LumZipFile, claimsAndWantOfMemoryCostNothing) {
     const std::string lying = ZipMember{.name = "a", .data = "x", .claimedData = 0xFFFFFFFEu}.bytes();
-    const std::string two = deflatedMember("a", text).bytes() + lying;
-    std::istringstream in(lying);
-    largestAllocation = 0;
-    EXPECT_EQ(membersOf(LumZipFile(&in, false)), (Members{{"a", "x"}}));
-    EXPECT_GT(largestAllocation, 0u) << "the counter does not count";
-    EXPECT_LT(largestAllocation, 200000u);
-    for (int n = 0;; ++n) {
-        ASSERT_LT(n, 1000);
-        std::istringstream again(two);
-        bool hasFailed = false;
-        allocationsLeft = n;
-        {
-            LumZipFile zip(&again, false);
-            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-                zip.getFileEntry(i)->getUncompressedStream(false);
-                delete zip.getFileEntry(i)->getUncompressedStream(true);
-            }
-            hasFailed = allocationsLeft < 0;
-            allocationsLeft = -1;
-            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-                EXPECT_EQ(contentOf(zip.getFileEntry(i)->getUncompressedStream(false)), i == 0 ? text : "x")
-                    << "not usable after allocation " << n << " failed";
-            }
-            EXPECT_TRUE(hasFailed || zip.getFileEntryCount() == 2);
-        }
-        ASSERT_TRUE(hasFailed || n > 10) << "hardly any allocation was made to fail";
-        if (!hasFailed) break;
-    }
-}
-
-TEST(LumZipFile, wantOfMemoryLeavesAPackageThatCanBeReadLater) {
+    // A package whose main part is deflated, with a descriptor that only the directory leads over.
     const std::string bytes =
         LumTest::ZipArchive()
             .add({.name = "_rels/.rels",
                   .data = "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
-                          "<Relationship Id='a' Type='http://schemas.openxmlformats.org/officeDocument/2006/"
+                          "<Relationship Type='http://schemas.openxmlformats.org/officeDocument/2006/"
                           "relationships/officeDocument' Target='/m'/></Relationships>",
                   .flags = 8,
                   .claimedData = 0})
@@ -369,31 +286,38 @@ TEST(LumZipFile, wantOfMemoryLeavesAPackageThatCanBeReadLater) {
                   .data = "<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'><Override "
                           "PartName='/m' ContentType='application/vnd.openxmlformats-officedocument.themeManager+xml'/>"
                           "</Types>"})
-            .add({.name = "m"})
+            .add(deflatedMember("m", text))
             .bytes();
+    std::istringstream in(lying);
+    largestAllocation = 0;
+    EXPECT_EQ(membersOf(LumZipFile(&in, false)), (Members{{"a", "x"}}));
+    EXPECT_GT(largestAllocation, 0u) << "the counter does not count";
+    EXPECT_LT(largestAllocation, 200000u);
     for (int n = 0;; ++n) {
         ASSERT_LT(n, 2000);
-        std::istringstream in(bytes);
+        std::istringstream again(bytes);
         LumZipFile zip;
-        allocationsLeft = n;
         int kind = -1;
+        allocationsLeft = n;
         try {
-            zip.open(&in, false);
+            zip.open(&again, false);
+            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
+                zip.getFileEntry(i)->getUncompressedStream(false);
+                delete zip.getFileEntry(i)->getUncompressedStream(true);
+            }
             kind = zip.detectOOXDocument();
         } catch (const std::bad_alloc&) {
         } catch (const LumError&) {  // a stream that fails for want of memory has failed for the parser
         }
         const bool hasFailed = allocationsLeft < 0;
         allocationsLeft = -1;
-        EXPECT_EQ(zip.getFileEntryCount() == 3 ? zip.detectOOXDocument() : 16, 16) << "after allocation " << n;
-        in.clear();
-        in.seekg(0);
-        zip.open(&in, false);
-        EXPECT_EQ(zip.detectOOXDocument(), 16) << "after allocation " << n;
-        if (hasFailed) continue;
-        EXPECT_EQ(kind, 16);
-        EXPECT_GT(n, 50) << "hardly any allocation was made to fail";
-        break;
+        SCOPED_TRACE("after allocation " + std::to_string(n));
+        EXPECT_TRUE(hasFailed || (zip.getFileEntryCount() == 3 && kind == 16));
+        if (zip.getFileEntryCount() != 3) zip.open((again.clear(), again.seekg(0), &again), false);
+        EXPECT_EQ(zip.detectOOXDocument(), 16) << "not usable afterwards";
+        EXPECT_EQ(contentOf(zip.getFileEntry(2u)->getUncompressedStream(false)), text);
+        EXPECT_TRUE(hasFailed || n > 60) << "hardly any allocation was made to fail";
+        if (!hasFailed) break;
     }
 }
 
@@ -404,37 +328,6 @@ TEST(LumZipFile, isReadInTimeThatGrowsWithItsSize) {
     while (bytes.size() < 3'000'000) bytes += one;
     std::istringstream in(bytes);
     EXPECT_EQ(LumZipFile(&in, false).getFileEntryCount(), bytes.size() / one.size());
-}
-
-TEST(LumZipFile, opensArchivesInArchives) {
-    std::string bytes = "the core";
-    for (int depth = 0; depth < 20; ++depth) {
-        const ZipMember member{
-            .name = "in", .data = depth % 2 ? deflated(bytes) : bytes, .method = depth % 2 ? 8u : 0u};
-        bytes = member.bytes() + zipEnd;
-    }
-    std::unique_ptr<std::istream> level = std::make_unique<std::istringstream>(bytes);
-    int opened = 0;
-    while (LumZipFile::isZipFile(level.get())) {
-        LumZipFile zip(level.get(), false);
-        ASSERT_NE(zip.getFileEntry(u"in"), nullptr);
-        std::unique_ptr<std::istream> inflated(zip.getFileEntry(u"in")->getUncompressedStream(true));
-        level = std::make_unique<LumMemStream>(inflated.get(), 8192, true);
-        static_cast<void>(inflated.release());
-        ++opened;
-    }
-    EXPECT_EQ(opened, 20);
-    EXPECT_EQ(contentOf(level.get()), "the core");
-}
-
-TEST(LumZipFile, readsTheArchivesOfAnOfficeSuite) {
-    LumZipFile zip(LUM_TEST_DATA "/containers/office.docx");
-    EXPECT_EQ(zip.getFileEntryCount(), 9u);
-    LumZipFileEntry* const entry = zip.getFileEntry(u"word/document.xml");
-    ASSERT_NE(entry, nullptr);
-    const std::string content = contentOf(entry->getUncompressedStream(false));
-    EXPECT_EQ(content.size(), entry->getUncompressedSize());
-    EXPECT_NE(content.find("Heading"), content.npos);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <malloc.h>
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <vector>
@@ -67,13 +69,8 @@ TEST(LumZipPackage, tellsTheKindOfOfficeDocument) {
         int kind;
     };
     const KindCase cases[] = {
-        {"the first row", wordPackage(wordType), 1},
-        {"the second row", wordPackage("application/vnd.ms-word.document.macroEnabled.main+xml"), 2},
-        {"the one without +xml", wordPackage("application/vnd.ms-excel.sheet.binary.macroEnabled.main"), 9},
-        {"the last row", wordPackage("application/vnd.openxmlformats-officedocument.themeManager+xml"), 16},
         {"letters of either case", wordPackage("application/vnd.ms-word.Document.macroEnabled.main+xml"), 0},
         {"a type that goes on", wordPackage(wordType + "+xml"), 0},
-        {"a target from the root", wordPackage(wordType, "/word/document.xml"), 1},
         {"a target that climbs", wordPackage(wordType, "../../word/document.xml"), 1},
         {"a target that leads nowhere", wordPackage(wordType, "document.xml"), 0},
         {"no content types", {{"_rels/.rels", mainRelationship("a")}, {"a", ""}}, 0},
@@ -100,18 +97,6 @@ TEST(LumZipPackage, tellsTheKindOfOfficeDocument) {
     EXPECT_EQ(LumZipFile::detectOOXDocument(&failed), 0);
     EXPECT_EQ(LumZipFile::detectOOXDocument(static_cast<std::istream*>(nullptr)), 0);
     EXPECT_EQ(LumZipFile::detectOOXDocument("/no/such/file"), 0);
-    EXPECT_EQ(LumZipFile::detectOOXDocument(LUM_TEST_DATA "/containers/office.docx"), 1);
-    EXPECT_EQ(LumZipFile::detectOOXDocument(LUM_TEST_DATA "/containers/office.xlsx"), 5);
-    EXPECT_EQ(LumZipFile::detectOOXDocument(LUM_TEST_DATA "/containers/office.odt"), 0);
-}
-
-TEST(LumZipPackage, findsPackagesWhoseSizesAreInTrailingDescriptors) {
-    ZipArchive archive;
-    for (const auto& [name, data] : wordPackage(wordType)) {
-        archive.add({.name = name, .data = data, .flags = 8, .claimedData = 0}, std::string(12, 'd'));
-    }
-    std::istringstream in(archive.bytes());
-    EXPECT_EQ(LumZipFile::detectOOXDocument(&in), 1);
 }
 
 TEST(LumZipPackage, leadsTargetsToTheirEntries) {
@@ -123,13 +108,9 @@ TEST(LumZipPackage, leadsTargetsToTheirEntries) {
         const char* found;
     };
     const TargetCase cases[] = {
-        {"from the package", nullptr, "word/a.xml", nullptr, "word/a.xml"},
-        {"from the root", nullptr, "/word/a.xml", "Internal", "word/a.xml"},
-        {"from the root in a folder", "word/a.xml", "/word/b.xml", nullptr, "word/b.xml"},
-        {"a sibling", "word/a.xml", "b.xml", nullptr, "word/b.xml"},
+        {"from the root in a folder", "word/a.xml", "/word/b.xml", "Internal", "word/b.xml"},
         {"an empty mode is one of its own", "word/a.xml", "b.xml", "", "word/b.xml"},
         {"a sibling of a part in the root", "root.xml", "word/a.xml", nullptr, "word/a.xml"},
-        {"up to the root", "word/a.xml", "../custom/i.xml", nullptr, "custom/i.xml"},
         {"up above the root", "word/a.xml", "../../../custom/i.xml", nullptr, "custom/i.xml"},
         {"up from the package", nullptr, "../custom/i.xml", nullptr, "custom/i.xml"},
         {"up and down in the middle", "word/a.xml", "x/./../../custom/i.xml", nullptr, "custom/i.xml"},
@@ -138,7 +119,6 @@ TEST(LumZipPackage, leadsTargetsToTheirEntries) {
         {"an escape in the name itself", "word/a.xml", "p%41.png", nullptr, "word/p%41.png"},
         {"none is there", "word/a.xml", "../none.xml", nullptr, "none.xml"},
         {"a fragment", "word/a.xml", "#here", nullptr, "word/#here"},
-        {"a URI that claims to be inside", "word/a.xml", "http://h/../x", nullptr, "http://h/../x"},
         {"a file that claims to be inside", nullptr, "file:///word/a.xml", nullptr, "file:///word/a.xml"},
         {"outside", "word/a.xml", "../b .xml", "External", "../b .xml"},
         {"outside by a mode of its own", "word/a.xml", "/word/b.xml", "internal", "/word/b.xml"},
@@ -167,6 +147,48 @@ TEST(LumZipPackage, leadsTargetsToTheirEntries) {
     }
 }
 
+std::vector<std::string> splitAtTabs(const std::string& line) {
+    std::vector<std::string> fields;
+    std::istringstream in(line + "\t");
+    for (std::string field; std::getline(in, field, '\t');) fields.push_back(field);
+    return fields;
+}
+
+/// Compares with a row that another reader of packages wrote; rows of members are not for here.
+void expectAsJudged(LumZipFile& zip, const std::vector<std::string>& row) {
+    const auto text = [&row](std::size_t field) { return UnicodeString::fromUTF8(row.at(field)); };
+    if (row[0] == "relationship") {
+        LumZipFileEntry* const source = row[1].empty() ? nullptr : zip.getFileEntry(text(1));
+        EXPECT_EQ(utf8(zip.getRelationshipTargetFromId(text(2), source)), row.at(5));
+        EXPECT_EQ(utf8(zip.getRelationshipTargetMode(text(2), source)), row[4]);
+        EXPECT_NE(utf8(zip.getRelationshipTargetFromType(text(3), source)), "");
+    } else if (row[0] == "type") {
+        EXPECT_EQ(utf8(zip.getContentType(zip.getFileEntry(text(1)))), row.at(2));
+    } else if (row[0] == "main") {
+        EXPECT_EQ(zip.getOfficeDocument(), zip.getFileEntry(text(1)));
+    } else if (row[0] == "kind") {
+        EXPECT_EQ(std::to_string(zip.detectOOXDocument()), row.at(1));
+    }
+}
+
+TEST(LumZipPackage, agreesWithAnotherReaderOfTheDocumentsOfAnOfficeSuite) {
+    const std::filesystem::path folder(LUM_TEST_DATA "/office");
+    int relationships = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder / "judge")) {
+        const std::string document = folder / file.path().stem();  // without .tsv
+        if (!LumZipFile::isZipFile(document.c_str())) continue;
+        LumZipFile zip(document.c_str());
+        std::ifstream judged(file.path());
+        for (std::string line; std::getline(judged, line);) {
+            SCOPED_TRACE(document + ": " + line);
+            const std::vector<std::string> row = splitAtTabs(line);
+            expectAsJudged(zip, row);
+            if (row[0] == "relationship") ++relationships;
+        }
+    }
+    EXPECT_GT(relationships, 200);
+}
+
 TEST(LumZipPackage, readsRelationshipsAsTheyCome) {
     const std::unique_ptr<LumZipFile> zip(
         open({{"_rels/.rels",
@@ -179,30 +201,23 @@ TEST(LumZipPackage, readsRelationshipsAsTheyCome) {
                    "<Relationship xmlns:x='urn:x' x:Id='p' Id='q' Type='v' x:Target='8' Target='9'/>")}}));
     struct Row {
         const char* fault;
-        bool isById;
-        const char16_t* key;
+        const char16_t* id;
         const char* target;
     };
     const Row rows[] = {
-        {"the first of an id", true, u"a", "1"},
-        {"the second of a type", true, u"b", "3"},
-        {"the first of a type", false, u"t", "1"},
-        {"no target", true, u"c", ""},
-        {"no id", false, u"only", "4"},
-        {"no type", true, u"only", "5"},
-        {"an element deeper down", true, u"deep", ""},
-        {"an element of another namespace", true, u"other", ""},
-        {"an attribute with prefix", true, u"p", ""},
-        {"attributes that differ in their prefix", true, u"q", "9"},
-        {"letters of either case", true, u"A", ""},
-        {"no key", true, u"", ""},
+        {"the first of an id", u"a", "1"},
+        {"the second of a type", u"b", "3"},
+        {"no target", u"c", ""},
+        {"no type", u"only", "5"},
+        {"an element deeper down", u"deep", ""},
+        {"an element of another namespace", u"other", ""},
+        {"an attribute with prefix", u"p", ""},
+        {"attributes that differ in their prefix", u"q", "9"},
+        {"letters of either case", u"A", ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(utf8(row.isById ? zip->getRelationshipTargetFromId(row.key, nullptr)
-                                  : zip->getRelationshipTargetFromType(row.key, nullptr)),
-                  row.target);
-    }
+    for (const Row& row : rows) EXPECT_EQ(utf8(zip->getRelationshipTargetFromId(row.id)), row.target) << row.fault;
+    EXPECT_EQ(utf8(zip->getRelationshipTargetFromType(u"t")), "1") << "the first of a type";
+    EXPECT_EQ(utf8(zip->getRelationshipTargetFromType(u"only")), "4") << "no id";
     EXPECT_EQ(utf8(zip->getRelationshipTargetMode(u"a", nullptr)), "Internal");
     EXPECT_EQ(utf8(zip->getRelationshipTargetMode(u"b", nullptr)), "External");
     EXPECT_EQ(utf8(zip->getRelationshipTargetMode(u"none", nullptr)), "Internal");

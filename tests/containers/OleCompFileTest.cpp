@@ -84,7 +84,6 @@ const LayoutCase layoutCases[] = {
     {"mini sectors of a byte", {.miniSectorShift = 0}},
     {"no mini stream at all", {.cutoff = 0}},
     {"everything in the mini stream", {.cutoff = 0xFFFFFFFF}},
-    {"a long list of FAT sectors", {.sectorShift = 7, .leadingSectors = 20000}},
     {"a long list of FAT sectors, big-endian", {.littleEndian = false, .sectorShift = 8, .leadingSectors = 30000}},
 };
 
@@ -130,19 +129,14 @@ TEST(OleCompFile, givesTheFieldsOfEntries) {
         Opened opened(
             OleImage({oleStorage(u"\u65e5\u672c", {{u"leaf", patternBytes(5000)}})}, {.littleEndian = littleEndian}));
         EXPECT_EQ(opened.file.getVersion(), littleEndian ? "03 00" : "00 03");
-        const OleDirInfo* const root = opened.file.getDirInfo(0);
         const OleDirInfo* const storage = opened.file.getDirInfo(1);
         const OleDirInfo* const leaf = opened.file.getDirInfo(2);
-        EXPECT_EQ(root->getType(), OleDirInfo::ROOT);
-        EXPECT_EQ(root->getChild(), 1);
         EXPECT_EQ(storage->getName(), UnicodeString(u"\u65e5\u672c"));
         EXPECT_EQ(storage->getClassId()[0], 'c');
         EXPECT_EQ(storage->getStateBits(), 7u);
         EXPECT_EQ(storage->getCreationTime(), 0x0102030405060708u);
-        EXPECT_EQ(storage->getModificationTime(), 9u);
         EXPECT_EQ(storage->getStartSector(), -1);
         EXPECT_EQ(leaf->getSize(), 5000u);
-        EXPECT_EQ(leaf->getIndex(), 2);
         EXPECT_EQ(leaf->getClassId()[0], 0);
         EXPECT_EQ(opened.file.getNextBlock(leaf->getStartSector(), false), leaf->getStartSector() + 1);
         EXPECT_EQ(opened.file.getNextBlock(1 << 30, false), -1);
@@ -192,13 +186,10 @@ const HeaderCase headerCases[] = {
     {"signature not compared", 7, 0, 1, false},
     {"sector shift of 32 let through", 30, 32, 2, false},
     {"sector shift of 31", 30, 31, 2, false},
-    {"sector shift of 65535", 30, 0xFFFF, 2, false},
-    {"sectors of a byte", 30, 0, 2, false},
     {"sectors of half an entry", 30, 6, 2, false},
     {"mini sector shift of 32 let through", 32, 32, 2, false},
     {"mini sectors larger than sectors", 32, 10, 2, false},
     {"no FAT sectors", 44, 0, 4, false},
-    {"109 FAT sectors claimed, one there", 44, 109, 4, false},
     {"110 FAT sectors claimed without a chain", 44, 110, 4, false},
     {"four billion FAT sectors", 44, 0xFFFFFFFF, 4, false},
     {"first directory sector negative", 48, 0xFFFFFFFE, 4, false},
@@ -209,11 +200,8 @@ const HeaderCase headerCases[] = {
     {"a mini FAT that is not counted", 64, 0, 4, true},
     {"first DIFAT sector -1", 68, 0xFFFFFFFF, 4, false},
     {"first DIFAT sector that nobody needs", 68, 0x7FFFFFFF, 4, true},
-    {"four billion DIFAT sectors that nobody needs", 72, 0xFFFFFFFF, 4, true},
     {"first FAT sector outside", 76, 0x7FFFFFFF, 4, false},
-    {"first FAT sector free", 76, 0xFFFFFFFF, 4, false},
     {"the number of an unused FAT sector", 80, 0x7FFFFFFF, 4, true},
-    {"minor version", 24, 0xFFFF, 2, true},
 };
 
 TEST(OleCompFile, checksEveryFieldOfTheHeader) {
@@ -231,52 +219,51 @@ TEST(OleCompFile, survivesChainsThatLieAndTreesThatLoop) {
     const std::string large = patternBytes(200 * 512);
     const std::string small = patternBytes(10 * 64, 2);
     const OleImage image({{u"small", small}, {u"large", large}, {u"b", "x"}, {u"c", "x"}, {u"d", "y"}});
-    const std::uint32_t first = image.get32(image.entryOffset(2) + 116);
-    const auto readAfter = [&image](std::size_t offset, std::uint64_t value, const char* name, unsigned width = 4) {
-        OleImage changed = image;
-        return Opened(changed.set(offset, value, width)).read({name});
-    };
-    const auto opensAfter = [&image](std::size_t offset, std::uint64_t value, unsigned width = 4) {
-        OleImage changed = image;
-        return Opened(changed.set(offset, value, width)).isOpen;
-    };
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 4), first + 1, "large"), large.substr(0, 5 * 512)))
-        << "a loop";
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 150), first + 9, "large"), large.substr(0, 151 * 512)))
-        << "a long loop";
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first), first, "large"), large.substr(0, 512))) << "a loop of one";
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 4), 0x7FFFFFFF, "large"), large.substr(0, 5 * 512)))
-        << "leads outside";
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 4), OleImage::FREE, "large"), large.substr(0, 5 * 512)))
-        << "free";
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(first + 4), OleImage::END, "large"), large.substr(0, 5 * 512)))
-        << "early end";
-    EXPECT_TRUE(isSame(readAfter(image.entryOffset(2) + 116, OleImage::FREE, "large"), "")) << "no start";
-    EXPECT_TRUE(isSame(readAfter(image.entryOffset(2) + 120, 0xFFFFFFFF, "large"), large))
-        << "four billion bytes claimed";
-    EXPECT_TRUE(isSame(readAfter(image.miniFatOffset(3), 1, "small"), small.substr(0, 4 * 64))) << "a mini loop";
-    EXPECT_TRUE(isSame(readAfter(image.miniFatOffset(3), 0x7FFFFFFF, "small"), small.substr(0, 4 * 64)))
-        << "mini, outside";
-    EXPECT_TRUE(isSame(readAfter(image.entryOffset(0) + 116, OleImage::END, "small"), "no stream")) << "no mini stream";
-    EXPECT_TRUE(isSame(readAfter(image.entryOffset(0) + 66, 0, "small", 1), "no stream")) << "no root";
+    const std::uint32_t first = image.get32(image.entryOffset(2) + 116), directory = image.firstDirectory;
     const std::uint32_t mini = image.get32(image.entryOffset(0) + 116);
-    EXPECT_TRUE(isSame(readAfter(image.fatOffset(mini), mini, "small"), small.substr(0, 512)))
-        << "a mini stream that loops";
-    const std::uint32_t directory = image.firstDirectory;
-    EXPECT_FALSE(opensAfter(image.fatOffset(directory), directory)) << "a directory that loops";
-    EXPECT_FALSE(opensAfter(image.fatOffset(directory), OleImage::FREE)) << "a directory that ends in a free sector";
-    EXPECT_FALSE(opensAfter(image.entryOffset(1) + 64, 66, 2)) << "a name longer than its field";
-    EXPECT_TRUE(opensAfter(image.entryOffset(1) + 64, 64, 2)) << "a name as long as its field";
+    constexpr int notOpened = -2, noStream = -1;
+    struct Case {
+        const char* fault;
+        std::size_t offset;
+        std::uint64_t value;
+        const char* name;
+        int bytes;  // read of that stream
+        unsigned width = 4;
+    };
+    const Case cases[] = {
+        {"a loop", image.fatOffset(first + 4), first + 1, "large", 5 * 512},
+        {"a long loop", image.fatOffset(first + 150), first + 9, "large", 151 * 512},
+        {"a loop of one", image.fatOffset(first), first, "large", 512},
+        {"leads outside", image.fatOffset(first + 4), 0x7FFFFFFF, "large", 5 * 512},
+        {"an early end", image.fatOffset(first + 4), OleImage::END, "large", 5 * 512},
+        {"no start", image.entryOffset(2) + 116, OleImage::FREE, "large", 0},
+        {"four billion bytes claimed", image.entryOffset(2) + 120, 0xFFFFFFFF, "large", 200 * 512},
+        {"a mini loop", image.miniFatOffset(3), 1, "small", 4 * 64},
+        {"mini, outside", image.miniFatOffset(3), 0x7FFFFFFF, "small", 4 * 64},
+        {"no mini stream", image.entryOffset(0) + 116, OleImage::END, "small", noStream},
+        {"no root", image.entryOffset(0) + 66, 0, "small", noStream, 1},
+        {"a mini stream that loops", image.fatOffset(mini), mini, "small", 512},
+        {"a directory that loops", image.fatOffset(directory), directory, "large", notOpened},
+        {"a directory that ends in a free sector", image.fatOffset(directory), OleImage::FREE, "large", notOpened},
+        {"a name longer than its field", image.entryOffset(1) + 64, 66, "large", notOpened, 2},
+        {"a name as long as its field", image.entryOffset(1) + 64, 64, "large", 200 * 512, 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        OleImage changed = image;
+        Opened opened(changed.set(c.offset, c.value, c.width));
+        EXPECT_EQ(opened.isOpen, c.bytes != notOpened);
+        const std::string& data = c.name[0] == 'l' ? large : small;
+        EXPECT_TRUE(isSame(opened.read({c.name}), c.bytes < 0 ? "no stream" : data.substr(0, std::size_t(c.bytes))));
+    }
     OleImage loops = image;
     loops.set(image.fatOffset(image.firstMiniFat), image.firstMiniFat).set(64, 2);
     EXPECT_FALSE(Opened(loops).isOpen) << "a mini FAT that loops";
     for (const unsigned link : {68u, 72u, 76u}) {  // left, right, child
-        for (const std::uint32_t to : {0u, 1u, 3u, 5u, 1000u, 0x7FFFFFFFu, 0x80000000u}) {
+        for (const std::uint32_t to : {0u, 3u, 1000u, 0x80000000u}) {
             OleImage changed = image;
             for (std::uint32_t i = 0; i < 6; ++i) changed.set(image.entryOffset(i) + link, to);
-            Opened opened(changed);
-            EXPECT_TRUE(opened.isOpen);
-            EXPECT_EQ(opened.index({"none"}), -1);
+            EXPECT_EQ(Opened(changed).index({"none"}), -1);
         }
     }
 }
@@ -343,13 +330,11 @@ struct SeekCase {
 // In a stream of 5000 bytes, from position 100.
 const SeekCase seekCases[] = {
     {"start", 0, SEEK_SET, true, 0},
-    {"inside", 4097, SEEK_SET, true, 4097},
     {"current", 50, SEEK_CUR, true, 150},
     {"back from current", -100, SEEK_CUR, true, 0},
     {"back from the end", -1, SEEK_END, true, 4999},
     {"the end", 0, SEEK_END, true, 5000},
     {"before the start", -101, SEEK_CUR, false, 100},
-    {"before the start, from the end", -5001, SEEK_END, false, 100},
     {"behind the last sector", 5120, SEEK_SET, false, 5120},
     {"far behind", 0x7FFFFFFF, SEEK_END, false, 0x7FFFFFFFL + 5000},
     {"unknown origin", 0, 3, false, 100},

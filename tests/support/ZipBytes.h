@@ -1,11 +1,18 @@
 #pragma once
 
+#include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/streams/LumGzipStream.h>
 
 #include <cstdint>
+#include <istream>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include "support/Utf8.h"
 
 namespace LumTest {
 
@@ -108,5 +115,21 @@ struct ZipArchive {
 };
 
 inline const std::string zipEnd = "PK\5\6" + std::string(18, '\0');
+
+inline std::string contentOf(std::istream* in) {
+    return in ? std::string(std::istreambuf_iterator<char>(*in), {}) : "(null)";
+}
+
+/// Names and inflated data, in the archive's order.
+using Members = std::vector<std::pair<std::string, std::string>>;
+
+inline Members membersOf(const LumCommon::LumZipFile& zip) {
+    Members members;
+    for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
+        LumCommon::LumZipFileEntry* const entry = zip.getFileEntry(i);
+        members.emplace_back(utf8(entry->getFileName()), contentOf(entry->getUncompressedStream(false)));
+    }
+    return members;
+}
 
 }  // namespace LumTest

@@ -141,11 +141,15 @@ def check_file_of_gsf():
 
 check_small_file()
 documents = 0
+KINDS = {".doc": 1, ".dot": 1, ".xls": 2, ".xlt": 2, ".ppt": 3, ".pot": 3, ".pps": 3}
 for judgement in sorted(DOCUMENTS.glob("judge/*.tsv")):
     document = DOCUMENTS / judgement.name.removesuffix(".tsv")
     if document.exists() and document.read_bytes()[:4] == b"\xD0\xCF\x11\xE0":
         check_document(document, judgement)
+        if document.suffix in KINDS:
+            expect(f"{document.name}: kind", json.loads(run("kind", document).stdout)["ole"], KINDS[document.suffix])
         documents += 1
+expect("documents are missing", documents >= 17, True)
 if GSF:
     check_file_of_gsf()
 print("\n".join(failures) or f"{documents} documents, all as expected")
