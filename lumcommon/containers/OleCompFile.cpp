@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>  // SEEK_SET
+#include <cstdio>  // SEEK_END
 #include <limits>
 #include <new>
 #include <utility>
@@ -82,10 +82,11 @@ bool OleCompFile::OLEopenSub() {
 }
 
 std::size_t OleCompFile::readAt(std::int64_t offset, char* to, std::size_t bytes) {
-    if (offset < 0 || offset >= fileBytes_ || !io_->Seek(static_cast<long>(offset), SEEK_SET)) return 0;
+    if (offset < 0 || offset >= fileBytes_) return 0;
     std::size_t done = 0;
     while (done < bytes) {
-        const int got = io_->Read(to + done, static_cast<int>(std::min<std::size_t>(bytes - done, INT_MAX)));
+        const int room = static_cast<int>(std::min<std::size_t>(bytes - done, INT_MAX));
+        const int got = io_->ReadAt(static_cast<long>(offset) + static_cast<long>(done), to + done, room);
         if (got <= 0) break;
         done += static_cast<std::size_t>(got);
     }

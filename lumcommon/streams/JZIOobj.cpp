@@ -33,6 +33,8 @@ int JZIOobj::Write(const char*, int) { return -1; }
 
 bool JZIOobj::Seek(long, int) { return false; }
 
+int JZIOobj::ReadAt(long offset, char* buf, int len) { return Seek(offset, SEEK_SET) ? Read(buf, len) : -1; }
+
 JZFileIOobj::JZFileIOobj(const char* path, const char* mode) : path_(path ? path : "") { readMode(mode); }
 
 JZFileIOobj::JZFileIOobj(int fd, const char* mode) : fd_(fd) {
@@ -104,6 +106,11 @@ int JZFileIOobj::Write(const char* buf, int len) {
 }
 
 bool JZFileIOobj::Seek(long offset, int whence) { return moveTo(fd_, offset, whence) >= 0; }
+
+int JZFileIOobj::ReadAt(long offset, char* buf, int len) {
+    if (len < 0) return -1;
+    return uninterrupted([&] { return pread(fd_, buf, static_cast<std::size_t>(len), offset); });
+}
 
 long JZFileIOobj::Tell() { return moveTo(fd_, 0, SEEK_CUR); }
 

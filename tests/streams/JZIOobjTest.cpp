@@ -64,6 +64,10 @@ void expectRandomAccess(JZIOobj& io) {
     EXPECT_EQ(buf[0], '9');
     EXPECT_EQ(io.Read(buf, -1), -1);
     EXPECT_FALSE(io.Seek(0, 7));
+    EXPECT_EQ(io.ReadAt(4, buf, 3), 3);
+    EXPECT_EQ(std::string(buf, 4), "4563") << "reading at a place";
+    EXPECT_EQ(io.ReadAt(8, buf, 16), 2);
+    EXPECT_EQ(io.ReadAt(-1, buf, 1), -1);
     EXPECT_TRUE(io.Close());
 }
 
