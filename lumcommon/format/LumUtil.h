@@ -69,10 +69,11 @@ public:
     /// @param letterValue  changes nothing.
     /// Failure: bogus when the result is beyond the length of a string.
     /// Cost: O(length of format and result).   Threads: any; the alphabets are constant data.
-    static UnicodeString formatNumber(int number, const UnicodeString& format,
-                                      const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0);
     static UnicodeString formatNumber(int number, const UnicodeString& format, const UnicodeString& separator, int size,
                                       const LumLang& language, LumNameEnum letterValue = NAME_NULL);
+    /// The same in no language.
+    static UnicodeString formatNumber(int number, const UnicodeString& format,
+                                      const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0);
 
     /// As printf's "%d", "%lld" and "%g" in the C locale: the decimal point is "." in every locale.
     static UnicodeString toString(int number);
