@@ -12,6 +12,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace LumCommon {
 namespace detail {
@@ -201,13 +202,16 @@ LumGzipStreamBuf::int_type LumGzipStreamBuf::underflow() {
     return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
-LumGzipStream::LumGzipStream(const char* path) : LumGzipStream(new LumGzipStreamBuf(path)) {}
+LumGzipStream::LumGzipStream(const char* path) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(path)) {}
 
-LumGzipStream::LumGzipStream(const UnicodeString& path) : LumGzipStream(new LumGzipStreamBuf(path)) {}
+LumGzipStream::LumGzipStream(const UnicodeString& path) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(path)) {}
 
-LumGzipStream::LumGzipStream(std::istream& s) : LumGzipStream(new LumGzipStreamBuf(s)) {}
+LumGzipStream::LumGzipStream(std::istream& s) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(s)) {}
 
-LumGzipStream::LumGzipStream(LumGzipStreamBuf* buffer) : std::istream(buffer), buffer_(buffer) {}
+LumGzipStream::LumGzipStream(LumGzipStreamBuf* buffer) : LumGzipStream(std::unique_ptr<LumGzipStreamBuf>(buffer)) {}
+
+LumGzipStream::LumGzipStream(std::unique_ptr<LumGzipStreamBuf> buffer)
+    : std::istream(buffer.get()), buffer_(std::move(buffer)) {}
 
 LumGzipStream::~LumGzipStream() = default;
 

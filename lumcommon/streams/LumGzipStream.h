@@ -75,6 +75,8 @@ public:
     bool is_open() const noexcept { return buffer_ && buffer_->is_open(); }
 
 private:
+    explicit LumGzipStream(std::unique_ptr<LumGzipStreamBuf> buffer);
+
     std::unique_ptr<LumGzipStreamBuf> buffer_;
 };
 

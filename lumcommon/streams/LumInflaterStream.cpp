@@ -3,6 +3,7 @@
 #include <lumcommon/streams/detail/StreamReading.h>
 
 #include <cstring>
+#include <utility>
 
 namespace LumCommon {
 
@@ -36,9 +37,13 @@ LumInflaterStreamBuf::int_type LumInflaterStreamBuf::underflow() {
 }
 
 LumInflaterStream::LumInflaterStream(const char* data, std::size_t size, bool copy)
-    : LumInflaterStream(new LumInflaterStreamBuf(data, size, copy)) {}
+    : LumInflaterStream(std::make_unique<LumInflaterStreamBuf>(data, size, copy)) {}
 
-LumInflaterStream::LumInflaterStream(LumInflaterStreamBuf* buffer) : std::istream(buffer), buffer_(buffer) {}
+LumInflaterStream::LumInflaterStream(LumInflaterStreamBuf* buffer)
+    : LumInflaterStream(std::unique_ptr<LumInflaterStreamBuf>(buffer)) {}
+
+LumInflaterStream::LumInflaterStream(std::unique_ptr<LumInflaterStreamBuf> buffer)
+    : std::istream(buffer.get()), buffer_(std::move(buffer)) {}
 
 LumInflaterStream::~LumInflaterStream() = default;
 

@@ -56,6 +56,8 @@ public:
     void reset();
 
 private:
+    explicit LumInflaterStream(std::unique_ptr<LumInflaterStreamBuf> buffer);
+
     std::unique_ptr<LumInflaterStreamBuf> buffer_;
 };
 
