@@ -101,6 +101,20 @@ def check_small_commands():
         prints(fault, arguments, expected)
 
 
+def check_file_names():
+    """A file is found under its own name, whatever its name would mean as a URI, and so is what stands beside it."""
+    write("a%20b #1.xml", "<a/>")
+    (FOLDER / "in").mkdir()
+    write("in/e.ent", "beside")
+    write("in/doc.xml", "<!DOCTYPE a [<!ENTITY e SYSTEM 'e.ent'>]><a>&e;</a>")
+    expect("the name is decoded", len(events("a%20b #1.xml")), 3)
+    expect("an entity beside the document", events("in/doc.xml")[1]["text"], "beside")
+    expect("a URI that is no file's name", len(events(f"file://{str(FOLDER).replace(' ', '%20')}/a%2520b #1.xml")), 3)
+    prints("the name of the output is decoded", ["save", "in/doc.xml", "c%41 d.xml"], "")
+    expect("output", (FOLDER / "c%41 d.xml").exists(), True)
+    prints("cat decodes the name", ["cat", "a%20b #1.xml"], "<a/>")
+
+
 def check_events():
     document = b"<?xml version='1.0'?><!--c--><p:a xmlns:p='urn:x' b='1&amp;2'>t<![CDATA[u]]><e/></p:a>"
     path = write("a b.xml", document)
@@ -271,7 +285,7 @@ def check_failures():
                (1, b"lum: error 0x1007: Output stream error.\n"))
 
 
-for check in (check_small_commands, check_events, check_save, check_resources, check_failures, check_bounded_memory):
+for check in (check_small_commands, check_file_names, check_events, check_save, check_resources, check_failures, check_bounded_memory):
     check()
 print("\n".join(failures) or "all as expected")
 sys.exit(1 if failures else 0)

@@ -4,6 +4,7 @@
 #include <unicode/stringoptions.h>
 
 #include "Command.h"
+#include "Input.h"
 #include "Output.h"
 
 #include <iostream>
@@ -18,9 +19,8 @@ struct Arguments {
     std::string uri;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("uri", arguments.uri, "A file, a file:, http:, jar: or data: URI, or - for standard input")
-        ->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("uri", arguments.uri, "A file, a file:, http:, jar: or data: URI, or - for standard input");
 }
 
 [[noreturn]] void failToOpen(const UnicodeString& what) {
@@ -59,7 +59,7 @@ void run(const Arguments& arguments) {
         copyToOutput(std::cin);
         return;
     }
-    const LumUri uri(fromArgument(arguments.uri));
+    const LumUri uri(toUri(arguments.uri));
     if (uri.isDataScheme()) return printData(uri.toString());
     UnicodeString message;
     const std::unique_ptr<std::istream> in(uri.getStream(nullptr, &message));
@@ -73,8 +73,6 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addCatCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "cat", "Write the bytes of a resource", describe, run);
-}
+Command makeCatCommand() { return makeCommand("cat", "Write the bytes of a resource", describe, run); }
 
 }  // namespace lum

@@ -6,7 +6,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 namespace lum {
 namespace {
@@ -20,10 +19,10 @@ struct Arguments {
     std::string text;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_flag("--icc", arguments.isIccAllowed, "icc-color(...) may follow the RGB colour");
-    command.add_flag("--svg", arguments.isSvgForm, "Print the colour as SVG writes it");
-    command.add_option("text", arguments.text, "The text of a colour")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.flag("--icc", arguments.isIccAllowed, "icc-color(...) may follow the RGB colour");
+    syntax.flag("--svg", arguments.isSvgForm, "Print the colour as SVG writes it");
+    syntax.required("text", arguments.text, "The text of a colour");
 }
 
 int getComponentCount(const LumColor& color) {
@@ -52,8 +51,8 @@ void run(const Arguments& arguments) {
     const LumColor color(LumValue::parseColor(fromArgument(arguments.text), arguments.isIccAllowed));
     char rgb[16];
     std::snprintf(rgb, sizeof rgb, "%08X", static_cast<unsigned>(color.getRGB()));
-    auto components = nlohmann::ordered_json::array();
-    for (int i = 0; i < getComponentCount(color); ++i) components.push_back(getShortest(color.getComponent(i)));
+    Json::Array components;
+    for (int i = 0; i < getComponentCount(color); ++i) components.emplace_back(getShortest(color.getComponent(i)));
     printJson({{"rgb", rgb},
                {"space", toUtf8(color.getColorSpace())},
                {"name", toUtf8(color.getName())},
@@ -63,8 +62,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addColorCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "color", "Print the colour of a property's text as JSON", describe, run);
+Command makeColorCommand() {
+    return makeCommand("color", "Print the colour of a property's text as JSON", describe, run);
 }
 
 }  // namespace lum

@@ -2,17 +2,16 @@
 #include <lumcommon/xml/LumXmlParser.h>
 
 #include "Command.h"
+#include "Input.h"
 #include "Output.h"
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <vector>
 
 namespace lum {
 namespace {
 
 using namespace LumCommon;
-using nlohmann::ordered_json;
 
 struct Arguments {
     bool isTokens = false;
@@ -20,18 +19,15 @@ struct Arguments {
     std::string encoding, file;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_flag("--tokens", arguments.isTokens, "Every token is an event of its own");
-    command.add_option("--feature", arguments.features, "A parser feature to turn on, by number; may be repeated")
-        ->check(CLI::Range(0, 5))
-        ->allow_extra_args(false)
-        ->type_name("N");
-    command.add_option("--encoding", arguments.encoding, "The encoding, when it is known from outside");
-    command.add_option("file", arguments.file, "A file, a URI, or - for standard input")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.flag("--tokens", arguments.isTokens, "Every token is an event of its own");
+    syntax.option("--feature", arguments.features, 0, 5, "A parser feature to turn on, by number; may be repeated");
+    syntax.option("--encoding", arguments.encoding, "The encoding, when it is known from outside");
+    syntax.required("file", arguments.file, "A file, a URI, or - for standard input");
 }
 
-ordered_json attributesOf(const LumXmlParser& parser) {
-    ordered_json attributes = ordered_json::array();
+Json attributesOf(const LumXmlParser& parser) {
+    Json::Array attributes;
     for (int i = 0; i < parser.getAttributeCount(); ++i) {  // the count is -1 at an end tag
         attributes.push_back({{"prefix", toUtf8(parser.getAttributePrefix(i))},
                               {"name", toUtf8(parser.getAttributeName(i))},
@@ -44,18 +40,18 @@ ordered_json attributesOf(const LumXmlParser& parser) {
 /// @param isEmptyElement  whether a tag is that of an empty element; an end tag made for one counts.
 void printEvent(const LumXmlParser& parser, bool isEmptyElement) {
     const LumXmlParser::EventType event = parser.getEventType();
-    ordered_json line = {{"event", toUtf8(LumXmlParser::getEventTypeStr(event))},
-                         {"depth", parser.getDepth()},
-                         {"line", parser.getLineNumber()},
-                         {"column", parser.getColumnNumber()}};
+    Json line = {{"event", toUtf8(LumXmlParser::getEventTypeStr(event))},
+                 {"depth", parser.getDepth()},
+                 {"line", parser.getLineNumber()},
+                 {"column", parser.getColumnNumber()}};
     if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG) {
-        line["prefix"] = toUtf8(parser.getPrefix());
-        line["name"] = toUtf8(parser.getName());
-        line["namespace"] = toUtf8(parser.getNamespace());
-        line["empty"] = isEmptyElement;
-        line["attributes"] = attributesOf(parser);
+        line.add("prefix", toUtf8(parser.getPrefix()));
+        line.add("name", toUtf8(parser.getName()));
+        line.add("namespace", toUtf8(parser.getNamespace()));
+        line.add("empty", isEmptyElement);
+        line.add("attributes", attributesOf(parser));
     } else {
-        line["text"] = toUtf8(parser.getText());
+        line.add("text", toUtf8(parser.getText()));
     }
     printJson(line);
 }
@@ -66,7 +62,7 @@ void run(const Arguments& arguments) {
     if (arguments.file == "-") {
         parser->setInput(std::cin, fromArgument(arguments.encoding), {});
     } else {
-        parser->setInput(fromArgument(arguments.file), fromArgument(arguments.encoding), {});
+        parser->setInput(toUri(arguments.file), fromArgument(arguments.encoding), {});
     }
     LumXmlParser::EventType event;
     bool isEmptyElement = false;
@@ -84,8 +80,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addEventsCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "events", "Print the events of the XML parser, one JSON object each", describe, run);
+Command makeEventsCommand() {
+    return makeCommand("events", "Print the events of the XML parser, one JSON object each", describe, run);
 }
 
 }  // namespace lum

@@ -12,10 +12,10 @@ struct Arguments {
     std::string text, style, digits = "kanji";
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("text", arguments.text, "The text whose digits are converted")->required();
-    command.add_option("--style", arguments.style, "grouping, readable; anything else: digit by digit");
-    command.add_option("--digits", arguments.digits, "kanji, latin, or the ten characters to use");
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("text", arguments.text, "The text whose digits are converted");
+    syntax.option("--style", arguments.style, "grouping, readable; anything else: digit by digit");
+    syntax.option("--digits", arguments.digits, "kanji, latin, or the ten characters to use");
 }
 
 void run(const Arguments& arguments) {
@@ -25,8 +25,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addKansujiCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "kansuji", "Write the digits of a text as Japanese numerals", describe, run);
+Command makeKansujiCommand() {
+    return makeCommand("kansuji", "Write the digits of a text as Japanese numerals", describe, run);
 }
 
 }  // namespace lum

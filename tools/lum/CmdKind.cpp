@@ -8,20 +8,17 @@
 #include "Input.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
 using namespace LumCommon;
-using nlohmann::ordered_json;
 
 struct Arguments {
     std::string file;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("file", arguments.file, "A file, a URI, or - for standard input")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("file", arguments.file, "A file, a URI, or - for standard input");
 }
 
 /// The kind of office document, 0 also for a package that cannot be read.
@@ -34,12 +31,12 @@ int officeKindOf(std::istream& in) {
 }
 
 /// The root of an XML document, null for what is none.
-ordered_json rootOf(std::istream& in) {
+Json rootOf(std::istream& in) {
     try {
         LumName localName;
         const LumName namespaceUri = LumXmlUtil::getRootName(localName, in);
         if (localName.isNull()) return nullptr;
-        return {{"name", toUtf8(localName)}, {"namespace", toUtf8(namespaceUri)}};
+        return Json{{"name", toUtf8(localName)}, {"namespace", toUtf8(namespaceUri)}};
     } catch (const LumError&) {
         return nullptr;
     }
@@ -53,19 +50,17 @@ std::istream& rewound(std::istream& in) {
 
 void run(const Arguments& arguments) {
     const std::unique_ptr<std::istream> in = openInput(arguments.file);
-    ordered_json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
-    kind["ooxml"] = officeKindOf(*in);
-    kind["ole"] = OleCompFile::detectOLEDocument(rewound(*in));
-    kind["gzip"] = LumGzipStreamBuf::checkHeader(rewound(*in));
+    Json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
+    kind.add("ooxml", officeKindOf(*in));
+    kind.add("ole", OleCompFile::detectOLEDocument(rewound(*in)));
+    kind.add("gzip", LumGzipStreamBuf::checkHeader(rewound(*in)));
     LumGzipStream content(rewound(*in));  // what is not gzip passes through
-    kind["root"] = rootOf(content);
+    kind.add("root", rootOf(content));
     printJson(kind);
 }
 
 }  // namespace
 
-void addKindCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "kind", "Tell what kind of file it is, as JSON", describe, run);
-}
+Command makeKindCommand() { return makeCommand("kind", "Tell what kind of file it is, as JSON", describe, run); }
 
 }  // namespace lum

@@ -3,8 +3,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -14,9 +12,7 @@ struct Arguments {
     std::string tag;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("tag", arguments.tag, "The language tag")->required();
-}
+void describe(Syntax& syntax, Arguments& arguments) { syntax.required("tag", arguments.tag, "The language tag"); }
 
 void run(const Arguments& arguments) {
     const LumLang lang(fromArgument(arguments.tag));
@@ -29,8 +25,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addLangCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "lang", "Print the parts of a language tag's locale as JSON", describe, run);
+Command makeLangCommand() {
+    return makeCommand("lang", "Print the parts of a language tag's locale as JSON", describe, run);
 }
 
 }  // namespace lum

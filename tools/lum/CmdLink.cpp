@@ -4,8 +4,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -32,17 +30,17 @@ struct Arguments {
     std::string kind, text;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
+void describe(Syntax& syntax, Arguments& arguments) {
     std::vector<std::string> names;
     for (const LinkKind& kind : linkKinds) names.emplace_back(kind.name);
-    command.add_option("kind", arguments.kind, "How to read the text")->required()->check(CLI::IsMember(names));
-    command.add_option("text", arguments.text, "The link or destination")->required();
-    command.footer(
+    syntax.required("kind", arguments.kind, names, "How to read the text");
+    syntax.required("text", arguments.text, "The link or destination");
+    syntax.footer(
         "Writes one object: \"value\" is the unnamed value (null when there is none), every other member an item under "
         "its name; all are printed forms. An item that is itself named \"value\" is written as \"#value\".");
 }
 
-nlohmann::ordered_json printed(const LumValue& value) {
+Json printed(const LumValue& value) {
     if (value.isNull()) return nullptr;
     return toUtf8(value.toString());
 }
@@ -51,13 +49,13 @@ void run(const Arguments& arguments) {
     const LinkKind* kind = linkKinds;
     while (kind->name != arguments.kind) ++kind;
     const LumValue value = kind->parse(fromArgument(arguments.text));
-    nlohmann::ordered_json object{{"value", printed(value.getNamedItem(LumCommon::NAME_NULL))}};
+    Json object{{"value", printed(value.getNamedItem(LumCommon::NAME_NULL))}};
     if (value.getNamedValueMap()) {
         for (LumNamedValueMapIterator items(value.getNamedValueMap()); items.hasNext();) {
             const LumNamedValue item = items.next();
             if (item.getName().isNull()) continue;
             const std::string name = toUtf8(item.getName());
-            object[name == "value" ? "#value" : name] = printed(item);
+            object.add(name == "value" ? "#value" : name, printed(item));
         }
     }
     printJson(object);
@@ -65,8 +63,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addLinkCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "link", "Print the items of a link or destination as JSON", describe, run);
+Command makeLinkCommand() {
+    return makeCommand("link", "Print the items of a link or destination as JSON", describe, run);
 }
 
 }  // namespace lum

@@ -4,8 +4,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -15,8 +13,8 @@ struct Arguments {
     std::string string;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("string", arguments.string, "The string of the name")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("string", arguments.string, "The string of the name");
 }
 
 void run(const Arguments& arguments) {
@@ -27,8 +25,6 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addNameCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "name", "Print the identifier of a name as JSON", describe, run);
-}
+Command makeNameCommand() { return makeCommand("name", "Print the identifier of a name as JSON", describe, run); }
 
 }  // namespace lum

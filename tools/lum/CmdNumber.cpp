@@ -19,12 +19,12 @@ struct Arguments {
     int size = 0;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("format", arguments.format, "The format, such as 001, (a) or I")->required();
-    command.add_option("number", arguments.numbers, "The numbers, in decimal")->required();
-    command.add_option("--lang", arguments.language, "The language whose alphabet is used");
-    command.add_option("--separator", arguments.separator, "What stands between groups of digits");
-    command.add_option("--size", arguments.size, "The digits of a group; 0 for no groups");
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("format", arguments.format, "The format, such as 001, (a) or I");
+    syntax.required("number", arguments.numbers, "The numbers, in decimal");
+    syntax.option("--lang", arguments.language, "The language whose alphabet is used");
+    syntax.option("--separator", arguments.separator, "What stands between groups of digits");
+    syntax.option("--size", arguments.size, "The digits of a group; 0 for no groups");
 }
 
 int readNumber(const std::string& text) {
@@ -48,8 +48,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addNumberCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "number", "Print numbers of pages or lists, formatted, one a line", describe, run);
+Command makeNumberCommand() {
+    return makeCommand("number", "Print numbers of pages or lists, formatted, one a line", describe, run);
 }
 
 }  // namespace lum

@@ -6,8 +6,6 @@
 #include "OleInput.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -18,13 +16,13 @@ struct Arguments {
     std::vector<std::string> names;
 };
 
-void describeFile(CLI::App& command, Arguments& arguments) {
-    command.add_option("file", arguments.file, "A compound file: a file, a URI, or - for standard input")->required();
+void describeFile(Syntax& syntax, Arguments& arguments) {
+    syntax.required("file", arguments.file, "A compound file: a file, a URI, or - for standard input");
 }
 
-void describeStream(CLI::App& command, Arguments& arguments) {
-    describeFile(command, arguments);
-    command.add_option("name", arguments.names, "The names of the storages and the stream, from the root")->required();
+void describeStream(Syntax& syntax, Arguments& arguments) {
+    describeFile(syntax, arguments);
+    syntax.required("name", arguments.names, "The names of the storages and the stream, from the root");
 }
 
 /// For each entry the storage that it lies in; -1 for the root and for what no storage leads to.
@@ -84,11 +82,13 @@ void cat(const Arguments& arguments) {
 
 }  // namespace
 
-void addOleCommand(CLI::App& app, Action& action) {
-    CLI::App* const ole = app.add_subcommand("ole", "Look into a compound file");
-    ole->require_subcommand(1);
-    addCommand(*ole, action, "list", "Print the entries of the directory as JSON, one object each", describeFile, list);
-    addCommand(*ole, action, "cat", "Write the bytes of a stream", describeStream, cat);
+Command makeOleCommand() {
+    return {"ole",
+            "Look into a compound file",
+            {},
+            {},
+            {makeCommand("list", "Print the entries of the directory as JSON, one object each", describeFile, list),
+             makeCommand("cat", "Write the bytes of a stream", describeStream, cat)}};
 }
 
 }  // namespace lum

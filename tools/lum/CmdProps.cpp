@@ -6,47 +6,40 @@
 #include "OleInput.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
 using namespace LumCommon;
-using nlohmann::ordered_json;
 
 struct Arguments {
     std::string file;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("file", arguments.file, "A compound file: a file, a URI, or - for standard input")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("file", arguments.file, "A compound file: a file, a URI, or - for standard input");
 }
 
-ordered_json propertiesOf(OleCompFile& file) {
+Json propertiesOf(OleCompFile& file) {
     constexpr unsigned lastId = 19;
-    ordered_json properties = ordered_json::object();
+    Json properties = Json::Object{};
     OleSummaryInformation information;
     if (information.initSummaryInformation(&file) != 1) return properties;
     for (unsigned id = 1; id <= lastId; ++id) {
         LumValue value;
         if (information.getProperty(id, value) != 1) continue;
-        ordered_json& property = properties[std::to_string(id)];
-        if (value.getKind() == KIND_INTEGER) {
-            property = value.getIntegerValue();
-        } else {
-            property = toUtf8(value.toString());
-        }
+        const bool isInteger = value.getKind() == KIND_INTEGER;
+        properties.add(std::to_string(id), isInteger ? Json(value.getIntegerValue()) : Json(toUtf8(value.toString())));
     }
     return properties;
 }
 
-ordered_json hyperLinksOf(OleCompFile& file) {
-    ordered_json links = ordered_json::array();
+Json hyperLinksOf(OleCompFile& file) {
+    Json::Array links;
     OleSummaryInformation information;
     std::vector<UnicodeString> found;
     if (information.initDocumentSummaryInformation(&file) != 1) return links;
     information.getHyperLinks(found);
-    for (const UnicodeString& link : found) links.push_back(toUtf8(link));
+    for (const UnicodeString& link : found) links.emplace_back(toUtf8(link));
     return links;
 }
 
@@ -64,8 +57,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addPropsCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "props", "Print the properties of an office document as JSON", describe, run);
+Command makePropsCommand() {
+    return makeCommand("props", "Print the properties of an office document as JSON", describe, run);
 }
 
 }  // namespace lum

@@ -12,9 +12,9 @@ struct Arguments {
     std::string base, reference;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("base", arguments.base, "The URI to resolve against")->required();
-    command.add_option("reference", arguments.reference, "The relative reference")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("base", arguments.base, "The URI to resolve against");
+    syntax.required("reference", arguments.reference, "The relative reference");
 }
 
 void run(const Arguments& arguments) {
@@ -24,8 +24,6 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addResolveCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "resolve", "Resolve a reference against a base URI", describe, run);
-}
+Command makeResolveCommand() { return makeCommand("resolve", "Resolve a reference against a base URI", describe, run); }
 
 }  // namespace lum

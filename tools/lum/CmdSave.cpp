@@ -3,6 +3,7 @@
 #include <lumcommon/dom/LumXmlSerializer.h>
 
 #include "Command.h"
+#include "Input.h"
 #include "Output.h"
 
 #include <filesystem>
@@ -19,19 +20,19 @@ struct Arguments {
     std::string encoding, file, output = "-";
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_flag("--lazy", arguments.isLazy, "Hold no more of the document in memory than the open elements");
-    command.add_flag("--no-generator", arguments.isWithoutGenerator, "Leave the generator comment out");
-    command.add_option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
-    command.add_option("file", arguments.file, "A file, a URI, or - for standard input")->required();
-    command.add_option("out", arguments.output, "The file to write; standard output without one");
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.flag("--lazy", arguments.isLazy, "Hold no more of the document in memory than the open elements");
+    syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave the generator comment out");
+    syntax.option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
+    syntax.required("file", arguments.file, "A file, a URI, or - for standard input");
+    syntax.optional("out", arguments.output, "The file to write; standard output without one");
 }
 
 void load(LumDocument& document, const std::string& file) {
     if (file == "-") {
         document.load(std::cin);
     } else {
-        document.load(fromArgument(file));
+        document.load(toUri(file));
     }
 }
 
@@ -74,7 +75,7 @@ void saveLazily(LumDocument& document, const Arguments& arguments) {
     if (arguments.output == "-") {
         serializer.setOutput(std::cout, encoding);
     } else {
-        serializer.setOutput(fromArgument(arguments.output), encoding);
+        serializer.setOutput(toOutputUri(arguments.output), encoding);
     }
     serializer.startDocument({}, {});
     if (root) saveAsLoaded(document, root);
@@ -87,7 +88,7 @@ void saveWhole(LumDocument& document, const Arguments& arguments) {
     if (arguments.output == "-") {
         document.save(std::cout, nullptr, encoding);
     } else {
-        document.save(fromArgument(arguments.output), nullptr, encoding);
+        document.save(toOutputUri(arguments.output), nullptr, encoding);
     }
 }
 
@@ -108,8 +109,6 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addSaveCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "save", "Load a document and save it again", describe, run);
-}
+Command makeSaveCommand() { return makeCommand("save", "Load a document and save it again", describe, run); }
 
 }  // namespace lum

@@ -3,8 +3,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -14,8 +12,8 @@ struct Arguments {
     std::string text;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("text", arguments.text, "A script code, a language tag, or text in the script")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("text", arguments.text, "A script code, a language tag, or text in the script");
 }
 
 void run(const Arguments& arguments) {
@@ -31,9 +29,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addScriptCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "script", "Print the script that a text names, or else is written in, as JSON", describe,
-               run);
+Command makeScriptCommand() {
+    return makeCommand("script", "Print the script that a text names, or else is written in, as JSON", describe, run);
 }
 
 }  // namespace lum

@@ -3,8 +3,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -14,8 +12,8 @@ struct Arguments {
     std::string text;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("text", arguments.text, "The text of a property")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("text", arguments.text, "The text of a property");
 }
 
 void run(const Arguments& arguments) {
@@ -28,8 +26,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addTokensCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "tokens", "Print the tokens of a property's text, one JSON object each", describe, run);
+Command makeTokensCommand() {
+    return makeCommand("tokens", "Print the tokens of a property's text, one JSON object each", describe, run);
 }
 
 }  // namespace lum

@@ -3,8 +3,6 @@
 #include "Command.h"
 #include "Output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace lum {
 namespace {
 
@@ -14,8 +12,8 @@ struct Arguments {
     std::string text;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_option("text", arguments.text, "The text of a property")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.required("text", arguments.text, "The text of a property");
 }
 
 void run(const Arguments& arguments) {
@@ -27,8 +25,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addValueCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "value", "Print the value of a property's text as JSON", describe, run);
+Command makeValueCommand() {
+    return makeCommand("value", "Print the value of a property's text as JSON", describe, run);
 }
 
 }  // namespace lum

@@ -8,14 +8,12 @@ namespace {
 
 struct Arguments {};
 
-void describe(CLI::App&, Arguments&) {}
+void describe(Syntax&, Arguments&) {}
 
 void run(const Arguments&) { printLine(std::to_string(LumCommon::getLibVersion())); }
 
 }  // namespace
 
-void addVersionCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "version", "Print the version of the library", describe, run);
-}
+Command makeVersionCommand() { return makeCommand("version", "Print the version of the library", describe, run); }
 
 }  // namespace lum

@@ -5,7 +5,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <vector>
 
 namespace lum {
@@ -20,11 +19,11 @@ struct Arguments {
     std::vector<std::string> values;
 };
 
-void describe(CLI::App& command, Arguments& arguments) {
-    command.add_flag("--1904", arguments.is1904, "Days count from 1904-01-01");
-    command.add_flag("--text", arguments.areTexts, "The values are texts");
-    command.add_option("code", arguments.code, "The number format code, such as #,##0.00")->required();
-    command.add_option("value", arguments.values, "A number, or with --text any text")->required();
+void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.flag("--1904", arguments.is1904, "Days count from 1904-01-01");
+    syntax.flag("--text", arguments.areTexts, "The values are texts");
+    syntax.required("code", arguments.code, "The number format code, such as #,##0.00");
+    syntax.required("value", arguments.values, "A number, or with --text any text");
 }
 
 double toNumber(const std::string& text) {
@@ -38,7 +37,7 @@ double toNumber(const std::string& text) {
 }
 
 void print(const XlsFormat::Result& result) {
-    nlohmann::ordered_json color;
+    Json color;
     if (result.color != XlsFormat::NO_COLOR) {
         char digits[16];
         std::snprintf(digits, sizeof digits, "%06X", static_cast<unsigned>(result.color));
@@ -56,9 +55,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-void addXlsformatCommand(CLI::App& app, Action& action) {
-    addCommand(app, action, "xlsformat", "Print values as a spreadsheet shows them, one JSON object each", describe,
-               run);
+Command makeXlsformatCommand() {
+    return makeCommand("xlsformat", "Print values as a spreadsheet shows them, one JSON object each", describe, run);
 }
 
 }  // namespace lum

@@ -6,7 +6,6 @@
 #include "Output.h"
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 namespace lum {
 namespace {
@@ -17,13 +16,13 @@ struct Arguments {
     std::string file, member;
 };
 
-void describeFile(CLI::App& command, Arguments& arguments) {
-    command.add_option("file", arguments.file, "An archive: a file, a URI, or - for standard input")->required();
+void describeFile(Syntax& syntax, Arguments& arguments) {
+    syntax.required("file", arguments.file, "An archive: a file, a URI, or - for standard input");
 }
 
-void describeMember(CLI::App& command, Arguments& arguments) {
-    describeFile(command, arguments);
-    command.add_option("member", arguments.member, "The name of a member, as listed")->required();
+void describeMember(Syntax& syntax, Arguments& arguments) {
+    describeFile(syntax, arguments);
+    syntax.required("member", arguments.member, "The name of a member, as listed");
 }
 
 [[noreturn]] void refuse(const std::string& what) {
@@ -68,11 +67,13 @@ void cat(const Arguments& arguments) {
 
 }  // namespace
 
-void addZipCommand(CLI::App& app, Action& action) {
-    CLI::App* const zip = app.add_subcommand("zip", "Look into a zip archive");
-    zip->require_subcommand(1);
-    addCommand(*zip, action, "list", "Print the members as JSON, one object each", describeFile, list);
-    addCommand(*zip, action, "cat", "Write the bytes of a member", describeMember, cat);
+Command makeZipCommand() {
+    return {"zip",
+            "Look into a zip archive",
+            {},
+            {},
+            {makeCommand("list", "Print the members as JSON, one object each", describeFile, list),
+             makeCommand("cat", "Write the bytes of a member", describeMember, cat)}};
 }
 
 }  // namespace lum

@@ -1,32 +1,65 @@
 #pragma once
 
-#include <lumcommon/core/Text.h>
-
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace lum {
 
-/// What the command line asks for; it runs when the whole line has been understood.
-using Action = std::function<void()>;
+/// What a command takes. Each call names one argument and the variable that receives it; the variable's value
+/// beforehand is the default. Positional arguments come in the order of their calls.
+class Syntax {
+public:
+    virtual ~Syntax() = default;
 
-/// Adds a subcommand whose arguments are kept in an Arguments: `describe` names them, `run` does the work.
-/// Failure of `run`: a LumError, or a UsageError for arguments that do not fit together.
+    virtual void flag(const char* name, bool& value, const char* help) = 0;
+    virtual void option(const char* name, std::string& value, const char* help) = 0;
+    virtual void option(const char* name, int& value, const char* help) = 0;
+    /// An option that may be repeated; its numbers lie in `least` to `most`.
+    virtual void option(const char* name, std::vector<int>& values, int least, int most, const char* help) = 0;
+    virtual void required(const char* name, std::string& value, const char* help) = 0;
+    /// A positional argument that is one of `choices`.
+    virtual void required(const char* name, std::string& value, const std::vector<std::string>& choices,
+                          const char* help) = 0;
+    /// One or more positional arguments.
+    virtual void required(const char* name, std::vector<std::string>& values, const char* help) = 0;
+    virtual void optional(const char* name, std::string& value, const char* help) = 0;
+    /// What help says below the arguments.
+    virtual void footer(const char* text) = 0;
+};
+
+/// A command of the tool: either `describe` and `run`, or a group of commands.
+struct Command {
+    std::string name, summary;
+    std::function<void(Syntax&)> describe;
+    /// Failure: a LumError, or a UsageError for arguments that do not fit together.
+    std::function<void()> run;
+    std::vector<Command> commands;
+};
+
+/// A command whose arguments are kept in an Arguments: `describe` names them, `run` does the work.
 template <class Arguments>
-void addCommand(CLI::App& app, Action& action, const char* name, const char* summary,
-                void (*describe)(CLI::App&, Arguments&), void (*run)(const Arguments&)) {
-    CLI::App* const command = app.add_subcommand(name, summary);
+Command makeCommand(const char* name, const char* summary, void (*describe)(Syntax&, Arguments&),
+                    void (*run)(const Arguments&)) {
     const auto arguments = std::make_shared<Arguments>();
-    describe(*command, *arguments);
-    command->callback([arguments, run, &action] { action = [arguments, run] { run(*arguments); }; });
+    return {name,
+            summary,
+            [arguments, describe](Syntax& syntax) { describe(syntax, *arguments); },
+            [arguments, run] { run(*arguments); },
+            {}};
 }
 
 /// Arguments that are each right and do not fit together.
-class UsageError : public CLI::Error {
+class UsageError : public std::runtime_error {
 public:
-    explicit UsageError(const std::string& message) : CLI::Error("UsageError", message) {}
+    using std::runtime_error::runtime_error;
 };
+
+/// Reads the command line and runs the command that it names.
+/// @return  whether there was something to run: false when help was asked for and has been printed.
+/// Failure: what the command throws. Bad usage is reported on standard error, then thrown as UsageError.
+bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands);
 
 }  // namespace lum

@@ -6,16 +6,50 @@
 
 #include "Output.h"
 
+#include <filesystem>
 #include <iostream>
 
 namespace lum {
 
 using namespace LumCommon;
 
+namespace {
+
+/// The file: URI of a path. URIs are trimmed and read with percent escapes, so these characters are escaped; others are
+/// kept, as an escape stands for a byte only.
+UnicodeString pathToUri(const std::string& path) {
+    std::error_code error;
+    std::string absolute = std::filesystem::absolute(path, error).string();
+    if (error) absolute = path;
+    std::string uri = "file://";
+    for (const char c : absolute) {
+        constexpr std::string_view hexDigits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte <= 0x20 || c == '%') {
+            uri.append({'%', hexDigits[byte >> 4], hexDigits[byte & 0xF]});
+        } else {
+            uri += c;
+        }
+    }
+    return fromArgument(uri);
+}
+
+}  // namespace
+
+UnicodeString toUri(const std::string& file) {
+    std::error_code error;
+    return std::filesystem::exists(file, error) ? pathToUri(file) : fromArgument(file);
+}
+
+UnicodeString toOutputUri(const std::string& file) {
+    const bool isPlain = file.find_first_of("% :") == std::string::npos;  // messages show what was typed
+    return isPlain || file.starts_with("file:") ? fromArgument(file) : pathToUri(file);
+}
+
 std::unique_ptr<std::istream> openInput(const std::string& file) {
     constexpr unsigned blockBytes = LumMemStreamBuf::defaultGrowBytes;
     if (file == "-") return std::make_unique<LumMemStream>(&std::cin, blockBytes, false);
-    std::unique_ptr<std::istream> in(LumUri(fromArgument(file)).getStream());
+    std::unique_ptr<std::istream> in(LumUri(toUri(file)).getStream());
     if (!in) throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, fromArgument(file));
     if (in->tellg() != std::istream::pos_type(-1)) return in;
     auto seekable = std::make_unique<LumMemStream>(in.get(), blockBytes, true);

@@ -1,10 +1,18 @@
 #pragma once
 
+#include <lumcommon/core/Text.h>
+
 #include <istream>
 #include <memory>
 #include <string>
 
 namespace lum {
+
+/// The URI of what a command line names: that of the file when there is one with this very path, so that its name is
+/// not decoded ("a%20b.xls") and what a document names relative to itself is found; else the argument as it is.
+LumCommon::UnicodeString toUri(const std::string& file);
+/// The URI of a file to write, which need not exist yet. An argument that begins with "file:" is a URI already.
+LumCommon::UnicodeString toOutputUri(const std::string& file);
 
 /// Opens what a command line names: a file, a URI, or - for standard input. The stream can seek; what cannot do so by
 /// itself is kept in memory as far as it is read.

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 namespace lum {
 
@@ -39,9 +38,7 @@ void printLine(const std::string& text) {
     checkOutput();
 }
 
-void printJson(const nlohmann::ordered_json& object) {
-    printLine(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
-}
+void printJson(const Json& object) { printLine(object.toString()); }
 
 std::uint64_t copyToOutput(std::istream& in) {
     std::array<char, 65536> block;

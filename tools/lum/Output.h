@@ -5,8 +5,9 @@
 
 #include <cstdint>
 #include <iosfwd>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
+
+#include "Json.h"
 
 namespace lum {
 
@@ -20,7 +21,7 @@ std::string toUtf8(LumCommon::LumName name);
 /// Failure: LumError 0x1007 when the output cannot take it.
 void printLine(const std::string& text);
 /// Writes the object on one line.
-void printJson(const nlohmann::ordered_json& object);
+void printJson(const Json& object);
 /// Copies the rest of a stream to standard output and returns the number of bytes.
 /// Failure: LumError 0x1006 when the input fails.
 std::uint64_t copyToOutput(std::istream& in);

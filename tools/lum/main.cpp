@@ -10,7 +10,7 @@
 #include <iostream>
 
 namespace lum {
-#define LUM_COMMAND(name) void add##name##Command(CLI::App& app, Action& action);
+#define LUM_COMMAND(name) Command make##name##Command();
 #include "Commands.inc"
 #undef LUM_COMMAND
 }  // namespace lum
@@ -26,19 +26,16 @@ int report(const LumCommon::LumError& error) {
     return exitFailure;
 }
 
-int runCommandLine(int argc, char** argv) {
-    CLI::App app("Shows the LumCommon library at work. \"-\" is standard input; \"--\" ends the options.", "lum");
-    app.require_subcommand(1);
-    lum::Action action;
-#define LUM_COMMAND(name) lum::add##name##Command(app, action);
+int run(int argc, char** argv) {
+    const std::vector<lum::Command> commands{
+#define LUM_COMMAND(name) lum::make##name##Command(),
 #include "Commands.inc"
 #undef LUM_COMMAND
+    };
     try {
-        app.parse(argc, argv);
-        action();
-        lum::flushOutput();
-    } catch (const CLI::Error& error) {
-        return app.exit(error) == 0 ? 0 : exitUsage;  // help ends this way too, with 0
+        if (lum::runCommandLine(argc, argv, commands)) lum::flushOutput();
+    } catch (const lum::UsageError&) {
+        return exitUsage;  // reported where the command line was read
     } catch (const LumCommon::LumError& error) {
         lum::flushOutputQuietly();
         return report(error);
@@ -56,7 +53,7 @@ int main(int argc, char** argv) {
     std::setlocale(LC_ALL, "");
     std::ios_base::sync_with_stdio(false);
     LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
-    const int result = runCommandLine(argc, argv);
+    const int result = run(argc, argv);
     LumCommon::LumNameTable::releaseSharedNameTable();
     LumCommon::cleanup();
     return result;
