@@ -63,6 +63,7 @@ TEST_F(LumElementTest, keepsTheOrderThroughAddingReplacingAndRemoving) {
         const char* other;
         const char* returned;  // text of what comes back
         const char* left;
+        bool comparesNamespaces = false;
     };
     const Step steps[] = {
         {"a replaced first attribute moves", "a", nullptr, "1", "a=new q:b=4 c=3 "},
@@ -77,6 +78,12 @@ TEST_F(LumElementTest, keepsTheOrderThroughAddingReplacingAndRemoving) {
         {"the map is not empty after the last", nullptr, "c", "new", ""},
         {"an emptied map forgets its element", "e", nullptr, nullptr, "e=new "},
         {"an only attribute is replaced and its ring lost", "e", nullptr, "new", "e=new "},
+        {"a declaration is no attribute", "xmlns:x", nullptr, nullptr, "e=new xmlns:x=new "},
+        {"a second one replaces the first", "xmlns:y", nullptr, nullptr, "e=new xmlns:x=new xmlns:y=new "},
+        {"a prefix means nothing before the attribute has its owner: a plain one is lost", "x:e", nullptr, nullptr,
+         "e=new xmlns:x=new xmlns:y=new x:e=new ", true},
+        {"a prefix means nothing before the attribute has its owner: the same name stands twice", "y:e", nullptr, "new",
+         "e=new xmlns:x=new xmlns:y=new y:e=new ", true},
     };
     LumNamedNodeMap* const map = element->getAttributes();
     for (const Step& step : steps) {
@@ -85,7 +92,7 @@ TEST_F(LumElementTest, keepsTheOrderThroughAddingReplacingAndRemoving) {
         if (step.set) {
             const LumPtr<LumAttr> attr = document->createAttribute(name(step.set));
             attr->setValue(LumValue(u"new"));
-            returned = map->setNamedItem(attr.get());
+            returned = step.comparesNamespaces ? map->setNamedItemNS(attr.get()) : map->setNamedItem(attr.get());
             EXPECT_EQ(attr->getRefCount(), 2);
         } else {
             returned = map->removeNamedItem(name(step.other));
