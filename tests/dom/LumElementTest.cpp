@@ -16,6 +16,22 @@ using namespace LumCommon;
 
 LumName name(const std::string& text) { return LumName(UnicodeString::fromUTF8(text)); }
 
+/// Writes down each question for a copy and puts a mark at the end of the copy.
+class MarkingElement : public ElementNS {
+public:
+    MarkingElement(std::string& log, LumDocument* owner)
+        : ElementNS(owner, LumName(), LumName(), NAME_block), log_(log) {}
+    LumPtr<LumNode> cloneNode(bool deep) const override {
+        log_ += deep ? 'd' : 's';
+        LumPtr<LumNode> copy = ElementNS::cloneNode(deep);
+        copy->appendChildText(u"!");
+        return copy;
+    }
+
+private:
+    std::string& log_;
+};
+
 /// The attributes in order, read forwards; the walk backwards and by index must agree.
 std::string attributes(const LumElement& element) {
     const LumNamedNodeMap& map = *element.getAttributes();
@@ -254,6 +270,21 @@ TEST_F(LumElementTest, clonesCarryNamesAttributesAndFlags) {
     EXPECT_FALSE(shallow->hasChildNodes());
     EXPECT_EQ(document->cloneNode(true), nullptr);
     EXPECT_EQ(document->createDocumentFragment()->cloneNode(true), nullptr);
+}
+
+TEST_F(LumElementTest, aDeepCloneAsksForDeepClonesAtEveryDepth) {
+    for (const int depth : {3, 300}) {  // within the stack that copying takes, and beyond it
+        SCOPED_TRACE(depth);
+        std::string log, wanted;
+        LumNode* node = element.get();
+        for (int i = 0; i < depth; ++i) {
+            node = node->appendChild(LumPtr<LumNode>(new MarkingElement(log, document.get())).get());
+            wanted = "<block>" + wanted + "!</block>";
+        }
+        EXPECT_EQ(utf8(document->saveXml(element->cloneNode(true).get())), "<block>" + wanted + "</block>");
+        EXPECT_EQ(log, std::string(static_cast<std::size_t>(depth), 'd'));
+        element->removeAllChildNodes();
+    }
 }
 
 }  // namespace
