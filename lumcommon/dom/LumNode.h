@@ -141,7 +141,7 @@ public:
     /// Takes out and releases all descendants, also those that somebody else holds, and returns their number. Counts
     /// change without atomic instructions: no other thread may hold a node of the tree.
     int deleteAllChildNodes();
-    /// The same for the siblings up to and including `last` and their descendants; siblings behind it stay. Of a `last`
+    /// The same for the siblings up to and including `last` and their descendants; siblings after it stay. Of a `last`
     /// without parent only the descendants are taken out, as no count of it belongs to the tree. Null gives 0.
     static int deleteAllChildNodes(LumNode* last);
 
