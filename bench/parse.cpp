@@ -16,7 +16,8 @@ int main(int argc, char* argv[]) {
     enter<ExpatParse>("parse");
 #endif
 #ifdef LUM_PEER_LIBXML2
-    enter<LibxmlParse>("parse");
+    enter<LibxmlSax2>("parse");
+    enter<LibxmlReader>("parse");
 #endif
     return runContest(argc, argv);
 }

@@ -1,4 +1,5 @@
 // Counts the elements of a document and finds its longest text without building a tree:  events FILE
+// [events]
 #include <lumcommon/lumcommon.h>
 
 #include <fstream>
@@ -6,9 +7,7 @@
 
 using namespace LumCommon;
 
-int main(int argc, char* argv[]) try {
-    if (argc < 2) return 2;
-    // [events]
+int main(int, char* argv[]) try {
     std::ifstream in(argv[1], std::ios::binary);
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     parser->setInput(in, UnicodeString(), UnicodeString());
@@ -20,12 +19,11 @@ int main(int argc, char* argv[]) try {
             line = parser->getLineNumber();
         }
     }
-    // [events]
     std::cout << elements << " elements; the longest text has " << longest << " units and ends on line " << line
               << '\n';
-    return 0;
 } catch (const LumError& error) {
     std::string message;
     std::cerr << error.getMessage().toUTF8String(message) << '\n';
     return 1;
 }
+// [events]

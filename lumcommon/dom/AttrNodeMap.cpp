@@ -242,18 +242,21 @@ LumPtr<LumNode> AttrNodeMap::setItem(LumNode* node, LumCommonErrorSource source,
 LumPtr<LumNode> AttrNodeMap::replaceOrAppend(LumNode* node, bool (*isSame)(const LumNode*, const LumNode*)) {
     LumNode* previous = last();
     LumNode* old = isEmpty() ? nullptr : previous->nextSibling_;
-    while (old && !isSame(old, node)) {
-        previous = old;
-        old = getNextNode(old);
+    // The attribute has its owner before it is compared: a namespace that is found by the prefix is found there.
+    node->parent_ = ownerElement();
+    try {
+        while (old && !isSame(old, node)) {
+            previous = old;
+            old = getNextNode(old);
+        }
+        if (!old) append(static_cast<LumAttr*>(node));
+    } catch (...) {
+        node->parent_ = nullptr;
+        throw;
     }
-    if (!old) {
-        append(static_cast<LumAttr*>(node));
-        node->addRef();
-        return nullptr;
-    }
-    dropIndex();
     node->addRef();
-    node->parent_ = old->parent_;
+    if (!old) return nullptr;
+    dropIndex();
     node->nextSibling_ = old == previous ? node : old->nextSibling_;
     previous->nextSibling_ = node;
     if (old == last()) setLink(node);

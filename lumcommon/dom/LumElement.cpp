@@ -3,6 +3,7 @@
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
+#include <lumcommon/dom/detail/Restored.h>
 
 #include <typeinfo>
 #include <utility>
@@ -60,37 +61,74 @@ LumPtr<LumElement> LumElement::cloneWithoutChildren() const {
     return copy;
 }
 
+namespace {
+
+using detail::Restored;
+
+/// Deeper than documents that people write, and a small part of a thread's stack.
+constexpr int maxNestedCopies = 100;
+
+/// The deep copies that this thread is in the middle of.
+struct DeepCopying {
+    int nested = 0;
+    const LumNode* asked = nullptr;       // by copyDescendantsInto, and LumElement has not answered yet
+    LumPtr<LumNode>* unfilled = nullptr;  // where it puts its answer
+};
+constinit thread_local DeepCopying copying;
+
+/// An element whose descendants are being copied.
+struct Level {
+    const LumNode* child;    // being copied
+    LumPtr<LumNode> copy;    // of the element, for the copies of its children
+    LumNode* rest;           // what the element's class has added to the copy
+    LumPtr<LumNode> answer;  // what the element's class has answered, for the copy of the parent
+
+    void addCopyOfChild(LumNode* copyOfChild) {
+        if (copyOfChild) rest ? copy->insertBefore(copyOfChild, rest) : copy->appendChild(copyOfChild);
+        child = child->getNextSibling();
+    }
+};
+
+}  // namespace
+
 LumPtr<LumNode> LumElement::cloneNode(bool deep) const {
-    LumPtr<LumElement> copy = cloneWithoutChildren();
-    if (copy && deep) cloneChildrenInto(copy.get());
+    LumPtr<LumNode> copy = cloneWithoutChildren();
+    if (!copy || !deep) return copy;
+    if (copying.nested < maxNestedCopies) {
+        const Restored<int> nested(copying.nested, copying.nested + 1);
+        Level level{getFirstChild(), copy, nullptr, nullptr};
+        while (level.child) level.addCopyOfChild(level.child->cloneNode(true).get());
+    } else if (copying.asked == this) {
+        copying.asked = nullptr;
+        *copying.unfilled = copy;
+    } else {
+        copyDescendantsInto(copy.get());
+    }
     return copy;
 }
 
-/// Elements below are asked for a copy without children, which is then filled here: were they asked for deep copies,
-/// the depth of the tree would become depth of the stack.
-void LumElement::cloneChildrenInto(LumNode* copy) const {
-    std::vector<LumPtr<LumNode>> parents;  // of the next copy; the last one is its own
-    parents.emplace_back(copy);
-    const LumNode* node = getFirstChild();
-    while (node) {
-        const LumPtr<LumNode> child = node->cloneNode(!node->isElementNode());
-        if (child) {
-            parents.back()->appendChild(child.get());
-            const LumNode* const inner = node->isElementNode() ? node->getFirstChild() : nullptr;
-            if (inner) {
-                parents.push_back(child);
-                node = inner;
-                continue;
+/// Fills the copies of all elements below this one: the elements answer without their children.
+void LumElement::copyDescendantsInto(LumNode* copy) const {
+    std::vector<Level> levels;
+    levels.push_back({getFirstChild(), LumPtr<LumNode>(copy), nullptr, nullptr});
+    for (;;) {
+        if (const LumNode* const child = levels.back().child) {
+            LumPtr<LumNode> unfilled;
+            const Restored<LumPtr<LumNode>*> place(copying.unfilled, &unfilled);
+            const Restored<const LumNode*> asked(copying.asked, child);
+            LumPtr<LumNode> answer = child->cloneNode(true);
+            if (unfilled) {
+                LumNode* const rest = unfilled->getFirstChild();
+                levels.push_back({child->getFirstChild(), std::move(unfilled), rest, std::move(answer)});
+            } else {
+                levels.back().addCopyOfChild(answer.get());
             }
+        } else {
+            const LumPtr<LumNode> answer = std::move(levels.back().answer);
+            levels.pop_back();
+            if (levels.empty()) return;
+            levels.back().addCopyOfChild(answer.get());
         }
-        const LumNode* next = node->getNextSibling();
-        while (!next) {
-            node = node->getParentNode();
-            if (!node || node == this) return;
-            parents.pop_back();
-            next = node->getNextSibling();
-        }
-        node = next;
     }
 }
 

@@ -26,6 +26,13 @@ public:
     /// A copy made by the owner document's createElementNS with the namespace as resolved now, all attributes in order
     /// and, when `deep`, all descendants. Null when the document makes no such element; descendants that it does not
     /// make are left out. Source positions are not copied.
+    ///
+    /// Derived classes: with `deep`, every child is asked for cloneNode(true), after the copy of its parent has been
+    /// made and in document order, and what it answers is appended. A class that overrides cloneNode and asks this
+    /// operation first gets a whole copy, as long as at most 100 deep copies stand inside each other: past that, depth
+    /// of the tree would become depth of the stack. Elements further in are asked the same, but this operation answers
+    /// them with a copy that is still without children; these are put in, before whatever the class has added, when the
+    /// class has answered. The copy that the outermost caller gets is whole whatever its depth.
     LumPtr<LumNode> cloneNode(bool deep) const override;
     int getSourceLineNumber() const override;
     void setSourceLineNumber(int line) override;
@@ -65,7 +72,7 @@ protected:
 private:
     AttrNodeMap* attributeMap() const;
     LumPtr<LumElement> cloneWithoutChildren() const;
-    void cloneChildrenInto(LumNode* copy) const;
+    void copyDescendantsInto(LumNode* copy) const;
     LumAttr* attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName);
     template <class Visit>
     void visitLocal(LumName localName, Visit visit) const;

@@ -23,7 +23,7 @@ class LumNodeList;
 ///
 /// Errors: tree operations throw LumError 0x803 (null), 0x806 (other document) and 0x809 (no child) before they change
 /// anything. Inserting a node below itself, or attributes and documents as children, is not checked for.
-/// Cost: constant where nothing else is said; no operation recurses on the depth of the tree.
+/// Cost: constant where nothing else is said; no operation takes stack in proportion to the depth of the tree.
 /// Threads: a tree, loading included, belongs to one thread at a time.
 class LUM_API LumNode : public LumRCObject {
 public:
@@ -87,7 +87,8 @@ public:
 
     virtual LumNamedNodeMap* getAttributes() const;
     virtual bool hasAttributes() const;
-    /// A copy made through the factory operations of the owner document; null where a node cannot be copied.
+    /// A copy made through the factory operations of the owner document; null where a node cannot be copied. A derived
+    /// class may copy otherwise; what it can rely on is said at LumElement.
     virtual LumPtr<LumNode> cloneNode(bool deep) const;
 
     /// Namespace lookups by the rules of DOM level 3.   Cost: linear in the depth and the attributes met.
@@ -123,8 +124,10 @@ public:
     virtual LumNode* appendChildText(const UnicodeString& text);
 
     /// The position of an element's start tag in its source, -1 when unknown. Other nodes answer with that of the
-    /// nearest element before them among their siblings, when that has one, else with their parent's; an attribute with
-    /// its element's.   Cost: linear in the siblings stepped over.
+    /// sibling before them, when it has one, else with their parent's; an attribute with its element's. A derived class
+    /// may answer for itself, and ask LumNode's operation for what it would inherit: the siblings back to the nearest
+    /// element are asked in document order, so that this takes no stack for each of them. It does for elements whose
+    /// class asks LumNode's operation.   Cost: linear in the siblings back to the nearest element.
     virtual int getSourceLineNumber() const;
     virtual void setSourceLineNumber(int line);
     virtual int getSourceColumnNumber() const;
@@ -138,7 +141,7 @@ public:
     /// Takes out and releases all descendants, also those that somebody else holds, and returns their number. Counts
     /// change without atomic instructions: no other thread may hold a node of the tree.
     int deleteAllChildNodes();
-    /// The same for the siblings up to and including `last` and their descendants; siblings behind it stay. Of a `last`
+    /// The same for the siblings up to and including `last` and their descendants; siblings after it stay. Of a `last`
     /// without parent only the descendants are taken out, as no count of it belongs to the tree. Null gives 0.
     static int deleteAllChildNodes(LumNode* last);
 
@@ -198,7 +201,8 @@ private:
     void unlinkChild(LumNode* child) noexcept;
     bool isLastChildOfLoading() const noexcept;
     void releaseChildren() noexcept;
-    int inheritedPosition(int (LumNode::*getPosition)() const) const;
+    int inheritedPosition(bool isLine) const;
+    int positionFromSiblings(bool isLine, int parents) const;
 };
 
 }  // namespace LumCommon

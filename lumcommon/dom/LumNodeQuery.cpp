@@ -2,6 +2,9 @@
 
 #include <lumcommon/dom/LumNode.h>
 #include <lumcommon/dom/LumNodeIterable.h>
+#include <lumcommon/dom/detail/Restored.h>
+
+#include <vector>
 
 namespace LumCommon {
 
@@ -164,30 +167,75 @@ int LumNode::getNodeDepth() const {
 }
 
 // Source positions
+//
+// A node that is no element answers with what the sibling before it answers, which may be of a class with an answer of
+// its own, or may ask the sibling before itself by the same rule. As a list of siblings can be long, they are asked in
+// their order, and one that asks by the rule finds the answer ready.
 
-/// What a node that is no element answers with: the position of the nearest element before it among its siblings, when
-/// that has one, else its parent's.
-///
-/// Only elements are asked, siblings of other kinds are stepped over: each of them would ask the one before it, as deep
-/// as the list of siblings is long.
-int LumNode::inheritedPosition(int (LumNode::*getPosition)() const) const {
-    const LumNode* node = this;
-    while (node) {
-        const LumNode* sibling = node->previousSibling_;
-        while (sibling && !sibling->isElementNode()) sibling = sibling->previousSibling_;
-        const int position = sibling ? (sibling->*getPosition)() : -1;
-        if (position != -1) return position;
-        node = node->parent_;
-        if (node && node->isElementNode()) return (node->*getPosition)();
-    }
-    return -1;
+namespace {
+
+using detail::Restored;
+
+enum class Axis { Line, Column };
+
+/// What a node inherits.
+struct Inherited {
+    const LumNode* node;
+    Axis axis;
+    int position;
+};
+
+/// Of the node that this thread is asking just now.
+constinit thread_local const Inherited* ready = nullptr;
+
+int positionOf(const LumNode* node, Axis axis) {
+    return axis == Axis::Line ? node->getSourceLineNumber() : node->getSourceColumnNumber();
 }
 
-int LumNode::getSourceLineNumber() const { return inheritedPosition(&LumNode::getSourceLineNumber); }
+int positionOf(const LumNode* node, Axis axis, int inherited) {
+    const Inherited answer{node, axis, inherited};
+    const Restored<const Inherited*> asking(ready, &answer);
+    return positionOf(node, axis);
+}
+
+}  // namespace
+
+/// @param parents  the parent's position.
+int LumNode::positionFromSiblings(bool isLine, int parents) const {
+    const Axis axis = isLine ? Axis::Line : Axis::Column;
+    const LumNode* element = previousSibling_;
+    while (element && !element->isElementNode()) element = element->previousSibling_;
+    const LumNode* sibling = element ? element : previousSibling_ ? parent_->lastChild_->nextSibling_ : this;
+    int position = parents;
+    for (; sibling != this; sibling = sibling->nextSibling_) {
+        position = sibling == element ? positionOf(sibling, axis) : positionOf(sibling, axis, position);
+        if (position == -1) position = parents;
+    }
+    return position;
+}
+
+int LumNode::inheritedPosition(bool isLine) const {
+    const Axis axis = isLine ? Axis::Line : Axis::Column;
+    if (ready && ready->node == this && ready->axis == axis) return ready->position;
+    // Parents that are no elements inherit as well; they are answered for from the outermost one.
+    std::vector<const LumNode*> inheriting{this};
+    const LumNode* outer = parent_;
+    for (; outer && !outer->isElementNode(); outer = outer->parent_) inheriting.push_back(outer);
+    int position = outer ? positionOf(outer, axis) : -1;
+    for (;;) {
+        const LumNode* const node = inheriting.back();
+        const int inherited = node->positionFromSiblings(isLine, position);
+        if (node == this) return inherited;
+        position = positionOf(node, axis, inherited);
+        inheriting.pop_back();
+    }
+}
+
+int LumNode::getSourceLineNumber() const { return inheritedPosition(true); }
 
 void LumNode::setSourceLineNumber(int) {}
 
-int LumNode::getSourceColumnNumber() const { return inheritedPosition(&LumNode::getSourceColumnNumber); }
+int LumNode::getSourceColumnNumber() const { return inheritedPosition(false); }
 
 void LumNode::setSourceColumnNumber(int) {}
 

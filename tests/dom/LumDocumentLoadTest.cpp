@@ -11,7 +11,9 @@
 
 #include "dom/CountedDocument.h"
 #include "support/ExpectError.h"
+#include "support/LoopbackServer.h"
 #include "support/PieceStream.h"
+#include "support/TempFolder.h"
 #include "support/Utf8.h"
 
 namespace LumTest {
@@ -210,6 +212,62 @@ TEST(LumDocumentDerived, nullDropsElementsAndTexts) {
     document->dropped = u"d";
     EXPECT_EQ(utf8(document->saveXml(document->getDocumentElement()->cloneNode(true).get())), "<a/>")
         << "a copy leaves out what the document does not make";
+}
+
+/// Opens nothing: it throws, or gives streams without a byte.
+class Refusing : public LumUriReferenceResolver {
+public:
+    explicit Refusing(bool throws) : throws_(throws) { LumUri::setUriReferenceResolver(this); }
+    ~Refusing() override { LumUri::setUriReferenceResolver(nullptr); }
+    std::istream* getStream(const UnicodeString& uri) override {
+        asked = utf8(uri);
+        if (throws_) throw std::runtime_error("refused");
+        return new std::istringstream;
+    }
+    std::string asked;
+
+private:
+    bool throws_;
+};
+
+TEST_F(LumDocumentLoadTest, aResolverThatRefusesKeepsADocumentOffFilesAndServers) {
+    const TempFolder folder;
+    const LoopbackServer server([&](const std::string& request) {
+        const std::string name = request.substr(5, request.find(' ', 5) - 5);
+        return LoopbackServer::Answer{{"HTTP/1.0 200 OK\r\n\r\n" + readFile(folder.getPath() + name)}};
+    });
+    const std::string places[][3] = {
+        {"<!DOCTYPE r [<!ENTITY e SYSTEM '", "'>]><r>&e;</r>", "secret"},
+        {"<!DOCTYPE r [<!ENTITY % p SYSTEM '", "'>%p;]><r>&e;</r>", "<!ENTITY e 'secret'>"},
+        {"<!DOCTYPE r SYSTEM '", "'><r>&e;</r>", "<!ENTITY e 'secret'>"},
+    };
+    int count = 0;  // what has been read of a definition once is kept, so each is another one
+    const std::string folderUri = "file://" + folder.getPath();
+    document->setInputOption(UnicodeString::fromUTF8(folderUri));
+    for (const std::string& base : {folderUri, folder.getPath(), std::string(), server.url("/")}) {
+        for (const auto& [start, end, bytes] : places) {
+            const std::string name = std::to_string(count++);
+            writeFile(folder.getPath() + name, bytes);
+            const std::string xml = start + base + name + end;
+            SCOPED_TRACE(xml);
+            const auto load = [&] {
+                try {
+                    document->loadXml(UnicodeString::fromUTF8(xml));
+                    return xmlOf(*document);
+                } catch (const LumError& error) {
+                    return utf8(error.getMessage());
+                }
+            };
+            const std::size_t requests = server.getRequests().size();
+            for (const bool throws : {true, false}) {
+                Refusing resolver(throws);
+                EXPECT_EQ(load().find("secret"), std::string::npos);
+                EXPECT_NE(resolver.asked, "");
+            }
+            EXPECT_EQ(server.getRequests().size(), requests);
+            EXPECT_EQ(load(), "<r>secret</r>") << "without a resolver it is not opened: nothing was proved";
+        }
+    }
 }
 
 /// An element with hooks: the test says what they do.

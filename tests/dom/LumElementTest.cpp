@@ -16,6 +16,22 @@ using namespace LumCommon;
 
 LumName name(const std::string& text) { return LumName(UnicodeString::fromUTF8(text)); }
 
+/// Writes down each question for a copy and puts a mark at the end of the copy.
+class MarkingElement : public ElementNS {
+public:
+    MarkingElement(std::string& log, LumDocument* owner)
+        : ElementNS(owner, LumName(), LumName(), NAME_block), log_(log) {}
+    LumPtr<LumNode> cloneNode(bool deep) const override {
+        log_ += deep ? 'd' : 's';
+        LumPtr<LumNode> copy = ElementNS::cloneNode(deep);
+        copy->appendChildText(u"!");
+        return copy;
+    }
+
+private:
+    std::string& log_;
+};
+
 /// The attributes in order, read forwards; the walk backwards and by index must agree.
 std::string attributes(const LumElement& element) {
     const LumNamedNodeMap& map = *element.getAttributes();
@@ -63,6 +79,7 @@ TEST_F(LumElementTest, keepsTheOrderThroughAddingReplacingAndRemoving) {
         const char* other;
         const char* returned;  // text of what comes back
         const char* left;
+        bool comparesNamespaces = false;
     };
     const Step steps[] = {
         {"a replaced first attribute moves", "a", nullptr, "1", "a=new q:b=4 c=3 "},
@@ -77,6 +94,12 @@ TEST_F(LumElementTest, keepsTheOrderThroughAddingReplacingAndRemoving) {
         {"the map is not empty after the last", nullptr, "c", "new", ""},
         {"an emptied map forgets its element", "e", nullptr, nullptr, "e=new "},
         {"an only attribute is replaced and its ring lost", "e", nullptr, "new", "e=new "},
+        {"a declaration is no attribute", "xmlns:x", nullptr, nullptr, "e=new xmlns:x=new "},
+        {"a second one replaces the first", "xmlns:y", nullptr, nullptr, "e=new xmlns:x=new xmlns:y=new "},
+        {"a prefix means nothing before the attribute has its owner: a plain one is lost", "x:e", nullptr, nullptr,
+         "e=new xmlns:x=new xmlns:y=new x:e=new ", true},
+        {"a prefix means nothing before the attribute has its owner: the same name stands twice", "y:e", nullptr, "new",
+         "e=new xmlns:x=new xmlns:y=new y:e=new ", true},
     };
     LumNamedNodeMap* const map = element->getAttributes();
     for (const Step& step : steps) {
@@ -85,7 +108,7 @@ TEST_F(LumElementTest, keepsTheOrderThroughAddingReplacingAndRemoving) {
         if (step.set) {
             const LumPtr<LumAttr> attr = document->createAttribute(name(step.set));
             attr->setValue(LumValue(u"new"));
-            returned = map->setNamedItem(attr.get());
+            returned = step.comparesNamespaces ? map->setNamedItemNS(attr.get()) : map->setNamedItem(attr.get());
             EXPECT_EQ(attr->getRefCount(), 2);
         } else {
             returned = map->removeNamedItem(name(step.other));
@@ -247,6 +270,21 @@ TEST_F(LumElementTest, clonesCarryNamesAttributesAndFlags) {
     EXPECT_FALSE(shallow->hasChildNodes());
     EXPECT_EQ(document->cloneNode(true), nullptr);
     EXPECT_EQ(document->createDocumentFragment()->cloneNode(true), nullptr);
+}
+
+TEST_F(LumElementTest, aDeepCloneAsksForDeepClonesAtEveryDepth) {
+    for (const int depth : {3, 300}) {  // within the stack that copying takes, and beyond it
+        SCOPED_TRACE(depth);
+        std::string log, wanted;
+        LumNode* node = element.get();
+        for (int i = 0; i < depth; ++i) {
+            node = node->appendChild(LumPtr<LumNode>(new MarkingElement(log, document.get())).get());
+            wanted = "<block>" + wanted + "!</block>";
+        }
+        EXPECT_EQ(utf8(document->saveXml(element->cloneNode(true).get())), "<block>" + wanted + "</block>");
+        EXPECT_EQ(log, std::string(static_cast<std::size_t>(depth), 'd'));
+        element->removeAllChildNodes();
+    }
 }
 
 }  // namespace

@@ -317,25 +317,54 @@ TEST(LumNode, searchesMatchNamesNamespacesAndTypes) {
     EXPECT_EQ(y->getCommonAncestor(document.get()), nullptr) << "a node without parent has none";
 }
 
-TEST(LumNode, othersAnswerWithThePositionOfTheElementBeforeOrAround) {
-    const LumPtr<LumDocument> document = load("<r>\n<a/>\n<b/>t</r>");
-    LumElement* const root = document->getDocumentElement();
-    LumNode* const first = root->getFirstChild();
-    LumNode* const b = find(document, "b");
-    LumNode* const last = root->getLastChild();
-    EXPECT_EQ(root->getSourceLineNumber(), 1);
-    EXPECT_EQ(b->getSourceLineNumber(), 3);
-    EXPECT_EQ(b->getSourceColumnNumber(), 4);
-    EXPECT_EQ(first->getSourceLineNumber(), 1) << "no element before: the parent's";
-    EXPECT_EQ(last->getSourceLineNumber(), 3);
-    b->setSourceLineNumber(-1);
-    EXPECT_EQ(last->getSourceLineNumber(), 1) << "an element without position hands over to the parent";
-    EXPECT_EQ(last->getSourceColumnNumber(), 4) << "columns are looked up on their own";
-    last->setSourceLineNumber(9);
-    EXPECT_EQ(last->getSourceLineNumber(), 1) << "texts store none";
-    EXPECT_EQ(document->getSourceLineNumber(), -1);
-    EXPECT_EQ(document->createElement(NAME_block)->getSourceLineNumber(), -1);
-    EXPECT_EQ(b->cloneNode(true)->getSourceColumnNumber(), -1);
+/// A text that answers line 7, line -1, or a number of lines more than other texts do.
+class PlacedText : public LumTextNode {
+public:
+    PlacedText(LumDocument* document, char rule) : LumTextNode(document, u"t"), rule_(rule) {}
+    int getSourceLineNumber() const override {
+        if (rule_ == '7' || rule_ == '-') return rule_ == '7' ? 7 : -1;
+        return LumTextNode::getSourceLineNumber() + (rule_ == '+' ? 10 : 0);
+    }
+
+private:
+    char rule_;
+};
+
+TEST(LumNode, othersAnswerWithThePositionBeforeOrAround) {
+    struct Case {
+        const char* fault;
+        const char* siblings;  // e, u: an element on line 5, one without line; 7, -, +, t: texts; the parent: line 1
+        int line;              // of a text after them
+    };
+    const Case cases[] = {
+        {"an element before is not asked", "uet", 5},
+        {"an element without position is passed over", "eu", 1},
+        {"a text's own position is passed over", "e7t", 7},
+        {"an element is passed over for a text before it", "7e", 5},
+        {"a text that asks what it inherits is told -1", "e+t+", 25},
+        {"a first text that asks is not told the parent's", "+", 11},
+        {"after a text without position the parent is not asked", "e-t+", 11},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        const LumPtr<LumDocument> document = load("<r id=''/>");
+        LumElement* const root = document->getDocumentElement();
+        for (const char* kind = c.siblings; *kind; ++kind) {
+            if (*kind == 'e' || *kind == 'u') {
+                root->appendChild(document->createElement(NAME_block).get())
+                    ->setSourceLineNumber(*kind == 'e' ? 5 : -1);
+            } else {
+                root->appendChild(LumPtr<LumNode>(new PlacedText(document.get(), *kind)).get());
+            }
+        }
+        LumNode* const last = root->appendChildText(u"t");
+        last->setSourceLineNumber(9);  // texts store none
+        EXPECT_EQ(last->getSourceLineNumber(), c.line);
+        EXPECT_EQ(last->getSourceColumnNumber(), root->getSourceColumnNumber()) << "columns are looked up on their own";
+        EXPECT_EQ(root->getAttributes()->getFirstNode()->getSourceLineNumber(), 1);
+        EXPECT_EQ(document->getSourceLineNumber(), -1);
+        EXPECT_EQ(root->cloneNode(true)->getSourceColumnNumber(), -1);
+    }
 }
 
 /// A class of a derived library that brings no identifier and no name of its own.
