@@ -96,6 +96,7 @@ TEST(XlsFormat, readsWhatCodesLeaveOpen) {
         {"other literals around the bar", u"#\\:#=/=#", 1.5, "1:1=/=2"},
         {"skips and digits around the bar", u"# ?_)1/\"x\"4", 1.5, "1 2 1/x4"},
         {"comma between mantissa and exponent", u"#,E+0", 12345, "1E+04"},
+        {"six places of a denominator", u"# ?\?\?\?\?\?/?\?\?\?\?\?", 1 / 123457.0, "      1/123457"},
         {"bar behind a point", u"0.0/0", 1.25, "1.2/5"},
         {"no fraction with zeros for it", u"# 0/0", 3, "3 0/1"},
         {"improper fraction of zero", u"?/?", 0, "0/1"},
