@@ -93,6 +93,22 @@ std::string movePoint(std::string_view digits, std::int64_t places) {
     return parts.text();
 }
 
+/// The fraction of a magnitude, its whole part in the numerator.
+struct ImproperFraction {
+    ImproperFraction(double value, int places, int fixedDenominator) {
+        const detail::XlsDecimal magnitude = detail::XlsDecimal(std::isfinite(value) ? value : 0).abs();
+        const detail::XlsFraction fraction(magnitude, places, fixedDenominator);
+        denominator = fraction.denominator;
+        const std::string digits = fraction.improperNumerator(magnitude);
+        if (digits.empty()) return;
+        const auto error = std::from_chars(digits.data(), digits.data() + digits.size(), numerator).ec;
+        if (error != std::errc()) numerator = std::numeric_limits<std::int64_t>::max();
+    }
+
+    std::int64_t numerator = 0;
+    std::uint64_t denominator = 1;
+};
+
 }  // namespace
 
 std::string XlsFormatString::ConvertFltToStr(double value) {
@@ -156,21 +172,15 @@ std::string XlsFormatString::ConvGeneral(double value, int maxChars) {
 
 void XlsFormatString::convFrac(double value, int places, int fixedDenominator, std::int64_t& numerator,
                                int& denominator) {
-    const detail::XlsDecimal magnitude = detail::XlsDecimal(std::isfinite(value) ? value : 0).abs();
-    const detail::XlsFraction fraction(magnitude, places, fixedDenominator);
-    denominator = static_cast<int>(fraction.denominator);
-    const std::string digits = fraction.improperNumerator(magnitude);
-    numerator = 0;
-    if (digits.empty()) return;
-    const auto error = std::from_chars(digits.data(), digits.data() + digits.size(), numerator).ec;
-    if (error != std::errc()) numerator = std::numeric_limits<std::int64_t>::max();
+    constexpr std::uint64_t most = std::numeric_limits<int>::max();
+    const ImproperFraction fraction(value, places, fixedDenominator);
+    numerator = fraction.numerator;
+    denominator = static_cast<int>(std::min(fraction.denominator, most));
 }
 
 std::string XlsFormatString::yeFraction(double value, int places, int fixedDenominator) {
-    std::int64_t numerator = 0;
-    int denominator = 1;
-    convFrac(value, places, fixedDenominator, numerator, denominator);
-    return std::to_string(numerator) + "/" + std::to_string(denominator);
+    const ImproperFraction fraction(value, places, fixedDenominator);
+    return std::to_string(fraction.numerator) + "/" + std::to_string(fraction.denominator);
 }
 
 }  // namespace LumCommon

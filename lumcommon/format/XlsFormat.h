@@ -27,8 +27,9 @@ struct CELLV;
 /// - A negative number in a section that was not chosen for its sign is written behind "-", even when its digits
 ///   round to zero or the section has none. Negative zero is zero.
 /// - An exponent has as many digits as its placeholders, but two at least.
-/// - A denominator with more than five placeholders is searched below 100,000; a fixed one beyond nine digits is
+/// - A denominator with n placeholders is searched below 10^n, and below 10^18; a fixed one beyond nine digits is
 ///   999,999,999. A fraction that is zero leaves blanks, unless its numerator has a "0" or there is no whole number.
+/// - Literals, skips and fills may stand between the bar of a fraction and its placeholders.
 /// - A fill ("*") writes nothing and a skip ("_") one space: there is no column here. XlsFormatString::fmtnum() fits a
 ///   text into one.
 /// - Japanese numerals replace digit by digit; General, and the fields of dates but for the year, use ten, hundred

@@ -145,11 +145,12 @@ public:
     /// scientific notation; from there to 0.001 where that shows more digits. "0" for NaN and infinities.
     static std::string ConvGeneral(double value, int maxChars = 11);
     /// The fraction next to the absolute value of a number.
-    /// @param places            placeholders of the denominator, which stays below 10^places; 1 to 5.
+    /// @param places            placeholders of the denominator, which stays below 10^places; 1 to 18.
+    /// @param denominator       the largest one when it does not fit.
     /// @param fixedDenominator  above 0: the denominator; the result is not reduced.
     /// @param numerator         includes the whole number; the largest one when it does not fit.
     static void convFrac(double value, int places, int fixedDenominator, std::int64_t& numerator, int& denominator);
-    /// The same as text, "22/7".
+    /// The same as text, "22/7"; the denominator fits.
     static std::string yeFraction(double value, int places, int fixedDenominator = 0);
 
     /// A number by a number section, sign included, with nothing of section selection. Empty for another section.

@@ -3,27 +3,118 @@
 #include <lumcommon/names/detail/ScopeAnswers.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace LumCommon {
 
 using detail::ScopeAnswers;
 
-NamespaceManager::NamespaceManager() : answers_(std::make_unique<ScopeAnswers>()) {
-    scopes_.emplace_back();
-    scopes_.back().map = new NamespaceMap;  // a statement of its own: it would be made before its place is
-    addNamespace(NAME_xml, NAME_NS_XML);
-    addNamespace(NAME_xmlns, NAME_NS_XMLNS);
-    nameTable_ = LumNameTable::addRefSharedNameTable();  // last: a failure above would keep the reference for ever
+namespace {
+
+// What lookupNamespace, lookupPrefix and getDefaultNamespace answer in a scope, given the answer without it.
+
+LumName namespaceAnswer(const NamespaceManager::NSScope& scope, LumName prefix, LumName outer) {
+    if (scope.prefix == prefix && !scope.namespaceUri.isNull()) return scope.namespaceUri;
+    if (!scope.map) return outer;
+    const LumName uri = scope.map->lookupNamespace(prefix);
+    // A null URI takes the default namespace back, but lets another prefix keep its outer meaning.
+    return !uri.isNull() || (prefix.isNull() && scope.map->hasNamespace(prefix)) ? uri : outer;
 }
 
-NamespaceManager::~NamespaceManager() { LumNameTable::releaseSharedNameTable(); }
+LumName prefixAnswer(const NamespaceManager::NSScope& scope, LumName uri, LumName outer) {
+    if (scope.namespaceUri == uri && !scope.prefix.isNull()) return scope.prefix;
+    const LumName prefix = scope.map ? scope.map->lookupPrefix(uri) : LumName();
+    return prefix.isNull() ? outer : prefix;
+}
+
+LumName defaultAnswer(const NamespaceManager::NSScope& scope, LumName outer) {
+    return scope.map && scope.map->hasNamespace(LumName()) ? scope.map->getDefaultNamespace() : outer;
+}
+
+/// The answers, seen from their innermost scope.
+struct InnermostScope {
+    ScopeAnswers& answers;
+    const NamespaceManager::NSScope& scope;
+
+    void prepare(LumName prefix, LumName uri) const {
+        answers.prepare(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix);
+        if (prefix.isNull()) {
+            answers.prepare(ScopeAnswers::DECLARED_DEFAULT, prefix);
+        } else {
+            answers.prepare(ScopeAnswers::PREFIX_OF_NAMESPACE, uri);
+        }
+    }
+    void refreshNamespace(LumName prefix) const noexcept {
+        const LumName outer = answers.getOuter(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix);
+        answers.set(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix, namespaceAnswer(scope, prefix, outer));
+    }
+    void refreshPrefix(LumName uri) const noexcept {
+        const LumName outer = answers.getOuter(ScopeAnswers::PREFIX_OF_NAMESPACE, uri);
+        answers.set(ScopeAnswers::PREFIX_OF_NAMESPACE, uri, prefixAnswer(scope, uri, outer));
+    }
+    void refreshDeclaration(LumName prefix, LumName uri) const noexcept {
+        refreshNamespace(prefix);
+        if (prefix.isNull()) {
+            const LumName outer = answers.getOuter(ScopeAnswers::DECLARED_DEFAULT, prefix);
+            answers.set(ScopeAnswers::DECLARED_DEFAULT, prefix, defaultAnswer(scope, outer));
+        } else {
+            refreshPrefix(uri);
+        }
+    }
+    void refreshElement(LumName prefix, LumName uri) const noexcept {
+        if (!uri.isNull()) refreshNamespace(prefix);
+        if (!prefix.isNull()) refreshPrefix(uri);
+    }
+    /// Of a scope that has just been opened.
+    void answerAll() const {
+        if (scope.map) {
+            for (const auto& [prefix, uri] : scope.map->getEntries()) {
+                prepare(prefix, uri);
+                refreshDeclaration(prefix, uri);
+            }
+        }
+        prepare(scope.prefix, scope.namespaceUri);
+        refreshElement(scope.prefix, scope.namespaceUri);
+    }
+};
+
+}  // namespace
+
+NamespaceManager::NamespaceManager() {
+    scopes_.emplace_back();
+    scopes_.back().map = new NamespaceMap;  // a statement of its own: it would be made before its place is
+    scopes_.back().map->addNamespace(NAME_xml, NAME_NS_XML);
+    scopes_.back().map->addNamespace(NAME_xmlns, NAME_NS_XMLNS);
+    answers();
+    nameTable_ = LumNameTable::addRefSharedNameTable();  // last: a failure above would keep the reference for ever
+    scopes_.back().map->manager_ = this;
+}
+
+NamespaceManager::~NamespaceManager() {
+    for (const NSScope& scope : scopes_) {
+        if (scope.map) scope.map->manager_ = nullptr;
+    }
+    LumNameTable::releaseSharedNameTable();
+}
 
 bool NamespaceManager::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
 
 UnicodeString NamespaceManager::getTypeName() const { return UnicodeString(u"NamespaceManager"); }
 
+ScopeAnswers& NamespaceManager::answers() const {
+    if (answers_) return *answers_;
+    auto answers = std::make_unique<ScopeAnswers>();
+    for (const NSScope& scope : scopes_) {
+        if (&scope != &scopes_.front()) answers->openScope();
+        InnermostScope{*answers, scope}.answerAll();
+    }
+    answers_ = std::move(answers);
+    return *answers_;
+}
+
 void NamespaceManager::pushScope() {
     scopes_.emplace_back();
+    if (!answers_) return;
     try {
         answers_->openScope();
     } catch (...) {
@@ -34,63 +125,15 @@ void NamespaceManager::pushScope() {
 
 bool NamespaceManager::popScope() {
     if (scopes_.size() == 1) return false;
-    answers_->closeScope();
+    if (answers_) answers_->closeScope();
+    if (const NSScope& scope = scopes_.back(); scope.map) scope.map->manager_ = nullptr;
     scopes_.pop_back();
     return true;
 }
 
-LumName NamespaceManager::namespaceAnswer(LumName prefix, LumName outer) const {
-    const NSScope& scope = scopes_.back();
-    if (scope.prefix == prefix && !scope.namespaceUri.isNull()) return scope.namespaceUri;
-    if (!scope.map) return outer;
-    const LumName uri = scope.map->lookupNamespace(prefix);
-    // A null URI takes the default namespace back, but lets another prefix keep its outer meaning.
-    return !uri.isNull() || (prefix.isNull() && scope.map->hasNamespace(prefix)) ? uri : outer;
-}
-
-LumName NamespaceManager::prefixAnswer(LumName uri, LumName outer) const {
-    const NSScope& scope = scopes_.back();
-    if (scope.namespaceUri == uri && !scope.prefix.isNull()) return scope.prefix;
-    const LumName prefix = scope.map ? scope.map->lookupPrefix(uri) : LumName();
-    return prefix.isNull() ? outer : prefix;
-}
-
-LumName NamespaceManager::defaultAnswer(LumName outer) const {
-    const NSScope& scope = scopes_.back();
-    return scope.map && scope.map->hasNamespace(LumName()) ? scope.map->getDefaultNamespace() : outer;
-}
-
-void NamespaceManager::prepare(LumName prefix, LumName uri) {
-    answers_->prepare(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix);
-    if (prefix.isNull()) {
-        answers_->prepare(ScopeAnswers::DECLARED_DEFAULT, prefix);
-    } else {
-        answers_->prepare(ScopeAnswers::PREFIX_OF_NAMESPACE, uri);
-    }
-}
-
-void NamespaceManager::refreshNamespace(LumName prefix) noexcept {
-    const LumName outer = answers_->getOuter(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix);
-    answers_->set(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix, namespaceAnswer(prefix, outer));
-}
-
-void NamespaceManager::refreshPrefix(LumName uri) noexcept {
-    const LumName outer = answers_->getOuter(ScopeAnswers::PREFIX_OF_NAMESPACE, uri);
-    answers_->set(ScopeAnswers::PREFIX_OF_NAMESPACE, uri, prefixAnswer(uri, outer));
-}
-
-void NamespaceManager::refreshDeclaration(LumName prefix, LumName uri) noexcept {
-    refreshNamespace(prefix);
-    if (prefix.isNull()) {
-        const LumName outer = answers_->getOuter(ScopeAnswers::DECLARED_DEFAULT, prefix);
-        answers_->set(ScopeAnswers::DECLARED_DEFAULT, prefix, defaultAnswer(outer));
-    } else {
-        refreshPrefix(uri);
-    }
-}
-
 void NamespaceManager::setElement(LumName prefix, LumName localName, LumName namespaceUri) {
     NSScope& scope = scopes_.back();
+    const InnermostScope innermost{answers(), scope};
     const LumName oldPrefix = scope.prefix;
     const LumName oldUri = scope.namespaceUri;
     // The element answers before the declarations, so where the answers are already its names nothing is to be done.
@@ -98,15 +141,30 @@ void NamespaceManager::setElement(LumName prefix, LumName localName, LumName nam
     const bool replaces = !oldPrefix.isNull() || !oldUri.isNull();
     const bool differs = (!namespaceUri.isNull() && lookupNamespace(prefix) != namespaceUri) ||
                          (!prefix.isNull() && lookupPrefix(namespaceUri) != prefix);
-    if (replaces || differs) prepare(prefix, namespaceUri);
+    if (replaces || differs) innermost.prepare(prefix, namespaceUri);
     scope.prefix = prefix;
     scope.localName = localName;
     scope.namespaceUri = namespaceUri;
     if (!replaces && !differs) return;
-    if (!oldUri.isNull()) refreshNamespace(oldPrefix);
-    if (!oldPrefix.isNull()) refreshPrefix(oldUri);
-    if (!namespaceUri.isNull()) refreshNamespace(prefix);
-    if (!prefix.isNull()) refreshPrefix(namespaceUri);
+    innermost.refreshElement(oldPrefix, oldUri);
+    innermost.refreshElement(prefix, namespaceUri);
+}
+
+/// Whether the answers go along with a change. One below the innermost scope would reach into what the scopes above it
+/// have logged; after it the answers are made anew.
+bool NamespaceManager::isFollowed(const NamespaceMap& map) const noexcept {
+    return answers_ && scopes_.back().map.get() == &map;
+}
+
+void NamespaceManager::prepareChange(const NamespaceMap& map, LumName prefix, LumName uri) {
+    if (isFollowed(map)) InnermostScope{*answers_, scopes_.back()}.prepare(prefix, uri);
+}
+
+void NamespaceManager::followChange(const NamespaceMap& map, LumName prefix, LumName previous, LumName uri) noexcept {
+    if (!isFollowed(map)) return answers_.reset();
+    const InnermostScope innermost{*answers_, scopes_.back()};
+    innermost.refreshDeclaration(prefix, uri);
+    if (!prefix.isNull() && previous != uri) innermost.refreshPrefix(previous);
 }
 
 int NamespaceManager::getNamespaceCount(int depth) const {
@@ -132,34 +190,31 @@ NamespaceMap* NamespaceManager::getNamespaceMap(int depth) const {
 
 void NamespaceManager::addNamespace(LumName prefix, LumName uri) {
     if (lookupNamespace(prefix) == uri) return;
-    prepare(prefix, uri);
-    LumPtr<NamespaceMap> map = scopes_.back().map;
-    if (!map) map = new NamespaceMap;
-    const LumName overwritten = map->lookupNamespace(prefix);
+    if (NamespaceMap* const map = getNamespaceMap()) return map->addNamespace(prefix, uri);
+    const LumPtr<NamespaceMap> map(new NamespaceMap);
     map->addNamespace(prefix, uri);
+    // The scope gets the map when nothing can fail any more.
+    const InnermostScope innermost{answers(), scopes_.back()};
+    innermost.prepare(prefix, uri);
+    map->manager_ = this;
     scopes_.back().map = map;
-    refreshDeclaration(prefix, uri);
-    if (!prefix.isNull() && overwritten != uri) refreshPrefix(overwritten);
+    innermost.refreshDeclaration(prefix, uri);
 }
 
 void NamespaceManager::removeNamespace(LumName prefix, LumName uri) {
-    NamespaceMap* const map = getNamespaceMap();
-    if (map == nullptr) return;
-    prepare(prefix, uri);
-    map->removeNamespace(prefix, uri);
-    refreshDeclaration(prefix, uri);
+    if (NamespaceMap* const map = getNamespaceMap()) map->removeNamespace(prefix, uri);
 }
 
 LumName NamespaceManager::lookupNamespace(LumName prefix) const {
-    return answers_->get(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix);
+    return answers().get(ScopeAnswers::NAMESPACE_OF_PREFIX, prefix);
 }
 
 LumName NamespaceManager::lookupPrefix(LumName uri) const {
-    return answers_->get(ScopeAnswers::PREFIX_OF_NAMESPACE, uri);
+    return answers().get(ScopeAnswers::PREFIX_OF_NAMESPACE, uri);
 }
 
 LumName NamespaceManager::getDefaultNamespace() const {
-    return answers_->get(ScopeAnswers::DECLARED_DEFAULT, LumName());
+    return answers().get(ScopeAnswers::DECLARED_DEFAULT, LumName());
 }
 
 bool NamespaceManager::hasNamespace(LumName prefix) const {

@@ -59,13 +59,16 @@ public:
     /// The declaration of the innermost scope at that position in key order; null when out of range.
     LumName getNamespacePrefix(int index) const;
     LumName getNamespaceUri(int index) const;
-    /// The innermost scope's declarations; may be null. Borrowed.
+    /// The innermost scope's declarations; may be null. Borrowed, until the scope is popped; a map that is held longer
+    /// has nothing to do with the manager any more.
+    /// What is changed in the map is seen by every look-up.   Cost: of a change in the innermost scope, as of one
+    /// through the manager; after one in an outer scope the next look-up takes time linear in all scopes and their
+    /// declarations, once.
     NamespaceMap* getNamespaceMap() const;
-    /// The declarations at that depth; null when there are none or the depth is out of range. Borrowed.
+    /// The declarations at that depth; null when there are none or the depth is out of range. As above.
     NamespaceMap* getNamespaceMap(int depth) const;
 
     /// Declares the binding in the innermost scope, unless the prefix is already bound to that URI.
-    /// Change declarations through the manager only, never through the map it hands out.
     void addNamespace(LumName prefix, LumName uri);
     /// Removes the innermost scope's own declaration of exactly this binding.
     void removeNamespace(LumName prefix, LumName uri);
@@ -82,19 +85,18 @@ public:
     bool hasTagName(LumName prefix, LumName localName) const;
 
 private:
-    // What lookupNamespace, lookupPrefix and getDefaultNamespace answer, given the answer without the innermost scope.
-    LumName namespaceAnswer(LumName prefix, LumName outer) const;
-    LumName prefixAnswer(LumName uri, LumName outer) const;
-    LumName defaultAnswer(LumName outer) const;
+    friend class NamespaceMap;  // tells of its changes
 
-    void prepare(LumName prefix, LumName uri);
-    void refreshNamespace(LumName prefix) noexcept;
-    void refreshPrefix(LumName uri) noexcept;
-    void refreshDeclaration(LumName prefix, LumName uri) noexcept;
+    /// Before a change in a map of a scope. After a failure the map must stay as it is.
+    void prepareChange(const NamespaceMap& map, LumName prefix, LumName uri);
+    /// After it. `previous` is the URI that the prefix had.
+    void followChange(const NamespaceMap& map, LumName prefix, LumName previous, LumName uri) noexcept;
+    detail::ScopeAnswers& answers() const;
+    bool isFollowed(const NamespaceMap& map) const noexcept;
 
     std::vector<NSScope> scopes_;
-    std::unique_ptr<detail::ScopeAnswers> answers_;
-    LumNameTable* nameTable_;  // one reference held
+    mutable std::unique_ptr<detail::ScopeAnswers> answers_;  // null: to be made from the scopes
+    LumNameTable* nameTable_;                                // one reference held
 };
 
 }  // namespace LumCommon

@@ -1,3 +1,4 @@
+#include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/names/NamespaceMap.h>
 
 #include <iterator>
@@ -45,9 +46,17 @@ LumName NamespaceMap::lookupPrefix(LumName uri) const {
 }
 
 void NamespaceMap::addNamespace(LumName prefix, LumName uri) {
-    // The node that can fail to be allocated comes first, so that a failure leaves both containers as they were.
     const auto entry = entries_.find(prefix);
-    if (entry != entries_.end() && entry->second == uri) return;
+    const LumName overwritten = entry == entries_.end() ? LumName() : entry->second;
+    if (entry != entries_.end() && overwritten == uri) return;
+    if (manager_ != nullptr) manager_->prepareChange(*this, prefix, uri);
+    insert(entry, prefix, uri);
+    if (manager_ != nullptr) manager_->followChange(*this, prefix, overwritten, uri);
+}
+
+/// @param entry  that of the prefix, whose URI is another one; the end when there is none.
+void NamespaceMap::insert(Entries::iterator entry, LumName prefix, LumName uri) {
+    // The node that can fail to be allocated comes first, so that a failure leaves both containers as they were.
     const auto added = prefix.isNull() ? prefixesByUri_.end() : prefixesByUri_.insert(std::pair(uri, prefix)).first;
     if (entry != entries_.end()) {
         if (!prefix.isNull()) prefixesByUri_.erase({entry->second, prefix});
@@ -66,9 +75,11 @@ void NamespaceMap::addNamespace(LumName prefix, LumName uri) {
 void NamespaceMap::removeNamespace(LumName prefix, LumName uri) {
     const auto entry = entries_.find(prefix);
     if (entry == entries_.end() || entry->second != uri) return;
+    if (manager_ != nullptr) manager_->prepareChange(*this, prefix, uri);
     prefixesByUri_.erase({uri, prefix});
     entries_.erase(entry);
     cursor_ = entries_.end();
+    if (manager_ != nullptr) manager_->followChange(*this, prefix, uri, uri);
 }
 
 NamespaceMapIterator::NamespaceMapIterator(const NamespaceMap* map) : map_(map) { setToStart(); }

@@ -10,10 +10,12 @@
 
 namespace LumCommon {
 
+class NamespaceManager;
+
 /// The prefix declarations of one scope: an ordered map from prefix to namespace URI, in the order of the prefixes'
 /// identifiers. The null prefix is an ordinary key: it declares the default namespace, or, with a null URI, takes it
-/// back.
-/// Threads: one at a time.
+/// back. A map that belongs to an open scope of a NamespaceManager tells it of every change.
+/// Threads: one at a time, together with the manager.
 class LUM_API NamespaceMap : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0xFD41C124u;
@@ -45,8 +47,12 @@ public:
     const Entries& getEntries() const noexcept { return entries_; }
 
 private:
-    Entries::const_iterator entryAt(std::size_t index) const;
+    friend class NamespaceManager;  // sets itself as the manager of its scopes' maps
 
+    Entries::const_iterator entryAt(std::size_t index) const;
+    void insert(Entries::iterator entry, LumName prefix, LumName uri);
+
+    NamespaceManager* manager_ = nullptr;  // while the map's scope is open
     Entries entries_;
     std::set<std::pair<LumName, LumName>> prefixesByUri_;  // (URI, prefix) of every entry whose prefix is not null
     // The position that was asked last; the end until then and after every change of the positions.

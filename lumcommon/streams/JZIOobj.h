@@ -28,11 +28,11 @@ public:
     /// Moves to `offset` bytes from the start, the current position or the end (SEEK_SET, SEEK_CUR, SEEK_END). An
     /// object that cannot seek gives false.
     virtual bool Seek(long offset, int whence);
-    /// Reads up to `len` bytes from `offset` on, as Seek() from the start and Read() do; -1 where those fail. What the
-    /// position is afterwards is left open.
-    virtual int ReadAt(long offset, char* buf, int len);
     /// The position in bytes, or -1.
     virtual long Tell() = 0;
+    /// Reads up to `len` bytes from `offset` on, as Seek() from the start and Read() do; -1 where those fail. What the
+    /// position is afterwards is left open.
+    virtual int ReadAt(long offset, char* buf, int len);  // last, so that the places of the others stay
 
     bool IsOpen() const noexcept { return (flags_ & OPEN) != 0; }
     unsigned GetFlags() const noexcept { return flags_; }
@@ -68,9 +68,9 @@ public:
     int Read(char* buf, int len) override;
     int Write(const char* buf, int len) override;
     bool Seek(long offset, int whence) override;
+    long Tell() override;
     /// One system call, where Seek() and Read() take two.
     int ReadAt(long offset, char* buf, int len) override;
-    long Tell() override;
 
 private:
     void readMode(const char* mode) noexcept;

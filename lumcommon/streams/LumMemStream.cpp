@@ -289,6 +289,8 @@ std::size_t LumMemStreamBuf::copyStream(std::istream& in, std::size_t count) {
         advancePut(got);
         copied += got;
     }
+    // As after any other write, a full block is left: what is added as a source then goes into the next one at once.
+    if (pbase() && putRoom() == 0) enterNextPutBlock();
     return copied;
 }
 

@@ -59,10 +59,12 @@ std::string nextName(const char* dir, const char* prefix, const char* suffix) {
     return name.append(orEmpty(prefix)).append(number.data()).append(orEmpty(suffix));
 }
 
-/// Whether something of that name stands in its directory; a link that leads nowhere does.
-bool exists(const char* path) {
+/// Whether something of that name stands in its directory; a link that leads nowhere does. Where it cannot be seen, it
+/// may.
+bool mayExist(const char* path) {
     struct stat status {};
-    return lstat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    if (lstat(path, &status) == 0) return true;
+    return errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG && errno != ELOOP;
 }
 
 [[noreturn]] void throwCannotCreate(const std::string& path, const char16_t* reason) {
@@ -147,7 +149,7 @@ void LumTempFile::remove() const {
 }
 
 bool LumTempFile::removeTempFile(const char* path) {
-    if (!path || !exists(path)) return true;
+    if (!path || !mayExist(path)) return true;
     for (int attempt = 0; attempt < removalAttempts; ++attempt) {
         if (std::remove(path) == 0) return true;
     }

@@ -45,7 +45,7 @@ public:
     /// Failure: LumError 0x100D.
     void remove() const;
 
-    /// Removes a file, in up to 10 attempts. True also when there was none.
+    /// Removes a file, in up to 10 attempts. True also when there was none, or none can have that name.
     static bool removeTempFile(const char* path);
     /// As stGetTempDirectory().
     static UnicodeString getTempDirectory();

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace LumCommon {
 
@@ -248,8 +249,8 @@ private:
     /// What +=, -= and %= have in common: operands of one unit and the choice between integers and reals.
     template <class OnIntegers, class OnReals>
     LumValue& combine(const LumValue& right, OnIntegers onIntegers, OnReals onReals);
-    /// Becomes that real; null when `unit` is UNIT_NONE.
-    LumValue& setQuantity(float value, LumValueUnitType unit) noexcept;
+    /// Becomes that real; null without a unit.
+    LumValue& setQuantity(float value, std::optional<LumValueUnitType> unit) noexcept;
 
     void share();
     void release() noexcept;

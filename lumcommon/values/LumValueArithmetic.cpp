@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace LumCommon {
 
@@ -32,23 +33,23 @@ Factor makeFactor(LumValue number) noexcept {
     return {value, number.getUnit()};
 }
 
-/// The unit of a product; UNIT_NONE when there is none.
-LumValueUnitType getProductUnit(LumValueUnitType left, LumValueUnitType right) noexcept {
+/// The unit of a product, which may be UNIT_NONE: numbers without a unit are multiplied like others.
+std::optional<LumValueUnitType> getProductUnit(LumValueUnitType left, LumValueUnitType right) noexcept {
     if (left == UNIT_NUMBER) return right;
     if (right == UNIT_NUMBER) return left;
     if (left == UNIT_PT && right == UNIT_PT) return UNIT_PT2;
     if ((left == UNIT_PT2 && right == UNIT_PT) || (left == UNIT_PT && right == UNIT_PT2)) return UNIT_PT3;
-    return UNIT_NONE;
+    return std::nullopt;
 }
 
-/// The unit of a quotient; UNIT_NONE when there is none.
-LumValueUnitType getQuotientUnit(LumValueUnitType left, LumValueUnitType right) noexcept {
+/// The unit of a quotient.
+std::optional<LumValueUnitType> getQuotientUnit(LumValueUnitType left, LumValueUnitType right) noexcept {
     if (right == UNIT_NUMBER) return left;
     if (left == right) return UNIT_NUMBER;
     if (left == UNIT_PT3 && right == UNIT_PT) return UNIT_PT2;
     if (left == UNIT_PT2 && right == UNIT_PT) return UNIT_PT;
     if (left == UNIT_PT3 && right == UNIT_PT2) return UNIT_PT;
-    return UNIT_NONE;
+    return std::nullopt;
 }
 
 bool isStringWithName(const LumValue& a, const LumValue& b) noexcept {
@@ -189,11 +190,11 @@ LumValue& LumValue::operator/=(const LumValue& right) {
     return setQuantity(a.value / b.value, getQuotientUnit(a.unit, b.unit));
 }
 
-LumValue& LumValue::setQuantity(float value, LumValueUnitType unit) noexcept {
-    if (unit == UNIT_NONE) return *this = NULL_VALUE;
+LumValue& LumValue::setQuantity(float value, std::optional<LumValueUnitType> unit) noexcept {
+    if (!unit) return *this = NULL_VALUE;
     payload_.real = value;
     typeWord_ = (typeWord_ & ~7u) | KIND_REAL;
-    setUnit(unit);
+    setUnit(*unit);
     return *this;
 }
 

@@ -230,7 +230,8 @@ TEST(XlsFormatString, findsFractions) {
         {"too small to be searched", 3.000001, 3, 0, "3/1"},
         {"integer overflows", 1e30, 1, 0, "9223372036854775807/1"},
         {"not a number", std::numeric_limits<double>::quiet_NaN(), 1, 0, "0/1"},
-        {"places beyond the limit", 3.14159265358979, 9, 0, "103993/33102"},
+        {"goes on when nothing can be better", 3.14159265358979, 18, 0, "103993/33102"},
+        {"ends at 10^5 or 5e7", 0.333333329999999, 18, 0, "33333313/99999940"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fault);

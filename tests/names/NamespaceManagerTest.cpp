@@ -29,6 +29,7 @@ public:
         return true;
     }
     Scope& inner() { return scopes_.back(); }
+    Scope& at(int depth) { return scopes_[static_cast<std::size_t>(depth)]; }
     std::size_t size() const { return scopes_.size(); }
 
     LumName lookupNamespace(LumName prefix) const {
@@ -71,9 +72,9 @@ public:
     void add(LumName prefix, LumName uri) {
         if (lookupNamespace(prefix) != uri) inner().declared[prefix] = uri;
     }
-    void remove(LumName prefix, LumName uri) {
-        const auto entry = inner().declared.find(prefix);
-        if (entry != inner().declared.end() && entry->second == uri) inner().declared.erase(entry);
+    static void remove(Scope& scope, LumName prefix, LumName uri) {
+        const auto entry = scope.declared.find(prefix);
+        if (entry != scope.declared.end() && entry->second == uri) scope.declared.erase(entry);
     }
 
 private:
@@ -110,7 +111,7 @@ TEST(NamespaceManager, answersAsTheRulesDoAfterAnyOperations) {
         for (unsigned step = 0; step < 3000; ++step) {
             SCOPED_TRACE(testing::Message() << "step " << step);
             const LumName prefix = prefixNumber(below(prefixCount)), uri = uriNumber(below(uriCount));
-            const unsigned operation = below(12);
+            const unsigned operation = below(15);
             if (operation < 3) {
                 manager.pushScope();
                 naive.push();
@@ -125,9 +126,20 @@ TEST(NamespaceManager, answersAsTheRulesDoAfterAnyOperations) {
             } else if (operation < 10) {
                 manager.addNamespace(prefix, uri);
                 naive.add(prefix, uri);
-            } else {
+            } else if (operation < 12) {
                 manager.removeNamespace(prefix, uri);
-                naive.remove(prefix, uri);
+                naive.remove(naive.inner(), prefix, uri);
+            } else {  // behind the manager's back, in any scope
+                const int depth = operation == 12 ? static_cast<int>(below(static_cast<unsigned>(naive.size())))
+                                                  : manager.getScopeDepth();
+                NamespaceMap* const map = manager.getNamespaceMap(depth);
+                if (map != nullptr && below(2) == 0) {
+                    map->addNamespace(prefix, uri);
+                    naive.at(depth).declared[prefix] = uri;
+                } else if (map != nullptr) {
+                    map->removeNamespace(prefix, uri);
+                    naive.remove(naive.at(depth), prefix, uri);
+                }
             }
             expectSameAnswers(manager, naive);
             if (HasFatalFailure()) return;
@@ -159,6 +171,20 @@ TEST(NamespaceManager, scopesAreAskedByDepth) {
         EXPECT_EQ(manager.getNamespaceCount(row.depth), row.count);
         EXPECT_EQ(manager.getNamespaceMap(row.depth) != nullptr, row.count != 0);
     }
+}
+
+TEST(NamespaceManager, aMapOutlivesItsScope) {
+    LumPtr<NamespaceManager> manager(new NamespaceManager);
+    const LumPtr<NamespaceMap> base(manager->getNamespaceMap());
+    manager->pushScope();
+    manager->addNamespace(name(300), name(700));
+    const LumPtr<NamespaceMap> inner(manager->getNamespaceMap());
+    manager->popScope();
+    inner->addNamespace(NAME_xml, name(701));
+    EXPECT_EQ(manager->lookupNamespace(NAME_xml), NAME_NS_XML) << "a closed scope answers";
+    manager = nullptr;
+    base->addNamespace(name(300), name(700));
+    EXPECT_EQ(base->getCount(), 3);
 }
 
 TEST(NamespaceManager, holdsTheSharedNames) {

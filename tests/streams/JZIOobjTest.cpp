@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -31,6 +33,21 @@ protected:
     const LumTest::TempFolder folder_;
     const std::string file_ = folder_.getPath() + "file";
 };
+
+/// Where a virtual operation stands among the others; larger further down.
+template <class Operation>
+std::size_t slotOf(Operation operation) {
+    std::size_t slot = 0;
+    std::memcpy(&slot, &operation, sizeof slot);
+    return slot;
+}
+
+TEST(JZIOobj, virtualOperationsStandInTheirOrder) {
+    using Io = JZIOobj;  // an implementation built against the first six must go on working
+    const std::size_t slots[] = {slotOf(&Io::Open), slotOf(&Io::Close), slotOf(&Io::Read),  slotOf(&Io::Write),
+                                 slotOf(&Io::Seek), slotOf(&Io::Tell),  slotOf(&Io::ReadAt)};
+    EXPECT_TRUE(std::ranges::is_sorted(slots));
+}
 
 TEST(JZFileMode, isReadLetterByLetter) {
     constexpr std::pair<const char*, unsigned> cases[] = {

@@ -47,6 +47,23 @@ TEST(LumMemStreamBuf, readsASourceOnlyWhenItsBytesAreNeeded) {
     EXPECT_EQ(contentOf(buffer), "0123456789abc");
 }
 
+TEST(LumMemStreamBuf, aReaderAtTheEndSeesASourceAtOnce) {
+    for (const bool copies : {false, true}) {
+        SCOPED_TRACE(copies ? "copyStream() leaves the put position at the end of a block" : "sputn() does");
+        PieceStream first("0123"), second("abcd");
+        LumMemStreamBuf buffer(nullptr, 4, false);
+        if (copies) {
+            EXPECT_EQ(buffer.copyStream(first, 4), 4u);
+        } else {
+            buffer.sputn("0123", 4);
+        }
+        char bytes[4];
+        EXPECT_EQ(buffer.sgetn(bytes, 4), 4);
+        buffer.setSource(&second, false);
+        EXPECT_EQ(buffer.getRemains(), 4u);
+    }
+}
+
 TEST(LumMemStreamBuf, ungetFailsAtTheStartOfABlock) {
     LumMemStreamBuf buffer(nullptr, 4, false);
     buffer.sputn("abcdef", 6);

@@ -114,6 +114,7 @@ TEST(LumTempFile, removalIsDoneOrReported) {
     writeFile(full + "/file", "x");
     EXPECT_TRUE(LumTempFile::removeTempFile((folder.getPath() + "missing").c_str()));
     EXPECT_TRUE(LumTempFile::removeTempFile((full + "/file/below").c_str())) << "a file has nothing below it";
+    EXPECT_TRUE(LumTempFile::removeTempFile((full + std::string(5000, 'x')).c_str())) << "no file has such a name";
     EXPECT_FALSE(LumTempFile::removeTempFile(full.c_str()));
 
     LumTempFile file;

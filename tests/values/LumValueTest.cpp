@@ -106,7 +106,7 @@ TEST(LumValue, combinesNumbersOfOneDimension) {
         LumValue left;
         char operation;
         LumValue right;
-        LumValueUnitType unit;  // UNIT_NONE: the null value
+        LumValueUnitType unit;
         LumValueKind kind;
         double value;
     };
@@ -132,6 +132,10 @@ TEST(LumValue, combinesNumbersOfOneDimension) {
         {"traps on zero", LumValue(7), '%', LumValue(0), UNIT_NONE, KIND_NULL, 0},
         {"mixed kinds as integers", LumValue(7.5f, UNIT_NUMBER), '%', LumValue(2), UNIT_NUMBER, KIND_REAL, 1.5},
         {"integer product", LumValue(2), '*', LumValue(3), UNIT_NUMBER, KIND_REAL, 6},
+        {"product with no unit", withUnit(3, UNIT_NONE), '*', LumValue(2), UNIT_NONE, KIND_REAL, 6},
+        {"product by no unit", LumValue(2), '*', withUnit(3, UNIT_NONE), UNIT_NONE, KIND_REAL, 6},
+        {"no unit takes a length", withUnit(3, UNIT_NONE), '*', parsed("2pt"), UNIT_NONE, KIND_NULL, 0},
+        {"quotient of no unit", withUnit(3, UNIT_NONE), '/', LumValue(2), UNIT_NONE, KIND_REAL, 1.5},
         {"percentage as it is", parsed("50%"), '*', parsed("2pt"), UNIT_PT, KIND_REAL, 1},
         {"no area", parsed("2pt"), '*', parsed("1in"), UNIT_PT2, KIND_REAL, 144},
         {"no volume", LumValue(2.0f, UNIT_PT2), '*', parsed("3pt"), UNIT_PT3, KIND_REAL, 6},

@@ -45,7 +45,7 @@ private:
     Part partOf(std::size_t index) const;
     void comma(std::size_t index);
     void fixedDenominator();
-    std::size_t pastSpace(std::size_t index, int step) const;
+    std::size_t pastLiterals(std::size_t index, int step) const;
 
     bool common(const XlsRawPiece& piece);
     void literal(std::int32_t begin, std::int32_t end);
@@ -259,16 +259,18 @@ void SectionParser::elapsed(const XlsRawPiece& piece) {
     lastField_ = out_.pieces.size() - 1;
 }
 
-/// The index one step on, or two when one space stands there.
-std::size_t SectionParser::pastSpace(std::size_t index, int step) const {
-    const auto next = index + static_cast<std::size_t>(step);
-    if (next >= raw_.size()) return npos;  // an index below 0 is beyond as well
-    const XlsRawPiece& piece = raw_[next];
-    const bool isSpace = piece.token == XlsToken::LITERAL && piece.end - piece.begin == 1 &&
-                         code_[static_cast<std::size_t>(piece.begin)] == ' ';
-    if (!isSpace) return next;
-    const auto behind = next + static_cast<std::size_t>(step);
-    return behind < raw_.size() ? behind : npos;
+/// The index of the next piece in that direction that is no literal; npos when there is none. What would be a literal
+/// digit before the bar is the denominator after it.
+std::size_t SectionParser::pastLiterals(std::size_t index, int step) const {
+    const auto isPassed = [&](XlsToken token) {
+        return token == XlsToken::LITERAL || token == XlsToken::SKIP || token == XlsToken::FILL ||
+               token == XlsToken::LETTERS_E || (token == XlsToken::DIGIT_LITERAL && step < 0);
+    };
+    do {
+        index += static_cast<std::size_t>(step);
+        if (index >= raw_.size()) return npos;  // an index below 0 is beyond as well
+    } while (isPassed(raw_[index].token));
+    return index;
 }
 
 void SectionParser::findFraction() {
@@ -276,17 +278,17 @@ void SectionParser::findFraction() {
     for (std::size_t i = 0; i < raw_.size(); ++i) {
         if (raw_[i].token == XlsToken::POINT || raw_[i].token == XlsToken::EXPONENT) return;
         if (raw_[i].token != XlsToken::SLASH || bar != npos) continue;
-        const std::size_t before = pastSpace(i, -1);
-        const std::size_t behind = pastSpace(i, 1);
+        const std::size_t before = pastLiterals(i, -1);
+        const std::size_t behind = pastLiterals(i, 1);
         if (before == npos || behind == npos || !isPlaceholder(raw_[before])) continue;
         if (isPlaceholder(raw_[behind]) || raw_[behind].token == XlsToken::DIGIT_LITERAL) bar = i;
     }
     if (bar == npos) return;
     bar_ = bar;
     out_.isFraction = true;
-    numerator_ = pastSpace(bar, -1);
+    numerator_ = pastLiterals(bar, -1);
     while (numerator_ > 0 && isPlaceholder(raw_[numerator_ - 1])) --numerator_;
-    denominator_ = pastSpace(bar, 1);
+    denominator_ = pastLiterals(bar, 1);
     const bool isFixed = raw_[denominator_].token == XlsToken::DIGIT_LITERAL;
     denominatorEnd_ = denominator_;
     while (denominatorEnd_ < raw_.size() && (isFixed ? raw_[denominatorEnd_].token == XlsToken::DIGIT_LITERAL ||
@@ -409,8 +411,8 @@ void SectionParser::placeholder(const XlsRawPiece& piece, Part part) {
 void SectionParser::comma(std::size_t index) {
     if (first_ == npos || index < first_) return asWritten(raw_[index]);
     put(Kind::COMMA);
-    const bool isInInteger = point_ == npos || index < point_;
-    if (index > last_ || (isInInteger && index > lastInteger_)) {
+    const bool isBeforePoint = point_ != npos && index < point_;
+    if (index > last_ || (isBeforePoint && index > lastInteger_)) {
         ++out_.scaleCommas;
     } else {
         out_.hasThousands = true;

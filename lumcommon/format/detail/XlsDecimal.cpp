@@ -206,19 +206,13 @@ XlsDecimal XlsDecimal::fractionProduct(std::uint32_t factor) const noexcept {
     return XlsDecimal(std::string_view(first, static_cast<std::size_t>(text + sizeof text - first)));
 }
 
-double XlsDecimal::fraction() const noexcept {
-    if (point_ < -farBehindPoint) return 0;
-    const std::int64_t before = std::clamp<std::int64_t>(point_, 0, count_);
-    char text[64];
-    char* p = text;
-    *p++ = '.';
-    std::memcpy(p, digits_ + before, static_cast<std::size_t>(count_ - before));
-    p += count_ - before;
-    *p++ = 'e';
-    p = std::to_chars(p, text + sizeof text, std::min<std::int64_t>(point_, 0)).ptr;
-    double result = 0;
-    if (before != count_) std::from_chars(text, p, result);
-    return result;
+XlsDecimal::Part XlsDecimal::fraction() const noexcept {
+    if (point_ < -farBehindPoint || point_ >= count_) return {};
+    Part part{0, static_cast<int>(count_ - point_)};
+    for (std::int64_t i = std::max<std::int64_t>(point_, 0); i < count_; ++i) {
+        part.digits = part.digits * 10 + static_cast<std::uint64_t>(digits_[i] - '0');
+    }
+    return part;
 }
 
 std::int64_t XlsDecimal::whole() const noexcept {
@@ -234,11 +228,11 @@ bool XlsDecimal::isBelow(std::string_view limitDigits, std::int64_t limitPoint) 
     return digits() < limitDigits;  // neither ends with zeros
 }
 
-std::string multiplyDigits(std::string_view digits, std::int64_t zeros, std::uint32_t factor, std::uint32_t addend) {
+std::string multiplyDigits(std::string_view digits, std::int64_t zeros, std::uint64_t factor, std::uint64_t addend) {
     std::string reversed;
     std::uint64_t carry = addend;
     const auto put = [&](unsigned digit) {
-        carry += std::uint64_t{digit} * factor;
+        carry += digit * factor;
         reversed.push_back(static_cast<char>('0' + carry % 10));
         carry /= 10;
     };

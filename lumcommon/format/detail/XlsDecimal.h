@@ -43,8 +43,12 @@ public:
     std::uint64_t fractionTimes(std::uint32_t factor) const noexcept;
     /// The same product itself, rounded half up to MAX_DIGITS digits.
     XlsDecimal fractionProduct(std::uint32_t factor) const noexcept;
-    /// The part behind the point as the nearest double.
-    double fraction() const noexcept;
+    /// The part after the point, as digits / 10^places; nothing for one below 10^-40.
+    struct Part {
+        std::uint64_t digits = 0;
+        int places = 0;
+    };
+    Part fraction() const noexcept;
     /// The part before the point; the largest number when it is larger.
     std::int64_t whole() const noexcept;
 
@@ -67,7 +71,8 @@ private:
     std::int64_t point_ = 0;
 };
 
-/// Multiplies the natural number `digits` followed by `zeros` zeros with `factor` and adds `addend`.
-std::string multiplyDigits(std::string_view digits, std::int64_t zeros, std::uint32_t factor, std::uint32_t addend);
+/// Multiplies the natural number `digits` followed by `zeros` zeros with `factor` and adds `addend`, which are at most
+/// 10^18.
+std::string multiplyDigits(std::string_view digits, std::int64_t zeros, std::uint64_t factor, std::uint64_t addend);
 
 }  // namespace LumCommon::detail

@@ -7,11 +7,12 @@
 
 namespace LumCommon::detail {
 
-/// The fraction next to the part of a magnitude behind its point.
+/// The fraction next to the part of a magnitude after its point.
 struct XlsFraction {
-    static constexpr int MAX_PLACES = 5;
+    static constexpr int MAX_PLACES = 18;
 
     /// @param places  of the denominator, of which MAX_PLACES count.   @param fixedDenominator  0: none
+    /// Cost: grows with the digits of the magnitude and of the denominator, not with the denominator.
     XlsFraction(const XlsDecimal& magnitude, int places, int fixedDenominator);
 
     /// "WHOLE * denominator + numerator", which may be longer than any integer type.
@@ -19,11 +20,8 @@ struct XlsFraction {
     /// The whole part of the magnitude, one more when the fraction is 1; empty for 0.
     std::string whole(const XlsDecimal& magnitude) const;
 
-    std::uint32_t numerator = 0;  ///< may equal the denominator
-    std::uint32_t denominator = 1;
-
-private:
-    void search(double fraction, std::uint32_t limit);
+    std::uint64_t numerator = 0;  ///< may equal the denominator
+    std::uint64_t denominator = 1;
 };
 
 }  // namespace LumCommon::detail

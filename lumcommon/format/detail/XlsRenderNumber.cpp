@@ -182,7 +182,7 @@ void renderPlain(const FMT& section, XlsDecimal value, int generalChars, XlsWrit
 }
 
 /// A denominator stands at the left of its placeholders.
-void putDenominator(const FMT& section, std::uint32_t value, XlsWriter& out) {
+void putDenominator(const FMT& section, std::uint64_t value, XlsWriter& out) {
     std::string text = std::to_string(value);
     if (section.fixedDenominator == 0) {
         const auto forced = static_cast<std::size_t>(section.denominator.forced);
@@ -196,7 +196,7 @@ void putDenominator(const FMT& section, std::uint32_t value, XlsWriter& out) {
 void renderFraction(const FMT& section, const XlsDecimal& magnitude, XlsWriter& out) {
     const XlsFraction fraction(magnitude, section.denominator.total(), section.fixedDenominator);
     const bool hasWhole = section.integer.total() > 0;
-    const std::uint32_t part = fraction.numerator == fraction.denominator ? 0 : fraction.numerator;
+    const std::uint64_t part = fraction.numerator == fraction.denominator ? 0 : fraction.numerator;
     const bool isBlank = hasWhole && part == 0 && section.numerator.forced == 0;
     std::string wholeText = hasWhole ? fraction.whole(magnitude) : std::string();
     if (isBlank && wholeText.empty()) wholeText = "0";
