@@ -2,6 +2,7 @@
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
+#include <variant>
 
 using namespace LumCommon;
 
@@ -24,6 +25,22 @@ void showPackage(const char* path) {
     // [package]
 }
 
+void showProperties(OleCompFile& file) {
+    // [properties]
+    OleSummaryInformation information;
+    information.initDocumentSummaryInformation(&file);
+    for (const OleProperty& property : information.readProperties()) {
+        if (property.name.isEmpty()) continue;  // one of those that every program numbers alike
+        const OlePropertyValue::Content& content = property.value.content;
+        std::cout << utf8(property.name) << " of type " << property.value.type;
+        if (const auto* text = std::get_if<UnicodeString>(&content)) std::cout << ": " << utf8(*text);
+        if (const auto* number = std::get_if<double>(&content)) std::cout << ": " << *number;
+        if (const auto* flag = std::get_if<bool>(&content)) std::cout << ": " << (*flag ? "yes" : "no");
+        std::cout << '\n';
+    }
+    // [properties]
+}
+
 void showCompoundFile(const char* path) {
     // [compound]
     OleCompFile file;
@@ -38,6 +55,7 @@ void showCompoundFile(const char* path) {
         file.OLEcloseStream(stream);
     }
     // [compound]
+    showProperties(file);
 }
 
 }  // namespace
