@@ -108,4 +108,7 @@ int main(int argc, char* argv[]) try {
     std::string message;
     std::cerr << error.getMessage().toUTF8String(message) << '\n';
     return 1;
+} catch (const std::exception& error) {  // a file without size
+    std::cerr << error.what() << '\n';
+    return 1;
 }

@@ -1,11 +1,14 @@
 # What the scripts share; they read this file with `.`.
 
-LUM_PACKAGES="g++ g++-multilib clang libclang-rt-14-dev cmake ninja-build ccache clang-format pkg-config binutils
-python3 libicu-dev zlib1g-dev uuid-dev libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev
-libpugixml-dev libxml2-dev libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip
-doxygen"
+# What a program needs that uses the library.
+LUM_LIBRARY_PACKAGES="g++ cmake ninja-build pkg-config libicu-dev zlib1g-dev uuid-dev"
 
-# Installs the packages named that are missing. Without root it names them and stops.
+# What the tests, checks and benchmarks need besides.
+LUM_PACKAGES="$LUM_LIBRARY_PACKAGES g++-multilib clang libclang-rt-14-dev ccache clang-format binutils
+python3 libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
+libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip doxygen locales"
+
+# Installs the packages named that are missing. Without root it names the command that does so, and stops.
 install_missing() {
     missing=""
     for package in "$@"; do
@@ -13,11 +16,18 @@ install_missing() {
     done
     [ -n "$missing" ] || return 0
     if [ "$(id -u)" != 0 ]; then
-        echo "Please install:$missing" >&2
+        sudo=""
+        if command -v sudo >/dev/null; then sudo="sudo "; fi
+        {
+            echo "Packages are missing. As root, run:"
+            echo "${sudo}apt-get install --no-install-recommends$missing"
+            [ -n "$(find /var/lib/apt/lists -name '*_Packages*' 2>/dev/null)" ] ||
+                echo "(and before it ${sudo}apt-get update: this machine has no lists of packages yet)"
+        } >&2
         exit 2
     fi
-    echo "Installing:$missing"
-    quietly sh -c "apt-get -q update && DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends $missing"
+    watched "Installing:$missing" \
+        sh -c "apt-get -q update && DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends $missing"
 }
 
 # quietly COMMAND...: its output is shown only when it fails; its exit code is passed on.
@@ -31,4 +41,35 @@ quietly() {
         rm -f "$quiet_log"
         return "$quiet_code"
     fi
+}
+
+# watched WHAT COMMAND...: says what is being done and, every 15 seconds, how far it has come; otherwise like quietly.
+# With keep_log=FILE the output stays in that file, and showing it when the command fails is left to the caller.
+watched() {
+    watch_what=$1
+    shift
+    echo "$watch_what"
+    watch_log=${keep_log:-$(mktemp)}
+    (
+        seconds=0
+        while sleep 1 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
+            seconds=$((seconds + 1))
+            [ $((seconds % 15)) != 0 ] || printf '    %3d s: %.90s\n' "$seconds" "$(tail -n 1 "$watch_log")"
+        done
+    ) &
+    ticker=$!
+    watch_code=0
+    "$@" >"$watch_log" 2>&1 || watch_code=$?
+    kill "$ticker" 2>/dev/null
+    wait "$ticker" 2>/dev/null || true
+    if [ -z "${keep_log:-}" ]; then
+        [ "$watch_code" = 0 ] || tail -n 400 "$watch_log" >&2
+        rm -f "$watch_log"
+    fi
+    return "$watch_code"
+}
+
+# print_head SCRIPT: its leading comment, which is its help.
+print_head() {
+    sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$1"
 }

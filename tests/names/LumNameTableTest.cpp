@@ -192,7 +192,7 @@ TEST(LumNameTableLifetime, cleanupEndsTheTableAndAHolderMayStillLetGo) {
     LumNameTable::releaseSharedNameTable();
 }
 
-// Takes 1.3 GB and some seconds, so it runs only where LUM_TEST_LARGE is set.
+// Takes 1.3 GB and some seconds, so it runs only where LUM_TEST_LARGE is set, as the preset `release` does.
 TEST(LumNameTableLimit, theLastIdentifierIsGivenOutAndNoneAfterIt) {
     if (std::getenv("LUM_TEST_LARGE") == nullptr) GTEST_SKIP() << "needs LUM_TEST_LARGE";
     LumNameTable table;
