@@ -296,6 +296,8 @@ TEST(OleSummaryInformation, readsValuesOfEveryTypeInTheirOwnWidth) {
         };
         const auto string = [&w](const std::string& bytes) { return w.number(bytes.size()) + bytes; };
         const std::string nul(1, '\0'), pad2(2, '\0');
+        const std::string large =
+            w.number(0x10000) + w.number(0);  // four such dimensions are 2^64 elements, 0 in 64 bits
         const struct {
             std::string stored, shown;
         } rows[] = {
@@ -346,9 +348,7 @@ TEST(OleSummaryInformation, readsValuesOfEveryTypeInTheirOwnWidth) {
                  w.number(8) + w.number(9),
              "[2@1 1@-1 i8,i9,]"},
             {w.number(0x2003) + w.number(2) + w.number(1) + w.number(1) + w.number(0) + w.number(8), "damaged"},
-            {w.number(0x2003) + w.number(3) + w.number(2) + w.number(0x80000000) + w.number(0) + w.number(0x80000000) +
-                 w.number(0) + w.number(8),
-             "damaged"},
+            {w.number(0x2003) + w.number(3) + w.number(4) + large + large + large + large, "damaged"},
             {vector(3, 0, ""), "[]"},
             {vector(0, 1, ""), "damaged"},
             {vector(2, 0xFFFFFFFF, w.number(1)), "damaged"},
@@ -431,6 +431,16 @@ TEST(OleSummaryInformation, readsSharedValuesFourTimesAtMost) {
     }
     EXPECT_GE(held, 5000u);
     EXPECT_LE(held, 4u * 9100);
+
+    constexpr std::uint32_t count = 600000;
+    const std::string numbers = w.number(0x1002) + w.number(count) + std::string(2 * count, 'x');
+    Document many(w.set({w.section({{2, ""}, {3, numbers}, {4, w.integer(1)}})}));
+    OleSummaryInformation other;
+    ASSERT_EQ(other.initSummaryInformation(&many.file), 1);
+    const std::vector<OleProperty> all = other.readProperties();
+    EXPECT_FALSE(all.at(0).value.isDamaged);
+    EXPECT_TRUE(all.at(1).value.isDamaged) << "elements are not counted in all";
+    EXPECT_EQ(shown(all.at(2).value), "i1");
 }
 
 TEST(OleSummaryInformation, readsPrimitiveFieldsAtThePosition) {

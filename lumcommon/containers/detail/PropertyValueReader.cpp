@@ -289,8 +289,8 @@ bool PropertyValueReader::readElements(std::uint32_t type, Content& content) {
             return true;
         }
     }
-    // Every element takes a byte at least.
-    if (elementType <= Value::NULL_VALUE || count > elementsLeft_ || count > set_.size() - position_) return false;
+    // Of elements that take no byte there could be any number.
+    if (elementType <= Value::NULL_VALUE || count > elementsLeft_) return false;
     const std::uint64_t start = position_;
     for (const Padding padding : {Padding::ZEROS, Padding::NONE, Padding::ANY}) {
         position_ = start;
