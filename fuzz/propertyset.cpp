@@ -1,12 +1,17 @@
 // Any bytes may be a property set. The first byte chooses whether it is the summary information of its document or the
 // document summary information; the rest is laid into a sound compound file.
 // Laws: what is read is no more than twice the input; asking twice gives the same; a failure leaves the value alone;
-// strings are no longer than the input in UTF-16, links no longer in all.
+// strings are no longer than the input in UTF-16, links no longer in all. Values of every type hold no more than four
+// times the input in all and no more elements than the limit; one read by itself is the same unless a limit was met;
+// damaged ones have no content.
 
 #include <lumcommon/lumcommon.h>
 
+#include <algorithm>
+#include <bit>
 #include <sstream>
 #include <string>
+#include <variant>
 
 #include "../tests/containers/OleBytes.h"
 #include "FuzzSupport.h"
@@ -53,6 +58,82 @@ Digest readProperties(OleSummaryInformation& information, std::size_t size) {
     return digest;
 }
 
+/// Of all values: how many bytes of the input they hold at least, elements, and a digest.
+struct Held {
+    std::size_t bytes = 0;
+    std::size_t elements = 0;
+    std::size_t damaged = 0;
+    Digest digest;
+
+    void add(const OlePropertyValue& value) {
+        digest.add(value.type);
+        digest.add(value.content.index());
+        FUZZ_LAW(!value.isDamaged || value.content.index() == 0);
+        damaged += value.isDamaged ? 1 : 0;
+        std::visit([this](const auto& content) { addContent(content); }, value.content);
+    }
+
+private:
+    void addContent(std::monostate) {}
+    void addContent(bool flag) { addNumber(flag, 2); }
+    void addContent(std::int64_t number) { addNumber(static_cast<std::uint64_t>(number), 1); }
+    void addContent(std::uint64_t number) { addNumber(number, 1); }
+    void addContent(double number) { addNumber(std::bit_cast<std::uint64_t>(number), 4); }
+    void addContent(const OLE_CLSID& id) { addNumber(id.data1, 16); }
+    void addContent(const UnicodeString& text) {
+        digest.add(text);
+        bytes += static_cast<std::size_t>(text.length()) / 2;  // a byte can be a character outside the BMP
+    }
+    void addContent(const OlePropertyBytes& content) {
+        for (const unsigned char byte : content) digest.add(byte);
+        bytes += content.size();
+    }
+    void addContent(const OlePropertyElements& content) {
+        FUZZ_LAW(content.dimensions.size() <= 31);
+        elements += content.values.size();
+        for (const OlePropertyValue& value : content.values) {
+            FUZZ_LAW(!value.isDamaged && !std::holds_alternative<OlePropertyElements>(value.content));
+            add(value);
+        }
+    }
+    void addNumber(std::uint64_t number, std::size_t size) {
+        digest.add(number);
+        bytes += size;
+    }
+};
+
+Digest readValues(const OleSummaryInformation& information, std::size_t size) {
+    const std::vector<OleProperty> properties = information.readProperties();
+    std::size_t rows = 0;
+    for (const OleSISection& section : information.getSections()) rows += section.properties.size();
+    FUZZ_LAW(properties.size() <= rows);
+    Held all;
+    for (const OleProperty& property : properties) {
+        FUZZ_LAW(property.id != 0 && (property.isNamed || property.name.isEmpty()));
+        all.digest.add(property.name);
+        all.add(property.value);
+    }
+    FUZZ_LAW(all.bytes <= 4 * size && all.elements <= std::size_t{1} << 20);
+    for (std::size_t i = 0; i < properties.size() && i < 30; ++i) {
+        const OleProperty& property = properties[i];
+        Held first, again;
+        if (property.isNamed && !property.name.isEmpty()) {
+            FUZZ_LAW(information.readProperty(property.name).has_value());
+        }
+        if (property.isNamed) continue;
+        const auto found = std::ranges::find_if(
+            properties, [&property](const OleProperty& other) { return !other.isNamed && other.id == property.id; });
+        const auto value = information.readProperty(property.id);
+        FUZZ_LAW(value.has_value());
+        first.add(found->value);
+        again.add(*value);
+        FUZZ_LAW(again.bytes <= 4 * size);
+        FUZZ_LAW(found->value.isDamaged || first.digest == again.digest);
+        all.digest.add(again.bytes);
+    }
+    return all.digest;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -71,6 +152,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkSections(information, bytes.size());
     const Digest first = readProperties(information, bytes.size());
     FUZZ_LAW(readProperties(information, bytes.size()) == first);
+    const Digest values = readValues(information, bytes.size());
+    FUZZ_LAW(readValues(information, bytes.size()) == values);
     OlePropertySet properties;
     FUZZ_LAW(properties.init(&file) == (isSummary ? result : -1));
     return 0;

@@ -9,6 +9,7 @@
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/OleDirInfo.h>
 #include <lumcommon/containers/OlePropertySet.h>
+#include <lumcommon/containers/OlePropertyValue.h>
 #include <lumcommon/containers/OleStream.h>
 #include <lumcommon/containers/OleSummaryInformation.h>
 #include <lumcommon/core/Api.h>

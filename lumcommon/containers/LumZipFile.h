@@ -88,6 +88,12 @@ public:
     static int detectOOXDocument(std::istream* s);
     /// The main part: the entry that the package's relationship of the type "officeDocument" leads to; null without.
     LumZipFileEntry* getOfficeDocument();
+    /// Whether a package in the Strict form of Office Open XML (ISO/IEC 29500) is a package like any other. Its
+    /// relationship types begin with "http://purl.oclc.org/ooxml/officeDocument/relationships/" in place of
+    /// "http://schemas.openxmlformats.org/officeDocument/2006/relationships/". When that is accepted, a type that no
+    /// relationship has is looked for in the other form, here and in getRelationshipTargetFromType().
+    /// Off at first, so that the kind of such a package is 0. Kept when another archive is opened.
+    void setAcceptsStrictPackages(bool accepts) noexcept { acceptsStrictPackages_ = accepts; }
 
     /// The content type of an entry of this archive; empty for null and where the package states none.
     UnicodeString getContentType(LumZipFileEntry* entry);
@@ -125,6 +131,7 @@ private:
     std::vector<LumPtr<LumZipFileEntry>> entries_;
     std::map<UnicodeString, LumZipFileEntry*> byName_;
     bool hasContentTypes_ = false;
+    bool acceptsStrictPackages_ = false;
     std::unique_ptr<detail::PackageRelationships> relationships_;  // of the package; null until they have been read
 };
 

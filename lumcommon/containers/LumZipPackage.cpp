@@ -28,6 +28,17 @@ static_assert(std::size(officeDocumentTypes) == 16);
 
 constexpr char16_t officeDocumentRelationship[] =
     u"http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
+/// The beginnings of relationship types, and those of their ends that differ: Transitional form, Strict form.
+struct TypeForms {
+    View transitional;
+    View strict;
+};
+constexpr TypeForms typeBeginnings = {u"http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
+                                      u"http://purl.oclc.org/ooxml/officeDocument/relationships/"};
+constexpr TypeForms typeEnds[] = {
+    {u"extended-properties", u"extendedProperties"},
+    {u"custom-properties", u"customProperties"},
+};
 constexpr char16_t relationshipsNamespace[] = u"http://schemas.openxmlformats.org/package/2006/relationships";
 constexpr char16_t contentTypesNamespace[] = u"http://schemas.openxmlformats.org/package/2006/content-types";
 constexpr char16_t contentTypesPart[] = u"[Content_Types].xml";
@@ -105,6 +116,18 @@ UnicodeString findTarget(const LumZipFile& zip, const LumZipFileEntry* source, c
     return found == map.end() ? UnicodeString() : targetOf(zip, source, found->second);
 }
 
+/// The relationship type in its other form; the type itself when it is in neither.
+UnicodeString inOtherForm(const UnicodeString& type) {
+    View end = detail::viewOf(type);
+    const bool isStrict = end.starts_with(typeBeginnings.strict);
+    const View TypeForms::*const from = isStrict ? &TypeForms::strict : &TypeForms::transitional;
+    const View TypeForms::*const to = isStrict ? &TypeForms::transitional : &TypeForms::strict;
+    if (!end.starts_with(typeBeginnings.*from)) return type;
+    end.remove_prefix((typeBeginnings.*from).size());
+    const auto* const row = std::ranges::find(typeEnds, end, from);
+    return detail::textOf(typeBeginnings.*to) + detail::textOf(row == std::end(typeEnds) ? end : row->*to);
+}
+
 void addRelationship(const PackagePartReader& reader, PackageRelationships& relationships) {
     PackageRelationships::Relationship relationship{reader.getAttribute(u"Target"), reader.getAttribute(u"TargetMode")};
     if (relationship.target.isBogus()) return;
@@ -146,7 +169,9 @@ UnicodeString LumZipFile::getRelationshipTargetFromId(const UnicodeString& id, L
 }
 
 UnicodeString LumZipFile::getRelationshipTargetFromType(const UnicodeString& type, LumZipFileEntry* source) {
-    return findTarget(*this, source, relationshipsOf(source).byType, type);
+    const auto& byType = relationshipsOf(source).byType;
+    const bool isOther = acceptsStrictPackages_ && byType.find(type) == byType.end();
+    return findTarget(*this, source, byType, isOther ? inOtherForm(type) : type);
 }
 
 UnicodeString LumZipFile::getRelationshipTargetMode(const UnicodeString& id, LumZipFileEntry* source) {

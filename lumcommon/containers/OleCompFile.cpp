@@ -24,9 +24,7 @@ constexpr std::size_t sectorNumberBytes = 4;
 constexpr unsigned highestShift = 31;
 constexpr unsigned paddedHeaderVersion = 4;
 constexpr std::int32_t noSector = -2;
-
-/// What a table may say where a chain begins that need not exist.
-bool isFirstOrNone(std::int32_t sector) { return sector >= 0 || sector == noSector; }
+constexpr std::int32_t freeSector = -1;
 
 UnicodeString upperCased(UnicodeString text) { return text.toUpper(icu::Locale::getRoot()); }
 
@@ -126,6 +124,11 @@ void OleCompFile::appendBlockTo(std::vector<std::int32_t>& table) const {
     }
 }
 
+/// What the header may say where a chain begins that need not exist.
+bool OleCompFile::isFirstOrNone(std::int32_t sector, std::uint32_t count) const noexcept {
+    return sector >= 0 || sector == noSector || (acceptsLooseFiles_ && sector == freeSector && count == 0);
+}
+
 bool OleCompFile::parseHeader() {
     char header[headerBytes];
     if (readAt(0, header, headerBytes) != headerBytes || !detail::startsWithOleSignature(header)) return false;
@@ -146,7 +149,10 @@ bool OleCompFile::parseHeader() {
     firstMiniFatSector_ = fields.getSigned(60);
     miniFatSectorCount_ = fields.get32(64);
     const std::int32_t firstDifatSector = fields.getSigned(68);
-    if (firstDirSector_ < 0 || !isFirstOrNone(firstMiniFatSector_) || !isFirstOrNone(firstDifatSector)) return false;
+    if (firstDirSector_ < 0 || !isFirstOrNone(firstMiniFatSector_, miniFatSectorCount_) ||
+        !isFirstOrNone(firstDifatSector, fields.get32(72))) {
+        return false;
+    }
     const std::uint32_t fatSectorCount = fields.get32(44);
     for (std::size_t i = 0; i < std::min(fatSectorCount, headerFatSectors); ++i) {
         fatSectors_.push_back(fields.getSigned(headerFatList + sectorNumberBytes * i));
@@ -201,7 +207,9 @@ bool OleCompFile::buildDirInfo() {
             const std::span<const char, OleDirInfo::entryBytes> fields(block_.data() + at, OleDirInfo::entryBytes);
             OleDirInfo entry;
             if (directory_.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return false;
-            if (!entry.parse(fields, littleEndian_, static_cast<int>(directory_.size()))) return false;
+            if (!entry.parse(fields, littleEndian_, static_cast<int>(directory_.size()), acceptsLooseFiles_)) {
+                return false;
+            }
             if (entry.getType() == OleDirInfo::ROOT && !hasRoot) {
                 hasRoot = true;
                 miniStreamStart_ = entry.getStartSector();

@@ -58,6 +58,10 @@ public:
     ///            that, what GetSize() says. Borrowed: it outlives the file's use.
     [[nodiscard]] bool OLEopen(JZIOobj* io);
     bool isOpen() const noexcept { return io_ != nullptr; }
+    /// Whether files open that are loose where nothing depends on it: whose header gives -1 for the first sector of the
+    /// mini FAT or of the list of FAT sectors, with a count of 0, and whose unused entries of the directory state
+    /// impossible lengths for their names, which are then empty. Off at first; holds for what is opened afterwards.
+    void setAcceptsLooseFiles(bool accepts) noexcept { acceptsLooseFiles_ = accepts; }
 
     /// A new stream at position 0. Null when the path leads nowhere or to what is no stream, and for a stream that
     /// should lie in a mini stream that the file lacks.
@@ -109,12 +113,15 @@ public:
     static int detectOLEDocument(std::istream& s);
     /// 0 also when the resource cannot be opened. One that cannot seek is kept in memory as far as it is read.
     static int detectOLEDocument(const LumUri& uri);
+    /// The same for the file that is open; 0 when none is.
+    int getDocumentKind();
 
 private:
     friend class OleStream;
 
     bool OLEopenSub();
     bool parseHeader();
+    bool isFirstOrNone(std::int32_t sector, std::uint32_t count) const noexcept;
     bool readFatList(std::uint32_t count, std::int32_t firstDifat);
     bool buildFAT();
     bool buildMiniFAT();
@@ -132,6 +139,7 @@ private:
     JZIOobj* io_ = nullptr;
     std::int64_t fileBytes_ = 0;
     bool littleEndian_ = true;
+    bool acceptsLooseFiles_ = false;
     std::string version_;
     std::int64_t sectorsStart_ = 0;  // the offset of sector 0
     unsigned sectorShift_ = 0;

@@ -62,6 +62,8 @@ int OleCompFile::detectOLEDocument(std::istream& s) {
     return file.OLEopen(&io) ? kindOf(file) : NONE;
 }
 
+int OleCompFile::getDocumentKind() { return kindOf(*this); }
+
 int OleCompFile::detectOLEDocument(const LumUri& uri) {
     std::unique_ptr<std::istream> stream(uri.getStream());
     if (!stream) return NONE;

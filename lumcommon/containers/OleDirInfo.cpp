@@ -5,11 +5,14 @@
 
 namespace LumCommon {
 
-bool OleDirInfo::parse(std::span<const char, entryBytes> entry, bool littleEndian, int index) {
+bool OleDirInfo::parse(std::span<const char, entryBytes> entry, bool littleEndian, int index, bool passesUnused) {
     constexpr unsigned nameFieldBytes = 64;
     const detail::OleFields fields(entry, littleEndian);
-    const unsigned nameBytes = fields.get16(64);
-    if (nameBytes > nameFieldBytes) return false;
+    unsigned nameBytes = fields.get16(64);
+    if (nameBytes > nameFieldBytes) {
+        if (!passesUnused || fields.get8(66) != EMPTY) return false;
+        nameBytes = 0;
+    }
     *this = OleDirInfo();
     index_ = index;
     for (unsigned at = 0; at + 1 < nameBytes; at += 2) {

@@ -68,7 +68,8 @@ private:
     friend class OleCompFile;
 
     /// False when the name is stated to be longer than its field.
-    bool parse(std::span<const char, entryBytes> entry, bool littleEndian, int index);
+    /// @param passesUnused  an unused entry has no name then, and gives true.
+    bool parse(std::span<const char, entryBytes> entry, bool littleEndian, int index, bool passesUnused);
 
     UnicodeString name_;
     Type type_ = EMPTY;

@@ -2,10 +2,14 @@
 #include <lumcommon/containers/OleStream.h>
 #include <lumcommon/containers/OleSummaryInformation.h>
 #include <lumcommon/containers/detail/CodePageText.h>
+#include <lumcommon/containers/detail/PropertyValueReader.h>
 #include <lumcommon/values/LumValue.h>
+
+#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <new>
 #include <string_view>
 
@@ -15,6 +19,7 @@ namespace {
 constexpr std::uint16_t reversedMark = 65279;
 constexpr std::uint32_t dictionaryId = 0;
 constexpr std::uint32_t codePageId = 1;
+constexpr unsigned defaultCodePage = 932;
 
 /// Types of values, as stored.
 enum : std::uint32_t {
@@ -57,13 +62,63 @@ const OleSIProperty* findHyperLinks(const std::vector<OleSISection>& sections) {
     return nullptr;
 }
 
+const OleSIProperty* findIn(const OleSISection& section, unsigned id) {
+    const auto found = std::ranges::find(section.properties, id, &OleSIProperty::id);
+    return found == section.properties.end() ? nullptr : &*found;
+}
+
 const OleSIProperty* findSummary(const std::vector<OleSISection>& sections, unsigned id) {
     for (const OleSISection& section : sections) {
         if (section.hasDictionary) continue;
-        const auto found = std::ranges::find(section.properties, id, &OleSIProperty::id);
-        if (found != section.properties.end()) return &*found;
+        if (const OleSIProperty* const found = findIn(section, id)) return found;
     }
     return nullptr;
+}
+
+OlePropertyValue readValue(const OleSIProperty& property, detail::PropertyValueReader& reader) {
+    OlePropertyValue value = reader.readValue(property.type, property.valuePosition);
+    // The field is of 16 bits with a sign, so 65001 is negative in it.
+    auto* const number = std::get_if<std::int64_t>(&value.content);
+    if (property.id == codePageId && number && *number < 0 && *number >= -0x8000) *number += 0x10000;
+    return value;
+}
+
+/// The code page that the section states.
+std::optional<unsigned> codePageOf(const OleSISection& section, detail::PropertyValueReader& reader) {
+    const OleSIProperty* const property = findIn(section, codePageId);
+    if (!property) return std::nullopt;
+    const OlePropertyValue value = readValue(*property, reader);
+    const auto* const number = std::get_if<std::int64_t>(&value.content);
+    if (!number || *number <= 0 || *number > 0xFFFF) return std::nullopt;
+    return static_cast<unsigned>(*number);
+}
+
+/// The code page for sections that state none: that of the first one which does.
+unsigned commonCodePageOf(const std::vector<OleSISection>& sections, detail::PropertyValueReader& reader) {
+    for (const OleSISection& section : sections) {
+        if (const std::optional<unsigned> codePage = codePageOf(section, reader)) return *codePage;
+    }
+    return defaultCodePage;
+}
+
+using Names = std::map<std::uint32_t, UnicodeString>;
+
+/// The names that the section's dictionary gives; the first one of a number holds. The reader is set to its code page.
+Names namesOf(const OleSISection& section, detail::PropertyValueReader& reader) {
+    Names names;
+    const OleSIProperty* const dictionary = findIn(section, dictionaryId);
+    if (!dictionary) return names;
+    if (reader.isWide()) {  // the bytes kept with the section were counted, the names are in units
+        for (auto& [id, name] : reader.readWideNames(dictionary->type, dictionary->valuePosition)) {
+            names.try_emplace(id, std::move(name));
+        }
+        return names;
+    }
+    for (const OleSIName& row : section.dictionary) {
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(row.name.data());
+        names.try_emplace(row.id, reader.decode({bytes, row.name.size()}));
+    }
+    return names;
 }
 
 }  // namespace
@@ -245,18 +300,16 @@ bool OleSummaryInformation::readDictionary(OleSISection& section, std::uint32_t 
 }
 
 void OleSummaryInformation::chooseCharset() {
-    constexpr int utf8CodePage = 65001;
     LumValue value;
     if (getProperty(codePageId, value) != 1 || value.getKind() != KIND_INTEGER) {
-        charset_ = LumCStr(u"cp932");
+        charset_ = LumCStr(UnicodeString::fromUTF8(detail::charsetOfCodePage(defaultCodePage)));
         return;
     }
     int codePage = value.getIntegerValue();
     // The field is of 16 bits with a sign, so some programs write 65001 as a negative number.
     if (codePage < 0 && codePage >= -0x8000) codePage += 0x10000;
-    charset_ =
-        LumCStr(codePage == utf8CodePage ? UnicodeString(u"UTF-8")
-                                         : UnicodeString(u"cp") + UnicodeString::fromUTF8(std::to_string(codePage)));
+    charset_ = LumCStr(codePage < 0 ? UnicodeString(u"cp") + UnicodeString::fromUTF8(std::to_string(codePage))
+                                    : UnicodeString::fromUTF8(detail::charsetOfCodePage(unsigned(codePage))));
 }
 
 bool OleSummaryInformation::readString(std::string& bytes) {
@@ -293,6 +346,59 @@ int OleSummaryInformation::getProperty(unsigned int id, LumValue& out) {
     }
     out = LumValue(detail::fromCodePage(bytes, charset_.getMBString("US-ASCII")));
     return 1;
+}
+
+std::optional<OlePropertyValue> OleSummaryInformation::readProperty(unsigned int id) const {
+    detail::PropertyValueReader reader(bytes_, isSwapped_);
+    for (const OleSISection& section : sections_) {
+        const OleSIProperty* const property = section.hasDictionary ? nullptr : findIn(section, id);
+        if (!property) continue;
+        const std::optional<unsigned> codePage = codePageOf(section, reader);
+        reader.setCodePage(codePage ? *codePage : commonCodePageOf(sections_, reader));
+        return readValue(*property, reader);
+    }
+    return std::nullopt;
+}
+
+std::optional<OlePropertyValue> OleSummaryInformation::readProperty(const UnicodeString& name) const {
+    detail::PropertyValueReader reader(bytes_, isSwapped_);
+    const unsigned commonCodePage = commonCodePageOf(sections_, reader);
+    const OleSIProperty* alike = nullptr;
+    unsigned codePageAlike = commonCodePage;
+    for (const OleSISection& section : sections_) {
+        if (!section.hasDictionary) continue;
+        const unsigned codePage = codePageOf(section, reader).value_or(commonCodePage);
+        reader.setCodePage(codePage);
+        const Names names = namesOf(section, reader);
+        for (const OleSIProperty& property : section.properties) {
+            const auto given = names.find(property.id);
+            if (given == names.end() || property.id == dictionaryId) continue;
+            if (given->second == name) return readValue(property, reader);
+            if (alike || given->second.caseCompare(name, U_FOLD_CASE_DEFAULT) != 0) continue;
+            alike = &property;
+            codePageAlike = codePage;
+        }
+    }
+    if (!alike) return std::nullopt;
+    reader.setCodePage(codePageAlike);
+    return readValue(*alike, reader);
+}
+
+std::vector<OleProperty> OleSummaryInformation::readProperties() const {
+    detail::PropertyValueReader reader(bytes_, isSwapped_);
+    const unsigned commonCodePage = commonCodePageOf(sections_, reader);
+    std::vector<OleProperty> properties;
+    for (const OleSISection& section : sections_) {
+        reader.setCodePage(codePageOf(section, reader).value_or(commonCodePage));
+        const Names names = namesOf(section, reader);
+        for (const OleSIProperty& row : section.properties) {
+            if (row.id == dictionaryId) continue;
+            const auto name = names.find(row.id);
+            properties.push_back({section.formatId, row.id, name == names.end() ? UnicodeString() : name->second,
+                                  section.hasDictionary, readValue(row, reader)});
+        }
+    }
+    return properties;
 }
 
 bool OleSummaryInformation::readHyperLink(std::vector<UnicodeString>& out) {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <lumcommon/containers/OlePropertyValue.h>
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/LumCStr.h>
 #include <lumcommon/core/Text.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,16 +16,6 @@ namespace LumCommon {
 class LumValue;
 class OleCompFile;
 class OleStream;
-
-/// A class identifier as property sets store it.
-struct OLE_CLSID {
-    std::uint32_t data1 = 0;
-    std::uint16_t data2 = 0;
-    std::uint16_t data3 = 0;
-    unsigned char data4[8] = {};
-
-    friend bool operator==(const OLE_CLSID&, const OLE_CLSID&) = default;
-};
 
 /// A row of a section's property table.
 struct OleSIProperty {
@@ -63,7 +55,12 @@ struct OleSISection {
 /// same: to twice the bytes of the stream, after which it counts as ended. A dictionary ends where the next property of
 /// the table begins, the dictionary of the last property at the section's stated size.
 ///
-/// Failure: -1 or false; nothing is thrown.
+/// getProperty() reads the integers and strings of the summary information, an integer always as 32 bits.
+/// readProperty() and readProperties() read values of every type of the format ([MS-OLEPS], Object Linking and
+/// Embedding Property Set Data Structures), in both kinds of set, each number in its own width; of a set that is
+/// damaged they give what can still be read.
+///
+/// Failure: -1 or false; nothing is thrown, but by readProperty() and readProperties() std::bad_alloc.
 /// Ownership: the compound file is borrowed and must outlive the object, which keeps the stream open.
 /// Lifecycle: one init operation, once.
 /// Threads: one at a time, as for the compound file.
@@ -98,6 +95,20 @@ public:
     /// 1, or -1: it is absent, cut short or of another type, or this is document summary information; `out` is then
     /// as it was.
     int getProperty(unsigned int id, LumValue& out);
+    /// A property by its number, of the first section without dictionary that has it: what getProperty() looks at.
+    /// Strings are in the code page of their section, else in that of the first section that states one, else in 932.
+    /// The code page itself (property 1) is a number from 0 to 65535 also where it is stored with a sign.
+    /// @param id  0 is none: it is the dictionary.
+    /// Null when there is none. One that is there but cannot be read is damaged: see OlePropertyValue.
+    /// Cost: O(properties), and the bytes of the value, three times for vectors of strings at most.
+    std::optional<OlePropertyValue> readProperty(unsigned int id) const;
+    /// A property of the user's own, by the name that a dictionary gives it: exactly, or else by letters of either
+    /// case. Null when there is none.   Cost: O(properties and names), and the bytes of the value.
+    std::optional<OlePropertyValue> readProperty(const UnicodeString& name) const;
+    /// All properties in the order stored, without dictionaries, with their names where they have some.
+    /// Values can share their bytes. What is read is bounded all the same: to four times the bytes of the stream and
+    /// 1,048,576 elements of vectors; the values that remain then are damaged.
+    std::vector<OleProperty> readProperties() const;
     /// Appends the targets of the document's hyperlinks and the places in them, those that are not empty, in the order
     /// stored.   1, or -1 when the document keeps no list of them or the list is cut short.
     int getHyperLinks(std::vector<UnicodeString>& out);

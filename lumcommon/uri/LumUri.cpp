@@ -4,12 +4,15 @@
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
+#include <lumcommon/uri/detail/UriText.h>
 
 #include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 namespace LumCommon {
@@ -21,6 +24,8 @@ using detail::viewOf;
 using View = std::u16string_view;
 
 constexpr std::size_t npos = View::npos;
+
+constinit std::atomic<bool> s_findsForeignFileUris{false};
 
 /// The string up to and including its last "/"; empty without one.
 View directoryOf(View uri) {
@@ -34,6 +39,43 @@ std::size_t extensionStart(View uri) {
     return dot == npos || dot < directoryOf(uri).size() ? uri.size() : dot;
 }
 
+bool isPathThere(const UnicodeString& localPath) {
+    const auto path = detail::toPlatformPath(localPath);
+    return path && LumUri::isFileExists(path->c_str());
+}
+
+UnicodeString withoutLocalHost(const UnicodeString& uri) {
+    constexpr View start = u"file://localhost/";
+    constexpr View host = u"localhost";
+    UnicodeString result(uri);
+    if (detail::startsWithIgnoringCase(viewOf(uri), start)) {
+        result.remove(static_cast<int32_t>(start.find(host)), static_cast<int32_t>(host.size()));
+    }
+    return result;
+}
+
+/// The URI with the characters that its percent escapes mean in UTF-8; escapes of US-ASCII stay, so that what they
+/// stand for is not taken for an escape again. The URI itself where the escapes are not UTF-8.
+UnicodeString withUtf8Escapes(const UnicodeString& uri) {
+    UnicodeString result;
+    for (View rest = viewOf(uri); !rest.empty();) {
+        std::string bytes;
+        for (int byte = 0; (byte = detail::escapedByte(rest)) >= 0x80; rest.remove_prefix(3)) {
+            bytes += static_cast<char>(byte);
+        }
+        if (bytes.empty()) {
+            result.append(rest.front());
+            rest.remove_prefix(1);
+            continue;
+        }
+        const UnicodeString text = UnicodeString::fromUTF8(bytes);
+        std::string again;
+        if (text.toUTF8String(again) != bytes) return uri;
+        result.append(text);
+    }
+    return result;
+}
+
 /// The local path of the installation directory that the variable names; empty when it names no existing file.
 UnicodeString installationDirectory(const char* envName) {
     if (!envName || !*envName) return UnicodeString();
@@ -44,7 +86,7 @@ UnicodeString installationDirectory(const char* envName) {
         if (!value) return UnicodeString();
         uri = LumUri(detail::fromPlatformText(value));
     }
-    return uri.isFile() && uri.isFileExists() ? uri.getLocalPath() : UnicodeString();
+    return uri.isFile() && uri.isFileExists() ? uri.findLocalPath() : UnicodeString();
 }
 
 }  // namespace
@@ -64,6 +106,21 @@ LumUri::LumUri(const LumUri& base, const UnicodeString& s, URISTRTYPE type) {
 LumUri::~LumUri() = default;
 
 UnicodeString LumUri::getLocalPath() const { return LumUriSub::makeLocalPathFromUri(uri_); }
+
+bool LumUri::setFindsForeignFileUris(bool finds) noexcept {
+    return s_findsForeignFileUris.exchange(finds, std::memory_order_relaxed);
+}
+
+UnicodeString LumUri::findLocalPath() const {
+    UnicodeString path = getLocalPath();
+    if (!s_findsForeignFileUris.load(std::memory_order_relaxed) || !isFile() || isPathThere(path)) return path;
+    const UnicodeString onThisMachine = withoutLocalHost(uri_);
+    for (const UnicodeString& reading : {withUtf8Escapes(uri_), onThisMachine, withUtf8Escapes(onThisMachine)}) {
+        path = LumUriSub::makeLocalPathFromUri(reading);
+        if (isPathThere(path)) break;
+    }
+    return path;
+}
 
 UnicodeString LumUri::unescape(const UnicodeString& s) {
     UnicodeString result(s);
@@ -116,10 +173,7 @@ UnicodeString LumUri::getBaseString() const {
     return LumUriSub::makeLocalPathFromUri(textOf(directory.empty() ? View(u"./") : directory));
 }
 
-bool LumUri::isFileExists() const {
-    const auto path = detail::toPlatformPath(getLocalPath());
-    return path && isFileExists(path->c_str());
-}
+bool LumUri::isFileExists() const { return isPathThere(findLocalPath()); }
 
 bool LumUri::isFileExists(const char* path) { return path && access(path, F_OK) == 0; }
 
@@ -164,7 +218,7 @@ LumUri LumUri::getModuleUri(const char*, const char* file, const char* envName) 
 
 void* LumUri::loadLibrary() const {
     // dlopen takes an empty path for the program itself, which no library's URI means.
-    const auto path = detail::toPlatformPath(getLocalPath());
+    const auto path = detail::toPlatformPath(findLocalPath());
     return path && !path->empty() ? dlopen(path->c_str(), RTLD_LAZY) : nullptr;
 }
 

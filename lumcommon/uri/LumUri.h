@@ -62,8 +62,20 @@ public:
     UnicodeString setExtension(const UnicodeString* extension);
     /// The local path up to and including the last "/"; "./" without one.
     UnicodeString getBaseString() const;
-    /// Whether the local path exists. Here and wherever a path goes to the system, it is converted to ICU's default
-    /// codepage, or to UTF-8 when that lacks one of its characters; a path that holds U+0000 names no file.
+    /// Whether files are also found by what other programs mean with a file: URI or path. Off at first; the whole
+    /// program's, set before URIs are opened. When it is on and getLocalPath() names nothing that exists,
+    /// - percent escapes are read as bytes of UTF-8, where they are that: "file:///tmp/%C3%A9.fo";
+    /// - "file://localhost/" means this machine, as "file:///" does.
+    /// @return what it was.
+    static bool setFindsForeignFileUris(bool finds) noexcept;
+    /// The local path that is used wherever files are opened, made or asked for: getLocalPath() or, when that does not
+    /// exist and foreign file: URIs are to be found, the first other reading that exists; when there is none, the last
+    /// of them, which a new file gets.
+    /// Cost: asks the file system, up to four times, when the switch is on.
+    UnicodeString findLocalPath() const;
+    /// Whether the local path (findLocalPath()) exists. Here and wherever a path goes to the system, it is converted to
+    /// ICU's default codepage, or to UTF-8 when that lacks one of its characters; a path that holds U+0000 names no
+    /// file.
     bool isFileExists() const;
     /// @param path  a path in the platform's encoding; null gives false.
     static bool isFileExists(const char* path);

@@ -50,7 +50,7 @@ private:
 
 template <class Stream>
 Stream* openLocalFile(const LumUri& uri, std::ios_base::openmode mode) {
-    const auto path = detail::toPlatformPath(uri.getLocalPath());
+    const auto path = detail::toPlatformPath(uri.findLocalPath());
     // A directory can be opened but not read; the reader would meet an exception in place of an end.
     std::error_code error;
     if (!path || std::filesystem::is_directory(*path, error)) return nullptr;
@@ -183,7 +183,7 @@ bool LumUri::isGzip(std::istream& s) {
 
 LumGzipStream* LumUri::getGzipStream() const {
     try {
-        auto stream = std::make_unique<LumGzipStream>(getLocalPath());
+        auto stream = std::make_unique<LumGzipStream>(findLocalPath());
         return stream->is_open() ? stream.release() : nullptr;
     } catch (...) {
         return nullptr;

@@ -1,5 +1,6 @@
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/LumUriSub.h>
+#include <lumcommon/uri/detail/UriText.h>
 
 #include <unicode/uchar.h>
 
@@ -10,26 +11,16 @@ namespace LumCommon {
 namespace {
 
 using detail::append;
+using detail::lowered;
+using detail::startsWithIgnoringCase;
 using detail::textOf;
 using detail::viewOf;
 using View = std::u16string_view;
 
 constexpr std::size_t npos = View::npos;
 
-constexpr char16_t lowered(char16_t unit) {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
-}
 constexpr bool isLetter(char16_t unit) { return lowered(unit) >= u'a' && lowered(unit) <= u'z'; }
 constexpr bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
-
-/// @param prefix  in lower case. Letters outside ASCII never match, whatever the locale makes of them.
-bool startsWithIgnoringCase(View s, View prefix) {
-    if (s.size() < prefix.size()) return false;
-    for (std::size_t i = 0; i < prefix.size(); ++i) {
-        if (lowered(s[i]) != prefix[i]) return false;
-    }
-    return true;
-}
 
 /// The index of the colon that ends the scheme, npos without one.
 std::size_t schemeEnd(View s) {
@@ -37,13 +28,6 @@ std::size_t schemeEnd(View s) {
     std::size_t i = 1;
     while (i < s.size() && (isLetter(s[i]) || isDigit(s[i]) || s[i] == u'+' || s[i] == u'-' || s[i] == u'.')) ++i;
     return i >= 2 && i < s.size() && s[i] == u':' ? i : npos;
-}
-
-/// The value of a hexadecimal digit, -1 for any other unit.
-constexpr int hexValue(char16_t unit) {
-    if (isDigit(unit)) return unit - u'0';
-    const char16_t lower = lowered(unit);
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
 }
 
 /// What a relative reference asks of its base before its own text begins.
@@ -217,13 +201,9 @@ void LumUriSub::unescapeHH(UnicodeString& s) {
     std::size_t written = first;
     for (std::size_t read = first; read < length; ++read) {
         char16_t unit = units[read];
-        if (unit == u'%' && length - read > 2) {
-            const int high = hexValue(units[read + 1]);
-            const int low = hexValue(units[read + 2]);
-            if (high >= 0 && low >= 0) {
-                unit = static_cast<char16_t>(high * 16 + low);
-                read += 2;
-            }
+        if (const int byte = detail::escapedByte(View(units + read, length - read)); byte >= 0) {
+            unit = static_cast<char16_t>(byte);
+            read += 2;
         }
         units[written++] = unit;
     }

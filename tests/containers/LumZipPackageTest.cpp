@@ -99,6 +99,33 @@ TEST(LumZipPackage, tellsTheKindOfOfficeDocument) {
     EXPECT_EQ(LumZipFile::detectOOXDocument("/no/such/file"), 0);
 }
 
+TEST(LumZipPackage, takesTheStrictFormOfRelationshipTypesWhenToldTo) {
+    const std::string strict = "http://purl.oclc.org/ooxml/officeDocument/relationships/";
+    const std::string transitional = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+    for (const bool isStrict : {true, false}) {
+        const std::string& written = isStrict ? strict : transitional;
+        const std::string& asked = isStrict ? transitional : strict;
+        const std::string properties = isStrict ? "extendedProperties" : "extended-properties";
+        const std::unique_ptr<LumZipFile> zip(
+            open({{"[Content_Types].xml", typesXml(overrideOf("/m", wordType))},
+                  {"_rels/.rels", relationshipsXml("<Relationship Type='" + written +
+                                                   "officeDocument' Target='m'/><Relationship Type='" + written +
+                                                   properties + "' Target='app.xml'/>")},
+                  {"m", ""}}));
+        const auto target = [&zip](const std::string& type) {
+            return utf8(zip->getRelationshipTargetFromType(UnicodeString::fromUTF8(type)));
+        };
+        EXPECT_EQ(zip->detectOOXDocument(), isStrict ? 0 : 1);
+        EXPECT_EQ(target(asked + "officeDocument"), "");
+        zip->setAcceptsStrictPackages(true);
+        EXPECT_EQ(zip->detectOOXDocument(), 1);
+        EXPECT_EQ(target(asked + "officeDocument"), "m") << "one direction only";
+        EXPECT_EQ(target(asked + (isStrict ? "extended-properties" : "extendedProperties")), "app.xml")
+            << "a type whose end differs";
+        EXPECT_EQ(target(asked + "none") + target("urn:officeDocument"), "");
+    }
+}
+
 TEST(LumZipPackage, leadsTargetsToTheirEntries) {
     struct TargetCase {
         const char* fault;

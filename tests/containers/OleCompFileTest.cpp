@@ -215,6 +215,37 @@ TEST(OleCompFile, checksEveryFieldOfTheHeader) {
     }
 }
 
+TEST(OleCompFile, opensLooseFilesWhenToldTo) {
+    const OleImage image({{u"Workbook", patternBytes(5000)}});
+    const std::size_t unused = image.entryOffset(2);
+    using Fields = std::vector<std::pair<std::size_t, std::uint32_t>>;
+    const struct {
+        const char* fault;
+        Fields fields;
+        int kind;  // when it is told to; 0 otherwise
+    } cases[] = {
+        {"no mini FAT, as -1", {{60, OleImage::FREE}, {64, 0}}, 2},
+        {"no list of FAT sectors, as -1", {{68, OleImage::FREE}, {72, 0}}, 2},
+        {"a mini FAT that is counted", {{60, OleImage::FREE}, {64, 1}}, 0},
+        {"a list of FAT sectors that is counted", {{68, OleImage::FREE}, {72, 1}}, 0},
+        {"another negative number", {{60, 0xFFFFFFFD}, {64, 0}}, 0},
+        {"an unused entry with an impossible name", {{unused + 64, 0x0000FFFF}}, 2},
+        {"a used one", {{image.entryOffset(1) + 64, 0x0102FFFF}}, 0},
+        {"an unused one by a type of its own", {{unused + 64, 0x0009FFFF}}, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        OleImage changed = image;
+        for (const auto& [offset, value] : c.fields) changed.set(offset, value);
+        Opened opened(changed);
+        EXPECT_FALSE(opened.isOpen);
+        EXPECT_EQ(opened.file.getDocumentKind(), 0);
+        opened.file.setAcceptsLooseFiles(true);
+        EXPECT_EQ(opened.file.OLEopen(&opened.io), c.kind != 0);
+        EXPECT_EQ(opened.file.getDocumentKind(), c.kind);
+    }
+}
+
 TEST(OleCompFile, survivesChainsThatLieAndTreesThatLoop) {
     const std::string large = patternBytes(200 * 512);
     const std::string small = patternBytes(10 * 64, 2);

@@ -6,6 +6,7 @@
 
 #include "OleBytes.h"
 #include "OlePropertyBytes.h"
+#include "support/Utf8.h"
 
 using namespace LumCommon;
 using LumTest::OleImage;
@@ -258,6 +259,188 @@ TEST(OleSummaryInformation, readsSharedBytesTwiceAtMost) {
     for (const OleSISection& section : information.getSections()) read += section.dictionary.size() * 9;
     EXPECT_GE(read, bytes.size());
     EXPECT_LE(read, 2 * bytes.size());
+}
+
+/// "damaged", or a letter for what it holds and the content.
+std::string shown(const OlePropertyValue& value) {
+    struct Shower {
+        std::string operator()(std::monostate) const { return "-"; }
+        std::string operator()(std::int64_t number) const { return "i" + std::to_string(number); }
+        std::string operator()(std::uint64_t number) const { return "u" + std::to_string(number); }
+        std::string operator()(double number) const { return "d" + std::to_string(number); }
+        std::string operator()(bool flag) const { return flag ? "true" : "false"; }
+        std::string operator()(const UnicodeString& text) const { return "s" + LumTest::utf8(text); }
+        std::string operator()(const OLE_CLSID& id) const {
+            return "c" + std::to_string(id.data1 & 0xF) + static_cast<char>(id.data4[7]);
+        }
+        std::string operator()(const OlePropertyBytes& bytes) const {
+            return "b" + std::string(bytes.begin(), bytes.end());
+        }
+        std::string operator()(const OlePropertyElements& elements) const {
+            std::string text = "[";
+            for (const auto& dimension : elements.dimensions) {
+                text += std::to_string(dimension.size) + "@" + std::to_string(dimension.lowestIndex) + " ";
+            }
+            for (const OlePropertyValue& value : elements.values) text += shown(value) + ",";
+            return text + "]";
+        }
+    };
+    return value.isDamaged ? "damaged" : std::visit(Shower(), value.content);
+}
+
+TEST(OleSummaryInformation, readsValuesOfEveryTypeInTheirOwnWidth) {
+    for (const bool littleEndian : {true, false}) {
+        const PropertyWriter w{littleEndian};
+        const auto vector = [&w](std::uint32_t type, std::uint32_t count, const std::string& elements) {
+            return w.number(0x1000 | type) + w.number(count) + elements;
+        };
+        const auto string = [&w](const std::string& bytes) { return w.number(bytes.size()) + bytes; };
+        const std::string nul(1, '\0'), pad2(2, '\0');
+        const std::string large =
+            w.number(0x10000) + w.number(0);  // four such dimensions are 2^64 elements, 0 in 64 bits
+        const struct {
+            std::string stored, shown;
+        } rows[] = {
+            {w.number(0), "-"},
+            {w.number(1), "-"},
+            {w.number(2) + w.number(0xFFFE, 2) + "xx", "i-2"},
+            {w.number(3) + w.number(0xFFFFFFFE), "i-2"},
+            {w.number(4) + w.number(0xC0200000), "d-2.500000"},
+            {w.number(5) + w.number(0x4029000000000000, 8), "d12.500000"},
+            {w.number(6) + w.number(static_cast<std::uint64_t>(-12345), 8), "i-12345"},
+            {w.number(7) + w.number(0x40E5180000000000, 8), "d43200.000000"},
+            {w.number(8) + string("b" + nul), "sb"},
+            {w.number(10) + w.number(0x80004005), "u2147500037"},
+            {w.number(11) + w.number(0xFFFF, 2), "true"},
+            {w.number(11) + w.number(0, 2) + "xx", "false"},
+            {w.number(14) + w.number(0, 2) + "\x02\x80" + w.number(1) + w.number(5, 8), "s-184467440737095516.21"},
+            {w.number(14) + w.number(0, 2) + "\x03" + nul + w.number(0) + w.number(7, 8), "s0.007"},
+            {w.number(14) + w.number(0, 2) + "\x1D" + nul + w.number(0) + w.number(7, 8), "damaged"},
+            {w.number(16) + "\xFE", "i-2"},
+            {w.number(17) + "\xFE", "u254"},
+            {w.number(18) + w.number(0xFFFE, 2), "u65534"},
+            {w.number(19) + w.number(0xFFFFFFFE), "u4294967294"},
+            {w.number(20) + w.number(static_cast<std::uint64_t>(-2), 8), "i-2"},
+            {w.number(21) + w.number(static_cast<std::uint64_t>(-2), 8), "u18446744073709551614"},
+            {w.number(22) + w.number(0xFFFFFFFE), "i-2"},
+            {w.number(23) + w.number(0xFFFFFFFE), "u4294967294"},
+            {w.text("\xC6"), "s\xD0\x96"},
+            {w.wideText(u"\u65E5"), "s\xE6\x97\xA5"},
+            {w.number(64) + w.number(2) + w.number(1), "u4294967298"},
+            {w.number(65) + string("a" + nul + "b"), "ba" + nul + "b"},
+            {w.number(66) + string("prop1" + nul), "sprop1"},
+            {w.number(70) + string("x"), "bx"},
+            {w.number(71) + string("FMT.data"), "bFMT.data"},
+            {w.number(72) + w.classId(1), "c1."},
+            {w.number(73) + w.classId(1) + string("prop2"), "sprop2"},
+            {vector(2, 3, w.number(1, 2) + w.number(2, 2) + w.number(0xFFFF, 2)), "[i1,i2,i-1,]"},
+            {vector(17, 3, "abc"), "babc"},
+            {vector(11, 2, w.number(1, 2) + w.number(0, 2)), "[true,false,]"},
+            {vector(30, 2, string("a") + pad2 + nul + string("bcde")), "[sa,sbcde,]"},
+            {vector(30, 2, string("a") + string("bcde")), "[sa,sbcde,]"},
+            {vector(30, 2, string("a") + "xyz" + string("bcde")), "[sa,sbcde,]"},
+            {vector(31, 2, w.wideText(u"ab").substr(4) + w.wideText(u"c").substr(4)), "[sab,sc,]"},
+            {vector(12, 4,
+                    w.number(30) + string("Title" + nul) + w.number(3) + w.number(1) + w.number(2) + w.number(7, 2) +
+                        pad2 + w.number(0)),
+             "[sTitle,i1,i7,-,]"},
+            {w.number(0x2003) + w.number(3) + w.number(2) + w.number(2) + w.number(1) + w.number(1) + w.number(-1) +
+                 w.number(8) + w.number(9),
+             "[2@1 1@-1 i8,i9,]"},
+            {w.number(0x2003) + w.number(2) + w.number(1) + w.number(1) + w.number(0) + w.number(8), "damaged"},
+            {w.number(0x2003) + w.number(3) + w.number(4) + large + large + large + large, "damaged"},
+            {vector(3, 0, ""), "[]"},
+            {vector(0, 1, ""), "damaged"},
+            {vector(2, 0xFFFFFFFF, w.number(1)), "damaged"},
+            {vector(12, 1, vector(3, 1, w.number(1))), "damaged"},
+            {w.number(12) + w.number(3) + w.number(1), "damaged"},
+            {w.number(9) + w.number(1), "damaged"},
+            {w.number(0x3003) + w.number(1), "damaged"},
+            {w.number(0x10003) + w.number(1), "damaged"},
+            {w.number(30) + w.number(5) + "four", "damaged"},
+            {w.number(65) + w.number(0xFFFFFFFF) + "four", "damaged"},
+            {w.number(21) + "seven b", "damaged"},
+        };
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.shown + testing::PrintToString(row.stored));
+            // The last value of the last section: nothing follows it.
+            Document document("", w.set({w.section({{1, w.number(2) + w.number(1251, 2) + pad2}, {77, row.stored}})}));
+            OleSummaryInformation information;
+            EXPECT_EQ(information.initDocumentSummaryInformation(&document.file), 1);
+            const auto value = information.readProperty(77);
+            ASSERT_TRUE(value);
+            EXPECT_EQ(shown(*value), row.shown);
+            EXPECT_EQ(information.readProperties().at(1).value, *value);
+        }
+    }
+}
+
+TEST(OleSummaryInformation, namesThePropertiesOfTheUser) {
+    const PropertyWriter w;
+    const auto wide = [&w](const std::u16string& text) {
+        std::string units;
+        for (const char16_t unit : text) units += w.number(unit, 2);
+        return units + std::string(2, '\0');
+    };
+    const std::string wideNames = w.number(2) + w.number(2) + w.number(3) + wide(u"\u65E5a") + std::string(2, '\0') +
+                                  w.number(3) + w.number(2) + wide(u"b");
+    Document document(
+        "", w.set({w.section({{1, w.integer(0xFDE9, 2)}, {2, w.text("\xE6\x97\xA5")}}),
+                   w.section({{0, w.dictionary({{2, "\xC3\xA9"}, {3, "E"}, {3, "second"}, {9, "none"}, {0, "self"}})},
+                              {2, w.text("\xC3\xA9")},
+                              {3, w.integer(3)},
+                              {4, w.integer(4)}}),
+                   w.section({{0, wideNames},
+                              {1, w.integer(1200, 2)},
+                              {2, w.number(30) + w.number(6) + wide(u"\u672C\u8A9E")},
+                              {3, w.integer(5)}})}));
+    OleSummaryInformation information;
+    ASSERT_EQ(information.initDocumentSummaryInformation(&document.file), 1);
+    std::string list;
+    for (const OleProperty& property : information.readProperties()) {
+        list += std::to_string(property.id) + (property.isNamed ? "=" : ":") + LumTest::utf8(property.name) + " " +
+                shown(property.value) + "\n";
+    }
+    EXPECT_EQ(list,
+              "1: i65001\n2: s\xE6\x97\xA5\n2=\xC3\xA9 s\xC3\xA9\n3=E i3\n4= i4\n1= i1200\n"
+              "2=\xE6\x97\xA5"
+              "a s\xE6\x9C\xAC\xE8\xAA\x9E\n3=b i5\n");
+    EXPECT_EQ(information.readProperties().at(0).formatId, information.getSections().at(0).formatId);
+    const auto named = [&information](const char16_t* name) {
+        const auto value = information.readProperty(UnicodeString(name));
+        return value ? shown(*value) : "none";
+    };
+    EXPECT_EQ(named(u"E"), "i3");
+    EXPECT_EQ(named(u"\u00C9"), "s\xC3\xA9") << "in another case";
+    EXPECT_EQ(named(u"\u65E5A"), "s\xE6\x9C\xAC\xE8\xAA\x9E") << "in another case and of another code page";
+    EXPECT_EQ(named(u"second") + named(u"none") + named(u"self") + named(u""), "nonenonenonenone");
+    EXPECT_EQ(shown(information.readProperty(2u).value()), "s\xE6\x97\xA5") << "not that of the user";
+    EXPECT_FALSE(information.readProperty(0u) || information.readProperty(3u));
+}
+
+TEST(OleSummaryInformation, readsSharedValuesFourTimesAtMost) {
+    const PropertyWriter w;
+    PropertyWriter::Properties properties(500, {2, ""});
+    properties.back().second = w.number(65) + w.number(5000) + std::string(5000, 'x');
+    Document document(w.set({w.section(properties)}));  // all of them at the place of the last one
+    OleSummaryInformation information;
+    ASSERT_EQ(information.initSummaryInformation(&document.file), 1);
+    std::size_t held = 0;
+    for (const OleProperty& property : information.readProperties()) {
+        if (const auto* bytes = std::get_if<OlePropertyBytes>(&property.value.content)) held += bytes->size();
+    }
+    EXPECT_GE(held, 5000u);
+    EXPECT_LE(held, 4u * 9100);
+
+    constexpr std::uint32_t count = 600000;
+    const std::string numbers = w.number(0x1002) + w.number(count) + std::string(2 * count, 'x');
+    Document many(w.set({w.section({{2, ""}, {3, numbers}, {4, w.integer(1)}})}));
+    OleSummaryInformation other;
+    ASSERT_EQ(other.initSummaryInformation(&many.file), 1);
+    const std::vector<OleProperty> all = other.readProperties();
+    EXPECT_FALSE(all.at(0).value.isDamaged);
+    EXPECT_TRUE(all.at(1).value.isDamaged) << "elements are not counted in all";
+    EXPECT_EQ(shown(all.at(2).value), "i1");
 }
 
 TEST(OleSummaryInformation, readsPrimitiveFieldsAtThePosition) {

@@ -110,6 +110,9 @@ def check_file_names():
     expect("the name is decoded", len(events("a%20b #1.xml")), 3)
     expect("an entity beside the document", events("in/doc.xml")[1]["text"], "beside")
     expect("a URI that is no file's name", len(events(f"file://{str(FOLDER).replace(' ', '%20')}/a%2520b #1.xml")), 3)
+    write("\u00e9.xml", "<a/>")
+    expect("escapes of UTF-8, on this machine",
+           len(events(f"file://localhost{str(FOLDER).replace(' ', '%20')}/%C3%A9.xml")), 3)
     prints("the name of the output is decoded", ["save", "in/doc.xml", "c%41 d.xml"], "")
     expect("output", (FOLDER / "c%41 d.xml").exists(), True)
     prints("cat decodes the name", ["cat", "a%20b #1.xml"], "<a/>")

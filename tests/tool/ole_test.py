@@ -20,6 +20,7 @@ FOLDER = pathlib.Path(TEMPORARY.name)
 GSF = shutil.which("gsf")
 ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8"}
 # The names that gsf has for properties, and the numbers of the same.
+TIMES = {"meta:creation-date": 12, "dc:date": 13}
 NUMBERS = {"msole:codepage": 1, "dc:title": 2, "dc:subject": 3, "dc:creator": 4, "dc:keywords": 5, "dc:description": 6,
            "gsf:last-saved-by": 8, "meta:editing-cycles": 9, "gsf:page-count": 14, "gsf:word-count": 15,
            "gsf:character-count": 16, "meta:generator": 18, "gsf:security": 19}
@@ -64,9 +65,12 @@ def check_small_file():
     expect("cat", run("ole", "cat", "a b.xls", "workbook").stdout, data)
     expect("cat in a storage, from a pipe", run("ole", "cat", "-", "\u65e5\u672c", "\5IN IT", stdin=content).stdout, b"abc")
     expect("kind", json.loads(run("kind", "a b.xls").stdout)["ole"], 2)
+    loose = content[:68] + b"\xff" * 4 + content[72:]
+    expect("kind of a file without list of FAT sectors, as -1", json.loads(run("kind", "-", stdin=loose).stdout)["ole"], 2)
+    expect("names in it", run("ole", "list", "-", stdin=loose).stdout, done.stdout)
     expect("kind of another file", json.loads(run("kind", "-", stdin=b"<a/>").stdout)["ole"], 0)
     expect("props without property sets", run("props", "a b.xls").stdout.decode(),
-           '{"title":"","subject":"","author":"","keywords":"","properties":{},"hyperlinks":[]}\n')
+           '{"title":"","subject":"","author":"","keywords":"","properties":{},"document":{},"user":{},"hyperlinks":[]}\n')
     (FOLDER / "cut").write_bytes(content[:-2000])
     rows = [
         ("no such file", ["ole", "list", "none"], b"lum: error 0x1003: Cannot open file: none\n"),
@@ -122,6 +126,12 @@ def check_document(path, judged):
     if "1" in expected:
         expected["1"] = str(int(expected["1"]) % 65536)  # gsf shows UTF-8 as a negative number
     expect(f"{path.name}: other properties than by gsf", {k: str(v) for k, v in numbered.items() if k in expected}, expected)
+    expect(f"{path.name}: other times than by gsf", {k: numbered.get(str(n)) for k, n in TIMES.items()},
+           {k: next((row[2] for row in rows if row[:2] == ("property", k)), None) for k in TIMES})
+    shown = {"Due": str, "Company": str, "Final": lambda flag: str(flag).upper(), "Price": "{:.6f}".format}
+    named = {k: shown.get(k, str)(v) for k, v in properties["user"].items() if not k.startswith("_PID")}
+    judged_names = {row[1]: row[2] for row in rows if row[0] == "property" and ":" not in row[1]}
+    expect(f"{path.name}: other properties of the user's than by gsf", named, judged_names)
     links = judged.with_name(path.name + ".links.tsv")
     if links.exists():
         expect(f"{path.name}: other links than written", properties["hyperlinks"],

@@ -142,7 +142,13 @@ def check_kind():
     damaged = io.BytesIO()
     with zipfile.ZipFile(damaged, "w") as archive:
         archive.writestr("_rels/.rels", "<Relationships")
+    strict = io.BytesIO()
+    with zipfile.ZipFile(DATA / "office.docx") as package, zipfile.ZipFile(strict, "w") as archive:
+        for name in package.namelist():
+            archive.writestr(name, package.read(name).replace(b"http://schemas.openxmlformats.org/officeDocument/2006",
+                                                              b"http://purl.oclc.org/ooxml/officeDocument"))
     rows = [
+        ("Strict package", strict.getvalue(), kind(zip=True, ooxml=1)),
         ("archive", (DATA / "office.odt").read_bytes(), kind(zip=True)),
         ("empty archive", b"PK\5\6" + bytes(18), kind(zip=True)),
         ("package", (DATA / "office.docx").read_bytes(), kind(zip=True, ooxml=1)),

@@ -2,6 +2,7 @@
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/streams/JZIOobj.h>
 #include <lumcommon/streams/LumGzipStream.h>
 
 #include "Command.h"
@@ -24,10 +25,19 @@ void describe(Syntax& syntax, Arguments& arguments) {
 /// The kind of office document, 0 also for a package that cannot be read.
 int officeKindOf(std::istream& in) {
     try {
-        return LumZipFile::detectOOXDocument(&in);
+        LumZipFile package(&in, false);
+        package.setAcceptsStrictPackages(true);
+        return package.detectOOXDocument();
     } catch (const LumError&) {
         return 0;
     }
+}
+
+int oleKindOf(std::istream& in) {
+    JZStreamIOobj io(&in);
+    OleCompFile file;
+    file.setAcceptsLooseFiles(true);
+    return file.OLEopen(&io) ? file.getDocumentKind() : 0;
 }
 
 /// The root of an XML document, null for what is none.
@@ -52,7 +62,7 @@ void run(const Arguments& arguments) {
     const std::unique_ptr<std::istream> in = openInput(arguments.file);
     Json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
     kind.add("ooxml", officeKindOf(*in));
-    kind.add("ole", OleCompFile::detectOLEDocument(rewound(*in)));
+    kind.add("ole", oleKindOf(rewound(*in)));
     kind.add("gzip", LumGzipStreamBuf::checkHeader(rewound(*in)));
     LumGzipStream content(rewound(*in));  // what is not gzip passes through
     kind.add("root", rootOf(content));

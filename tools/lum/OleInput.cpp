@@ -10,6 +10,7 @@ namespace lum {
 using namespace LumCommon;
 
 OleInput::OleInput(const std::string& file) : in_(openInput(file)), io_(in_.get()) {
+    file_.setAcceptsLooseFiles(true);
     if (!file_.OLEopen(&io_)) {
         throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, fromArgument(file));
     }

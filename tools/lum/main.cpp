@@ -52,6 +52,7 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     std::setlocale(LC_ALL, "");
     std::ios_base::sync_with_stdio(false);
+    LumCommon::LumUri::setFindsForeignFileUris(true);
     LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
     const int result = run(argc, argv);
     LumCommon::LumNameTable::releaseSharedNameTable();

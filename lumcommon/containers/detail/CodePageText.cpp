@@ -22,6 +22,11 @@ bool setUp(CConvContext& context, const std::string& charset) {
 
 }  // namespace
 
+std::string charsetOfCodePage(unsigned codePage) {
+    constexpr unsigned utf8 = 65001;
+    return codePage == utf8 ? "UTF-8" : "cp" + std::to_string(codePage);
+}
+
 UnicodeString fromCodePage(std::string_view bytes, const std::string& charset) {
     Conversion conversion;
     CConvContext& context = conversion.context;

@@ -7,6 +7,9 @@
 
 namespace LumCommon::detail {
 
+/// The charset of a Windows code page by its number: "UTF-8" for 65001, else "cpNNN".
+std::string charsetOfCodePage(unsigned codePage);
+
 /// The text of bytes in a charset, up to its first U+0000. A name of the form "cpNNN" means the Windows code page of
 /// that number where there is one. Malformed bytes become U+FFFD; an unknown charset is read as ISO 8859-1.
 UnicodeString fromCodePage(std::string_view bytes, const std::string& charset);

@@ -1,0 +1,30 @@
+// Tells the properties that the user gave a document in a compound file:  properties FILE
+// [properties]
+#include <lumcommon/lumcommon.h>
+
+#include <iostream>
+#include <variant>
+
+using namespace LumCommon;
+
+static std::string utf8(const UnicodeString& text) {
+    std::string bytes;
+    return text.toUTF8String(bytes);
+}
+
+int main(int, char* argv[]) {
+    OleCompFile file;
+    if (!file.OLEopen(argv[1])) return 1;
+    OleSummaryInformation information;
+    information.initDocumentSummaryInformation(&file);
+    for (const OleProperty& property : information.readProperties()) {
+        if (property.name.isEmpty()) continue;  // one of those that every program numbers alike
+        const OlePropertyValue::Content& content = property.value.content;
+        std::cout << utf8(property.name) << " of type " << property.value.type;
+        if (const auto* text = std::get_if<UnicodeString>(&content)) std::cout << ": " << utf8(*text);
+        if (const auto* number = std::get_if<double>(&content)) std::cout << ": " << *number;
+        if (const auto* flag = std::get_if<bool>(&content)) std::cout << ": " << (*flag ? "yes" : "no");
+        std::cout << '\n';
+    }
+}
+// [properties]
