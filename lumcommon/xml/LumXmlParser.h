@@ -125,7 +125,8 @@ public:
 
     virtual EventType getEventType() const = 0;
     /// The next tag or run of text: adjacent character data is one event, references are expanded, comments,
-    /// processing instructions, the document type declaration and white space outside the root are passed over.
+    /// processing instructions, the document type declaration and white space outside the root are passed over, and so
+    /// is what makes no event at all: marked sections other than CDATA, and wrong markup that a callback has accepted.
     virtual EventType next() = 0;
     /// The next token, each as its own event.
     virtual EventType nextToken() = 0;

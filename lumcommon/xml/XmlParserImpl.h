@@ -170,7 +170,10 @@ private:
     TokenState whatsNext();
     EventType startDocument();
     bool endsText(TokenState following);
-    bool readToken();  // false at the end of the input
+    // `isTextPending`: next() holds text, which a construct that makes no event joins with the text after it. Such a
+    // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
+    EventType readEvent(bool isTextPending);
+    bool readToken(bool isTextPending);  // false at the end of the input
     void parseStartTag();
     void parseAttributes();
     void parseAttribute();
