@@ -234,7 +234,7 @@ private:
     void readDeclUntil(const IsEnd& isEnd);
     bool isIgnoreSection() const;
     void skipIgnoreSection();
-    void readParameterReference(bool isUndefinedIgnored);
+    void readParameterReference(bool isInDeclaration);
     bool readDeclSpace();
     LumName readDeclName();
     void requireDeclSpace(const UnicodeString& after);
