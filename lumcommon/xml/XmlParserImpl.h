@@ -178,7 +178,7 @@ private:
     void parseAttributes();
     void parseAttribute();
     void finishStartTag();
-    void bindRootNamespaces();
+    void bindRootNamespaces(LumName localName);
     void resolveAttributes();
     void parseEndTag();
     bool parseEndTagFast();
