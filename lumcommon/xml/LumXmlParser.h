@@ -75,7 +75,8 @@ public:
     /// The same for a resource that the parser opens, and decompresses when it is compressed with gzip. An empty base
     /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened.
     virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
-    /// Lets go of the input; streams that the parser opened are closed.
+    /// Lets go of the input; streams that the parser opened are closed. Position, base and encoding that are told from
+    /// then on are those of the document, also when an external entity was being read.
     virtual void closeStream() = 0;
     /// The encoding as declared or recognised.
     virtual UnicodeString getInputEncoding() const = 0;

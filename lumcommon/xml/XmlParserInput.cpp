@@ -165,6 +165,8 @@ void XmlParserImpl::loadPredefinedEntities() {
 }
 
 void XmlParserImpl::closeStream() {
+    // What stays is the place in the document, like the rest of the state; entities that are open are left.
+    while (frameCount_ > 1) popFrame();
     rememberPosition();
     closeFrames();
 }

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "support/ExpectError.h"
+#include "support/ResourceLibrary.h"
 #include "support/XmlEvents.h"
 
 namespace {
@@ -166,6 +167,19 @@ TEST(LumXmlParserInput, letsGoOfTheStreamWhenToldTo) {
     // The stream is gone. What had been looked at may still come; then the input ends in the open element.
     expectError(0x1801, "Missing end tag.\nSTART_TAG, Line 1, Col 2.", "LumCommon::XmlParserImpl",
                 [&] { parser->next(); });
+}
+
+TEST(LumXmlParserInput, isBackInTheDocumentWhenClosedInAnEntity) {
+    ResourceLibrary library;
+    library.add("x.ent", "\n\n<b c='&y;'/>");
+    PieceStream in("<!DOCTYPE a [<!ENTITY x SYSTEM 'x.ent'>]>\n<a>&x;</a>");
+    const LumPtr<LumXmlParser> parser = openParser(in, {.baseUri = library.getBase(), .entities = {{"y", "z"}}});
+    for (const char* event : {"START_TAG 1 a", "TEXT 1 \"\\u000A\\u000A\" ws", "START_TAG 2 b c=\"z\" /"}) {
+        parser->next();
+        EXPECT_EQ(describe(*parser), event);
+    }
+    parser->closeStream();
+    EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + library.getBase() + "', Line 2, Col 6.");
 }
 
 /// A file that is removed again.
