@@ -128,8 +128,9 @@ private:
     using EntityMap = std::unordered_map<LumName, UnicodeString>;
 
     // Input (XmlParserInput.cpp)
-    void startInput(std::istream* in, bool ownsStream, const UnicodeString& encoding, const UnicodeString& systemId,
-                    const UnicodeString& baseUri);
+    std::unique_ptr<detail::XmlInput> prepareInput(const UnicodeString& encoding);  // in place of the one before
+    void startInput(std::unique_ptr<detail::XmlInput> input, std::istream* in, bool ownsStream,
+                    const UnicodeString& systemId, const UnicodeString& baseUri);
     void reset();
     void loadPredefinedEntities();
     void checkStream(std::istream& in) const;

@@ -217,6 +217,8 @@ const ExternalRow externalRows[] = {
     {"a version is refused", "<?xml version='1.0' encoding = \"UTF-8\" ?>\xC3\xA9", "<a>[\xC3\xA9]y</a>"},
     {"a charset is not converted", "<?xml version='1.0' encoding='Shift_JIS'?>\x95\x5C", "<a>[\xE8\xA1\xA8]y</a>"},
     {"the mark is not seen", std::string("\xFF\xFE\xE9\0x\0", 6), "<a>[\xC3\xA9x]y</a>"},
+    {"a declared charset overrules the mark, or is refused", "\xEF\xBB\xBF<?xml encoding='windows-1252'?>\xC3\xA9",
+     "<a>[\xC3\xA9]y</a>"},
     {"an instruction is taken for the declaration", "<?xmlx y?>z", "<a>[z]y</a>"},
     {"a short entity is lost", "<?p", "<a>!182C"},
     {"= may be absent", "<?xml encoding 'UTF-8'?>", "<a>!1823"},

@@ -221,6 +221,9 @@ TEST(LumXmlParserInput, saysWhatItCannotOpen) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     expectError(0x1003, "Cannot open file: " + uri, "LumCommon::XmlParserImpl::setInput",
                 [&] { parser->setInput(fromUtf8(uri), UnicodeString(), UnicodeString()); });
+    parser->setFeature(LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY, true);
+    expectParserError(0x1835, "Unknown or unsupported encoding: EUC-JP.", "START_DOCUMENT.",
+                      [&] { parser->setInput(fromUtf8(uri), u"EUC-JP", UnicodeString()); });
     const TempFile empty("");
     expectError(0x1004, "Unexpected end of input stream.", checkStream,
                 [&] { parser->setInput(fromUtf8(empty.getUri()), UnicodeString(), UnicodeString()); });

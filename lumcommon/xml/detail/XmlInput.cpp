@@ -44,11 +44,7 @@ private:
     std::vector<unsigned char> block_;
 };
 
-XmlInput::XmlInput(std::istream* stream, bool ownsStream)
-    : stream_(stream),
-      ownsStream_(ownsStream),
-      bytes_(blockBytes),
-      window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
+XmlInput::XmlInput() : bytes_(blockBytes), window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
     counted_ = window_.get() + putBackUnits;
 }
 
@@ -56,7 +52,17 @@ XmlInput::~XmlInput() {
     if (ownsStream_) delete stream_;
 }
 
+void XmlInput::setStream(std::istream* stream, bool ownsStream) noexcept {
+    stream_ = stream;
+    ownsStream_ = ownsStream;
+}
+
 bool XmlInput::convertFrom(const UnicodeString& charset) {
+    if (!isDetected_) {
+        if (!isCharset(charset)) return false;
+        givenCharset_ = charset;
+        return true;
+    }
     std::string name;
     charset.toUTF8String(name);
     auto remainder = std::make_unique<Remainder>(*stream_, bytes_.data() + byteStart_, bytes_.data() + byteEnd_);
@@ -233,7 +239,24 @@ bool XmlInput::detectByMark(XmlCursor& cursor, int first) {
     return true;
 }
 
+bool XmlInput::startsWithMark() {
+    switch (peekByte(0)) {
+        case 0x00:
+            return peekByte(1) == 0x00 && peekByte(2) == 0xFE && peekByte(3) == 0xFF;
+        case 0xEF:
+            return peekByte(1) == 0xBB && peekByte(2) == 0xBF;
+        case 0xFE:
+            return peekByte(1) == 0xFF;
+        case 0xFF:
+            return peekByte(1) == 0xFE;
+        default:
+            return false;
+    }
+}
+
 bool XmlInput::detectEncoding(XmlCursor& cursor) {
+    isDetected_ = true;
+    if (!givenCharset_.isEmpty() && !startsWithMark()) convertFrom(givenCharset_);
     const int first = peekByte(0);
     switch (first) {
         case 0x00:
