@@ -76,7 +76,8 @@ public:
     /// @param in        must outlive the parsing; stays the caller's. It is read in blocks, as far as it has data.
     /// @param encoding  the encoding if it is known from outside, else empty.
     /// @param baseUri   what relative references in the document are resolved against.
-    /// Errors: 0x1004 for an empty input, 0x1006 for a failed one.
+    /// Errors: 0x1004 for an empty input, 0x1006 for a failed one; also for a stream that is set to throw by itself.
+    /// 0x1835 for an unknown encoding, before the stream is looked at.
     virtual void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// The same for a resource that the parser opens, and decompresses when it is compressed with gzip. An empty base
     /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened; an unknown

@@ -9,6 +9,8 @@
 
 #include <unicode/locid.h>
 
+#include <cxxabi.h>
+
 #include <algorithm>
 
 // The input side of the parser: opening and closing inputs, encodings, the stack of frames.
@@ -115,7 +117,13 @@ void XmlParserImpl::startInput(std::unique_ptr<XmlInput> input, std::istream* in
 }
 
 void XmlParserImpl::checkStream(std::istream& in) const {
-    if (in.good()) in.peek();
+    try {
+        if (in.good()) in.peek();
+    } catch (const abi::__forced_unwind&) {
+        throw;  // the thread is being cancelled
+    } catch (...) {
+        // A stream that is set to throw tells by its state too what is wrong.
+    }
     if (in.fail() && !in.eof()) {
         throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
     }

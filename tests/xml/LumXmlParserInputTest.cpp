@@ -62,9 +62,29 @@ TEST(LumXmlParserInput, refusesEmptyAndFailedStreams) {
     broken.setstate(std::ios::badbit);
     expectError(0x1006, "Input stream error.", checkStream,
                 [&] { parser->setInput(broken, UnicodeString(), UnicodeString()); });
+    for (const auto exceptions : {std::ios::eofbit, std::ios::failbit, std::ios::badbit}) {
+        PieceStream throwing("");
+        throwing.exceptions(exceptions);
+        expectError(0x1004, "Unexpected end of input stream.", checkStream,
+                    [&] { parser->setInput(throwing, UnicodeString(), UnicodeString()); });
+        PieceStream failing("<a/>");
+        failing.getBuffer().failAfter(0);
+        failing.exceptions(exceptions);
+        expectError(0x1006, "Input stream error.", checkStream,
+                    [&] { parser->setInput(failing, UnicodeString(), UnicodeString()); });
+    }
     PieceStream good("<a/>");
     parser->setInput(good, UnicodeString(), UnicodeString());
     EXPECT_EQ(parser->next(), LumXmlParser::START_TAG);
+}
+
+TEST(LumXmlParserInput, doesNotThrowAgainWhatTheStreamHasThrown) {
+    PieceStream in("<a><b/></a>", 1);
+    const LumPtr<LumXmlParser> parser = openParser(in);
+    parser->next();
+    in.exceptions(std::ios::badbit);
+    EXPECT_THROW(in.setstate(std::ios::badbit), std::ios::failure);
+    EXPECT_THROW(parser->next(), LumError);
 }
 
 // A stream that breaks in the middle ends there; what it throws stays inside.

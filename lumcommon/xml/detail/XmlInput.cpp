@@ -14,6 +14,12 @@ constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-
 constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
 constexpr std::size_t slackUnits = 16;     // so that scanners may load whole vectors
 
+/// Leaves the state that an extraction would leave, except where the stream is set to throw for it: there it has not
+/// failed.
+void setState(std::istream& in, std::ios::iostate bits) {
+    if (!(in.exceptions() & (in.rdstate() | bits))) in.setstate(bits);
+}
+
 }  // namespace
 
 /// Hands out the bytes that were read before the charset was known, then the rest of the stream.
@@ -105,12 +111,11 @@ bool XmlInput::fillBytes() {
         throw;  // the thread is being cancelled
     } catch (...) {
         // As with every extraction from a stream: what its buffer throws ends the input.
-        if (!(in->exceptions() & std::ios::badbit)) in->setstate(std::ios::badbit);
+        setState(*in, std::ios::badbit);
     }
     if (count <= 0) {
         isAtEnd_ = true;
-        // As an extraction would leave it; a stream that is set to throw has not failed here.
-        if (!(in->exceptions() & std::ios::eofbit)) in->setstate(std::ios::eofbit);
+        setState(*in, std::ios::eofbit);
         return false;
     }
     byteEnd_ += static_cast<std::size_t>(count);
