@@ -23,7 +23,8 @@ public:
     static LumPtr<LumXmlSerializer> createXmlSerializer();
 
     /// A parser that stands on the start tag of the root element; null when the input ends before one. It skips
-    /// external DTDs, ignores undefined entities and unsupported encodings and takes undeclared prefixes as they are.
+    /// external DTDs, ignores undefined entities and unsupported encodings and takes undeclared prefixes of attributes
+    /// as their namespaces. An undeclared prefix of an element, the root's too, is error 0x1807.
     /// @param streamType1, streamType2  media type and file extension, for LumXmlParser::setStreamType.
     /// Ownership: `in` stays the caller's and must outlive the parser.
     static LumPtr<LumXmlParser> getRootParser(std::istream& in, const UnicodeString& streamType1 = UnicodeString(),

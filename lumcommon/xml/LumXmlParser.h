@@ -22,6 +22,12 @@ class LumError;
 /// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
 /// the line. Replacement text of entities does not count, nor do the first characters of an input where they served
 /// to recognise its encoding.
+/// Encodings: a byte order mark tells what the bytes are. They are read by it even where the document, the text
+/// declaration of an external entity or the caller names a charset that needs a converter (windows-1252, say), as
+/// converting would only spoil them. Without a mark the zero bytes of UTF-16 and UTF-32 overrule such a declaration,
+/// but not the caller. An XML declaration after a mark that names another one of the built-in encodings is a conflict,
+/// error 0x1839. With a mark too, an unknown name is error 0x1835, and so is every name that is not built in when
+/// FEATURE_BUILTIN_ENCODINGS_ONLY is on.
 /// Borrowed references (texts, values) are valid until the next call of next(), nextToken() or setInput().
 /// Threads: one at a time.
 class LUM_API LumXmlParser : public LumRCObject {
@@ -70,14 +76,18 @@ public:
     /// @param in        must outlive the parsing; stays the caller's. It is read in blocks, as far as it has data.
     /// @param encoding  the encoding if it is known from outside, else empty.
     /// @param baseUri   what relative references in the document are resolved against.
-    /// Errors: 0x1004 for an empty input, 0x1006 for a failed one.
+    /// Errors: 0x1004 for an empty input, 0x1006 for a failed one; also for a stream that is set to throw by itself.
+    /// 0x1835 for an unknown encoding, before the stream is looked at.
     virtual void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// The same for a resource that the parser opens, and decompresses when it is compressed with gzip. An empty base
-    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened.
+    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened; an unknown
+    /// encoding is told first.
     virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
-    /// Lets go of the input; streams that the parser opened are closed.
+    /// Lets go of the input; streams that the parser opened are closed. Position, base and encoding that are told from
+    /// then on are those of the document, also when an external entity was being read.
     virtual void closeStream() = 0;
-    /// The encoding as declared or recognised.
+    /// The encoding of the input being read, as declared, as named by the caller, or as recognised. Where what the
+    /// bytes have shown overrules a charset, it is what was recognised: "UTF-8", "UTF-16" or "UTF-32" after a mark.
     virtual UnicodeString getInputEncoding() const = 0;
     /// Defines a general entity, in place of an earlier definition: for the current document, or, while no input is
     /// open (before setInput() and after END_DOCUMENT), for the next.
@@ -125,7 +135,8 @@ public:
 
     virtual EventType getEventType() const = 0;
     /// The next tag or run of text: adjacent character data is one event, references are expanded, comments,
-    /// processing instructions, the document type declaration and white space outside the root are passed over.
+    /// processing instructions, the document type declaration and white space outside the root are passed over, and so
+    /// is what makes no event at all: marked sections other than CDATA, and wrong markup that a callback has accepted.
     virtual EventType next() = 0;
     /// The next token, each as its own event.
     virtual EventType nextToken() = 0;

@@ -130,7 +130,7 @@ void XmlParserImpl::readDeclaration(const char16_t* what) {
 
 void XmlParserImpl::readDeclarationChar(std::int32_t c, int& nesting) {
     if (c == '%') {
-        readParameterReference(false);
+        readParameterReference(true);
         return;
     }
     if (c == '>' && --nesting == 0) return;
@@ -204,14 +204,18 @@ void XmlParserImpl::skipIgnoreSection() {
     }
 }
 
-void XmlParserImpl::readParameterReference(bool isUndefinedIgnored) {
+void XmlParserImpl::readParameterReference(bool isInDeclaration) {
     const LumName name = readNCName();
-    if (name.isNull()) throwError(XmlError::EntityNameEmpty);
+    if (isInDeclaration && name.isNull()) throwError(XmlError::EntityNameEmpty);
     const std::int32_t c = readChar();
+    if (!isInDeclaration && (name.isNull() || c != ';')) {
+        unreadChar(c);  // between declarations it is text, and what ends it may begin the next declaration
+        return;
+    }
     if (c != ';') throwError(XmlError::EntityRefChar, UnicodeString(u"%").append(name.getString()).append(charText(c)));
     const UnicodeString value = lookupEntityValue(name, true);
     if (value.isBogus()) {
-        if (!isUndefinedIgnored) throwError(XmlError::UndefinedParameterEntity, name.getString());
+        if (isInDeclaration) throwError(XmlError::UndefinedParameterEntity, name.getString());
         return;
     }
     if (parameterEntities_.contains(name) || !parameterExternals_.contains(name)) {
@@ -350,7 +354,7 @@ bool XmlParserImpl::parseExternalDtd(const LumUri& resource, const UnicodeString
         tokenState_ = TOKEN_UNKNOWN;
         switch (next) {
             case TOKEN_TEXT:
-                if (readChar() == '%') readParameterReference(true);
+                if (readChar() == '%') readParameterReference(false);
                 break;
             case TOKEN_PI:
                 parsePiOrXmlDecl();

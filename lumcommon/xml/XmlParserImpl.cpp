@@ -251,7 +251,7 @@ LumXmlParser::EventType XmlParserImpl::startDocument() {
     return eventType_;
 }
 
-bool XmlParserImpl::readToken() {
+bool XmlParserImpl::readToken(bool isTextPending) {
     for (;;) {
         switch (whatsNext()) {
             case TOKEN_START_TAG:
@@ -264,10 +264,10 @@ bool XmlParserImpl::readToken() {
                 parseText();
                 return true;
             case TOKEN_PI:
-                if (parsePiOrXmlDecl()) return true;
+                if (parsePiOrXmlDecl() || isTextPending) return true;
                 break;
             case TOKEN_DECLARATION:
-                if (parseDeclEtc()) return true;
+                if (parseDeclEtc() || isTextPending) return true;
                 break;
             case TOKEN_REFERENCE: {
                 tokenState_ = TOKEN_UNKNOWN;
@@ -283,7 +283,9 @@ bool XmlParserImpl::readToken() {
     }
 }
 
-LumXmlParser::EventType XmlParserImpl::nextToken() {
+LumXmlParser::EventType XmlParserImpl::nextToken() { return readEvent(false); }
+
+LumXmlParser::EventType XmlParserImpl::readEvent(bool isTextPending) {
     text_.truncate(textStart_);
     isTextCached_ = false;
     entityName_ = LumName();
@@ -298,7 +300,7 @@ LumXmlParser::EventType XmlParserImpl::nextToken() {
         } else if (eventType_ == START_DOCUMENT && startDocument() != START_DOCUMENT) {
             return eventType_;
         }
-        if (readToken()) return eventType_;
+        if (readToken(isTextPending)) return eventType_;
     }
     if (getDepth() > 0) throwError(XmlError::MissingEndTag);
     tokenState_ = TOKEN_UNKNOWN;
@@ -316,6 +318,7 @@ bool XmlParserImpl::endsText(TokenState following) {
 
 LumXmlParser::EventType XmlParserImpl::next() {
     text_.clear();
+    bool isTextPending = false;
     for (;;) {
         textStart_ = text_.size();
         if (tokenState_ == TOKEN_REFERENCE && getDepth() > 0) {
@@ -326,10 +329,11 @@ LumXmlParser::EventType XmlParserImpl::next() {
                 isTextCached_ = false;
                 tokenState_ = TOKEN_UNKNOWN;
                 if (endsText(whatsNext())) return TEXT;
+                isTextPending = true;
                 continue;
             }
         }
-        switch (nextToken()) {
+        switch (readEvent(isTextPending)) {
             case START_DOCUMENT:
             case END_DOCUMENT:
             case START_TAG:
@@ -345,10 +349,12 @@ LumXmlParser::EventType XmlParserImpl::next() {
             default:
                 text_.truncate(textStart_);
                 isTextCached_ = false;
-                if (text_.empty()) continue;
+                isTextPending = !text_.empty();
+                if (!isTextPending) continue;
         }
         eventType_ = TEXT;
         if (endsText(whatsNext())) return TEXT;
+        isTextPending = true;
     }
 }
 

@@ -128,8 +128,9 @@ private:
     using EntityMap = std::unordered_map<LumName, UnicodeString>;
 
     // Input (XmlParserInput.cpp)
-    void startInput(std::istream* in, bool ownsStream, const UnicodeString& encoding, const UnicodeString& systemId,
-                    const UnicodeString& baseUri);
+    std::unique_ptr<detail::XmlInput> prepareInput(const UnicodeString& encoding);  // in place of the one before
+    void startInput(std::unique_ptr<detail::XmlInput> input, std::istream* in, bool ownsStream,
+                    const UnicodeString& systemId, const UnicodeString& baseUri);
     void reset();
     void loadPredefinedEntities();
     void checkStream(std::istream& in) const;
@@ -170,12 +171,15 @@ private:
     TokenState whatsNext();
     EventType startDocument();
     bool endsText(TokenState following);
-    bool readToken();  // false at the end of the input
+    // `isTextPending`: next() holds text, which a construct that makes no event joins with the text after it. Such a
+    // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
+    EventType readEvent(bool isTextPending);
+    bool readToken(bool isTextPending);  // false at the end of the input
     void parseStartTag();
     void parseAttributes();
     void parseAttribute();
     void finishStartTag();
-    void bindRootNamespaces();
+    void bindRootNamespaces(LumName localName);
     void resolveAttributes();
     void parseEndTag();
     bool parseEndTagFast();
@@ -231,7 +235,7 @@ private:
     void readDeclUntil(const IsEnd& isEnd);
     bool isIgnoreSection() const;
     void skipIgnoreSection();
-    void readParameterReference(bool isUndefinedIgnored);
+    void readParameterReference(bool isInDeclaration);
     bool readDeclSpace();
     LumName readDeclName();
     void requireDeclSpace(const UnicodeString& after);

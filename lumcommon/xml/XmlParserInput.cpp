@@ -9,6 +9,8 @@
 
 #include <unicode/locid.h>
 
+#include <cxxabi.h>
+
 #include <algorithm>
 
 // The input side of the parser: opening and closing inputs, encodings, the stack of frames.
@@ -82,27 +84,30 @@ bool findEncoding(LumNameEnum name, XmlEncoding& current) {
 }  // namespace
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    startInput(&in, false, encoding, UnicodeString(), baseUri);
+    startInput(prepareInput(encoding), &in, false, UnicodeString(), baseUri);
 }
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) {
+    std::unique_ptr<XmlInput> input = prepareInput(encoding);
     const LumUri resource(uri);
     std::unique_ptr<std::istream> in = detail::openInput(resource);
-    if (!in) {
-        closeStream();
-        reset();
-        throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
-    }
+    if (!in) throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
     const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    startInput(in.release(), true, encoding, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
+    const UnicodeString base = isBaseFromUri ? resource.getBaseString() : baseUri;
+    startInput(std::move(input), in.release(), true, uri, base);
 }
 
-void XmlParserImpl::startInput(std::istream* in, bool ownsStream, const UnicodeString& encoding,
-                               const UnicodeString& systemId, const UnicodeString& baseUri) {
-    auto input = std::make_unique<XmlInput>(in, ownsStream);
+std::unique_ptr<XmlInput> XmlParserImpl::prepareInput(const UnicodeString& encoding) {
+    auto input = std::make_unique<XmlInput>();
     closeStream();
     reset();
     setEncoding(*input, encoding);
+    return input;
+}
+
+void XmlParserImpl::startInput(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream,
+                               const UnicodeString& systemId, const UnicodeString& baseUri) {
+    input->setStream(in, ownsStream);
     systemId_ = systemId;
     baseUri_ = baseUri;
     input->systemId = systemId;
@@ -112,7 +117,13 @@ void XmlParserImpl::startInput(std::istream* in, bool ownsStream, const UnicodeS
 }
 
 void XmlParserImpl::checkStream(std::istream& in) const {
-    if (in.good()) in.peek();
+    try {
+        if (in.good()) in.peek();
+    } catch (const abi::__forced_unwind&) {
+        throw;  // the thread is being cancelled
+    } catch (...) {
+        // A stream that is set to throw tells by its state too what is wrong.
+    }
     if (in.fail() && !in.eof()) {
         throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
     }
@@ -165,6 +176,8 @@ void XmlParserImpl::loadPredefinedEntities() {
 }
 
 void XmlParserImpl::closeStream() {
+    // What stays is the place in the document, like the rest of the state; entities that are open are left.
+    while (frameCount_ > 1) popFrame();
     rememberPosition();
     closeFrames();
 }
@@ -305,12 +318,12 @@ void XmlParserImpl::setEncoding(XmlInput& input, const UnicodeString& name) {
         return;
     }
     const bool isBuiltinOnly = features_[FEATURE_BUILTIN_ENCODINGS_ONLY];
-    // Bytes that have shown a form of Unicode, by a mark or by their order, are in no other charset.
+    // Bytes that have shown a form of Unicode, by a mark or by their order, are in no other charset; converting from
+    // one would only spoil them.
     const bool isFormKnown = input.hasBom || (encoding >= XmlEncoding::Utf16LE && encoding <= XmlEncoding::Utf32BE &&
                                               encoding != XmlEncoding::Utf32Generic);
     if (!isBuiltinOnly && isFormKnown && XmlInput::isCharset(key)) {
         input.encodingName = knownName;
-        if (input.hasBom) throwError(XmlError::EncodingConflict, name);
         return;
     }
     if (!isBuiltinOnly && input.convertFrom(key)) return;
@@ -330,7 +343,8 @@ void XmlParserImpl::pushStream(const UnicodeString& systemId) {
         }
         return;
     }
-    auto input = std::make_unique<XmlInput>(in.release(), true);
+    auto input = std::make_unique<XmlInput>();
+    input->setStream(in.release(), true);
     input->systemId = resource.getLocalPath();
     input->baseUri = resource.isAbsolute() ? resource.getBaseString() : getBaseUri();
     XmlInput& opened = *input;

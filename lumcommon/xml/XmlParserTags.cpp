@@ -163,7 +163,7 @@ void XmlParserImpl::parseStartTag() {
     viewCount_ = 0;
     parseAttributes();
     finishStartTag();
-    if (getDepth() == 1) bindRootNamespaces();
+    if (getDepth() == 1) bindRootNamespaces(localName);
     const LumName namespaceUri = namespaces_->lookupNamespace(prefix);
     if (!rootSeen_) rootNamespace_ = namespaceUri;
     if (namespaceUri.isNull() && !prefix.isNull()) throwError(XmlError::UndeclaredPrefix, prefix.getString());
@@ -257,10 +257,10 @@ void XmlParserImpl::finishStartTag() {
     throwError(XmlError::UnexpectedChar, charText(c));
 }
 
-void XmlParserImpl::bindRootNamespaces() {
+void XmlParserImpl::bindRootNamespaces(LumName localName) {
     static constexpr char16_t chart[] = u"http://ns.diagrix.example/names/Diagrix";
-    const bool isSvg = rootName_ == NAME_svg;
-    if (!isSvg && rootName_ != NAME_chart) return;
+    const bool isSvg = localName == NAME_svg;
+    if (!isSvg && localName != NAME_chart) return;
     if (namespaces_->lookupNamespace(LumName()).isNull()) {
         namespaces_->addNamespace(LumName(), LumName(UnicodeString(isSvg ? detail::svgNamespace : chart)));
     }

@@ -163,6 +163,7 @@ const FeatureRow featureRows[] = {
     {"a text declaration without version is taken for an XML declaration", {}, "text.dtd", "!1822"},
     {"the XML declaration's encoding is not used", {}, "latin.dtd", "<a>[\xC3\xA9]</a>"},
     {"an undefined parameter entity is an error outside declarations", {}, "undefined.dtd", "<a>[yes]</a>"},
+    {"a % that begins no reference is an error", {}, "percent.dtd", "<a>[yes]</a>"},
     {"an external parameter entity is not read, or not against the base", {}, "module.dtd", "<a>[yes]</a>"},
     {"definitions that name each other are read for ever", {}, "first.dtd", "!1838"},
 };
@@ -175,6 +176,8 @@ TEST(LumXmlParserDtd, externalDefinition) {
     library.add("text.dtd", "<?xml encoding='UTF-8'?><!ENTITY e 'yes'>");
     library.add("latin.dtd", "<?xml version='1.0' encoding='ISO-8859-1'?><!ENTITY e '\xE9'>");
     library.add("undefined.dtd", "%nothing; text <?p ?><!ENTITY e 'yes'>");
+    library.add("percent.dtd", "<!ENTITY % p ''>100% x % %; %p %p<!ENTITY % m SYSTEM 'percent.mod'>%m;");
+    library.add("percent.mod", "100% x %; %<!ENTITY % q \"<!ENTITY e 'yes'>\">%%p%q; %");
     library.add("module.dtd", "<!ENTITY % m SYSTEM 'x.mod'>%m;");
     library.add("x.mod", "<?xml encoding='UTF-8'?><![INCLUDE[<!ENTITY e 'yes'>]]>");
     library.add("first.dtd", "<!ENTITY % m SYSTEM 'first.dtd'><!ENTITY % n SYSTEM 'second.dtd'>%n;");
@@ -214,6 +217,8 @@ const ExternalRow externalRows[] = {
     {"a version is refused", "<?xml version='1.0' encoding = \"UTF-8\" ?>\xC3\xA9", "<a>[\xC3\xA9]y</a>"},
     {"a charset is not converted", "<?xml version='1.0' encoding='Shift_JIS'?>\x95\x5C", "<a>[\xE8\xA1\xA8]y</a>"},
     {"the mark is not seen", std::string("\xFF\xFE\xE9\0x\0", 6), "<a>[\xC3\xA9x]y</a>"},
+    {"a declared charset overrules the mark, or is refused", "\xEF\xBB\xBF<?xml encoding='windows-1252'?>\xC3\xA9",
+     "<a>[\xC3\xA9]y</a>"},
     {"an instruction is taken for the declaration", "<?xmlx y?>z", "<a>[z]y</a>"},
     {"a short entity is lost", "<?p", "<a>!182C"},
     {"= may be absent", "<?xml encoding 'UTF-8'?>", "<a>!1823"},

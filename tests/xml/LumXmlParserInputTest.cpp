@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "support/ExpectError.h"
+#include "support/ResourceLibrary.h"
 #include "support/XmlEvents.h"
 
 namespace {
@@ -61,9 +62,29 @@ TEST(LumXmlParserInput, refusesEmptyAndFailedStreams) {
     broken.setstate(std::ios::badbit);
     expectError(0x1006, "Input stream error.", checkStream,
                 [&] { parser->setInput(broken, UnicodeString(), UnicodeString()); });
+    for (const auto exceptions : {std::ios::eofbit, std::ios::failbit, std::ios::badbit}) {
+        PieceStream throwing("");
+        throwing.exceptions(exceptions);
+        expectError(0x1004, "Unexpected end of input stream.", checkStream,
+                    [&] { parser->setInput(throwing, UnicodeString(), UnicodeString()); });
+        PieceStream failing("<a/>");
+        failing.getBuffer().failAfter(0);
+        failing.exceptions(exceptions);
+        expectError(0x1006, "Input stream error.", checkStream,
+                    [&] { parser->setInput(failing, UnicodeString(), UnicodeString()); });
+    }
     PieceStream good("<a/>");
     parser->setInput(good, UnicodeString(), UnicodeString());
     EXPECT_EQ(parser->next(), LumXmlParser::START_TAG);
+}
+
+TEST(LumXmlParserInput, doesNotThrowAgainWhatTheStreamHasThrown) {
+    PieceStream in("<a><b/></a>", 1);
+    const LumPtr<LumXmlParser> parser = openParser(in);
+    parser->next();
+    in.exceptions(std::ios::badbit);
+    EXPECT_THROW(in.setstate(std::ios::badbit), std::ios::failure);
+    EXPECT_THROW(parser->next(), LumError);
 }
 
 // A stream that breaks in the middle ends there; what it throws stays inside.
@@ -168,6 +189,19 @@ TEST(LumXmlParserInput, letsGoOfTheStreamWhenToldTo) {
                 [&] { parser->next(); });
 }
 
+TEST(LumXmlParserInput, isBackInTheDocumentWhenClosedInAnEntity) {
+    ResourceLibrary library;
+    library.add("x.ent", "\n\n<b c='&y;'/>");
+    PieceStream in("<!DOCTYPE a [<!ENTITY x SYSTEM 'x.ent'>]>\n<a>&x;</a>");
+    const LumPtr<LumXmlParser> parser = openParser(in, {.baseUri = library.getBase(), .entities = {{"y", "z"}}});
+    for (const char* event : {"START_TAG 1 a", "TEXT 1 \"\\u000A\\u000A\" ws", "START_TAG 2 b c=\"z\" /"}) {
+        parser->next();
+        EXPECT_EQ(describe(*parser), event);
+    }
+    parser->closeStream();
+    EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + library.getBase() + "', Line 2, Col 6.");
+}
+
 /// A file that is removed again.
 class TempFile {
 public:
@@ -207,6 +241,9 @@ TEST(LumXmlParserInput, saysWhatItCannotOpen) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     expectError(0x1003, "Cannot open file: " + uri, "LumCommon::XmlParserImpl::setInput",
                 [&] { parser->setInput(fromUtf8(uri), UnicodeString(), UnicodeString()); });
+    parser->setFeature(LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY, true);
+    expectParserError(0x1835, "Unknown or unsupported encoding: EUC-JP.", "START_DOCUMENT.",
+                      [&] { parser->setInput(fromUtf8(uri), u"EUC-JP", UnicodeString()); });
     const TempFile empty("");
     expectError(0x1004, "Unexpected end of input stream.", checkStream,
                 [&] { parser->setInput(fromUtf8(empty.getUri()), UnicodeString(), UnicodeString()); });

@@ -25,6 +25,7 @@ public:
 
 std::unique_ptr<std::istream> openInput(const LumUri& resource) {
     std::unique_ptr<std::istream> in(resource.getStream());
+    if (in) in->exceptions(std::ios::goodbit);  // a resolver may have set it to throw
     if (!in || in->peek() != gzipFirstByte) {
         // Looking at an empty stream must leave no more trace than opening it.
         if (in && in->eof()) in->clear();

@@ -14,6 +14,12 @@ constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-
 constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
 constexpr std::size_t slackUnits = 16;     // so that scanners may load whole vectors
 
+/// Leaves the state that an extraction would leave, except where the stream is set to throw for it: there it has not
+/// failed.
+void setState(std::istream& in, std::ios::iostate bits) {
+    if (!(in.exceptions() & (in.rdstate() | bits))) in.setstate(bits);
+}
+
 }  // namespace
 
 /// Hands out the bytes that were read before the charset was known, then the rest of the stream.
@@ -44,11 +50,7 @@ private:
     std::vector<unsigned char> block_;
 };
 
-XmlInput::XmlInput(std::istream* stream, bool ownsStream)
-    : stream_(stream),
-      ownsStream_(ownsStream),
-      bytes_(blockBytes),
-      window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
+XmlInput::XmlInput() : bytes_(blockBytes), window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
     counted_ = window_.get() + putBackUnits;
 }
 
@@ -56,7 +58,17 @@ XmlInput::~XmlInput() {
     if (ownsStream_) delete stream_;
 }
 
+void XmlInput::setStream(std::istream* stream, bool ownsStream) noexcept {
+    stream_ = stream;
+    ownsStream_ = ownsStream;
+}
+
 bool XmlInput::convertFrom(const UnicodeString& charset) {
+    if (!isDetected_) {
+        if (!isCharset(charset)) return false;
+        givenCharset_ = charset;
+        return true;
+    }
     std::string name;
     charset.toUTF8String(name);
     auto remainder = std::make_unique<Remainder>(*stream_, bytes_.data() + byteStart_, bytes_.data() + byteEnd_);
@@ -99,12 +111,11 @@ bool XmlInput::fillBytes() {
         throw;  // the thread is being cancelled
     } catch (...) {
         // As with every extraction from a stream: what its buffer throws ends the input.
-        if (!(in->exceptions() & std::ios::badbit)) in->setstate(std::ios::badbit);
+        setState(*in, std::ios::badbit);
     }
     if (count <= 0) {
         isAtEnd_ = true;
-        // As an extraction would leave it; a stream that is set to throw has not failed here.
-        if (!(in->exceptions() & std::ios::eofbit)) in->setstate(std::ios::eofbit);
+        setState(*in, std::ios::eofbit);
         return false;
     }
     byteEnd_ += static_cast<std::size_t>(count);
@@ -233,7 +244,24 @@ bool XmlInput::detectByMark(XmlCursor& cursor, int first) {
     return true;
 }
 
+bool XmlInput::startsWithMark() {
+    switch (peekByte(0)) {
+        case 0x00:
+            return peekByte(1) == 0x00 && peekByte(2) == 0xFE && peekByte(3) == 0xFF;
+        case 0xEF:
+            return peekByte(1) == 0xBB && peekByte(2) == 0xBF;
+        case 0xFE:
+            return peekByte(1) == 0xFF;
+        case 0xFF:
+            return peekByte(1) == 0xFE;
+        default:
+            return false;
+    }
+}
+
 bool XmlInput::detectEncoding(XmlCursor& cursor) {
+    isDetected_ = true;
+    if (!givenCharset_.isEmpty() && !startsWithMark()) convertFrom(givenCharset_);
     const int first = peekByte(0);
     switch (first) {
         case 0x00:

@@ -31,11 +31,14 @@ struct XmlCursor {
 /// character at a time, as an XML declaration can change the decoder for the very next byte.
 class XmlInput {
 public:
-    /// @param ownsStream  whether the stream is deleted with this.
-    XmlInput(std::istream* stream, bool ownsStream);
+    XmlInput();
     ~XmlInput();
     XmlInput(const XmlInput&) = delete;
     XmlInput& operator=(const XmlInput&) = delete;
+
+    /// The stream to read, given once, before anything is read.
+    /// @param ownsStream  whether the stream is deleted with this.
+    void setStream(std::istream* stream, bool ownsStream) noexcept;
 
     /// Recognises the encoding from the first bytes. Characters that had to be read for it are in the window, and do
     /// not count as read.
@@ -53,8 +56,8 @@ public:
     TextPosition getPosition(const XmlCursor& cursor);
     void setPosition(TextPosition position) noexcept { position_ = position; }
 
-    /// Reads what follows in another charset than the decoder knows, through ICU's converters. False, and nothing
-    /// changed, when the charset is unknown.
+    /// Reads what follows in another charset than the decoder knows, through ICU's converters. Before detectEncoding()
+    /// that holds unless a byte order mark comes. False, and nothing changed, when the charset is unknown.
     bool convertFrom(const UnicodeString& charset);
     static bool isCharset(const UnicodeString& name);
     bool isConverted() const noexcept { return converted_ != nullptr; }
@@ -76,14 +79,17 @@ private:
     int peekByte(std::size_t index);
     void pushUncounted(XmlCursor& cursor, char16_t unit);
     void detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken);
+    bool startsWithMark();
     bool detectUtf32OrUtf16BE(XmlCursor& cursor);
     void detectByLessThan(XmlCursor& cursor);
     bool detectByMark(XmlCursor& cursor, int first);
 
-    std::istream* stream_;
+    std::istream* stream_ = nullptr;
     std::unique_ptr<Remainder> remainder_;  // under converted_: bytes read already, then the stream
     std::unique_ptr<LumKobStream> converted_;
-    bool ownsStream_;
+    bool ownsStream_ = false;
+    UnicodeString givenCharset_;  // what convertFrom() was asked for before the first byte
+    bool isDetected_ = false;     // detectEncoding() has looked at the first bytes
     bool isLeashed_ = true;
     bool isAtEnd_ = false;  // the stream has no more bytes
     XmlDecoder decoder_;
