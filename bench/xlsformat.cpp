@@ -2,7 +2,7 @@
 // by patterns of its own, where it has one that means the same.
 
 #include <benchmark/benchmark.h>
-#include <lumcommon/format/XlsFormat.h>
+#include <lumcommon/format/xls/XlsFormat.h>
 #include <unicode/calendar.h>
 #include <unicode/decimfmt.h>
 #include <unicode/smpdtfmt.h>

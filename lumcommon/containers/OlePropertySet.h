@@ -1,35 +1,4 @@
 #pragma once
 
-#include <lumcommon/core/Api.h>
-#include <lumcommon/core/Text.h>
-
-namespace LumCommon {
-
-class OleCompFile;
-
-/// Title, subject, author and keywords of an office document in a compound file.
-///
-///     OlePropertySet properties;
-///     properties.init(&file);
-///     const UnicodeString& title = properties.getTitle();
-///
-/// Threads: init() uses the compound file; after it the strings are the object's own.
-class LUM_API OlePropertySet {
-public:
-    /// Takes the strings from the file's summary information. Those that it does not have stay as they were, which is
-    /// empty at first.   1, or -1 when the file has no summary information or it cannot be read; nothing is thrown.
-    int init(OleCompFile* file);
-
-    const UnicodeString& getTitle() const noexcept { return title_; }
-    const UnicodeString& getSubject() const noexcept { return subject_; }
-    const UnicodeString& getAuthor() const noexcept { return author_; }
-    const UnicodeString& getKeywords() const noexcept { return keywords_; }
-
-private:
-    UnicodeString title_;
-    UnicodeString subject_;
-    UnicodeString author_;
-    UnicodeString keywords_;
-};
-
-}  // namespace LumCommon
+// An address: the class stands in another room of the library.
+#include <lumcommon/containers/office/OlePropertySet.h>

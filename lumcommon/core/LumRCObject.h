@@ -33,9 +33,26 @@ public:
 
     ~LumRCObject() override;
 
+protected:
+    // For classes that hold many objects and release them in an order of their own. The caller deletes the object when
+    // one of these answers true.
+
+    /// Takes the first reference of an object that no other thread can see yet; costs no atomic instruction.
+    void takeFirstRef() noexcept { refCount_ = 1; }
+    /// Gives one reference back. True when it was the last one.
+    bool dropRef() noexcept {
+        // The holder of the only count is alone with the object: nobody can add to a count of 1 but through that
+        // holder.
+        if (std::atomic_ref<int>(refCount_).load(std::memory_order_acquire) == 1) {
+            refCount_ = 0;
+            return true;
+        }
+        return LumMutex::interlockedDecrement(refCount_) < 1;
+    }
+    /// As dropRef(), for an object that no other thread knows of; costs no atomic instruction.
+    bool dropRefUnshared() noexcept { return --refCount_ < 1; }
+
 private:
-    friend class LumNode;           // deleteAllChildNodes releases without atomic instructions
-    friend class LumNamedValueMap;  // releases maps nested in maps without recursion
     mutable int refCount_ = 0;
 };
 

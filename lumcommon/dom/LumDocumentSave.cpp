@@ -9,9 +9,9 @@
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
-#include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 
 #include <sstream>
 #include <typeinfo>

@@ -115,7 +115,7 @@ void LumNode::checkNewChild(const LumNode* newChild, LumCommonErrorSource source
 
 /// Takes the count for the new parent and takes the node out of the old one.
 void LumNode::moveOut(LumNode* newChild) {
-    LumMutex::interlockedIncrement(newChild->refCount_);
+    newChild->addRef();
     if (!newChild->parent_) return;
     LumPtr<LumNode> held(newChild, false);  // gives the count back when the old parent refuses
     newChild->parent_->removeChild(newChild);

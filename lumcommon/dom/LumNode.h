@@ -184,7 +184,7 @@ protected:
     /// instruction.
     template <class T>
     static LumPtr<T> firstPointer(T* fresh) noexcept {
-        static_cast<LumNode*>(fresh)->refCount_ = 1;
+        static_cast<LumNode*>(fresh)->takeFirstRef();
         return LumPtr<T>(fresh, false);
     }
 

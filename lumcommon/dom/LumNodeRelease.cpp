@@ -1,9 +1,6 @@
 // Giving up subtrees, in constant stack whatever their depth.
 
-#include <lumcommon/core/LumMutex.h>
 #include <lumcommon/dom/LumNode.h>
-
-#include <atomic>
 
 namespace LumCommon {
 
@@ -13,16 +10,6 @@ namespace {
 /// links. A node that dies in the meantime puts its children there instead of deleting them itself, so that the depth
 /// of a tree never becomes depth of the stack, whoever starts the release and whatever derived destructors do.
 constinit thread_local LumNode** condemned = nullptr;
-
-/// Takes one count. True when it was the last one.
-bool dropsLastCount(int& count) noexcept {
-    // The holder of the only count is alone with the object: nobody can add to a count of 1 but through that holder.
-    if (std::atomic_ref<int>(count).load(std::memory_order_acquire) == 1) {
-        count = 0;
-        return true;
-    }
-    return LumMutex::interlockedDecrement(count) < 1;
-}
 
 }  // namespace
 
@@ -37,7 +24,7 @@ void LumNode::releaseChildren() noexcept {
     while (child) {
         LumNode* const previous = child->previousSibling_;
         child->parent_ = child->nextSibling_ = child->previousSibling_ = nullptr;
-        if (dropsLastCount(child->refCount_)) {
+        if (child->dropRef()) {
             *end = child;
             end = &child->previousSibling_;
         }
@@ -75,7 +62,7 @@ int LumNode::deleteAllChildNodes(LumNode* last) {
         LumNode* const previous = node->previousSibling_;
         holder->unlinkChild(node);
         ++count;
-        if (--node->refCount_ < 1) delete node;
+        if (node->dropRefUnshared()) delete node;
         if (holder != parent) {
             node = holder;
         } else if (previous) {

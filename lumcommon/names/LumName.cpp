@@ -1,12 +1,7 @@
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/values/LumValue.h>
 
 namespace LumCommon {
-
-LumName::LumName(const LumValue& value)
-    : id_(value.getKind() == KIND_NAME ? value.getNameValue().getEnum()
-                                       : LumNameTable::getSharedNameEnum(value.toString())) {}
 
 LumName::LumName(const UnicodeString& text) : id_(LumNameTable::getSharedNameEnum(text)) {}
 

@@ -21,7 +21,7 @@ class LUM_API LumName {
 public:
     constexpr LumName() noexcept = default;
     constexpr LumName(LumNameEnum id) noexcept : id_(id) {}
-    /// The name that the value holds, else the value's string form, interned.
+    /// The name that the value holds, else the value's string form, interned (values/NamesFromValues.cpp).
     explicit LumName(const LumValue& value);
     /// The interned name of `text`.
     explicit LumName(const UnicodeString& text);

@@ -1,7 +1,6 @@
 #include <lumcommon/names/MathMLName.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/names/detail/Vocabulary.h>
-#include <lumcommon/values/LumValue.h>
 
 namespace LumCommon {
 
@@ -16,15 +15,13 @@ constexpr detail::Vocabulary<MATHML_END_>::Rows rows = {{
 
 constinit const detail::Vocabulary<MATHML_END_> vocabulary{rows};
 
-MathMLNameEnum find(const UnicodeString& text) {
+}  // namespace
+
+MathMLName MathMLName::find(const UnicodeString& text) noexcept {
     return static_cast<MathMLNameEnum>(vocabulary.find(text.getBuffer(), static_cast<std::size_t>(text.length())));
 }
 
-}  // namespace
-
-MathMLName::MathMLName(LumName name) : id_(find(name.getString())) {}
-
-MathMLName::MathMLName(const LumValue& value) : id_(find(value.toString())) {}
+MathMLName::MathMLName(LumName name) : MathMLName(find(name.getString())) {}
 
 LumName MathMLName::toName() const {
     const std::u16string_view text = vocabulary.at(id_);

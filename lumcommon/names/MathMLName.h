@@ -26,8 +26,11 @@ public:
     /// The vocabulary's entry for the name's string, 0 when there is none.   Cost: one hash and compare.
     explicit MathMLName(LumName name);
     explicit MathMLName(LumNameEnum name) : MathMLName(LumName(name)) {}
-    /// The same for the value's string form.
+    /// The same for the value's string form (values/NamesFromValues.cpp).
     explicit MathMLName(const LumValue& value);
+
+    /// The vocabulary's entry for a string, 0 when there is none.
+    static MathMLName find(const UnicodeString& text) noexcept;
 
     constexpr MathMLNameEnum getEnum() const noexcept { return id_; }
     /// The interned name of the same string; the null name for 0.

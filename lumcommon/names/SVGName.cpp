@@ -1,7 +1,6 @@
 #include <lumcommon/names/SVGName.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/names/detail/Vocabulary.h>
-#include <lumcommon/values/LumValue.h>
 
 namespace LumCommon {
 
@@ -16,15 +15,13 @@ constexpr detail::Vocabulary<SVG_END_>::Rows rows = {{
 
 constinit const detail::Vocabulary<SVG_END_> vocabulary{rows};
 
-SVGNameEnum find(const UnicodeString& text) {
+}  // namespace
+
+SVGName SVGName::find(const UnicodeString& text) noexcept {
     return static_cast<SVGNameEnum>(vocabulary.find(text.getBuffer(), static_cast<std::size_t>(text.length())));
 }
 
-}  // namespace
-
-SVGName::SVGName(LumName name) : id_(find(name.getString())) {}
-
-SVGName::SVGName(const LumValue& value) : id_(find(value.toString())) {}
+SVGName::SVGName(LumName name) : SVGName(find(name.getString())) {}
 
 LumName SVGName::toName() const {
     const std::u16string_view text = vocabulary.at(id_);

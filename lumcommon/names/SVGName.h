@@ -26,8 +26,11 @@ public:
     /// The vocabulary's entry for the name's string, 0 when there is none.   Cost: one hash and compare.
     explicit SVGName(LumName name);
     explicit SVGName(LumNameEnum name) : SVGName(LumName(name)) {}
-    /// The same for the value's string form.
+    /// The same for the value's string form (values/NamesFromValues.cpp).
     explicit SVGName(const LumValue& value);
+
+    /// The vocabulary's entry for a string, 0 when there is none.
+    static SVGName find(const UnicodeString& text) noexcept;
 
     constexpr SVGNameEnum getEnum() const noexcept { return id_; }
     /// The interned name of the same string; the null name for 0.

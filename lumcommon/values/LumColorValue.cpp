@@ -1,8 +1,8 @@
 // Colours as values: what a LumValue holds for a colour, how it is read back, and how property text becomes one.
 
 #include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/values/LumColor.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/TokenScan.h>

@@ -1,8 +1,8 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/values/LumLength.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 

@@ -1,5 +1,5 @@
-#include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/values/LumLength.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/Units.h>
 

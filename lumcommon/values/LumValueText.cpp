@@ -1,5 +1,5 @@
-#include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/values/LumColor.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/NumberText.h>

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <lumcommon/format/XlsFormat.h>
+#include <lumcommon/format/xls/XlsFormat.h>
 #include <support/Utf8.h>
 
 #include <cstdlib>

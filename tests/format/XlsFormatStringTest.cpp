@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <lumcommon/format/XlsFormatString.h>
+#include <lumcommon/format/xls/XlsFormatString.h>
 #include <support/Utf8.h>
 
 #include <cmath>

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <lumcommon/format/XlsFormat.h>
-#include <lumcommon/format/XlsFormatString.h>
+#include <lumcommon/format/xls/XlsFormat.h>
+#include <lumcommon/format/xls/XlsFormatString.h>
 #include <support/CommaLocale.h>
 #include <support/Utf8.h>
 

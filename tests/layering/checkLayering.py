@@ -1,87 +1,63 @@
 #!/usr/bin/env python3
-"""Fails when an #include in lumcommon/ breaks the directions that docs/architecture.md allows.
+"""Fails when the includes in lumcommon/ are not those of the ladder in docs/architecture.md.
 
-The page holds two tables. "Folders" lists a folder and the folders that it may include; "Seams" lists the files that
-may include further folders. What is read here is the page itself, so that the page cannot go out of date.
+The table "Rooms" of that page names the rooms and what each may include. It must have no circle, every include must be
+allowed by it, and everything that it allows must be used. What is read is the page itself, so it cannot go out of date.
 """
 import pathlib
-import re
 import sys
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-PAGE = ROOT / "docs/architecture.md"
-INCLUDE = re.compile(r'^\s*#\s*include\s*[<"](lumcommon/[^>"]+)[>"]', re.MULTILINE)
+from rooms import PAGE, is_address, read_edges, read_rules, room_of
 
 
-def table(text, heading):
-    """The rows below a heading, as lists of cells, without the head row."""
-    section = re.search(rf"^##+ {heading}$(.*?)(?=^##+ |\Z)", text, re.MULTILINE | re.DOTALL)
-    if not section:
-        sys.exit(f"checkLayering: {PAGE.name} has no section {heading}")
-    lines = [line for line in section.group(1).splitlines() if line.startswith("|")]
-    return [[cell.strip() for cell in line.strip("|").split("|")] for line in lines[2:]]
+def circle(allowed):
+    """Rooms that include each other, directly or over others; empty when there are none."""
+    pending = dict(allowed)
+    while pending:
+        lowest = [room for room, below in pending.items() if not set(below) & pending.keys()]
+        if not lowest:
+            return sorted(pending)
+        for room in lowest:
+            del pending[room]
+    return []
 
 
-def names(cell):
-    return re.findall(r"`([^`]+)`", cell)
+def faults(allowed, edges):
+    if found := circle(allowed):
+        yield f"{PAGE.name}: these rooms include each other in a circle: {', '.join(found)}"
+    for (room, target), includes in sorted(edges.items()):
+        if target not in allowed.get(room, []):
+            for path, include in includes:
+                yield f"lumcommon/{path}: includes {include}, which {PAGE.name} does not allow"
+    for room, below in allowed.items():
+        for target in below:
+            if (room, target) not in edges:
+                yield f"{PAGE.name}: {room} may include {target}, which nothing in it does"
 
 
-def read_rules(text):
-    allowed = {}
-    for row in table(text, "Folders"):
-        folder = names(row[0])[0].rstrip("/")
-        allowed[folder] = {name.rstrip("/") for name in names(row[2])} | {folder}
-    seams = [(pattern, {name.rstrip("/") for name in names(row[1])})
-             for row in table(text, "Seams") for pattern in names(row[0])]
-    return allowed, seams
-
-
-def crossings(path, source, allowed, seams):
-    """The includes of one file that neither table allows. `path` is relative to lumcommon/."""
-    parts = path.parts
-    if len(parts) == 1:
-        return []  # the umbrella header and its source stand above all folders
-    permitted = set(allowed.get(parts[0], set()))
-    for pattern, further in seams:
-        if path.match(pattern):
-            permitted |= further
-    found = []
-    for include in INCLUDE.findall(source):
-        target = include.split("/")
-        if len(target) < 3 or target[1] not in permitted:
-            found.append(include)
-    return found
-
-
-def check_the_check(allowed, seams):
-    """A rule that cannot fail proves nothing: these two rows show that it can, and that seams are needed."""
-    upward = '#include <lumcommon/format/LumUtil.h>\n'
-    assert crossings(pathlib.Path("core/LumError.cpp"), upward, allowed, seams), "an upward include is not seen"
-    assert not crossings(pathlib.Path("dom/LumNode.h"), '#include <lumcommon/core/LumPtr.h>', allowed, seams)
-    for pattern, further in seams:
-        folder = pattern.split("/")[0]
-        assert folder in allowed, f"the seam {pattern} names no folder"
-        assert further - allowed[folder], f"the seam {pattern} is not needed: the folders allow it"
+def check_the_check():
+    """A rule that cannot fail proves nothing."""
+    rules = {"low": [], "high": ["low"], "high/in": ["low"]}
+    used = {("high", "low"): [("high/a.h", "lumcommon/low/b.h")], ("high/in", "low"): [("high/in/a.h", "x")]}
+    assert not list(faults(rules, used))
+    assert list(faults(rules, {**used, ("low", "high"): [("low/b.cpp", "x")]})), "an upward include is not seen"
+    assert list(faults(rules, {("high", "low"): []})), "a permission that nobody uses is not seen"
+    assert list(faults({"low": ["high"], "high": ["low"]}, {("low", "high"): [], ("high", "low"): []})), "a circle"
+    assert room_of("high/in/detail/a.h", rules) == "high/in" and room_of("high/detail/a.h", rules) == "high"
+    header = pathlib.Path("names/A.h")
+    assert is_address(header, "#pragma once\n\n// Elsewhere.\n#include <lumcommon/values/A.h>\n")
+    assert not is_address(header, "#pragma once\n#include <lumcommon/values/A.h>\nclass B;\n")
+    assert not is_address(header, "#pragma once\n#include <lumcommon/values/B.h>\n")
 
 
 def main():
-    allowed, seams = read_rules(PAGE.read_text(encoding="utf-8"))
-    check_the_check(allowed, seams)
-    failures = 0
-    files = 0
-    for file in sorted((ROOT / "lumcommon").rglob("*")):
-        if file.suffix not in (".h", ".cpp", ".inc"):
-            continue
-        files += 1
-        path = file.relative_to(ROOT / "lumcommon")
-        if len(path.parts) > 1 and path.parts[0] not in allowed:
-            print(f"lumcommon/{path}: its folder is not in the map of {PAGE.name}")
-            failures += 1
-        for include in crossings(path, file.read_text(encoding="utf-8"), allowed, seams):
-            print(f"lumcommon/{path}: includes {include}, which {PAGE.name} does not allow")
-            failures += 1
+    check_the_check()
+    allowed = read_rules(PAGE.read_text(encoding="utf-8"))
+    edges, files = read_edges(allowed)
     assert files > 20, "hardly any file was found"
-    return 1 if failures else 0
+    found = list(faults(allowed, edges))
+    print("\n".join(found))
+    return 1 if found else 0
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 #include <lumcommon/uri/LumUri.h>
-#include <lumcommon/uri/LumUriStream.h>
+#include <lumcommon/uri/open/LumUriStream.h>
 #include <support/LoopbackServer.h>
 #include <support/Utf8.h>
 

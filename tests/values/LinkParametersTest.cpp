@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumValue.h>
 #include <support/Utf8.h>
 

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <lumcommon/core/LumPtr.h>
-#include <lumcommon/names/LumNamedValueMap.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumLength.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumValue.h>
 #include <support/Utf8.h>
 

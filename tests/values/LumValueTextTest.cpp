@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <support/CommaLocale.h>

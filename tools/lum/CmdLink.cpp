@@ -1,4 +1,4 @@
-#include <lumcommon/names/LumNamedValueMap.h>
+#include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumValue.h>
 
 #include "Command.h"

@@ -1,4 +1,4 @@
-#include <lumcommon/containers/OleSummaryInformation.h>
+#include <lumcommon/containers/office/OleSummaryInformation.h>
 
 #include "Command.h"
 #include "OleInput.h"

@@ -1,4 +1,4 @@
-#include <lumcommon/format/XlsFormat.h>
+#include <lumcommon/format/xls/XlsFormat.h>
 
 #include "Command.h"
 #include "Output.h"

@@ -1,0 +1,172 @@
+#pragma once
+
+#include <lumcommon/containers/office/OlePropertyValue.h>
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/LumCStr.h>
+#include <lumcommon/core/Text.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace LumCommon {
+
+class LumValue;
+class OleCompFile;
+class OleStream;
+
+/// A row of a section's property table.
+struct OleSIProperty {
+    std::uint32_t id = 0;
+    std::uint32_t offset = 0;         ///< of the value, in bytes from the start of the section
+    std::uint32_t type = 0;           ///< the first word there; for id 0 the number of names in the dictionary
+    std::uint64_t valuePosition = 0;  ///< in the stream, of what follows the type
+};
+
+/// The name that a dictionary gives to a property.
+struct OleSIName {
+    std::uint32_t id = 0;
+    std::string name;  ///< the bytes as stored, the terminating zero included
+};
+
+/// A section of a property set as far as it could be read.
+struct OleSISection {
+    std::uint32_t size = 0;                 ///< in bytes, as stored
+    std::uint32_t propertyCount = 0;        ///< as stored; `properties` has those that are there
+    std::vector<OleSIProperty> properties;  ///< in the order of the table
+    std::uint64_t start = 0;                ///< in the stream
+    OLE_CLSID formatId;
+    std::uint32_t offset = 0;           ///< as stored, from the start of the property set
+    std::vector<OleSIName> dictionary;  ///< in the order stored
+    bool hasDictionary = false;         ///< there is a property 0
+};
+
+/// Reads the property sets in which office documents keep their title, author and so on. For the usual four strings
+/// OlePropertySet is simpler.
+///
+///     OleSummaryInformation information;
+///     LumValue title;
+///     if (information.initSummaryInformation(&file) == 1 && information.getProperty(2, title) == 1) ...
+///
+/// The layout is that of the published OLE property set format. The stream is read into memory when it is opened, as
+/// far as it is there. Where sections, or the dictionaries in them, share their bytes, what is read is bounded all the
+/// same: to twice the bytes of the stream, after which it counts as ended. A dictionary ends where the next property of
+/// the table begins, the dictionary of the last property at the section's stated size.
+///
+/// getProperty() reads the integers and strings of the summary information, an integer always as 32 bits.
+/// readProperty() and readProperties() read values of every type of the format ([MS-OLEPS], Object Linking and
+/// Embedding Property Set Data Structures), in both kinds of set, each number in its own width; of a set that is
+/// damaged they give what can still be read.
+///
+/// Failure: -1 or false; nothing is thrown, but by readProperty() and readProperties() std::bad_alloc.
+/// Ownership: the compound file is borrowed and must outlive the object, which keeps the stream open.
+/// Lifecycle: one init operation, once.
+/// Threads: one at a time, as for the compound file.
+class LUM_API OleSummaryInformation {
+public:
+    enum Kind : int { SUMMARY = 0, DOCUMENT_SUMMARY = 1 };
+
+    OleSummaryInformation();
+    OleSummaryInformation(const OleSummaryInformation&) = delete;
+    OleSummaryInformation& operator=(const OleSummaryInformation&) = delete;
+    ~OleSummaryInformation();
+
+    /// Reads "\005SummaryInformation" and chooses the code page of its strings.   1, or -1 when the stream is not there
+    /// or not all of it can be read; what was read before the failure is kept.
+    int initSummaryInformation(OleCompFile* file);
+    /// Reads "\005DocumentSummaryInformation"; the same results.
+    int initDocumentSummaryInformation(OleCompFile* file);
+
+    /// Reads the header and all sections from the current position.   1, or -1 when anything is cut short: the
+    /// sections behind a damaged one are read all the same.
+    int getSummaryInformation();
+    /// Reads the header: byte order, version, system, class and section count.
+    bool getPropHeader();
+    /// Reads the byte order. Any other value than the reversed mark is taken for this machine's order.
+    bool checkEndian();
+
+    /// A property of the summary information: an integer or a string, of a vector the last element.
+    /// @param id  1 to 9, 14, 15, 16, 18 or 19; nothing else can be asked for. 2 is the title, 3 the subject, 4 the
+    ///            author, 5 the keywords.
+    /// A string ends at its first zero. Bytes that the code page does not allow become U+FFFD; a code page that is not
+    /// known is read as ISO 8859-1.
+    /// 1, or -1: it is absent, cut short or of another type, or this is document summary information; `out` is then
+    /// as it was.
+    int getProperty(unsigned int id, LumValue& out);
+    /// A property by its number, of the first section without dictionary that has it: what getProperty() looks at.
+    /// Strings are in the code page of their section, else in that of the first section that states one, else in 932.
+    /// The code page itself (property 1) is a number from 0 to 65535 also where it is stored with a sign.
+    /// @param id  0 is none: it is the dictionary.
+    /// Null when there is none. One that is there but cannot be read is damaged: see OlePropertyValue.
+    /// Cost: O(properties), and the bytes of the value, three times for vectors of strings at most.
+    std::optional<OlePropertyValue> readProperty(unsigned int id) const;
+    /// A property of the user's own, by the name that a dictionary gives it: exactly, or else by letters of either
+    /// case. Null when there is none.   Cost: O(properties and names), and the bytes of the value.
+    std::optional<OlePropertyValue> readProperty(const UnicodeString& name) const;
+    /// All properties in the order stored, without dictionaries, with their names where they have some.
+    /// Values can share their bytes. What is read is bounded all the same: to four times the bytes of the stream and
+    /// 1,048,576 elements of vectors; the values that remain then are damaged.
+    std::vector<OleProperty> readProperties() const;
+    /// Appends the targets of the document's hyperlinks and the places in them, those that are not empty, in the order
+    /// stored.   1, or -1 when the document keeps no list of them or the list is cut short.
+    int getHyperLinks(std::vector<UnicodeString>& out);
+
+    /// Fields at the current position, which they leave behind themselves. False when the stream has fewer bytes; the
+    /// position is then its end, and the field as it was.
+    bool getWORD(unsigned short* value);
+    bool getDWORD(unsigned int* value);
+    bool getCLSID(OLE_CLSID* value);
+    /// `count` units of 16 bits, each widened; none when not all are there.
+    bool getWSTR(wchar_t* buffer, int count);
+    /// `n` bytes that are stored from the last to the first.
+    bool getReverse(unsigned char* p, int n);
+
+    Kind getKind() const noexcept { return kind_; }
+    /// Whether the stream is in the other byte order than this machine.
+    bool isSwapped() const noexcept { return isSwapped_; }
+    /// The header as stored; 65534 is the byte order of a stream in this machine's order.
+    std::uint16_t getByteOrder() const noexcept { return byteOrder_; }
+    std::uint16_t getVersion() const noexcept { return version_; }
+    std::uint32_t getSystemId() const noexcept { return systemId_; }
+    const OLE_CLSID& getClassId() const noexcept { return classId_; }
+    std::uint32_t getSectionCount() const noexcept { return sectionCount_; }
+    /// The sections that are there.
+    const std::vector<OleSISection>& getSections() const noexcept { return sections_; }
+    /// "cp932", "UTF-8", "cp1252" and so on; empty before a code page was chosen.
+    const UnicodeString& getCharset() const noexcept { return charset_; }
+
+private:
+    int init(OleCompFile* file, const char* name, Kind kind);
+    void load();
+    void chooseCharset();
+    bool readSection(OleSISection& section);
+    bool readDictionary(OleSISection& section, std::uint32_t nameCount, std::uint64_t end);
+    bool readHyperLink(std::vector<UnicodeString>& out);
+    bool readString(std::string& bytes);
+
+    /// Whether so many follow; the position moves to the end of the stream where they do not.
+    bool hasBytes(std::uint64_t bytes);
+    bool take(void* to, std::uint64_t bytes);
+    bool spend(std::uint64_t bytes);
+    void closeStream();
+
+    OleCompFile* file_ = nullptr;
+    OleStream* stream_ = nullptr;
+    std::vector<unsigned char> bytes_;  // of the stream
+    std::uint64_t position_ = 0;        // in them; may be behind their end
+    std::uint64_t budgetBytes_ = 0;     // what may still be read of sections
+
+    std::uint16_t byteOrder_ = 0;
+    std::uint16_t version_ = 0;
+    std::uint32_t systemId_ = 0;
+    OLE_CLSID classId_;
+    std::uint32_t sectionCount_ = 0;
+    std::vector<OleSISection> sections_;
+    Kind kind_ = SUMMARY;
+    bool isSwapped_ = false;
+    LumCStr charset_;
+};
+
+}  // namespace LumCommon

@@ -1,0 +1,133 @@
+#include <lumcommon/format/xls/XlsFormat.h>
+#include <lumcommon/format/xls/detail/XlsCell.h>
+#include <lumcommon/format/xls/detail/XlsRender.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
+#include <lumcommon/format/xls/detail/XlsWriter.h>
+
+#include <cmath>
+
+namespace LumCommon::detail {
+
+namespace {
+
+/// The sections that numbers may use, in their order.
+struct NumberSections {
+    explicit NumberSections(const FMT2& code) {
+        for (int i = 0; i < code.count; ++i) {
+            if (code.sections[static_cast<std::size_t>(i)].kind != FMT::TEXT) index[count++] = i;
+        }
+    }
+    int index[4] = {};
+    int count = 0;
+};
+
+bool holds(const FMT& section, double value) { return xlsConditionHolds(value, section.condition, section.operand); }
+
+const FMT& at(const FMT2& code, int section) { return code.sections[static_cast<std::size_t>(section)]; }
+
+int selectOf(const FMT2& code, const NumberSections& usable, double value) {
+    if (usable.count == 0) return XlsFormat::NO_SECTION;
+    const FMT& first = at(code, usable.index[0]);
+    if (usable.count == 1) {
+        return first.condition == 0 || holds(first, value) ? usable.index[0] : XlsFormat::CONDITION_FAILED;
+    }
+    const FMT& second = at(code, usable.index[1]);
+    if (usable.count == 2) {
+        if (first.condition != 0 ? holds(first, value) : value >= 0) return usable.index[0];
+        const bool takesRest = second.condition == 0 && (first.condition != 0 || value < 0);
+        if (takesRest || (second.condition != 0 && holds(second, value))) return usable.index[1];
+        return XlsFormat::NO_SECTION;
+    }
+    if (first.condition != 0 ? holds(first, value) : value > 0) return usable.index[0];
+    if (second.condition != 0 ? holds(second, value) : value < 0) return usable.index[1];
+    if (first.condition != 0 || second.condition != 0 || value == 0) return usable.index[2];
+    return XlsFormat::NO_SECTION;
+}
+
+/// Whether a section was chosen for the sign of its values, which it then states itself.
+bool impliesSign(const FMT2& code, const NumberSections& usable, int section) {
+    if (usable.count < 2 || section != usable.index[1] || at(code, section).condition != 0) return false;
+    return usable.count > 2 || at(code, usable.index[0]).condition == 0;
+}
+
+int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLOR : xlsPaletteColor(section.color); }
+
+/// A code for texts alone shows a number as the text that General makes of it.
+int showAsText(const FMT2& code, const XlsDecimal& value, int generalChars, UnicodeString& text, int& color) {
+    const std::string general = (value.isNegative() ? "-" : "") + xlsGeneral(value.abs(), generalChars);
+    return showXlsText(code, UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV), text,
+                       color);
+}
+
+}  // namespace
+
+bool xlsConditionHolds(double value, int condition, double operand) {
+    switch (condition) {
+        case 1:
+            return value >= operand;
+        case 2:
+            return value <= operand;
+        case 3:
+            return value != operand;
+        case 4:
+            return value < operand;
+        case 5:
+            return value > operand;
+        case 6:
+            return value == operand;
+        default:
+            return false;
+    }
+}
+
+int selectXlsNumber(const FMT2& code, double value) { return selectOf(code, NumberSections(code), value); }
+
+int selectXlsText(const FMT2& code) {
+    for (int i = 0; i < code.count; ++i) {
+        if (at(code, i).kind == FMT::TEXT) return i;
+    }
+    return XlsFormat::NO_SECTION;
+}
+
+int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color,
+                  XlsFill& fill) {
+    text.remove();
+    color = XlsFormat::NO_COLOR;
+    fill = XlsFill();
+    if (!std::isfinite(value)) {
+        text.append(u"#NUM!", -1);
+        return XlsFormat::NO_SECTION;
+    }
+    const NumberSections usable(code);
+    if (usable.count == 0) return showAsText(code, XlsDecimal(value), style.generalChars, text, color);
+    const int section = selectOf(code, usable, value);
+    if (section < 0) return section;
+    if (impliesSign(code, usable, section)) value = std::fabs(value);
+    const FMT& chosen = at(code, section);
+    XlsWriter writer(text);
+    if (chosen.kind == FMT::NUMBER) {
+        renderXlsNumber(chosen, XlsDecimal(value), style.generalChars, writer);
+    } else if (!renderXlsDate(chosen, XlsDecimal::exact(value), style.is1904, writer)) {
+        return XlsFormat::NOT_A_DATE;
+    }
+    color = colorOf(chosen);
+    fill = {writer.fillAt(), writer.fillCharacter()};
+    return section;
+}
+
+int showXlsText(const FMT2& code, const UnicodeString& value, UnicodeString& text, int& color) {
+    int section = selectXlsText(code);
+    // A fourth section is that of texts, whatever it holds.
+    if (section < 0 && code.count == 4) section = 3;
+    color = section < 0 ? XlsFormat::NO_COLOR : colorOf(at(code, section));
+    if (section < 0) {
+        text = value;
+        return section;
+    }
+    text.remove();
+    XlsWriter writer(text);
+    renderXlsText(at(code, section), value, writer);
+    return section;
+}
+
+}  // namespace LumCommon::detail

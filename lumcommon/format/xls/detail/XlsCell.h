@@ -1,0 +1,30 @@
+#pragma once
+
+#include <lumcommon/format/xls/XlsFormatCode.h>
+#include <lumcommon/format/xls/detail/XlsGeneral.h>
+
+namespace LumCommon::detail {
+
+/// Where a text is to be filled up; `at` is -1 when nowhere.
+struct XlsFill {
+    std::int32_t at = -1;
+    UChar32 character = 0;
+};
+
+/// What decides how a number is shown, besides its code.
+struct XlsNumberStyle {
+    bool is1904 = false;
+    int generalChars = XLS_GENERAL_CHARS;
+};
+
+/// XlsFormatString::fmtsel() for a number and for a text.
+int selectXlsNumber(const FMT2& code, double value);
+int selectXlsText(const FMT2& code);
+bool xlsConditionHolds(double value, int condition, double operand);
+
+/// Shows a cell; gives the section used or an XlsFormat::Failure, and sets text, colour and where to fill.
+int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color,
+                  XlsFill& fill);
+int showXlsText(const FMT2& code, const UnicodeString& value, UnicodeString& text, int& color);
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,264 @@
+#include <lumcommon/format/xls/detail/XlsCodeScan.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+
+namespace LumCommon::detail {
+
+namespace {
+
+char16_t lowerCase(char16_t c) { return c >= 'A' && c <= 'Z' ? static_cast<char16_t>(c + ('a' - 'A')) : c; }
+
+bool equalsIgnoringCase(std::u16string_view a, std::u16string_view b) {
+    return std::ranges::equal(a, b, [](char16_t x, char16_t y) { return lowerCase(x) == lowerCase(y); });
+}
+
+std::u16string_view trimmed(std::u16string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    return text;
+}
+
+/// Lossless for what numbers and language tags are made of.
+std::string toAscii(std::u16string_view text) {
+    std::string result;
+    for (const char16_t c : text) result.push_back(c < 0x80 ? static_cast<char>(c) : '?');
+    return result;
+}
+
+UnicodeString bracketed(std::u16string_view content) {
+    return UnicodeString(u'[').append(content.data(), 0, static_cast<std::int32_t>(content.size())).append(u']');
+}
+
+}  // namespace
+
+int XlsCodeScan::run() {
+    const auto length = static_cast<std::int32_t>(code_.size());
+    while (at_ < length) {
+        if (code_[static_cast<std::size_t>(at_)] == ';') {
+            if (count_ == 4) break;
+            ++count_;
+            ++at_;
+        } else {
+            element();
+        }
+    }
+    for (int i = 0; i < count_; ++i) {
+        for (const XlsRawPiece& piece : sections_[i].pieces) {
+            isJapanese_ = isJapanese_ || (piece.token == XlsToken::LETTERS && (piece.unit == 'g' || piece.unit == 'r'));
+        }
+    }
+    return count_;
+}
+
+void XlsCodeScan::add(XlsToken token, char32_t unit, std::int32_t length, std::int32_t count) {
+    raw().pieces.push_back({token, unit, at_, at_ + length, count});
+    at_ += length;
+}
+
+void XlsCodeScan::literal(std::int32_t begin, std::int32_t end) {
+    if (begin != end) raw().pieces.push_back({XlsToken::LITERAL, 0, begin, end, 1});
+}
+
+void XlsCodeScan::run(XlsToken token, char32_t unit) {
+    std::size_t end = static_cast<std::size_t>(at_);
+    while (end < code_.size() && lowerCase(code_[end]) == unit) ++end;
+    const std::int32_t length = static_cast<std::int32_t>(end) - at_;
+    add(token, unit, length, length);
+}
+
+bool XlsCodeScan::startsWith(std::u16string_view word, bool ignoreCase) const {
+    const std::u16string_view here = code_.substr(static_cast<std::size_t>(at_), word.size());
+    return ignoreCase ? equalsIgnoringCase(here, word) : here == word;
+}
+
+void XlsCodeScan::element() {
+    const char16_t c = code_[static_cast<std::size_t>(at_)];
+    switch (c) {
+        case '0':
+            return run(XlsToken::DIGIT_0, c);
+        case '#':
+            return run(XlsToken::DIGIT_OPTIONAL, c);
+        case '?':
+            return run(XlsToken::DIGIT_SPACED, c);
+        case '.':
+            return add(XlsToken::POINT, c, 1);
+        case ',':
+            return add(XlsToken::COMMA, c, 1);
+        case '%':
+            return add(XlsToken::PERCENT, c, 1);
+        case '/':
+            return add(XlsToken::SLASH, c, 1);
+        case '@':
+            return add(XlsToken::AT, c, 1);
+        case '\\':
+            return withCharacter(XlsToken::LITERAL);
+        case '_':
+            return withCharacter(XlsToken::SKIP);
+        case '*':
+            return withCharacter(XlsToken::FILL);
+        case '"':
+            return quoted();
+        case '[':
+            return bracket();
+        default:
+            break;
+    }
+    if (c >= '1' && c <= '9') return add(XlsToken::DIGIT_LITERAL, c, 1);
+    letter(lowerCase(c));
+}
+
+void XlsCodeScan::letter(char16_t lower) {
+    constexpr std::u16string_view general = u"General";
+    switch (lower) {
+        case 'g':
+            if (startsWith(general, true)) return add(XlsToken::GENERAL, 0, static_cast<std::int32_t>(general.size()));
+            [[fallthrough]];
+        case 'y':
+        case 'm':
+        case 'd':
+        case 'h':
+        case 's':
+        case 'r':
+            return run(XlsToken::LETTERS, lower);
+        case 'e': {
+            const auto next = static_cast<std::size_t>(at_) + 1;
+            if (next < code_.size() && (code_[next] == '+' || code_[next] == '-')) {
+                return add(XlsToken::EXPONENT, code_[next], 2);
+            }
+            return run(XlsToken::LETTERS_E, lower);
+        }
+        case 'a':
+            for (int form = 1; form <= XLS_AMPM_FORMS; ++form) {
+                if (!startsWith(xlsAmPm(form), false)) continue;
+                return add(XlsToken::AM_PM, 0, static_cast<std::int32_t>(xlsAmPm(form).size()), form);
+            }
+            break;
+        default:
+            break;
+    }
+    literal(at_, at_ + 1);
+    ++at_;
+}
+
+void XlsCodeScan::quoted() {
+    const std::int32_t begin = at_ + 1;
+    const std::size_t close = std::min(code_.find(u'"', static_cast<std::size_t>(begin)), code_.size());
+    literal(begin, static_cast<std::int32_t>(close));
+    at_ = static_cast<std::int32_t>(std::min(close + 1, code_.size()));
+}
+
+void XlsCodeScan::withCharacter(XlsToken token) {
+    const std::int32_t begin = ++at_;
+    const auto length = static_cast<std::int32_t>(code_.size());
+    if (begin == length) return;
+    UChar32 character = 0;
+    U16_NEXT(code_.data(), at_, length, character);
+    raw().pieces.push_back({token, static_cast<char32_t>(character), begin, at_, 1});
+}
+
+void XlsCodeScan::bracket() {
+    const std::int32_t begin = at_ + 1;
+    // Where no bracket ends any more the code is not searched again and again.
+    if (lastClose_ == code_.npos || static_cast<std::size_t>(at_) > lastClose_) {
+        literal(at_, begin);
+        ++at_;
+        return;
+    }
+    const std::size_t close = code_.find(u']', static_cast<std::size_t>(begin));
+    at_ = static_cast<std::int32_t>(close) + 1;
+    const std::u16string_view content =
+        code_.substr(static_cast<std::size_t>(begin), close - static_cast<std::size_t>(begin));
+    if (content.empty()) return;
+    if (content.front() == xlsKeyword(XLS_CURRENCY).front()) return currency(begin, content);
+    for (int keyword = XLS_HOURS; keyword <= XLS_SECONDS; ++keyword) {
+        const char16_t letter = xlsKeyword(keyword).front();
+        if (!std::ranges::all_of(content, [&](char16_t c) { return lowerCase(c) == letter; })) continue;
+        raw().pieces.push_back({XlsToken::ELAPSED, letter, begin, static_cast<std::int32_t>(close),
+                                static_cast<std::int32_t>(content.size())});
+        return;
+    }
+    if (!color(content) && !condition(content)) styleBracket(content);
+}
+
+bool XlsCodeScan::color(std::u16string_view content) {
+    int number = 0;
+    for (int keyword = XLS_BLACK; keyword <= XLS_CYAN; ++keyword) {
+        if (equalsIgnoringCase(content, xlsKeyword(keyword))) number = keyword + 1;
+    }
+    const std::u16string_view word = xlsKeyword(XLS_COLOR);
+    if (number == 0) {
+        if (!equalsIgnoringCase(content.substr(0, word.size()), word)) return false;
+        const std::string digits = toAscii(trimmed(content.substr(word.size())));
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        if (error != std::errc() || end != digits.data() + digits.size()) return false;
+        if (number < 1 || number > XLS_PALETTE_COLORS) return false;
+    }
+    if (current().color != 0) return true;
+    current().color = number;
+    if (number <= XLS_CYAN + 1) {
+        raw().prefix += bracketed(xlsKeyword(number - 1));
+    } else {
+        raw().prefix += bracketed(std::u16string(word) + static_cast<char16_t>('0' + number / 10) +
+                                  static_cast<char16_t>('0' + number % 10));
+    }
+    return true;
+}
+
+bool XlsCodeScan::condition(std::u16string_view content) {
+    for (int keyword = XLS_FIRST_OPERATOR; keyword <= XLS_LAST_OPERATOR; ++keyword) {
+        const std::u16string_view word = xlsKeyword(keyword);
+        if (!content.starts_with(word)) continue;
+        std::string digits = toAscii(trimmed(content.substr(word.size())));
+        if (digits.starts_with('+')) digits.erase(0, 1);
+        double operand = 0;
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), operand);
+        if (error != std::errc() || end != digits.data() + digits.size() || !(operand - operand == 0)) return false;
+        if (current().condition != 0) return true;
+        current().condition = keyword - XLS_FIRST_OPERATOR + 1;
+        current().operand = operand;
+        char text[32];
+        const auto last = std::to_chars(text, text + sizeof text, operand).ptr;
+        raw().prefix += bracketed(std::u16string(word) + std::u16string(text, last));
+        return true;
+    }
+    return false;
+}
+
+bool XlsCodeScan::styleBracket(std::u16string_view content) {
+    for (int keyword = XLS_DBNUM1; keyword <= XLS_DBNUM3; ++keyword) {
+        if (!equalsIgnoringCase(content, xlsKeyword(keyword))) continue;
+        if (current().dbNum != 0) return true;
+        current().dbNum = keyword - XLS_DBNUM1 + 1;
+        raw().prefix += bracketed(xlsKeyword(keyword));
+        return true;
+    }
+    return false;
+}
+
+void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
+    // The symbol goes up to the hyphen; behind it stands a language, as hexadecimal number or by its tag.
+    constexpr unsigned japanese = 0x411;
+    const std::size_t hyphen = std::min(content.find(u'-'), content.size());
+    literal(begin + 1, begin + static_cast<std::int32_t>(hyphen));
+    if (hyphen == content.size()) return;
+    const std::u16string_view tag = content.substr(hyphen + 1);
+    const std::string ascii = toAscii(tag);
+    unsigned number = 0;
+    const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), number, 16);
+    unsigned language = error == std::errc() && end == ascii.data() + ascii.size() ? number & 0xFFFFu : 0;
+    const bool isTag = equalsIgnoringCase(tag.substr(0, 2), u"ja") && (tag.size() == 2 || tag[2] == '-');
+    if (isTag) language = japanese;
+    if (language == 0) return;
+    constexpr unsigned primaryLanguage = 0x3FF;
+    isJapanese_ = isJapanese_ || (language & primaryLanguage) == (japanese & primaryLanguage);
+    if (current().locale != 0) return;
+    current().locale = language;
+    char digits[8];
+    const auto last = std::to_chars(digits, digits + sizeof digits, language, 16).ptr;
+    raw().prefix += bracketed(u"$-" + std::u16string(digits, last));
+}
+
+}  // namespace LumCommon::detail

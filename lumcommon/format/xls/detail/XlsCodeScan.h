@@ -1,0 +1,86 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+#include <lumcommon/format/xls/XlsFormatCode.h>
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace LumCommon::detail {
+
+/// What a code is made of before it is known what its letters mean.
+enum class XlsToken : std::uint8_t {
+    LITERAL,  ///< a run of units that mean themselves
+    SKIP,
+    FILL,
+    DIGIT_0,  ///< a run
+    DIGIT_OPTIONAL,
+    DIGIT_SPACED,
+    DIGIT_LITERAL,  ///< one of 1 to 9
+    POINT,
+    COMMA,
+    PERCENT,
+    EXPONENT,  ///< E and its sign
+    SLASH,
+    AT,
+    GENERAL,
+    AM_PM,
+    LETTERS,  ///< a run of one of y m d h s g r, whatever the case
+    LETTERS_E,
+    ELAPSED,  ///< a bracket of h, m or s
+};
+
+struct XlsRawPiece {
+    XlsToken token;
+    char32_t unit = 0;  ///< the letter, lower case; the character of SKIP and FILL; the sign of EXPONENT
+    std::int32_t begin = 0;
+    std::int32_t end = 0;  ///< of its units in the code; of a literal, of what is to be written
+    std::int32_t count = 1;
+};
+
+/// One section as it is written: brackets have been read.
+struct XlsRawSection {
+    std::vector<XlsRawPiece> pieces;
+    UnicodeString prefix;  ///< the brackets of colour, condition, style and language in their normal form
+};
+
+/// Reads a code from left to right into sections, and the brackets into the fields of theirs.
+class XlsCodeScan {
+public:
+    XlsCodeScan(std::u16string_view code, FMT2& out) : code_(code), lastClose_(code.rfind(u']')), out_(out) {}
+
+    /// Gives the number of sections.
+    int run();
+    XlsRawSection& section(int index) { return sections_[index]; }
+    /// Whether "e" is a year.
+    bool isJapanese() const { return isJapanese_; }
+
+private:
+    void element();
+    void literal(std::int32_t begin, std::int32_t end);
+    void add(XlsToken token, char32_t unit, std::int32_t length, std::int32_t count = 1);
+    void run(XlsToken token, char32_t unit);
+    void quoted();
+    /// "\\", "_" and "*": the character behind takes part.
+    void withCharacter(XlsToken token);
+    void letter(char16_t lower);
+    void bracket();
+    bool styleBracket(std::u16string_view content);
+    bool color(std::u16string_view content);
+    bool condition(std::u16string_view content);
+    void currency(std::int32_t begin, std::u16string_view content);
+    bool startsWith(std::u16string_view word, bool ignoreCase) const;
+    FMT& current() { return out_.sections[static_cast<std::size_t>(count_ - 1)]; }
+    XlsRawSection& raw() { return sections_[count_ - 1]; }
+
+    std::u16string_view code_;
+    std::size_t lastClose_;
+    FMT2& out_;
+    std::int32_t at_ = 0;
+    int count_ = 1;
+    bool isJapanese_ = false;
+    XlsRawSection sections_[4];
+};
+
+}  // namespace LumCommon::detail

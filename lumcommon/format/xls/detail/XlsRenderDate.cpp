@@ -1,0 +1,136 @@
+#include <lumcommon/format/xls/detail/XlsDates.h>
+#include <lumcommon/format/xls/detail/XlsRender.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
+#include <lumcommon/format/xls/detail/XlsWriter.h>
+
+#include <charconv>
+
+namespace LumCommon::detail {
+
+namespace {
+
+using Kind = XlsPieceKind;
+
+class DateRenderer {
+public:
+    DateRenderer(const FMT& section, const XlsTime& time, const XlsDate& date, XlsWriter& out)
+        : section_(section), time_(time), date_(date), out_(out) {}
+
+    void run() {
+        for (const XlsPiece& piece : section_.pieces) {
+            if (piece.kind <= Kind::FILL) {
+                renderXlsCommon(section_, piece, out_);
+            } else if (piece.kind >= Kind::ELAPSED_HOURS) {
+                elapsed(piece);
+            } else if (piece.kind >= Kind::HOUR && piece.kind <= Kind::AM_PM) {
+                clock(piece);
+            } else {
+                calendar(piece);
+            }
+        }
+    }
+
+private:
+    void calendar(const XlsPiece& piece);
+    void clock(const XlsPiece& piece);
+    void elapsed(const XlsPiece& piece);
+    /// At least `width` digits. With units where the style has them, then not filled up.
+    void number(std::int64_t value, std::int32_t width, bool isReadable = true);
+    void name(std::u16string_view full, bool isShort) { out_.put(isShort ? full.substr(0, xlsShortName) : full); }
+
+    const FMT& section_;
+    const XlsTime& time_;
+    const XlsDate& date_;
+    XlsWriter& out_;
+};
+
+void DateRenderer::number(std::int64_t value, std::int32_t width, bool isReadable) {
+    char text[24];
+    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
+    const std::string_view digits(text, static_cast<std::size_t>(end - text));
+    constexpr int fullWidthStyle = 3;
+    if (isReadable && section_.dbNum != 0 && section_.dbNum != fullWidthStyle) {
+        return xlsWriteReadable(out_, digits, section_.dbNum);
+    }
+    for (auto i = static_cast<std::int32_t>(digits.size()); i < width; ++i) out_.digit('0');
+    out_.number(digits);
+}
+
+void DateRenderer::calendar(const XlsPiece& piece) {
+    const XlsEra& era = xlsEra(date_.era);
+    switch (piece.kind) {
+        case Kind::YEAR:
+            return number(piece.count == 2 ? date_.year % 100 : date_.year, piece.count, false);
+        case Kind::MONTH:
+            if (piece.count <= 2) return number(date_.month, piece.count);
+            if (piece.count == 5) return out_.put(xlsMonthName(date_.month).front());
+            return name(xlsMonthName(date_.month), piece.count == 3);
+        case Kind::DAY:
+            return number(date_.day, piece.count);
+        case Kind::WEEKDAY:
+            return name(xlsDayName(date_.weekday), piece.count == 3);
+        case Kind::ERA:
+            if (piece.count == 1) return out_.put(era.initial);
+            return out_.put(piece.count == 2 ? era.name.substr(0, 1) : era.name);
+        default:
+            return number(date_.year - era.yearBefore, piece.count);
+    }
+}
+
+void DateRenderer::clock(const XlsPiece& piece) {
+    switch (piece.kind) {
+        case Kind::HOUR: {
+            const int hour = section_.amPm == 0 ? time_.hour : (time_.hour + 11) % 12 + 1;
+            return number(hour, piece.count);
+        }
+        case Kind::MINUTE:
+            return number(time_.minute, piece.count);
+        case Kind::SECOND:
+            return number(time_.second, piece.count);
+        case Kind::SECOND_FRACTION: {
+            out_.put(u'.');
+            int fraction = time_.fraction;
+            for (int shown = section_.secondDecimals; shown > piece.count; --shown) fraction /= 10;
+            return number(fraction, piece.count, false);
+        }
+        default: {
+            const std::u16string_view form = xlsAmPm(piece.count);
+            const std::size_t bar = form.find(u'/');
+            return out_.put(time_.hour < 12 ? form.substr(0, bar) : form.substr(bar + 1));
+        }
+    }
+}
+
+void DateRenderer::elapsed(const XlsPiece& piece) {
+    switch (piece.kind) {
+        case Kind::ELAPSED_HOURS:
+            return number(time_.elapsedHours(), piece.count);
+        case Kind::ELAPSED_MINUTES:
+            return number(time_.elapsedMinutes(), piece.count);
+        default:
+            return number(time_.elapsedSeconds(), piece.count);
+    }
+}
+
+}  // namespace
+
+bool renderXlsDate(const FMT& section, const XlsDecimal& value, bool is1904, XlsWriter& out) {
+    // The 1904 system has negative times, but no negative dates.
+    if (value.isNegative() && (section.hasDate || !is1904)) return false;
+    const XlsDecimal magnitude = value.abs();
+    if (!xlsIsDay(magnitude.whole(), is1904)) return false;
+    const XlsTime time(magnitude, section.secondDecimals);
+    XlsDate date;
+    if (section.hasDate) {
+        // A date alone does not show that its time is rounded up to the next day.
+        const std::int64_t day = section.hasTime ? time.days : magnitude.whole();
+        if (!xlsIsDay(day, is1904)) return false;
+        date = xlsDate(day, is1904);
+    }
+    out.setStyle(section.dbNum);
+    if (value.isNegative()) out.put(u'-');
+    DateRenderer(section, time, date, out).run();
+    return true;
+}
+
+}  // namespace LumCommon::detail

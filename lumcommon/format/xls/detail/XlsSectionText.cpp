@@ -1,0 +1,159 @@
+#include <lumcommon/format/xls/detail/XlsSectionText.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
+
+#include <algorithm>
+#include <string>
+
+namespace LumCommon::detail {
+
+namespace {
+
+using Kind = XlsPieceKind;
+
+/// The letter of a field of the calendar or the clock; 0 for other pieces.
+char16_t letterOf(Kind kind) {
+    switch (kind) {
+        case Kind::YEAR:
+            return u'y';
+        case Kind::MONTH:
+        case Kind::MINUTE:
+            return u'm';
+        case Kind::DAY:
+        case Kind::WEEKDAY:
+            return u'd';
+        case Kind::HOUR:
+            return u'h';
+        case Kind::SECOND:
+            return u's';
+        case Kind::ERA:
+            return u'g';
+        case Kind::ERA_YEAR:
+            return u'e';
+        default:
+            return 0;
+    }
+}
+
+/// What stands for a piece of a number or for a text; 0 for other pieces.
+char16_t signOf(Kind kind) {
+    switch (kind) {
+        case Kind::FORCED_DIGIT:
+            return u'0';
+        case Kind::OPTIONAL_DIGIT:
+            return u'#';
+        case Kind::SPACED_DIGIT:
+            return u'?';
+        case Kind::POINT:
+            return u'.';
+        case Kind::COMMA:
+            return u',';
+        case Kind::PERCENT:
+            return u'%';
+        case Kind::FRACTION_BAR:
+            return u'/';
+        case Kind::TEXT:
+            return u'@';
+        default:
+            return 0;
+    }
+}
+
+/// Writes the normal form: letters as the keyword table has them, all literals quoted.
+class SectionText {
+public:
+    SectionText(const FMT& section, UnicodeString& out) : section_(section), out_(out) {}
+
+    void piece(const XlsPiece& piece);
+
+private:
+    void letters(char16_t letter, std::int32_t count) {
+        separate(letter);
+        repeat(letter, count);
+    }
+    void repeat(char16_t unit, std::int32_t count) {
+        for (std::int32_t i = 0; i < count; ++i) out_.append(unit);
+    }
+    /// Keeps two runs of one letter apart.
+    void separate(char16_t letter) {
+        if (!out_.isEmpty() && (out_.charAt(out_.length() - 1) | 0x20) == (letter | 0x20)) out_.append(u"\"\"", 2);
+    }
+    void elapsed(char16_t letter, std::int32_t count) {
+        out_.append(u'[');
+        repeat(letter, count);
+        out_.append(u']');
+    }
+    void literal(const XlsPiece& piece);
+    void word(std::u16string_view text) { out_.append(text.data(), static_cast<std::int32_t>(text.size())); }
+
+    const FMT& section_;
+    UnicodeString& out_;
+};
+
+void SectionText::literal(const XlsPiece& piece) {
+    bool isOpen = false;
+    for (std::int32_t i = piece.start; i < piece.start + piece.count; ++i) {
+        const char16_t c = section_.literals.charAt(i);
+        if ((c == '"') == isOpen) {
+            out_.append(u'"');
+            isOpen = !isOpen;
+        }
+        if (c == '"') out_.append(u'\\');
+        out_.append(c);
+    }
+    if (isOpen) out_.append(u'"');
+}
+
+void SectionText::piece(const XlsPiece& piece) {
+    if (const char16_t letter = letterOf(piece.kind)) return letters(letter, piece.count);
+    if (const char16_t sign = signOf(piece.kind)) return repeat(sign, piece.count);
+    switch (piece.kind) {
+        case Kind::LITERAL:
+            return literal(piece);
+        case Kind::SKIP:
+        case Kind::FILL:
+            out_.append(piece.kind == Kind::SKIP ? u'_' : u'*');
+            out_.append(static_cast<UChar32>(piece.unit));
+            return;
+        case Kind::EXPONENT:
+            out_.append(u'E').append(static_cast<char16_t>(piece.unit));
+            return;
+        case Kind::FIXED_DENOMINATOR:
+            out_.append(UnicodeString::fromUTF8(std::to_string(section_.fixedDenominator)));
+            return;
+        case Kind::GENERAL:
+            separate(u'g');
+            return word(u"General");
+        case Kind::SECOND_FRACTION:
+            out_.append(u'.');
+            return repeat(u'0', piece.count);
+        case Kind::AM_PM:
+            return word(xlsAmPm(piece.count));
+        case Kind::ELAPSED_HOURS:
+            return elapsed(u'h', piece.count);
+        case Kind::ELAPSED_MINUTES:
+            return elapsed(u'm', piece.count);
+        case Kind::ELAPSED_SECONDS:
+            return elapsed(u's', piece.count);
+        default:
+            return;  // unreachable: the others have a letter or a sign
+    }
+}
+
+}  // namespace
+
+void setXlsSectionText(FMT& section, const UnicodeString& prefix) {
+    section.text = prefix;
+    const auto has = [&](Kind kind) {
+        return std::ranges::find(section.pieces, kind, &XlsPiece::kind) != section.pieces.end();
+    };
+    // A year of an era needs a sign that the code is Japanese.
+    constexpr unsigned japanese = 0x411;
+    if (section.locale != japanese && has(Kind::ERA_YEAR) && !has(Kind::ERA)) {
+        section.text.append(u"[$-411]", -1);
+        if (section.locale == 0) section.locale = japanese;
+    }
+    SectionText writer(section, section.text);
+    for (const XlsPiece& piece : section.pieces) writer.piece(piece);
+}
+
+}  // namespace LumCommon::detail

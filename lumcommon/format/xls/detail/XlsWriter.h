@@ -1,0 +1,79 @@
+#pragma once
+
+#include <lumcommon/core/Text.h>
+#include <lumcommon/format/xls/detail/XlsNumerals.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace LumCommon::detail {
+
+/// Appends to a string through a small buffer of its own: a call of UnicodeString::append a unit costs more than the
+/// rest of the formatting. Digits come out in a numeral style.
+class XlsWriter {
+public:
+    explicit XlsWriter(UnicodeString& out) : out_(out) {}
+    XlsWriter(const XlsWriter&) = delete;
+    XlsWriter& operator=(const XlsWriter&) = delete;
+    ~XlsWriter() { flush(); }
+
+    void setStyle(int style) { style_ = style; }
+
+    void put(char16_t unit) {
+        if (count_ == capacity) flush();
+        buffer_[count_++] = unit;
+    }
+    void put(std::u16string_view text) {
+        for (const char16_t c : text) put(c);
+    }
+    void digit(char ascii) { put(style_ == 0 ? static_cast<char16_t>(ascii) : xlsNumeral(ascii - '0', style_)); }
+    /// ASCII text, its digits in the style.
+    void number(std::string_view ascii) {
+        for (const char c : ascii) {
+            if (c >= '0' && c <= '9') {
+                digit(c);
+            } else {
+                put(static_cast<char16_t>(c));
+            }
+        }
+    }
+    void spaces(std::int64_t count) {
+        for (; count > 0; --count) put(u' ');
+    }
+    /// Part of another string.
+    void text(const UnicodeString& source, std::int32_t start, std::int32_t length) {
+        if (length > capacity) {
+            flush();
+            out_.append(source, start, length);
+            return;
+        }
+        for (std::int32_t i = start; i < start + length; ++i) put(source.charAt(i));
+    }
+    /// The first one counts.
+    void fill(char32_t character) {
+        if (fillAt_ >= 0) return;
+        flush();
+        fillAt_ = out_.length();
+        fillCharacter_ = static_cast<UChar32>(character);
+    }
+    void flush() {
+        out_.append(buffer_, 0, count_);
+        count_ = 0;
+    }
+
+    /// Where in the string the fill belongs; -1 for none.
+    std::int32_t fillAt() const { return fillAt_; }
+    UChar32 fillCharacter() const { return fillCharacter_; }
+
+private:
+    static constexpr std::int32_t capacity = 64;
+
+    UnicodeString& out_;
+    int style_ = 0;
+    std::int32_t count_ = 0;
+    std::int32_t fillAt_ = -1;
+    UChar32 fillCharacter_ = 0;
+    char16_t buffer_[capacity];
+};
+
+}  // namespace LumCommon::detail

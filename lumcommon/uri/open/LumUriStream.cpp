@@ -1,0 +1,235 @@
+#include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/PlatformText.h>
+#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/streams/detail/StreamReading.h>
+#include <lumcommon/uri/open/LumUriStream.h>
+#include <lumcommon/uri/open/detail/HttpHead.h>
+#include <lumcommon/uri/open/detail/TcpSocket.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <limits>
+#include <string>
+
+namespace LumCommon {
+namespace {
+
+using detail::Deadline;
+using detail::HttpHead;
+
+constexpr std::size_t putBackBytes = 16;
+constexpr std::size_t readBytes = 4096;
+constexpr int maxRequests = 100;
+constexpr std::string_view userAgent = "Lumset V3.9 R1 for Linux (3,9,2006,0901)";
+
+std::atomic<int> s_timeoutMilliseconds{LumUriStreamBuf::defaultTimeoutMilliseconds};
+
+/// The URL as it goes over the line. Blanks and control characters are escaped: a line end in the URL would let who
+/// wrote it write lines of the request.
+std::string toRequestBytes(const UnicodeString& uri) {
+    UnicodeString escaped;
+    for (const char16_t unit : detail::viewOf(uri)) {
+        if (unit > 0x20 && unit != 0x7F) {
+            escaped.append(unit);
+        } else {
+            constexpr char16_t digits[] = u"0123456789ABCDEF";
+            escaped.append(u'%').append(digits[unit >> 4]).append(digits[unit & 15]);
+        }
+    }
+    return detail::toPlatformPath(escaped).value_or(std::string());
+}
+
+/// What a server sent, read as requests are written.
+UnicodeString fromResponse(std::string_view bytes) { return detail::fromPlatformText(std::string(bytes).c_str()); }
+
+/// The value of HTTP_PROXY; empty when it is not set.
+std::string getProxy() {
+    LumMutex guard;
+    const char* const value = std::getenv("HTTP_PROXY");
+    return value ? value : "";
+}
+
+/// The number that the status begins with; 0 without one.
+int numberOf(std::string_view status) {
+    const long number = std::strtol(std::string(status).c_str(), nullptr, 10);
+    return static_cast<int>(std::clamp<long>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+bool isSuccess(int status) { return status >= 200 && status <= 299; }
+
+bool isRedirection(int status) { return (status >= 301 && status <= 303) || status == 305; }
+
+}  // namespace
+
+LumUriStreamBuf::LumUriStreamBuf(const UnicodeString& uri) { open(uri); }
+
+LumUriStreamBuf::LumUriStreamBuf(const char* uri)
+    : LumUriStreamBuf(uri ? detail::fromPlatformText(uri) : UnicodeString()) {}
+
+LumUriStreamBuf::~LumUriStreamBuf() { close(); }
+
+int LumUriStreamBuf::getTimeout() noexcept { return s_timeoutMilliseconds.load(std::memory_order_relaxed); }
+
+int LumUriStreamBuf::setTimeout(int milliseconds) noexcept {
+    return s_timeoutMilliseconds.exchange(milliseconds > 0 ? milliseconds : defaultTimeoutMilliseconds,
+                                          std::memory_order_relaxed);
+}
+
+bool LumUriStreamBuf::open(const UnicodeString& uri) {
+    close();
+    buffer_.reset();
+    status_ = 0;
+    contentType_.remove();
+    errorMessage_.remove();
+    try {
+        if (exchange(uri)) return true;
+    } catch (...) {
+        errorMessage_ = u"Unknown exception";
+    }
+    close();
+    return false;
+}
+
+/// Makes requests until one is answered with other than a redirection. False when that is not a success.
+bool LumUriStreamBuf::exchange(UnicodeString uri) {
+    for (int count = 0; count < maxRequests; ++count) {
+        close();
+        if (!request(uri)) return false;
+        HttpHead head;
+        const bool isComplete = readHead(head);
+        if (const auto text = head.getStatusText()) {
+            status_ = numberOf(*text);
+            // A head that breaks off behind its first line still tells why there is no resource, but not where to look
+            // for it or what it is.
+            if (isComplete || !(isSuccess(status_) || isRedirection(status_))) {
+                errorMessage_ = UnicodeString(u"HTTP status is ").append(fromResponse(*text));
+            }
+        } else if (isComplete) {
+            errorMessage_ = u"HTTP status is unknown: the response is not HTTP";
+        }
+        if (!isComplete) return false;
+        if (isSuccess(status_)) {
+            const auto types = head.getValues("content-type");
+            if (!types.empty()) contentType_ = fromResponse(types.back());
+            setg(gptr(), gptr(), egptr());  // the head cannot be put back
+            return true;
+        }
+        if (!isRedirection(status_)) return false;
+        const auto locations = head.getValues("location");
+        if (locations.empty()) return false;
+        uri = fromResponse(locations.front());
+    }
+    return false;
+}
+
+/// Connects and sends the request. False, with the message set, when there is no connection to be had.
+bool LumUriStreamBuf::request(const UnicodeString& uri) {
+    const std::string url = toRequestBytes(uri);
+    if (!detail::httpSchemeLength(url)) {
+        errorMessage_ = u"No http scheme";
+        return false;
+    }
+    const detail::HttpUrl target(url);
+    std::string text = "GET ";
+    std::string hostLine;
+    if (connect(target.host, target.port)) {
+        text += target.path;
+        hostLine = "Host: " + target.host + "\r\n";
+    } else {
+        if (!errorMessage_.isEmpty()) return false;
+        const std::string proxy = getProxy();
+        if (proxy.empty()) {
+            errorMessage_ = u"Cannot connect or no proxy";
+            return false;
+        }
+        const detail::HttpAuthority authority(proxy);
+        if (!connect(authority.host, authority.port)) {
+            if (errorMessage_.isEmpty()) errorMessage_ = u"Cannot connect via proxy";
+            return false;
+        }
+        text += url;
+    }
+    text.append(" HTTP/1.0\r\nUser-Agent: ").append(userAgent).append("\r\n");
+    text.append(hostLine).append("Accept: */*\r\n\r\n");
+    // A server may answer and close before it has read all; what it says counts, so the result is not looked at.
+    static_cast<void>(detail::sendTcp(socket_, text, Deadline(getTimeout())));
+    return true;
+}
+
+/// Opens a new socket to the host. False with a message when there is no socket, false without one when there is no
+/// connection.
+bool LumUriStreamBuf::connect(const std::string& host, unsigned short port) {
+    close();
+    errorMessage_.remove();
+    socket_ = detail::makeTcpSocket();
+    if (socket_ == -1) {
+        errorMessage_ = u"Cannot create socket";
+        return false;
+    }
+    return detail::connectTcp(socket_, host, port, Deadline(getTimeout()));
+}
+
+/// Reads the response up to the body. False, with a message, when that is not reached.
+bool LumUriStreamBuf::readHead(HttpHead& head) {
+    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(putBackBytes + readBytes);
+    // One deadline for the whole head: a server that sends a byte now and then must not keep the caller for ever.
+    const Deadline deadline(getTimeout());
+    for (;;) {
+        if (gptr() == egptr() && !receiveMore(deadline)) {
+            errorMessage_ = deadline.isOver() ? u"HTTP status is unknown: the response takes too long"
+                                              : u"HTTP status is unknown: the response ends early";
+            return false;
+        }
+        const char byte = *gptr();
+        gbump(1);
+        const HttpHead::Progress progress = head.take(byte);
+        if (progress == HttpHead::Progress::TooLong) {
+            errorMessage_ = u"HTTP status is unknown: the head of the response is too long";
+            return false;
+        }
+        if (progress == HttpHead::Progress::Complete) {
+            if (byte == '\r' && (gptr() < egptr() || receiveMore(deadline)) && *gptr() == '\n') gbump(1);
+            return true;
+        }
+    }
+}
+
+LumUriStreamBuf::int_type LumUriStreamBuf::underflow() {
+    if (!is_open()) return traits_type::eof();
+    if (gptr() == egptr() && !receiveMore(Deadline(getTimeout()))) return traits_type::eof();
+    return traits_type::to_int_type(*gptr());
+}
+
+/// Fills the get area with what comes next. False, and the get area stands at its end, when nothing does.
+bool LumUriStreamBuf::receiveMore(const Deadline& deadline) {
+    if (isEnded_) return false;
+    char* const fresh = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr(), putBackBytes);
+    const std::size_t received = detail::receiveTcp(socket_, {fresh, readBytes}, deadline);
+    setg(buffer_.get(), fresh, fresh + received);
+    isEnded_ = received == 0;
+    return !isEnded_;
+}
+
+void LumUriStreamBuf::close() noexcept {
+    if (socket_ != -1) ::close(socket_);
+    socket_ = -1;
+    isEnded_ = false;
+    setg(nullptr, nullptr, nullptr);
+}
+
+LumUriStream::LumUriStream(const UnicodeString& uri) : std::istream(nullptr), buffer_(uri) {
+    std::istream::rdbuf(&buffer_);
+    if (!is_open()) setstate(failbit);
+}
+
+LumUriStream::LumUriStream(const char* uri) : std::istream(nullptr), buffer_(uri) {
+    std::istream::rdbuf(&buffer_);
+    if (!is_open()) setstate(failbit);
+}
+
+LumUriStream::~LumUriStream() = default;
+
+}  // namespace LumCommon

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <lumcommon/core/Api.h>
+#include <lumcommon/core/Text.h>
+
+#include <istream>
+#include <memory>
+#include <streambuf>
+
+namespace LumCommon {
+
+namespace detail {
+class Deadline;
+class HttpHead;
+struct HttpUrl;
+}  // namespace detail
+
+/// Reads the body of an http: resource while it arrives.
+///
+/// The resource is fetched with an HTTP/1.0 GET over IPv4. When its host cannot be reached, the request goes through
+/// the proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme). The statuses 301, 302,
+/// 303 and 305 are followed when they come with a location, which must be an http: URI in full; no more than 100
+/// requests are made in all. Up to 16 bytes that were read can be put back. Seeking is not supported: put a
+/// LumMemStream on top.
+///
+/// Limits: a response head has at most 64 KiB. Connecting, sending, the whole head, and each read of the body may take
+/// as long as getTimeout() says; looking up the name of a host takes as long as the system's resolver does.
+/// Memory: constant, whatever the server sends.
+/// Failure: nothing is thrown. The buffer is then closed and getErrorMessage() has the reason. A body that ends early,
+/// a connection that breaks and a read that takes too long all end the stream; the length that the server announced is
+/// not compared. SIGPIPE is never raised.
+/// Threads: one at a time; any number of buffers can be open at once.
+class LUM_API LumUriStreamBuf : public std::streambuf {
+public:
+    static constexpr int defaultTimeoutMilliseconds = 30000;
+
+    /// Opens the resource.
+    explicit LumUriStreamBuf(const UnicodeString& uri);
+    /// @param uri  in the platform's encoding; null counts as empty.
+    explicit LumUriStreamBuf(const char* uri);
+    LumUriStreamBuf(const LumUriStreamBuf&) = delete;
+    LumUriStreamBuf& operator=(const LumUriStreamBuf&) = delete;
+    /// Closes the connection.
+    ~LumUriStreamBuf() override;
+
+    /// Opens another resource in place of the one before; the constructors call it. False when that fails.
+    bool open(const UnicodeString& uri);
+    /// True from the end of a response head with a status from 200 to 299 on, also after the last byte of the body.
+    bool is_open() const noexcept { return buffer_ && socket_ != -1; }
+
+    /// The status of the last response; 0 without one.
+    int getStatus() const noexcept { return status_; }
+    /// The media type that the server gave; empty without one.
+    const UnicodeString& getContentType() const noexcept { return contentType_; }
+    /// The last thing to report about opening: "No http scheme", "Cannot create socket", "Cannot connect via proxy",
+    /// "Cannot connect or no proxy", "Unknown exception", or "HTTP status is " and the status with its text, which is
+    /// there after a success as well. Where there is no status to go by, what follows "HTTP status is " tells why.
+    const UnicodeString& getErrorMessage() const noexcept { return errorMessage_; }
+
+    /// How long connecting and each wait for the server may take, in milliseconds, for the whole process. Waits that
+    /// have begun are not affected. Threads: any.
+    static int getTimeout() noexcept;
+    /// Sets it and returns the value before. A value that is not positive stands for the default.
+    static int setTimeout(int milliseconds) noexcept;
+
+    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
+    int_type underflow() override;
+
+private:
+    bool exchange(UnicodeString uri);
+    bool request(const UnicodeString& uri);
+    bool connect(const std::string& host, unsigned short port);
+    bool readHead(detail::HttpHead& head);
+    bool receiveMore(const detail::Deadline& deadline);
+    void close() noexcept;
+
+    std::unique_ptr<char[]> buffer_;  // null until a request has been sent
+    int status_ = 0;
+    UnicodeString contentType_;
+    UnicodeString errorMessage_;
+    int socket_ = -1;
+    bool isEnded_ = false;  // no more bytes come; asking again would only wait
+};
+
+/// An input stream over a LumUriStreamBuf of its own. Threads: one at a time.
+class LUM_API LumUriStream : public std::istream {
+public:
+    /// Opens the resource; is_open() tells whether that worked, and the stream has failed when it did not.
+    explicit LumUriStream(const UnicodeString& uri);
+    explicit LumUriStream(const char* uri);
+    ~LumUriStream() override;
+
+    bool is_open() const noexcept { return buffer_.is_open(); }
+    /// The buffer; it lives as long as the stream.
+    LumUriStreamBuf* rdbuf() const noexcept { return const_cast<LumUriStreamBuf*>(&buffer_); }
+
+private:
+    LumUriStreamBuf buffer_;
+};
+
+}  // namespace LumCommon

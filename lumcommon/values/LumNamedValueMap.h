@@ -1,0 +1,90 @@
+#pragma once
+
+#include <lumcommon/core/LumPtr.h>
+#include <lumcommon/names/LumName.h>
+#include <lumcommon/values/LumValue.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace LumCommon {
+
+namespace detail {
+class ValuePrinter;
+}
+
+/// A value that carries the name under which a LumNamedValueMap holds it, in the name bits of its type word.
+class LUM_API LumNamedValue : public LumValue {
+public:
+    LumNamedValue() noexcept = default;
+    LumNamedValue(LumName name, const LumValue& value) : LumValue(value) { setNameKey(name.getEnum()); }
+
+    LumName getName() const noexcept { return LumName(getNameKey()); }
+};
+
+/// Orders named values by the identifiers of their names; nothing else is compared.
+struct LessLumValueName {
+    bool operator()(const LumNamedValue& a, const LumNamedValue& b) const noexcept { return a.getName() < b.getName(); }
+};
+
+/// The components of a compound property value: an ordered set of named values, at most one for each name, in the
+/// order of the names' identifiers.
+/// Threads: one at a time; a map inside a LumValue is shared by all copies of that value.
+class LUM_API LumNamedValueMap : public LumRCObject {
+public:
+    static constexpr unsigned int TYPE_ID = 0xE7D947B0u;
+
+    LumNamedValueMap() = default;
+    /// Releases maps nested in the entries too, to any depth, in constant stack.
+    ~LumNamedValueMap() override;
+
+    unsigned int getTypeID() const override { return TYPE_ID; }
+    bool isA(unsigned int typeId) const override;
+    UnicodeString getTypeName() const override;
+
+    /// A new map with copies of all entries.
+    LumPtr<LumNamedValueMap> clone() const;
+    int getCount() const;
+    /// The entry at that position in name order; a null value with a null name outside 0 to count-1.
+    LumNamedValue item(int index) const;
+    /// The entry with that name; when absent, the null value carrying the asked name.   Cost: logarithmic.
+    LumNamedValue getNamedItem(LumName name) const;
+    /// Adds the value under the name or replaces the value there.   Cost: linear in the count.
+    void setNamedItem(LumName name, const LumValue& value);
+    void setNamedItem(const LumNamedValue& value);
+    /// Removes the entry when it is there.
+    void removeNamedItem(LumName name);
+    /// Removes the entry when it is there and its value equals `value`.
+    void removeNamedItem(LumName name, const LumValue& value);
+
+private:
+    friend class LumNamedValueMapIterator;
+    friend class detail::ValuePrinter;  // reads entries in place
+
+    std::vector<LumNamedValue>::const_iterator find(LumName name) const;
+    void releaseNestedMaps(LumNamedValueMap*& pending) noexcept;
+
+    LumNamedValueMap* nextPending_ = nullptr;  // links maps that wait for their release
+    std::vector<LumNamedValue> entries_;       // sorted; maps are small and read far more often than written
+};
+
+/// Walks a LumNamedValueMap in name order. The map must outlive the iterator and stay unchanged.
+class LUM_API LumNamedValueMapIterator {
+public:
+    explicit LumNamedValueMapIterator(const LumNamedValueMap* map);
+
+    /// The current entry; then moves forward. A null entry at the end.
+    LumNamedValue next();
+    /// Moves back and returns the entry now current. A null entry at the start.
+    LumNamedValue previous();
+    bool hasNext() const;
+    bool hasPrevious() const;
+    void setToStart();
+    void setToEnd();
+
+private:
+    const LumNamedValueMap* map_;
+    std::size_t position_ = 0;
+};
+
+}  // namespace LumCommon
