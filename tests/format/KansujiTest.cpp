@@ -68,8 +68,7 @@ TEST(Kansuji, readsAsIcuSpellsNumbersOut) {
         ASSERT_EQ(got, expected) << number << ": " << utf8(got) << ", ICU " << utf8(expected);
     };
     constexpr std::int64_t endOfIcu = 1'000'000'000'000'000'000;
-    const int step = std::getenv("LUM_TEST_LARGE") ? 1 : 991;
-    for (int number = 0; number < 100'000'000; number += number < 30'000 ? 1 : step) compare(number);
+    for (int number = 0; number < 100'000'000; number += number < 30'000 ? 1 : 991) compare(number);
     for (std::int64_t power = 1; power < endOfIcu; power *= 10)
         for (const std::int64_t number : {power - 1, power, power + 1, 9 * power, 10 * power - 1}) compare(number);
     std::mt19937_64 random(5);
