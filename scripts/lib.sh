@@ -4,8 +4,8 @@
 LUM_LIBRARY_PACKAGES="g++ cmake ninja-build pkg-config libicu-dev zlib1g-dev uuid-dev"
 
 # What the tests, checks and benchmarks need besides.
-LUM_PACKAGES="$LUM_LIBRARY_PACKAGES g++-multilib clang libclang-rt-14-dev ccache clang-format binutils
-python3 libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
+LUM_PACKAGES="$LUM_LIBRARY_PACKAGES g++-multilib clang libclang-rt-14-dev ccache clang-format clang-tidy
+binutils python3 libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
 libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip doxygen locales"
 
 # Installs the packages named that are missing. Without root it names the command that does so, and stops.
