@@ -66,7 +66,7 @@ void enter(const char* name, Operation operation, Group group) {
     });
 }
 
-/// Numbers, names and RGB colours need no memory of their own.
+/// Numbers, names and RGB colours take no memory.
 bool needsNoMemory() {
     bool isTrue = true;
     for (const Group group : {numbers, names, colors}) {

@@ -1,5 +1,5 @@
 // Ten common number format codes: the time to parse one, and to show one cell by a parsed one. ICU shows the same cells
-// by patterns of its own, where it has one that means the same.
+// by its own patterns, where it has one that means the same.
 
 #include <benchmark/benchmark.h>
 #include <lumcommon/format/xls/XlsFormat.h>

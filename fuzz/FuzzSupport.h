@@ -41,7 +41,7 @@ private:
     std::size_t size_;
 };
 
-/// The bytes in a heap block of exactly their size, so that a read behind the last byte is seen by the sanitizer,
+/// The bytes in a heap block of exactly their size, so that the sanitizer sees a read past the last byte,
 /// handed out in pieces whose sizes repeat `first`, `second`. As with a socket, what is there is one piece.
 class PieceBuffer : public std::streambuf {
 public:

@@ -1,6 +1,6 @@
 // Any bytes may call themselves an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
-// depth rises and falls by one with start and end tags; a callback that goes on after errors ends as well.
+// depth rises and falls by one with start and end tags; a callback that continues after errors ends as well.
 
 #include <lumcommon/lumcommon.h>
 
@@ -23,7 +23,7 @@ struct Setting {
     bool touchOnlyTags = false;  // an accessor that fills a cache must not change what comes after
 };
 
-/// A callback may let parsing go on; one that never stops would have a malformed input report for ever.
+/// A callback may let parsing continue; one that never stops would let a malformed input report without end.
 constexpr int maxReports = 1000;
 
 struct Reports {

@@ -1,9 +1,9 @@
 // Any bytes may be a property set. The first byte chooses whether it is the summary information of its document or the
 // document summary information; the rest is laid into a sound compound file.
-// Laws: what is read is no more than twice the input; asking twice gives the same; a failure leaves the value alone;
-// strings are no longer than the input in UTF-16, links no longer in all. Values of every type hold no more than four
-// times the input in all and no more elements than the limit; one read by itself is the same unless a limit was met;
-// damaged ones have no content.
+// Laws: what is read is no more than twice the input; asking twice gives the same; a failure leaves the value as it
+// was; strings are no longer than the input in UTF-16, links no longer in all. Values of every type hold no more than
+// four times the input in all and no more elements than the limit; one read by itself is the same unless a limit was
+// met; damaged ones have no content.
 
 #include <lumcommon/lumcommon.h>
 

@@ -1,6 +1,6 @@
 // Any text may be the value of a property. The first two bytes choose the reading of the rest.
 // Laws: every kind of reading ends within one call more than the text has units, and stays at its end; positions do not
-// go back behind the start or beyond the end; what is printed parses back to what prints the same; what is quoted
+// move before the start or past the end; what is printed parses back to what prints the same; what is quoted
 // unquotes to itself.
 
 #include <lumcommon/lumcommon.h>

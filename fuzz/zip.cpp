@@ -1,5 +1,5 @@
 // Any bytes may call themselves an archive. The first byte chooses how they lie before the reader.
-// Laws: members lie one behind the other within the input, so their data together are no longer than it; a member is at
+// Laws: members lie one after the other within the input, so their data together are no longer than it; a member is at
 // most 1032 times as long as its data; all ways of reading a member agree, and so does every kind of stream; the name
 // of a member leads to the first that bears it.
 

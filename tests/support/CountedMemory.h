@@ -39,7 +39,7 @@ inline bool countMemoryOfIcu() {
     if (void* memory = LumTest::countedAllocate(bytes)) return memory;
     throw std::bad_alloc();
 }
-// A sanitizer brings a form of its own, whose blocks std::free may not release.
+// A sanitizer brings its own form, whose blocks std::free may not release.
 [[gnu::noinline]] void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
     return LumTest::countedAllocate(bytes);
 }

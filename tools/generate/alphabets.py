@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Generates Sequences.inc and Alphabets.inc in lumcommon/format/detail from lumcommon/format/alphabets.txt.
 
-Source: this project's own list of alphabets, one a line, each behind its count of letters.
+Source: this project's own list of alphabets, one a line, each after its count of letters.
 
   tools/generate/alphabets.py --write   rewrites the tables
   tools/generate/alphabets.py --check   fails with a diff when a table is not what the list gives

@@ -23,7 +23,7 @@ TABLES = [
     ("mathml-names.txt", "MathMLNames.inc", "MATHML_"),
 ]
 
-# Namespace URIs have enumerators of their own: spelled out, they would be unreadable.
+# Namespace URIs have their own enumerators: spelled out, they would be unreadable.
 NAMESPACES = {
     "http://ns.lumset.example/names/XSL/AreaTree": "NS_AREATREE",
     "http://ns.lumset.example/names/XSL/Extensions": "NS_EXTENSIONS",

@@ -9,7 +9,7 @@ library, so that the two can disagree.
 A row has four columns; "\\t", "\\n" and "\\\\" stand for tab, line end and backslash in the first two:
   text    the attribute value
   value   kind, unit and printed form of LumValue::parse; "=" for the plain string of the whole text
-  color   LumColor::toString(false) of LumValue::parseColor(text, true), "-" where it is no colour
+  color   LumColor::toString(false) of LumValue::parseColor(text, true), "-" where it is not a colour
   tokens  LumTokenizer::nextToken to the end: N number, I name, S string, H hash colour, a delimiter as it is
 
   tools/generate/propertyValues.py --write   rewrites the table
@@ -85,7 +85,7 @@ def print_rgb(rgb):
 
 
 def number_of(match, sign):
-    """Kind, unit, number and unit string of a number token; none when its suffix would be a token of its own."""
+    """Kind, unit, number and unit string of a number token; none when its suffix would be a separate token."""
     digits, suffix = match["number"], match["suffix"]
     number = -float(digits) if sign == "-" else float(digits)
     if suffix is None:
