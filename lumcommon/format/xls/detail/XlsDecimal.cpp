@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/detail/XlsDecimal.h>
 
 #include <algorithm>
@@ -10,8 +11,6 @@ namespace LumCommon::detail {
 
 namespace {
 
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
 /// A number with more zeros than this behind its point is no matter for fractions and times.
 constexpr std::int64_t farBehindPoint = 40;
 
@@ -23,7 +22,7 @@ struct Scientific {
 
     Scientific(const char* text, const char* end) {
         for (; *text != 'e'; ++text) {
-            if (isDigit(*text)) digits[count++] = *text;
+            if (isAsciiDigit(*text)) digits[count++] = *text;
         }
         ++text;
         if (*text == '+') ++text;  // from_chars takes no plus sign
@@ -92,7 +91,7 @@ XlsDecimal::XlsDecimal(std::string_view text) {
             isBehindPoint = true;
             continue;
         }
-        if (!isDigit(c)) break;
+        if (!isAsciiDigit(c)) break;
         if (count_ == 0 && c == '0') {
             if (isBehindPoint) --point_;
             continue;
