@@ -135,7 +135,7 @@ LumColor ColorReader::readSeparation(const LumValue& separation, const LumColor&
     }
     color.rgb_ = fallback.getRGB();
     color.isRgbGiven_ = isRgbGiven;
-    // An alternative is written behind a tint only.
+    // An alternative is written only after a tint.
     color.isTintGiven_ = tintItem.isNumeric() || color.isCmykGiven_;
     return color;
 }

@@ -38,7 +38,7 @@ struct Parts {
         return result;
     }
 
-    /// Rounds half up behind that many digits of both parts together.
+    /// Rounds half up after that many digits of both parts together.
     void round(std::int64_t kept) {
         const std::size_t before = integer.size();
         std::string all = integer + fraction;

@@ -199,7 +199,7 @@ int XlsFormatString::WeekOfNum(double serial, int baseYear) {
 }
 
 int XlsFormatString::RekiOfNum(double serial, int baseYear) {
-    // Days before the first and behind the last one have an era as well.
+    // Days before the first and after the last one have an era as well.
     const double day = serial >= 0 ? std::fmin(serial, 1e9) : 0;
     return detail::xlsEraOfDay(static_cast<std::int64_t>(day), baseYear == 1904);
 }

@@ -234,7 +234,7 @@ bool XlsCodeScan::styleBracket(std::u16string_view content) {
 }
 
 void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
-    // The symbol goes up to the hyphen; behind it stands a language, as hexadecimal number or by its tag.
+    // The symbol goes up to the hyphen; a language follows, as a hexadecimal number or by its tag.
     constexpr unsigned japanese = 0x411;
     const std::size_t hyphen = std::min(content.find(u'-'), content.size());
     literal(begin + 1, begin + static_cast<std::int32_t>(hyphen));
