@@ -47,6 +47,7 @@
 #include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/names/NamespaceMap.h>
 #include <lumcommon/names/SVGName.h>
+#include <lumcommon/names/VocabularyName.h>
 #include <lumcommon/streams/JZIOobj.h>
 #include <lumcommon/streams/LumCustomStreamBuf.h>
 #include <lumcommon/streams/LumGzipStream.h>

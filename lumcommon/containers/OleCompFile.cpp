@@ -3,9 +3,10 @@
 #include <lumcommon/containers/detail/OleFields.h>
 #include <lumcommon/containers/detail/OleSignature.h>
 #include <lumcommon/containers/detail/SectorChain.h>
+#include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CodePoints.h>
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/streams/JZIOobj.h>
-#include <unicode/locid.h>
 
 #include <algorithm>
 #include <climits>
@@ -26,11 +27,9 @@ constexpr unsigned paddedHeaderVersion = 4;
 constexpr std::int32_t noSector = -2;
 constexpr std::int32_t freeSector = -1;
 
-UnicodeString upperCased(UnicodeString text) { return text.toUpper(icu::Locale::getRoot()); }
-
 UnicodeString nameText(const char* name) {
     const UnicodeString text = UnicodeString::fromUTF8(name);
-    return text.indexOf(char16_t{0xFFFD}) < 0 ? text : UnicodeString(name);
+    return text.indexOf(detail::replacementCharacter) < 0 ? text : UnicodeString(name);
 }
 
 }  // namespace
@@ -238,7 +237,7 @@ long OleCompFile::getNextBlock(long sector, bool mini) const noexcept {
 
 long OleCompFile::findDirEntryByName(const OleDirInfo* start, const char* name) const {
     if (!start || !name) return -1;
-    const UnicodeString wanted = upperCased(nameText(name));
+    const UnicodeString wanted = detail::toUpperCase(nameText(name));
     std::vector<bool> isVisited(directory_.size());  // siblings that point at one another would be met for ever
     std::vector<int> waiting{start->getIndex()};
     while (!waiting.empty()) {
@@ -246,7 +245,7 @@ long OleCompFile::findDirEntryByName(const OleDirInfo* start, const char* name) 
         waiting.pop_back();
         if (!entry || isVisited[static_cast<std::size_t>(entry->getIndex())]) continue;
         isVisited[static_cast<std::size_t>(entry->getIndex())] = true;
-        if (upperCased(entry->getName()) == wanted) return entry->getIndex();
+        if (detail::toUpperCase(entry->getName()) == wanted) return entry->getIndex();
         waiting.push_back(entry->getRight());
         waiting.push_back(entry->getLeft());  // taken first
     }

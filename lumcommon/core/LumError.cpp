@@ -1,8 +1,8 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/DecimalText.h>
+#include <lumcommon/core/detail/ErrorText.h>
 #include <lumcommon/core/detail/TextView.h>
 
-#include <algorithm>
-#include <functional>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -10,61 +10,38 @@
 namespace LumCommon {
 namespace {
 
-struct ErrorRow {
-    std::uint16_t code;
-    std::u16string_view text;
-};
+using detail::append;
+using detail::appendDecimal;
+using detail::ErrorRow;
+using detail::viewOf;
 
 constexpr ErrorRow errorRows[] = {
 #include <lumcommon/core/LumErrors.inc>
 };
-static_assert(std::ranges::adjacent_find(errorRows, std::ranges::greater_equal{}, &ErrorRow::code) ==
-              std::end(errorRows));
+static_assert(detail::isInOrder(errorRows));
 
 constexpr std::u16string_view sourceTexts[] = {
 #include <lumcommon/core/LumErrorSources.inc>
 };
 static_assert(std::size(sourceTexts) == 28);
 
-using detail::append;
-
-void appendDecimal(UnicodeString& to, std::int32_t number) {
-    for (const char digit : std::to_string(number)) to.append(static_cast<char16_t>(digit));
-}
-
-/// Fills in the markers of a message in one pass, so that a "%" inside an argument is not taken for a marker.
-UnicodeString fillMarkers(std::u16string_view pattern, const UnicodeString& arg1, const UnicodeString& arg2) {
-    UnicodeString result;
-    while (true) {
-        const std::size_t marker = pattern.find(u'%');
-        append(result, pattern.substr(0, marker));
-        if (marker == std::u16string_view::npos) return result;
-        switch (pattern[marker + 1]) {
-            case u'n':
-                arg1.isEmpty() ? append(result, u"arg") : result.append(arg1);
-                break;
-            case u'c':
-                arg1.isEmpty() ? append(result, u".") : append(result, u": ").append(arg1);
-                break;
-            case u'1':
-                result.append(arg1);
-                break;
-            default:
-                result.append(arg2);
-                break;
-        }
-        pattern.remove_prefix(marker + 2);
-    }
+/// The message of a code; see LumErrors.inc for the placeholders.
+UnicodeString makeMessage(std::u16string_view text, const UnicodeString& arg1, const UnicodeString& arg2) {
+    const std::u16string_view first = viewOf(arg1);
+    UnicodeString clause;
+    append(append(clause, first.empty() ? u"." : u": "), first);
+    return detail::fillErrorText(text, {first, viewOf(arg2), first.empty() ? u"arg" : first, viewOf(clause)});
 }
 
 /// @param family  the high byte of the codes that the caller may raise: a code of the other family has no text there.
 [[noreturn]] void throwWithText(std::uint16_t code, unsigned family, LumCommonErrorSource source,
                                 std::u16string_view textOfUnknownCode, const UnicodeString& arg1,
                                 const UnicodeString& arg2) {
-    const auto* const row = std::ranges::lower_bound(errorRows, code, {}, &ErrorRow::code);
-    const bool isKnown = row != std::end(errorRows) && row->code == code && code >> 8 == family;
-    throw LumError(code, fillMarkers(isKnown ? row->text : textOfUnknownCode, arg1, arg2), getCommonErrorSource(source),
-                   -1, -1, UnicodeString());
+    std::u16string_view text = textOfUnknownCode;
+    if (code >> 8 == family) {
+        if (const std::u16string_view known = detail::findErrorText(errorRows, code); known.data()) text = known;
+    }
+    throw LumError(code, makeMessage(text, arg1, arg2), getCommonErrorSource(source), -1, -1, UnicodeString());
 }
 
 UnicodeString textOfException(const std::exception& exception) {

@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumUUID.h>
+#include <lumcommon/core/detail/HexText.h>
 
 #include <uuid/uuid.h>
 
@@ -13,9 +14,8 @@ LumUUID::LumUUID() : bytes_{} { uuid_generate(bytes_.data()); }
 LumUUID::LumUUID(const std::uint8_t* bytes) noexcept : bytes_{} { std::copy_n(bytes, bytes_.size(), bytes_.begin()); }
 
 UnicodeString LumUUID::toString() const {
-    static constexpr char16_t digits[] = u"0123456789ABCDEF";
     UnicodeString text;
-    for (const std::uint8_t byte : bytes_) text.append(digits[byte >> 4]).append(digits[byte & 0x0F]);
+    for (const std::uint8_t byte : bytes_) detail::appendHexByte(text, byte);
     return text;
 }
 

@@ -1,24 +1,20 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/detail/ExactType.h>
 
 #include <cstdint>
 #include <memory>
-#include <typeinfo>
 #include <unordered_map>
 
 namespace LumCommon {
 
 namespace {
 
-constexpr unsigned indexThreshold = 32;
+using detail::asExactly;
+using detail::isExactly;
 
-/// One of the library's own attribute classes, whose fields can be read without virtual calls. Comparing the addresses
-/// of the type information can only err by giving null, which costs time and nothing else.
-template <class T>
-const T* exactly(const LumNode* node) noexcept {
-    return &typeid(*node) == &typeid(T) ? static_cast<const T*>(node) : nullptr;
-}
+constexpr unsigned indexThreshold = 32;
 
 std::uint64_t makeKey(LumName namespaceUri, LumName localName) noexcept {
     return std::uint64_t{namespaceUri.getEnum()} << 32 | localName.getEnum();
@@ -53,11 +49,11 @@ struct AttrNodeMap::Index {
     /// False when the names of `node` may change.
     bool add(LumNode* node) {
         LumName namespaceUri;
-        if (const AttrNS* attr = exactly<AttrNS>(node)) {
+        if (const AttrNS* attr = asExactly<AttrNS>(*node)) {
             namespaceUri = attr->getNamespaceUri();
             // Without a stored namespace it is looked up in the tree.
             if (attr->namespaceUri_.isNull()) return false;
-        } else if (!exactly<Attr>(node)) {
+        } else if (!isExactly<Attr>(*node)) {
             return false;
         }
         firstByName.emplace(makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node);
@@ -131,9 +127,9 @@ LumNode* AttrNodeMap::findByName(LumName name) const {
     LumNode* attr = end;
     do {
         attr = attr->nextSibling_;
-        if (exactly<Attr>(attr)) {
+        if (isExactly<Attr>(*attr)) [[likely]] {
             if (static_cast<const Attr*>(attr)->value_.getNameKey() == name.getEnum()) return attr;
-        } else if (const AttrNS* attrNS = exactly<AttrNS>(attr)) {
+        } else if (const AttrNS* attrNS = asExactly<AttrNS>(*attr)) {
             // The parts are compared with the whole, so that looking interns no names.
             const LumName local = attrNS->value_.getNameKey();
             const bool isFound =
@@ -182,10 +178,10 @@ LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) cons
     LumNode* attr = end;
     do {
         attr = attr->nextSibling_;
-        if (exactly<Attr>(attr)) {
+        if (isExactly<Attr>(*attr)) [[likely]] {
             const bool isNamed = static_cast<const Attr*>(attr)->value_.getNameKey() == localName.getEnum();
             if (isNamed && namespaceUri.isNull()) return attr;
-        } else if (const AttrNS* attrNS = exactly<AttrNS>(attr)) {
+        } else if (const AttrNS* attrNS = asExactly<AttrNS>(*attr)) {
             const bool isNamed = attrNS->value_.getNameKey() == localName.getEnum();
             if (isNamed && attrNS->AttrNS::getNamespaceUri() == namespaceUri) return attr;
         } else if (attr->getLocalName() == localName && attr->getNamespaceUri() == namespaceUri) {

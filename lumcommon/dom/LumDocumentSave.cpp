@@ -8,18 +8,20 @@
 #include <lumcommon/dom/LumNodeIterable.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
+#include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 
 #include <sstream>
-#include <typeinfo>
 #include <utility>
 
 namespace LumCommon {
 
 namespace {
+
+using detail::isExactly;
 
 /// Writes one attribute from its typed value: nothing for a null or an object, one attribute an entry for a compound.
 class AttributeWriter {
@@ -29,8 +31,7 @@ public:
 
     void write(const LumNode& attr) {
         // The library's own classes lend their value; others are asked for a copy.
-        const std::type_info* const type = &typeid(attr);
-        if (type == &typeid(Attr) || type == &typeid(AttrNS)) {
+        if (isExactly<Attr>(attr) || isExactly<AttrNS>(attr)) {
             writeValue(attr, static_cast<const Attr&>(attr).peekValue());
         } else {
             writeValue(attr, attr.getNodeValue());

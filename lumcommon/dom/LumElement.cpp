@@ -2,10 +2,10 @@
 #include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
 #include <lumcommon/dom/detail/Restored.h>
 
-#include <typeinfo>
 #include <utility>
 
 namespace LumCommon {
@@ -63,6 +63,7 @@ LumPtr<LumElement> LumElement::cloneWithoutChildren() const {
 
 namespace {
 
+using detail::isExactly;
 using detail::Restored;
 
 /// Deeper than documents that people write, and a small part of a thread's stack.
@@ -149,12 +150,6 @@ LumPtr<LumAttr> asAttr(LumPtr<LumNode>&& node) {
     LumAttr* const attr = asAttr(node.get());
     if (attr) static_cast<void>(node.detach());
     return LumPtr<LumAttr>(attr, false);
-}
-
-/// One of the library's own classes, none derived from it, so that no virtual operation is overridden.
-template <class T>
-bool isExactly(const LumNode& node) noexcept {
-    return &typeid(node) == &typeid(T);
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/uri/LumUri.h>
 
 #include <unicode/char16ptr.h>
-#include <unicode/locid.h>
 
 #include <ostream>
 
@@ -20,8 +20,7 @@ constexpr char16_t defaultGenerator[] =
 
 /// The form in which an encoding can be declared; empty for one that cannot.
 UnicodeString declarableEncoding(const UnicodeString& encoding) {
-    UnicodeString name(encoding);
-    name.trim().toUpper(icu::Locale::getRoot());  // not by the user's locale: a Turkish one makes a dotted I of "i"
+    const UnicodeString name = detail::toUpperCase(UnicodeString(encoding).trim());
     if (name == u"SHIFT-JIS" || name == u"SHIFT_JIS") return u"SHIFT_JIS";
     return name == u"UTF-8" ? name : UnicodeString();
 }

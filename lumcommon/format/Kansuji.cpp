@@ -1,3 +1,5 @@
+#include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CodePoints.h>
 #include <lumcommon/format/Kansuji.h>
 
 #include <algorithm>
@@ -16,14 +18,11 @@ constexpr UChar32 KANJI[] = {
 static_assert(std::size(KANJI) == Kansuji::COUNT);
 
 constexpr UChar32 FULL_WIDTH_OFFSET = 0xFEE0;
-constexpr UChar32 REPLACEMENT_CHARACTER = 0xFFFD;
 constexpr std::size_t GROUP_DIGITS = 4;
 /// What all large units together can hold: a group for each, and the one that has none.
 constexpr std::size_t READABLE_DIGITS = GROUP_DIGITS * (Kansuji::LARGE_UNIT_COUNT + 1);
 
 using Digits = std::u16string_view;
-
-constexpr bool isDigit(UChar32 c) { return c >= u'0' && c <= u'9'; }
 
 /// Replaces `room` characters at `at` with those of the text, as far as it has them.
 void replaceCharacters(UChar32* at, int room, const UnicodeString& text) {
@@ -129,11 +128,11 @@ void Kansuji::setUnits(const UnicodeString& characters) {
 }
 
 UChar32 Kansuji::getCharacter(int index) const noexcept {
-    return index >= 0 && index < COUNT ? characters_[static_cast<std::size_t>(index)] : REPLACEMENT_CHARACTER;
+    return index >= 0 && index < COUNT ? characters_[static_cast<std::size_t>(index)] : detail::replacementCharacter;
 }
 
 UChar32 Kansuji::toKansuji(UChar32 character) const noexcept {
-    if (isDigit(character)) return getCharacter(INDEX_DIGIT + (character - u'0'));
+    if (detail::isAsciiDigit(character)) return getCharacter(INDEX_DIGIT + (character - u'0'));
     if (character == u',') return getCharacter(INDEX_COMMA);
     if (character == u'.') return getCharacter(INDEX_POINT);
     return character > 0x20 && character < 0x7F ? character + FULL_WIDTH_OFFSET : character;
@@ -145,7 +144,7 @@ UnicodeString Kansuji::convert(const UnicodeString& text, Style style) const {
     RunWriter writer(*this, result);
     const Digits units(text.getBuffer(), static_cast<std::size_t>(text.length()));
     const auto endOf = [units](std::size_t from, bool digits) {
-        while (from < units.size() && isDigit(units[from]) == digits) ++from;
+        while (from < units.size() && detail::isAsciiDigit(units[from]) == digits) ++from;
         return from;
     };
     for (std::size_t i = 0; i < units.size();) {

@@ -1,5 +1,6 @@
 // The faces of numbers as text.
 
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/format/LumUtil.h>
 #include <lumcommon/format/detail/NumberFormat.h>
 #include <lumcommon/format/detail/Numerals.h>
@@ -22,7 +23,7 @@ UnicodeString LumUtil::formatNumber(int number, const UnicodeString& format, con
 
 UnicodeString LumUtil::toString(int number) {
     UnicodeString text;
-    detail::appendInteger(text, number);
+    detail::appendDecimal(text, number);
     return text;
 }
 
@@ -40,9 +41,7 @@ UnicodeString LumUtil::toString(double number) {
     return text;
 }
 
-void LumUtil::toString64Sub(UnicodeString& text, unsigned long long number) {
-    detail::appendInteger(text, std::uint64_t{number});
-}
+void LumUtil::toString64Sub(UnicodeString& text, unsigned long long number) { detail::appendDecimal(text, number); }
 
 char16_t* LumUtil::makeRoman(char16_t* buffer, int number, const char16_t* table, int largest, char16_t firstSingle) {
     return detail::writeRoman(buffer, number, {table, largest, firstSingle});

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/lang/LumLang.h>
 
 #include <algorithm>
@@ -24,8 +25,6 @@ static_assert(std::ranges::is_sorted(CODES, {}, &Code::bibliographic));
 
 constexpr std::int32_t CODE_LENGTH = 3;
 
-constexpr bool isAsciiLetter(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); }
-
 const Code* findCode(std::u16string_view code) {
     const Code* found = std::ranges::lower_bound(CODES, code, {}, &Code::bibliographic);
     return found != std::end(CODES) && found->bibliographic == code ? found : nullptr;
@@ -43,7 +42,7 @@ std::string toLocaleId(const UnicodeString& tag) { return toBytes(ISO639Bibliogr
 const ISO639Bibliographic s_ISO639Bibliographic;
 
 UnicodeString ISO639Bibliographic::get(const UnicodeString& tag) {
-    const bool endsEarly = tag.length() > CODE_LENGTH && !isAsciiLetter(tag[CODE_LENGTH]);
+    const bool endsEarly = tag.length() > CODE_LENGTH && !detail::isAsciiLetter(tag[CODE_LENGTH]);
     const std::int32_t length = endsEarly ? CODE_LENGTH : tag.length();
     const Code* found = findCode({tag.getBuffer(), static_cast<std::size_t>(length)});
     if (!found) return tag;

@@ -1,7 +1,8 @@
+#include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/lang/LumScript.h>
 #include <lumcommon/names/LumNameTable.h>
 
-#include <unicode/locid.h>  // Locale::getRoot
 #include <unicode/uscript.h>
 #include <unicode/utf16.h>
 
@@ -84,13 +85,11 @@ std::int32_t getCodeFromIcu(const UnicodeString& text) {
 }
 
 std::int32_t getCodeOfText(const UnicodeString& text) {
-    const std::int32_t code = getCodeOfTag(UnicodeString(text).toLower(icu::Locale::getRoot()));
+    const std::int32_t code = getCodeOfTag(detail::toLowerCase(text));
     return code != UNDECIDED ? code : getCodeFromIcu(text);
 }
 
 constexpr bool isBetween(UChar32 c, UChar32 first, UChar32 last) { return c >= first && c <= last; }
-
-constexpr bool isAsciiLetter(UChar32 c) { return isBetween(c | 0x20, u'a', u'z'); }
 
 /// Bit c - U+00A0: the signs U+00A2-U+00A5, U+00A7-U+00AA, U+00AE, U+00AF, U+00B4, U+00B5, U+00B8, U+00BA.
 constexpr std::uint32_t LATIN_SIGNS = 0x0530'C7BCu;
@@ -109,7 +108,7 @@ constexpr std::int32_t getEastAsianCode(UChar32 c) {
 }
 
 constexpr std::int32_t getCodeOfCharacter(UChar32 c) {
-    if (isBetween(c, 0, 0x7F)) return isAsciiLetter(c) ? LumScript::LATIN : LumScript::COMMON;
+    if (isBetween(c, 0, 0x7F)) return detail::isAsciiLetter(c) ? LumScript::LATIN : LumScript::COMMON;
     if (isBetween(c, 0x590, 0x5FF)) return LumScript::HEBREW;
     if (isBetween(c, 0x600, 0x6FF) && !isArabicDigit(c)) return LumScript::ARABIC;
     if (isBetween(c, 0x900, 0x97F)) return LumScript::DEVANAGARI;

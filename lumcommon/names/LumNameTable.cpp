@@ -1,5 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/names/detail/BuiltinNames.h>
 #include <lumcommon/names/detail/NameIntern.h>
@@ -33,16 +34,6 @@ std::size_t unitsOf(const UnicodeString& text) { return static_cast<std::size_t>
 /// The next number to try after `tries` numbers were taken. The steps double, so that a document which has interned
 /// long runs of such names cannot make the search long; they stop growing before the number could wrap around.
 std::uint64_t stepAfter(unsigned tries) { return std::uint64_t{1} << (tries < 32 ? tries : 32); }
-
-void appendNumber(UnicodeString& text, std::uint64_t number) {
-    char16_t digits[20];
-    char16_t* first = digits + 20;
-    do {
-        *--first = static_cast<char16_t>(u'0' + number % 10);
-        number /= 10;
-    } while (number != 0);
-    text.append(first, static_cast<std::int32_t>(digits + 20 - first));
-}
 
 }  // namespace
 
@@ -86,7 +77,7 @@ LumNameEnum LumNameTable::internNumbered(const UnicodeString& prefix) {
     for (unsigned tries = 0;; ++tries) {
         UnicodeString text(prefix);
         text.append(u'-');
-        appendNumber(text, number);
+        detail::appendDecimal(text, number);
         if (text.isBogus()) throw LumError(std::bad_alloc(), UnicodeString());
         // A text that is already a name would not be new: it may be a prefix that the document itself uses.
         if (detail::findBuiltinName(text.getBuffer(), unitsOf(text)) == NAME_NULL &&

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <lumcommon/core/Api.h>
-#include <lumcommon/names/LumName.h>
-
-#include <cstdint>
+#include <lumcommon/names/VocabularyName.h>
 
 namespace LumCommon {
 
@@ -18,31 +15,17 @@ enum SVGNameEnum : std::uint16_t {
 
 static_assert(SVG_END_ == 135 && SVG_mask == 134);
 
-/// A name of the SVG vocabulary (134 names). Threads: any; a value.
-class LUM_API SVGName {
+/// A name of the SVG vocabulary (134 names); see VocabularyName.
+class LUM_API SVGName : public VocabularyName<SVGNameEnum> {
 public:
-    constexpr SVGName() noexcept = default;
-    constexpr SVGName(SVGNameEnum id) noexcept : id_(id) {}
-    /// The vocabulary's entry for the name's string, 0 when there is none.   Cost: one hash and compare.
+    using VocabularyName::VocabularyName;
     explicit SVGName(LumName name);
     explicit SVGName(LumNameEnum name) : SVGName(LumName(name)) {}
-    /// The same for the value's string form (values/NamesFromValues.cpp).
     explicit SVGName(const LumValue& value);
 
-    /// The vocabulary's entry for a string, 0 when there is none.
     static SVGName find(const UnicodeString& text) noexcept;
-
-    constexpr SVGNameEnum getEnum() const noexcept { return id_; }
-    /// The interned name of the same string; the null name for 0.
     LumName toName() const;
-
-    /// Part of LumCommon::cleanup(). The vocabulary is constant data, so there is nothing to release.
     static void cleanup();
-
-    friend constexpr bool operator==(SVGName a, SVGName b) noexcept { return a.id_ == b.id_; }
-
-private:
-    SVGNameEnum id_ = SVG_NULL;
 };
 
 }  // namespace LumCommon

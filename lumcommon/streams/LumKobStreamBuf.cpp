@@ -1,39 +1,17 @@
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
+#include <lumcommon/streams/detail/CharsetNames.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 
 #include <algorithm>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 namespace LumCommon {
 
-namespace {
-
-struct NameRow {
-    std::string_view given;  // in capitals
-    const char* libraryName;
-};
-
-constexpr NameRow nameRows[] = {
-    {"BIG5", "ChineseBIG5"},        {"CHINESEBIG5", "ChineseBIG5"},  {"CHINESEGBK", "ChineseGBK"},
-    {"EUC-JP", "EUC-JP"},           {"GB2312", "ChineseGBK"},        {"GBK", "ChineseGBK"},
-    {"ISO-2022-JP", "ISO-2022-JP"}, {"ISO-IR-149", "KoreanKSC"},     {"KOREAN", "KoreanKSC"},
-    {"KOREANKSC", "KoreanKSC"},     {"KS_C_5601-1987", "KoreanKSC"}, {"SHIFT-JIS", "WINDOWS31J"},
-    {"SHIFT_JIS", "WINDOWS31J"},    {"WINDOWS-31J", "WINDOWS31J"},   {"WINDOWS31J", "WINDOWS31J"},
-};
-
-constexpr char toCapital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-}  // namespace
-
 const char* LumKobStreamBuf::getLibraryName(const char* encoding) noexcept {
-    const std::string_view name = encoding ? encoding : "";
-    const auto* const row = std::ranges::find_if(nameRows, [name](const NameRow& candidate) {
-        return std::ranges::equal(candidate.given, name, {}, {}, toCapital);
-    });
-    return row != std::end(nameRows) ? row->libraryName : encoding;
+    const char* const name = encoding ? detail::findLibraryCharset(encoding) : nullptr;
+    return name ? name : encoding;
 }
 
 LumKobStreamBuf::LumKobStreamBuf(std::istream* in, const char* encoding) : in_(in) {

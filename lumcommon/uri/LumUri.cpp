@@ -1,5 +1,6 @@
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/LumUri.h>
@@ -48,7 +49,7 @@ UnicodeString withoutLocalHost(const UnicodeString& uri) {
     constexpr View start = u"file://localhost/";
     constexpr View host = u"localhost";
     UnicodeString result(uri);
-    if (detail::startsWithIgnoringCase(viewOf(uri), start)) {
+    if (detail::startsWithIgnoringAsciiCase(viewOf(uri), start)) {
         result.remove(static_cast<int32_t>(start.find(host)), static_cast<int32_t>(host.size()));
     }
     return result;

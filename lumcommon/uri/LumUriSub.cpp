@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/uri/detail/UriText.h>
@@ -11,22 +12,22 @@ namespace LumCommon {
 namespace {
 
 using detail::append;
-using detail::lowered;
-using detail::startsWithIgnoringCase;
+using detail::startsWithIgnoringAsciiCase;
 using detail::textOf;
 using detail::viewOf;
 using View = std::u16string_view;
 
 constexpr std::size_t npos = View::npos;
 
-constexpr bool isLetter(char16_t unit) { return lowered(unit) >= u'a' && lowered(unit) <= u'z'; }
-constexpr bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+constexpr bool isSchemeUnit(char16_t unit) {
+    return detail::isAsciiLetterOrDigit(unit) || unit == u'+' || unit == u'-' || unit == u'.';
+}
 
 /// The index of the colon that ends the scheme, npos without one.
 std::size_t schemeEnd(View s) {
-    if (s.empty() || !isLetter(s[0])) return npos;
+    if (s.empty() || !detail::isAsciiLetter(s[0])) return npos;
     std::size_t i = 1;
-    while (i < s.size() && (isLetter(s[i]) || isDigit(s[i]) || s[i] == u'+' || s[i] == u'-' || s[i] == u'.')) ++i;
+    while (i < s.size() && isSchemeUnit(s[i])) ++i;
     return i >= 2 && i < s.size() && s[i] == u':' ? i : npos;
 }
 
@@ -68,7 +69,7 @@ Base prepareBase(const UnicodeString& base) {
     if (colon == npos) return prepared;
     for (std::size_t i = 0; i < colon; ++i) {
         const auto index = static_cast<int32_t>(i);
-        text.setCharAt(index, lowered(text.charAt(index)));
+        text.setCharAt(index, detail::toLowerAscii(text.charAt(index)));
     }
 
     const View scheme = viewOf(text).substr(0, colon);
@@ -118,7 +119,7 @@ void appendResolved(UnicodeString& to, const UnicodeString& base, View r) {
         append(append(to, u"file:"), r);
         return;
     }
-    if (startsWithIgnoringCase(r, u"file:")) {
+    if (startsWithIgnoringAsciiCase(r, u"file:")) {
         const View path = r.substr(5);
         if (path.starts_with(u"//")) {
             append(to, r);
@@ -171,11 +172,11 @@ int LumUriSub::checkScheme(const UnicodeString& s) {
     return colon == npos ? -1 : static_cast<int>(colon);
 }
 
-bool LumUriSub::isFileScheme(const UnicodeString& s) { return startsWithIgnoringCase(viewOf(s), u"file:"); }
+bool LumUriSub::isFileScheme(const UnicodeString& s) { return startsWithIgnoringAsciiCase(viewOf(s), u"file:"); }
 
-bool LumUriSub::isDataScheme(const UnicodeString& s) { return startsWithIgnoringCase(viewOf(s), u"data:"); }
+bool LumUriSub::isDataScheme(const UnicodeString& s) { return startsWithIgnoringAsciiCase(viewOf(s), u"data:"); }
 
-bool LumUriSub::isJarScheme(const UnicodeString& s) { return startsWithIgnoringCase(viewOf(s), u"jar:"); }
+bool LumUriSub::isJarScheme(const UnicodeString& s) { return startsWithIgnoringAsciiCase(viewOf(s), u"jar:"); }
 
 void LumUriSub::escapeHH(UnicodeString& s) {
     View rest = viewOf(s);
@@ -235,7 +236,7 @@ UnicodeString LumUriSub::makeAbsUri(const UnicodeString& base, const UnicodeStri
     View r = viewOf(normalised);
     // What follows "jar:" is a reference of its own, again trimmed, and may be another jar: reference. They are taken
     // off in a loop, because their number is up to the input.
-    while (startsWithIgnoringCase(r, u"jar:")) {
+    while (startsWithIgnoringAsciiCase(r, u"jar:")) {
         append(result, u"jar:");
         r.remove_prefix(4);
         while (!r.empty() && u_isWhitespace(r.front())) r.remove_prefix(1);

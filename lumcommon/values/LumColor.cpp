@@ -1,3 +1,6 @@
+#include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/LumColor.h>
@@ -5,7 +8,6 @@
 #include <lumcommon/values/detail/ColorTable.h>
 #include <lumcommon/values/detail/NumberText.h>
 
-#include <unicode/locid.h>
 #include <unicode/uchar.h>
 
 #include <algorithm>
@@ -53,7 +55,7 @@ LumColor::Cmyk convertRGB(std::uint32_t rgb) noexcept {
 
 /// Whether lower case may differ from the text.
 bool hasCase(std::u16string_view units) noexcept {
-    return std::ranges::any_of(units, [](char16_t c) { return (c >= u'A' && c <= u'Z') || c >= 0x80; });
+    return std::ranges::any_of(units, [](char16_t c) { return detail::isAsciiUpper(c) || c >= 0x80; });
 }
 
 const UnicodeString& getRegistrationName() {
@@ -82,8 +84,7 @@ std::uint32_t LumColor::findKeyword(const UnicodeString& text) {
     if (units.size() > longestKeyword) return RGB_INVALID;
     const std::uint32_t rgb = detail::findColor(LumNameTable::getBuiltinNameEnum(text));
     if (rgb != RGB_INVALID || !hasCase(units)) return rgb;
-    UnicodeString lower(text);
-    lower.toLower(icu::Locale::getRoot());
+    const UnicodeString lower = detail::toLowerCase(text);
     if (detail::viewOf(lower) == currentColor) return RGB_CURRENT_COLOR;
     return detail::findColor(LumNameTable::getBuiltinNameEnum(lower));
 }
@@ -197,7 +198,7 @@ constexpr char16_t argumentSeparator = u',';
 
 void appendChannels(UnicodeString& text, std::uint32_t rgb) {
     for (int shift = 16; shift >= 0; shift -= 8) {
-        detail::appendInteger(text, static_cast<std::int32_t>(getChannel(rgb, shift)));
+        detail::appendDecimal(text, getChannel(rgb, shift));
         text.append(argumentSeparator);
     }
 }

@@ -1,13 +1,12 @@
 // Colours as values: what a LumValue holds for a colour, how it is read back, and how property text becomes one.
 
+#include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/TokenScan.h>
-
-#include <unicode/locid.h>
 
 #include <array>
 #include <cstddef>
@@ -136,7 +135,7 @@ LumColor ColorReader::readSeparation(const LumValue& separation, const LumColor&
     }
     color.rgb_ = fallback.getRGB();
     color.isRgbGiven_ = isRgbGiven;
-    // An alternative is written behind a tint only.
+    // An alternative is written only after a tint.
     color.isTintGiven_ = tintItem.isNumeric() || color.isCmykGiven_;
     return color;
 }
@@ -229,7 +228,7 @@ std::optional<LumValue> ColorReader::readIccList(const LumColor* fallback) {
     if (tokenizer_.nextToken() != LumTokenizer::TOKEN_NAME || !hasHash) return std::nullopt;
     UnicodeString name(u'#');
     name.append(tokenizer_.getText());
-    const LumNameEnum space = LumNameTable::getBuiltinNameEnum(name.toUpper(icu::Locale::getRoot()));
+    const LumNameEnum space = LumNameTable::getBuiltinNameEnum(detail::toUpperCase(name));
     if (!readIccArguments() || !isAtEnd()) return std::nullopt;
     std::optional<LumColor> color = makeIccColor(space, fallback);
     if (!color) return std::nullopt;

@@ -1,12 +1,11 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/values/LumLength.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
-
-#include <unicode/locid.h>
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +18,6 @@ namespace LumCommon {
 namespace {
 
 /// Not by the user's locale: a Turkish one makes a dotless letter of the "I" in "FIT".
-UnicodeString toLowerCase(UnicodeString text) { return text.toLower(icu::Locale::getRoot()); }
 
 /// The interned name; the null name when the table is full.
 LumName makeName(const UnicodeString& text) {
@@ -47,7 +45,7 @@ bool splitParameter(const UnicodeString& item, Parameter& parameter) {
 
 /// The name of a key that this file knows; the null name for most others. Nothing is interned: what a link may say is
 /// all built in.
-LumNameEnum findKey(const UnicodeString& key) { return LumNameTable::getBuiltinNameEnum(toLowerCase(key)); }
+LumNameEnum findKey(const UnicodeString& key) { return LumNameTable::getBuiltinNameEnum(detail::toLowerCase(key)); }
 
 /// Points; a plain number counts as points. NaN when the text is neither.
 float readPoints(const UnicodeString& text) {
@@ -217,7 +215,7 @@ LumValue LumValue::parsePDFOpenParameters(const UnicodeString& link) {
 LumValue LumValue::parseDestinationType(const UnicodeString& text) {
     LumTokenizer tokens(text);
     const UnicodeString item = tokens.nextSeparatedValue(u' ');
-    const LumValue first = item.isEmpty() ? LumValue() : parse(toLowerCase(item));
+    const LumValue first = item.isEmpty() ? LumValue() : parse(detail::toLowerCase(item));
     const auto* const type =
         std::ranges::find(destinationTypes, first.getNameValue().getEnum(), &DestinationType::keyword);
     if (type == std::end(destinationTypes)) {
@@ -309,7 +307,7 @@ LumValue LumValue::parseUriFragmentParameters(const UnicodeString& text, bool lo
         if (item.isEmpty()) break;
         if (!splitParameter(item, parameter)) continue;
         UnicodeString key = LumUri::unescape(parameter.key).trim();
-        const LumName name = makeName(lowerKeys ? toLowerCase(key) : key);
+        const LumName name = makeName(lowerKeys ? detail::toLowerCase(key) : key);
         // Under the null name the value would take the place of the text before the "#".
         if (!name.isNull()) entries.emplace_back(name, LumUri::unescape(parameter.value).trim());
     }

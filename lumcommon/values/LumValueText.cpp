@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumTokenizer.h>
@@ -60,7 +61,7 @@ private:
                 } else if (value.getUnit() == UNIT_COLOR) {
                     text_.append(value.getColorValue().toString(false));
                 } else {
-                    appendInteger(text_, value.getIntegerValue());
+                    detail::appendDecimal(text_, value.getIntegerValue());
                     text_.append(LumValue::getUnitString(value.getUnit()));
                 }
                 break;

@@ -11,20 +11,16 @@ A row has four columns; "\\t", "\\n" and "\\\\" stand for tab, line end and back
   value   kind, unit and printed form of LumValue::parse; "=" for the plain string of the whole text
   color   LumColor::toString(false) of LumValue::parseColor(text, true), "-" where it is not a colour
   tokens  LumTokenizer::nextToken to the end: N number, I name, S string, H hash colour, a delimiter as it is
-
-  tools/generate/propertyValues.py --write   rewrites the table
-  tools/generate/propertyValues.py --check   fails with a diff when the table is not what the documents give
 """
-import difflib
 import lzma
 import math
-import pathlib
 import re
 import struct
 import sys
 import xml.etree.ElementTree as ElementTree
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from lib.generator import ROOT, run
+
 DATA = ROOT / "tests/data"
 TARGET = DATA / "values/properties.tsv"
 LONGEST_UNITS = 160
@@ -201,19 +197,5 @@ def collect():
     return sorted({value for found in kinds.values() for value in found[::-(-len(found) // EACH_KIND)]})
 
 
-def main():
-    text = "".join(row_of(value) + "\n" for value in collect())
-    if sys.argv[1:] == ["--write"]:
-        TARGET.parent.mkdir(exist_ok=True)
-        TARGET.write_text(text, encoding="utf-8")
-        return 0
-    if sys.argv[1:] != ["--check"]:
-        print(__doc__)
-        return 2
-    current = TARGET.read_text(encoding="utf-8")
-    sys.stdout.writelines(difflib.unified_diff(current.splitlines(True), text.splitlines(True), "table", "generated"))
-    return 0 if current == text else 1
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run(__doc__, lambda: {TARGET: "".join(row_of(value) + "\n" for value in collect())}))

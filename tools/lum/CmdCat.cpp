@@ -15,18 +15,6 @@ namespace {
 
 using namespace LumCommon;
 
-struct Arguments {
-    std::string uri;
-};
-
-void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.required("uri", arguments.uri, "A file, a file:, http:, jar: or data: URI, or - for standard input");
-}
-
-[[noreturn]] void failToOpen(const UnicodeString& what) {
-    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, what);
-}
-
 bool isBase64(const UnicodeString& head) {
     static const UnicodeString mark(u";base64");
     const int32_t start = head.length() - mark.length();
@@ -54,17 +42,17 @@ void printData(const UnicodeString& argument) {
     }
 }
 
-void run(const Arguments& arguments) {
-    if (arguments.uri == "-") {
+void run(const std::string& argument) {
+    if (argument == "-") {
         copyToOutput(std::cin);
         return;
     }
-    const LumUri uri(toUri(arguments.uri));
+    const LumUri uri(toUri(argument));
     if (uri.isDataScheme()) return printData(uri.toString());
     UnicodeString message;
     const std::unique_ptr<std::istream> in(uri.getStream(nullptr, &message));
     if (!in) {
-        UnicodeString what = fromArgument(arguments.uri);
+        UnicodeString what = fromArgument(argument);
         if (!message.isEmpty()) what.append(u" (").append(message).append(u')');
         failToOpen(what);
     }
@@ -73,6 +61,9 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-Command makeCatCommand() { return makeCommand("cat", "Write the bytes of a resource", describe, run); }
+Command makeCatCommand() {
+    return makeCommand("cat", "Write the bytes of a resource", "uri",
+                       "A file, a file:, http:, jar: or data: URI, or - for standard input", run);
+}
 
 }  // namespace lum

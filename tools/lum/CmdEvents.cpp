@@ -23,7 +23,7 @@ void describe(Syntax& syntax, Arguments& arguments) {
     syntax.flag("--tokens", arguments.isTokens, "Every token is an event of its own");
     syntax.option("--feature", arguments.features, 0, 5, "A parser feature to turn on, by number; may be repeated");
     syntax.option("--encoding", arguments.encoding, "The encoding, when it is known from outside");
-    syntax.required("file", arguments.file, "A file, a URI, or - for standard input");
+    syntax.required("file", arguments.file, fileHelp);
 }
 
 Json attributesOf(const LumXmlParser& parser) {

@@ -14,14 +14,6 @@ namespace {
 
 using namespace LumCommon;
 
-struct Arguments {
-    std::string file;
-};
-
-void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.required("file", arguments.file, "A file, a URI, or - for standard input");
-}
-
 /// The kind of office document, 0 also for a package that cannot be read.
 int officeKindOf(std::istream& in) {
     try {
@@ -58,8 +50,8 @@ std::istream& rewound(std::istream& in) {
     return in;
 }
 
-void run(const Arguments& arguments) {
-    const std::unique_ptr<std::istream> in = openInput(arguments.file);
+void run(const std::string& file) {
+    const std::unique_ptr<std::istream> in = openInput(file);
     Json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
     kind.add("ooxml", officeKindOf(*in));
     kind.add("ole", oleKindOf(rewound(*in)));
@@ -71,6 +63,8 @@ void run(const Arguments& arguments) {
 
 }  // namespace
 
-Command makeKindCommand() { return makeCommand("kind", "Tell what kind of file it is, as JSON", describe, run); }
+Command makeKindCommand() {
+    return makeCommand("kind", "Tell what kind of file it is, as JSON", "file", fileHelp, run);
+}
 
 }  // namespace lum

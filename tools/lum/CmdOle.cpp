@@ -3,6 +3,7 @@
 #include <lumcommon/core/LumError.h>
 
 #include "Command.h"
+#include "Input.h"
 #include "OleInput.h"
 #include "Output.h"
 
@@ -16,12 +17,8 @@ struct Arguments {
     std::vector<std::string> names;
 };
 
-void describeFile(Syntax& syntax, Arguments& arguments) {
-    syntax.required("file", arguments.file, "A compound file: a file, a URI, or - for standard input");
-}
-
 void describeStream(Syntax& syntax, Arguments& arguments) {
-    describeFile(syntax, arguments);
+    syntax.required("file", arguments.file, OleInput::help);
     syntax.required("name", arguments.names, "The names of the storages and the stream, from the root");
 }
 
@@ -45,8 +42,8 @@ std::vector<long> findParents(const OleCompFile& file) {
     return parents;
 }
 
-void list(const Arguments& arguments) {
-    OleInput file(arguments.file);
+void list(const std::string& path) {
+    OleInput file(path);
     const std::vector<long> parents = findParents(*file);
     for (long i = 0; i < file->getDirCount(); ++i) {
         const OleDirInfo* const entry = file->getDirInfo(i);
@@ -71,7 +68,7 @@ void cat(const Arguments& arguments) {
     if (!stream) {
         std::string name = arguments.file;
         for (const std::string& component : arguments.names) name += "!/" + component;
-        throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, fromArgument(name));
+        failToOpen(name);
     }
     LumOleStreamBuf buffer(stream.get(), -1);
     std::istream in(&buffer);
@@ -87,7 +84,8 @@ Command makeOleCommand() {
             "Look into a compound file",
             {},
             {},
-            {makeCommand("list", "Print the entries of the directory as JSON, one object each", describeFile, list),
+            {makeCommand("list", "Print the entries of the directory as JSON, one object each", "file", OleInput::help,
+                         list),
              makeCommand("cat", "Write the bytes of a stream", describeStream, cat)}};
 }
 

@@ -16,14 +16,6 @@ using namespace LumCommon;
 
 constexpr unsigned editingTimeId = 10;
 
-struct Arguments {
-    std::string file;
-};
-
-void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.required("file", arguments.file, "A compound file: a file, a URI, or - for standard input");
-}
-
 /// The time in the form of ISO 8601; null for none, and the stored number for one after the year 9999.
 Json timeOf(std::uint64_t ticks) {
     using namespace std::chrono;
@@ -47,9 +39,12 @@ Json timeOf(std::uint64_t ticks) {
 }
 
 std::string hexOf(const unsigned char* bytes, std::size_t size) {
-    constexpr char digits[] = "0123456789abcdef";
     std::string text;
-    for (std::size_t i = 0; i < size; ++i) text.append({digits[bytes[i] >> 4], digits[bytes[i] & 0xF]});
+    char digits[3];
+    for (std::size_t i = 0; i < size; ++i) {
+        std::snprintf(digits, sizeof digits, "%02x", unsigned{bytes[i]});
+        text += digits;
+    }
     return text;
 }
 
@@ -126,9 +121,9 @@ Json hyperLinksOf(OleSummaryInformation& information) {
     return links;
 }
 
-void run(const Arguments& arguments) {
+void run(const std::string& path) {
     enum : unsigned { TITLE = 2, SUBJECT = 3, AUTHOR = 4, KEYWORDS = 5 };
-    OleInput file(arguments.file);
+    OleInput file(path);
     OleSummaryInformation summary, document;
     summary.initSummaryInformation(&*file);
     document.initDocumentSummaryInformation(&*file);
@@ -145,7 +140,7 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 Command makePropsCommand() {
-    return makeCommand("props", "Print the properties of an office document as JSON", describe, run);
+    return makeCommand("props", "Print the properties of an office document as JSON", "file", OleInput::help, run);
 }
 
 }  // namespace lum

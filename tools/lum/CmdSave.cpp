@@ -24,7 +24,7 @@ void describe(Syntax& syntax, Arguments& arguments) {
     syntax.flag("--lazy", arguments.isLazy, "Hold no more of the document in memory than the open elements");
     syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave the generator comment out");
     syntax.option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
-    syntax.required("file", arguments.file, "A file, a URI, or - for standard input");
+    syntax.required("file", arguments.file, fileHelp);
     syntax.optional("out", arguments.output, "The file to write; standard output without one");
 }
 

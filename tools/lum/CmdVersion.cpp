@@ -6,14 +6,10 @@
 namespace lum {
 namespace {
 
-struct Arguments {};
-
-void describe(Syntax&, Arguments&) {}
-
-void run(const Arguments&) { printLine(std::to_string(LumCommon::getLibVersion())); }
+void run() { printLine(std::to_string(LumCommon::getLibVersion())); }
 
 }  // namespace
 
-Command makeVersionCommand() { return makeCommand("version", "Print the version of the library", describe, run); }
+Command makeVersionCommand() { return makeCommand("version", "Print the version of the library", run); }
 
 }  // namespace lum

@@ -16,29 +16,23 @@ struct Arguments {
     std::string file, member;
 };
 
-void describeFile(Syntax& syntax, Arguments& arguments) {
-    syntax.required("file", arguments.file, "An archive: a file, a URI, or - for standard input");
-}
+constexpr const char* archiveHelp = "An archive: a file, a URI, or - for standard input";
 
 void describeMember(Syntax& syntax, Arguments& arguments) {
-    describeFile(syntax, arguments);
+    syntax.required("file", arguments.file, archiveHelp);
     syntax.required("member", arguments.member, "The name of a member, as listed");
-}
-
-[[noreturn]] void refuse(const std::string& what) {
-    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, fromArgument(what));
 }
 
 /// Opens the archive in `zip`.   Failure: LumError 0x1003, also for what is no archive.
 void openArchive(LumZipFile& zip, const std::string& file) {
     std::unique_ptr<std::istream> in = openInput(file);
-    if (!LumZipFile::isZipFile(in.get())) refuse(file);
+    if (!LumZipFile::isZipFile(in.get())) failToOpen(file);
     zip.open(in.release(), true);
 }
 
-void list(const Arguments& arguments) {
+void list(const std::string& file) {
     LumZipFile zip;
-    openArchive(zip, arguments.file);
+    openArchive(zip, file);
     for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
         const LumZipFileEntry* const entry = zip.getFileEntry(i);
         printJson({{"name", toUtf8(entry->getFileName())},
@@ -54,7 +48,7 @@ void cat(const Arguments& arguments) {
     LumZipFile zip;
     openArchive(zip, arguments.file);
     LumZipFileEntry* const entry = zip.getFileEntry(fromArgument(arguments.member));
-    if (!entry) refuse(arguments.file + "!/" + arguments.member);
+    if (!entry) failToOpen(arguments.file + "!/" + arguments.member);
     std::istream* const in = entry->getUncompressedStream(false);
     if (!in) throw std::bad_alloc();
     const bool isDeflated = entry->getMethod() == LumZipFileEntry::METHOD_DEFLATE;
@@ -72,7 +66,7 @@ Command makeZipCommand() {
             "Look into a zip archive",
             {},
             {},
-            {makeCommand("list", "Print the members as JSON, one object each", describeFile, list),
+            {makeCommand("list", "Print the members as JSON, one object each", "file", archiveHelp, list),
              makeCommand("cat", "Write the bytes of a member", describeMember, cat)}};
 }
 

@@ -39,6 +39,22 @@ struct Command {
     std::vector<Command> commands;
 };
 
+/// A command without arguments.
+inline Command makeCommand(const char* name, const char* summary, void (*run)()) {
+    return {name, summary, [](Syntax&) {}, run, {}};
+}
+
+/// A command with one positional argument.
+inline Command makeCommand(const char* name, const char* summary, const char* argument, const char* help,
+                           void (*run)(const std::string& value)) {
+    const auto value = std::make_shared<std::string>();
+    return {name,
+            summary,
+            [value, argument, help](Syntax& syntax) { syntax.required(argument, *value, help); },
+            [value, run] { run(*value); },
+            {}};
+}
+
 /// A command whose arguments are kept in an Arguments: `describe` names them, `run` does the work.
 template <class Arguments>
 Command makeCommand(const char* name, const char* summary, void (*describe)(Syntax&, Arguments&),

@@ -6,6 +6,7 @@
 
 #include "Output.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <iostream>
 
@@ -23,10 +24,11 @@ UnicodeString pathToUri(const std::string& path) {
     if (error) absolute = path;
     std::string uri = "file://";
     for (const char c : absolute) {
-        constexpr std::string_view hexDigits = "0123456789ABCDEF";
         const auto byte = static_cast<unsigned char>(c);
         if (byte <= 0x20 || c == '%') {
-            uri.append({'%', hexDigits[byte >> 4], hexDigits[byte & 0xF]});
+            char escape[4];
+            std::snprintf(escape, sizeof escape, "%%%02X", unsigned{byte});
+            uri += escape;
         } else {
             uri += c;
         }
@@ -46,11 +48,17 @@ UnicodeString toOutputUri(const std::string& file) {
     return isPlain || file.starts_with("file:") ? fromArgument(file) : pathToUri(file);
 }
 
+void failToOpen(const UnicodeString& what) {
+    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, what);
+}
+
+void failToOpen(const std::string& what) { failToOpen(fromArgument(what)); }
+
 std::unique_ptr<std::istream> openInput(const std::string& file) {
     constexpr unsigned blockBytes = LumMemStreamBuf::defaultGrowBytes;
     if (file == "-") return std::make_unique<LumMemStream>(&std::cin, blockBytes, false);
     std::unique_ptr<std::istream> in(LumUri(toUri(file)).getStream());
-    if (!in) throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::Unnamed25, fromArgument(file));
+    if (!in) failToOpen(file);
     if (in->tellg() != std::istream::pos_type(-1)) return in;
     auto seekable = std::make_unique<LumMemStream>(in.get(), blockBytes, true);
     static_cast<void>(in.release());  // the other stream has it now

@@ -12,6 +12,8 @@ namespace lum {
 /// A compound file and what it is read from.
 class OleInput {
 public:
+    static constexpr const char* help = "A compound file: a file, a URI, or - for standard input";
+
     /// @param file  as for openInput.   Failure: LumError 0x1003, also for what is no compound file.
     explicit OleInput(const std::string& file);
 

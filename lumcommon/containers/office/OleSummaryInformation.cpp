@@ -308,8 +308,7 @@ void OleSummaryInformation::chooseCharset() {
     int codePage = value.getIntegerValue();
     // The field is of 16 bits with a sign, so some programs write 65001 as a negative number.
     if (codePage < 0 && codePage >= -0x8000) codePage += 0x10000;
-    charset_ = LumCStr(codePage < 0 ? UnicodeString(u"cp") + UnicodeString::fromUTF8(std::to_string(codePage))
-                                    : UnicodeString::fromUTF8(detail::charsetOfCodePage(unsigned(codePage))));
+    charset_ = LumCStr(UnicodeString::fromUTF8(detail::charsetOfCodePage(codePage)));
 }
 
 bool OleSummaryInformation::readString(std::string& bytes) {

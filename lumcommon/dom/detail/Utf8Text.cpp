@@ -1,6 +1,7 @@
 #include <lumcommon/dom/detail/Utf8Text.h>
 
 #include <unicode/stringpiece.h>
+#include <unicode/utf8.h>
 
 namespace LumCommon::detail {
 
@@ -8,10 +9,8 @@ namespace {
 
 /// Whether a surrogate in three bytes stands at `at`: ED A0..BF 80..BF.
 bool isSurrogateAt(std::string_view bytes, std::size_t at) noexcept {
-    if (bytes.size() - at < 3) return false;
-    const auto second = static_cast<unsigned char>(bytes[at + 1]);
-    const auto third = static_cast<unsigned char>(bytes[at + 2]);
-    return second >= 0xA0 && second <= 0xBF && third >= 0x80 && third <= 0xBF;
+    return bytes.size() - at >= 3 && U8_IS_TRAIL(bytes[at + 1]) && static_cast<unsigned char>(bytes[at + 1]) >= 0xA0 &&
+           U8_IS_TRAIL(bytes[at + 2]);
 }
 
 void appendRun(UnicodeString& text, std::string_view run) {
@@ -20,7 +19,7 @@ void appendRun(UnicodeString& text, std::string_view run) {
         std::size_t length = run.size();
         if (length > longestPiece) {
             length = longestPiece;
-            while ((static_cast<unsigned char>(run[length]) & 0xC0u) == 0x80u && length > 1) --length;
+            while (U8_IS_TRAIL(run[length]) && length > 1) --length;
         }
         text.append(UnicodeString::fromUTF8(icu::StringPiece(run.data(), static_cast<int32_t>(length))));
         run.remove_prefix(length);
@@ -39,10 +38,9 @@ UnicodeString decodeUtf8(std::string_view bytes) {
             continue;
         }
         appendRun(text, bytes.substr(done, at - done));
-        const unsigned second = static_cast<unsigned char>(bytes[at + 1]);
-        const unsigned third = static_cast<unsigned char>(bytes[at + 2]);
-        text.append(static_cast<char16_t>(0xD000u | (second & 0x3Fu) << 6 | (third & 0x3Fu)));
-        at += 3;
+        UChar32 surrogate = 0;
+        U8_NEXT_UNSAFE(bytes, at, surrogate);
+        text.append(static_cast<char16_t>(surrogate));
         done = at;
     }
     appendRun(text, bytes.substr(done));

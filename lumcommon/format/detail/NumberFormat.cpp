@@ -1,3 +1,5 @@
+#include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/format/detail/NumberFormat.h>
 
 #include <lumcommon/format/detail/Alphabets.h>
@@ -106,7 +108,7 @@ struct Token {
 };
 
 bool isTokenCharacter(UChar32 c) {
-    if (c < 0x80) return (c >= u'0' && c <= u'9') || ((c | 0x20) >= u'a' && (c | 0x20) <= u'z');
+    if (c < 0x80) return isAsciiLetterOrDigit(c);
     return (c >= 0x2160 && c <= 0x2183) || u_isalnum(c);
 }
 
@@ -156,7 +158,7 @@ DigitTable findDigits(const Token& token) {
 
 /// The number padded with zeros to `width` characters, sign included, as "%0*d" pads. The sign stays ASCII.
 UnicodeString toDigits(int number, std::int32_t width, const char16_t* digits) {
-    char16_t units[longestDecimal];
+    char16_t units[longestDecimal<int>];
     const char16_t* const end = writeDecimal(units, number);
     UnicodeString text;
     char16_t* position = units;
@@ -168,8 +170,9 @@ UnicodeString toDigits(int number, std::int32_t width, const char16_t* digits) {
 }
 
 UnicodeString toDecimal(int number) {
-    char16_t units[longestDecimal];
-    return UnicodeString(units, static_cast<std::int32_t>(writeDecimal(units, number) - units));
+    UnicodeString text;
+    appendDecimal(text, number);
+    return text;
 }
 
 bool isWide(UChar32 c) {

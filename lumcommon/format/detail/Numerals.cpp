@@ -1,6 +1,5 @@
 #include <lumcommon/format/detail/Numerals.h>
 
-#include <charconv>
 #include <iterator>
 #include <string_view>
 
@@ -60,12 +59,6 @@ void appendHebrewLetters(UnicodeString& text, int number) {
 }
 
 }  // namespace
-
-char16_t* writeDecimal(char16_t* out, int number) noexcept {
-    char digits[longestDecimal];
-    const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
-    return std::copy(static_cast<const char*>(digits), end, out);
-}
 
 void appendHebrew(UnicodeString& text, int number, int level) {
     if (number < 1) return;

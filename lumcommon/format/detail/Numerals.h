@@ -11,8 +11,6 @@ namespace LumCommon::detail {
 constexpr int longestLetterSequence = 31;
 /// The most letters that a number up to 39999 takes in Roman numerals (38888).
 constexpr int longestRoman = 19;
-/// The most units of an int in decimal.
-constexpr int longestDecimal = 11;
 
 /// Writes a number in bijective base `base`: with a to z, 26 is z and 27 is aa. `letterAt` gives the letter of an
 /// index below the base. Nothing is written when number or base is below 1.
@@ -31,9 +29,6 @@ constexpr Letter* writeLetters(Letter* out, int number, int base, LetterAt lette
     for (int rest = number; rest > 0; rest = (rest - 1) / base) *--position = letterAt((rest - 1) % base);
     return end;
 }
-
-/// Writes a number as "%d" prints it and returns the end; at most longestDecimal units.
-char16_t* writeDecimal(char16_t* out, int number) noexcept;
 
 /// Appends a number of at least 1 in Hebrew numerals; other numbers append nothing.
 /// @param level  how many thousands further this number counts, 0 to 9.

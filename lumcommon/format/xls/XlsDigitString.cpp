@@ -1,5 +1,6 @@
 // The operations of XlsFormatString on digit strings.
 
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/XlsFormatString.h>
 #include <lumcommon/format/xls/detail/XlsDecimal.h>
 #include <lumcommon/format/xls/detail/XlsFraction.h>
@@ -21,7 +22,7 @@ struct Parts {
     explicit Parts(std::string_view text) {
         std::size_t at = 0;
         if (!text.empty() && (text[0] == '-' || text[0] == '+')) isNegative = text[at++] == '-';
-        const auto isDigit = [&](std::size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
+        const auto isDigit = [&](std::size_t i) { return i < text.size() && detail::isAsciiDigit(text[i]); };
         for (; isDigit(at); ++at) integer.push_back(text[at]);
         if (at < text.size() && text[at] == '.') {
             hasPoint = true;
@@ -37,7 +38,7 @@ struct Parts {
         return result;
     }
 
-    /// Rounds half up behind that many digits of both parts together.
+    /// Rounds half up after that many digits of both parts together.
     void round(std::int64_t kept) {
         const std::size_t before = integer.size();
         std::string all = integer + fraction;
@@ -146,7 +147,7 @@ std::string XlsFormatString::Dbl15Roff(std::string_view digits) {
 }
 
 int XlsFormatString::countKetasu(std::string_view digits) {
-    return static_cast<int>(std::ranges::count_if(digits, [](char c) { return c >= '0' && c <= '9'; }));
+    return static_cast<int>(std::ranges::count_if(digits, detail::isAsciiDigit<char>));
 }
 
 int XlsFormatString::intKeta(std::string_view digits) { return countKetasu(digits.substr(0, digits.find('.'))); }

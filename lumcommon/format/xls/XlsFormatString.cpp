@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/XlsFormat.h>
 #include <lumcommon/format/xls/XlsFormatString.h>
 #include <lumcommon/format/xls/detail/XlsCell.h>
@@ -198,7 +199,7 @@ int XlsFormatString::WeekOfNum(double serial, int baseYear) {
 }
 
 int XlsFormatString::RekiOfNum(double serial, int baseYear) {
-    // Days before the first and behind the last one have an era as well.
+    // Days before the first and after the last one have an era as well.
     const double day = serial >= 0 ? std::fmin(serial, 1e9) : 0;
     return detail::xlsEraOfDay(static_cast<std::int64_t>(day), baseYear == 1904);
 }
@@ -226,7 +227,7 @@ UnicodeString XlsFormatString::sethanzenNumS(const UnicodeString& text, int styl
     if (style < 1 || style > 3) return result;
     for (std::int32_t i = 0; i < result.length(); ++i) {
         const char16_t c = result.charAt(i);
-        if (c >= '0' && c <= '9') result.setCharAt(i, detail::xlsNumeral(c - '0', style));
+        if (detail::isAsciiDigit(c)) result.setCharAt(i, detail::xlsNumeral(c - '0', style));
     }
     return result;
 }

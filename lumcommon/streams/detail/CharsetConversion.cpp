@@ -1,4 +1,7 @@
+#include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CodePoints.h>
 #include <lumcommon/streams/detail/CharsetConversion.h>
+#include <lumcommon/streams/detail/CharsetNames.h>
 #include <unicode/uchar.h>
 #include <unicode/ucnv_cb.h>
 
@@ -11,34 +14,20 @@ namespace LumCommon::detail {
 namespace {
 
 constexpr char16_t byteOrderMark = 0xFEFF;
-constexpr char16_t replacementCharacter = 0xFFFD;
-
-/// Names of this library for charsets that ICU calls otherwise.
-struct NameRow {
-    std::string_view name;
-    const char* icuName;
-};
-constexpr NameRow nameRows[] = {
-    {"ChineseBIG5", "Big5"},
-    {"ChineseGBK", "GBK"},
-    {"KoreanKSC", "windows-949"},
-    {"WINDOWS31J", "windows-31j"},
-};
 
 /// ICU takes an unknown name for a file of its data folder and a comma for the start of options. Names come from
 /// documents, so neither may get through.
 bool isPlainName(std::string_view name) {
     return !name.empty() && std::ranges::all_of(name, [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               std::string_view("-_.:()+").find(c) != std::string_view::npos;
+        return isAsciiLetterOrDigit(c) || std::string_view("-_.:()+").find(c) != std::string_view::npos;
     });
 }
 
 ConverterPtr openConverter(const char* charset) {
     if (!charset || !isPlainName(charset)) return {};
-    const auto* const row = std::ranges::find(nameRows, std::string_view(charset), &NameRow::name);
+    const char* const icuName = findIcuCharset(charset);
     UErrorCode status = U_ZERO_ERROR;
-    ConverterPtr converter(ucnv_open(row != std::end(nameRows) ? row->icuName : charset, &status));
+    ConverterPtr converter(ucnv_open(icuName ? icuName : charset, &status));
     return U_SUCCESS(status) ? std::move(converter) : ConverterPtr();
 }
 

@@ -1,5 +1,7 @@
+#include <lumcommon/streams/detail/CharsetNames.h>
 #include <lumcommon/streams/detail/CharsetSample.h>
 #include <unicode/ucsdet.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -29,17 +31,6 @@ constexpr MarkRow markupRows[] = {
     {"\0<"sv, "UTF-16BE"},
 };
 
-/// What the detector's answers stand for: charsets that the conversion knows under names of its own, and charsets whose
-/// bytes 80 to 9F are control characters. Behind the sample these may turn out to be letters and quotation marks.
-struct NameRow {
-    std::string_view detected;
-    const char* name;
-};
-constexpr NameRow nameRows[] = {
-    {"Big5", "ChineseBIG5"},        {"EUC-KR", "KoreanKSC"},     {"ISO-8859-1", "windows-1252"},
-    {"ISO-8859-9", "windows-1254"}, {"Shift_JIS", "WINDOWS31J"},
-};
-
 struct DetectorCloser {
     void operator()(UCharsetDetector* detector) const noexcept { ucsdet_close(detector); }
 };
@@ -51,18 +42,13 @@ bool isAscii(std::string_view sample) {
 
 /// How many bytes of a character in UTF-8 stand at `start`: 0 for malformed ones, what there is when it is cut off.
 std::size_t countUtf8Character(std::string_view sample, std::size_t start) {
-    const auto lead = static_cast<unsigned char>(sample[start]);
-    if (lead < 0xC2 || lead > 0xF4) return 0;
-    const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    const std::string_view character = sample.substr(start, length);
-    for (std::size_t k = 1; k < character.size(); ++k) {
-        const auto trail = static_cast<unsigned char>(character[k]);
-        if ((trail & 0xC0) != 0x80) return 0;
-        if (k > 1) continue;
-        if ((lead == 0xE0 && trail < 0xA0) || (lead == 0xED && trail > 0x9F)) return 0;
-        if ((lead == 0xF0 && trail < 0x90) || (lead == 0xF4 && trail > 0x8F)) return 0;
-    }
-    return character.size();
+    const auto length = static_cast<std::int32_t>(sample.size());
+    const auto begin = static_cast<std::int32_t>(start);
+    std::int32_t end = begin;
+    UChar32 character = 0;
+    U8_NEXT(reinterpret_cast<const std::uint8_t*>(sample.data()), end, length, character);
+    const bool isCutOff = end == length && U8_IS_LEAD(sample[start]);
+    return character >= 0 || isCutOff ? static_cast<std::size_t>(end - begin) : 0;
 }
 
 /// Whether the sample holds characters of UTF-8 and hardly anything that is not UTF-8. A damaged file is still one.
@@ -98,8 +84,8 @@ const char* guessByStatistics(std::string_view sample) {
         const char* const name = ucsdet_getName(matches[i], &status);
         // The detector takes overlong forms for UTF-8, which has been ruled out.
         if (U_FAILURE(status) || std::string_view(name) == "UTF-8") continue;
-        const auto* const row = std::ranges::find(nameRows, std::string_view(name), &NameRow::detected);
-        return row != std::end(nameRows) ? row->name : name;
+        const char* const libraryName = findLibraryCharsetOfDetected(name);
+        return libraryName ? libraryName : name;
     }
     return nullptr;
 }

@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/streams/detail/StreamReading.h>
@@ -35,8 +36,7 @@ std::string toRequestBytes(const UnicodeString& uri) {
         if (unit > 0x20 && unit != 0x7F) {
             escaped.append(unit);
         } else {
-            constexpr char16_t digits[] = u"0123456789ABCDEF";
-            escaped.append(u'%').append(digits[unit >> 4]).append(digits[unit & 15]);
+            detail::appendHexByte(escaped.append(u'%'), static_cast<std::uint8_t>(unit));
         }
     }
     return detail::toPlatformPath(escaped).value_or(std::string());

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/values/detail/NumberScan.h>
 
 #include <algorithm>
@@ -27,7 +28,8 @@ double convertDigits(const char16_t* begin, const char16_t* end) {
     double value = 0;
     const auto [stop, error] = std::from_chars(digits, digits + count, value, std::chars_format::fixed);
     // Out of range is too large when there is an integer part. What is too small is a fraction of many zeros.
-    if (error == std::errc::result_out_of_range) return isDigit(*begin) ? std::numeric_limits<double>::infinity() : 0;
+    if (error == std::errc::result_out_of_range)
+        return isAsciiDigit(*begin) ? std::numeric_limits<double>::infinity() : 0;
     return value;
 }
 
@@ -75,11 +77,11 @@ ScannedNumber scanNumber(UnitCursor& cursor) {
     const char16_t* const digits = scan.get();
     ScannedNumber number;
     Mantissa mantissa;
-    for (; isDigit(scan.peek()); scan.advance()) mantissa.addDigit(scan.peek());
+    for (; isAsciiDigit(scan.peek()); scan.advance()) mantissa.addDigit(scan.peek());
     if (scan.peek() == u'.') {
         number.hasFraction = true;
         scan.advance();
-        for (; isDigit(scan.peek()); scan.advance()) mantissa.addFractionDigit(scan.peek());
+        for (; isAsciiDigit(scan.peek()); scan.advance()) mantissa.addFractionDigit(scan.peek());
     }
     number.value = mantissa.isExact() ? mantissa.getValue() : convertDigits(digits, scan.get());
     if (isNegative) number.value = -number.value;
@@ -93,8 +95,8 @@ std::uint32_t scanHexNumber(UnitCursor& cursor, int maxDigits) {
     const char16_t* const start = scan.get();
     std::uint64_t value = 0;
     constexpr std::uint64_t largest = std::numeric_limits<std::uint32_t>::max();
-    for (int left = maxDigits; left != 0 && getHexDigit(scan.peek()) >= 0; scan.advance()) {
-        value = value * 16 + static_cast<std::uint64_t>(getHexDigit(scan.peek()));
+    for (int left = maxDigits; left != 0 && hexDigitValue(scan.peek()) >= 0; scan.advance()) {
+        value = value * 16 + static_cast<std::uint64_t>(hexDigitValue(scan.peek()));
         if (value > largest) value = largest;
         if (left > 0) --left;
     }

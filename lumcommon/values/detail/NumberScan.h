@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Text.h>
+#include <lumcommon/core/detail/AsciiText.h>
 
 #include <cstdint>
 
@@ -9,13 +10,6 @@ namespace LumCommon::detail {
 /// White space between tokens.
 constexpr bool isTokenSpace(char16_t c) noexcept { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
 constexpr bool isQuote(char16_t c) noexcept { return c == u'"' || c == u'\''; }
-constexpr bool isDigit(char16_t c) noexcept { return c >= u'0' && c <= u'9'; }
-/// The value of a hexadecimal digit, -1 for other characters.
-constexpr int getHexDigit(char16_t c) noexcept {
-    if (isDigit(c)) return c - u'0';
-    const char16_t lower = c | 0x20;
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
-}
 
 /// A reading position in UTF-16 that ends at a limit or at U+0000, whichever comes first. The limit may be null: then
 /// only U+0000 ends it, and nothing has to measure the text beforehand.
@@ -35,7 +29,7 @@ public:
         while (isTokenSpace(peek())) advance();
     }
     /// A digit, or "." and a digit: what numbers begin with after their sign.
-    bool isAtNumber() const noexcept { return isDigit(peek()) || (peek() == u'.' && isDigit(peekSecond())); }
+    bool isAtNumber() const noexcept { return isAsciiDigit(peek()) || (peek() == u'.' && isAsciiDigit(peekSecond())); }
     bool isAtSignedNumber() const noexcept {
         if (peek() != u'+' && peek() != u'-') return isAtNumber();
         return UnitCursor(position_ + 1, limit_).isAtNumber();

@@ -1,4 +1,6 @@
 #include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/detail/CodePoints.h>
+#include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/values/detail/Quoting.h>
 
 namespace LumCommon::detail {
@@ -53,7 +55,7 @@ void appendCssEscaped(UnicodeString& result, const UnicodeString& text, char16_t
         result.append(u'\\').append(escape, -1);
         const bool hasNext = i + 1 < text.length();
         const char16_t next = hasNext ? text.charAt(i + 1) : u'\0';
-        if (isCssSpace(next) || getHexDigit(next) >= 0) result.append(u' ');
+        if (isCssSpace(next) || hexDigitValue(next) >= 0) result.append(u' ');
     }
 }
 
@@ -68,12 +70,11 @@ void appendDoubled(UnicodeString& result, const UnicodeString& text, char16_t qu
 /// Reads what follows a backslash. Code points that are none (0, surrogates, beyond U+10FFFF) become U+FFFD.
 void appendUnescaped(UnicodeString& result, UnitCursor& cursor) {
     const char16_t c = cursor.peek();
-    if (getHexDigit(c) >= 0) {
+    if (hexDigitValue(c) >= 0) {
         constexpr int mostDigits = 6;
         const auto code = static_cast<UChar32>(scanHexNumber(cursor, mostDigits));
         if (isCssSpace(cursor.peek())) cursor.advance();
-        const bool isCharacter = code > 0 && code <= 0x10FFFF && !U_IS_SURROGATE(code);
-        result.append(isCharacter ? code : UChar32{0xFFFD});
+        result.append(code != 0 && isUnicodeCharacter(code) ? code : UChar32{replacementCharacter});
         return;
     }
     if (cursor.isAtEnd()) {

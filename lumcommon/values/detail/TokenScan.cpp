@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/values/detail/TokenScan.h>
@@ -24,9 +25,8 @@ constexpr std::uint8_t nameBit = 2;
 constexpr auto asciiClasses = [] {
     std::array<std::uint8_t, 128> classes{};
     for (char16_t c = 0; c < classes.size(); ++c) {
-        const bool isStart = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
-        if (isStart) classes[c] = startBit | nameBit;
-        if (c == u'-' || c == u'.' || isDigit(c)) classes[c] = nameBit;
+        if (isAsciiLetter(c) || c == u'_') classes[c] = startBit | nameBit;
+        if (c == u'-' || c == u'.' || isAsciiDigit(c)) classes[c] = nameBit;
     }
     return classes;
 }();
@@ -126,7 +126,7 @@ ScannedToken scanToken(UnitCursor& cursor) {
         scanQuoted(cursor, token);
     } else if (cursor.isAtNumber()) {
         scanNumberToken(cursor, token);
-    } else if (c == u'#' && getHexDigit(cursor.peekSecond()) >= 0) {
+    } else if (c == u'#' && hexDigitValue(cursor.peekSecond()) >= 0) {
         cursor.advance();
         const char16_t* const digits = cursor.get();
         const std::uint32_t value = scanHexNumber(cursor, -1);

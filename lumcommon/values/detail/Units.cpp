@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/detail/Units.h>
 
@@ -66,11 +67,6 @@ constexpr UnitRow unitRows[] = {  // the common ones first
 };
 // clang-format on
 
-// Folds ASCII only: the Kelvin sign is a name character that full case folding would take for a "k".
-constexpr char16_t toLowerAscii(char16_t c) noexcept {
-    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c | 0x20) : c;
-}
-
 }  // namespace
 
 const UnicodeString& LumValue::getUnitString(LumValueUnitType unit) {
@@ -81,8 +77,9 @@ const UnicodeString& LumValue::getUnitString(LumValueUnitType unit) {
 
 LumValueUnitType detail::findUnit(std::u16string_view text) noexcept {
     if (text.size() > longestUnit) return UNIT_NONE;
+    // Only ASCII is folded: the Kelvin sign is a name character that full case folding would take for a "k".
     std::uint64_t folded = 0;
-    for (const char16_t c : text) folded = folded << 16 | toLowerAscii(c);
+    for (const char16_t c : text) folded = folded << 16 | detail::toLowerAscii(c);
     for (const UnitRow& row : unitRows) {
         if (row.lowerCase == folded) return row.unit;
     }

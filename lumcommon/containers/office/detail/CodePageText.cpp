@@ -22,8 +22,8 @@ bool setUp(CConvContext& context, const std::string& charset) {
 
 }  // namespace
 
-std::string charsetOfCodePage(unsigned codePage) {
-    constexpr unsigned utf8 = 65001;
+std::string charsetOfCodePage(std::int64_t codePage) {
+    constexpr std::int64_t utf8 = 65001;
     return codePage == utf8 ? "UTF-8" : "cp" + std::to_string(codePage);
 }
 

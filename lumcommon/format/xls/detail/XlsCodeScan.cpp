@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/detail/XlsCodeScan.h>
 #include <lumcommon/format/xls/detail/XlsTables.h>
 
@@ -8,12 +9,6 @@
 namespace LumCommon::detail {
 
 namespace {
-
-char16_t lowerCase(char16_t c) { return c >= 'A' && c <= 'Z' ? static_cast<char16_t>(c + ('a' - 'A')) : c; }
-
-bool equalsIgnoringCase(std::u16string_view a, std::u16string_view b) {
-    return std::ranges::equal(a, b, [](char16_t x, char16_t y) { return lowerCase(x) == lowerCase(y); });
-}
 
 std::u16string_view trimmed(std::u16string_view text) {
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
@@ -64,14 +59,14 @@ void XlsCodeScan::literal(std::int32_t begin, std::int32_t end) {
 
 void XlsCodeScan::run(XlsToken token, char32_t unit) {
     std::size_t end = static_cast<std::size_t>(at_);
-    while (end < code_.size() && lowerCase(code_[end]) == unit) ++end;
+    while (end < code_.size() && toLowerAscii(code_[end]) == unit) ++end;
     const std::int32_t length = static_cast<std::int32_t>(end) - at_;
     add(token, unit, length, length);
 }
 
 bool XlsCodeScan::startsWith(std::u16string_view word, bool ignoreCase) const {
     const std::u16string_view here = code_.substr(static_cast<std::size_t>(at_), word.size());
-    return ignoreCase ? equalsIgnoringCase(here, word) : here == word;
+    return ignoreCase ? equalsIgnoringAsciiCase(here, word) : here == word;
 }
 
 void XlsCodeScan::element() {
@@ -107,7 +102,7 @@ void XlsCodeScan::element() {
             break;
     }
     if (c >= '1' && c <= '9') return add(XlsToken::DIGIT_LITERAL, c, 1);
-    letter(lowerCase(c));
+    letter(toLowerAscii(c));
 }
 
 void XlsCodeScan::letter(char16_t lower) {
@@ -175,7 +170,7 @@ void XlsCodeScan::bracket() {
     if (content.front() == xlsKeyword(XLS_CURRENCY).front()) return currency(begin, content);
     for (int keyword = XLS_HOURS; keyword <= XLS_SECONDS; ++keyword) {
         const char16_t letter = xlsKeyword(keyword).front();
-        if (!std::ranges::all_of(content, [&](char16_t c) { return lowerCase(c) == letter; })) continue;
+        if (!std::ranges::all_of(content, [&](char16_t c) { return toLowerAscii(c) == letter; })) continue;
         raw().pieces.push_back({XlsToken::ELAPSED, letter, begin, static_cast<std::int32_t>(close),
                                 static_cast<std::int32_t>(content.size())});
         return;
@@ -186,11 +181,11 @@ void XlsCodeScan::bracket() {
 bool XlsCodeScan::color(std::u16string_view content) {
     int number = 0;
     for (int keyword = XLS_BLACK; keyword <= XLS_CYAN; ++keyword) {
-        if (equalsIgnoringCase(content, xlsKeyword(keyword))) number = keyword + 1;
+        if (equalsIgnoringAsciiCase(content, xlsKeyword(keyword))) number = keyword + 1;
     }
     const std::u16string_view word = xlsKeyword(XLS_COLOR);
     if (number == 0) {
-        if (!equalsIgnoringCase(content.substr(0, word.size()), word)) return false;
+        if (!startsWithIgnoringAsciiCase(content, word)) return false;
         const std::string digits = toAscii(trimmed(content.substr(word.size())));
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
         if (error != std::errc() || end != digits.data() + digits.size()) return false;
@@ -229,7 +224,7 @@ bool XlsCodeScan::condition(std::u16string_view content) {
 
 bool XlsCodeScan::styleBracket(std::u16string_view content) {
     for (int keyword = XLS_DBNUM1; keyword <= XLS_DBNUM3; ++keyword) {
-        if (!equalsIgnoringCase(content, xlsKeyword(keyword))) continue;
+        if (!equalsIgnoringAsciiCase(content, xlsKeyword(keyword))) continue;
         if (current().dbNum != 0) return true;
         current().dbNum = keyword - XLS_DBNUM1 + 1;
         raw().prefix += bracketed(xlsKeyword(keyword));
@@ -239,7 +234,7 @@ bool XlsCodeScan::styleBracket(std::u16string_view content) {
 }
 
 void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
-    // The symbol goes up to the hyphen; behind it stands a language, as hexadecimal number or by its tag.
+    // The symbol goes up to the hyphen; a language follows, as a hexadecimal number or by its tag.
     constexpr unsigned japanese = 0x411;
     const std::size_t hyphen = std::min(content.find(u'-'), content.size());
     literal(begin + 1, begin + static_cast<std::int32_t>(hyphen));
@@ -249,7 +244,7 @@ void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
     unsigned number = 0;
     const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), number, 16);
     unsigned language = error == std::errc() && end == ascii.data() + ascii.size() ? number & 0xFFFFu : 0;
-    const bool isTag = equalsIgnoringCase(tag.substr(0, 2), u"ja") && (tag.size() == 2 || tag[2] == '-');
+    const bool isTag = equalsIgnoringAsciiCase(tag.substr(0, 2), u"ja") && (tag.size() == 2 || tag[2] == '-');
     if (isTag) language = japanese;
     if (language == 0) return;
     constexpr unsigned primaryLanguage = 0x3FF;

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/detail/XlsDecimal.h>
 
 #include <algorithm>
@@ -10,10 +11,8 @@ namespace LumCommon::detail {
 
 namespace {
 
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
-/// A number with more zeros than this behind its point is no matter for fractions and times.
-constexpr std::int64_t farBehindPoint = 40;
+/// A number with more zeros than this after its point is too small to matter to fractions and times.
+constexpr std::int64_t farAfterPoint = 40;
 
 /// "d.ddde+xx" without its point; the exponent of the first digit.
 struct Scientific {
@@ -23,7 +22,7 @@ struct Scientific {
 
     Scientific(const char* text, const char* end) {
         for (; *text != 'e'; ++text) {
-            if (isDigit(*text)) digits[count++] = *text;
+            if (isAsciiDigit(*text)) digits[count++] = *text;
         }
         ++text;
         if (*text == '+') ++text;  // from_chars takes no plus sign
@@ -63,7 +62,7 @@ XlsDecimal::XlsDecimal(double value) : negative_(std::signbit(value)) {
             return;
         }
     }
-    // Two digits more than are kept tell which way to round, unless they read 50: what is behind them may have been
+    // Two digits more than are kept tell which way to round, unless they read 50: what follows them may have been
     // rounded up to it. No double has an expansion whose digits 16 to 41 are a 4 and nines.
     Scientific number = expansion(magnitude, MAX_DIGITS + 2);
     if (number.digits[MAX_DIGITS] == '5' && number.digits[MAX_DIGITS + 1] == '0') {
@@ -92,7 +91,7 @@ XlsDecimal::XlsDecimal(std::string_view text) {
             isBehindPoint = true;
             continue;
         }
-        if (!isDigit(c)) break;
+        if (!isAsciiDigit(c)) break;
         if (count_ == 0 && c == '0') {
             if (isBehindPoint) --point_;
             continue;
@@ -185,17 +184,17 @@ std::uint64_t XlsDecimal::multiplyFraction(std::uint32_t factor, Put put) const 
 }
 
 std::uint64_t XlsDecimal::fractionTimes(std::uint32_t factor) const noexcept {
-    if (point_ < -farBehindPoint) return 0;
+    if (point_ < -farAfterPoint) return 0;
     char firstDecimal = '0';  // the last one divided off is all that rounding half up looks at
     const std::uint64_t product = multiplyFraction(factor, [&](char digit) { firstDecimal = digit; });
     return product + (firstDecimal >= '5');
 }
 
 XlsDecimal XlsDecimal::fractionProduct(std::uint32_t factor) const noexcept {
-    if (point_ < -farBehindPoint) return XlsDecimal();
-    constexpr std::size_t most = EXACT_DIGITS + farBehindPoint;
+    if (point_ < -farAfterPoint) return XlsDecimal();
+    constexpr std::size_t most = EXACT_DIGITS + farAfterPoint;
     char text[24 + most];  // an integer, the point, decimals
-    // Digits come from the last one on, so they are laid down from behind.
+    // Digits come last one first, so the text is filled from its end.
     char* first = text + sizeof text;
     const std::uint64_t product = multiplyFraction(factor, [&](char digit) { *--first = digit; });
     *--first = '.';
@@ -207,7 +206,7 @@ XlsDecimal XlsDecimal::fractionProduct(std::uint32_t factor) const noexcept {
 }
 
 XlsDecimal::Part XlsDecimal::fraction() const noexcept {
-    if (point_ < -farBehindPoint || point_ >= count_) return {};
+    if (point_ < -farAfterPoint || point_ >= count_) return {};
     Part part{0, static_cast<int>(count_ - point_)};
     for (std::int64_t i = std::max<std::int64_t>(point_, 0); i < count_; ++i) {
         part.digits = part.digits * 10 + static_cast<std::uint64_t>(digits_[i] - '0');

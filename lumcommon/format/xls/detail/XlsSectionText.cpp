@@ -1,8 +1,10 @@
+#include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/DecimalText.h>
+#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/format/xls/detail/XlsSectionText.h>
 #include <lumcommon/format/xls/detail/XlsTables.h>
 
 #include <algorithm>
-#include <string>
 
 namespace LumCommon::detail {
 
@@ -75,7 +77,7 @@ private:
     }
     /// Keeps two runs of one letter apart.
     void separate(char16_t letter) {
-        if (!out_.isEmpty() && (out_.charAt(out_.length() - 1) | 0x20) == (letter | 0x20)) out_.append(u"\"\"", 2);
+        if (!out_.isEmpty() && toLowerAscii(out_.charAt(out_.length() - 1)) == letter) out_.append(u"\"\"", 2);
     }
     void elapsed(char16_t letter, std::int32_t count) {
         out_.append(u'[');
@@ -83,7 +85,7 @@ private:
         out_.append(u']');
     }
     void literal(const XlsPiece& piece);
-    void word(std::u16string_view text) { out_.append(text.data(), static_cast<std::int32_t>(text.size())); }
+    void word(std::u16string_view text) { append(out_, text); }
 
     const FMT& section_;
     UnicodeString& out_;
@@ -118,7 +120,7 @@ void SectionText::piece(const XlsPiece& piece) {
             out_.append(u'E').append(static_cast<char16_t>(piece.unit));
             return;
         case Kind::FIXED_DENOMINATOR:
-            out_.append(UnicodeString::fromUTF8(std::to_string(section_.fixedDenominator)));
+            appendDecimal(out_, section_.fixedDenominator);
             return;
         case Kind::GENERAL:
             separate(u'g');

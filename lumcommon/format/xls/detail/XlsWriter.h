@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Text.h>
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/detail/XlsNumerals.h>
 
 #include <cstdint>
@@ -30,7 +31,7 @@ public:
     /// ASCII text, its digits in the style.
     void number(std::string_view ascii) {
         for (const char c : ascii) {
-            if (c >= '0' && c <= '9') {
+            if (isAsciiDigit(c)) {
                 digit(c);
             } else {
                 put(static_cast<char16_t>(c));

@@ -1,6 +1,6 @@
+#include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/uri/open/detail/HttpHead.h>
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace LumCommon::detail {
@@ -8,14 +8,6 @@ namespace {
 
 constexpr std::string_view scheme = "http://";
 constexpr std::size_t npos = std::string_view::npos;
-
-/// The letters of ASCII alone, whatever the locale.
-constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
-/// @param lowerCase  in lower case.
-bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
-    return std::ranges::equal(text, lowerCase, {}, toLower);
-}
 
 std::string_view trim(std::string_view text) {
     constexpr std::string_view blanks = " \t\v\f";
@@ -26,7 +18,7 @@ std::string_view trim(std::string_view text) {
 }  // namespace
 
 std::size_t httpSchemeLength(std::string_view url) {
-    return equalsIgnoringCase(url.substr(0, scheme.size()), scheme) ? scheme.size() : 0;
+    return startsWithIgnoringAsciiCase(url, scheme) ? scheme.size() : 0;
 }
 
 HttpAuthority::HttpAuthority(std::string_view text) : host(text) {
@@ -62,7 +54,7 @@ std::optional<std::string_view> HttpHead::getStatusText() const {
     const std::size_t end = lines_.find('\n');
     if (end == npos) return std::nullopt;
     const std::string_view line = std::string_view(lines_).substr(0, end);
-    if (!equalsIgnoringCase(line.substr(0, 5), "http/")) return std::nullopt;
+    if (!startsWithIgnoringAsciiCase(line, "http/")) return std::nullopt;
     const std::size_t blank = line.find(' ');
     return blank == npos ? std::string_view() : line.substr(blank + 1);
 }
@@ -76,7 +68,7 @@ std::vector<std::string_view> HttpHead::getValues(std::string_view name) const {
         const std::size_t colon = isStatusLine ? npos : line.find(':');
         isStatusLine = false;
         if (colon == npos || colon == 0) continue;
-        if (equalsIgnoringCase(trim(line.substr(0, colon)), name)) values.push_back(trim(line.substr(colon + 1)));
+        if (equalsIgnoringAsciiCase(trim(line.substr(0, colon)), name)) values.push_back(trim(line.substr(colon + 1)));
     }
     return values;
 }
