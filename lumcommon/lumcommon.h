@@ -55,6 +55,7 @@
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 #include <lumcommon/streams/LumStrStream.h>
 #include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/streams/cconv.h>

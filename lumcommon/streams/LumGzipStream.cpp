@@ -147,20 +147,25 @@ bool readHeader(std::istream& s) {
 
 }  // namespace
 
-LumGzipStreamBuf::LumGzipStreamBuf(const char* path) { open(path); }
+LumGzipStreamBuf::LumGzipStreamBuf(const char* path) : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes) {
+    open(path);
+}
 
-LumGzipStreamBuf::LumGzipStreamBuf(const UnicodeString& path) { open(path); }
+LumGzipStreamBuf::LumGzipStreamBuf(const UnicodeString& path)
+    : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes) {
+    open(path);
+}
 
 LumGzipStreamBuf::LumGzipStreamBuf(std::istream& s)
-    : buffer_(std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes)), source_(&s) {
+    : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes), source_(&s) {
+    allocateBlock();
     if (checkHeader(s)) member_ = std::make_unique<detail::StreamInflater>();
 }
 
 LumGzipStreamBuf::~LumGzipStreamBuf() = default;
 
 bool LumGzipStreamBuf::open(const char* path) {
-    setg(nullptr, nullptr, nullptr);
-    buffer_.reset();
+    releaseBlock();
     file_.reset();
     member_.reset();
     source_ = nullptr;
@@ -169,7 +174,7 @@ bool LumGzipStreamBuf::open(const char* path) {
     if (!path || std::filesystem::is_directory(path, error)) return false;
     auto file = std::make_unique<detail::FileInflater>(path);
     if (!file->isOpen()) return false;
-    buffer_ = std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes);
+    allocateBlock();
     file_ = std::move(file);
     return true;
 }
@@ -191,15 +196,6 @@ bool LumGzipStreamBuf::checkHeader(std::istream& s) {
 std::size_t LumGzipStreamBuf::refill(std::span<char> room) {
     if (file_) return file_->read(room);
     return member_ ? member_->read(*source_, room) : detail::readBytes(*source_, room);
-}
-
-LumGzipStreamBuf::int_type LumGzipStreamBuf::underflow() {
-    if (!buffer_) return traits_type::eof();
-    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
-    char* const room = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr());
-    const std::size_t count = refill({room, detail::refillBytes});
-    setg(buffer_.get(), room, room + count);
-    return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
 LumGzipStream::LumGzipStream(const char* path) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(path)) {}

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <istream>
 #include <span>
 
@@ -19,18 +17,9 @@ inline std::size_t readBytes(std::istream& in, std::span<char> room) noexcept {
     return static_cast<std::size_t>(in.gcount());
 }
 
-/// What buffers that refill themselves keep for putting back, where nothing else is said.
+/// How many bytes a buffer that refills itself keeps for putting back, where nothing else is said.
 inline constexpr std::size_t putbackBytes = 10;
-/// What they read at a time.
+/// How many it reads at a time.
 inline constexpr std::size_t refillBytes = 4096;
-
-/// Moves the last bytes before the read position, `most` of them, to the start of `buffer` and returns their number;
-/// the next refill goes behind them.
-inline std::size_t keepPutback(char* buffer, const char* areaStart, const char* readPosition,
-                               std::size_t most = putbackBytes) noexcept {
-    const std::size_t kept = std::min(static_cast<std::size_t>(readPosition - areaStart), most);
-    if (kept != 0) std::memmove(buffer, readPosition - kept, kept);
-    return kept;
-}
 
 }  // namespace LumCommon::detail
