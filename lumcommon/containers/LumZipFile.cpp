@@ -45,10 +45,9 @@ void LumZipFile::open(const char* path) {
 }
 
 void LumZipFile::open(std::istream* s, bool own) {
-    if (s == stream_) ownsStream_ = false;  // it is to be read once more and must not go with the old archive
+    if (s == stream_.get()) stream_.disown();  // it is to be read once more and must not go with the old archive
     close();
-    stream_ = s;
-    ownsStream_ = own && s;
+    stream_ = {s, own};
     try {
         init();
     } catch (const std::exception&) {
@@ -60,13 +59,11 @@ void LumZipFile::close() noexcept {
     byName_.clear();
     relationships_.reset();
     hasContentTypes_ = false;
-    if (ownsStream_) {
+    if (stream_.isOwned()) {
         for (const LumPtr<LumZipFileEntry>& entry : entries_) entry->forgetStream();
-        delete stream_;
     }
+    stream_ = {};
     entries_.clear();
-    stream_ = nullptr;
-    ownsStream_ = false;
 }
 
 void LumZipFile::init() {

@@ -40,8 +40,7 @@ OleCompFile::OleCompFile() = default;
 OleCompFile::~OleCompFile() { close(); }
 
 void OleCompFile::close() noexcept {
-    io_ = nullptr;
-    ownIo_.reset();
+    io_ = {};
     fileBytes_ = 0;
     fatSectors_.clear();
     fat_.clear();
@@ -55,14 +54,13 @@ void OleCompFile::close() noexcept {
 bool OleCompFile::OLEopen(const char* path) {
     close();
     if (!path) return false;
-    ownIo_ = std::make_unique<JZFileIOobj>(path, "rb");
-    io_ = ownIo_.get();
+    io_ = std::unique_ptr<JZIOobj>(std::make_unique<JZFileIOobj>(path, "rb"));
     return OLEopenSub();
 }
 
 bool OleCompFile::OLEopen(JZIOobj* io) {
     close();
-    io_ = io;
+    io_ = {io, false};
     return OLEopenSub();
 }
 
@@ -270,6 +268,6 @@ OleStream* OleCompFile::OLEopenStream(const OleDirPath* path) {
     return stream->GetStreamChain(static_cast<int>(index)) ? stream.release() : nullptr;
 }
 
-void OleCompFile::OLEcloseStream(OleStream* stream) { delete stream; }
+void OleCompFile::OLEcloseStream(OleStream* stream) { const std::unique_ptr<OleStream> closed(stream); }
 
 }  // namespace LumCommon

@@ -2,6 +2,7 @@
 
 #include <lumcommon/containers/OleDirInfo.h>
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/MaybeOwned.h>
 
 #include <cstdint>
 #include <iosfwd>
@@ -57,7 +58,7 @@ public:
     /// @param io  opened here if it is not open; its size is where seeking to its end leads or, where it cannot do
     ///            that, what GetSize() says. Borrowed: it outlives the file's use.
     [[nodiscard]] bool OLEopen(JZIOobj* io);
-    bool isOpen() const noexcept { return io_ != nullptr; }
+    bool isOpen() const noexcept { return io_.get() != nullptr; }
     /// Whether files open that are loose where nothing depends on it: whose header gives -1 for the first sector of the
     /// mini FAT or of the list of FAT sectors, with a count of 0, and whose unused entries of the directory state
     /// impossible lengths for their names, which are then empty. Off at first; holds for what is opened afterwards.
@@ -135,8 +136,7 @@ private:
     void appendBlockTo(std::vector<std::int32_t>& table) const;
     std::size_t readAt(std::int64_t offset, char* to, std::size_t bytes);
 
-    std::unique_ptr<JZIOobj> ownIo_;
-    JZIOobj* io_ = nullptr;
+    MaybeOwned<JZIOobj> io_;
     std::int64_t fileBytes_ = 0;
     bool littleEndian_ = true;
     bool acceptsLooseFiles_ = false;

@@ -211,17 +211,16 @@ LumGzipStream::LumGzipStream(std::unique_ptr<LumGzipStreamBuf> buffer)
 
 LumGzipStream::~LumGzipStream() = default;
 
-LumGzipOStreamBuf::LumGzipOStreamBuf(const UnicodeString& path) : target_(nullptr) {
+LumGzipOStreamBuf::LumGzipOStreamBuf(const UnicodeString& path) {
     if (const auto platformPath = detail::toPlatformPath(path)) {
         auto file = std::make_unique<std::ofstream>(*platformPath, std::ios_base::binary | std::ios_base::trunc);
-        if (file->is_open()) ownedTarget_ = std::move(file);
+        if (file->is_open()) target_ = std::unique_ptr<std::ostream>(std::move(file));
     }
-    target_ = ownedTarget_.get();
     if (target_) initZStream();
     hasFailed_ = !target_;
 }
 
-LumGzipOStreamBuf::LumGzipOStreamBuf(std::ostream& s) : target_(&s) { initZStream(); }
+LumGzipOStreamBuf::LumGzipOStreamBuf(std::ostream& s) : target_(&s, false) { initZStream(); }
 
 LumGzipOStreamBuf::~LumGzipOStreamBuf() { sync(); }
 
@@ -263,7 +262,7 @@ LumGzipOStreamBuf::int_type LumGzipOStreamBuf::overflow(int_type c) {
 
 int LumGzipOStreamBuf::sync() {
     if (deflater_) encodeBuffer(Z_FINISH);
-    if (ownedTarget_ && !ownedTarget_->flush()) hasFailed_ = true;
+    if (target_.isOwned() && !target_->flush()) hasFailed_ = true;
     return hasFailed_ ? -1 : 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/core/Text.h>
 #include <lumcommon/streams/LumRefillStreamBuf.h>
 
@@ -107,8 +108,7 @@ private:
 
     std::unique_ptr<detail::GzipDeflater> deflater_;  // null once the member is complete or has failed
     std::unique_ptr<char[]> buffer_;
-    std::unique_ptr<std::ostream> ownedTarget_;
-    std::ostream* target_;
+    MaybeOwned<std::ostream> target_;
     bool hasFailed_ = false;
 };
 
