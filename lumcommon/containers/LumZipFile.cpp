@@ -111,7 +111,7 @@ bool LumZipFile::takeFromDirectory(std::streamoff start, std::streamoff unwalkab
         if (entry->getSignature() != LumZipEntry::SIGNATURE_FILE) continue;
         // Data that reach into the next member would let a small file claim, in many members, any amount of memory.
         if (!entries.empty()) entries.back()->limitData(entry->getPosition());
-        free = member.headerPosition + detail::zipLocalHeaderBytes;
+        free = member.headerPosition + std::streamoff{detail::ZipLocalHeader::bytes};
         isOfThisArchive = isOfThisArchive || member.headerPosition == unwalkable;
         entries.push_back(std::move(entry));
     }

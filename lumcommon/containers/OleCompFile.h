@@ -4,6 +4,7 @@
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/MaybeOwned.h>
 
+#include <bit>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -129,6 +130,7 @@ private:
     bool buildDirInfo();
     void close() noexcept;
 
+    std::endian byteOrder() const noexcept { return littleEndian_ ? std::endian::little : std::endian::big; }
     std::int64_t getSectorOffset(std::int32_t sector) const noexcept;
     std::int64_t getMiniSectorOffset(std::int32_t miniSector);
     std::int64_t getSectorCount() const noexcept;

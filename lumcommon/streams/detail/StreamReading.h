@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <istream>
 #include <span>
+#include <vector>
 
 namespace LumCommon::detail {
 
@@ -15,6 +17,26 @@ inline std::size_t readBytes(std::istream& in, std::span<char> room) noexcept {
         // The count is right also then: the mask throws after counting, a buffer that threw has a count of 0.
     }
     return static_cast<std::size_t>(in.gcount());
+}
+
+/// Fills `bytes` with up to `claimed` bytes, in pieces that grow with what has come, so that a claim costs nothing.
+/// @param read  called with the room for the next piece; gives the number of bytes it has put there, fewer at the end.
+/// Failure: std::bad_alloc; `bytes` then hold the pieces before.
+template <class Byte, class Read>
+void readClaimed(std::vector<Byte>& bytes, std::size_t claimed, Read read) {
+    constexpr std::size_t firstPieceBytes = std::size_t{64} * 1024;
+    bytes.clear();
+    while (bytes.size() < claimed) {
+        const std::size_t before = bytes.size();
+        const std::size_t piece = std::min(claimed - before, std::max(before, firstPieceBytes));
+        bytes.resize(before + piece);
+        const std::size_t got = read(std::span(bytes).subspan(before));
+        if (got < piece) {
+            bytes.resize(before + got);
+            bytes.shrink_to_fit();
+            break;
+        }
+    }
 }
 
 /// How many bytes a buffer that refills itself keeps for putting back, where nothing else is said.
