@@ -22,6 +22,7 @@
 #include <lumcommon/core/LumRCObject.h>
 #include <lumcommon/core/LumStrings.h>
 #include <lumcommon/core/LumUUID.h>
+#include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/core/Text.h>
 #include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumAttr.h>
@@ -56,6 +57,7 @@
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 #include <lumcommon/streams/LumStrStream.h>
 #include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/streams/cconv.h>

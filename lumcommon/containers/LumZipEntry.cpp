@@ -7,21 +7,6 @@ namespace LumCommon {
 
 namespace detail {
 
-LumZipMemberFields takeZipMemberFields(BoundedReader& header) noexcept {
-    LumZipMemberFields fields;
-    fields.versionNeeded = header.take16();
-    fields.flags = header.take16();
-    fields.method = header.take16();
-    fields.modificationTime = header.take16();
-    fields.modificationDate = header.take16();
-    fields.crc32 = header.take32();
-    fields.compressedSize = header.take32();
-    fields.uncompressedSize = header.take32();
-    fields.nameLength = header.take16();
-    fields.extraLength = header.take16();
-    return fields;
-}
-
 UnicodeString readZipName(std::istream& in, std::uint16_t lengthBytes) {
     // The claim may size this: it is at most 64 KiB, and a name that is not there in full is the last one of its
     // stream.
@@ -72,22 +57,21 @@ StreamPlace::~StreamPlace() {
 
 namespace {
 
-/// The widths of the records, behind the signature.
-constexpr std::size_t extheaderBytes = 12;
-constexpr std::size_t directoryBytes = 2 + detail::zipMemberFieldsBytes + 14;
-constexpr std::size_t endDirectoryBytes = 18;
+std::uint32_t readSignature(std::istream& in) noexcept {
+    return detail::RecordReader<detail::ZipSignature>(in).get(detail::ZipSignature::signature);
+}
 
 }  // namespace
 
 LumZipEntry::LumZipEntry(std::istream& s)
-    : stream_(&s), position_(detail::tellPosition(s)), signature_(detail::HeaderReader<4>(s)->take32()) {}
+    : stream_(&s), position_(detail::tellPosition(s)), signature_(readSignature(s)) {}
 
 LumZipEntry::~LumZipEntry() = default;
 
 std::uint32_t LumZipEntry::getSignature(std::istream& s) {
     const std::streamoff position = detail::tellPosition(s);
     if (position < 0) return 0;
-    const std::uint32_t signature = detail::HeaderReader<4>(s)->take32();
+    const std::uint32_t signature = readSignature(s);
     detail::rewindTo(s, position);
     return signature;
 }
@@ -99,34 +83,37 @@ bool LumZipEntry::isA(unsigned int typeId) const { return typeId == TYPE_ID || L
 UnicodeString LumZipEntry::getTypeName() const { return u"LumZipEntry"; }
 
 LumZipExtheaderEntry::LumZipExtheaderEntry(std::istream& s) : LumZipEntry(s) {
-    detail::HeaderReader<extheaderBytes> header(s);
-    crc32_ = header->take32();
-    compressedSize_ = header->take32();
-    uncompressedSize_ = header->take32();
+    using Record = detail::ZipDescriptor;
+    const detail::RecordReader<Record> record(s, detail::ZipSignature::bytes);
+    crc32_ = record.get(Record::crc32);
+    compressedSize_ = record.get(Record::compressedSize);
+    uncompressedSize_ = record.get(Record::uncompressedSize);
 }
 
 LumZipDirectoryEntry::LumZipDirectoryEntry(std::istream& s) : LumZipEntry(s) {
-    detail::HeaderReader<directoryBytes> header(s);
-    versionMadeBy_ = header->take16();
-    fields_ = detail::takeZipMemberFields(*header);
-    commentLength_ = header->take16();
-    diskNumberStart_ = header->take16();
-    internalAttributes_ = header->take16();
-    externalAttributes_ = header->take32();
-    localHeaderOffset_ = header->take32();
+    using Record = detail::ZipDirectoryHeader;
+    const detail::RecordReader<Record> record(s, detail::ZipSignature::bytes);
+    versionMadeBy_ = record.get(Record::versionMadeBy);
+    fields_ = Record::Member::readFrom(record);
+    commentLength_ = record.get(Record::commentLength);
+    diskNumberStart_ = record.get(Record::diskNumberStart);
+    internalAttributes_ = record.get(Record::internalAttributes);
+    externalAttributes_ = record.get(Record::externalAttributes);
+    localHeaderOffset_ = record.get(Record::localHeaderOffset);
     fileName_ = detail::readZipName(s, fields_.nameLength);
     detail::skipBytes(s, std::uint64_t{fields_.extraLength} + commentLength_);
 }
 
 LumZipEndDirectoryEntry::LumZipEndDirectoryEntry(std::istream& s) : LumZipEntry(s) {
-    detail::HeaderReader<endDirectoryBytes> header(s);
-    diskNumber_ = header->take16();
-    directoryDisk_ = header->take16();
-    diskEntryCount_ = header->take16();
-    totalEntryCount_ = header->take16();
-    directorySize_ = header->take32();
-    directoryOffset_ = header->take32();
-    commentLength_ = header->take16();
+    using Record = detail::ZipEndRecord;
+    const detail::RecordReader<Record> record(s, detail::ZipSignature::bytes);
+    diskNumber_ = record.get(Record::diskNumber);
+    directoryDisk_ = record.get(Record::directoryDisk);
+    diskEntryCount_ = record.get(Record::diskEntryCount);
+    totalEntryCount_ = record.get(Record::totalEntryCount);
+    directorySize_ = record.get(Record::directorySize);
+    directoryOffset_ = record.get(Record::directoryOffset);
+    commentLength_ = record.get(Record::commentLength);
 }
 
 }  // namespace LumCommon

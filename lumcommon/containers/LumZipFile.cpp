@@ -45,10 +45,9 @@ void LumZipFile::open(const char* path) {
 }
 
 void LumZipFile::open(std::istream* s, bool own) {
-    if (s == stream_) ownsStream_ = false;  // it is to be read once more and must not go with the old archive
+    if (s == stream_.get()) stream_.disown();  // it is to be read once more and must not go with the old archive
     close();
-    stream_ = s;
-    ownsStream_ = own && s;
+    stream_ = {s, own};
     try {
         init();
     } catch (const std::exception&) {
@@ -60,13 +59,11 @@ void LumZipFile::close() noexcept {
     byName_.clear();
     relationships_.reset();
     hasContentTypes_ = false;
-    if (ownsStream_) {
+    if (stream_.isOwned()) {
         for (const LumPtr<LumZipFileEntry>& entry : entries_) entry->forgetStream();
-        delete stream_;
     }
+    stream_ = {};
     entries_.clear();
-    stream_ = nullptr;
-    ownsStream_ = false;
 }
 
 void LumZipFile::init() {
@@ -114,7 +111,7 @@ bool LumZipFile::takeFromDirectory(std::streamoff start, std::streamoff unwalkab
         if (entry->getSignature() != LumZipEntry::SIGNATURE_FILE) continue;
         // Data that reach into the next member would let a small file claim, in many members, any amount of memory.
         if (!entries.empty()) entries.back()->limitData(entry->getPosition());
-        free = member.headerPosition + detail::zipLocalHeaderBytes;
+        free = member.headerPosition + std::streamoff{detail::ZipLocalHeader::bytes};
         isOfThisArchive = isOfThisArchive || member.headerPosition == unwalkable;
         entries.push_back(std::move(entry));
     }

@@ -2,6 +2,7 @@
 
 #include <lumcommon/containers/LumZipFileEntry.h>
 #include <lumcommon/core/LumPtr.h>
+#include <lumcommon/core/MaybeOwned.h>
 
 #include <iosfwd>
 #include <map>
@@ -126,8 +127,7 @@ private:
     const detail::PackageRelationships& relationshipsOf(LumZipFileEntry* source);
     void close() noexcept;
 
-    std::istream* stream_ = nullptr;
-    bool ownsStream_ = false;
+    MaybeOwned<std::istream> stream_;
     std::vector<LumPtr<LumZipFileEntry>> entries_;
     std::map<UnicodeString, LumZipFileEntry*> byName_;
     bool hasContentTypes_ = false;

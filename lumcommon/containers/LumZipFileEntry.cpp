@@ -7,48 +7,34 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace LumCommon {
 
 namespace {
 
-constexpr std::size_t firstPieceBytes = std::size_t{64} * 1024;
+/// Reads a local header whose signature has been read.
+LumZipMemberFields readLocalHeader(std::istream& in) noexcept {
+    using Record = detail::ZipLocalHeader;
+    return Record::Member::readFrom(detail::RecordReader<Record>(in, detail::ZipSignature::bytes));
+}
 
 /// Where the data begin, from the start of the record; the largest sum of its parts is far below 2^31.
 std::streamoff dataOffset(const LumZipMemberFields& fields) noexcept {
-    return detail::zipLocalHeaderBytes + fields.nameLength + fields.extraLength;
-}
-
-/// Up to `claimed` bytes of the stream, in pieces that grow with what has come, so that a claim costs nothing.
-std::vector<char> readClaimed(std::istream& in, std::size_t claimed) {
-    std::vector<char> bytes;
-    while (bytes.size() < claimed) {
-        const std::size_t before = bytes.size();
-        const std::size_t piece = std::min(claimed - before, std::max(before, firstPieceBytes));
-        bytes.resize(before + piece);
-        const std::size_t got = detail::readBytes(in, std::span(bytes).subspan(before));
-        if (got < piece) {
-            bytes.resize(before + got);
-            bytes.shrink_to_fit();
-            break;
-        }
-    }
-    return bytes;
+    return std::streamoff{detail::ZipLocalHeader::bytes} + fields.nameLength + fields.extraLength;
 }
 
 }  // namespace
 
 LumZipFileEntry::LumZipFileEntry(std::istream& s) : LumZipEntry(s) {
-    detail::HeaderReader<detail::zipMemberFieldsBytes> header(s);
-    fields_ = detail::takeZipMemberFields(*header);
+    fields_ = readLocalHeader(s);
     fileName_ = detail::readZipName(s, fields_.nameLength);
     detail::skipBytes(s, std::uint64_t{fields_.extraLength} + fields_.compressedSize);
 }
 
 LumZipFileEntry::LumZipFileEntry(std::istream& s, const detail::DirectoryMember& member)
     : LumZipEntry(s), fileName_(member.name) {
-    detail::HeaderReader<detail::zipMemberFieldsBytes> header(s);
-    const LumZipMemberFields local = detail::takeZipMemberFields(*header);
+    const LumZipMemberFields local = readLocalHeader(s);
     fields_ = member.fields;
     fields_.nameLength = local.nameLength;
     fields_.extraLength = local.extraLength;
@@ -85,7 +71,12 @@ bool LumZipFileEntry::seekData() {
 
 void LumZipFileEntry::loadData() {
     if (hasReadData_) return;
-    if (seekData()) data_ = readClaimed(*stream_, std::min(fields_.compressedSize, maxDataBytes_));
+    if (seekData()) {
+        std::vector<char> data;
+        detail::readClaimed(data, std::min(fields_.compressedSize, maxDataBytes_),
+                            [this](std::span<char> room) { return detail::readBytes(*stream_, room); });
+        data_ = std::move(data);
+    }
     hasReadData_ = true;
 }
 

@@ -1,7 +1,6 @@
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/OleStream.h>
-#include <lumcommon/containers/detail/OleFields.h>
-#include <lumcommon/containers/detail/OleSignature.h>
+#include <lumcommon/containers/detail/OleRecords.h>
 #include <lumcommon/containers/detail/SectorChain.h>
 #include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/core/detail/CodePoints.h>
@@ -18,14 +17,13 @@
 namespace LumCommon {
 namespace {
 
-constexpr std::size_t headerBytes = 512;
-constexpr std::uint32_t headerFatSectors = 109;
-constexpr std::size_t headerFatList = 76;
-constexpr std::size_t sectorNumberBytes = 4;
+using Header = detail::OleHeader;
+
+constexpr std::uint16_t littleEndianMark = 0xFFFE;
 constexpr unsigned highestShift = 31;
 constexpr unsigned paddedHeaderVersion = 4;
-constexpr std::int32_t noSector = -2;
-constexpr std::int32_t freeSector = -1;
+constexpr std::int32_t noSector = detail::SectorChain::END;
+constexpr std::int32_t freeSector = detail::SectorChain::BROKEN;  // no chain goes there
 
 UnicodeString nameText(const char* name) {
     const UnicodeString text = UnicodeString::fromUTF8(name);
@@ -39,8 +37,7 @@ OleCompFile::OleCompFile() = default;
 OleCompFile::~OleCompFile() { close(); }
 
 void OleCompFile::close() noexcept {
-    io_ = nullptr;
-    ownIo_.reset();
+    io_ = {};
     fileBytes_ = 0;
     fatSectors_.clear();
     fat_.clear();
@@ -54,14 +51,13 @@ void OleCompFile::close() noexcept {
 bool OleCompFile::OLEopen(const char* path) {
     close();
     if (!path) return false;
-    ownIo_ = std::make_unique<JZFileIOobj>(path, "rb");
-    io_ = ownIo_.get();
+    io_ = std::unique_ptr<JZIOobj>(std::make_unique<JZFileIOobj>(path, "rb"));
     return OLEopenSub();
 }
 
 bool OleCompFile::OLEopen(JZIOobj* io) {
     close();
-    io_ = io;
+    io_ = {io, false};
     return OLEopenSub();
 }
 
@@ -117,10 +113,9 @@ bool OleCompFile::readBlock(long sector) {
 }
 
 void OleCompFile::appendBlockTo(std::vector<std::int32_t>& table) const {
-    const detail::OleFields fields(block_, littleEndian_);
-    for (std::size_t at = 0; at + sectorNumberBytes <= block_.size(); at += sectorNumberBytes) {
-        table.push_back(fields.getSigned(at));
-    }
+    const detail::RecordView record(block_, byteOrder());
+    const detail::FieldRow<std::int32_t> sectors{0, block_.size() / sizeof(std::int32_t)};
+    for (std::size_t i = 0; i < sectors.count; ++i) table.push_back(record.get(sectors[i]));
 }
 
 /// What the header may say where a chain begins that need not exist.
@@ -129,34 +124,37 @@ bool OleCompFile::isFirstOrNone(std::int32_t sector, std::uint32_t count) const 
 }
 
 bool OleCompFile::parseHeader() {
-    char header[headerBytes];
-    if (readAt(0, header, headerBytes) != headerBytes || !detail::startsWithOleSignature(header)) return false;
-    littleEndian_ = detail::OleFields(header, true).get16(28) == 0xFFFE;
-    const detail::OleFields fields(header, littleEndian_);
+    char header[Header::bytes];
+    if (readAt(0, header, sizeof header) != sizeof header || !detail::startsWithOleSignature(header)) return false;
+    littleEndian_ = detail::RecordView(header).get(Header::byteOrder) == littleEndianMark;
+    const detail::RecordView record(header, byteOrder());
     char version[8];
-    std::snprintf(version, sizeof version, "%.2x %.2x", unsigned{fields.get8(26)}, unsigned{fields.get8(27)});
+    std::snprintf(version, sizeof version, "%.2x %.2x", unsigned{record.get(Header::majorVersionBytes[0])},
+                  unsigned{record.get(Header::majorVersionBytes[1])});
     version_ = version;
-    sectorShift_ = fields.get16(30);
-    miniSectorShift_ = fields.get16(32);
+    sectorShift_ = record.get(Header::sectorShift);
+    miniSectorShift_ = record.get(Header::miniSectorShift);
     if (sectorShift_ > highestShift || miniSectorShift_ > sectorShift_ || getSectorSize() < OleDirInfo::entryBytes) {
         return false;
     }
-    sectorsStart_ = headerBytes;
-    if (fields.get16(26) == paddedHeaderVersion) sectorsStart_ = std::max(sectorsStart_, getSectorSize());
-    firstDirSector_ = fields.getSigned(48);
-    miniStreamCutoff_ = fields.get32(56);
-    firstMiniFatSector_ = fields.getSigned(60);
-    miniFatSectorCount_ = fields.get32(64);
-    const std::int32_t firstDifatSector = fields.getSigned(68);
+    sectorsStart_ = Header::bytes;
+    if (record.get(Header::majorVersion) == paddedHeaderVersion) {
+        sectorsStart_ = std::max(sectorsStart_, getSectorSize());
+    }
+    firstDirSector_ = record.get(Header::firstDirectorySector);
+    miniStreamCutoff_ = record.get(Header::miniStreamCutoff);
+    firstMiniFatSector_ = record.get(Header::firstMiniFatSector);
+    miniFatSectorCount_ = record.get(Header::miniFatSectorCount);
+    const std::int32_t firstDifatSector = record.get(Header::firstDifatSector);
     if (firstDirSector_ < 0 || !isFirstOrNone(firstMiniFatSector_, miniFatSectorCount_) ||
-        !isFirstOrNone(firstDifatSector, fields.get32(72))) {
+        !isFirstOrNone(firstDifatSector, record.get(Header::difatSectorCount))) {
         return false;
     }
-    const std::uint32_t fatSectorCount = fields.get32(44);
-    for (std::size_t i = 0; i < std::min(fatSectorCount, headerFatSectors); ++i) {
-        fatSectors_.push_back(fields.getSigned(headerFatList + sectorNumberBytes * i));
+    const std::uint32_t fatSectorCount = record.get(Header::fatSectorCount);
+    for (std::size_t i = 0; i < std::min<std::size_t>(fatSectorCount, Header::fatSectors.count); ++i) {
+        fatSectors_.push_back(record.get(Header::fatSectors[i]));
     }
-    return fatSectorCount <= headerFatSectors || readFatList(fatSectorCount, firstDifatSector);
+    return fatSectorCount <= Header::fatSectors.count || readFatList(fatSectorCount, firstDifatSector);
 }
 
 bool OleCompFile::readFatList(std::uint32_t count, std::int32_t firstDifat) {
@@ -269,6 +267,6 @@ OleStream* OleCompFile::OLEopenStream(const OleDirPath* path) {
     return stream->GetStreamChain(static_cast<int>(index)) ? stream.release() : nullptr;
 }
 
-void OleCompFile::OLEcloseStream(OleStream* stream) { delete stream; }
+void OleCompFile::OLEcloseStream(OleStream* stream) { const std::unique_ptr<OleStream> closed(stream); }
 
 }  // namespace LumCommon

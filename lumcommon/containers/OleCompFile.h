@@ -2,7 +2,9 @@
 
 #include <lumcommon/containers/OleDirInfo.h>
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/MaybeOwned.h>
 
+#include <bit>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -57,7 +59,7 @@ public:
     /// @param io  opened here if it is not open; its size is where seeking to its end leads or, where it cannot do
     ///            that, what GetSize() says. Borrowed: it outlives the file's use.
     [[nodiscard]] bool OLEopen(JZIOobj* io);
-    bool isOpen() const noexcept { return io_ != nullptr; }
+    bool isOpen() const noexcept { return io_.get() != nullptr; }
     /// Whether files open that are loose where nothing depends on it: whose header gives -1 for the first sector of the
     /// mini FAT or of the list of FAT sectors, with a count of 0, and whose unused entries of the directory state
     /// impossible lengths for their names, which are then empty. Off at first; holds for what is opened afterwards.
@@ -128,6 +130,7 @@ private:
     bool buildDirInfo();
     void close() noexcept;
 
+    std::endian byteOrder() const noexcept { return littleEndian_ ? std::endian::little : std::endian::big; }
     std::int64_t getSectorOffset(std::int32_t sector) const noexcept;
     std::int64_t getMiniSectorOffset(std::int32_t miniSector);
     std::int64_t getSectorCount() const noexcept;
@@ -135,8 +138,7 @@ private:
     void appendBlockTo(std::vector<std::int32_t>& table) const;
     std::size_t readAt(std::int64_t offset, char* to, std::size_t bytes);
 
-    std::unique_ptr<JZIOobj> ownIo_;
-    JZIOobj* io_ = nullptr;
+    MaybeOwned<JZIOobj> io_;
     std::int64_t fileBytes_ = 0;
     bool littleEndian_ = true;
     bool acceptsLooseFiles_ = false;

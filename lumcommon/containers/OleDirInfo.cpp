@@ -1,38 +1,39 @@
 #include <lumcommon/containers/OleDirInfo.h>
-#include <lumcommon/containers/detail/OleFields.h>
+#include <lumcommon/containers/detail/OleRecords.h>
 
-#include <cstring>
+#include <algorithm>
+#include <bit>
 
 namespace LumCommon {
 
 bool OleDirInfo::parse(std::span<const char, entryBytes> entry, bool littleEndian, int index, bool passesUnused) {
-    constexpr unsigned nameFieldBytes = 64;
-    const detail::OleFields fields(entry, littleEndian);
-    unsigned nameBytes = fields.get16(64);
-    if (nameBytes > nameFieldBytes) {
-        if (!passesUnused || fields.get8(66) != EMPTY) return false;
+    using Record = detail::OleDirectoryEntry;
+    const detail::RecordView record(entry, littleEndian ? std::endian::little : std::endian::big);
+    const unsigned type = record.get(Record::type);
+    std::size_t nameBytes = record.get(Record::nameBytes);
+    if (nameBytes > Record::name.bytes()) {
+        if (!passesUnused || type != EMPTY) return false;
         nameBytes = 0;
     }
     *this = OleDirInfo();
     index_ = index;
-    for (unsigned at = 0; at + 1 < nameBytes; at += 2) {
-        if (const char16_t unit = fields.get16(at)) name_.append(unit);
+    for (std::size_t i = 0; i < nameBytes / sizeof(char16_t); ++i) {
+        if (const char16_t unit = record.get(Record::name[i])) name_.append(unit);
     }
-    const unsigned type = fields.get8(66);
     type_ = type <= ROOT ? static_cast<Type>(type) : EMPTY;
-    color_ = fields.get8(67);
-    left_ = fields.getSigned(68);
-    right_ = fields.getSigned(72);
-    child_ = fields.getSigned(76);
+    color_ = record.get(Record::color);
+    left_ = record.get(Record::left);
+    right_ = record.get(Record::right);
+    child_ = record.get(Record::child);
     if (type_ == STORAGE || type_ == ROOT) {
-        std::memcpy(classId_.data(), entry.data() + 80, classId_.size());
-        stateBits_ = fields.get32(96);
-        creationTime_ = fields.get64(100);
-        modificationTime_ = fields.get64(108);
+        std::ranges::copy(record.get(Record::classId), classId_.begin());
+        stateBits_ = record.get(Record::stateBits);
+        creationTime_ = record.get(Record::creationTime);
+        modificationTime_ = record.get(Record::modificationTime);
     }
     if (type_ == STREAM || type_ == ROOT) {
-        startSector_ = fields.getSigned(116);
-        sizeBytes_ = fields.get32(120);
+        startSector_ = record.get(Record::startSector);
+        sizeBytes_ = record.get(Record::size);
     }
     return true;
 }

@@ -29,7 +29,7 @@ public:
 
     /// Opens the stream at a place of the directory, at position 0. False when there is no stream, or one that should
     /// lie in the mini stream of a file that has none; the stream is then empty. A stream of no bytes always opens.
-    bool GetStreamChain(int dirIndex);
+    [[nodiscard]] bool GetStreamChain(int dirIndex);
     /// Walks the chain until it has more than `k` sectors (mini sectors for a stream in the mini stream). False when it
     /// is shorter, or broken.
     bool GetStreamChainIndex(int k);
@@ -54,8 +54,8 @@ public:
     /// @param path  in the platform's encoding.
     /// Failure: false when the file cannot be written or the stream is shorter than it states; the file then holds
     /// what could be read.
-    bool CopyToFile(const unsigned char* path);
-    bool CopyToFile(const char* path) { return CopyToFile(reinterpret_cast<const unsigned char*>(path)); }
+    [[nodiscard]] bool CopyToFile(const unsigned char* path);
+    [[nodiscard]] bool CopyToFile(const char* path) { return CopyToFile(reinterpret_cast<const unsigned char*>(path)); }
 
 private:
     struct Run {

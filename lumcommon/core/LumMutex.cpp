@@ -1,16 +1,13 @@
 #include <lumcommon/core/LumMutex.h>
-
-#include <cstddef>
-#include <new>
+#include <lumcommon/core/detail/NeverDestroyed.h>
 
 namespace LumCommon {
 namespace {
 
-/// The process-wide lock. It is never destroyed, so that destructors of static objects can still take it.
+/// The process-wide lock.
 LumLock* globalLock() noexcept {
-    alignas(LumLock) static std::byte storage[sizeof(LumLock)];
-    static LumLock* const s_globalLock = new (storage) LumLock;
-    return s_globalLock;
+    static detail::NeverDestroyed<LumLock> lock;
+    return &*lock;
 }
 
 }  // namespace

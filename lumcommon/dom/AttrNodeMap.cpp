@@ -161,10 +161,9 @@ bool AttrNodeMap::buildIndex() const {
 void AttrNodeMap::dropIndex() const noexcept {
     isIndexUseless_ = 0;
     if (!isIndexed_) return;
-    Index* const index = link_.index;
+    const std::unique_ptr<Index> index(link_.index);
     link_.node = index->last;
     isIndexed_ = 0;
-    delete index;
 }
 
 LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) const {

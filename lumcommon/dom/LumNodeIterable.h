@@ -133,6 +133,11 @@ public:
     bool hasPreviousNode() const;
 
 private:
+    template <class Way>
+    LumNode* step();
+    template <class Way>
+    bool hasStep() const;
+
     LumNode* root_;
     LumNode* current_ = nullptr;
     bool isLeaving_ = false;

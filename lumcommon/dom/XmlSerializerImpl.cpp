@@ -6,7 +6,9 @@
 
 #include <unicode/char16ptr.h>
 
+#include <memory>
 #include <ostream>
+#include <utility>
 
 namespace LumCommon {
 namespace {
@@ -51,7 +53,7 @@ private:
 XmlSerializerImpl::XmlSerializerImpl() : generator_(defaultGenerator) {}
 
 XmlSerializerImpl::~XmlSerializerImpl() {
-    if (!ownsOutput_) return;
+    if (!output_.isOwned()) return;
     try {
         closeStream();
     } catch (const LumError&) {  // nobody is left to tell
@@ -70,17 +72,17 @@ NamespaceManager& XmlSerializerImpl::namespaces() const {
 
 void XmlSerializerImpl::setOutput(std::ostream& out, const UnicodeString& encoding) {
     resetForOutput();
-    attach(&out, false, encoding);
+    attach({&out, false}, encoding);
 }
 
 void XmlSerializerImpl::setOutput(const UnicodeString& uri, const UnicodeString& encoding) {
     resetForOutput();
-    std::ostream* const file = LumUri::createOStream(uri);
+    std::unique_ptr<std::ostream> file(LumUri::createOStream(uri));
     if (!file) {
         state_ = STATE_NO_OUTPUT;
         throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::SerializerSetOutput, uri);
     }
-    attach(file, true, encoding);
+    attach(std::move(file), encoding);
 }
 
 /// Finishes the output before and empties the scopes.
@@ -98,10 +100,9 @@ void XmlSerializerImpl::resetForOutput() {
     state_ = STATE_SETTING_OUTPUT;
 }
 
-void XmlSerializerImpl::attach(std::ostream* out, bool ownsOutput, const UnicodeString& encoding) {
-    output_ = out;
-    ownsOutput_ = ownsOutput;
-    writer_.setStream(out);
+void XmlSerializerImpl::attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding) {
+    output_ = std::move(out);
+    writer_.setStream(output_.get());
     encoding_ = encoding;
     writer_.selectShiftJis(false);  // startDocument() decides
     state_ = STATE_OUTPUT_SET;
@@ -109,12 +110,10 @@ void XmlSerializerImpl::attach(std::ostream* out, bool ownsOutput, const Unicode
 
 /// Lets go of the output without flushing it. False when closing the serializer's own file shows that it is incomplete.
 bool XmlSerializerImpl::releaseOutput() noexcept {
-    std::ostream* const file = ownsOutput_ ? output_ : nullptr;
-    output_ = nullptr;
-    ownsOutput_ = false;
+    std::unique_ptr<std::ostream> file = output_.release();
     writer_.setStream(nullptr);
     state_ = STATE_NO_OUTPUT;
-    return !file || LumUri::releaseOStream(file);
+    return !file || LumUri::releaseOStream(file.release());
 }
 
 void XmlSerializerImpl::closeStream() {

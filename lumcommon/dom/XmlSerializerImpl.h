@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/detail/XmlWriter.h>
 #include <lumcommon/names/NamespaceManager.h>
@@ -74,7 +75,7 @@ private:
     bool isTagOpen() const noexcept { return state_ == STATE_TAG_OPEN || state_ == STATE_ATTRIBUTES; }
     NamespaceManager& namespaces() const;
     void resetForOutput();
-    void attach(std::ostream* out, bool ownsOutput, const UnicodeString& encoding);
+    void attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding);
     bool releaseOutput() noexcept;
     void openScope();
     void dropPrefixScope();
@@ -92,8 +93,7 @@ private:
     int state_ = STATE_NO_OUTPUT;
     mutable LumPtr<NamespaceManager> namespaces_;  // made by the first operation that needs it
     ElementNames enclosing_;                       // in STATE_PREFIXES_SET the element around the scope that waits
-    std::ostream* output_ = nullptr;
-    bool ownsOutput_ = false;
+    MaybeOwned<std::ostream> output_;
     UnicodeString encoding_;
     UnicodeString generator_;
     detail::XmlWriter writer_;

@@ -1,6 +1,7 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/detail/DecimalText.h>
+#include <lumcommon/core/detail/NeverDestroyed.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/names/detail/BuiltinNames.h>
 #include <lumcommon/names/detail/NameIntern.h>
@@ -12,21 +13,12 @@ namespace LumCommon {
 
 namespace {
 
-/// Makes an object that no destructor ends: names are used until the process is gone, also by static objects.
-template <class T>
-union Immortal {
-    T value;
-    constexpr Immortal() noexcept : value() {}
-    ~Immortal() {}
-};
-
-constinit Immortal<detail::NameStore> sharedStore;
+constinit detail::NeverDestroyed<detail::NameStore> sharedStore;
 constinit LumNameTable* sharedTable = nullptr;  // guarded by sharedLock()
 
 LumLock* sharedLock() {
-    alignas(LumLock) static unsigned char storage[sizeof(LumLock)];
-    static LumLock* const lock = new (storage) LumLock;
-    return lock;
+    static detail::NeverDestroyed<LumLock> lock;
+    return &*lock;
 }
 
 std::size_t unitsOf(const UnicodeString& text) { return static_cast<std::size_t>(text.length()); }
@@ -40,7 +32,7 @@ std::uint64_t stepAfter(unsigned tries) { return std::uint64_t{1} << (tries < 32
 /// The operations on the shared table. The caller holds the lock, or is the only thread.
 struct LumNameTable::Shared {
     static LumNameTable& table() {
-        if (sharedTable == nullptr) sharedTable = new LumNameTable(&sharedStore.value);
+        if (sharedTable == nullptr) sharedTable = new LumNameTable(&*sharedStore);
         return *sharedTable;
     }
 };
@@ -52,7 +44,7 @@ LumNameTable::LumNameTable() : ownStore_(std::make_unique<detail::NameStore>()),
 LumNameTable::LumNameTable(detail::NameStore* sharedNames) : store_(sharedNames) { store_->reserveFirstChunk(); }
 
 LumNameTable::~LumNameTable() {
-    if (store_ != &sharedStore.value) return;
+    if (store_ != &*sharedStore) return;
     LumMutex guard(sharedLock());  // taken already, unless somebody counts the shared table with a LumPtr
     store_->clear();
     sharedTable = nullptr;
@@ -94,7 +86,7 @@ LumNameEnum LumNameTable::getSharedNameEnum(const UnicodeString& text) {
 
 const UnicodeString& LumNameTable::getSharedNameString(LumNameEnum id) {
     if (id <= NAME_LAST_BUILTIN) return detail::builtinNameStrings()[id];
-    const UnicodeString* const string = sharedStore.value.stringOf(id);
+    const UnicodeString* const string = sharedStore->stringOf(id);
     return string != nullptr ? *string : detail::builtinNameStrings()[NAME_NULL];
 }
 
@@ -127,7 +119,7 @@ void LumNameTable::setupSharedNameTable() { Shared::table(); }
 
 void LumNameTable::cleanup() {
     delete sharedTable;
-    sharedStore.value.release();
+    sharedStore->release();
 }
 
 LumNameEnum LumNameTable::getNameEnum(const UnicodeString& text) {

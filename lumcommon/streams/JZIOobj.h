@@ -18,7 +18,7 @@ public:
     JZIOobj& operator=(const JZIOobj&) = delete;
 
     /// True at once when it is open.
-    virtual bool Open() = 0;
+    [[nodiscard]] virtual bool Open() = 0;
     /// Always true.
     virtual bool Close() = 0;
     /// Reads up to `len` bytes; the number read, 0 at the end.
@@ -63,7 +63,7 @@ public:
 
     /// A file opened for writing is made when it does not exist (mode 0600) and keeps its content. A directory cannot
     /// be opened.
-    bool Open() override;
+    [[nodiscard]] bool Open() override;
     bool Close() override;
     int Read(char* buf, int len) override;
     int Write(const char* buf, int len) override;
@@ -86,7 +86,7 @@ public:
     explicit JZStreamIOobj(std::istream* stream);
 
     /// Finds the size and moves to the start; false when the stream cannot seek.
-    bool Open() override;
+    [[nodiscard]] bool Open() override;
     /// Does nothing; the stream stays open.
     bool Close() override;
     /// A read that meets the end leaves the stream with eofbit but without failbit: to be shorter than asked is no

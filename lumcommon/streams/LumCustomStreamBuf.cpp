@@ -13,10 +13,11 @@ constexpr std::size_t putAreaBytes = bufferBytes - 1;
 
 LumCustomStreamController::~LumCustomStreamController() = default;
 
-LumCustomStreamBuf::LumCustomStreamBuf(LumCustomStreamController* controller) : controller_(controller) {
+LumCustomStreamBuf::LumCustomStreamBuf(LumCustomStreamController* controller)
+    : LumRefillStreamBuf(readBytesAtOnce, detail::putbackBytes), controller_(controller) {
     if (!controller_) return;
-    buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes);
-    setp(buffer_.get(), buffer_.get() + putAreaBytes);
+    allocateBlock();
+    setp(getBlock(), getBlock() + putAreaBytes);
 }
 
 LumCustomStreamBuf::~LumCustomStreamBuf() {
@@ -27,29 +28,22 @@ LumCustomStreamBuf::~LumCustomStreamBuf() {
     }
 }
 
-LumCustomStreamBuf::int_type LumCustomStreamBuf::underflow() {
-    if (!buffer_) return traits_type::eof();
-    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
-    const std::size_t kept = detail::keepPutback(buffer_.get(), eback(), gptr());
-    char* const room = buffer_.get() + kept;
-    setg(buffer_.get(), room, room);
-    const int count = controller_->read(room, static_cast<int>(readBytesAtOnce));
-    if (count <= 0 || static_cast<std::size_t>(count) > readBytesAtOnce) return traits_type::eof();
-    setg(buffer_.get(), room, room + count);
-    return traits_type::to_int_type(*gptr());
+std::size_t LumCustomStreamBuf::refill(std::span<char> room) {
+    const int count = controller_->read(room.data(), static_cast<int>(room.size()));
+    return count <= 0 || static_cast<std::size_t>(count) > room.size() ? 0 : static_cast<std::size_t>(count);
 }
 
 /// Gives the put area to the controller; false, and it stays, when not all of it is taken.
 bool LumCustomStreamBuf::handOver() {
     const auto size = static_cast<int>(pptr() - pbase());
     if (controller_->write(pbase(), size) < size) return false;
-    setp(buffer_.get(), buffer_.get() + putAreaBytes);
+    setp(getBlock(), getBlock() + putAreaBytes);
     writtenBytes_ += static_cast<std::uint64_t>(size);
     return true;
 }
 
 LumCustomStreamBuf::int_type LumCustomStreamBuf::overflow(int_type c) {
-    if (!buffer_) return traits_type::eof();
+    if (!hasBlock()) return traits_type::eof();
     const bool isStored = !traits_type::eq_int_type(c, traits_type::eof());
     if (isStored) {
         *pptr() = traits_type::to_char_type(c);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <streambuf>
+#include <span>
 
 namespace LumCommon {
 
@@ -25,22 +25,19 @@ public:
 /// when the buffer is full (8202 of them), on a flush of the stream and at destruction. Failure: end of file, also for
 /// a read that reports more bytes than it was asked for. What a callback throws passes through, except at destruction.
 /// Threads: one at a time.
-class LUM_API LumCustomStreamBuf : public std::streambuf {
+class LUM_API LumCustomStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param controller  must outlive the buffer; with null nothing can be read or written.
     explicit LumCustomStreamBuf(LumCustomStreamController* controller);
-    LumCustomStreamBuf(const LumCustomStreamBuf&) = delete;
-    LumCustomStreamBuf& operator=(const LumCustomStreamBuf&) = delete;
     /// Hands over the bytes that are left; a failure is not reported.
     ~LumCustomStreamBuf() override;
 
     /// True when there is a buffer to read into or write from.
-    bool is_open() const noexcept { return buffer_ != nullptr; }
+    bool is_open() const noexcept { return hasBlock(); }
     /// Hands over the bytes that wait. Returns their number, or -1 when not all were taken; they then go on waiting.
     int flushBuffer();
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
-    int_type underflow() override;
+    // What the operations of std::streambuf and of streams come down to; they can be called directly as well.
     int_type overflow(int_type c = traits_type::eof()) override;
     /// What std::ostream::flush() reaches: flushBuffer(), 0 or -1.
     int sync() override;
@@ -49,10 +46,10 @@ public:
                      std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
 
 private:
+    std::size_t refill(std::span<char> room) override;
     bool handOver();
 
     LumCustomStreamController* controller_;
-    std::unique_ptr<char[]> buffer_;
     std::uint64_t writtenBytes_ = 0;
 };
 

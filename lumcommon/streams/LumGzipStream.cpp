@@ -147,20 +147,25 @@ bool readHeader(std::istream& s) {
 
 }  // namespace
 
-LumGzipStreamBuf::LumGzipStreamBuf(const char* path) { open(path); }
+LumGzipStreamBuf::LumGzipStreamBuf(const char* path) : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes) {
+    open(path);
+}
 
-LumGzipStreamBuf::LumGzipStreamBuf(const UnicodeString& path) { open(path); }
+LumGzipStreamBuf::LumGzipStreamBuf(const UnicodeString& path)
+    : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes) {
+    open(path);
+}
 
 LumGzipStreamBuf::LumGzipStreamBuf(std::istream& s)
-    : buffer_(std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes)), source_(&s) {
+    : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes), source_(&s) {
+    allocateBlock();
     if (checkHeader(s)) member_ = std::make_unique<detail::StreamInflater>();
 }
 
 LumGzipStreamBuf::~LumGzipStreamBuf() = default;
 
 bool LumGzipStreamBuf::open(const char* path) {
-    setg(nullptr, nullptr, nullptr);
-    buffer_.reset();
+    releaseBlock();
     file_.reset();
     member_.reset();
     source_ = nullptr;
@@ -169,7 +174,7 @@ bool LumGzipStreamBuf::open(const char* path) {
     if (!path || std::filesystem::is_directory(path, error)) return false;
     auto file = std::make_unique<detail::FileInflater>(path);
     if (!file->isOpen()) return false;
-    buffer_ = std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes);
+    allocateBlock();
     file_ = std::move(file);
     return true;
 }
@@ -193,15 +198,6 @@ std::size_t LumGzipStreamBuf::refill(std::span<char> room) {
     return member_ ? member_->read(*source_, room) : detail::readBytes(*source_, room);
 }
 
-LumGzipStreamBuf::int_type LumGzipStreamBuf::underflow() {
-    if (!buffer_) return traits_type::eof();
-    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
-    char* const room = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr());
-    const std::size_t count = refill({room, detail::refillBytes});
-    setg(buffer_.get(), room, room + count);
-    return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
-}
-
 LumGzipStream::LumGzipStream(const char* path) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(path)) {}
 
 LumGzipStream::LumGzipStream(const UnicodeString& path) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(path)) {}
@@ -215,17 +211,16 @@ LumGzipStream::LumGzipStream(std::unique_ptr<LumGzipStreamBuf> buffer)
 
 LumGzipStream::~LumGzipStream() = default;
 
-LumGzipOStreamBuf::LumGzipOStreamBuf(const UnicodeString& path) : target_(nullptr) {
+LumGzipOStreamBuf::LumGzipOStreamBuf(const UnicodeString& path) {
     if (const auto platformPath = detail::toPlatformPath(path)) {
         auto file = std::make_unique<std::ofstream>(*platformPath, std::ios_base::binary | std::ios_base::trunc);
-        if (file->is_open()) ownedTarget_ = std::move(file);
+        if (file->is_open()) target_ = std::unique_ptr<std::ostream>(std::move(file));
     }
-    target_ = ownedTarget_.get();
     if (target_) initZStream();
     hasFailed_ = !target_;
 }
 
-LumGzipOStreamBuf::LumGzipOStreamBuf(std::ostream& s) : target_(&s) { initZStream(); }
+LumGzipOStreamBuf::LumGzipOStreamBuf(std::ostream& s) : target_(&s, false) { initZStream(); }
 
 LumGzipOStreamBuf::~LumGzipOStreamBuf() { sync(); }
 
@@ -267,7 +262,7 @@ LumGzipOStreamBuf::int_type LumGzipOStreamBuf::overflow(int_type c) {
 
 int LumGzipOStreamBuf::sync() {
     if (deflater_) encodeBuffer(Z_FINISH);
-    if (ownedTarget_ && !ownedTarget_->flush()) hasFailed_ = true;
+    if (target_.isOwned() && !target_->flush()) hasFailed_ = true;
     return hasFailed_ ? -1 : 0;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/core/Text.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 
 #include <cstddef>
 #include <istream>
@@ -26,7 +28,7 @@ class StreamInflater;
 /// Failure: nothing is thrown. Data that are corrupt or cut end early: a piece of 4096 bytes in which a stream's data
 /// turn out to be so is not delivered, all pieces before it are.
 /// Threads: one at a time.
-class LUM_API LumGzipStreamBuf : public std::streambuf {
+class LUM_API LumGzipStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param path  in the platform's encoding.
     explicit LumGzipStreamBuf(const char* path);
@@ -35,8 +37,6 @@ public:
     /// stands.
     /// @param s  must outlive the buffer.
     explicit LumGzipStreamBuf(std::istream& s);
-    LumGzipStreamBuf(const LumGzipStreamBuf&) = delete;
-    LumGzipStreamBuf& operator=(const LumGzipStreamBuf&) = delete;
     ~LumGzipStreamBuf() override;
 
     /// Opens a file in place of what was read before. False when it cannot be opened, is a directory, or `path` is
@@ -44,19 +44,15 @@ public:
     bool open(const char* path);
     bool open(const UnicodeString& path);
     /// False when a file could not be opened.
-    bool is_open() const noexcept { return buffer_ != nullptr; }
+    bool is_open() const noexcept { return hasBlock(); }
 
     /// Reads past a gzip header. True when there is one; it may still be cut short, and then no data follow. False
     /// otherwise, and `s` stands where it stood, unless it can neither seek nor put back.
     static bool checkHeader(std::istream& s);
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
-    int_type underflow() override;
-
 private:
-    std::size_t refill(std::span<char> room);
+    std::size_t refill(std::span<char> room) override;
 
-    std::unique_ptr<char[]> buffer_;
     std::unique_ptr<detail::FileInflater> file_;  // the three are alternatives; a plain stream has neither
     std::unique_ptr<detail::StreamInflater> member_;
     std::istream* source_ = nullptr;
@@ -112,8 +108,7 @@ private:
 
     std::unique_ptr<detail::GzipDeflater> deflater_;  // null once the member is complete or has failed
     std::unique_ptr<char[]> buffer_;
-    std::unique_ptr<std::ostream> ownedTarget_;
-    std::ostream* target_;
+    MaybeOwned<std::ostream> target_;
     bool hasFailed_ = false;
 };
 

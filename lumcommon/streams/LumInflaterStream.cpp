@@ -8,9 +8,10 @@
 namespace LumCommon {
 
 LumInflaterStreamBuf::LumInflaterStreamBuf(const char* data, std::size_t size, bool copy)
-    : data_(data, size),
-      inflater_(std::make_unique<detail::RawInflater>()),
-      buffer_(std::make_unique_for_overwrite<char[]>(detail::putbackBytes + detail::refillBytes)) {
+    : LumRefillStreamBuf(detail::refillBytes, detail::putbackBytes),
+      data_(data, size),
+      inflater_(std::make_unique<detail::RawInflater>()) {
+    allocateBlock();
     if (copy && size != 0) {
         copy_ = std::make_unique_for_overwrite<char[]>(size);
         std::memcpy(copy_.get(), data, size);
@@ -27,13 +28,8 @@ void LumInflaterStreamBuf::reset() {
     setg(nullptr, nullptr, nullptr);
 }
 
-LumInflaterStreamBuf::int_type LumInflaterStreamBuf::underflow() {
-    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
-    char* const room = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr());
-    const std::size_t count =
-        inflater_->fill(rest_, {room, detail::refillBytes}, [] { return std::span<const char>(); });
-    setg(buffer_.get(), room, room + count);
-    return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
+std::size_t LumInflaterStreamBuf::refill(std::span<char> room) {
+    return inflater_->fill(rest_, room, [] { return std::span<const char>(); });
 }
 
 LumInflaterStream::LumInflaterStream(const char* data, std::size_t size, bool copy)

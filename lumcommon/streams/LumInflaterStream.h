@@ -1,12 +1,12 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 
 #include <cstddef>
 #include <istream>
 #include <memory>
 #include <span>
-#include <streambuf>
 
 namespace LumCommon {
 
@@ -20,27 +20,23 @@ class RawInflater;
 /// besides the copy, whatever the data claim.
 /// Failure: nothing is thrown. Data that are corrupt or cut end early: the piece of 4096 bytes in which they turn out
 /// to be so is not delivered, all pieces before it are. Threads: one at a time.
-class LUM_API LumInflaterStreamBuf : public std::streambuf {
+class LUM_API LumInflaterStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param data  `size` bytes of compressed data; null only when there are none.
     /// @param copy  true: the buffer works on a copy. false: the bytes must outlive it.
     LumInflaterStreamBuf(const char* data, std::size_t size, bool copy);
-    LumInflaterStreamBuf(const LumInflaterStreamBuf&) = delete;
-    LumInflaterStreamBuf& operator=(const LumInflaterStreamBuf&) = delete;
     ~LumInflaterStreamBuf() override;
 
     /// Starts again from the first byte.
     void reset();
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
-    int_type underflow() override;
-
 private:
+    std::size_t refill(std::span<char> room) override;
+
     std::unique_ptr<char[]> copy_;
     std::span<const char> data_;
     std::span<const char> rest_;
     std::unique_ptr<detail::RawInflater> inflater_;
-    std::unique_ptr<char[]> buffer_;
 };
 
 /// An input stream over a LumInflaterStreamBuf of its own. Threads: one at a time.

@@ -7,6 +7,12 @@
 
 namespace LumCommon {
 
+// The one is handed on as the other.
+static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_TO_CRLF) == CConvLineEnds::toCrLf);
+static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_TO_CR) == CConvLineEnds::toCr);
+static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_TO_LF) == CConvLineEnds::toLf);
+static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_KEEP) == CConvLineEnds::keep);
+
 LumKobOStreamBuf::LumKobOStreamBuf(std::ostream* out, const char* encoding, bool bom, LF_CONVERT lf, bool flag)
     : out_(out) {
     init(encoding, bom, lf, flag);

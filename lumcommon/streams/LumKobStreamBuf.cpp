@@ -1,7 +1,6 @@
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
-#include <lumcommon/streams/detail/StreamReading.h>
 
 #include <algorithm>
 #include <cstring>
@@ -14,7 +13,8 @@ const char* LumKobStreamBuf::getLibraryName(const char* encoding) noexcept {
     return name ? name : encoding;
 }
 
-LumKobStreamBuf::LumKobStreamBuf(std::istream* in, const char* encoding) : in_(in) {
+LumKobStreamBuf::LumKobStreamBuf(std::istream* in, const char* encoding)
+    : LumRefillStreamBuf(BLOCK_BYTES, PUT_BACK_BYTES), in_(in) {
     if (encoding) {
         init(encoding, false);
         return;
@@ -37,7 +37,7 @@ bool LumKobStreamBuf::init(const char* encoding, bool bom) {
         term();
         return false;
     }
-    if (!output_) output_ = std::make_unique_for_overwrite<char[]>(PUT_BACK_BYTES + BLOCK_BYTES);
+    allocateBlock();
     input_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
     context_.input = input_.get();
     context_.inputConsumed = context_.inputAvailable = 0;
@@ -52,19 +52,11 @@ void LumKobStreamBuf::term() noexcept {
     isOpen_ = false;
 }
 
-LumKobStreamBuf::int_type LumKobStreamBuf::underflow() {
-    if (gptr() < egptr()) return traits_type::to_int_type(*gptr());
-    if (!input_) return traits_type::eof();
-    // What was delivered last stays in front of what comes, and stays there when nothing comes.
-    char* const start = output_.get();
-    char* const room = start + detail::keepPutback(start, eback(), gptr(), PUT_BACK_BYTES);
-    setg(start, room, room);
-    if (!convert(room, BLOCK_BYTES)) {
-        term();
-        return traits_type::eof();
-    }
-    setg(start, room, room + context_.outputProduced);
-    return traits_type::to_int_type(*gptr());
+std::size_t LumKobStreamBuf::refill(std::span<char> room) {
+    if (!input_) return 0;
+    if (convert(room)) return context_.outputProduced;
+    term();
+    return 0;
 }
 
 /// Moves what has not been consumed to the start of the input and fills it up.
@@ -95,9 +87,9 @@ void LumKobStreamBuf::fill() noexcept {
 }
 
 /// False when nothing more will be produced. A block of shift sequences alone produces nothing and is not the end.
-bool LumKobStreamBuf::convert(char* room, std::size_t roomBytes) noexcept {
-    context_.output = room;
-    context_.outputCapacity = static_cast<unsigned>(roomBytes);
+bool LumKobStreamBuf::convert(std::span<char> room) noexcept {
+    context_.output = room.data();
+    context_.outputCapacity = static_cast<unsigned>(room.size());
     do {
         fill();
         if (cconvConvert(context_) != 0 || context_.status == 1) return false;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 #include <lumcommon/streams/cconv.h>
 
 #include <cstddef>
 #include <istream>
 #include <memory>
-#include <streambuf>
+#include <span>
 
 namespace LumCommon {
 
@@ -15,15 +16,13 @@ namespace LumCommon {
 /// Malformed bytes are delivered as U+FFFD. Line ends are left as they are. The last 16 bytes delivered can be put
 /// back. Reading takes the source in blocks of 4096 bytes, so that the source stands somewhere behind what was
 /// delivered.
-class LUM_API LumKobStreamBuf : public std::streambuf {
+class LUM_API LumKobStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param in        the source; not owned, and alive until the last read. Null reads like an empty stream.
     /// @param encoding  the charset's name, in any case; null to recognise it from the first 2048 bytes, for which the
     ///                  source must be seekable. A name that is not a charset's leaves the buffer closed.
     LumKobStreamBuf(std::istream* in, const char* encoding);
     ~LumKobStreamBuf() override;
-    LumKobStreamBuf(const LumKobStreamBuf&) = delete;
-    LumKobStreamBuf& operator=(const LumKobStreamBuf&) = delete;
 
     /// Begins again with this charset, at the source's present position.
     /// @param bom  whether the source begins with a byte order mark, which is then not delivered.
@@ -38,20 +37,17 @@ public:
     /// result is static text, or `encoding` itself when there is no other name.
     static const char* getLibraryName(const char* encoding) noexcept;
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
-    int_type underflow() override;
-
 private:
+    std::size_t refill(std::span<char> room) override;
     void fill() noexcept;
-    bool convert(char* room, std::size_t roomBytes) noexcept;
+    bool convert(std::span<char> room) noexcept;
 
     static constexpr std::size_t BLOCK_BYTES = 4096;
     static constexpr std::size_t PUT_BACK_BYTES = 16;
 
     std::istream* in_;
     CConvContext context_;
-    std::unique_ptr<char[]> input_;   // null: the conversion has ended
-    std::unique_ptr<char[]> output_;  // the reserve for putting back, then a block
+    std::unique_ptr<char[]> input_;  // null: the conversion has ended
     bool isOpen_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstring>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace LumCommon {
@@ -13,7 +14,7 @@ using detail::readBytes;
 
 LumMemStreamBuf::LumMemStreamBuf(std::istream* source, unsigned growBytes, bool ownSource)
     : growBytes_(growBytes == 0 ? defaultGrowBytes : growBytes) {
-    if (source) sources_.push_back({source, ownSource});
+    if (source) sources_.emplace_back(source, ownSource);
 }
 
 LumMemStreamBuf::LumMemStreamBuf(const LumMemStreamBuf& other)
@@ -107,7 +108,7 @@ void LumMemStreamBuf::dropFrontBlocks(std::size_t count) {
 /// Fills the last block. Afterwards it is full or no source waits.
 void LumMemStreamBuf::fillFromSources() {
     while (!sources_.empty() && lastBlockFill_ < growBytes_) {
-        std::istream& source = *sources_.front().stream;
+        std::istream& source = *sources_.front();
         lastBlockFill_ += readBytes(source, {blocks_.back().get() + lastBlockFill_, growBytes_ - lastBlockFill_});
         // A short read is the end of the source, or its failure, after which it would give nothing for ever.
         if (lastBlockFill_ < growBytes_) dropFrontSource();
@@ -115,9 +116,9 @@ void LumMemStreamBuf::fillFromSources() {
 }
 
 void LumMemStreamBuf::dropFrontSource() {
-    const Source source = sources_.front();
+    // Off the list before it goes: its destructor may be anybody's.
+    const MaybeOwned<std::istream> source = std::move(sources_.front());
     sources_.pop_front();
-    if (source.owned) delete source.stream;
 }
 
 void LumMemStreamBuf::setGrowBytes(unsigned growBytes) noexcept {
@@ -127,7 +128,7 @@ void LumMemStreamBuf::setGrowBytes(unsigned growBytes) noexcept {
 void LumMemStreamBuf::setSource(std::istream* source, bool own) {
     if (!source) return;
     flushBuffer();
-    sources_.push_back({source, own});
+    sources_.emplace_back(source, own);
     // A reader at the end of a full block meets the new bytes when it asks for the next block; then is soon enough.
     if (blocks_.empty() || lastBlockFill_ == growBytes_) return;
     fillFromSources();

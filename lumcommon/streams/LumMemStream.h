@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/MaybeOwned.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -111,11 +112,6 @@ public:
     pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
 
 private:
-    struct Source {
-        std::istream* stream;
-        bool owned;
-    };
-
     void appendBuffer(bool fresh);
     void recycleFrontBlock();
     void fillFromSources();
@@ -138,7 +134,8 @@ private:
     std::size_t getBlock_ = 0;                    // the block of the get area, while there is one
     std::size_t putBlock_ = 0;                    // the block of the put area, while there is one
     std::size_t lastBlockFill_ = 0;               // valid bytes of the last block
-    std::deque<Source> sources_;  // the front one is read first; none waits while the last block has room
+    std::deque<MaybeOwned<std::istream>>
+        sources_;  // the front one is read first; none waits while the last block has room
     unsigned growBytes_;
     bool keepMemory_ = true;
 };

@@ -58,9 +58,9 @@ public:
     /// Writes into the file held, cut to nothing first, what `length` bytes of raw deflate data (RFC 1951) hold.
     /// @return false when none is held, it cannot be written, or the data are corrupt or cut; the file may then hold a
     /// part. Memory: constant.
-    bool inflate(const unsigned char* data, std::size_t length) const;
+    [[nodiscard]] bool inflate(const unsigned char* data, std::size_t length) const;
     /// The same into a stream.
-    static bool inflate(std::ostream& out, const unsigned char* data, std::size_t length);
+    [[nodiscard]] static bool inflate(std::ostream& out, const unsigned char* data, std::size_t length);
 
 private:
     void hold(const std::string& path);

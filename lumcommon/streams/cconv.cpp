@@ -3,7 +3,9 @@
 #include <lumcommon/streams/detail/CharsetSample.h>
 
 #include <cstring>
+#include <memory>
 #include <new>
+#include <utility>
 
 namespace LumCommon {
 
@@ -36,8 +38,7 @@ int cconvChkEncode(CConvContext& context) noexcept {
 }
 
 void cconvTermConvert(CConvContext& context) noexcept {
-    delete context.conversion;
-    context.conversion = nullptr;
+    const std::unique_ptr<detail::CharsetConversion> ended(std::exchange(context.conversion, nullptr));
 }
 
 }  // namespace LumCommon

@@ -13,7 +13,7 @@ class LUM_API LumUriReferenceResolver {
 public:
     virtual ~LumUriReferenceResolver();
     /// A new stream that the caller deletes, or null to leave the URI to the library.
-    virtual std::istream* getStream(const UnicodeString& uri) = 0;
+    [[nodiscard]] virtual std::istream* getStream(const UnicodeString& uri) = 0;
 };
 
 /// A reference to a resource, held as one normalised string.
@@ -129,7 +129,7 @@ public:
     /// A new file for writing, in binary, at a local path or file: URI; null on failure. End it with releaseOStream().
     [[nodiscard]] static std::ostream* createOStream(const UnicodeString& path);
     /// Closes and deletes a stream made by createOStream; null is allowed. False when not all could be written.
-    static bool releaseOStream(std::ostream* out);
+    [[nodiscard]] static bool releaseOStream(std::ostream* out);
 
 protected:
     UnicodeString uri_;

@@ -11,14 +11,9 @@ namespace LumCommon::detail {
 
 namespace {
 
-constexpr std::size_t endRecordBytes = 22;
 constexpr std::size_t maxCommentBytes = 0xFFFF;
-constexpr std::size_t zip64LocatorBytes = 20;
-constexpr std::size_t zip64EndRecordBytes = 56;
-constexpr std::size_t directoryRecordBytes = 46;
-constexpr std::string_view endSignature("PK\x05\x06", 4);
-constexpr std::string_view zip64LocatorSignature("PK\x06\x07", 4);
-constexpr std::string_view zip64EndSignature("PK\x06\x06", 4);
+constexpr auto endSignatureBytes = zipSignatureBytes(LumZipEntry::SIGNATURE_END_DIRECTORY);
+constexpr std::string_view endSignature(endSignatureBytes.data(), endSignatureBytes.size());
 constexpr std::uint16_t zip64ExtraId = 1;
 constexpr std::uint32_t isInZip64Extra = 0xFFFFFFFFu;
 
@@ -26,11 +21,6 @@ constexpr std::uint32_t isInZip64Extra = 0xFFFFFFFFu;
 struct DirectoryPlace {
     std::streamoff base = 0, start = 0, end = 0;
 };
-
-std::uint64_t take64(BoundedReader& fields) noexcept {
-    const std::uint64_t low = fields.take32();
-    return low | std::uint64_t{fields.take32()} << 32;
-}
 
 std::streamoff findEnd(std::istream& in) noexcept {
     try {
@@ -47,9 +37,9 @@ std::streamoff findEnd(std::istream& in) noexcept {
 std::size_t findEndRecord(std::string_view tail) noexcept {
     std::size_t last = tail.npos;
     for (std::size_t at = tail.size(); (at = tail.rfind(endSignature, at)) != tail.npos; --at) {
-        if (tail.size() - at >= endRecordBytes) {
-            BoundedReader comment(tail.substr(at + endRecordBytes - 2));
-            if (at + endRecordBytes + comment.take16() == tail.size()) return at;
+        if (tail.size() - at >= ZipEndRecord::bytes) {
+            const RecordView record(tail.substr(at));
+            if (at + ZipEndRecord::bytes + record.get(ZipEndRecord::commentLength) == tail.size()) return at;
             if (last == tail.npos) last = at;
         }
         if (at == 0) break;
@@ -67,7 +57,8 @@ std::optional<DirectoryPlace> placeOf(std::uint64_t claimedSize, std::uint64_t c
 }
 
 std::optional<DirectoryPlace> findDirectory(std::istream& in, std::streamoff archiveStart) {
-    constexpr std::streamoff tailBytes = endRecordBytes + maxCommentBytes + zip64LocatorBytes + zip64EndRecordBytes;
+    constexpr std::size_t zip64Bytes = Zip64EndRecord::bytes + Zip64Locator::bytes;
+    constexpr std::streamoff tailBytes = zip64Bytes + ZipEndRecord::bytes + maxCommentBytes;
     const std::streamoff streamEnd = findEnd(in);
     if (streamEnd < archiveStart) return std::nullopt;
     const std::streamoff tailStart = std::max(archiveStart, streamEnd - tailBytes);
@@ -78,27 +69,32 @@ std::optional<DirectoryPlace> findDirectory(std::istream& in, std::streamoff arc
     if (at == tail.npos) return std::nullopt;
 
     // The two further records of zip64 stand in front of it, where they are.
-    constexpr std::size_t zip64Bytes = zip64LocatorBytes + zip64EndRecordBytes;
-    const bool isZip64 = at >= zip64Bytes && tail.substr(at - zip64LocatorBytes).starts_with(zip64LocatorSignature) &&
-                         tail.substr(at - zip64Bytes).starts_with(zip64EndSignature);
+    const auto signatureAt = [tail](std::size_t place) {
+        return RecordView(tail.substr(place)).get(ZipSignature::signature);
+    };
+    const bool isZip64 = at >= zip64Bytes && signatureAt(at - Zip64Locator::bytes) == Zip64Locator::SIGNATURE &&
+                         signatureAt(at - zip64Bytes) == Zip64EndRecord::SIGNATURE;
     const std::size_t directoryEnd = isZip64 ? at - zip64Bytes : at;
-    BoundedReader record(tail.substr(directoryEnd + (isZip64 ? 40 : 12)));
-    const std::uint64_t size = isZip64 ? take64(record) : record.take32();
-    const std::uint64_t offset = isZip64 ? take64(record) : record.take32();
+    const RecordView record(tail.substr(directoryEnd));
+    const std::uint64_t size =
+        isZip64 ? record.get(Zip64EndRecord::directorySize) : record.get(ZipEndRecord::directorySize);
+    const std::uint64_t offset =
+        isZip64 ? record.get(Zip64EndRecord::directoryOffset) : record.get(ZipEndRecord::directoryOffset);
     return placeOf(size, offset, tailStart + static_cast<std::streamoff>(directoryEnd), archiveStart);
 }
 
 /// Replaces the fields that point to the extra field of zip64 by what it says.
 void applyZip64(BoundedReader extra, LumZipMemberFields& fields, std::uint64_t& offset) noexcept {
-    constexpr std::size_t tagBytes = 4;
+    constexpr std::size_t tagBytes = 2 * sizeof(std::uint16_t);  // what it is, and the length of its content
     while (extra.getRemainingBytes() >= tagBytes) {
-        const std::uint16_t id = extra.take16();
+        const auto id = extra.take<std::uint16_t>();
         std::span<const char> content;
-        if (!extra.take(extra.take16(), content)) return;
+        if (!extra.take(extra.take<std::uint16_t>(), content)) return;
         if (id != zip64ExtraId) continue;
         BoundedReader values(content);
         const auto take = [&values](std::uint64_t claimed) {
-            return claimed == isInZip64Extra && values.getRemainingBytes() >= 8 ? take64(values) : claimed;
+            const bool isThere = values.getRemainingBytes() >= sizeof(std::uint64_t);
+            return claimed == isInZip64Extra && isThere ? values.take<std::uint64_t>() : claimed;
         };
         const auto fitted = [](std::uint64_t size) {
             return static_cast<std::uint32_t>(std::min<std::uint64_t>(size, isInZip64Extra));
@@ -114,17 +110,14 @@ void applyZip64(BoundedReader extra, LumZipMemberFields& fields, std::uint64_t& 
 /// @param room  for bytes that are passed over.   @return false when none is there in full.
 bool readRecord(std::istream& in, std::streamoff& position, const DirectoryPlace& place, std::vector<char>& room,
                 DirectoryMember& member, std::uint64_t& offset) {
-    if (place.end - position < static_cast<std::streamoff>(directoryRecordBytes)) return false;
-    HeaderReader<directoryRecordBytes> header(in);
-    if (header->take32() != LumZipEntry::SIGNATURE_DIRECTORY) return false;
-    header->take16();  // the version that made it
-    member.fields = takeZipMemberFields(*header);
-    const std::uint16_t commentLength = header->take16();
-    header->take32();  // the disk, internal attributes
-    header->take32();  // external attributes
-    offset = header->take32();
-    position += static_cast<std::streamoff>(directoryRecordBytes) + member.fields.nameLength +
-                member.fields.extraLength + commentLength;
+    using Record = ZipDirectoryHeader;
+    if (place.end - position < std::streamoff{Record::bytes}) return false;
+    const RecordReader<Record> record(in);
+    if (record.get(Record::signature) != LumZipEntry::SIGNATURE_DIRECTORY) return false;
+    member.fields = Record::Member::readFrom(record);
+    const std::uint16_t commentLength = record.get(Record::commentLength);
+    offset = record.get(Record::localHeaderOffset);
+    position += std::streamoff{Record::bytes} + member.fields.nameLength + member.fields.extraLength + commentLength;
     if (position > place.end) return false;
     member.name = readZipName(in, member.fields.nameLength);
     room.resize(std::size_t{member.fields.extraLength} + commentLength);
@@ -148,7 +141,8 @@ CentralDirectory readCentralDirectory(std::istream& in, std::streamoff archiveSt
     while (readRecord(in, position, *place, room, member, offset)) {
         if (offset > static_cast<std::uint64_t>(place->start - place->base)) continue;
         member.headerPosition = place->base + static_cast<std::streamoff>(offset);
-        if (member.headerPosition < archiveStart || place->start - member.headerPosition < zipLocalHeaderBytes)
+        if (member.headerPosition < archiveStart ||
+            place->start - member.headerPosition < std::streamoff{ZipLocalHeader::bytes})
             continue;
         directory.members.push_back(member);
     }

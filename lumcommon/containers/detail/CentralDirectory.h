@@ -8,9 +8,6 @@
 
 namespace LumCommon::detail {
 
-/// The size of a local header, its name and extra field left out.
-inline constexpr std::streamoff zipLocalHeaderBytes = 30;
-
 /// What the central directory says of a member.
 struct DirectoryMember {
     std::streamoff headerPosition = 0;  ///< of the local header, in the stream

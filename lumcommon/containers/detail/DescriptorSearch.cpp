@@ -1,4 +1,3 @@
-#include <lumcommon/containers/detail/BoundedReader.h>
 #include <lumcommon/containers/detail/DescriptorSearch.h>
 #include <lumcommon/containers/detail/ZipFields.h>
 
@@ -11,23 +10,20 @@ namespace LumCommon::detail {
 
 namespace {
 
-constexpr std::size_t descriptorBytes = 16;
 constexpr std::size_t windowBytes = std::size_t{64} * 1024;
-constexpr std::string_view signature("PK\x07\x08", 4);
+constexpr auto signatureBytes = zipSignatureBytes(LumZipEntry::SIGNATURE_EXTHEADER);
+constexpr std::string_view signature(signatureBytes.data(), signatureBytes.size());
 
 /// The first descriptor that lies in `window` as a whole and states its own distance.
 /// @param distance  of the window from the member's data; receives that of what was found.
 bool findIn(std::string_view window, std::uint64_t& distance, LumZipMemberFields& found) {
     for (std::size_t at = 0; (at = window.find(signature, at)) != window.npos; ++at) {
-        BoundedReader fields(window.substr(at));
-        if (fields.getRemainingBytes() < descriptorBytes) return false;
-        fields.take32();
-        const std::uint32_t crc32 = fields.take32();
-        const std::uint32_t compressedSize = fields.take32();
-        if (compressedSize == distance + at) {
-            found.crc32 = crc32;
-            found.compressedSize = compressedSize;
-            found.uncompressedSize = fields.take32();
+        if (window.size() - at < ZipDescriptor::bytes) return false;
+        const RecordView record(window.substr(at));
+        if (record.get(ZipDescriptor::compressedSize) == distance + at) {
+            found.crc32 = record.get(ZipDescriptor::crc32);
+            found.compressedSize = record.get(ZipDescriptor::compressedSize);
+            found.uncompressedSize = record.get(ZipDescriptor::uncompressedSize);
             distance += at;
             return true;
         }
@@ -42,7 +38,7 @@ bool search(std::istream& in, std::uint64_t& distance, LumZipMemberFields& found
         const std::size_t size = kept + readBytes(in, std::span(window).subspan(kept));
         if (findIn({window.data(), size}, distance, found)) return true;
         if (size < window.size()) break;
-        kept = descriptorBytes - 1;
+        kept = ZipDescriptor::bytes - 1;
         std::copy(window.end() - static_cast<std::ptrdiff_t>(kept), window.end(), window.begin());
         distance += size - kept;
     }

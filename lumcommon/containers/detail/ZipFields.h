@@ -1,17 +1,12 @@
 #pragma once
 
 #include <lumcommon/containers/LumZipEntry.h>
-#include <lumcommon/containers/detail/BoundedReader.h>
+#include <lumcommon/containers/detail/ZipRecords.h>
 
 #include <cstdint>
 #include <istream>
 
 namespace LumCommon::detail {
-
-/// The size of LumZipMemberFields in an archive.
-inline constexpr std::size_t zipMemberFieldsBytes = 26;
-
-LumZipMemberFields takeZipMemberFields(BoundedReader& header) noexcept;
 
 /// Reads a name of `lengthBytes`, in the platform's default charset; empty when the stream does not hold all of it.
 UnicodeString readZipName(std::istream& in, std::uint16_t lengthBytes);

@@ -6,6 +6,7 @@
 #include <lumcommon/uri/LumUriSub.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <new>
 #include <string_view>
@@ -21,10 +22,43 @@ using View = std::u16string_view;
 
 namespace {
 
-constexpr View officeDocumentTypes[] = {
+/// The numbers that users are told.
+enum class PackageKind : int {
+    NONE = 0,
+    WORD_DOCUMENT = 1,
+    WORD_DOCUMENT_WITH_MACROS = 2,
+    WORD_TEMPLATE = 3,
+    WORD_TEMPLATE_WITH_MACROS = 4,
+    WORKBOOK = 5,
+    WORKBOOK_WITH_MACROS = 6,
+    WORKBOOK_TEMPLATE = 7,
+    WORKBOOK_TEMPLATE_WITH_MACROS = 8,
+    BINARY_WORKBOOK = 9,
+    PRESENTATION = 10,
+    PRESENTATION_WITH_MACROS = 11,
+    SLIDE_SHOW = 12,
+    SLIDE_SHOW_WITH_MACROS = 13,
+    PRESENTATION_TEMPLATE = 14,
+    PRESENTATION_TEMPLATE_WITH_MACROS = 15,
+    THEME = 16,
+};
+
+struct PackageType {
+    PackageKind kind;
+    View contentType;
+};
+constexpr PackageType packageTypes[] = {
 #include "OfficeDocumentTypes.inc"
 };
-static_assert(std::size(officeDocumentTypes) == 16);
+static_assert(std::size(packageTypes) == static_cast<std::size_t>(PackageKind::THEME));
+static_assert(std::ranges::adjacent_find(packageTypes, std::ranges::greater_equal{}, &PackageType::kind) ==
+                  std::end(packageTypes),
+              "each kind has one type, in their order");
+
+PackageKind kindOf(View contentType) {
+    const auto* const found = std::ranges::find(packageTypes, contentType, &PackageType::contentType);
+    return found == std::end(packageTypes) ? PackageKind::NONE : found->kind;
+}
 
 constexpr char16_t officeDocumentRelationship[] =
     u"http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
@@ -142,16 +176,13 @@ void addRelationship(const PackagePartReader& reader, PackageRelationships& rela
 
 int LumZipFile::detectOOXDocument() {
     LumZipFileEntry* const entry = getOfficeDocument();
-    if (!entry) return 0;
-    const UnicodeString contentType = getContentType(entry);
-    const auto found = std::ranges::find(officeDocumentTypes, detail::viewOf(contentType));
-    return found == std::end(officeDocumentTypes) ? 0 : static_cast<int>(found - std::begin(officeDocumentTypes)) + 1;
+    return static_cast<int>(entry ? kindOf(detail::viewOf(getContentType(entry))) : PackageKind::NONE);
 }
 
 int LumZipFile::detectOOXDocument(const char* path) { return LumZipFile(path).detectOOXDocument(); }
 
 int LumZipFile::detectOOXDocument(std::istream* s) {
-    return s && !s->fail() ? LumZipFile(s, false).detectOOXDocument() : 0;
+    return s && !s->fail() ? LumZipFile(s, false).detectOOXDocument() : static_cast<int>(PackageKind::NONE);
 }
 
 LumZipFileEntry* LumZipFile::getOfficeDocument() {

@@ -1,7 +1,7 @@
 // What kind of document a compound file is. Kept apart from OleCompFile.cpp because it opens URIs.
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/OleStream.h>
-#include <lumcommon/containers/detail/OleSignature.h>
+#include <lumcommon/containers/detail/OleRecords.h>
 #include <lumcommon/streams/JZIOobj.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/streams/detail/StreamReading.h>
@@ -9,16 +9,18 @@
 
 #include <istream>
 #include <memory>
+#include <span>
 
 namespace LumCommon {
 namespace {
 
-enum DocumentKind : int {
+/// The numbers that users are told.
+enum class DocumentKind : int {
     NONE = 0,
     WORD_PROCESSOR = 1,
     SPREADSHEET = 2,
     PRESENTATION = 3,
-    JAPANESE_WORD_PROCESSOR = 4
+    JAPANESE_WORD_PROCESSOR = 4,
 };
 
 /// Whether there is a stream that can be opened, of at least that many bytes.
@@ -37,18 +39,18 @@ bool isPresentation(OleCompFile& file) {
 }
 
 DocumentKind kindOf(OleCompFile& file) {
-    if (hasStream(file, {"WordDocument"})) return WORD_PROCESSOR;
-    if (hasStream(file, {"Workbook"})) return SPREADSHEET;
-    if (isPresentation(file)) return PRESENTATION;
-    if (hasStream(file, {"DocumentViewStyles"})) return JAPANESE_WORD_PROCESSOR;
-    return NONE;
+    if (hasStream(file, {"WordDocument"})) return DocumentKind::WORD_PROCESSOR;
+    if (hasStream(file, {"Workbook"})) return DocumentKind::SPREADSHEET;
+    if (isPresentation(file)) return DocumentKind::PRESENTATION;
+    if (hasStream(file, {"DocumentViewStyles"})) return DocumentKind::JAPANESE_WORD_PROCESSOR;
+    return DocumentKind::NONE;
 }
 
 }  // namespace
 
 bool OleCompFile::isOLEUri(std::istream& s) {
-    char bytes[512];
-    return detail::readBytes(s, bytes) >= detail::oleSignatureBytes && detail::startsWithOleSignature(bytes);
+    char bytes[detail::OleHeader::bytes];
+    return detail::startsWithOleSignature(std::span(bytes).first(detail::readBytes(s, bytes)));
 }
 
 bool OleCompFile::isOLEUri(const LumUri& uri) {
@@ -59,14 +61,14 @@ bool OleCompFile::isOLEUri(const LumUri& uri) {
 int OleCompFile::detectOLEDocument(std::istream& s) {
     JZStreamIOobj io(&s);
     OleCompFile file;
-    return file.OLEopen(&io) ? kindOf(file) : NONE;
+    return file.OLEopen(&io) ? file.getDocumentKind() : static_cast<int>(DocumentKind::NONE);
 }
 
-int OleCompFile::getDocumentKind() { return kindOf(*this); }
+int OleCompFile::getDocumentKind() { return static_cast<int>(kindOf(*this)); }
 
 int OleCompFile::detectOLEDocument(const LumUri& uri) {
     std::unique_ptr<std::istream> stream(uri.getStream());
-    if (!stream) return NONE;
+    if (!stream) return static_cast<int>(DocumentKind::NONE);
     if (stream->tellg() == std::istream::pos_type(-1)) {
         LumMemStream seekable(stream.release(), LumMemStreamBuf::defaultGrowBytes, true);
         return detectOLEDocument(seekable);

@@ -1,17 +1,24 @@
 #include <lumcommon/containers/office/OlePropertySet.h>
 #include <lumcommon/containers/office/OleSummaryInformation.h>
+#include <lumcommon/containers/office/detail/SummaryId.h>
 #include <lumcommon/values/LumValue.h>
+
+#include <utility>
 
 namespace LumCommon {
 
 int OlePropertySet::init(OleCompFile* file) {
     OleSummaryInformation information;
     if (information.initSummaryInformation(file) != 1) return -1;
-    constexpr unsigned firstId = 2;
-    UnicodeString* const strings[] = {&title_, &subject_, &author_, &keywords_};
-    for (unsigned i = 0; i < std::size(strings); ++i) {
+    const std::pair<detail::SummaryId, UnicodeString*> rows[] = {
+        {detail::TITLE, &title_},
+        {detail::SUBJECT, &subject_},
+        {detail::AUTHOR, &author_},
+        {detail::KEYWORDS, &keywords_},
+    };
+    for (const auto& [id, string] : rows) {
         LumValue value;
-        if (information.getProperty(firstId + i, value) == 1) *strings[i] = value.toString();
+        if (information.getProperty(id, value) == 1) *string = value.toString();
     }
     return 1;
 }

@@ -3,6 +3,8 @@
 #include <lumcommon/containers/office/OleSummaryInformation.h>
 #include <lumcommon/containers/office/detail/CodePageText.h>
 #include <lumcommon/containers/office/detail/PropertyValueReader.h>
+#include <lumcommon/containers/office/detail/SummaryId.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/values/LumValue.h>
 
 #include <unicode/uchar.h>
@@ -11,6 +13,7 @@
 #include <cstring>
 #include <map>
 #include <new>
+#include <span>
 #include <string_view>
 
 namespace LumCommon {
@@ -18,22 +21,14 @@ namespace {
 
 constexpr std::uint16_t reversedMark = 65279;
 constexpr std::uint32_t dictionaryId = 0;
-constexpr std::uint32_t codePageId = 1;
 constexpr unsigned defaultCodePage = 932;
 
-/// Types of values, as stored.
-enum : std::uint32_t {
-    TYPE_INT16 = 2,
-    TYPE_INT32 = 3,
-    TYPE_STRING = 30,
-    TYPE_WIDE_STRING = 31,
-    TYPE_BLOB = 65,
-    VECTOR_FLAG = 0x1000,
-};
+using Value = OlePropertyValue;
 
-/// Code page, title, subject, author, keywords, comments, template, last author, revision number; page, word and
-/// character counts; application name and security.
-bool isSummaryId(unsigned id) { return (id >= 1 && id <= 9) || (id >= 14 && id <= 16) || id == 18 || id == 19; }
+/// What is read of a section for each row of its property table: number and offset, then the type at that offset.
+constexpr std::uint64_t propertyRowBytes = 3 * sizeof(std::uint32_t);
+/// What stands in front of each name of a dictionary: its number and its length.
+constexpr std::uint64_t nameRowBytes = 2 * sizeof(std::uint32_t);
 
 /// Under which the user-defined properties keep hyperlinks: eleven characters and the zero that ends them.
 constexpr std::string_view hyperLinksName("_PID_HLINKS\0", 12);
@@ -54,7 +49,7 @@ const OleSIProperty* findHyperLinks(const std::vector<OleSISection>& sections) {
         if (!section.hasDictionary) continue;
         const std::vector<std::uint32_t> ids = idsNamed(section, hyperLinksName);
         const auto found = std::ranges::find_if(section.properties, [&ids](const OleSIProperty& property) {
-            return property.id >= firstNamedId && property.type == TYPE_BLOB &&
+            return property.id >= firstNamedId && property.type == Value::BLOB &&
                    std::ranges::binary_search(ids, property.id);
         });
         if (found != section.properties.end()) return &*found;
@@ -79,13 +74,13 @@ OlePropertyValue readValue(const OleSIProperty& property, detail::PropertyValueR
     OlePropertyValue value = reader.readValue(property.type, property.valuePosition);
     // The field is of 16 bits with a sign, so 65001 is negative in it.
     auto* const number = std::get_if<std::int64_t>(&value.content);
-    if (property.id == codePageId && number && *number < 0 && *number >= -0x8000) *number += 0x10000;
+    if (property.id == detail::CODE_PAGE && number && *number < 0 && *number >= -0x8000) *number += 0x10000;
     return value;
 }
 
 /// The code page that the section states.
 std::optional<unsigned> codePageOf(const OleSISection& section, detail::PropertyValueReader& reader) {
-    const OleSIProperty* const property = findIn(section, codePageId);
+    const OleSIProperty* const property = findIn(section, detail::CODE_PAGE);
     if (!property) return std::nullopt;
     const OlePropertyValue value = readValue(*property, reader);
     const auto* const number = std::get_if<std::int64_t>(&value.content);
@@ -158,20 +153,10 @@ int OleSummaryInformation::init(OleCompFile* file, const char* name, Kind kind) 
 }
 
 void OleSummaryInformation::load() {
-    // Room is made piece by piece, as bytes arrive: the stated size may be far from what is there.
-    constexpr std::size_t leastPieceBytes = 1 << 16;
-    bytes_.clear();
     position_ = 0;
-    std::size_t filled = 0;
-    std::size_t got = 0;
-    do {
-        const std::size_t remaining = stream_->GetStreamSize() - filled;
-        const std::size_t piece = std::min(remaining, std::max(leastPieceBytes, filled));
-        bytes_.resize(filled + piece);
-        got = stream_->OLEread(bytes_.data() + filled, static_cast<unsigned>(piece));
-        filled += got;
-        bytes_.resize(filled);
-    } while (got != 0 && filled < stream_->GetStreamSize());
+    detail::readClaimed(bytes_, stream_->GetStreamSize(), [this](std::span<unsigned char> room) {
+        return std::size_t{stream_->OLEread(room.data(), static_cast<unsigned>(room.size()))};
+    });
 }
 
 bool OleSummaryInformation::hasBytes(std::uint64_t bytes) {
@@ -277,7 +262,7 @@ bool OleSummaryInformation::readSection(OleSISection& section) {
         if (id == dictionaryId) section.hasDictionary = true;
         position_ = section.start + offset;
         std::uint32_t type = 0;
-        if (!spend(12) || !getDWORD(&type)) return false;
+        if (!spend(propertyRowBytes) || !getDWORD(&type)) return false;
         section.properties.push_back({id, offset, type, position_});
         if (id == dictionaryId && !readDictionary(section, type, section.start + endOffset)) isComplete = false;
         position_ = nextRow;
@@ -290,7 +275,7 @@ bool OleSummaryInformation::readDictionary(OleSISection& section, std::uint32_t 
         std::uint32_t id = 0, length = 0;
         if (!getDWORD(&id) || !getDWORD(&length)) return false;
         if (position_ + length > end) return true;
-        if (!hasBytes(length) || !spend(8 + std::uint64_t{length})) return false;
+        if (!hasBytes(length) || !spend(nameRowBytes + length)) return false;
         OleSIName& row = section.dictionary.emplace_back();
         row.id = id;
         row.name.resize(length);
@@ -301,7 +286,7 @@ bool OleSummaryInformation::readDictionary(OleSISection& section, std::uint32_t 
 
 void OleSummaryInformation::chooseCharset() {
     LumValue value;
-    if (getProperty(codePageId, value) != 1 || value.getKind() != KIND_INTEGER) {
+    if (getProperty(detail::CODE_PAGE, value) != 1 || value.getKind() != KIND_INTEGER) {
         charset_ = LumCStr(UnicodeString::fromUTF8(detail::charsetOfCodePage(defaultCodePage)));
         return;
     }
@@ -319,18 +304,18 @@ bool OleSummaryInformation::readString(std::string& bytes) {
 }
 
 int OleSummaryInformation::getProperty(unsigned int id, LumValue& out) {
-    if (kind_ != SUMMARY || !isSummaryId(id)) return -1;
+    if (kind_ != SUMMARY || !detail::isSummaryId(id)) return -1;
     const OleSIProperty* const property = findSummary(sections_, id);
     if (!property) return -1;
     position_ = property->valuePosition;
     std::uint32_t type = property->type;
     std::uint32_t count = 1;
-    if ((type & VECTOR_FLAG) != 0) {
+    if ((type & Value::VECTOR) != 0) {
         if (!getDWORD(&count)) return -1;
-        type &= ~std::uint32_t{VECTOR_FLAG};
+        type &= ~std::uint32_t{Value::VECTOR};
     }
     if (count == 0) return -1;
-    if (type == TYPE_INT16 || type == TYPE_INT32) {
+    if (type == Value::INT16 || type == Value::INT32) {
         std::uint32_t word = 0;
         for (std::uint32_t i = 0; i < count; ++i) {
             if (!getDWORD(&word)) return -1;
@@ -338,7 +323,7 @@ int OleSummaryInformation::getProperty(unsigned int id, LumValue& out) {
         out = LumValue(static_cast<int>(word));
         return 1;
     }
-    if (type != TYPE_STRING) return -1;
+    if (type != Value::STRING) return -1;
     std::string bytes;
     for (std::uint32_t i = 0; i < count; ++i) {
         if (!readString(bytes)) return -1;
@@ -403,8 +388,8 @@ std::vector<OleProperty> OleSummaryInformation::readProperties() const {
 bool OleSummaryInformation::readHyperLink(std::vector<UnicodeString>& out) {
     std::uint32_t type = 0, word = 0;
     if (!getDWORD(&type)) return false;
-    if (type == TYPE_INT32) return getDWORD(&word);
-    if (type != TYPE_WIDE_STRING) return true;
+    if (type == Value::INT32) return getDWORD(&word);
+    if (type != Value::WIDE_STRING) return true;
     if (!getDWORD(&word)) return false;
     const std::uint64_t units = std::uint64_t{word} + (word & 1u);
     if (!hasBytes(units * 2)) return false;

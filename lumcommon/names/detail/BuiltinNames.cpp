@@ -1,7 +1,8 @@
+#include <lumcommon/core/detail/NeverDestroyed.h>
 #include <lumcommon/names/detail/BuiltinNames.h>
 #include <lumcommon/names/detail/Vocabulary.h>
 
-#include <new>
+#include <array>
 
 namespace LumCommon::detail {
 
@@ -19,21 +20,17 @@ constexpr Vocabulary<rowCount>::Rows builtinRows = {{
 
 constinit const Vocabulary<rowCount> builtinNames{builtinRows};
 
-const UnicodeString* makeStrings() noexcept {
-    // The strings outlive every static object of the process, so no destructor may run for them.
-    alignas(UnicodeString) static unsigned char storage[rowCount * sizeof(UnicodeString)];
-    auto* const strings = reinterpret_cast<UnicodeString*>(storage);
-    for (std::size_t id = 0; id < rowCount; ++id) {
-        const std::u16string_view text = builtinRows[id];
-        if (text.empty()) {
-            new (strings + id) UnicodeString();
-        } else {
+struct BuiltinStrings {
+    std::array<UnicodeString, rowCount> ofName;
+
+    BuiltinStrings() noexcept {
+        for (std::size_t id = 0; id < rowCount; ++id) {
+            const std::u16string_view text = builtinRows[id];
             // An alias of static text: nothing is copied, nothing is to be freed.
-            new (strings + id) UnicodeString(true, text.data(), static_cast<std::int32_t>(text.size()));
+            if (!text.empty()) ofName[id].setTo(true, text.data(), static_cast<std::int32_t>(text.size()));
         }
     }
-    return strings;
-}
+};
 
 }  // namespace
 
@@ -42,8 +39,8 @@ LumNameEnum findBuiltinName(const char16_t* text, std::size_t units) noexcept {
 }
 
 const UnicodeString* builtinNameStrings() noexcept {
-    static const UnicodeString* const strings = makeStrings();
-    return strings;
+    static NeverDestroyed<BuiltinStrings> strings;
+    return strings->ofName.data();
 }
 
 }  // namespace LumCommon::detail

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <istream>
 #include <span>
+#include <vector>
 
 namespace LumCommon::detail {
 
@@ -19,18 +19,29 @@ inline std::size_t readBytes(std::istream& in, std::span<char> room) noexcept {
     return static_cast<std::size_t>(in.gcount());
 }
 
-/// What buffers that refill themselves keep for putting back, where nothing else is said.
-inline constexpr std::size_t putbackBytes = 10;
-/// What they read at a time.
-inline constexpr std::size_t refillBytes = 4096;
-
-/// Moves the last bytes before the read position, `most` of them, to the start of `buffer` and returns their number;
-/// the next refill goes behind them.
-inline std::size_t keepPutback(char* buffer, const char* areaStart, const char* readPosition,
-                               std::size_t most = putbackBytes) noexcept {
-    const std::size_t kept = std::min(static_cast<std::size_t>(readPosition - areaStart), most);
-    if (kept != 0) std::memmove(buffer, readPosition - kept, kept);
-    return kept;
+/// Fills `bytes` with up to `claimed` bytes, in pieces that grow with what has come, so that a claim costs nothing.
+/// @param read  called with the room for the next piece; gives the number of bytes it has put there, fewer at the end.
+/// Failure: std::bad_alloc; `bytes` then hold the pieces before.
+template <class Byte, class Read>
+void readClaimed(std::vector<Byte>& bytes, std::size_t claimed, Read read) {
+    constexpr std::size_t firstPieceBytes = std::size_t{64} * 1024;
+    bytes.clear();
+    while (bytes.size() < claimed) {
+        const std::size_t before = bytes.size();
+        const std::size_t piece = std::min(claimed - before, std::max(before, firstPieceBytes));
+        bytes.resize(before + piece);
+        const std::size_t got = read(std::span(bytes).subspan(before));
+        if (got < piece) {
+            bytes.resize(before + got);
+            bytes.shrink_to_fit();
+            break;
+        }
+    }
 }
+
+/// How many bytes a buffer that refills itself keeps for putting back, where nothing else is said.
+inline constexpr std::size_t putbackBytes = 10;
+/// How many it reads at a time.
+inline constexpr std::size_t refillBytes = 4096;
 
 }  // namespace LumCommon::detail

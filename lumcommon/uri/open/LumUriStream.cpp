@@ -2,7 +2,6 @@
 #include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/core/detail/TextView.h>
-#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/open/LumUriStream.h>
 #include <lumcommon/uri/open/detail/HttpHead.h>
 #include <lumcommon/uri/open/detail/TcpSocket.h>
@@ -64,7 +63,7 @@ bool isRedirection(int status) { return (status >= 301 && status <= 303) || stat
 
 }  // namespace
 
-LumUriStreamBuf::LumUriStreamBuf(const UnicodeString& uri) { open(uri); }
+LumUriStreamBuf::LumUriStreamBuf(const UnicodeString& uri) : LumRefillStreamBuf(readBytes, putBackBytes) { open(uri); }
 
 LumUriStreamBuf::LumUriStreamBuf(const char* uri)
     : LumUriStreamBuf(uri ? detail::fromPlatformText(uri) : UnicodeString()) {}
@@ -80,7 +79,7 @@ int LumUriStreamBuf::setTimeout(int milliseconds) noexcept {
 
 bool LumUriStreamBuf::open(const UnicodeString& uri) {
     close();
-    buffer_.reset();
+    releaseBlock();
     status_ = 0;
     contentType_.remove();
     errorMessage_.remove();
@@ -174,7 +173,7 @@ bool LumUriStreamBuf::connect(const std::string& host, unsigned short port) {
 
 /// Reads the response up to the body. False, with a message, when that is not reached.
 bool LumUriStreamBuf::readHead(HttpHead& head) {
-    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(putBackBytes + readBytes);
+    allocateBlock();
     // One deadline for the whole head: a server that sends a byte now and then must not keep the caller for ever.
     const Deadline deadline(getTimeout());
     for (;;) {
@@ -197,20 +196,18 @@ bool LumUriStreamBuf::readHead(HttpHead& head) {
     }
 }
 
-LumUriStreamBuf::int_type LumUriStreamBuf::underflow() {
-    if (!is_open()) return traits_type::eof();
-    if (gptr() == egptr() && !receiveMore(Deadline(getTimeout()))) return traits_type::eof();
-    return traits_type::to_int_type(*gptr());
-}
+std::size_t LumUriStreamBuf::refill(std::span<char> room) { return receive(room, Deadline(getTimeout())); }
 
 /// Fills the get area with what comes next. False, and the get area stands at its end, when nothing does.
 bool LumUriStreamBuf::receiveMore(const Deadline& deadline) {
-    if (isEnded_) return false;
-    char* const fresh = buffer_.get() + detail::keepPutback(buffer_.get(), eback(), gptr(), putBackBytes);
-    const std::size_t received = detail::receiveTcp(socket_, {fresh, readBytes}, deadline);
-    setg(buffer_.get(), fresh, fresh + received);
+    return fillFrom([this, &deadline](std::span<char> room) { return receive(room, deadline); });
+}
+
+std::size_t LumUriStreamBuf::receive(std::span<char> room, const Deadline& deadline) {
+    if (isEnded_ || socket_ == -1) return 0;
+    const std::size_t received = detail::receiveTcp(socket_, room, deadline);
     isEnded_ = received == 0;
-    return !isEnded_;
+    return received;
 }
 
 void LumUriStreamBuf::close() noexcept {

@@ -2,10 +2,12 @@
 
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/Text.h>
+#include <lumcommon/streams/LumRefillStreamBuf.h>
 
+#include <cstddef>
 #include <istream>
-#include <memory>
-#include <streambuf>
+#include <span>
+#include <string>
 
 namespace LumCommon {
 
@@ -30,7 +32,7 @@ struct HttpUrl;
 /// a connection that breaks and a read that takes too long all end the stream; the length that the server announced is
 /// not compared. SIGPIPE is never raised.
 /// Threads: one at a time; any number of buffers can be open at once.
-class LUM_API LumUriStreamBuf : public std::streambuf {
+class LUM_API LumUriStreamBuf : public LumRefillStreamBuf {
 public:
     static constexpr int defaultTimeoutMilliseconds = 30000;
 
@@ -38,15 +40,13 @@ public:
     explicit LumUriStreamBuf(const UnicodeString& uri);
     /// @param uri  in the platform's encoding; null counts as empty.
     explicit LumUriStreamBuf(const char* uri);
-    LumUriStreamBuf(const LumUriStreamBuf&) = delete;
-    LumUriStreamBuf& operator=(const LumUriStreamBuf&) = delete;
     /// Closes the connection.
     ~LumUriStreamBuf() override;
 
     /// Opens another resource in place of the one before; the constructors call it. False when that fails.
     bool open(const UnicodeString& uri);
     /// True from the end of a response head with a status from 200 to 299 on, also after the last byte of the body.
-    bool is_open() const noexcept { return buffer_ && socket_ != -1; }
+    bool is_open() const noexcept { return hasBlock() && socket_ != -1; }
 
     /// The status of the last response; 0 without one.
     int getStatus() const noexcept { return status_; }
@@ -63,18 +63,16 @@ public:
     /// Sets it and returns the value before. A value that is not positive stands for the default.
     static int setTimeout(int milliseconds) noexcept;
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
-    int_type underflow() override;
-
 private:
+    std::size_t refill(std::span<char> room) override;
     bool exchange(UnicodeString uri);
     bool request(const UnicodeString& uri);
     bool connect(const std::string& host, unsigned short port);
     bool readHead(detail::HttpHead& head);
     bool receiveMore(const detail::Deadline& deadline);
+    std::size_t receive(std::span<char> room, const detail::Deadline& deadline);
     void close() noexcept;
 
-    std::unique_ptr<char[]> buffer_;  // null until a request has been sent
     int status_ = 0;
     UnicodeString contentType_;
     UnicodeString errorMessage_;

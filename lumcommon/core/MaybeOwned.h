@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+namespace LumCommon {
+
+/// A pointer to an object that is deleted with it, or that is only borrowed. Moving hands over both.
+/// Threads: one at a time.
+template <class T>
+class MaybeOwned {
+public:
+    MaybeOwned() noexcept = default;
+    /// @param object  may be null.   @param isOwned  true: it is deleted with this.
+    MaybeOwned(T* object, bool isOwned) noexcept : object_(object, Deleter{isOwned}) {}
+    MaybeOwned(std::unique_ptr<T> object) noexcept : MaybeOwned(object.release(), true) {}
+
+    T* get() const noexcept { return object_.get(); }
+    T* operator->() const noexcept { return get(); }
+    T& operator*() const noexcept { return *get(); }
+    explicit operator bool() const noexcept { return get() != nullptr; }
+
+    bool isOwned() const noexcept { return object_ && object_.get_deleter().isOwner; }
+    /// From now on the object is only borrowed.
+    void disown() noexcept { object_.get_deleter().isOwner = false; }
+    /// Lets go of the object and gives it to the caller when it was owned; null when it was not.
+    [[nodiscard]] std::unique_ptr<T> release() noexcept {
+        const bool wasOwned = isOwned();
+        T* const object = object_.release();
+        return std::unique_ptr<T>(wasOwned ? object : nullptr);
+    }
+
+private:
+    struct Deleter {
+        bool isOwner = false;
+        void operator()(T* object) const noexcept {
+            if (isOwner) std::default_delete<T>()(object);
+        }
+    };
+
+    std::unique_ptr<T, Deleter> object_;
+};
+
+}  // namespace LumCommon

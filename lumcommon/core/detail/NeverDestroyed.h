@@ -1,0 +1,26 @@
+#pragma once
+
+#include <utility>
+
+namespace LumCommon::detail {
+
+/// An object of static storage that no destructor ends, so that destructors of other static objects can still use it.
+template <class T>
+union NeverDestroyed {
+public:
+    template <class... Arguments>
+    constexpr explicit NeverDestroyed(Arguments&&... arguments) noexcept(
+        noexcept(T(std::forward<Arguments>(arguments)...)))
+        : object_(std::forward<Arguments>(arguments)...) {}
+    NeverDestroyed(const NeverDestroyed&) = delete;
+    NeverDestroyed& operator=(const NeverDestroyed&) = delete;
+    constexpr ~NeverDestroyed() {}
+
+    constexpr T& operator*() noexcept { return object_; }
+    constexpr T* operator->() noexcept { return &object_; }
+
+private:
+    T object_;
+};
+
+}  // namespace LumCommon::detail

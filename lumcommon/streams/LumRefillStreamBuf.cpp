@@ -1,0 +1,37 @@
+#include <lumcommon/streams/LumRefillStreamBuf.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace LumCommon {
+
+LumRefillStreamBuf::LumRefillStreamBuf(std::size_t blockBytes, std::size_t putbackBytes) noexcept
+    : blockBytes_(blockBytes), putbackBytes_(putbackBytes) {}
+
+LumRefillStreamBuf::~LumRefillStreamBuf() = default;
+
+void LumRefillStreamBuf::allocateBlock() {
+    if (!block_) block_ = std::make_unique_for_overwrite<char[]>(putbackBytes_ + blockBytes_);
+}
+
+void LumRefillStreamBuf::releaseBlock() noexcept {
+    setg(nullptr, nullptr, nullptr);
+    block_.reset();
+}
+
+/// Moves the bytes that can be put back to the front of the block and returns the place after them.
+char* LumRefillStreamBuf::makeRoom() noexcept {
+    const std::size_t kept = std::min(static_cast<std::size_t>(gptr() - eback()), putbackBytes_);
+    if (kept != 0) std::memmove(block_.get(), gptr() - kept, kept);
+    char* const room = block_.get() + kept;
+    setg(block_.get(), room, room);
+    return room;
+}
+
+LumRefillStreamBuf::int_type LumRefillStreamBuf::underflow() {
+    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
+    if (!block_ || !fillFrom([this](std::span<char> room) { return refill(room); })) return traits_type::eof();
+    return traits_type::to_int_type(*gptr());
+}
+
+}  // namespace LumCommon
