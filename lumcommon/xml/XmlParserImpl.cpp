@@ -13,17 +13,17 @@ using detail::EntityKind;
 using detail::TokenKind;
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    inputs_.open(prepareInput(encoding), &in, false, UnicodeString(), baseUri);
+    parts_.inputs.open(prepareInput(encoding), &in, false, UnicodeString(), baseUri);
 }
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    if (inputs_.open(prepareInput(encoding), uri, baseUri)) return;
+    if (parts_.inputs.open(prepareInput(encoding), uri, baseUri)) return;
     throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
 }
 
 std::unique_ptr<detail::XmlInput> XmlParserImpl::prepareInput(const UnicodeString& encoding) {
     auto input = std::make_unique<detail::XmlInput>();
-    inputs_.close();
+    parts_.inputs.close();
     parts_.reset();
     tags_.reset();
     isDocTypeSeen_ = false;
@@ -32,22 +32,22 @@ std::unique_ptr<detail::XmlInput> XmlParserImpl::prepareInput(const UnicodeStrin
 }
 
 bool XmlParserImpl::isWhitespace() const {
-    if (event_.type == IGNORABLE_WHITESPACE) return true;
-    if (event_.type != TEXT && event_.type != CDSECT) {
+    if (parts_.event.type == IGNORABLE_WHITESPACE) return true;
+    if (parts_.event.type != TEXT && parts_.event.type != CDSECT) {
         throwCommonError(LumErrorCodeLumLIB::NotAllowed, LumCommonErrorSource::ParserIsWhitespace);
     }
-    return event_.isWhitespace();
+    return parts_.event.isWhitespace();
 }
 
 const UnicodeString& XmlParserImpl::getText() const {
-    if (!event_.isViewed()) {
-        if (event_.type == ENTITY_REF && !event_.entityName.isNull()) {
-            event_.viewValue(entities_.lookup(EntityKind::General, event_.entityName));
+    if (!parts_.event.isViewed()) {
+        if (parts_.event.type == ENTITY_REF && !parts_.event.entityName.isNull()) {
+            parts_.event.viewValue(parts_.entities.lookup(EntityKind::General, parts_.event.entityName));
         } else {
-            event_.viewText();
+            parts_.event.viewText();
         }
     }
-    return event_.view();
+    return parts_.event.view();
 }
 
 LumName XmlParserImpl::getNamespace() const {
@@ -56,24 +56,24 @@ LumName XmlParserImpl::getNamespace() const {
 
 LumName XmlParserImpl::getName() const {
     if (isTag()) return tags_.namespaces().getInnermostScope().localName;
-    if (event_.type != ENTITY_REF) return LumName();
-    if (!event_.entityName.isNull()) return event_.entityName;
+    if (parts_.event.type != ENTITY_REF) return LumName();
+    if (!parts_.event.entityName.isNull()) return parts_.event.entityName;
     char name[16];
-    const int size = std::snprintf(name, sizeof name, "#x%X", static_cast<unsigned>(event_.entityChar));
+    const int size = std::snprintf(name, sizeof name, "#x%X", static_cast<unsigned>(parts_.event.entityChar));
     return LumName(UnicodeString(name, size, US_INV));
 }
 
 LumName XmlParserImpl::getPrefix() const { return isTag() ? tags_.namespaces().getInnermostScope().prefix : LumName(); }
 
 bool XmlParserImpl::isEmptyElementTag() const {
-    if (event_.type != START_TAG) {
+    if (parts_.event.type != START_TAG) {
         throwCommonError(LumErrorCodeLumLIB::NotAllowed, LumCommonErrorSource::ParserIsEmptyElementTag);
     }
-    return event_.next == TokenKind::EmptyTag;
+    return parts_.event.next == TokenKind::EmptyTag;
 }
 
 int XmlParserImpl::getAttributeCount() const {
-    return event_.type == START_TAG ? static_cast<int>(tags_.attributes().size()) : -1;
+    return parts_.event.type == START_TAG ? static_cast<int>(tags_.attributes().size()) : -1;
 }
 
 std::size_t XmlParserImpl::checkAttribute(int index, LumCommonErrorSource source) const {
@@ -98,7 +98,7 @@ const UnicodeString& XmlParserImpl::getAttributeValue(int index) const {
 }
 
 const UnicodeString& XmlParserImpl::getAttributeValue(LumName namespaceUri, LumName localName) const {
-    if (event_.type != START_TAG) {
+    if (parts_.event.type != START_TAG) {
         throwCommonError(LumErrorCodeLumLIB::IndexOutOfRange, LumCommonErrorSource::ParserGetAttributeValue);
     }
     const detail::AttributeList& attributes = tags_.attributes();
@@ -110,14 +110,14 @@ const UnicodeString& XmlParserImpl::getAttributeValue(LumName namespaceUri, LumN
 }
 
 LumXmlParser::EventType XmlParserImpl::startDocument() {
-    event_.next = TokenKind::Unknown;
-    if (inputs_.isOpen() && !inputs_.isStarted()) parts_.start();
-    return event_.type;
+    parts_.event.next = TokenKind::Unknown;
+    if (parts_.inputs.isOpen() && !parts_.inputs.isStarted()) parts_.start();
+    return parts_.event.type;
 }
 
 bool XmlParserImpl::readToken(bool isTextPending) {
     for (;;) {
-        switch (markup_.lookAhead()) {
+        switch (parts_.markup.lookAhead()) {
             case TokenKind::StartTag:
                 tags_.readStartTag();
                 return true;
@@ -126,13 +126,13 @@ bool XmlParserImpl::readToken(bool isTextPending) {
                 return true;
             case TokenKind::Text:
                 if (getDepth() == 0) {
-                    markup_.readTopLevelText();
+                    parts_.markup.readTopLevelText();
                 } else {
-                    markup_.readText();
+                    parts_.markup.readText();
                 }
                 return true;
             case TokenKind::Instruction:
-                if (markup_.readInstruction() || isTextPending) return true;
+                if (parts_.markup.readInstruction() || isTextPending) return true;
                 break;
             case TokenKind::Declaration:
                 if (readDeclaration() || isTextPending) return true;
@@ -147,108 +147,111 @@ bool XmlParserImpl::readToken(bool isTextPending) {
 }
 
 void XmlParserImpl::readReference() {
-    event_.next = TokenKind::Unknown;
-    event_.type = ENTITY_REF;
-    event_.entityChar = parts_.references.read(event_.entityName);
-    if (event_.entityName.isNull() && event_.entityChar != 0) event_.text.appendCodePoint(event_.entityChar);
+    parts_.event.next = TokenKind::Unknown;
+    parts_.event.type = ENTITY_REF;
+    parts_.event.entityChar = parts_.references.read(parts_.event.entityName);
+    if (parts_.event.entityName.isNull() && parts_.event.entityChar != 0)
+        parts_.event.text.appendCodePoint(parts_.event.entityChar);
 }
 
 bool XmlParserImpl::readDeclaration() {
-    event_.next = TokenKind::Unknown;
-    std::int32_t c = inputs_.readChar();
+    parts_.event.next = TokenKind::Unknown;
+    std::int32_t c = parts_.inputs.readChar();
     if (c == '[') {
         if (parts_.names.readNCName() != NAME_CDATA) {
-            markup_.skipSection();
+            parts_.markup.skipSection();
             return false;
         }
-        c = inputs_.readChar();
+        c = parts_.inputs.readChar();
         if (c != '[') {
-            inputs_.unreadChar(c);
-            errors_.report(XmlError::CDataSyntax);
+            parts_.inputs.unreadChar(c);
+            parts_.errors.report(XmlError::CDataSyntax);
         }
-        markup_.readCData();
+        parts_.markup.readCData();
         return true;
     }
     if (c == '-') {
-        c = inputs_.readChar();
+        c = parts_.inputs.readChar();
         if (c != '-') {
-            inputs_.unreadChar(c);
-            errors_.report(XmlError::CommentSyntax);
+            parts_.inputs.unreadChar(c);
+            parts_.errors.report(XmlError::CommentSyntax);
         }
-        markup_.readComment();
+        parts_.markup.readComment();
         return true;
     }
-    inputs_.unreadChar(c);
+    parts_.inputs.unreadChar(c);
     const LumName name = parts_.names.readNCName();
     if (name == NAME_DOCTYPE) {
         readDocType();
         return true;
     }
-    errors_.report(XmlError::MarkupDecl, name.getString());
+    parts_.errors.report(XmlError::MarkupDecl, name.getString());
     return false;
 }
 
 void XmlParserImpl::readDocType() {
-    event_.type = DOCDECL;
-    if (tags_.isRootSeen()) errors_.report(XmlError::DocTypePlace);
-    if (isDocTypeSeen_) errors_.report(XmlError::SecondDocType);
+    parts_.event.type = DOCDECL;
+    if (tags_.isRootSeen()) parts_.errors.report(XmlError::DocTypePlace);
+    if (isDocTypeSeen_) parts_.errors.report(XmlError::SecondDocType);
     const detail::ExternalId id = parts_.definitions.readDocType();
     tags_.bindDocType(id.publicId);
-    if (!id.systemId.isEmpty() && policy_.readsExternalDtd()) addExternalDtd(id.systemId);
+    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) addExternalDtd(id.systemId);
     isDocTypeSeen_ = true;
 }
 
 void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
     const LumUri resource(LumUri(getBaseUri()), systemId);
     if (resource.toString().startsWith(u"http://www.w3.org/Math/DTD/mathml2/")) {
-        entities_.addMathML();
+        parts_.entities.addMathML();
         return;
     }
     const UnicodeString baseUri = LumUri(systemId).isAbsolute() ? UnicodeString() : getBaseUri();
-    entities_.declare(*detail::readExternalDtd(resource, baseUri, policy_.forgivesExternalDtdErrors()));
+    parts_.entities.declare(*detail::readExternalDtd(resource, baseUri, parts_.policy.forgivesExternalDtdErrors()));
 }
 
+LumXmlParser::EventType XmlParserImpl::nextToken() { return readEvent(false); }
+
 LumXmlParser::EventType XmlParserImpl::readEvent(bool isTextPending) {
-    event_.dropToken();
-    event_.entityName = LumName();
-    if (event_.type != END_DOCUMENT) {
-        if (event_.type == START_TAG && event_.next == TokenKind::EmptyTag) {
-            event_.next = TokenKind::Unknown;
-            return event_.type = END_TAG;
+    parts_.event.dropToken();
+    parts_.event.entityName = LumName();
+    if (parts_.event.type != END_DOCUMENT) {
+        if (parts_.event.type == START_TAG && parts_.event.next == TokenKind::EmptyTag) {
+            parts_.event.next = TokenKind::Unknown;
+            return parts_.event.type = END_TAG;
         }
-        if (event_.type == END_TAG) {
+        if (parts_.event.type == END_TAG) {
             tags_.closeElement();
-        } else if (event_.type == START_DOCUMENT && startDocument() != START_DOCUMENT) {
-            return event_.type;
+        } else if (parts_.event.type == START_DOCUMENT && startDocument() != START_DOCUMENT) {
+            return parts_.event.type;
         }
-        if (readToken(isTextPending)) return event_.type;
+        if (readToken(isTextPending)) return parts_.event.type;
     }
-    if (getDepth() > 0) errors_.report(XmlError::MissingEndTag);
-    event_.next = TokenKind::Unknown;
-    event_.type = END_DOCUMENT;
+    if (getDepth() > 0) parts_.errors.report(XmlError::MissingEndTag);
+    parts_.event.next = TokenKind::Unknown;
+    parts_.event.type = END_DOCUMENT;
     closeStream();
     return END_DOCUMENT;
 }
 
 bool XmlParserImpl::endsText(TokenKind following) {
     if (following >= TokenKind::Text && following <= TokenKind::Declaration) return false;
-    event_.setTextStart(0);
+    parts_.event.setTextStart(0);
     return true;
 }
 
 LumXmlParser::EventType XmlParserImpl::next() {
-    event_.text.clear();
+    parts_.event.text.clear();
     bool isTextPending = false;
     for (;;) {
-        event_.textStart = event_.text.size();
-        if (event_.next == TokenKind::Reference && getDepth() > 0) {
+        parts_.event.textStart = parts_.event.text.size();
+        if (parts_.event.next == TokenKind::Reference && getDepth() > 0) {
             // The character that such a reference stands for is text, whatever it is.
             if (const std::int32_t c = parts_.references.readSimple(); c >= 0) {
-                event_.text.appendCodePoint(c);
-                event_.type = TEXT;
-                event_.forgetView();
-                event_.next = TokenKind::Unknown;
-                if (endsText(markup_.lookAhead())) return TEXT;
+                parts_.event.text.appendCodePoint(c);
+                parts_.event.type = TEXT;
+                parts_.event.forgetView();
+                parts_.event.next = TokenKind::Unknown;
+                if (endsText(parts_.markup.lookAhead())) return TEXT;
                 isTextPending = true;
                 continue;
             }
@@ -258,21 +261,21 @@ LumXmlParser::EventType XmlParserImpl::next() {
             case END_DOCUMENT:
             case START_TAG:
             case END_TAG:
-                return event_.type;
+                return parts_.event.type;
             case TEXT:
             case CDSECT:
                 break;
             case ENTITY_REF:
-                if (event_.entityName.isNull()) break;
-                parts_.expander.expandGeneral(event_.entityName);
+                if (parts_.event.entityName.isNull()) break;
+                parts_.expander.expandGeneral(parts_.event.entityName);
                 [[fallthrough]];
             default:
-                event_.dropToken();
-                isTextPending = !event_.text.empty();
+                parts_.event.dropToken();
+                isTextPending = !parts_.event.text.empty();
                 if (!isTextPending) continue;
         }
-        event_.type = TEXT;
-        if (endsText(markup_.lookAhead())) return TEXT;
+        parts_.event.type = TEXT;
+        if (endsText(parts_.markup.lookAhead())) return TEXT;
         isTextPending = true;
     }
 }

@@ -25,30 +25,30 @@ public:
     UnicodeString getTypeName() const override { return u"XmlParserImpl"; }
 
     /// From now on no external entity can be opened.
-    void refuseExternalInputs() noexcept { policy_.refuseExternalInputs(); }
-    void setFeature(Feature feature, bool value) override { policy_.set(feature, value); }
-    bool getFeature(Feature feature) const override { return policy_.get(feature); }
+    void refuseExternalInputs() noexcept { parts_.policy.refuseExternalInputs(); }
+    void setFeature(Feature feature, bool value) override { parts_.policy.set(feature, value); }
+    bool getFeature(Feature feature) const override { return parts_.policy.get(feature); }
     void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) override {
         streamType_.set(mediaType, extension);
     }
     void setCallbackError(void (*callback)(const LumError&, void*), void* data) override {
-        errors_.setListener(callback, data);
+        parts_.errors.setListener(callback, data);
     }
     void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) override;
     void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) override;
-    void closeStream() override { inputs_.close(); }
-    UnicodeString getInputEncoding() const override { return inputs_.encodingName(); }
+    void closeStream() override { parts_.inputs.close(); }
+    UnicodeString getInputEncoding() const override { return parts_.inputs.encodingName(); }
     void defineEntityReplacementText(LumName name, const UnicodeString& text) override {
-        entities_.define(name, text, !inputs_.isOpen());
+        parts_.entities.define(name, text, !parts_.inputs.isOpen());
     }
     int getNamespaceCount(int depth) const override { return tags_.namespaces().getNamespaceCount(depth); }
     LumName getNamespacePrefix(int index) const override { return tags_.namespaces().getNamespacePrefix(index); }
     LumName getNamespaceUri(int index) const override { return tags_.namespaces().getNamespaceUri(index); }
     LumName getNamespace(LumName prefix) const override { return tags_.namespaces().lookupNamespace(prefix); }
     int getDepth() const override { return tags_.depth(); }
-    UnicodeString getPositionDescription() const override { return errors_.describePosition(); }
-    int getLineNumber() const override { return inputs_.position().line; }
-    int getColumnNumber() const override { return inputs_.position().column; }
+    UnicodeString getPositionDescription() const override { return parts_.errors.describePosition(); }
+    int getLineNumber() const override { return parts_.inputs.position().line; }
+    int getColumnNumber() const override { return parts_.inputs.position().column; }
     bool isWhitespace() const override;
     const UnicodeString& getText() const override;
     LumName getNamespace() const override;
@@ -61,18 +61,18 @@ public:
     LumName getAttributePrefix(int index) const override;
     const UnicodeString& getAttributeValue(int index) const override;
     const UnicodeString& getAttributeValue(LumName namespaceUri, LumName localName) const override;
-    EventType getEventType() const override { return event_.type; }
+    EventType getEventType() const override { return parts_.event.type; }
     EventType next() override;
-    EventType nextToken() override { return readEvent(false); }
-    UnicodeString getBaseUri() const override { return inputs_.baseUri(); }
-    void addMathMLEntityMap() override { entities_.addMathML(); }
+    EventType nextToken() override;
+    UnicodeString getBaseUri() const override { return parts_.inputs.baseUri(); }
+    void addMathMLEntityMap() override { parts_.entities.addMathML(); }
     bool isXhtmlType() const override { return streamType_.isXhtml(tags_.rootName(), tags_.rootNamespace()); }
     bool isHtmlType() const override { return streamType_.isHtml(tags_.rootName(), tags_.rootNamespace()); }
 
 private:
     std::unique_ptr<detail::XmlInput> prepareInput(const UnicodeString& encoding);  // in place of the one before
     std::size_t checkAttribute(int index, LumCommonErrorSource source) const;
-    bool isTag() const noexcept { return event_.type == START_TAG || event_.type == END_TAG; }
+    bool isTag() const noexcept { return parts_.event.type == START_TAG || parts_.event.type == END_TAG; }
     EventType startDocument();
     // `isTextPending`: next() holds text, which a construct that makes no event joins with the text after it. Such a
     // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
@@ -85,13 +85,7 @@ private:
     bool endsText(detail::TokenKind following);
 
     detail::ReaderParts parts_;
-    detail::ParserPolicy& policy_ = parts_.policy;
-    detail::ParserEvent& event_ = parts_.event;
-    detail::InputStack& inputs_ = parts_.inputs;
-    detail::ErrorReporter& errors_ = parts_.errors;
-    detail::EntityTable& entities_ = parts_.entities;
-    detail::MarkupReader& markup_ = parts_.markup;
-    detail::TagReader tags_{event_, inputs_, parts_.names, parts_.literals, policy_, errors_};
+    detail::TagReader tags_{parts_.event, parts_.inputs, parts_.names, parts_.literals, parts_.policy, parts_.errors};
     detail::StreamType streamType_;
     bool isDocTypeSeen_ = false;
 };

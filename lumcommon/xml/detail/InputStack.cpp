@@ -2,7 +2,6 @@
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/OpenInput.h>
-#include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
 #include <algorithm>
@@ -91,18 +90,6 @@ bool InputStack::skipWhitespace() {
         }
         cursor_.touch(p);
         if (!pull()) return hasSkipped;
-    }
-}
-
-bool InputStack::copyUpTo(char16_t mark, UnitBuffer& out) {
-    for (;;) {
-        const char16_t* const start = cursor_.cur;
-        const char16_t* const found = findUnit(start, cursor_.end, mark);
-        out.append(start, static_cast<std::size_t>(found - start));
-        cursor_.cur = found;
-        cursor_.touch(found);
-        if (found != cursor_.end) return true;
-        if (!pull()) return false;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
+#include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
 #include <unicode/utf16.h>
@@ -81,7 +82,17 @@ public:
     /// Whether there was any.
     bool skipWhitespace();
     /// Copies what comes before the next `mark`, which is then the next character. False at the end of input.
-    bool copyUpTo(char16_t mark, UnitBuffer& out);
+    bool copyUpTo(char16_t mark, UnitBuffer& out) {
+        do {
+            const char16_t* const start = cursor_.cur;
+            const char16_t* const found = findUnit(start, cursor_.end, mark);
+            out.append(start, static_cast<std::size_t>(found - start));
+            cursor_.cur = found;
+            cursor_.touch(found);
+            if (found != cursor_.end) return true;
+        } while (pull());
+        return false;
+    }
     /// Whether the units after the window may be read, though they mean nothing.
     bool hasSlack() const noexcept { return frames_[frameCount_ - 1]->kind == Frame::Stream; }
 

@@ -20,6 +20,33 @@ constexpr char16_t xmlDeclTarget[] = u"xml";
 
 TokenKind MarkupReader::lookAhead() {
     if (isLookedUp(event_.next)) return event_.next;
+    // Nearly always a look at the window is enough.
+    XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    if (cursor.end - start < 2 || U16_IS_SURROGATE(start[0]) || start[0] == notACharacter) return lookAheadSlow();
+    if (start[0] != '<') {
+        cursor.touch(start + 1);
+        if (start[0] != '&') return event_.next = TokenKind::Text;
+        cursor.cur = start + 1;
+        return event_.next = TokenKind::Reference;
+    }
+    if (U16_IS_SURROGATE(start[1])) return lookAheadSlow();
+    cursor.touch(start + 2);
+    cursor.cur = start + 2;
+    switch (start[1]) {
+        case '/':
+            return event_.next = TokenKind::EndTag;
+        case '?':
+            return event_.next = TokenKind::Instruction;
+        case '!':
+            return event_.next = TokenKind::Declaration;
+        default:
+            cursor.cur = start + 1;
+            return event_.next = TokenKind::StartTag;
+    }
+}
+
+TokenKind MarkupReader::lookAheadSlow() {
     for (;;) {
         std::int32_t c = inputs_.readChar();
         if (c == '<') {

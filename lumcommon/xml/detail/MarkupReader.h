@@ -32,6 +32,7 @@ public:
     void skipSection();
 
 private:
+    TokenKind lookAheadSlow();
     void readInstruction(const UnicodeString& target);
 
     ParserEvent& event_;
