@@ -1,6 +1,9 @@
+#include <lumcommon/core/LumError.h>
 #include <lumcommon/streams/LumGzipStream.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/detail/OpenInput.h>
+
+#include <cxxabi.h>
 
 #include <utility>
 
@@ -32,6 +35,20 @@ std::unique_ptr<std::istream> openInput(const LumUri& resource) {
         return in;
     }
     return std::make_unique<GzipInput>(std::move(in));
+}
+
+void checkInput(std::istream& in) {
+    try {
+        if (in.good()) in.peek();
+    } catch (const abi::__forced_unwind&) {
+        throw;  // the thread is being cancelled
+    } catch (...) {
+        // A stream that is set to throw tells by its state too what is wrong.
+    }
+    if (in.fail() && !in.eof()) {
+        throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
+    }
+    if (in.eof()) throwCommonError(LumErrorCodeIO::UnexpectedEnd, LumCommonErrorSource::ParserCheckStream);
 }
 
 }  // namespace LumCommon::detail

@@ -14,4 +14,7 @@ namespace LumCommon::detail {
 /// Null when the resource cannot be opened.
 std::unique_ptr<std::istream> openInput(const LumUri& resource);
 
+/// Errors: 0x1004 for an empty stream, 0x1006 for one that has failed.
+void checkInput(std::istream& in);
+
 }  // namespace LumCommon::detail

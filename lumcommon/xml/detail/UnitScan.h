@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lumcommon/xml/detail/XmlChars.h>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -28,15 +30,15 @@ inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexc
     const __m128i lessThan = _mm_set1_epi16('<');
     const __m128i ampersand = _mm_set1_epi16('&');
     const __m128i bracket = _mm_set1_epi16(']');
-    const __m128i ones = _mm_set1_epi16(-1);
+    const __m128i noCharacter = _mm_set1_epi16(static_cast<short>(notACharacter));
     for (; end - p >= 8; p += 8) {
         const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
         const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, lessThan), _mm_cmpeq_epi16(v, ampersand)),
-                                          _mm_or_si128(_mm_cmpeq_epi16(v, bracket), _mm_cmpeq_epi16(v, ones)));
+                                          _mm_or_si128(_mm_cmpeq_epi16(v, bracket), _mm_cmpeq_epi16(v, noCharacter)));
         if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits))) return p + __builtin_ctz(mask) / 2;
     }
 #endif
-    while (p != end && *p != '<' && *p != '&' && *p != ']' && *p != 0xFFFF) ++p;
+    while (p != end && *p != '<' && *p != '&' && *p != ']' && *p != notACharacter) ++p;
     return p;
 }
 

@@ -1,3 +1,4 @@
+#include <lumcommon/xml/detail/XmlChars.h>
 #include <lumcommon/xml/detail/XmlDecoder.h>
 
 #include <unicode/utf16.h>
@@ -12,8 +13,6 @@
 namespace LumCommon::detail {
 
 namespace {
-
-constexpr std::int32_t replacement = 0xFFFD;
 
 using Bytes = const unsigned char*;
 
@@ -37,7 +36,7 @@ inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t
         value = lead & 0x0F;
     } else if ((lead & 0xF8) != 0xF0) {
         ++from;
-        c = replacement;
+        c = replacementChar;
         return true;
     }
     Bytes p = from + 1;
@@ -45,18 +44,18 @@ inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t
         if (p == end) {
             if (!isLast) return false;
             from = p;
-            c = replacement;
+            c = replacementChar;
             return true;
         }
         if ((*p & 0xC0) != 0x80) {
             from = p + 1;
-            c = replacement;
+            c = replacementChar;
             return true;
         }
         value = (value << 6) | (*p & 0x3F);
     }
     from = p;
-    c = value > 0x10FFFF ? replacement : value;
+    c = value > lastCodePoint ? replacementChar : value;
     return true;
 }
 
@@ -70,7 +69,7 @@ inline bool decodeUtf16Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     if (size < 2) {
         if (!isLast) return false;
         from = end;
-        c = replacement;
+        c = replacementChar;
         return true;
     }
     const unsigned unit = unitAt(from, isLittleEndian);
@@ -82,12 +81,12 @@ inline bool decodeUtf16Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     if (size < 4) {
         if (!isLast) return false;
         from = end;
-        c = replacement;
+        c = replacementChar;
         return true;
     }
     const unsigned second = unitAt(from + 2, isLittleEndian);
     from += 4;
-    c = U16_IS_TRAIL(second) ? U16_GET_SUPPLEMENTARY(unit, second) : replacement;
+    c = U16_IS_TRAIL(second) ? U16_GET_SUPPLEMENTARY(unit, second) : replacementChar;
     return true;
 }
 
@@ -95,13 +94,13 @@ inline bool decodeUtf32Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     if (end - from < 4) {
         if (!isLast) return false;
         from = end;
-        c = replacement;
+        c = replacementChar;
         return true;
     }
     const std::uint32_t low = unitAt(isLittleEndian ? from : from + 2, isLittleEndian);
     const std::uint32_t high = unitAt(isLittleEndian ? from + 2 : from, isLittleEndian);
     from += 4;
-    c = high > 0x10 ? replacement : static_cast<std::int32_t>((high << 16) | low);
+    c = high > (lastCodePoint >> 16) ? replacementChar : static_cast<std::int32_t>((high << 16) | low);
     return true;
 }
 

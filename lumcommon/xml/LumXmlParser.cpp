@@ -1,0 +1,28 @@
+#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/detail/MathMLEntities.h>
+
+#include <iterator>
+
+namespace LumCommon {
+
+namespace {
+
+constexpr const char16_t* eventNames[] = {
+    u"START_DOCUMENT",       u"END_DOCUMENT",           u"START_TAG", u"END_TAG", u"TEXT", u"CDSECT", u"ENTITY_REF",
+    u"IGNORABLE_WHITESPACE", u"PROCESSING_INSTRUCTION", u"COMMENT",   u"DOCDECL"};
+
+}  // namespace
+
+bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
+
+UnicodeString LumXmlParser::getEventTypeStr(int eventType) {
+    if (eventType < 0 || eventType >= static_cast<int>(std::size(eventNames))) return UnicodeString();
+    return eventNames[eventType];
+}
+
+UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString& name) {
+    return detail::textOf(detail::findMathMLEntity(detail::viewOf(name)));
+}
+
+}  // namespace LumCommon

@@ -1,0 +1,279 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/xml/detail/DefinitionReader.h>
+#include <lumcommon/xml/detail/EntityExpander.h>
+#include <lumcommon/xml/detail/ErrorReporter.h>
+#include <lumcommon/xml/detail/InputStack.h>
+#include <lumcommon/xml/detail/LiteralReader.h>
+#include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/ParserEvent.h>
+#include <lumcommon/xml/detail/ParserPolicy.h>
+#include <lumcommon/xml/detail/XmlChars.h>
+
+#include <string_view>
+
+namespace LumCommon::detail {
+
+namespace {
+
+// How messages name the declarations.
+constexpr char16_t docType[] = u"DOCTYPE";
+constexpr char16_t docTypeStart[] = u"<!DOCTYPE";
+constexpr char16_t entityStart[] = u"<!ENTITY";
+
+bool isQuote(std::int32_t c) { return c == '"' || c == '\''; }
+
+bool endsWith(const UnitBuffer& text, std::u16string_view end) {
+    return std::u16string_view(text.data(), text.size()).ends_with(end);
+}
+
+UnicodeString quoted(const UnicodeString& text) { return UnicodeString(u"\"").append(text).append(u'"'); }
+
+}  // namespace
+
+ExternalId DefinitionReader::readDocType() {
+    UnicodeString start(docTypeStart);
+    requireSpace(start);
+    QName qName;
+    if (!names_.readQName(qName)) errors_.report(XmlError::DocTypeName);
+    const UnicodeString name = qName.toString();
+    event_.text.append(name);
+    start.append(u' ').append(name);
+    const bool hasSpace = readSpace();
+    const std::int32_t c = inputs_.peekChar();
+    ExternalId id;
+    if (c != '[' && c != '>') {
+        if (!hasSpace) errors_.report(XmlError::DeclSpace, start);
+        id = readExternalId(start);
+    }
+    readBody(docType);
+    return id;
+}
+
+void DefinitionReader::readDeclaration() {
+    event_.text.append(u"<!", 2);
+    readBody(docType);
+}
+
+void DefinitionReader::readBody(const char16_t* what) {
+    const int streamsBelow = inputs_.streamCount();
+    int nesting = 1;
+    int nestingBelow = nesting;  // where an external parameter entity was referenced
+    while (nesting > 0) {
+        if (inputs_.streamCount() == streamsBelow) nestingBelow = nesting;
+        try {
+            const std::int32_t c = inputs_.readChar();
+            if (c < 0) {
+                errors_.report(XmlError::DeclUnterminated, what);
+                return;
+            }
+            readBodyChar(c, nesting);
+        } catch (const LumError&) {
+            // What an ignorable external parameter entity breaks off goes with it.
+            if (!policy_.forgivesParameterEntityErrors() || inputs_.streamCount() <= streamsBelow) throw;
+            inputs_.popToStreams(streamsBelow);
+            nesting = nestingBelow;
+        }
+    }
+}
+
+void DefinitionReader::readBodyChar(std::int32_t c, int& nesting) {
+    if (c == '%') {
+        readReference(true);
+        return;
+    }
+    if (c == '>' && --nesting == 0) return;
+    UnitBuffer& text = event_.text;
+    text.appendCodePoint(c);
+    switch (c) {
+        case '<':
+            ++nesting;
+            break;
+        case '"':
+        case '\'':
+            readUntil([c](std::int32_t last, const UnitBuffer&) { return last == c; });
+            break;
+        case '-':
+            if (!endsWith(text, u"<!--")) break;
+            readUntil([](std::int32_t last, const UnitBuffer& read) { return last == '>' && endsWith(read, u"-->"); });
+            --nesting;
+            break;
+        case '?':
+            if (!endsWith(text, u"<?")) break;
+            readUntil([](std::int32_t last, const UnitBuffer& read) { return last == '>' && endsWith(read, u"?>"); });
+            --nesting;
+            break;
+        case 'Y':
+            if (!endsWith(text, entityStart)) break;
+            readEntityDecl();
+            --nesting;
+            break;
+        case '[':
+            if (isIgnoreSection()) skipIgnoreSection();
+            break;
+        default:
+            break;
+    }
+}
+
+template <class IsEnd>
+void DefinitionReader::readUntil(const IsEnd& isEnd) {
+    for (;;) {
+        const std::int32_t c = inputs_.readChar();
+        if (c < 0) return;  // the caller's next character is the end of input again
+        event_.text.appendCodePoint(c);
+        if (isEnd(c, event_.text)) return;
+    }
+}
+
+bool DefinitionReader::isIgnoreSection() const {
+    std::u16string_view text(event_.text.data(), event_.text.size() - 1);
+    while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
+    if (!text.ends_with(u"IGNORE")) return false;
+    text.remove_suffix(6);
+    while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
+    return text.ends_with(u"<![");
+}
+
+void DefinitionReader::skipIgnoreSection() {
+    // Sections in an ignored section have an end of their own. The ">" of the last end is left to the caller.
+    char16_t before[2] = {};
+    for (int sections = 1;;) {
+        const std::int32_t c = inputs_.readChar();
+        if (c < 0) return;
+        if (before[0] == '<' && before[1] == '!' && c == '[') ++sections;
+        if (before[0] == ']' && before[1] == ']' && c == '>' && --sections == 0) {
+            inputs_.unreadChar(c);
+            return;
+        }
+        before[0] = before[1];
+        before[1] = static_cast<char16_t>(c);
+    }
+}
+
+void DefinitionReader::readReference(bool isInDeclaration) {
+    const LumName name = names_.readNCName();
+    if (isInDeclaration && name.isNull()) errors_.report(XmlError::EntityNameEmpty);
+    const std::int32_t c = inputs_.readChar();
+    if (!isInDeclaration && (name.isNull() || c != ';')) {
+        inputs_.unreadChar(c);  // between declarations it is text, and what ends it may begin the next declaration
+        return;
+    }
+    if (c != ';') {
+        errors_.report(XmlError::EntityRefChar, UnicodeString(u"%").append(name.getString()).append(charText(c)));
+    }
+    const UnicodeString value = entities_.lookup(EntityKind::Parameter, name);
+    if (!value.isBogus()) {
+        expander_.expandParameter(name, value);
+    } else if (isInDeclaration) {
+        errors_.report(XmlError::UndefinedParameterEntity, name.getString());
+    }
+}
+
+void DefinitionReader::readEntityDecl() {
+    UnicodeString start(entityStart);
+    requireSpace(start);
+    std::int32_t c = inputs_.readChar();
+    const EntityKind kind = c == '%' ? EntityKind::Parameter : EntityKind::General;
+    if (kind == EntityKind::Parameter) {
+        event_.text.append(u'%');
+        requireSpace(UnicodeString(start).append(u" %"));
+    } else {
+        inputs_.unreadChar(c);
+    }
+    const LumName name = readName();
+    if (name.isNull()) errors_.report(XmlError::EntityDeclName, u"!ENTITY ");
+    start.append(u' ').append(name.getString());
+    requireSpace(start);
+    if (isQuote(inputs_.peekChar())) {
+        entities_.declareInternal(kind, name, readEntityValue());
+    } else {
+        const ExternalId id = readExternalId(start);
+        readSpace();
+        if (kind == EntityKind::General) readNotation(start, id.systemId);
+        entities_.declareExternal(kind, name, id.systemId);
+    }
+    readSpace();
+    c = inputs_.readChar();
+    if (c != '>') errors_.report(XmlError::UnexpectedChar, charText(c));
+    event_.text.append(u'>');
+}
+
+UnicodeString DefinitionReader::readEntityValue() {
+    const auto quote = static_cast<char16_t>(inputs_.readChar());
+    event_.text.append(quote);
+    if (!literals_.readRaw(quote)) {
+        errors_.report(XmlError::DeclUnterminated, u"ENTITY");
+        return UnicodeString();
+    }
+    event_.text.append(literals_.raw().data(), literals_.raw().size());
+    event_.text.append(quote);
+    return literals_.makeEntityText();
+}
+
+ExternalId DefinitionReader::readExternalId(const UnicodeString& start) {
+    ExternalId id;
+    UnicodeString after = start;
+    const LumName keyword = readName();
+    if (keyword != NAME_SYSTEM && keyword != NAME_PUBLIC) {
+        errors_.report(XmlError::DeclExternalId, start);
+        return id;
+    }
+    after.append(u' ').append(keyword.getString());
+    if (keyword == NAME_PUBLIC) {
+        requireSpace(after);
+        id.publicId = readLiteral(XmlError::DeclPublicId, after);
+        after.append(u' ').append(quoted(id.publicId));
+    }
+    requireSpace(after);
+    id.systemId = readLiteral(XmlError::DeclSystemId, UnicodeString(start).append(u" SYSTEM|PUBLIC"));
+    return id;
+}
+
+void DefinitionReader::readNotation(const UnicodeString& start, const UnicodeString& systemId) {
+    if (inputs_.peekChar() == '>') return;
+    UnicodeString after(start);
+    after.append(u" ... ").append(quoted(systemId));
+    if (readName() != NAME_NDATA) {
+        errors_.report(XmlError::EntityDeclNData, after);
+        return;
+    }
+    requireSpace(after.append(u" NDATA"));
+    readName();
+}
+
+bool DefinitionReader::readSpace() {
+    bool hasSpace = false;
+    std::int32_t c;
+    while (isXmlSpace(c = inputs_.readChar())) {
+        event_.text.appendCodePoint(c);
+        hasSpace = true;
+    }
+    inputs_.unreadChar(c);
+    return hasSpace;
+}
+
+void DefinitionReader::requireSpace(const UnicodeString& after) {
+    if (!readSpace()) errors_.report(XmlError::DeclSpace, after);
+}
+
+LumName DefinitionReader::readName() {
+    const LumName name = names_.readNCName();
+    event_.text.append(name.getString());
+    return name;
+}
+
+UnicodeString DefinitionReader::readLiteral(XmlError::Code missing, const UnicodeString& after) {
+    const std::int32_t c = inputs_.peekChar();
+    if (!isQuote(c)) {
+        errors_.report(missing, after);
+        return UnicodeString();
+    }
+    const auto quote = static_cast<char16_t>(c);
+    const UnicodeString literal = literals_.read(LiteralType::Plain);
+    event_.text.append(quote);
+    event_.text.append(literal);
+    event_.text.append(quote);
+    return literal;
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,69 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/uri/LumUri.h>
+#include <lumcommon/xml/detail/EntityExpander.h>
+#include <lumcommon/xml/detail/ErrorReporter.h>
+#include <lumcommon/xml/detail/InputStack.h>
+#include <lumcommon/xml/detail/OpenInput.h>
+#include <lumcommon/xml/detail/ParserEvent.h>
+#include <lumcommon/xml/detail/ParserPolicy.h>
+#include <lumcommon/xml/detail/ReferenceReader.h>
+#include <lumcommon/xml/detail/XmlDeclReader.h>
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr int maxExternalInputs = 64;
+
+}  // namespace
+
+void EntityExpander::expandGeneral(LumName name) {
+    const UnicodeString value = entities_.lookup(EntityKind::General, name);
+    if (value.isBogus()) {
+        errors_.report(XmlError::UndefinedEntity, name.getString());
+    } else if (entities_.isExternal(EntityKind::General, name)) {
+        openExternal(value);
+    } else {
+        references_.expand(EntityKind::General, name, value);
+    }
+}
+
+void EntityExpander::expandParameter(LumName name, const UnicodeString& value) {
+    if (!entities_.isExternal(EntityKind::Parameter, name)) {
+        references_.expand(EntityKind::Parameter, name, value);
+        return;
+    }
+    const std::size_t depth = inputs_.depth();
+    try {
+        openExternal(value);
+    } catch (const LumError&) {
+        if (!policy_.forgivesParameterEntityErrors()) throw;
+        inputs_.popTo(depth);
+    }
+}
+
+void EntityExpander::openExternal(const UnicodeString& systemId) {
+    const LumUri resource(LumUri(inputs_.baseUri()), systemId);
+    if (inputs_.streamCount() > maxExternalInputs) {
+        errors_.report(XmlError::NestingLimit);
+        return;
+    }
+    std::unique_ptr<std::istream> in = policy_.opensExternalInputs() ? openInput(resource) : nullptr;
+    if (!in) {
+        if (resource.isFile()) {
+            throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());
+        }
+        return;
+    }
+    auto input = std::make_unique<XmlInput>();
+    input->setStream(in.release(), true);
+    input->systemId = resource.getLocalPath();
+    input->baseUri = resource.isAbsolute() ? resource.getBaseString() : inputs_.baseUri();
+    XmlInput& opened = inputs_.pushStream(std::move(input));
+    event_.next = TokenKind::Unknown;
+    declarations_.detectEncoding(opened);
+    declarations_.readTextDecl();
+    opened.unleash();
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/detail/EntityTable.h>
+
+namespace LumCommon::detail {
+
+class ErrorReporter;
+class InputStack;
+class ParserEvent;
+class ParserPolicy;
+class ReferenceReader;
+class XmlDeclReader;
+
+/// Makes what an entity stands for the next input: its replacement text, or the external input that it names.
+class EntityExpander {
+public:
+    EntityExpander(ParserEvent& event, InputStack& inputs, ReferenceReader& references, XmlDeclReader& declarations,
+                   const EntityTable& entities, const ParserPolicy& policy, ErrorReporter& errors) noexcept
+        : event_(event),
+          inputs_(inputs),
+          references_(references),
+          declarations_(declarations),
+          entities_(entities),
+          policy_(policy),
+          errors_(errors) {}
+
+    /// For a reference in content.
+    void expandGeneral(LumName name);
+    /// For a reference to a parameter entity whose look-up gave `value`.
+    void expandParameter(LumName name, const UnicodeString& value);
+
+private:
+    void openExternal(const UnicodeString& systemId);
+
+    ParserEvent& event_;
+    InputStack& inputs_;
+    ReferenceReader& references_;
+    XmlDeclReader& declarations_;
+    const EntityTable& entities_;
+    const ParserPolicy& policy_;
+    ErrorReporter& errors_;
+};
+
+}  // namespace LumCommon::detail

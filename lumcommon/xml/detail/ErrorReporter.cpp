@@ -1,0 +1,55 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/xml/detail/ErrorReporter.h>
+#include <lumcommon/xml/detail/InputStack.h>
+#include <lumcommon/xml/detail/ParserEvent.h>
+
+#include <cstdio>
+
+namespace LumCommon::detail {
+
+namespace {
+
+/// Appends a decimal number that does not depend on the locale.
+void appendNumber(UnicodeString& text, int number) {
+    char digits[16];
+    const int size = std::snprintf(digits, sizeof digits, "%d", number);
+    text.append(UnicodeString(digits, size, US_INV));
+}
+
+}  // namespace
+
+void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const UnicodeString& b) {
+    UnicodeString message = makeXmlErrorMessage(code, a, b);
+    static constexpr char16_t source[] = u"LumCommon::XmlParserImpl";
+    if (listener_) {
+        struct Restore {
+            TokenKind& slot;
+            TokenKind kind;
+            ~Restore() { slot = kind; }
+        } const restore{event_.next, event_.next};
+        event_.next = TokenKind::InCallback;
+        listener_(LumError(code, message, source, -1, -1, UnicodeString()), data_);
+        return;
+    }
+    message.append(u'\n').append(describePosition());
+    throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+}
+
+UnicodeString ErrorReporter::describePosition() const {
+    UnicodeString description = LumXmlParser::getEventTypeStr(event_.type);
+    const UnicodeString& systemId = inputs_.systemId();
+    const UnicodeString& place = systemId.isEmpty() ? inputs_.baseUri() : systemId;
+    if (!place.isEmpty()) description.append(u", '").append(place).append(u'\'');
+    const TextPosition position = inputs_.position();
+    if (position.line != -1) {
+        description.append(u", Line ");
+        appendNumber(description, position.line);
+    }
+    if (position.column != -1) {
+        description.append(u", Col ");
+        appendNumber(description, position.column);
+    }
+    return description.append(u'.');
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,63 @@
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/uri/LumUri.h>
+#include <lumcommon/xml/detail/ExternalDtdReader.h>
+#include <lumcommon/xml/detail/ReaderParts.h>
+
+namespace LumCommon::detail {
+
+namespace {
+
+void readDeclarations(ReaderParts& parts) {
+    parts.start();
+    for (;;) {
+        parts.event.text.clear();
+        const TokenKind next = parts.markup.lookAhead();
+        parts.event.next = TokenKind::Unknown;
+        switch (next) {
+            case TokenKind::Text:
+                if (parts.inputs.readChar() == '%') parts.definitions.readReferenceInText();
+                break;
+            case TokenKind::Instruction:
+                parts.markup.readInstruction();
+                break;
+            case TokenKind::Declaration:
+                parts.definitions.readDeclaration();
+                break;
+            default:
+                return;
+        }
+    }
+}
+
+/// False when the definition cannot be had.
+bool read(ReaderParts& parts, const LumUri& resource, const UnicodeString& baseUri) {
+    const UnicodeString uri = resource.toString();
+    if (!parts.inputs.open(std::make_unique<XmlInput>(), uri, baseUri)) {
+        // A resource of another kind than a file that cannot be had contributes nothing.
+        if (!resource.isFile()) return false;
+        throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
+    }
+    readDeclarations(parts);
+    return true;
+}
+
+}  // namespace
+
+std::shared_ptr<const ExternalDtd> readExternalDtd(const LumUri& resource, const UnicodeString& baseUri,
+                                                   bool forgivesErrors) {
+    if (std::shared_ptr<const ExternalDtd> dtd = ExternalDtdCache::find(resource.toString())) return dtd;
+    ReaderParts parts;
+    parts.reset();
+    bool isWhole = false;
+    try {
+        isWhole = read(parts, resource, baseUri);
+    } catch (const LumError&) {
+        if (!forgivesErrors) throw;
+    }
+    auto dtd = std::make_shared<const ExternalDtd>(parts.entities.getDeclared());
+    // What an error cut short is for this document alone: the next one may want to hear of the error.
+    if (!isWhole) return dtd;
+    return ExternalDtdCache::add(resource.toString(), std::move(dtd));
+}
+
+}  // namespace LumCommon::detail

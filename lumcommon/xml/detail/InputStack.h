@@ -1,0 +1,170 @@
+#pragma once
+
+#include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/detail/TextPosition.h>
+#include <lumcommon/xml/detail/UnitBuffer.h>
+#include <lumcommon/xml/detail/UnitScan.h>
+#include <lumcommon/xml/detail/XmlInput.h>
+
+#include <unicode/utf16.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+namespace LumCommon {
+class LumUri;
+}
+
+namespace LumCommon::detail {
+
+/// What is being read: open inputs, replacement texts of entities, and the raw text of a literal that is being looked
+/// through. The scanners read the window of the topmost frame; frames that are used up are popped when the next
+/// character is asked for, so that markup may begin in a replacement text and end after it.
+///
+/// It knows where the parser is and how much entities may expand, and reports no errors itself: whoever asks is told.
+class InputStack {
+public:
+    InputStack() = default;
+    ~InputStack() { closeFrames(); }
+    InputStack(const InputStack&) = delete;
+    InputStack& operator=(const InputStack&) = delete;
+
+    /// Forgets the document before; its inputs are closed by now.
+    void reset();
+    /// Opens the document. Position, base and encoding are those of this input until it is closed.
+    /// Errors: those of checkInput(), after which nothing is open.
+    void open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
+              const UnicodeString& baseUri);
+    /// The same for a resource, whose own base holds where `baseUri` is empty. False when it cannot be opened.
+    [[nodiscard]] bool open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri);
+    /// Closes every input. What stays is the place in the document; entities that are open are left.
+    void close();
+    bool isOpen() const noexcept { return frameCount_ > 0; }
+
+    /// Marks the document as begun: from now on there is a position.
+    void start() noexcept { isStarted_ = true; }
+    bool isStarted() const noexcept { return isStarted_; }
+
+    // Reading
+
+    /// Where the topmost frame is read.
+    XmlCursor& cursor() noexcept { return cursor_; }
+    /// The next character as a code point, -1 at the end of input.
+    std::int32_t readChar() {
+        if (cursor_.cur != cursor_.end) {
+            const char16_t unit = *cursor_.cur;
+            if (!U16_IS_LEAD(unit)) {
+                ++cursor_.cur;
+                cursor_.touch(cursor_.cur);
+                return unit;
+            }
+        }
+        return readCharSlow();
+    }
+    /// Takes back the character that was read last.
+    void unreadChar(std::int32_t c) noexcept {
+        if (c >= 0) cursor_.cur -= c > 0xFFFF ? 2 : 1;
+    }
+    /// The next character, which stays the next one.
+    std::int32_t peekChar() {
+        const std::int32_t c = readChar();
+        unreadChar(c);
+        return c;
+    }
+    /// Whether the window holds the next unit and it is this one.
+    bool isNext(char16_t unit) const noexcept { return cursor_.cur != cursor_.end && *cursor_.cur == unit; }
+    /// Makes the cursor point at a unit. False at the end of input.
+    bool pull();
+    /// Whether there was any.
+    bool skipWhitespace();
+    /// Copies what comes before the next `mark`, which is then the next character. False at the end of input.
+    bool copyUpTo(char16_t mark, UnitBuffer& out) {
+        do {
+            const char16_t* const start = cursor_.cur;
+            const char16_t* const found = findUnit(start, cursor_.end, mark);
+            out.append(start, static_cast<std::size_t>(found - start));
+            cursor_.cur = found;
+            cursor_.touch(found);
+            if (found != cursor_.end) return true;
+        } while (pull());
+        return false;
+    }
+    /// Whether the units after the window may be read, though they mean nothing.
+    bool hasSlack() const noexcept { return frames_[frameCount_ - 1]->kind == Frame::Stream; }
+
+    // Frames
+
+    std::size_t depth() const noexcept { return frameCount_; }
+    int streamCount() const noexcept { return streamCount_; }
+    void popTo(std::size_t depth);
+    void popToStreams(int count);
+    XmlInput& pushStream(std::unique_ptr<XmlInput> input);
+    /// False, and nothing pushed, when the entity contains itself or entities expand to far more than what was read.
+    [[nodiscard]] bool pushReplacement(LumName entity, const UnicodeString& text, bool isParameter);
+    /// Whether the end of the topmost frame is the end of input, whatever lies below.
+    void setBarrier(bool isBarrier) noexcept { frames_[frameCount_ - 1]->isBarrier = isBarrier; }
+
+    /// While it lives, the units of `raw` after the first `from` are the input; their end is the end of input.
+    class LiteralScope {
+    public:
+        LiteralScope(InputStack& inputs, const UnitBuffer& raw, std::size_t from);
+        ~LiteralScope() { inputs_.popTo(depth_); }
+        LiteralScope(const LiteralScope&) = delete;
+        LiteralScope& operator=(const LiteralScope&) = delete;
+
+    private:
+        InputStack& inputs_;
+        const std::size_t depth_;
+    };
+
+    // Where the parser is; after the inputs are closed, where it was
+
+    /// The input being read, whatever replacement texts lie on it; null when none is open.
+    XmlInput* current() const noexcept;
+    const UnicodeString& encodingName() const noexcept;
+    const UnicodeString& systemId() const noexcept;
+    const UnicodeString& baseUri() const noexcept;
+    /// -1 and -1 before the document has begun.
+    TextPosition position() const;
+
+private:
+    struct Frame {
+        enum Kind { Stream, Replacement, Literal } kind = Replacement;
+        XmlCursor cursor;                       // while another frame is on top of it
+        std::unique_ptr<XmlInput> input;        // Stream
+        bool isBarrier = false;                 // its end is the end of input, whatever lies below
+        std::size_t source = 0;                 // the nearest frame from here down that is no replacement
+        UnicodeString text;                     // Replacement: keeps the units alive
+        std::vector<std::uint32_t> entityKeys;  // Replacement: the entities that end with it
+        const char16_t* start = nullptr;        // Literal: its first unit
+    };
+
+    Frame& pushFrame(Frame::Kind kind);
+    void popFrame();
+    void closeFrames() { popTo(0); }
+    std::int32_t readCharSlow();
+    bool isWithinExpansionLimit(std::uint64_t moreUnits);
+    TextPosition positionOf(std::size_t frameIndex) const;
+
+    XmlCursor cursor_;                            // of the topmost frame
+    std::vector<std::unique_ptr<Frame>> frames_;  // [0, frameCount_) are in use; the rest is kept for reuse
+    std::size_t frameCount_ = 0;
+    int streamCount_ = 0;
+    bool isStarted_ = false;
+
+    std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
+    std::uint64_t expandedUnits_ = 0;
+    std::uint64_t allowedUnits_ = 0;  // by the bytes read when they were counted last
+    std::uint64_t closedBytes_ = 0;   // read from inputs that are closed by now
+
+    mutable TextPosition position_{-1, -1};  // when it was asked for last
+    UnicodeString encodingName_;             // of the last input when none is open
+    UnicodeString systemId_;                 // of the document
+    UnicodeString baseUri_;
+};
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,212 @@
+#include <lumcommon/xml/detail/ErrorReporter.h>
+#include <lumcommon/xml/detail/InputStack.h>
+#include <lumcommon/xml/detail/MarkupReader.h>
+#include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/UnitScan.h>
+#include <lumcommon/xml/detail/XmlChars.h>
+#include <lumcommon/xml/detail/XmlDeclReader.h>
+
+#include <unicode/locid.h>
+
+#include <cstdio>
+
+namespace LumCommon::detail {
+
+namespace {
+
+constexpr char16_t xmlDeclTarget[] = u"xml";
+
+}  // namespace
+
+TokenKind MarkupReader::lookAhead() {
+    if (isLookedUp(event_.next)) return event_.next;
+    // Nearly always a look at the window is enough.
+    XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    if (cursor.end - start < 2 || U16_IS_SURROGATE(start[0]) || start[0] == notACharacter) return lookAheadSlow();
+    if (start[0] != '<') {
+        cursor.touch(start + 1);
+        if (start[0] != '&') return event_.next = TokenKind::Text;
+        cursor.cur = start + 1;
+        return event_.next = TokenKind::Reference;
+    }
+    if (U16_IS_SURROGATE(start[1])) return lookAheadSlow();
+    cursor.touch(start + 2);
+    cursor.cur = start + 2;
+    switch (start[1]) {
+        case '/':
+            return event_.next = TokenKind::EndTag;
+        case '?':
+            return event_.next = TokenKind::Instruction;
+        case '!':
+            return event_.next = TokenKind::Declaration;
+        default:
+            cursor.cur = start + 1;
+            return event_.next = TokenKind::StartTag;
+    }
+}
+
+TokenKind MarkupReader::lookAheadSlow() {
+    for (;;) {
+        std::int32_t c = inputs_.readChar();
+        if (c == '<') {
+            c = inputs_.readChar();
+            switch (c) {
+                case '/':
+                    return event_.next = TokenKind::EndTag;
+                case '?':
+                    return event_.next = TokenKind::Instruction;
+                case '!':
+                    return event_.next = TokenKind::Declaration;
+                default:
+                    inputs_.unreadChar(c);
+                    return event_.next = TokenKind::StartTag;
+            }
+        }
+        if (c == '&') return event_.next = TokenKind::Reference;
+        if (c < 0) return event_.next = TokenKind::End;
+        if (c != notACharacter) {
+            inputs_.unreadChar(c);
+            return event_.next = TokenKind::Text;
+        }
+        errors_.report(XmlError::InvalidChar);
+    }
+}
+
+void MarkupReader::readText() {
+    event_.next = TokenKind::Unknown;
+    event_.type = LumXmlParser::TEXT;
+    UnitBuffer& text = event_.text;
+    XmlCursor& cursor = inputs_.cursor();
+    std::size_t brackets = 0;  // "]" directly before the cursor, in this run
+    for (;;) {
+        if (cursor.cur == cursor.end && !inputs_.pull()) return;
+        const char16_t* const start = cursor.cur;
+        if (*start == '>' && brackets >= 2) {
+            cursor.touch(start + 1);
+            errors_.report(XmlError::CDataEndInText);
+        }
+        const char16_t* const found = findTextEnd(start, cursor.end);
+        text.append(start, static_cast<std::size_t>(found - start));
+        cursor.cur = found;
+        if (found != start) brackets = 0;
+        if (found == cursor.end) {
+            cursor.touch(found);
+            continue;
+        }
+        cursor.touch(found + 1);
+        if (*found != ']') return;
+        text.append(u']');
+        ++brackets;
+        ++cursor.cur;
+    }
+}
+
+void MarkupReader::readTopLevelText() {
+    event_.next = TokenKind::Unknown;
+    event_.type = LumXmlParser::TEXT;
+    bool isSpace = true;
+    std::int32_t c;
+    while ((c = inputs_.readChar()) >= 0 && c != '<' && c != '&' && c != notACharacter) {
+        if (!isXmlSpace(c)) {
+            isSpace = false;
+            char code[24];
+            const int size = std::snprintf(code, sizeof code, "U+%04X (", static_cast<unsigned>(c));
+            errors_.report(XmlError::TopLevelText,
+                           UnicodeString(code, size, US_INV).append(static_cast<UChar32>(c)).append(u')'));
+        }
+        event_.text.appendCodePoint(c);
+    }
+    inputs_.unreadChar(c);
+    if (isSpace) event_.type = LumXmlParser::IGNORABLE_WHITESPACE;
+}
+
+void MarkupReader::readCData() {
+    event_.type = LumXmlParser::CDSECT;
+    while (inputs_.copyUpTo(u']', event_.text)) {
+        std::size_t brackets = 0;
+        std::int32_t c;
+        while ((c = inputs_.readChar()) == ']') {
+            event_.text.append(u']');
+            ++brackets;
+        }
+        if (c == '>' && brackets >= 2) {
+            event_.text.truncate(event_.text.size() - 2);
+            return;
+        }
+        inputs_.unreadChar(c);
+    }
+    errors_.report(XmlError::CDataUnterminated);
+}
+
+void MarkupReader::readComment() {
+    event_.type = LumXmlParser::COMMENT;
+    while (inputs_.copyUpTo(u'-', event_.text)) {
+        inputs_.readChar();
+        std::int32_t c = inputs_.readChar();
+        if (c == '-') {
+            c = inputs_.readChar();
+            while (c >= 0 && c != '>') {
+                errors_.report(XmlError::CommentHyphens);
+                if (c != '-') break;
+                event_.text.append(u'-');
+                c = inputs_.readChar();
+            }
+            if (c == '>') return;
+            event_.text.append(u"--", 2);
+        } else {
+            event_.text.append(u'-');
+        }
+        inputs_.unreadChar(c);
+    }
+    errors_.report(XmlError::CommentUnterminated);
+}
+
+bool MarkupReader::readInstruction() {
+    event_.next = TokenKind::Unknown;
+    const UnicodeString target = names_.readNCNameText();
+    if (target == UnicodeString(xmlDeclTarget)) {
+        declarations_.readXmlDecl();
+        return false;
+    }
+    readInstruction(target);
+    return true;
+}
+
+void MarkupReader::readInstruction(const UnicodeString& target) {
+    event_.type = LumXmlParser::PROCESSING_INSTRUCTION;
+    if (UnicodeString(target).toLower(icu::Locale::getRoot()) == UnicodeString(xmlDeclTarget)) {
+        errors_.report(XmlError::PiXmlCase, target);
+    }
+    event_.text.append(target);
+    std::int32_t c = inputs_.readChar();
+    if (isXmlSpace(c)) {
+        event_.text.appendCodePoint(c);
+    } else {
+        inputs_.unreadChar(c);
+        errors_.report(XmlError::PiSpace, target);
+    }
+    while (inputs_.copyUpTo(u'?', event_.text)) {
+        inputs_.readChar();
+        c = inputs_.readChar();
+        if (c == '>') return;
+        event_.text.append(u'?');
+        inputs_.unreadChar(c);
+    }
+    errors_.report(XmlError::PiUnterminated);
+}
+
+void MarkupReader::skipSection() {
+    std::int32_t c = inputs_.readChar();
+    for (;;) {
+        if (c < 0) {
+            errors_.report(XmlError::CDataUnterminated);
+            return;
+        }
+        const bool isBracket = c == ']';
+        c = inputs_.readChar();
+        if (isBracket && c == '>') return;
+    }
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,119 @@
+#include <lumcommon/names/detail/NameIntern.h>
+#include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/XmlChars.h>
+
+#include <unicode/utf16.h>
+
+#include <algorithm>
+
+namespace LumCommon::detail {
+
+namespace {
+
+/// Whether a unit may stand in a qualified name. Characters of two units are left to the slow road.
+bool isQNameUnit(char16_t unit) {
+    if (unit < 128) return (xmlCharClasses[unit] & (CLASS_NAME | CLASS_COLON)) != 0;
+    return !U16_IS_SURROGATE(unit) && isXmlNameChar(unit);
+}
+
+/// Finds the place of the colon in a qualified name; its size when there is none. False when the text is no qualified
+/// name.
+bool splitQName(const char16_t* text, std::size_t size, std::size_t& colon) {
+    colon = static_cast<std::size_t>(std::find(text, text + size, u':') - text);
+    if (!isXmlNameStart(text[0])) return false;
+    if (colon == size) return true;
+    const char16_t* const local = text + colon + 1;
+    const char16_t* const end = text + size;
+    return local != end && isXmlNameStart(*local) && std::find(local, end, u':') == end;
+}
+
+}  // namespace
+
+UnicodeString QName::toString() const {
+    if (prefix.isNull()) return localName.getString();
+    return UnicodeString(prefix.getString()).append(u':').append(localName.getString());
+}
+
+void NameReader::scanNCName() {
+    buffer_.clear();
+    std::int32_t c = inputs_.readChar();
+    if (isXmlNameStart(c)) {
+        do {
+            buffer_.appendCodePoint(c);
+            c = inputs_.readChar();
+        } while (isXmlNameChar(c));
+    }
+    inputs_.unreadChar(c);
+}
+
+LumName NameReader::readNCName() {
+    scanNCName();
+    if (buffer_.empty()) return LumName();
+    const CachedName* name = cache_.find(buffer_.data(), buffer_.size());
+    if (!name) {
+        name = cache_.add(buffer_.data(), buffer_.size(), NAME_NULL, internName(buffer_.data(), buffer_.size()));
+    }
+    return name->localName;
+}
+
+UnicodeString NameReader::readNCNameText() {
+    scanNCName();
+    return buffer_.toString();
+}
+
+bool NameReader::readQName(QName& name) {
+    name.prefix = LumName();
+    name.localName = readNCName();
+    if (name.localName.isNull()) return false;
+    const std::int32_t c = inputs_.readChar();
+    if (c != ':') {
+        inputs_.unreadChar(c);
+        return true;
+    }
+    name.prefix = name.localName;
+    name.localName = readNCName();
+    return !name.localName.isNull();
+}
+
+const CachedName* NameReader::readQNameFast() {
+    XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    const CachedName* const guess = last_ ? last_->following : nullptr;
+    if (guess && static_cast<std::size_t>(cursor.end - start) > guess->size && guess->matches(start)) {
+        const char16_t* const end = start + guess->size;
+        if (*end < 128 && !isQNameUnit(*end)) {
+            cursor.cur = end;
+            cursor.touch(end + 1);
+            return last_ = guess;
+        }
+    }
+    const CachedName* const name = findQName();
+    if (name) {
+        if (last_) last_->following = name;
+        last_ = name;
+    }
+    return name;
+}
+
+const CachedName* NameReader::findQName() {
+    XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    const char16_t* p = start;
+    while (p != cursor.end && isQNameUnit(*p)) ++p;
+    if (p == cursor.end || U16_IS_SURROGATE(*p) || p == start) return nullptr;
+    const auto size = static_cast<std::size_t>(p - start);
+    const CachedName* name = cache_.find(start, size);
+    if (!name) {
+        std::size_t colon;
+        if (!splitQName(start, size, colon)) return nullptr;
+        const bool hasPrefix = colon != size;
+        const std::size_t local = hasPrefix ? colon + 1 : 0;
+        const LumNameEnum prefix = hasPrefix ? internName(start, colon) : NAME_NULL;
+        name = cache_.add(start, size, prefix, internName(start + local, size - local));
+    }
+    cursor.cur = p;
+    cursor.touch(p + 1);
+    return name;
+}
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/detail/UnitBuffer.h>
+#include <lumcommon/xml/detail/XmlChars.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace LumCommon::detail {
+
+/// What the look-ahead knows of the next token.
+enum class TokenKind : int {
+    Unknown = 0,
+    InCallback = 1,  ///< unknown, while a callback looks at an error
+    EmptyTag = 2,    ///< unknown, and the current start tag is an empty-element tag
+    StartTag = 3,
+    EndTag = 4,
+    Text = 5,
+    Reference = 6,
+    Instruction = 7,
+    Declaration = 8,
+    End = 9,
+};
+
+constexpr bool isLookedUp(TokenKind kind) noexcept { return kind > TokenKind::EmptyTag; }
+
+/// The current event as its readers fill it in: each sets the type before it reads, as errors name it.
+class ParserEvent {
+public:
+    LumXmlParser::EventType type = LumXmlParser::START_DOCUMENT;
+    TokenKind next = TokenKind::Unknown;
+    UnitBuffer text;            // of the event, after that of the events that it is joined with
+    std::size_t textStart = 0;  // of the current token in it
+    LumName entityName;
+    std::int32_t entityChar = 0;  // of a character reference
+
+    void reset() noexcept {
+        type = LumXmlParser::START_DOCUMENT;
+        next = TokenKind::Unknown;
+        text.clear();
+        setTextStart(0);
+        entityName = LumName();
+    }
+    void setTextStart(std::size_t start) noexcept {
+        textStart = start;
+        isViewed_ = false;
+    }
+    /// Takes the current token's text back.
+    void dropToken() noexcept {
+        text.truncate(textStart);
+        isViewed_ = false;
+    }
+    /// Before the next character of the text is written by hand.
+    void forgetView() noexcept { isViewed_ = false; }
+    bool isWhitespace() const noexcept {
+        const char16_t* const units = text.data();
+        return std::all_of(units + start(), units + text.size(), [](char16_t unit) { return isXmlSpace(unit); });
+    }
+
+    /// The text as a string, once one of the functions below has made it.
+    bool isViewed() const noexcept { return isViewed_; }
+    const UnicodeString& view() const noexcept { return view_; }
+    void viewText() const {
+        text.lend(start(), text.size() - start(), view_);
+        isViewed_ = true;
+    }
+    void viewValue(const UnicodeString& value) const {
+        view_ = value;
+        isViewed_ = true;
+    }
+
+private:
+    std::size_t start() const noexcept { return std::min(textStart, text.size()); }
+
+    mutable UnicodeString view_;
+    mutable bool isViewed_ = false;
+};
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <lumcommon/xml/detail/DefinitionReader.h>
+#include <lumcommon/xml/detail/EntityExpander.h>
+#include <lumcommon/xml/detail/EntityTable.h>
+#include <lumcommon/xml/detail/ErrorReporter.h>
+#include <lumcommon/xml/detail/InputStack.h>
+#include <lumcommon/xml/detail/LiteralReader.h>
+#include <lumcommon/xml/detail/MarkupReader.h>
+#include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/ParserEvent.h>
+#include <lumcommon/xml/detail/ParserPolicy.h>
+#include <lumcommon/xml/detail/ReferenceReader.h>
+#include <lumcommon/xml/detail/XmlDeclReader.h>
+
+namespace LumCommon::detail {
+
+/// The parts that read everything but tags, each given those before it that it needs. Only their owner sees them all.
+struct ReaderParts {
+    ReaderParts() = default;
+    ReaderParts(const ReaderParts&) = delete;
+    ReaderParts& operator=(const ReaderParts&) = delete;
+
+    ParserPolicy policy;
+    ParserEvent event;
+    InputStack inputs;
+    ErrorReporter errors{event, inputs};
+    EntityTable entities{policy};
+    NameReader names{inputs};
+    ReferenceReader references{inputs, names, entities, errors};
+    LiteralReader literals{inputs, references, entities, errors};
+    XmlDeclReader declarations{event, inputs, names, literals, policy, errors};
+    EntityExpander expander{event, inputs, references, declarations, entities, policy, errors};
+    MarkupReader markup{event, inputs, names, declarations, errors};
+    DefinitionReader definitions{event, inputs, names, literals, expander, entities, policy, errors};
+
+    /// Makes ready for another document.
+    void reset() {
+        event.reset();
+        inputs.reset();
+        entities.reset();
+        declarations.reset();
+    }
+    /// Reads the beginning of the document: what tells its encoding, and the XML declaration or instruction there.
+    void start() {
+        inputs.start();
+        XmlInput& input = *inputs.current();
+        declarations.detectEncoding(input);
+        if (markup.lookAhead() == TokenKind::Instruction) markup.readInstruction();
+        input.unleash();
+    }
+};
+
+}  // namespace LumCommon::detail

@@ -1,0 +1,28 @@
+#include <lumcommon/xml/detail/StreamType.h>
+
+#include <unicode/locid.h>
+
+namespace LumCommon::detail {
+
+void StreamType::set(const UnicodeString& mediaType, const UnicodeString& extension) {
+    mediaType_ = mediaType;
+    mediaType_.toLower(icu::Locale::getRoot());
+    extension_ = extension;
+    extension_.toLower(icu::Locale::getRoot());
+}
+
+bool StreamType::isXhtml(LumName rootName, LumName rootNamespace) const {
+    if (rootName == NAME_html && rootNamespace.getString() == UnicodeString(u"http://www.w3.org/1999/xhtml")) {
+        return true;
+    }
+    if (!mediaType_.isEmpty()) return mediaType_ == UnicodeString(u"application/xhtml+xml");
+    return extension_ == UnicodeString(u".xht") || extension_ == UnicodeString(u".xhtml");
+}
+
+bool StreamType::isHtml(LumName rootName, LumName rootNamespace) const {
+    if (!mediaType_.isEmpty()) return mediaType_ == UnicodeString(u"text/html");
+    if (!extension_.isEmpty()) return extension_ == UnicodeString(u".html") || extension_ == UnicodeString(u".htm");
+    return rootName == NAME_html && rootNamespace.isNull();
+}
+
+}  // namespace LumCommon::detail
