@@ -19,7 +19,7 @@ std::unique_ptr<std::istream> openFile(const char* path) {
     return file->is_open() ? std::move(file) : nullptr;
 }
 
-/// True when the data descriptor of a member without data comes next, so that the walk can go on behind it.
+/// True when the data descriptor of a member without data comes next, so that the walk can continue after it.
 bool isBeforeEmptyDescriptor(std::istream& in) {
     if (LumZipEntry::getSignature(in) != LumZipEntry::SIGNATURE_EXTHEADER) return false;
     const detail::StreamPlace place(in);
@@ -51,7 +51,7 @@ void LumZipFile::open(std::istream* s, bool own) {
     try {
         init();
     } catch (const std::exception&) {
-        // Memory is wanting: the archive ends with the last member that it could be told of.
+        // Out of memory: the archive ends with the last member that it could be told of.
     }
 }
 

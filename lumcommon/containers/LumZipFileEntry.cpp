@@ -84,7 +84,7 @@ std::span<const char> LumZipFileEntry::readCompressedData() {
     try {
         loadData();
     } catch (const std::exception&) {
-        // Memory is wanting: nothing was kept, and the next call tries again.
+        // Out of memory: nothing was kept, and the next call tries again.
     }
     return data_;
 }

@@ -34,7 +34,8 @@ public:
 
     /// True when there is a buffer to read into or write from.
     bool is_open() const noexcept { return hasBlock(); }
-    /// Hands over the bytes that wait. Returns their number, or -1 when not all were taken; they then go on waiting.
+    /// Hands over the bytes that wait. Returns their number, or -1 when not all were taken; they then stay where they
+    /// are.
     int flushBuffer();
 
     // What the operations of std::streambuf and of streams come down to; they can be called directly as well.

@@ -110,7 +110,7 @@ void LumMemStreamBuf::fillFromSources() {
     while (!sources_.empty() && lastBlockFill_ < growBytes_) {
         std::istream& source = *sources_.front();
         lastBlockFill_ += readBytes(source, {blocks_.back().get() + lastBlockFill_, growBytes_ - lastBlockFill_});
-        // A short read is the end of the source, or its failure, after which it would give nothing for ever.
+        // A short read is the end of the source, or its failure, after which it would never give anything again.
         if (lastBlockFill_ < growBytes_) dropFrontSource();
     }
 }

@@ -32,6 +32,12 @@ struct BuiltinStrings {
     }
 };
 
+/// Apart from its caller, so that asking for strings that have been made costs a test and a load.
+[[gnu::noinline]] const UnicodeString* makeStrings() noexcept {
+    static NeverDestroyed<BuiltinStrings> strings;
+    return strings->ofName.data();
+}
+
 }  // namespace
 
 LumNameEnum findBuiltinName(const char16_t* text, std::size_t units) noexcept {
@@ -39,8 +45,8 @@ LumNameEnum findBuiltinName(const char16_t* text, std::size_t units) noexcept {
 }
 
 const UnicodeString* builtinNameStrings() noexcept {
-    static NeverDestroyed<BuiltinStrings> strings;
-    return strings->ofName.data();
+    static const UnicodeString* const strings = makeStrings();
+    return strings;
 }
 
 }  // namespace LumCommon::detail

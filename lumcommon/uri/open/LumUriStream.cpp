@@ -174,7 +174,8 @@ bool LumUriStreamBuf::connect(const std::string& host, unsigned short port) {
 /// Reads the response up to the body. False, with a message, when that is not reached.
 bool LumUriStreamBuf::readHead(HttpHead& head) {
     allocateBlock();
-    // One deadline for the whole head: a server that sends a byte now and then must not keep the caller for ever.
+    // One deadline for the whole head: a server that sends a byte now and then must not keep the caller waiting
+    // forever.
     const Deadline deadline(getTimeout());
     for (;;) {
         if (gptr() == egptr() && !receiveMore(deadline)) {
