@@ -1,4 +1,3 @@
-#include <lumcommon/core/LumError.h>
 #include <lumcommon/xml/detail/DefinitionReader.h>
 #include <lumcommon/xml/detail/EntityExpander.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
@@ -45,96 +44,93 @@ ExternalId DefinitionReader::readDocType() {
         if (!hasSpace) errors_.report(XmlError::DeclSpace, start);
         id = readExternalId(start);
     }
-    readBody(docType);
+    tokens_.startEmpty();
+    readBody();
     return id;
 }
 
 void DefinitionReader::readDeclaration() {
     event_.text.append(u"<!", 2);
-    readBody(docType);
+    tokens_.startAfterBang();
+    readBody();
 }
 
-void DefinitionReader::readBody(const char16_t* what) {
+void DefinitionReader::readBody() {
     const int streamsBelow = inputs_.streamCount();
+    const ErrorReporter::DropScope drops(errors_, policy_.forgivesParameterEntityErrors(), streamsBelow);
     int nesting = 1;
     int nestingBelow = nesting;  // where an external parameter entity was referenced
     while (nesting > 0) {
         if (inputs_.streamCount() == streamsBelow) nestingBelow = nesting;
         try {
-            const std::int32_t c = inputs_.readChar();
-            if (c < 0) {
-                errors_.report(XmlError::DeclUnterminated, what);
-                return;
-            }
-            readBodyChar(c, nesting);
-        } catch (const LumError&) {
-            // What an ignorable external parameter entity breaks off goes with it.
-            if (!policy_.forgivesParameterEntityErrors() || inputs_.streamCount() <= streamsBelow) throw;
+            readToken(nesting);
+        } catch (const ErrorReporter::Dropped&) {
+            // What the external parameter entity breaks off goes with it.
             inputs_.popToStreams(streamsBelow);
             nesting = nestingBelow;
         }
     }
 }
 
-void DefinitionReader::readBodyChar(std::int32_t c, int& nesting) {
-    if (c == '%') {
-        readReference(true);
-        return;
-    }
-    if (c == '>' && --nesting == 0) return;
-    UnitBuffer& text = event_.text;
-    text.appendCodePoint(c);
-    switch (c) {
-        case '<':
+void DefinitionReader::readToken(int& nesting) {
+    const std::int32_t c = inputs_.readChar();
+    const DefinitionToken token = tokens_.add(c);
+    switch (token) {
+        case DefinitionToken::End:
+            errors_.report(XmlError::DeclUnterminated, docType);
+            nesting = 0;
+            return;
+        case DefinitionToken::Reference:
+            readReference(true);
+            return;
+        case DefinitionToken::MarkupEnd:
+            if (--nesting == 0) return;
+            break;
+        case DefinitionToken::MarkupStart:
             ++nesting;
             break;
-        case '"':
-        case '\'':
-            readUntil([c](std::int32_t last, const UnitBuffer&) { return last == c; });
+        default:
             break;
-        case '-':
-            if (!endsWith(text, u"<!--")) break;
-            readUntil([](std::int32_t last, const UnitBuffer& read) { return last == '>' && endsWith(read, u"-->"); });
+    }
+    event_.text.appendCodePoint(c);
+    switch (token) {
+        case DefinitionToken::Quote:
+            copyLiteral(static_cast<char16_t>(c));
+            break;
+        case DefinitionToken::Comment:
+            copyThrough(u"-->");
             --nesting;
             break;
-        case '?':
-            if (!endsWith(text, u"<?")) break;
-            readUntil([](std::int32_t last, const UnitBuffer& read) { return last == '>' && endsWith(read, u"?>"); });
+        case DefinitionToken::Instruction:
+            copyThrough(u"?>");
             --nesting;
             break;
-        case 'Y':
-            if (!endsWith(text, entityStart)) break;
+        case DefinitionToken::EntityDecl:
             readEntityDecl();
             --nesting;
             break;
-        case '[':
-            if (isIgnoreSection()) skipIgnoreSection();
+        case DefinitionToken::IgnoredSection:
+            skipIgnoredSection();
             break;
         default:
             break;
     }
 }
 
-template <class IsEnd>
-void DefinitionReader::readUntil(const IsEnd& isEnd) {
-    for (;;) {
-        const std::int32_t c = inputs_.readChar();
-        if (c < 0) return;  // the caller's next character is the end of input again
-        event_.text.appendCodePoint(c);
-        if (isEnd(c, event_.text)) return;
-    }
+// What these miss at the end of input is told by the token that comes next.
+
+void DefinitionReader::copyLiteral(char16_t quote) {
+    if (inputs_.copyUpTo(quote, event_.text)) event_.text.appendCodePoint(inputs_.readChar());
 }
 
-bool DefinitionReader::isIgnoreSection() const {
-    std::u16string_view text(event_.text.data(), event_.text.size() - 1);
-    while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
-    if (!text.ends_with(u"IGNORE")) return false;
-    text.remove_suffix(6);
-    while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
-    return text.ends_with(u"<![");
+void DefinitionReader::copyThrough(std::u16string_view end) {
+    do {
+        if (!inputs_.copyUpTo(end.back(), event_.text)) return;
+        event_.text.appendCodePoint(inputs_.readChar());
+    } while (!endsWith(event_.text, end));
 }
 
-void DefinitionReader::skipIgnoreSection() {
+void DefinitionReader::skipIgnoredSection() {
     // Sections in an ignored section have an end of their own. The ">" of the last end is left to the caller.
     char16_t before[2] = {};
     for (int sections = 1;;) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/detail/DefinitionTokens.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 #include <lumcommon/xml/detail/XmlParserError.h>
 
 #include <cstdint>
+#include <string_view>
 
 namespace LumCommon::detail {
 
@@ -45,12 +47,11 @@ public:
     void readReferenceInText() { readReference(false); }
 
 private:
-    void readBody(const char16_t* what);
-    void readBodyChar(std::int32_t c, int& nesting);
-    template <class IsEnd>
-    void readUntil(const IsEnd& isEnd);
-    bool isIgnoreSection() const;
-    void skipIgnoreSection();
+    void readBody();
+    void readToken(int& nesting);
+    void copyLiteral(char16_t quote);
+    void copyThrough(std::u16string_view end);
+    void skipIgnoredSection();
     void readReference(bool isInDeclaration);
     void readEntityDecl();
     UnicodeString readEntityValue();
@@ -69,6 +70,7 @@ private:
     EntityTable& entities_;
     const ParserPolicy& policy_;
     ErrorReporter& errors_;
+    DefinitionTokenizer tokens_;
 };
 
 }  // namespace LumCommon::detail

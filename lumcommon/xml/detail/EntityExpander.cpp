@@ -22,7 +22,7 @@ void EntityExpander::expandGeneral(LumName name) {
     if (value.isBogus()) {
         errors_.report(XmlError::UndefinedEntity, name.getString());
     } else if (entities_.isExternal(EntityKind::General, name)) {
-        openExternal(value);
+        openExternal(value, false);
     } else {
         references_.expand(EntityKind::General, name, value);
     }
@@ -33,28 +33,24 @@ void EntityExpander::expandParameter(LumName name, const UnicodeString& value) {
         references_.expand(EntityKind::Parameter, name, value);
         return;
     }
+    const bool isOptional = policy_.forgivesParameterEntityErrors();
+    const ErrorReporter::DropScope drops(errors_, isOptional, 0);
     const std::size_t depth = inputs_.depth();
     try {
-        openExternal(value);
-    } catch (const LumError&) {
-        if (!policy_.forgivesParameterEntityErrors()) throw;
+        openExternal(value, isOptional);
+    } catch (const ErrorReporter::Dropped&) {
         inputs_.popTo(depth);
     }
 }
 
-void EntityExpander::openExternal(const UnicodeString& systemId) {
+void EntityExpander::openExternal(const UnicodeString& systemId, bool isOptional) {
     const LumUri resource(LumUri(inputs_.baseUri()), systemId);
     if (inputs_.streamCount() > maxExternalInputs) {
         errors_.report(XmlError::NestingLimit);
         return;
     }
-    std::unique_ptr<std::istream> in = policy_.opensExternalInputs() ? openInput(resource) : nullptr;
-    if (!in) {
-        if (resource.isFile()) {
-            throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());
-        }
-        return;
-    }
+    std::unique_ptr<std::istream> in = openStream(resource, isOptional);
+    if (!in) return;
     auto input = std::make_unique<XmlInput>();
     input->setStream(in.release(), true);
     input->systemId = resource.getLocalPath();
@@ -64,6 +60,19 @@ void EntityExpander::openExternal(const UnicodeString& systemId) {
     declarations_.detectEncoding(opened);
     declarations_.readTextDecl();
     opened.unleash();
+}
+
+std::unique_ptr<std::istream> EntityExpander::openStream(const LumUri& resource, bool isOptional) const {
+    std::unique_ptr<std::istream> in;
+    try {
+        if (policy_.opensExternalInputs()) in = openInput(resource);
+    } catch (const LumError&) {  // of a resolver
+        if (!isOptional) throw;
+    }
+    if (!in && !isOptional && resource.isFile()) {
+        throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());
+    }
+    return in;
 }
 
 }  // namespace LumCommon::detail

@@ -3,6 +3,13 @@
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 
+#include <istream>
+#include <memory>
+
+namespace LumCommon {
+class LumUri;
+}
+
 namespace LumCommon::detail {
 
 class ErrorReporter;
@@ -31,7 +38,9 @@ public:
     void expandParameter(LumName name, const UnicodeString& value);
 
 private:
-    void openExternal(const UnicodeString& systemId);
+    /// @param isOptional  a resource that cannot be opened is empty.
+    void openExternal(const UnicodeString& systemId, bool isOptional);
+    std::unique_ptr<std::istream> openStream(const LumUri& resource, bool isOptional) const;
 
     ParserEvent& event_;
     InputStack& inputs_;

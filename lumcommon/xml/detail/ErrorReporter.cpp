@@ -22,17 +22,29 @@ void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const Un
     UnicodeString message = makeXmlErrorMessage(code, a, b);
     static constexpr char16_t source[] = u"LumCommon::XmlParserImpl";
     if (listener_) {
-        struct Restore {
-            TokenKind& slot;
-            TokenKind kind;
-            ~Restore() { slot = kind; }
-        } const restore{event_.next, event_.next};
-        event_.next = TokenKind::InCallback;
-        listener_(LumError(code, message, source, -1, -1, UnicodeString()), data_);
+        tellListener(LumError(code, message, source, -1, -1, UnicodeString()));
         return;
     }
+    if (isDropped()) throw Dropped();
     message.append(u'\n').append(describePosition());
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+}
+
+bool ErrorReporter::isDropped() const noexcept { return inputs_.streamCount() > droppedAbove_; }
+
+void ErrorReporter::tellListener(const LumError& error) {
+    struct Restore {
+        TokenKind& slot;
+        TokenKind kind;
+        ~Restore() { slot = kind; }
+    } const restore{event_.next, event_.next};
+    event_.next = TokenKind::InCallback;
+    try {
+        listener_(error, data_);
+    } catch (const LumError&) {
+        if (isDropped()) throw Dropped();
+        throw;
+    }
 }
 
 UnicodeString ErrorReporter::describePosition() const {

@@ -4,6 +4,7 @@
 #include <lumcommon/xml/detail/XmlParserError.h>
 
 #include <cstdint>
+#include <limits>
 
 namespace LumCommon {
 class LumError;
@@ -31,14 +32,39 @@ public:
     /// @param a,b  the arguments of the message.
     void report(XmlError::Code code, const UnicodeString& a = UnicodeString(),
                 const UnicodeString& b = UnicodeString());
+
+    /// Thrown by report() in place of an error that is dropped. It is caught where the scope was set up.
+    struct Dropped {};
+    /// While it lives, and while more than `streams` inputs are open, errors are dropped: a listener is still told, but
+    /// where it does not accept the error, or nobody listens, what was being read is left without an error.
+    class DropScope {
+    public:
+        /// @param applies  false: nothing changes.
+        DropScope(ErrorReporter& errors, bool applies, int streams) noexcept
+            : slot_(errors.droppedAbove_), before_(slot_) {
+            if (applies) slot_ = streams;
+        }
+        ~DropScope() { slot_ = before_; }
+        DropScope(const DropScope&) = delete;
+        DropScope& operator=(const DropScope&) = delete;
+
+    private:
+        int& slot_;
+        const int before_;
+    };
+
     /// The event, the resource, line and column.
     UnicodeString describePosition() const;
 
 private:
+    bool isDropped() const noexcept;
+    void tellListener(const LumError& error);
+
     ParserEvent& event_;
     const InputStack& inputs_;
     Listener listener_ = nullptr;
     void* data_ = nullptr;
+    int droppedAbove_ = std::numeric_limits<int>::max();  // that many open streams errors are dropped
 };
 
 /// A character as an argument of messages; empty at the end of input.
