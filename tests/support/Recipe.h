@@ -15,13 +15,15 @@
 
 namespace LumTest {
 
-/// The rows of a file below tests/data, each filled up to `fields`. Escapes as in C ("\n", "\x20", "\u00E9") stand for
-/// characters that a field cannot hold.
+/// A field whose escapes as in C ("\n", "\x20", "\u00E9") stand for characters that a field cannot hold.
+inline std::string textOf(const icu::UnicodeString& field) { return utf8(field.unescape()); }
+
+/// The rows of a file below tests/data with such fields, each filled up to `fields`.
 inline std::vector<std::vector<std::string>> readTextRows(const std::string& file, std::size_t fields) {
     std::vector<std::vector<std::string>> rows;
     for (const auto& row : readRows(file)) {
         rows.emplace_back();
-        for (const icu::UnicodeString& field : row) rows.back().push_back(utf8(field.unescape()));
+        for (const icu::UnicodeString& field : row) rows.back().push_back(textOf(field));
         rows.back().resize(std::max(fields, row.size()));
     }
     return rows;
@@ -51,11 +53,12 @@ inline std::string numberBytes(std::uint64_t value, unsigned width, bool isLittl
 ///     4:0xFFFE  a number of so many bytes
 ///     NAME      bytes that the test gives this name
 ///     9*ITEM    an item 9 times
-inline std::string recipeBytes(const std::string& recipe, const std::map<std::string, std::string>& names = {},
+inline std::string recipeBytes(const icu::UnicodeString& recipe, const std::map<std::string, std::string>& names = {},
                                bool isLittleEndian = true) {
     static const std::regex item(R"((?:(\d+)\*)?(?:(u?)'([^']*)'|(\d+):([-\w]+)|([^\s']+)))");
+    const std::string items = utf8(recipe);
     std::string bytes;
-    for (std::sregex_iterator at(recipe.begin(), recipe.end(), item), end; at != end; ++at) {
+    for (std::sregex_iterator at(items.begin(), items.end(), item), end; at != end; ++at) {
         const std::smatch& found = *at;
         std::string one;
         if (found[3].matched) {

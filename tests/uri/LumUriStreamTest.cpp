@@ -69,15 +69,12 @@ private:
 TEST_F(LumUriStreamTest, readsResponses) {
     const LoopbackServer target(always("HTTP/1.0 200 OK\r\nContent-Type: t/t\r\n\r\nfound"));
     std::size_t followed = 0;
-    for (const auto& row : LumTest::readTextRows("uri/http.txt", 3)) {
-        SCOPED_TRACE(row[0]);
-        const std::string recipe = LumTest::fillIn(row[1], {{"target", target.url("")}});
-        const LoopbackServer server(always(LumTest::recipeBytes(recipe)));
-        const bool isSuccess = row.size() > 3;
-        const Opened expected{row[2], isSuccess ? row[3] : "untouched",
-                              !isSuccess       ? "(null)"
-                              : row.size() > 4 ? row[4]
-                                               : ""};
+    for (const auto& row : LumTest::readRows("uri/http.txt")) {
+        SCOPED_TRACE(utf8(row[0]));
+        const std::string recipe = LumTest::fillIn(utf8(row[1]), {{"target", target.url("")}});
+        const LoopbackServer server(always(LumTest::recipeBytes(text(recipe))));
+        Opened expected{utf8(row[2]), "untouched", "(null)"};
+        if (row.size() > 3) expected = {utf8(row[2]), utf8(row[3]), row.size() > 4 ? LumTest::textOf(row[4]) : ""};
         EXPECT_EQ(open(server.url("/a")), expected);
         if (expected.body == "found") ++followed;
         EXPECT_EQ(target.getRequests().size(), followed);
