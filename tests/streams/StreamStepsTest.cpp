@@ -151,16 +151,13 @@ TEST(StreamSteps, answerAsTheRowsSay) {
     }
 }
 
-/// Where a virtual operation stands among the others; larger further down.
-template <class Operation>
-std::size_t slotOf(Operation operation) {
-    std::size_t slot = 0;
-    std::memcpy(&slot, &operation, sizeof slot);
-    return slot;
-}
-
 TEST(JZIOobj, virtualOperationsStandInTheirOrder) {
     using Io = JZIOobj;  // an implementation built against the first six must go on working
+    const auto slotOf = [](auto operation) {
+        std::size_t slot = 0;
+        std::memcpy(&slot, &operation, sizeof slot);
+        return slot;
+    };
     const std::size_t slots[] = {slotOf(&Io::Open), slotOf(&Io::Close), slotOf(&Io::Read),  slotOf(&Io::Write),
                                  slotOf(&Io::Seek), slotOf(&Io::Tell),  slotOf(&Io::ReadAt)};
     EXPECT_TRUE(std::ranges::is_sorted(slots));
