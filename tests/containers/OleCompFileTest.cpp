@@ -106,13 +106,6 @@ void addStreams(const std::vector<OleNode>& nodes, const std::string& folder, st
     }
 }
 
-OleDirPath pathOf(const std::string& path) {
-    std::vector<std::string> names;
-    std::istringstream in(path);
-    for (std::string name; std::getline(in, name, '/');) names.push_back(name);
-    return names;
-}
-
 void damage(OleImage& image, const std::string& damages) {
     std::map<std::string, std::uint32_t> sectors = {{"directory", image.firstDirectory},
                                                     {"minifat", image.firstMiniFat},
@@ -173,7 +166,8 @@ TEST(OleCompFile, readsWhatTheRowsSay) {
             }
         }
         for (const auto& [path, data] : streams) {
-            EXPECT_TRUE(isSame(opened.read(pathOf(path)), opened.file.isOpen() ? data : "no stream")) << path;
+            EXPECT_TRUE(isSame(opened.read(LumTest::splitAt('/', path)), opened.file.isOpen() ? data : "no stream"))
+                << path;
         }
     }
     icu::Locale::setDefault(before, status);

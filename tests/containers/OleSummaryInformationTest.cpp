@@ -15,19 +15,10 @@
 
 using namespace LumCommon;
 using LumTest::numberBytes;
+using LumTest::splitAt;
 using LumTest::utf8;
 
 namespace {
-
-std::vector<std::string> splitAt(char separator, const std::string& text) {
-    std::vector<std::string> parts;
-    std::istringstream in(text);
-    for (std::string part; std::getline(in, part, separator);) {
-        const std::size_t first = std::min(part.find_first_not_of(' '), part.size());
-        parts.push_back(part.substr(first, part.find_last_not_of(' ') + 1 - first));
-    }
-    return parts;
-}
 
 /// Writes property sets in either byte order.
 struct PropertyWriter {
@@ -190,11 +181,8 @@ TEST(OleSummaryInformation, answersAsTheRowsSay) {
             SCOPED_TRACE(utf8(row.at(0)) + (littleEndian ? "" : ", big-endian"));
             const bool isSummary = row[1] == u"summary";
             Document document(PropertyWriter{littleEndian}.set(utf8(row[2])), isSummary);
-            for (const std::string& asked : splitAt(';', LumTest::textOf(row[3]))) {
-                const std::size_t equals = asked.find(" =");
-                const std::string answer = asked.substr(std::min(equals + 3, asked.size()));
-                EXPECT_EQ(answerOf(document, asked.substr(0, equals)), answer) << asked;
-            }
+            const auto answer = [&](const std::string& question) { return answerOf(document, question); };
+            LumTest::expectAnswers(LumTest::textOf(row[3]), answer);
         }
     }
 }

@@ -256,9 +256,9 @@ TEST(LumKobOStreamBuf, neverPassesTheLimit) {
             std::ostringstream out;
             LumKobOStreamBuf buffer(&out, utf8(row[1]).c_str(), false, LumKobOStreamBuf::LF_KEEP, true);
             buffer.setLimit(static_cast<unsigned>(std::stoul(utf8(row[3]))));
-            std::istringstream steps(utf8(row[2]));
-            for (std::string kind, recipe; steps >> kind && std::getline(steps, recipe, ';');) {
-                const std::string bytes = recipeBytes(UnicodeString::fromUTF8(recipe));
+            for (const std::string& step : LumTest::splitAt(';', utf8(row[2]))) {
+                const std::string kind = step.substr(0, step.find(' '));
+                const std::string bytes = recipeBytes(UnicodeString::fromUTF8(step.substr(kind.size())));
                 std::istringstream in(bytes);
                 if (kind == "text" && pieceBytes == 1) write(buffer, bytes, 1);
                 if (kind == "text" && pieceBytes != 1)

@@ -100,14 +100,7 @@ std::string answerOf(std::streambuf& buffer, const std::vector<std::string>& ste
 
 template <class Stream>
 void expectSteps(Stream& stream, const std::string& steps) {
-    std::istringstream in(steps);
-    for (std::string step; std::getline(in, step, ';');) {
-        const std::size_t equals = step.find(" = ");
-        const std::string answer = answerOf(stream, wordsOf(step.substr(0, equals)));
-        if (equals == std::string::npos) continue;
-        const std::string expected = step.substr(equals + 3);
-        EXPECT_EQ(answer, expected.substr(0, expected.find_last_not_of(' ') + 1)) << step;
-    }
+    LumTest::expectAnswers(steps, [&stream](const std::string& step) { return answerOf(stream, wordsOf(step)); });
 }
 
 void expectStepsOf(const std::string& made, const std::string& steps, const std::string& path) {
@@ -143,8 +136,7 @@ void expectStepsOf(const std::string& made, const std::string& steps, const std:
 TEST(StreamSteps, answerAsTheRowsSay) {
     const LumTest::TempFolder folder;
     for (const auto& row : LumTest::readRows("streams/steps.txt")) {
-        std::istringstream streams(LumTest::utf8(row.at(1)));
-        for (std::string made; std::getline(streams, made, ',');) {
+        for (const std::string& made : LumTest::splitAt(',', LumTest::utf8(row.at(1)))) {
             SCOPED_TRACE(LumTest::utf8(row[0]) + ": " + made);
             expectStepsOf(made, LumTest::utf8(row.at(2)), folder.getPath() + "file");
         }

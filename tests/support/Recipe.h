@@ -1,9 +1,12 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <map>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +30,29 @@ inline std::vector<std::vector<std::string>> readTextRows(const std::string& fil
         rows.back().resize(std::max(fields, row.size()));
     }
     return rows;
+}
+
+/// The parts of a text between separators, without the blanks around them.
+inline std::vector<std::string> splitAt(char separator, const std::string& text) {
+    std::vector<std::string> parts;
+    std::istringstream in(text);
+    for (std::string part; std::getline(in, part, separator);) {
+        const std::size_t first = std::min(part.find_first_not_of(' '), part.size());
+        parts.push_back(part.substr(first, part.find_last_not_of(' ') + 1 - first));
+    }
+    return parts;
+}
+
+/// Checks questions with their answers, "QUESTION = ANSWER; QUESTION = ANSWER"; one without "=" is only asked.
+/// @param answerOf  gives the answer to a question.
+template <class AnswerOf>
+void expectAnswers(const std::string& questions, AnswerOf answerOf) {
+    for (const std::string& each : splitAt(';', questions)) {
+        const std::size_t equals = each.find(" =");
+        const std::string answer = answerOf(each.substr(0, equals));
+        if (equals == std::string::npos) continue;
+        EXPECT_EQ(answer, each.substr(std::min(equals + 3, each.size()))) << each;
+    }
 }
 
 /// `text` with the value of each name in braces in its place.
