@@ -3,21 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
-#include <istream>
 #include <limits>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 using LumCommon::LumCustomStreamBuf;
-using LumCommon::LumCustomStreamController;
 
 namespace {
 
-class Controller : public LumCustomStreamController {
+class Controller : public LumCommon::LumCustomStreamController {
 public:
     std::string source;
     std::size_t atOnce = std::numeric_limits<std::size_t>::max();
@@ -28,10 +24,8 @@ public:
     bool throws = false;
 
     int read(char* buf, int len) override {
-        if (throws) throw std::runtime_error("read");
         if (source.empty()) return lastResult;
-        const std::size_t count = std::min({atOnce, source.size(), static_cast<std::size_t>(len)});
-        std::memcpy(buf, source.data(), count);
+        const std::size_t count = source.copy(buf, std::min(atOnce, static_cast<std::size_t>(len)));
         source.erase(0, count);
         return static_cast<int>(count);
     }
@@ -50,10 +44,10 @@ std::string pattern(std::size_t size) {
 }
 
 TEST(LumCustomStreamBuf, readsTheSameInAnyPieces) {
+    Controller controller;
     const std::string bytes = pattern(20000);
-    for (const std::size_t atOnce : {1, 2, 3, 5, 4096, 8192, 1 << 20}) {
+    for (const std::size_t atOnce : {1, 5, 8192, 1 << 20}) {
         SCOPED_TRACE(atOnce);
-        Controller controller;
         controller.source = bytes;
         controller.atOnce = atOnce;
         LumCustomStreamBuf buffer(&controller);
@@ -63,13 +57,9 @@ TEST(LumCustomStreamBuf, readsTheSameInAnyPieces) {
         // Also at the end, and over the border between two reads.
         for (std::size_t i = 1; i <= 10; ++i) EXPECT_EQ(buffer.sungetc(), static_cast<unsigned char>(bytes[20000 - i]));
     }
-}
-
-TEST(LumCustomStreamBuf, endsWhenTheControllerHasNothing) {
     // The end, an error, and more than there was room for.
     for (const int lastResult : {0, -5, 8193, std::numeric_limits<int>::max()}) {
         SCOPED_TRACE(lastResult);
-        Controller controller;
         controller.source = "b";
         controller.lastResult = lastResult;
         LumCustomStreamBuf buffer(&controller);
@@ -83,35 +73,20 @@ TEST(LumCustomStreamBuf, endsWhenTheControllerHasNothing) {
     EXPECT_EQ(none.sputc('x'), EOF);
 }
 
-struct WriteCase {
-    const char* fault;
-    std::size_t size;
-    std::vector<int> atOnce;    // the writes before destruction
-    std::vector<int> inTheEnd;  // and after it
-};
-const WriteCase writeCases[] = {
-    {"writes before the area is full", 8201, {}, {8201}},
-    {"loses the byte after a hand-over", 8203, {8202}, {8202, 1}},
-};
-
 TEST(LumCustomStreamBuf, handsOverFullBuffersAndTheRestAtTheEnd) {
-    for (const WriteCase& c : writeCases) {
+    for (const std::size_t size : {8201, 8203}) {  // just no full one, and one with a byte after it
         for (const bool bytewise : {false, true}) {
-            SCOPED_TRACE(c.fault);
-            const std::string bytes = pattern(c.size);
+            SCOPED_TRACE(size);
+            const std::string bytes = pattern(size);
             Controller controller;
             {
                 LumCustomStreamBuf buffer(&controller);
-                if (bytewise) {
-                    for (const char b : bytes) buffer.sputc(b);
-                } else {
-                    buffer.sputn(bytes.data(), static_cast<std::streamsize>(c.size));
-                }
-                EXPECT_EQ(controller.writeSizes, c.atOnce);
-                EXPECT_EQ(std::streamoff(buffer.pubseekoff(-7, std::ios_base::end)),
-                          static_cast<std::streamoff>(c.size));
+                for (const char b : bytewise ? bytes : "") buffer.sputc(b);
+                if (!bytewise) buffer.sputn(bytes.data(), static_cast<std::streamsize>(size));
+                EXPECT_EQ(controller.writeSizes, size == 8203 ? std::vector{8202} : std::vector<int>());
+                EXPECT_EQ(std::streamoff(buffer.pubseekoff(-7, std::ios_base::end)), static_cast<std::streamoff>(size));
             }
-            EXPECT_EQ(controller.writeSizes, c.inTheEnd);
+            EXPECT_EQ(controller.writeSizes, size == 8203 ? (std::vector{8202, 1}) : std::vector{8201});
             EXPECT_EQ(controller.written, bytes);
         }
     }
@@ -133,8 +108,7 @@ TEST(LumCustomStreamBuf, aShortWriteFailsAndKeepsTheBytes) {
         EXPECT_EQ(buffer.flushBuffer(), 0);
         controller.throws = true;
         EXPECT_EQ(buffer.sputn(bytes.data(), 5), 5);
-        EXPECT_THROW(buffer.sputn(bytes.data(), 30000), std::runtime_error);
-        EXPECT_THROW(buffer.sputn(bytes.data(), 30000), std::runtime_error);
+        for (int i = 0; i < 2; ++i) EXPECT_THROW(buffer.sputn(bytes.data(), 30000), std::runtime_error);
     }  // and destruction swallows what is thrown
     EXPECT_EQ(controller.written, bytes.substr(0, 8201));
 }

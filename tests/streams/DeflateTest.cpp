@@ -1,0 +1,236 @@
+// All that reads deflate data - gzip streams, inflating streams and temporary files - judged by zlib, and the writer of
+// gzip data.
+
+#include <gtest/gtest.h>
+#include <lumcommon/streams/LumGzipStream.h>
+#include <lumcommon/streams/LumInflaterStream.h>
+#include <lumcommon/streams/LumTempFile.h>
+
+#include <istream>
+#include <iterator>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/Deflated.h"
+#include "support/PieceStream.h"
+#include "support/Sweeps.h"
+#include "support/TempFolder.h"
+
+using namespace LumCommon;
+using namespace LumTest;
+
+namespace {
+
+std::string readAll(std::streambuf& buffer) { return {std::istreambuf_iterator<char>(&buffer), {}}; }
+
+std::string readGzip(const std::string& data, std::size_t pieceBytes = wholeInput) {
+    PieceStream source(data, pieceBytes);
+    LumGzipStreamBuf buffer(source);
+    EXPECT_TRUE(buffer.is_open());
+    return readAll(buffer);
+}
+
+/// A member whose header has every optional part.
+std::string gzipWithFullHeader(const std::string& bytes) {
+    std::vector<Bytef> extra(300, 0);  // zeros and a length of two bytes
+    std::string name = "name.txt";
+    std::string comment = "a comment";
+    gz_header header{};
+    header.extra = extra.data();
+    header.extra_len = static_cast<uInt>(extra.size());
+    header.name = zlibBytes(name);
+    header.comment = zlibBytes(comment);
+    header.hcrc = 1;
+    return deflated(bytes, Wrapper::GZIP, &header);
+}
+
+/// What deflate data give in a stream, and in a file.
+void expectAsZlib(const std::string& data) {
+    const Inflated judged = inflated(data, Wrapper::RAW);
+    const std::unique_ptr<char[]> exact(new char[data.size()]);  // so that a sanitizer sees a read past the end
+    data.copy(exact.get(), data.size());
+    LumInflaterStreamBuf buffer(exact.get(), data.size(), false);
+    EXPECT_TRUE(readAll(buffer) == delivered(judged));
+    std::ostringstream file;
+    EXPECT_EQ(LumTempFile::inflate(file, zlibBytes(data), data.size()), judged.isComplete);
+    EXPECT_TRUE(!judged.isComplete || file.str() == judged.bytes);
+}
+
+TEST(Deflate, isReadInAnySizesAndPieces) {
+    for (const std::size_t size : {0, 4096, 4097, 100000}) {
+        SCOPED_TRACE(size);
+        for (const std::string& bytes : {compressible(size), std::string(size, 'x')}) {
+            expectAsZlib(deflated(bytes, Wrapper::RAW));
+            expectAsZlib(deflated(bytes, Wrapper::RAW) + "what follows");
+            for (const std::size_t pieceBytes : {std::size_t{4}, wholeInput}) {
+                EXPECT_TRUE(readGzip(deflated(bytes, Wrapper::GZIP), pieceBytes) == bytes);
+                EXPECT_TRUE(readGzip(gzipWithFullHeader(bytes), pieceBytes) == bytes);
+                EXPECT_TRUE(readGzip(bytes, pieceBytes) == bytes);
+            }
+        }
+    }
+}
+
+TEST(Deflate, cutOrFaultyAtAnyByteGivesTheWholePiecesBeforeIt) {
+    const std::string data = gzipWithFullHeader(compressible(9000));
+    std::istringstream member(data);
+    EXPECT_TRUE(LumGzipStreamBuf::checkHeader(member));
+    const auto headerBytes = static_cast<std::size_t>(member.tellg());
+    forEachPrefix(data, [&](const std::string& cut) {
+        const std::string rest = cut.substr(std::min(headerBytes, cut.size()));
+        EXPECT_TRUE(readGzip(cut) == (cut.size() < 4 ? cut : delivered(inflated(rest, Wrapper::RAW))));
+        expectAsZlib(rest);
+    });
+    std::string faulty = data.substr(headerBytes);
+    for (std::size_t place = 0; place < faulty.size() && !HasFailure(); ++place) {
+        SCOPED_TRACE("fault at " + std::to_string(place));
+        const char whole = faulty[place];
+        faulty[place] = static_cast<char>(whole ^ (1 << place % 8));
+        expectAsZlib(faulty);
+        faulty[place] = whole;
+    }
+}
+
+TEST(LumInflaterStream, startsAgain) {
+    for (const bool copy : {false, true}) {
+        SCOPED_TRACE(copy);
+        const std::string bytes = compressible(9000);
+        auto data = std::make_unique<std::string>(deflated(bytes, Wrapper::RAW));
+        LumInflaterStream stream(data->data(), data->size(), copy);
+        if (copy) data.reset();
+        for (const std::size_t read : {20000, 100, 5000, 20000}) {  // to the end, inside, on, and to the end again
+            std::string got(read, '\0');
+            stream.read(got.data(), static_cast<std::streamsize>(read));
+            got.resize(static_cast<std::size_t>(stream.gcount()));
+            EXPECT_EQ(got, bytes.substr(0, read));
+            stream.reset();
+            EXPECT_TRUE(stream.good());
+        }
+    }
+}
+
+TEST(LumGzipStreamBuf, passesOnWhatIsNotGzip) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"reads a header from nothing", ""},
+        {"loses a stream of one byte", "\x1f"},
+        {"loses bytes when the header is shorter than its start", "\x1f\x8b\x08"},
+        {"takes half the mark for gzip", "\x1f\x8cxxxxxxxxxxxxxxxx"},
+        {"takes another method for deflate", std::string("\x1f\x8b\x07\0xxxxxxxxxxxxxxxx", 20)},
+        {"takes reserved flags for known ones", "\x1f\x8b\x08\x20xxxxxxxxxxxxxxxx"},
+        {"loses the first bytes of a long stream", compressible(10000)},
+    };
+    for (const auto& [fault, bytes] : cases) {
+        SCOPED_TRACE(fault);
+        std::istringstream seekable("before" + bytes);
+        seekable.seekg(6);
+        seekable.exceptions(std::ios_base::failbit | std::ios_base::badbit | std::ios_base::eofbit);
+        LumGzipStreamBuf buffer(seekable);
+        EXPECT_TRUE(seekable.good());
+        EXPECT_EQ(readAll(buffer), bytes);
+        EXPECT_EQ(readGzip(bytes), bytes) << "where only putting back is possible";
+    }
+}
+
+TEST(LumGzipStreamBuf, readsNoFurtherThanItIsAskedAndEndsWhereTheSourceFails) {
+    // A thousand bytes for each one of the data: what is not asked for must not be made.
+    PieceStream zeros(deflated(std::string(64 << 20, '\0'), Wrapper::GZIP), 512);
+    LumGzipStreamBuf first(zeros);
+    EXPECT_EQ(first.sgetc(), 0);
+    EXPECT_LE(zeros.getBuffer().getDeliveredBytes(), 8192u);
+
+    PieceStream failing(deflated(compressible(90000), Wrapper::GZIP), 4096);
+    failing.getBuffer().failAfter(3 * 4096);
+    failing.exceptions(std::ios_base::badbit);
+    LumGzipStreamBuf buffer(failing);
+    const std::string got = readAll(buffer);
+    EXPECT_GE(got.size(), 4096u);
+    EXPECT_EQ(got, compressible(90000).substr(0, got.size()));
+}
+
+TEST(LumGzipStreamBuf, opensFiles) {
+    const TempFolder folder;
+    const std::string bytes = compressible(10000);
+    const std::string two = deflated("one", Wrapper::GZIP) + deflated(bytes, Wrapper::GZIP);
+    EXPECT_EQ(readGzip(two), "one") << "what follows the first member of a stream is read";
+    const std::string name = folder.getPath() + "d\xc3\xa9j\xc3\xa0";
+    writeFile(name, two);
+    writeFile(folder.getPath() + "plain", "plain");
+    LumGzipStream stream(new LumGzipStreamBuf(UnicodeString::fromUTF8(name)));
+    EXPECT_TRUE(stream.is_open());
+    EXPECT_EQ(readAll(*stream.rdbuf()), "one" + bytes);
+
+    LumGzipStreamBuf buffer(name.c_str());
+    buffer.sbumpc();
+    EXPECT_TRUE(buffer.open((folder.getPath() + "plain").c_str()));
+    EXPECT_EQ(readAll(buffer), "plain") << "bytes of the former file are left";
+    EXPECT_FALSE(buffer.open(UnicodeString::fromUTF8(name).append(char16_t{0}).append(u'x'))) << "cut at a zero";
+    EXPECT_FALSE(buffer.open((folder.getPath() + "missing").c_str()));
+    EXPECT_FALSE(buffer.open(folder.getPath().c_str()));
+    EXPECT_FALSE(buffer.open(static_cast<const char*>(nullptr)));
+    EXPECT_FALSE(buffer.is_open());
+    EXPECT_EQ(buffer.sgetc(), EOF);
+}
+
+TEST(LumGzipOStreamBuf, writesWhatZlibReads) {
+    const TempFolder folder;
+    const std::string path = folder.getPath() + "out.gz";
+    for (const std::size_t size : {0, 4096, 4097, 300000}) {
+        SCOPED_TRACE(size);
+        const std::string bytes = compressible(size);
+        std::ostringstream target;
+        {
+            LumGzipOStreamBuf buffer(target);
+            for (std::size_t i = 0; i < size; i += 1000) {
+                const std::size_t count = std::min<std::size_t>(1000, size - i);
+                buffer.sputn(bytes.data() + i, static_cast<std::streamsize>(count));
+            }
+        }
+        const Inflated judged = inflated(target.str(), Wrapper::GZIP);  // it checks the trailer as well
+        EXPECT_TRUE(judged.isComplete);
+        EXPECT_EQ(judged.usedBytes, target.str().size()) << "more than one member";
+        EXPECT_EQ(judged.bytes, bytes);
+        {
+            LumGzipOStreamBuf buffer(UnicodeString::fromUTF8(path));
+            std::ostream(&buffer) << bytes;
+        }
+        EXPECT_EQ(readFile(path), target.str());
+    }
+}
+
+TEST(LumGzipOStreamBuf, aFlushCompletesTheMember) {
+    std::ostringstream target;
+    LumGzipOStreamBuf buffer(target);
+    std::ostream out(&buffer);
+    out << "abc" << std::flush;
+    EXPECT_TRUE(out.good());
+    EXPECT_FALSE(buffer.is_open());
+    const std::string complete = target.str();
+    EXPECT_EQ(readGzip(complete), "abc");
+    out << std::flush;
+    EXPECT_TRUE(out.good()) << "a second flush, with nothing to do, fails";
+    out << "def";
+    EXPECT_TRUE(out.bad()) << "bytes vanish without a word";
+    EXPECT_EQ(buffer.encodeBuffer(Z_FINISH), -1);
+    EXPECT_EQ(target.str(), complete);
+}
+
+TEST(LumGzipOStreamBuf, tellsThatItsTargetFails) {
+    LumGzipOStreamBuf missing(UnicodeString(u"no/such/folder/out.gz"));
+    EXPECT_FALSE(missing.is_open());
+    EXPECT_EQ(missing.sputc('x'), EOF);
+    EXPECT_EQ(missing.pubsync(), -1);
+    std::ostream closed(nullptr);
+    LumGzipOStreamBuf nowhere(closed);
+    LumGzipOStreamBuf full(UnicodeString(u"/dev/full"));  // what stays in the file's own buffer is not written
+    for (LumGzipOStreamBuf* const buffer : {&nowhere, &full}) {
+        EXPECT_EQ(buffer->sputc('x'), 'x');
+        EXPECT_EQ(buffer->pubsync(), -1);
+        EXPECT_EQ(buffer->pubsync(), -1) << "the failure is forgotten";
+    }
+}
+
+}  // namespace
