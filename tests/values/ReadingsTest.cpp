@@ -48,7 +48,8 @@ std::string colored(const Fields& fields) {
     const LumColor color(value);
     if (color.isInvalid()) {
         EXPECT_EQ(value.getColorValue().getRGB(), LumColor::RGB_INVALID);
-        return value.getTypeWord() == KIND_STRING ? "-" : described(value);
+        const bool isKept = value.getTypeWord() == KIND_STRING && value.toString() == fields[0];
+        return isKept ? "-" : described(value);
     }
     EXPECT_TRUE(LumColor(LumValue(color)) == color && LumValue(color) == LumValue(LumColor(LumValue(color))));
     for (const bool svgForm : {false, true}) {
