@@ -2,158 +2,55 @@
 
 #include <lumcommon/format/LumUtil.h>
 #include <support/CommaLocale.h>
+#include <support/DataRows.h>
 #include <support/Utf8.h>
 
+#include <unicode/normalizer2.h>
+#include <unicode/rbnf.h>
+#include <unicode/uchar.h>
+
 #include <climits>
-#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <limits>
+#include <set>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
 using namespace LumCommon;
+using LumTest::Fields;
 using LumTest::utf8;
 
-constexpr unsigned either = LumUtil::QUOTE_DOUBLE | LumUtil::QUOTE_SINGLE;
-constexpr unsigned doubled = LumUtil::QUOTE_SINGLE | LumUtil::QUOTE_DOUBLING;
-constexpr unsigned css = LumUtil::QUOTE_CSS;
-
-TEST(LumUtil, quotes) {
-    struct Case {
-        const char* fault;
-        const char* text;
-        unsigned mode;
-        const char* quoted;
-    };
-    constexpr Case cases[] = {
-        {"apostrophe decides", "it's", either, "\"it's\""},
-        {"quotation mark ignored", "a\"b", either, "'a\"b'"},
-        {"both kinds", "a\"b'", either, "\"a\"b'\""},
-        {"no quotes asked", "a'b", 0, "a'b"},
-        {"not doubled", "it's", doubled, "'it''s'"},
-        {"doubled without quotes", "it's", LumUtil::QUOTE_DOUBLING, "it's"},
-        {"backslash before a digit", "\\A", either | css, "\"\\5C A\""},
-        {"space swallowed", "\n x", either | css, "\"\\A  x\""},
-        {"space that is not needed", "\\x\n", either | css, "\"\\5Cx\\A\""},
-        {"form feed and return", "\f\r", css, "\\C \\D"},
-        {"other quote escaped", "'\"", LumUtil::QUOTE_SINGLE | css, "'\\27\"'"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(utf8(LumUtil::quoteString(UnicodeString::fromUTF8(c.text), c.mode)), c.quoted) << c.fault;
-    EXPECT_EQ(utf8(LumUtil::quoteUri(u"a\"b")), "url(\"a%22b\")");
-    EXPECT_EQ(utf8(LumUtil::unquoteUri(u"url( 'a.png' )")), "a.png");
+unsigned quotingOf(const UnicodeString& letters) {
+    static_assert(LumUtil::QUOTE_DOUBLE == 1 && LumUtil::QUOTE_SINGLE == 2 && LumUtil::QUOTE_DOUBLING == 4);
+    unsigned mode = 0;
+    for (unsigned bit = 0; bit < 4; ++bit) mode |= letters.indexOf(u"ds2c"[bit]) < 0 ? 0 : 1u << bit;
+    return mode;
 }
 
-TEST(LumUtil, unquotes) {
-    struct Case {
-        const char* fault;
-        std::string text;
-        unsigned mode;
-        const char* result;
-    };
-    const Case cases[] = {
-        {"white space around", " 'a' \n", either, "a"},
-        {"wrong quote", "'a'", LumUtil::QUOTE_DOUBLE, "a"},
-        {"wrong quote where escapes matter", "'a'", LumUtil::QUOTE_DOUBLE | css, "(bogus)"},
-        {"no quote", "abc", either, "(bogus)"},
-        {"quote inside a plain string", "'a'b'", either, "a'b"},
-        {"quote inside a doubling string", "'a'b'", doubled, "(bogus)"},
-        {"one quote twice used", "'", either, "(bogus)"},
-        {"doubled quote", "'it''s'", doubled, "it's"},
-        {"open", "'it''", doubled, "(bogus)"},
-        {"empty text", "", either, "(bogus)"},
-        {"empty text without quotes", "", 0, ""},
-        {"escape and its space", "\\41 B", css, "AB"},
-        {"seventh digit", "\\0000410", css, "A0"},
-        {"escaped close", "\"a\\\"", either | css, "(bogus)"},
-        {"line continuation", "\"a\\\r\nb\\\nc\"", either | css, "abc"},
-        {"no character", "\\0 \\110000 \\D800 x", css, "\uFFFD\uFFFD\uFFFDx"},
-        {"supplementary character", "\\1F600", css, "\U0001F600"},
-        {"backslash at the end", "a\\", css, "a\\"},
-        {"cut at U+0000", std::string("'a'\0", 4), either, "(bogus)"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(utf8(LumUtil::unquoteString(UnicodeString::fromUTF8(c.text), c.mode)), c.result) << c.fault;
-}
+int integerOf(const UnicodeString& field) { return static_cast<int>(LumTest::numberOf(field)); }
 
-TEST(LumUtil, whatIsQuotedUnquotesToItself) {
-    const UnicodeString units(u"a1 '\"\\\n\r\f\t\U0001F600");
-    const int count = units.length();
-    for (const unsigned mode : {doubled, either | css, LumUtil::QUOTE_DOUBLE | css, LumUtil::QUOTE_SINGLE | css,
-                                either | LumUtil::QUOTE_DOUBLING}) {
-        for (int i = 0; i < count * count * count; ++i) {
-            const char16_t content[] = {units[i % count], units[i / count % count], units[i / count / count]};
-            const UnicodeString text(content, 3);
-            const UnicodeString quoted = LumUtil::quoteString(text, mode);
-            ASSERT_EQ(LumUtil::unquoteString(quoted, mode), text) << utf8(quoted) << " in mode " << mode;
-        }
-    }
-}
-
-TEST(LumUtil, parsesStringsInPlace) {
-    const char16_t* const source = u"'a' b";
+std::string number(const Fields& fields) {
+    UnicodeString text = fields[0];
+    const char16_t* const begin = text.getTerminatedBuffer();
     const char16_t* end = nullptr;
-    EXPECT_EQ(utf8(LumUtil::parseString(source, end, either)), "a");
-    EXPECT_EQ(end, source + 3);
-    EXPECT_EQ(utf8(LumUtil::parseString(source, end, LumUtil::QUOTE_DOUBLE)), "(bogus)");
-    EXPECT_EQ(end, source);
-    EXPECT_EQ(utf8(LumUtil::parseString(source, end, 0)), "'a' b");
-    EXPECT_EQ(end, source + 5);
+    bool hasFraction = true;
+    const double value = LumUtil::parseNumber(begin, end, &hasFraction);
+    return LumTest::printed(value) + " " + std::to_string(end - begin) + (hasFraction ? " point" : "");
 }
 
-TEST(LumUtil, scansNumbersInEveryLocale) {
-    struct Case {
-        const char* fault;
-        const char16_t* text;
-        double value;
-        int consumed;
-        bool hasFraction;
-    };
-    constexpr Case cases[] = {
-        {"sign", u" -12.5x", -12.5, 6, true},     {"plus", u"+3", 3, 2, false},
-        {"leading point", u".25", 0.25, 3, true}, {"trailing point", u"3.", 3, 2, true},
-        {"second point", u"1.2.3", 1.2, 3, true}, {"exponent", u"1e3", 1, 1, false},
-        {"comma", u"1,5", 1, 1, false},           {"sign alone", u" - 1", 0, 0, false},
-        {"point alone", u".", 0, 0, false},       {"leading zeros", u"0007", 7, 4, false},
-        {"only zeros", u"000", 0, 3, false},      {"other digits", u"\u0661", 0, 0, false},
-    };
-    const LumTest::CommaLocale locale;
-    if (!locale.isActive()) GTEST_LOG_(WARNING) << "no locale with a decimal comma, and none could be compiled";
+std::string hexadecimal(const Fields& fields) {
+    UnicodeString text = fields[0];
+    const char16_t* const begin = text.getTerminatedBuffer();
     const char16_t* end = nullptr;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.fault);
-        bool hasFraction = !c.hasFraction;
-        EXPECT_EQ(LumUtil::parseNumber(c.text, end, &hasFraction), c.value);
-        EXPECT_EQ(end - c.text, c.consumed);
-        EXPECT_EQ(hasFraction, c.hasFraction);
-    }
-    std::u16string digits(400, u'9');
-    EXPECT_TRUE(std::isinf(LumUtil::parseNumber(digits.c_str(), end)));
-    EXPECT_EQ(end, digits.c_str() + 400);
-    digits = u"0." + std::u16string(400, u'0') + u"1";
-    EXPECT_EQ(LumUtil::parseNumber(digits.c_str(), end), 0);
-    EXPECT_EQ(*end, u'\0');
-}
-
-TEST(LumUtil, scansHexadecimalNumbers) {
-    struct Case {
-        const char* fault;
-        const char16_t* text;
-        int maxDigits;
-        std::uint32_t value;
-        int consumed;
-    };
-    constexpr Case cases[] = {
-        {"both cases", u"fFg", -1, 0xFF, 2},        {"limit", u"12345", 2, 0x12, 2},
-        {"no digit allowed", u"1", 0, 0, 0},        {"no digit there", u" g", -1, 0, 0},
-        {"wraps", u"100000001", -1, 0xFFFFFFFF, 9}, {"leading zeros", u"0000000001", -1, 1, 10},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.fault);
-        const char16_t* end = nullptr;
-        EXPECT_EQ(LumUtil::parseHexNum(c.text, end, c.maxDigits), c.value);
-        EXPECT_EQ(end - c.text, c.consumed);
-    }
+    char result[32];
+    const std::uint32_t value = LumUtil::parseHexNum(begin, end, integerOf(fields[1]));
+    std::snprintf(result, sizeof result, "%X %td", value, end - begin);
+    return result;
 }
 
 std::string decode(const UnicodeString& text, int length) {
@@ -162,16 +59,81 @@ std::string decode(const UnicodeString& text, int length) {
     return out.str();
 }
 
-TEST(LumUtil, writesAndReadsBase64) {
-    // RFC 4648, section 10: one vector for each length of padding.
-    const std::pair<const char*, const char*> vectors[] = {
-        {"", ""}, {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"}};
-    for (const auto& [bytes, text] : vectors) {
-        std::istringstream in(bytes);
-        EXPECT_EQ(utf8(LumUtil::encodeBase64(in, 100)), text);
-        EXPECT_EQ(decode(text, 100), bytes);
-    }
-    // Around the size of a block, with every byte value.
+std::string encode(const Fields& fields) {
+    std::istringstream in(utf8(fields[0]));
+    const UnicodeString text = LumUtil::encodeBase64(in, 100);
+    EXPECT_EQ(decode(text, 100), utf8(fields[0]));
+    return utf8(text);
+}
+
+/// What a writer of units writes into a heap block of just `room` units, so that one more is seen by a sanitizer.
+template <class Write>
+std::string written(int room, Write write) {
+    std::vector<char16_t> buffer(static_cast<std::size_t>(room));
+    const char16_t* const end = write(buffer.data());
+    return utf8(UnicodeString(buffer.data(), static_cast<std::int32_t>(end - buffer.data())));
+}
+
+std::string roman(const Fields& fields) {
+    const std::vector<char16_t> table(fields[1].getBuffer(), fields[1].getBuffer() + fields[1].length());
+    return written(LumUtil::ROMAN_MAX, [&](char16_t* buffer) {
+        return LumUtil::makeRoman(buffer, integerOf(fields[0]), table.data(), integerOf(fields[2]), fields[3][0]);
+    });
+}
+
+std::string letters(const Fields& fields) {
+    return written(integerOf(fields[2]), [&](char16_t* buffer) {
+        return LumUtil::makeABCSeq1(buffer, integerOf(fields[0]), u'a', integerOf(fields[1]));
+    });
+}
+
+std::string hebrew(const Fields& fields) {
+    UnicodeString text(u"|");
+    LumUtil::makeHebrewNum(text, integerOf(fields[0]), u",", 1, integerOf(fields[1]));
+    return utf8(text);
+}
+
+TEST(LumUtil, readsAndWritesTextsInEveryLocale) {
+    const LumTest::CommaLocale locale;
+    if (!locale.isActive()) GTEST_LOG_(WARNING) << "no locale with a decimal comma, and none could be compiled";
+    LumTest::checkRows(
+        "format/texts.txt",
+        {{"quote", [](const Fields& f) { return utf8(LumUtil::quoteString(f[0], quotingOf(f[1]))); }},
+         {"unquote", [](const Fields& f) { return utf8(LumUtil::unquoteString(f[0], quotingOf(f[1]))); }},
+         {"quoteUri", [](const Fields& f) { return utf8(LumUtil::quoteUri(f[0])); }},
+         {"unquoteUri", [](const Fields& f) { return utf8(LumUtil::unquoteUri(f[0])); }},
+         {"number", number},
+         {"roman", roman},
+         {"letters", letters},
+         {"hebrew", hebrew},
+         {"hexadecimal", hexadecimal},
+         {"encode", encode},
+         {"decode", [](const Fields& f) { return decode(f[0], integerOf(f[1])); }}});
+    EXPECT_EQ(written(2, [](char16_t* b) { return LumUtil::makeABCNum1(b, 5, u"xyz", 3); }), "xy");
+    EXPECT_EQ(utf8(LumUtil::toString(INT_MIN)), "-2147483648");
+    EXPECT_EQ(utf8(LumUtil::toString(1000000007L)), "1000000007");
+    EXPECT_EQ(utf8(LumUtil::toString(-5000000000000000000LL)), "-5000000000000000000") << "chunk of zeros";
+    EXPECT_EQ(utf8(LumUtil::toString(LLONG_MIN)), "-9223372036854775808");
+    EXPECT_EQ(utf8(LumUtil::toString(1234567.5)), "1.23457e+06");
+    EXPECT_EQ(utf8(LumUtil::toString(-0.5)), "-0.5");
+    EXPECT_EQ(utf8(LumUtil::toString(-std::numeric_limits<double>::infinity())), "-inf");
+    UnicodeString text(u"|");
+    LumUtil::toString64Sub(text, 18446744073709551615u);
+    EXPECT_EQ(utf8(text), "|18446744073709551615");
+}
+
+TEST(LumUtil, parsesStringsInPlace) {
+    const char16_t* const source = u"'a' b";
+    const char16_t* end = nullptr;
+    EXPECT_EQ(utf8(LumUtil::parseString(source, end, LumUtil::QUOTE_SINGLE)), "a");
+    EXPECT_EQ(end, source + 3);
+    EXPECT_EQ(utf8(LumUtil::parseString(source, end, LumUtil::QUOTE_DOUBLE)), "(bogus)");
+    EXPECT_EQ(end, source);
+    EXPECT_EQ(utf8(LumUtil::parseString(source, end, 0)), "'a' b");
+    EXPECT_EQ(end, source + 5);
+}
+
+TEST(LumUtil, base64TakesBlocksOfEverySize) {
     for (const std::size_t size : {3071u, 3072u, 3073u, 6145u}) {
         std::string bytes(size, '\0');
         for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7);
@@ -185,28 +147,187 @@ TEST(LumUtil, writesAndReadsBase64) {
     EXPECT_EQ(utf8(LumUtil::encodeBase64(in, -1, u"image/png", u"")), "data:image/png;base64,");
     for (const auto& [value, digit] : {std::pair{25u, u'Z'}, {26u, u'a'}, {52u, u'0'}, {62u, u'+'}, {63u, u'/'}})
         EXPECT_EQ(LumUtil::stEncode(value), digit);
-}
-
-TEST(LumUtil, decodesGarbageWithoutHarm) {
-    struct Case {
-        const char* fault;
-        const char* text;
-        int length;
-        const char* bytes;
-    };
-    constexpr Case cases[] = {
-        {"line ends", "Zm\r\n9v", 100, "foo"},
-        {"no padding", "Zm8", 100, "fo"},
-        {"text after the padding", "Zg==Zg==", 100, "f"},
-        {"one digit", "Z", 100, ""},
-        {"other characters", "\u00E9Z\u4E00m-9_v", 100, "foo"},
-        {"length not kept to", "Zm9vYmFy", 4, "foo"},
-        {"negative length", "Zm9v", -1, ""},
-    };
-    for (const Case& c : cases) EXPECT_EQ(decode(UnicodeString::fromUTF8(c.text), c.length), c.bytes) << c.fault;
     std::ostringstream out;
     out.setstate(std::ios::badbit);
     EXPECT_FALSE(LumUtil::decodeBase64(u"Zm9v", 4, out));
+}
+
+std::string formatted(const Fields& fields) {
+    std::istringstream numbers(utf8(fields[4]));
+    UnicodeString all;
+    for (int number; numbers >> number; all.append(u' ')) {
+        UnicodeString text =
+            LumUtil::formatNumber(number, fields[0], fields[1], integerOf(fields[2]), LumLang(fields[3]), NAME_block);
+        all.append(text.findAndReplace(u" ", u"_"));
+    }
+    return utf8(all.trim());
+}
+
+TEST(LumUtilNumbers, areWhatTheFileSays) { LumTest::checkRows("format/numbers.txt", {{"format", formatted}}); }
+
+struct Alphabet {
+    UnicodeString token;
+    std::string language;
+    UnicodeString letters;
+};
+
+/// Every alphabet of the list, with each token that counts in it.
+std::vector<Alphabet> readAlphabets() {
+    const UnicodeString latin(u"Aa");
+    std::vector<Alphabet> alphabets;
+    std::ifstream in(LUM_TEST_DATA "/../../lumcommon/format/alphabets.txt");
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream fields(line);
+        std::string name, script, count, upper, lowerCount, lower;
+        fields >> name >> script >> count >> upper >> lowerCount >> lower;
+        if (name.empty() || name == "#") continue;
+        if (upper.empty()) {  // a line of name, count and letters only
+            const UnicodeString letters = UnicodeString::fromUTF8(count);
+            const bool hasToken = name.find("DIGITS") == std::string::npos;
+            if (hasToken) alphabets.push_back({UnicodeString(letters[0]), "", letters});
+            continue;
+        }
+        const UnicodeString own = script == "greek" ? u"\u0391\u03B1" : script == "cyrillic" ? u"\u0410\u0430" : latin;
+        for (const UnicodeString& tokens : std::set{latin, own}) {
+            const bool isWithoutUpper = upper == "-";
+            alphabets.push_back(
+                {tokens[0], name, UnicodeString::fromUTF8(isWithoutUpper ? "ABCDEFGHIJKLMNOPQRSTUVWXYZ" : upper)});
+            alphabets.push_back({tokens[1], name, UnicodeString::fromUTF8(lower)});
+        }
+    }
+    return alphabets;
+}
+
+// The judge reads the letters back: bijective base N has one number for each sequence of letters.
+TEST(LumUtilNumbers, everyAlphabetCountsBijectively) {
+    const std::vector<Alphabet> alphabets = readAlphabets();
+    ASSERT_EQ(alphabets.size(), 15u + 2 * (36 + 9));
+    for (const Alphabet& alphabet : alphabets) {
+        SCOPED_TRACE(utf8(alphabet.token) + " " + alphabet.language);
+        const LumLang language(alphabet.language.c_str());
+        std::int32_t length = 0;
+        for (int number = 1; number <= 20000; ++number) {
+            const UnicodeString text = LumUtil::formatNumber(number, alphabet.token, UnicodeString(), 0, language);
+            int read = 0;
+            for (std::int32_t i = 0; i < text.length(); ++i) {
+                const std::int32_t index = alphabet.letters.indexOf(text[i]);
+                ASSERT_GE(index, 0) << number << ": " << utf8(text);
+                read = read * alphabet.letters.length() + index + 1;
+            }
+            ASSERT_EQ(read, number) << utf8(text);
+            ASSERT_GE(text.length(), length);
+            length = text.length();
+        }
+    }
+}
+
+TEST(LumUtilNumbers, romanNumeralsAgreeWithSubtractionAndNormalisation) {
+    const std::pair<int, const char16_t*> steps[] = {
+        {10000, u"\u2182"}, {9000, u"M\u2182"}, {5000, u"\u2181"}, {4000, u"M\u2181"}, {1000, u"M"}, {900, u"CM"},
+        {500, u"D"},        {400, u"CD"},       {100, u"C"},       {90, u"XC"},        {50, u"L"},   {40, u"XL"},
+        {10, u"X"},         {9, u"IX"},         {5, u"V"},         {4, u"IV"},         {1, u"I"}};
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* compatible = icu::Normalizer2::getNFKCInstance(status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    for (int number = 1; number <= 39999; ++number) {
+        UnicodeString expected;
+        int rest = number;
+        for (const auto& [value, letters] : steps) {
+            for (; rest >= value; rest -= value) expected.append(letters, -1);
+        }
+        const UnicodeString tokens(number > 3999 ? u"I\uFF29\u2160" : u"I\uFF29\u2160i\uFF49\u2170");
+        for (int i = 0; i < tokens.length(); ++i) {
+            const UnicodeString text = compatible->normalize(LumUtil::formatNumber(number, tokens[i]), status);
+            if (i == 3) expected.toLower(icu::Locale::getRoot());
+            ASSERT_EQ(text, expected) << number << ' ' << utf8(tokens[i]) << ' ' << utf8(text);
+        }
+    }
+}
+
+// ICU writes the same letters; it marks numerals with geresh and gershayim, closes thousands with geresh where we put a
+// space, and ends some numerals with the final form of pe. Those marks are taken out. Its remaining habits are listed.
+TEST(LumUtilNumbers, hebrewAgreesWithIcu) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::RuleBasedNumberFormat icuFormat(icu::URBNF_NUMBERING_SYSTEM, icu::Locale::getRoot(), status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    const auto bare = [](UnicodeString text) {
+        for (const char16_t* mark : {u"\u05F3", u"\u05F4", u" "}) text.findAndReplace(mark, u"");
+        return text.findAndReplace(u"\u05E3", u"\u05E4");
+    };
+    // Numerals that ICU puts into another order, as they spell words of bad luck.
+    const std::set<int> reordered = {298, 304, 344, 698, 744};
+    std::set<int> different;
+    for (int number = 1; number < 1000000; number += number < 20000 ? 1 : 97) {
+        UnicodeString theirs;
+        icu::FieldPosition position;
+        icuFormat.format(number, u"%hebrew", theirs, position, status);
+        const UnicodeString ours = LumUtil::formatNumber(number, u"\u05D0");
+        if (bare(ours) == bare(theirs)) continue;
+        const int thousands = number / 1000;
+        const int part = reordered.contains(thousands) ? thousands : number % 1000;
+        EXPECT_TRUE(reordered.contains(part)) << number << ": " << utf8(ours) << ", ICU " << utf8(theirs);
+        different.insert(part);
+    }
+    EXPECT_EQ(different, reordered) << "a listed difference has gone";
+}
+
+TEST(LumUtilNumbers, digitsOfEveryScriptHaveTheirValues) {
+    constexpr int ours = 18;  // scripts whose digits are written; younger ones are not
+    int written = 0;
+    for (UChar32 one = 1; one < 0x10000; ++one) {
+        if (u_charType(one) != U_DECIMAL_DIGIT_NUMBER || u_charDigitValue(one) != 1) continue;
+        SCOPED_TRACE(one);
+        const UnicodeString alone = LumUtil::formatNumber(1, UnicodeString(one));
+        const UnicodeString padded =
+            LumUtil::formatNumber(1023456789, UnicodeString(one - 1).append(UnicodeString(11, one, 11)));
+        written += alone[0] == one;
+        if (alone == u"1" && one != u'1') continue;
+        ASSERT_EQ(padded.length(), 12);
+        for (std::int32_t i = 0; i < padded.length(); ++i) {
+            EXPECT_EQ(u_charDigitValue(padded[i]), "001023456789"[i] - '0');
+            EXPECT_EQ(u_charType(padded[i]), U_DECIMAL_DIGIT_NUMBER);
+        }
+    }
+    EXPECT_EQ(written, ours);
+}
+
+TEST(LumUtilNumbers, longFormatsAndSeparators) {
+    constexpr int many = 100000;
+    const UnicodeString zeros(many, u'0', many);
+    const UnicodeString padded = LumUtil::formatNumber(INT_MIN, zeros + u"1");
+    EXPECT_EQ(padded.length(), many + 1);
+    EXPECT_EQ(utf8(UnicodeString(padded, 0, 3)), "-00");
+    EXPECT_TRUE(padded.endsWith(u"02147483648"));
+
+    const UnicodeString dashes(many, u'-', many);
+    EXPECT_EQ(LumUtil::formatNumber(2, dashes + u"a" + dashes), dashes + u"b" + dashes);
+    const UnicodeString wide(many, 0x3042, many);
+    EXPECT_EQ(LumUtil::formatNumber(many + 1, wide).length(), 2);
+
+    const UnicodeString grouped = LumUtil::formatNumber(7, zeros + u"1", u"<>", 1);
+    EXPECT_EQ(grouped.length(), 3 * many + 1);
+    EXPECT_TRUE(grouped.startsWith(u"0<>0<>") && grouped.endsWith(u"<>0<>7"));
+    // 10^10 units are no string.
+    EXPECT_TRUE(LumUtil::formatNumber(7, zeros + u"1", dashes, 1).isBogus());
+    // Prefix and suffix must not hide it.
+    EXPECT_TRUE(LumUtil::formatNumber(7, u"(" + zeros + u"1)", dashes, 1).isBogus());
+    EXPECT_EQ(utf8(LumUtil::makeGrouping(u"\U0001D7D8\U0001D7D9\U0001D7DA", u",", 2)),
+              "\U0001D7D8,\U0001D7D9\U0001D7DA");
+}
+
+// Meant for the thread sanitizer as much as for its expectations: nobody has formatted before.
+TEST(LumUtilNumbersThreads, formatFirstAtOnce) {
+    std::vector<std::thread> threads;
+    for (int self = 0; self < 8; ++self) {
+        threads.emplace_back([self] {
+            if (self % 2 == 0) LumUtil::loadAlphabets();
+            for (int round = 0; round < 200; ++round) {
+                EXPECT_EQ(utf8(LumUtil::formatNumber(27, u"a", UnicodeString(), 0, LumLang("sv-SE"))), "\u00E5");
+                EXPECT_EQ(utf8(LumUtil::formatNumber(47, u"\u3042")), "\u3042\u3042");
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <lumcommon/lang/LumLang.h>
+#include <lumcommon/lang/LumScript.h>
+#include <support/DataRows.h>
 #include <support/Utf8.h>
+
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
 
 #include <map>
 #include <string>
@@ -9,71 +14,51 @@
 namespace {
 
 using namespace LumCommon;
+using LumTest::Fields;
 using LumTest::utf8;
 
 // ICU judges the table: it must know what every code becomes.
-TEST(LumLang, bibliographicCodesBecomeWhatIcuKnows) {
-    const std::map<std::string, const char*> languages = {
-        {"alb", "sq"}, {"arm", "hy"}, {"baq", "eu"}, {"bur", "my"}, {"chi", "zh"}, {"scr", "hr"},
-        {"cze", "cs"}, {"dut", "nl"}, {"fre", "fr"}, {"geo", "ka"}, {"ger", "de"}, {"gre", "el"},
-        {"ice", "is"}, {"jav", "jw"}, {"mac", "mk"}, {"may", "ms"}, {"mao", "mi"}, {"per", "fa"},
-        {"rum", "ro"}, {"scc", "sr"}, {"slo", "sk"}, {"tib", "bo"}, {"wel", "cy"}, {"none", ""},
-    };
-    ASSERT_EQ(languages.size(), std::size_t{ISO639Bibliographic::COUNT});
-    for (const auto& [code, language] : languages) {
-        EXPECT_NE(utf8(ISO639Bibliographic::get(code.c_str())), code);
-        EXPECT_STREQ(LumLang(code.c_str()).getLanguage(), language) << code;
-    }
+std::string bibliographic(const Fields& fields) {
+    const std::string code = utf8(fields[0]);
+    EXPECT_NE(utf8(ISO639Bibliographic::get(code.c_str())), code);
+    return LumLang(code.c_str()).getLanguage();
 }
 
-TEST(LumLang, onlyACodeAtTheStartIsRewritten) {
-    struct Case {
-        const char* fault;
-        const char* tag;
-        const char* result;
-    };
-    constexpr Case cases[] = {
-        {"rest lost", "fre-FR", "fra-FR"},
-        {"underscore does not end a code", "fre_CA", "fra_CA"},
-        {"letter behind Z taken for one", "fre[", "fra["},
-        {"lower-case letter ends a code", "fren", "fren"},
-        {"upper-case letter ends a code", "freN", "freN"},
-        {"letter beyond ASCII taken for one", "fre\u00E9", "fra\u00E9"},
-        {"case ignored", "FRE", "FRE"},
-        {"none with a country", "none-DE", "none-DE"},
-        {"code inside a tag", "de-ger", "de-ger"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(utf8(s_ISO639Bibliographic.get(UnicodeString::fromUTF8(c.tag))), c.result) << c.fault;
-    }
+std::string locale(const Fields& fields) {
+    const LumLang lang = fields[1].isEmpty() ? LumLang(fields[0]) : LumLang(fields[0], fields[1]);
+    const std::string name = lang.getName();
+    EXPECT_EQ(lang.isEmpty(), name.empty() || name[0] == '_');
+    return name;
 }
 
-TEST(LumLang, isTheLocaleOfItsTag) {
-    struct Case {
-        const char* fault;
-        LumLang lang;
-        const char* locale;
-    };
+std::string script(const Fields& fields) {
+    const LumScript script(fields[0]);
+    EXPECT_EQ(LumScript(LumName(fields[0])), script);
+    const std::string name = utf8(script.getScriptCode().getString());
+    return std::to_string(script.getCode()) + " " + (name.empty() ? "-" : name) + " " + utf8(script.getA());
+}
+
+TEST(LumLang, tagsNameLanguagesAndScripts) {
     const icu::Locale before = icu::Locale::getDefault();
     UErrorCode error = U_ZERO_ERROR;
     icu::Locale::setDefault(icu::Locale("tr_TR"), error);
-    const Case cases[] = {
-        {"process default taken", LumLang(), ""},
-        {"process default taken for an empty tag", LumLang(u""), ""},
-        {"null", LumLang(static_cast<const char*>(nullptr)), ""},
-        {"null name", LumLang(LumName()), ""},
-        {"none", LumLang(NAME_none), ""},
-        {"built-in name", LumLang(NAME_zho_TWN), "zh_TW"},
-        {"bibliographic code with a country", LumLang(u"ger-DE"), "deu_DE"},
-        {"language and country", LumLang(u"fre", u"CA"), "fra_CA"},
-        {"country without language", LumLang(u"none", u"DE"), "_DE"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.fault);
-        EXPECT_TRUE(c.lang == icu::Locale(c.locale)) << c.lang.getName();
-        EXPECT_EQ(c.lang.isEmpty(), *c.locale == '\0' || *c.locale == '_');
+    LumTest::checkRows(
+        "lang/tags.txt",
+        {{"bibliographic", bibliographic},
+         {"rewritten", [](const Fields& f) { return utf8(s_ISO639Bibliographic.get(f[0])); }},
+         {"locale", locale},
+         {"script", script},
+         {"ofText", [](const Fields& f) { return std::to_string(LumScript::getScriptFromText(f[0]).getCode()); }}});
+    for (const LumLang& lang : {LumLang(), LumLang(static_cast<const char*>(nullptr)), LumLang(LumName())}) {
+        EXPECT_TRUE(lang.isEmpty() && lang == icu::Locale("")) << "the default of the process is taken";
     }
     icu::Locale::setDefault(before, error);
+    EXPECT_EQ(ISO639Bibliographic::COUNT, 24);
+    EXPECT_EQ(LumScript(), LumScript::UNKNOWN);
+    UnicodeString bogus;
+    bogus.setToBogus();
+    EXPECT_EQ(LumScript::getScriptFromText(bogus), LumScript::COMMON);
+    EXPECT_EQ(LumScript(bogus), LumScript::AUTO);
 }
 
 TEST(LumLang, isOrderedByLanguageAlone) {
@@ -84,13 +69,54 @@ TEST(LumLang, isOrderedByLanguageAlone) {
     EXPECT_FALSE(LumLang("sv-SE") == LumLang("sv")) << "equality is the locale's";
 }
 
-TEST(LumLang, anyTextGivesALocale) {
-    const std::string letters(1 << 20, 'a');
+TEST(LumLang, takesAnyText) {
+    const std::string letters(1 << 20, 'z');
     for (const std::string& tag : {letters, "ger-" + letters, "de@" + letters + "=v", std::string("-_-_@@=;\xFF")}) {
         const LumLang lang(tag.c_str());
         EXPECT_TRUE(LumLang(lang) == lang && !(lang < lang));
+        EXPECT_EQ(LumScript(UnicodeString::fromUTF8(tag)), LumScript::UNKNOWN);
     }
-    EXPECT_STREQ(LumLang(UnicodeString(u"de\0-AT", 6)).getLanguage(), "de");
+}
+
+TEST(LumScript, namesEveryCodeOfIcu) {
+    const int end = u_getIntPropertyMaxValue(UCHAR_SCRIPT) + 1;
+    EXPECT_GT(end, 150);
+    for (int code = 0; code < end; ++code) {
+        const std::string name = utf8(LumScript(code).getScriptCode().getString());
+        EXPECT_EQ(name, code == LumScript::INHERITED ? "Qaai" : uscript_getShortName(UScriptCode(code)));
+        EXPECT_EQ(LumScript(UnicodeString::fromUTF8(name)).getCode(), name == "Jpan" ? -8 : code);
+    }
+    for (const int code : {-100, -9, -7, -5, -3, -2, -1, end + 1000, INT32_MAX, INT32_MIN}) {
+        EXPECT_TRUE(LumScript(code).getScriptCode().isNull()) << code;
+        EXPECT_EQ(utf8(LumScript(code).getA()), "A") << code;
+    }
+}
+
+TEST(LumScript, everyCharacterHasIcusScriptButForOurBlocks) {
+    struct Range {
+        UChar32 first, last;
+        LumScript script;
+    };
+    // A block counts as a whole, with what Unicode has not assigned or calls common or inherited; its digits, which
+    // several scripts use, are ICU's matter. The signs of Latin-1 stand in Latin text.
+    constexpr Range ours[] = {
+        {0x00A2, 0x00A5, LumScript::LATIN},      {0x00A7, 0x00AA, LumScript::LATIN},
+        {0x00AE, 0x00AF, LumScript::LATIN},      {0x00B4, 0x00B5, LumScript::LATIN},
+        {0x00B8, 0x00B8, LumScript::LATIN},      {0x00BA, 0x00BA, LumScript::LATIN},
+        {0x0590, 0x05FF, LumScript::HEBREW},     {0x0600, 0x065F, LumScript::ARABIC},
+        {0x066A, 0x06EF, LumScript::ARABIC},     {0x06FA, 0x06FF, LumScript::ARABIC},
+        {0x0900, 0x097F, LumScript::DEVANAGARI},
+    };
+    for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
+        UErrorCode error = U_ZERO_ERROR;
+        int expected = uscript_getScript(c, &error);
+        for (const Range& range : ours) {
+            if (c >= range.first && c <= range.last) expected = range.script;
+        }
+        ASSERT_EQ(LumScript::getScript(c), expected) << std::hex << c;
+    }
+    for (const UChar32 c : {-1, INT32_MIN, 0x110000, INT32_MAX})
+        EXPECT_EQ(LumScript::getScript(c), LumScript::UNKNOWN) << c;
 }
 
 }  // namespace

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
-#include <lumcommon/core/LumError.h>
 #include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/names/MathMLName.h>
+#include <lumcommon/names/SVGName.h>
+#include <lumcommon/values/LumValue.h>
+#include <support/DataRows.h>
+#include <support/ExpectError.h>
 
 #include <cstdlib>
 #include <set>
@@ -14,14 +18,20 @@ UnicodeString text(const std::string& ascii) { return UnicodeString::fromUTF8(as
 
 LumNameEnum nameOf(unsigned id) { return static_cast<LumNameEnum>(id); }
 
-std::vector<std::string> builtinTexts() {
-    return {
-        "",
 #define LUM_NAME(id, text) text,
+const std::vector<std::string> builtinTexts = {
+    "",
 #include <lumcommon/names/BuiltinNames.inc>
+};
+const std::vector<std::string> svgTexts = {
+    "",
+#include <lumcommon/names/SVGNames.inc>
+};
+const std::vector<std::string> mathmlTexts = {
+    "",
+#include <lumcommon/names/MathMLNames.inc>
+};
 #undef LUM_NAME
-    };
-}
 
 /// Holds a shared table in which nothing has been interned, as in a fresh process.
 class SharedNames : public testing::Test {
@@ -36,55 +46,55 @@ protected:
     static unsigned last() { return LumNameTable::getSharedNameTable()->getLastNameEnum(); }
 };
 
-TEST_F(SharedNames, builtinNamesHaveTheirFixedIdentifiers) {
-    struct Row {
-        const char* fault;
-        unsigned id;
-        const char* text;
-    };
-    constexpr Row rows[] = {
-        {"does not begin at 1", 1, "ANSI_X3.4"},
-        {"sorts by case", 5, "AbsoluteViewportArea"},
-        {"sorts - before a digit", 76, "ISO646-US"},
-        {"sorts the marks first", 180, "#CMYK"},
-        {"node name moved", 186, "#document"},
-        {"first lower-case name moved", 189, "above"},
-        {"another host", 736, "http://ns.lumset.example/names/XSL/Lum"},
-        {"namespace moved", 739, "http://www.w3.org/2000/xmlns/"},
-        {"sorts - before :", 1551, "xml-stylesheet"},
-        {"last name lost", 1597, "zoom"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(LumNameTable::getBuiltinNameEnum(text(row.text)), row.id);
-        EXPECT_EQ(LumNameTable::getBuiltinNameString(nameOf(row.id)), text(row.text));
-    }
-}
-
-TEST_F(SharedNames, everyBuiltinNameIsFoundAndNoNeighbourOfIt) {
-    const std::vector<std::string> texts = builtinTexts();
-    ASSERT_EQ(texts.size(), 1598u);
+/// Every string of a vocabulary is found and goes back to itself; no string that differs a little is taken for it.
+template <class Find, class GetText>
+void checkWholeVocabulary(const std::vector<std::string>& texts, Find find, GetText getText) {
     const std::set<std::string> known(texts.begin(), texts.end());
-    ASSERT_EQ(known.size(), texts.size());
-    for (unsigned id = 1; id < texts.size(); ++id) {
+    EXPECT_EQ(known.size(), texts.size()) << "a repeated row cannot be found";
+    for (std::size_t id = 1; id < texts.size(); ++id) {
         SCOPED_TRACE(texts[id]);
-        EXPECT_EQ(LumNameTable::getSharedNameEnum(text(texts[id])), id);
-        EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(id)), text(texts[id]));
+        EXPECT_EQ(static_cast<std::size_t>(find(text(texts[id]))), id);
+        EXPECT_EQ(getText(static_cast<int>(id)), text(texts[id]));
         std::vector<std::string> neighbours = {texts[id] + "x", texts[id].substr(1), texts[id] + '\0'};
         for (std::size_t at = 0; at < texts[id].size(); ++at) {
-            for (const char other : {'~', static_cast<char>(texts[id][at] ^ 0x20)}) {
+            for (const int other : {0x01, 0x20, '~' ^ texts[id][at]}) {
                 neighbours.push_back(texts[id]);
-                neighbours.back()[at] = other;
+                neighbours.back()[at] = static_cast<char>(texts[id][at] ^ other);
             }
         }
         for (const std::string& neighbour : neighbours) {
-            const LumNameEnum found = LumNameTable::getBuiltinNameEnum(text(neighbour));
+            const auto found = static_cast<std::size_t>(find(text(neighbour)));
             EXPECT_EQ(found != 0, known.contains(neighbour) && !neighbour.empty()) << neighbour;
             EXPECT_NE(found, id) << neighbour;
         }
     }
-    EXPECT_EQ(LumNameTable::getBuiltinNameEnum(u"bl\u016Fck"), 0u) << "only the low bytes are compared";
+    EXPECT_TRUE(getText(0).isEmpty() && getText(static_cast<int>(texts.size())).isEmpty()) << "reads past the list";
+}
+
+TEST_F(SharedNames, everyNameOfAVocabularyIsFoundAndNoNeighbourOfIt) {
+    checkWholeVocabulary(builtinTexts, LumNameTable::getBuiltinNameEnum,
+                         [](int id) { return LumNameTable::getBuiltinNameString(nameOf(unsigned(id))); });
+    for (unsigned id = 1; id < builtinTexts.size(); ++id) {
+        EXPECT_EQ(LumNameTable::getSharedNameEnum(text(builtinTexts[id])), id);
+        EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(id)), text(builtinTexts[id]));
+    }
     EXPECT_EQ(last(), 1597u) << "looking for built-in names added some";
+    checkWholeVocabulary(
+        svgTexts, [](const UnicodeString& name) { return SVGName(LumName(name)).getEnum(); },
+        [](int id) { return SVGName(static_cast<SVGNameEnum>(id)).toName().getString(); });
+    checkWholeVocabulary(
+        mathmlTexts, [](const UnicodeString& name) { return MathMLName(LumName(name)).getEnum(); },
+        [](int id) { return MathMLName(static_cast<MathMLNameEnum>(id)).toName().getString(); });
+}
+
+TEST_F(SharedNames, tellingNamesHaveTheirIdentifiers) {
+    LumTest::checkRows(
+        "names/names.txt",
+        {{"builtin", [](const LumTest::Fields& f) { return std::to_string(LumNameTable::getBuiltinNameEnum(f[0])); }},
+         {"vocabularies", [](const LumTest::Fields& f) {
+              const LumName name(f[0]);
+              return std::to_string(SVGName(name).getEnum()) + " " + std::to_string(MathMLName(name).getEnum());
+          }}});
 }
 
 TEST_F(SharedNames, newNamesAreNumberedFrom1598) {
@@ -92,38 +102,20 @@ TEST_F(SharedNames, newNamesAreNumberedFrom1598) {
     const UnicodeString first(u"Block"), second(u"name that nobody else uses, longer than a short string holds");
     EXPECT_EQ(LumNameTable::getSharedNameEnum(UnicodeString(false, buffer.data(), 5)), 1598u);
     buffer = u"?????";
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(UnicodeString(u"block")), 303u);
     EXPECT_EQ(LumNameTable::getSharedNameEnum(second), 1599u);
     EXPECT_EQ(LumNameTable::getSharedNameEnum(first), 1598u);
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(UnicodeString()), 0u);
     UnicodeString bogus;
     bogus.setToBogus();
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(bogus), 0u);
+    EXPECT_EQ(LumNameTable::getSharedNameEnum(UnicodeString()) + LumNameTable::getSharedNameEnum(bogus), 0u);
     EXPECT_EQ(last(), 1599u);
     EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(1598)), first);
     EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(1599)), second);
-}
-
-TEST_F(SharedNames, identifiersThatAreNotInUseReadAsEmpty) {
-    LumNameTable::getSharedNameEnum(UnicodeString(u"only one"));
-    struct Row {
-        const char* fault;
-        unsigned id;
-    };
-    constexpr Row rows[] = {
-        {"null name has a text", 0},
-        {"reads one past the last name", 1599},
-        {"reads a chunk that does not exist", 1598 + 5000},
-        {"beyond 24 bits", 0x1000000},
-        {"wraps around", 0xFFFFFFFF},
-    };
+    // Not in use: none, one past the last, of a chunk that does not exist, beyond 24 bits, all bits.
     const LumNameTable own;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_TRUE(LumNameTable::getSharedNameString(nameOf(row.id)).isEmpty());
-        EXPECT_TRUE(own.getNameString(nameOf(row.id)).isEmpty());
+    for (const unsigned id : {0u, 1600u, 1598u + 5000, 0x1000000u, 0xFFFFFFFFu}) {
+        EXPECT_TRUE(LumNameTable::getSharedNameString(nameOf(id)).isEmpty()) << id;
+        EXPECT_TRUE(own.getNameString(nameOf(id)).isEmpty()) << id;
     }
-    EXPECT_TRUE(LumNameTable::getBuiltinNameString(nameOf(1598)).isEmpty());
     EXPECT_TRUE(own.getNameString(nameOf(1598)).isEmpty()) << "reads the shared table's names";
 }
 
@@ -158,6 +150,38 @@ TEST_F(SharedNames, stringsStayWhereTheyAreWhileTheTableGrows) {
     }
 }
 
+TEST_F(SharedNames, aNameIsItsIdentifierAndAValueItsNameElseItsText) {
+    EXPECT_TRUE(LumName().isNull() && LumName().getString().isEmpty());
+    EXPECT_EQ(LumName(UnicodeString(u"block")), NAME_block);
+    EXPECT_NE(LumName(UnicodeString(u"Block")), LumName(NAME_block));
+    EXPECT_LT(LumName(NAME_block), LumName(NAME_zoom));
+    EXPECT_EQ(LumName(LumValue(NAME_block)), NAME_block);
+    EXPECT_EQ(LumName(LumValue(UnicodeString(u"rect"))), LumName(UnicodeString(u"rect")));
+    EXPECT_EQ(LumName(LumValue(12)).getString(), UnicodeString(u"12"));
+    EXPECT_TRUE(LumName(LumValue()).isNull());
+    EXPECT_EQ(SVGName(LumValue(LumName(UnicodeString(u"rect")))), SVGName(SVG_rect));
+    EXPECT_EQ(SVGName(LumValue(UnicodeString(u"rect"))), SVGName(SVG_rect));
+    EXPECT_EQ(SVGName(LumValue(12)), SVGName(SVG_NULL));
+    EXPECT_EQ(MathMLName(LumValue(UnicodeString(u"mfrac"))), MathMLName(MATHML_mfrac));
+    EXPECT_EQ(MathMLName(NAME_math), MathMLName(MATHML_math)) << "a built-in name is asked by its constant";
+}
+
+TEST_F(SharedNames, aGeneratedNameTellsItsIdentifierAndIsNew) {
+    EXPECT_EQ(LumName::generateID(UnicodeString()).getString(), UnicodeString(u"N-1598"));
+    const LumName second = LumName::generateID(UnicodeString(u"id"));
+    EXPECT_EQ(second.getString(), UnicodeString(u"id-1599"));
+    std::set<LumName> taken;
+    for (int number = 1600; number < 1700; ++number) {  // the text of each is that of a later identifier
+        taken.insert(LumName(text("N-" + std::to_string(number + 60))));
+    }
+    for (int i = 0; i < 200; ++i) {
+        const LumName fresh = LumName::generateID(UnicodeString());
+        EXPECT_TRUE(taken.insert(fresh).second) << i;
+        EXPECT_EQ(fresh.getEnum(), 1600u + taken.size() - 1) << i;
+    }
+    EXPECT_EQ(LumName::generateID(UnicodeString(u"x")).getString(), UnicodeString(u"x-1900")) << "a clash moved it";
+}
+
 TEST(LumNameTableLifetime, namesGoWithTheLastHolder) {
     const UnicodeString first(u"first long run-time name, to be freed"), second(u"second"), third(u"third");
     LumNameTable::addRefSharedNameTable();
@@ -181,8 +205,7 @@ TEST(LumNameTableLifetime, namesGoWithTheLastHolder) {
 
 TEST(LumNameTableLifetime, cleanupEndsTheTableAndAHolderMayStillLetGo) {
     LumNameTable::setupSharedNameTable();
-    LumNameTable* const table = LumNameTable::addRefSharedNameTable();
-    EXPECT_TRUE(table->isA(LumNameTable::TYPE_ID) && table->isA(LumRCObject::TYPE_ID) && !table->isA(1));
+    LumNameTable::addRefSharedNameTable();
     for (unsigned i = 0; i < 3000; ++i) LumNameTable::getSharedNameEnum(text("to be cleaned up " + std::to_string(i)));
     LumNameTable::cleanup();
     LumNameTable::releaseSharedNameTable();
@@ -202,13 +225,7 @@ TEST(LumNameTableLimit, theLastIdentifierIsGivenOutAndNoneAfterIt) {
         ASSERT_EQ(table.getNameEnum(number), id);
     }
     for (int repeat = 0; repeat < 2; ++repeat) {
-        try {
-            table.getNameEnum(UnicodeString(u"one too many"));
-            ADD_FAILURE() << "an identifier of 25 bits";
-        } catch (const LumError& error) {
-            EXPECT_EQ(error.code, 0x801);
-            EXPECT_EQ(error.message, UnicodeString(u"Out of memory."));
-        }
+        LumTest::expectError(0x801, "Out of memory.", "", [&] { table.getNameEnum(UnicodeString(u"one too many")); });
     }
     EXPECT_EQ(table.getNameEnum(number), 0xFFFFFFu) << "a known name is refused";
     EXPECT_EQ(table.getLastNameEnum(), 0xFFFFFFu);

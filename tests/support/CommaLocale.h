@@ -2,10 +2,9 @@
 
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
-#include <unistd.h>
+#include "support/TempFolder.h"
 
 namespace LumTest {
 
@@ -13,25 +12,17 @@ namespace LumTest {
 /// installed, one is compiled with localedef; isActive() tells whether either worked.
 class CommaLocale {
 public:
-    CommaLocale() {
-        folder_ = std::filesystem::temp_directory_path() / ("comma-locale-" + std::to_string(::getpid()));
-        isActive_ = enter();
+    CommaLocale() : isActive_(enter()) {
         if (isActive_) return;
-        std::filesystem::create_directories(folder_);
-        const std::string command = "localedef -f UTF-8 -i de_DE '" + (folder_ / "de_DE.UTF-8").string() + "' 2>&1";
-        if (std::system((command + " >/dev/null").c_str()) < 0) return;
-        ::setenv("LOCPATH", folder_.c_str(), 1);
+        const std::string path = folder_.getPath();
+        if (std::system(("localedef -f UTF-8 -i de_DE '" + path + "de_DE.UTF-8' >/dev/null 2>&1").c_str()) < 0) return;
+        ::setenv("LOCPATH", path.c_str(), 1);
         isActive_ = enter();
     }
     ~CommaLocale() {
         std::setlocale(LC_ALL, "C");
         ::unsetenv("LOCPATH");
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
     }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-
     bool isActive() const { return isActive_; }
 
 private:
@@ -42,8 +33,8 @@ private:
         return false;
     }
 
-    std::filesystem::path folder_;
-    bool isActive_ = false;
+    TempFolder folder_;
+    bool isActive_;
 };
 
 }  // namespace LumTest

@@ -1,26 +1,72 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <lumcommon/core/Text.h>
 
+#include <algorithm>
+#include <charconv>
 #include <fstream>
-#include <sstream>
+#include <functional>
+#include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "support/Utf8.h"
+
 namespace LumTest {
 
-/// The rows of a file below tests/data: fields between bars, without the spaces around them. Empty lines and those that
-/// begin with "#" are no rows.
-inline std::vector<std::vector<icu::UnicodeString>> readRows(const std::string& file) {
+using Fields = std::vector<icu::UnicodeString>;
+
+/// The rows of a file below tests/data: fields between bars, without the spaces around them, escapes such as \n, \x20
+/// and \u3042 resolved. Empty lines and those that begin with "#" are no rows.
+inline std::vector<Fields> readRows(const std::string& file) {
     std::ifstream in(LUM_TEST_DATA + ("/" + file));
-    std::vector<std::vector<icu::UnicodeString>> rows;
+    std::vector<Fields> rows;
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line[0] == '#') continue;
         rows.emplace_back();
-        for (std::istringstream fields(line); std::getline(fields, line, '|');)
-            rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim());
+        for (std::size_t begin = 0; begin <= line.size(); begin = line.find('|', begin) + 1) {
+            const std::size_t end = std::min(line.find('|', begin), line.size());
+            rows.back().push_back(icu::UnicodeString::fromUTF8(line.substr(begin, end - begin)).trim().unescape());
+            if (end == line.size()) break;
+        }
     }
     return rows;
+}
+
+/// What an operation makes of the fields that a row gives it, as text.
+using Operations = std::map<std::string, std::function<std::string(const Fields&)>>;
+
+/// Checks every row of a file: the fault that it catches | an operation | what is given to it ... | what it gives.
+/// Every operation must have a row.
+inline void checkRows(const std::string& file, const Operations& operations) {
+    std::map<std::string, int> uses;
+    for (const Fields& row : readRows(file)) {
+        ASSERT_GE(row.size(), 3u) << utf8(row[0]);
+        const std::string name = utf8(row[1]);
+        SCOPED_TRACE(name + " of " + utf8(row[2]) + ": " + utf8(row[0]));
+        ASSERT_TRUE(operations.contains(name));
+        EXPECT_EQ(operations.at(name)(Fields(row.begin() + 2, row.end() - 1)), utf8(row.back()));
+        ++uses[name];
+    }
+    EXPECT_EQ(uses.size(), operations.size()) << "an operation without rows";
+}
+
+/// A number of a row in any locale: also "a/b", "inf" and "nan".
+inline double numberOf(const icu::UnicodeString& field) {
+    const std::string text = utf8(field);
+    const char* const end = text.data() + text.size();
+    double number = 0, divisor = 1;
+    const char* const bar = std::from_chars(text.data(), end, number).ptr;
+    if (bar != end) std::from_chars(bar + 1, end, divisor);
+    return number / divisor;
+}
+
+/// With 15 digits, in any locale.
+inline std::string printed(double number) {
+    char text[32];
+    return {text, std::to_chars(text, std::end(text), number, std::chars_format::general, 15).ptr};
 }
 
 }  // namespace LumTest

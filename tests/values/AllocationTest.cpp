@@ -14,34 +14,29 @@ using namespace LumCommon;
 TEST(Allocation, numbersNamesAndColoursTakeNone) {
     ASSERT_TRUE(LumTest::countMemoryOfIcu());
     LumNameTable::addRefSharedNameTable();
-    struct Case {
-        const char* fault;
-        const char16_t* text;
-        bool isFree;
+    constexpr std::pair<const char16_t*, bool> cases[] = {
+        {u"-12.5pt", true},
+        {u"0.123456789012345678901234567890", true},
+        {u"a.name.beyond.the.units.that.a.short.string.holds", true},
+        {u"#FF8000", true},
+        {u"LightGoldenrodYellow", true},
+        {u"rgb( 100% , 127 , 0 )", true},
+        {u"rgb-icc(#CMYK,0,0,0,1)", false},
     };
-    constexpr Case cases[] = {
-        {"number", u"-12.5pt", true},
-        {"digits beyond a short string", u"0.123456789012345678901234567890", true},
-        {"name of the document", u"a.name.beyond.the.units.that.a.short.string.holds", true},
-        {"hash colour", u"#FF8000", true},
-        {"keyword", u"LightGoldenrodYellow", true},
-        {"colour function", u"rgb( 100% , 127 , 0 )", true},
-        {"print colour", u"rgb-icc(#CMYK,0,0,0,1)", false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.fault);
-        const UnicodeString text(c.text);
-        LumValue::parse(text);  // a new name is interned once
-        LumColor(LumName(text));
-        const bool isFunction = text.indexOf(u'(') > 0;
+    for (const auto& [text, isFree] : cases) {
+        const UnicodeString string(text);
+        LumValue::parse(string);  // a new name is interned once
+        LumColor(LumName(string));
+        const bool isFunction = string.indexOf(u'(') > 0;
         const std::size_t before = LumTest::allocations;
         {
-            const LumValue value = isFunction ? LumValue::parseColor(text, false) : LumValue::parse(text);
+            const LumValue value = isFunction ? LumValue::parseColor(string, false) : LumValue::parse(string);
             const LumValue copy(value);
-            const LumValue color = LumValue::parseColor(text, true);
+            const LumValue color = LumValue::parseColor(string, true);
             if (value.getKind() != KIND_STRING) value.getColorValue();
         }
-        EXPECT_EQ(LumTest::allocations == before, c.isFree) << LumTest::allocations - before << " allocations";
+        EXPECT_EQ(LumTest::allocations == before, isFree)
+            << LumTest::allocations - before << " allocations of " << string.length() << " units";
     }
     LumNameTable::releaseSharedNameTable();
 }
