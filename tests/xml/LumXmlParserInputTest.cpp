@@ -1,15 +1,13 @@
 // The life of a parser: opening inputs, accessors out of place, reuse and failing streams.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "support/ExpectError.h"
 #include "support/ResourceLibrary.h"
+#include "support/Sweeps.h"
+#include "support/TempFolder.h"
 #include "support/XmlEvents.h"
 
 namespace {
@@ -18,13 +16,11 @@ using namespace LumTest;
 
 constexpr const char* checkStream = "LumCommon::XmlParserImpl::checkStream";
 
-TEST(LumXmlParserInput, namesItsEventsAndItself) {
+void setInput(LumXmlParser& parser, std::istream& in) { parser.setInput(in, UnicodeString(), UnicodeString()); }
+
+TEST(LumXmlParserInput, hasNamesForElevenEventsAndSixFeaturesThatAreOff) {
     EXPECT_EQ(utf8(LumXmlParser::getEventTypeStr(LumXmlParser::START_DOCUMENT)), "START_DOCUMENT");
     for (const int i : {-1, 11, 1000}) EXPECT_EQ(utf8(LumXmlParser::getEventTypeStr(i)), "");
-    EXPECT_EQ(utf8(LumXmlUtil::createXmlParser()->getTypeName()), "XmlParserImpl");
-}
-
-TEST(LumXmlParserInput, hasSixFeaturesThatAreOff) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     for (int i = -1; i <= 6; ++i) {
         const auto feature = static_cast<LumXmlParser::Feature>(i);
@@ -52,29 +48,24 @@ TEST(LumXmlParserInput, isAtItsEndWithoutInput) {
 
 TEST(LumXmlParserInput, refusesEmptyAndFailedStreams) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    PieceStream empty("");
-    expectError(0x1004, "Unexpected end of input stream.", checkStream,
-                [&] { parser->setInput(empty, UnicodeString(), UnicodeString()); });
+    const auto expectRefused = [&](unsigned code, const char* message, std::istream& in) {
+        expectError(code, message, checkStream, [&] { setInput(*parser, in); });
+    };
     std::ifstream missing("no/such/file");
-    expectError(0x1006, "Input stream error.", checkStream,
-                [&] { parser->setInput(missing, UnicodeString(), UnicodeString()); });
+    expectRefused(0x1006, "Input stream error.", missing);
     PieceStream broken("<a/>");
     broken.setstate(std::ios::badbit);
-    expectError(0x1006, "Input stream error.", checkStream,
-                [&] { parser->setInput(broken, UnicodeString(), UnicodeString()); });
-    for (const auto exceptions : {std::ios::eofbit, std::ios::failbit, std::ios::badbit}) {
-        PieceStream throwing("");
-        throwing.exceptions(exceptions);
-        expectError(0x1004, "Unexpected end of input stream.", checkStream,
-                    [&] { parser->setInput(throwing, UnicodeString(), UnicodeString()); });
-        PieceStream failing("<a/>");
+    expectRefused(0x1006, "Input stream error.", broken);
+    for (const auto exceptions : {std::ios::goodbit, std::ios::eofbit, std::ios::failbit, std::ios::badbit}) {
+        PieceStream empty(""), failing("<a/>");
+        empty.exceptions(exceptions);
+        expectRefused(0x1004, "Unexpected end of input stream.", empty);
         failing.getBuffer().failAfter(0);
         failing.exceptions(exceptions);
-        expectError(0x1006, "Input stream error.", checkStream,
-                    [&] { parser->setInput(failing, UnicodeString(), UnicodeString()); });
+        expectRefused(0x1006, "Input stream error.", failing);
     }
     PieceStream good("<a/>");
-    parser->setInput(good, UnicodeString(), UnicodeString());
+    setInput(*parser, good);
     EXPECT_EQ(parser->next(), LumXmlParser::START_TAG);
 }
 
@@ -90,22 +81,20 @@ TEST(LumXmlParserInput, doesNotThrowAgainWhatTheStreamHasThrown) {
 // A stream that breaks in the middle ends there; what it throws stays inside.
 TEST(LumXmlParserInput, endsWhereTheStreamFails) {
     const std::string document = "<a b='1'>text<!--c--><![CDATA[d]]></a>";
-    for (std::size_t bytes = 1; bytes < document.size(); ++bytes) {
+    forEachPrefix(document, [&](const std::string& cut) {
         for (const std::size_t pieceBytes : {std::size_t{1}, wholeInput}) {
             PieceStream in(document, pieceBytes);
-            in.getBuffer().failAfter(bytes);
+            in.getBuffer().failAfter(std::max<std::size_t>(cut.size(), 1));
             const LumPtr<LumXmlParser> parser = openParser(in);
-            bool failed = false;
             try {
                 while (parser->next() != LumXmlParser::END_DOCUMENT) {
                 }
+                ADD_FAILURE() << "nothing thrown";
             } catch (const LumError& error) {
-                failed = true;
                 EXPECT_TRUE((error.code & 0xFF00) == 0x1800 || error.code == 0x1006) << error.code;
             }
-            EXPECT_TRUE(failed) << bytes;
         }
-    }
+    });
 }
 
 TEST(LumXmlParserInput, saysNoToAccessorsOutOfPlace) {
@@ -161,7 +150,7 @@ TEST(LumXmlParserInput, startsAnewWithEachInput) {
     EXPECT_EQ(utf8(parser->getBaseUri()), "http://host.example/first/");
     EXPECT_EQ(utf8(parser->getPositionDescription()), "TEXT, 'http://host.example/first/', Line 1, Col 69.");
     PieceStream second("<p:a xmlns:p='v'/>");
-    parser->setInput(second, UnicodeString(), UnicodeString());
+    setInput(*parser, second);
     EXPECT_EQ(parser->getEventType(), LumXmlParser::START_DOCUMENT);
     EXPECT_EQ(getPosition(*parser), (Position{-1, -1}));
     EXPECT_EQ(parser->getDepth(), 0);
@@ -180,7 +169,7 @@ TEST(LumXmlParserInput, letsGoOfTheStreamWhenToldTo) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     {
         PieceStream in("<a>x</a>");
-        parser->setInput(in, UnicodeString(), UnicodeString());
+        setInput(*parser, in);
         parser->next();
         parser->closeStream();
     }
@@ -202,51 +191,59 @@ TEST(LumXmlParserInput, isBackInTheDocumentWhenClosedInAnEntity) {
     EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + library.getBase() + "', Line 2, Col 6.");
 }
 
-/// A file that is removed again.
-class TempFile {
-public:
-    explicit TempFile(const std::string& bytes) {
-        const char* folder = std::getenv("TMPDIR");
-        path_ = std::filesystem::path(folder ? folder : "/tmp") / ("lum-xml-" + std::to_string(getpid()) + ".xml");
-        std::ofstream(path_, std::ios::binary) << bytes;
-    }
-    ~TempFile() { std::filesystem::remove(path_); }
-    std::string getUri() const { return "file://" + path_.string(); }
-    std::string getFolder() const { return path_.parent_path().string() + "/"; }
-
-private:
-    std::filesystem::path path_;
-};
-
-TEST(LumXmlParserInput, opensAFileByItsUri) {
-    const TempFile file("<a>\n<b></a>");
-    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    for (int round = 0; round < 2; ++round) {  // also again, in place of the first
-        parser->setInput(fromUtf8(file.getUri()), UnicodeString(), UnicodeString());
-        EXPECT_EQ(utf8(parser->getBaseUri()), file.getFolder()) << "the base is a local path";
-        EXPECT_EQ(utf8(parser->getPositionDescription()), "START_DOCUMENT, '" + file.getUri() + "'.");
+// Whoever prepares a parser may define entities before there is an input; they hold for the document that comes first.
+TEST(LumXmlParserInput, takesEntitiesForOneDocument) {
+    for (const bool isDefinedFirst : {true, false}) {
+        const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+        const LumName e(fromUtf8("e"));
+        if (isDefinedFirst) parser->defineEntityReplacementText(e, u"1&gt;");
+        PieceStream first("<a>&e;&lt;</a>"), second("<a>&e;</a>"), third("<a>&lt;</a>"), fourth("<a>&lt;</a>");
+        setInput(*parser, first);
+        if (!isDefinedFirst) parser->defineEntityReplacementText(e, u"1&gt;");
         parser->next();
-        EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + file.getUri() + "', Line 1, Col 2.");
+        parser->next();
+        EXPECT_EQ(describe(*parser), "TEXT 1 \"1><\"");
+        setInput(*parser, second);
+        parser->next();
+        expectParserError(0x181E, "Reference to undefined entity: &e;", "ENTITY_REF, Line 1, Col 5.",
+                          [&] { parser->next(); });
+        // A changed predefined entity does not change how many there are, and stays.
+        setInput(*parser, third);
+        parser->defineEntityReplacementText(LumCommon::NAME_lt, u"L");
+        setInput(*parser, fourth);
+        parser->next();
+        parser->next();
+        EXPECT_EQ(describe(*parser), "TEXT 1 \"L\"");
     }
-    parser->next();
-    parser->next();
-    expectParserError(0x1806, "End tag 'a' does not match the start tag 'b'.",
-                      "END_TAG, '" + file.getUri() + "', Line 2, Col 7.", [&] { parser->next(); });
-    parser->setInput(fromUtf8(file.getUri()), UnicodeString(), fromUtf8("http://host.example/x/y"));
-    EXPECT_EQ(utf8(parser->getBaseUri()), "http://host.example/x/y");
 }
 
-TEST(LumXmlParserInput, saysWhatItCannotOpen) {
-    const std::string uri = "file:///no/such/folder/a.xml";
+TEST(LumXmlParserInput, opensAFileByItsUri) {
+    const TempFolder folder;
+    const std::string path = folder.getPath() + "a.xml", uri = "file://" + path;
+    writeFile(path, "<a>\n<b></a>");
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    expectError(0x1003, "Cannot open file: " + uri, "LumCommon::XmlParserImpl::setInput",
-                [&] { parser->setInput(fromUtf8(uri), UnicodeString(), UnicodeString()); });
+    for (int round = 0; round < 2; ++round) {  // also again, in place of the first
+        parser->setInput(fromUtf8(uri), UnicodeString(), UnicodeString());
+        EXPECT_EQ(utf8(parser->getBaseUri()), folder.getPath()) << "the base is a local path";
+        EXPECT_EQ(utf8(parser->getPositionDescription()), "START_DOCUMENT, '" + uri + "'.");
+        parser->next();
+        EXPECT_EQ(utf8(parser->getPositionDescription()), "START_TAG, '" + uri + "', Line 1, Col 2.");
+    }
+    parser->next();
+    parser->next();
+    expectParserError(0x1806, "End tag 'a' does not match the start tag 'b'.", "END_TAG, '" + uri + "', Line 2, Col 7.",
+                      [&] { parser->next(); });
+    parser->setInput(fromUtf8(uri), UnicodeString(), fromUtf8("http://host.example/x/y"));
+    EXPECT_EQ(utf8(parser->getBaseUri()), "http://host.example/x/y");
+
+    expectError(0x1003, "Cannot open file: " + uri + "x", "LumCommon::XmlParserImpl::setInput",
+                [&] { parser->setInput(fromUtf8(uri + "x"), UnicodeString(), UnicodeString()); });
     parser->setFeature(LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY, true);
     expectParserError(0x1835, "Unknown or unsupported encoding: EUC-JP.", "START_DOCUMENT.",
-                      [&] { parser->setInput(fromUtf8(uri), u"EUC-JP", UnicodeString()); });
-    const TempFile empty("");
+                      [&] { parser->setInput(fromUtf8(uri + "x"), u"EUC-JP", UnicodeString()); });
+    writeFile(path, "");
     expectError(0x1004, "Unexpected end of input stream.", checkStream,
-                [&] { parser->setInput(fromUtf8(empty.getUri()), UnicodeString(), UnicodeString()); });
+                [&] { parser->setInput(fromUtf8(uri), UnicodeString(), UnicodeString()); });
     EXPECT_EQ(parser->next(), LumXmlParser::END_DOCUMENT);
 }
 
