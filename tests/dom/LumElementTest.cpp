@@ -75,6 +75,9 @@ TEST_F(LumElementTest, changesAsTheRowsTell) {
             told += (told.empty() ? "" : " ") + (value.isNull() ? "none" : utf8(value.toString()));
         };
         if (what == "element") element = document->createElement(NAME_block);
+        if (what == "many")  // past a number of attributes lookups take another road
+            for (int i = 0; i < 40; ++i)
+                element->setAttributeNS(LumName(), LumName(), name("n" + std::to_string(i)), LumValue(1));
         if (what == "set") element->setAttribute(first, LumValue(text(arguments[1])));
         if (what == "setNS") element->setAttributeNS(first, second, LumValue(text(arguments[2])));
         if (what == "setPNS") element->setAttributeNS(first, second, third, LumValue(text(arguments[3])));
@@ -84,6 +87,7 @@ TEST_F(LumElementTest, changesAsTheRowsTell) {
         if (what == "getNS") tell(element->getAttributeNS(first, second));
         if (what == "has") told = element->hasAttribute(first) ? "yes" : "none";
         LumNamedNodeMap* const map = element->getAttributes();
+        if (what == "count") told = std::to_string(map->getCount());
         if (what == "local") {
             std::vector<LumPtr<LumAttr>> nodes;
             std::vector<LumValue> values;
@@ -108,7 +112,8 @@ TEST_F(LumElementTest, changesAsTheRowsTell) {
             }
         }
         EXPECT_EQ(told, row[1]);
-        EXPECT_EQ(attributes(*element), row[2]);
+        const std::string now = attributes(*element);
+        EXPECT_TRUE(row[2].starts_with("... ") ? now.ends_with(row[2].substr(3)) : now == row[2]) << now;
     }
 }
 
@@ -138,34 +143,6 @@ TEST_F(LumElementTest, attributeValuesKeepTheirKindAndName) {
     EXPECT_EQ(attr->getNodeValue().getKind(), KIND_STRING);
     EXPECT_EQ(utf8(attr->getText()), "long enough to need memory of its own, which moves");
     EXPECT_EQ(attr->getNodeName(), a);
-}
-
-TEST_F(LumElementTest, manyAttributesAreFoundAsInAShortList) {
-    // Past a number of attributes lookups take another road; each kind of change must keep it true.
-    std::vector<LumName> names;
-    for (int i = 0; i < 40; ++i) names.push_back(name("n" + std::to_string(i)));
-    for (const LumName& n : names) element->setAttributeNS(LumName(), LumName(), n, LumValue(1));
-    element->setAttributeNS(uri, name("p:n3"), LumValue(2));
-    const auto valueNS = [&](LumName ns, LumName n) { return element->getAttributeNS(ns, n).getIntegerValue(); };
-    EXPECT_EQ(valueNS(uri, names[3]), 2);
-    EXPECT_EQ(valueNS(LumName(), names[3]), 1);
-    EXPECT_EQ(valueNS(uri, names[4]), 0);
-    element->setAttributeNS(LumName(), LumName(), names[3], LumValue(5));
-    EXPECT_EQ(element->getAttributes()->getCount(), 41) << "an indexed attribute is added twice";
-    const LumPtr<LumAttr> removed = element->removeAttributeNode(element->getAttributeNode(names[3]).get());
-    EXPECT_FALSE(element->hasAttributeNS(LumName(), names[3])) << "a removed attribute is still found";
-    const LumPtr<LumAttr> other = document->createAttribute(names[5]);
-    other->setValue(LumValue(9));
-    const LumPtr<LumAttr> replaced = element->setAttributeNodeNS(other.get());
-    EXPECT_EQ(valueNS(LumName(), names[5]), 9) << "a replaced attribute is still found";
-    element->setAttributeNode(removed.get());
-    EXPECT_EQ(valueNS(LumName(), names[3]), 5);
-    // The namespace of this one depends on declarations around it.
-    element->setAttribute(name("r:z"), LumValue(7));
-    EXPECT_EQ(valueNS(uri, name("z")), 0);
-    element->setAttribute(name("xmlns:r"), LumValue(u"u:x"));
-    EXPECT_EQ(valueNS(uri, name("z")), 7);
-    EXPECT_EQ(valueNS(uri, names[3]), 2);
 }
 
 TEST_F(LumElementTest, aMapThatOutlivesItsElementIsEmpty) {

@@ -187,21 +187,15 @@ TEST(LumNode, refusesBadArgumentsAndChangesNothing) {
     EXPECT_EQ(utf8(other->saveXml(other->getDocumentElement())), "<r id=\"\"><a/>t</r>");
 }
 
-TEST(LumNode, deletingCountsAndLetsHeldNodesGoOneByOne) {
+TEST(LumNode, deletingTakesTheDescendantsOfHeldNodesOutToo) {
     NodeCounter counter;
     const LumPtr<CountedDocument> document(new CountedDocument(counter));
-    document->loadXml(u"<r><a><b>x<c/></b></a><d/>y<e><f/></e></r>");
-    LumNode* const root = document->getDocumentElement();
+    document->loadXml(u"<r><a><b>x<c/></b></a><d/></r>");
     const LumPtr<LumNode> held(document->getElementsByTagName(LumName(u"b"))->getFirstNode());
-    LumNode* const d = document->getElementsByTagName(LumName(u"d"))->getFirstNode();
-    EXPECT_EQ(LumNode::deleteAllChildNodes(d), 5);  // a, b, x, c, d; what follows d stays
-    EXPECT_EQ(utf8(document->saveXml(root)), "<r>y<e><f/></e></r>");
+    EXPECT_EQ(document->getDocumentElement()->deleteAllChildNodes(), 5);
     EXPECT_EQ(held->getRefCount(), 1);
     EXPECT_EQ(held->getParentNode(), nullptr);
-    EXPECT_FALSE(held->hasChildNodes()) << "descendants of held nodes are taken out too";
-    EXPECT_EQ(root->getFirstChild()->getPreviousSibling(), nullptr);
-    EXPECT_EQ(root->deleteAllChildNodes(), 3);
-    EXPECT_EQ(root->deleteAllChildNodes(), 0);
+    EXPECT_FALSE(held->hasChildNodes());
     EXPECT_EQ(counter.live, 2);
 }
 

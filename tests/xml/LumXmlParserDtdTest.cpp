@@ -61,22 +61,6 @@ TEST(LumXmlParserDtd, internalSubsetComesBeforeTheExternalDefinition) {
               "<a>insideoutsideinside</a>");
 }
 
-TEST(LumXmlParserDtd, publicIdentifierBindsTheNamespacesOfSvg) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"<!DOCTYPE g PUBLIC '-//W3C//DTD SVG 1.1//EN' 's'><g xlink:href='x'/>",
-         "START_TAG 1 {http://www.w3.org/2000/svg}g {http://www.w3.org/1999/xlink}xlink:href=\"x\" /"},
-        {"<!DOCTYPE g PUBLIC '-//W3C//DTD XHTML 1.1//EN' 's'><g/>", "START_TAG 1 g /"},
-    };
-    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();  // one for both: bindings end with a document
-    parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);
-    for (const auto& [document, event] : rows) {
-        PieceStream in(document);
-        parser->setInput(in, UnicodeString(), UnicodeString());
-        parser->next();
-        EXPECT_EQ(describe(*parser), event);
-    }
-}
-
 TEST(LumXmlParserDtd, mathMLDefinitionIsNeverOpened) {
     ResourceLibrary library;
     const std::string document =

@@ -85,31 +85,4 @@ TEST(LumXmlParserErrors, stopWhenTheCallbackThrowsAndAreThrownAgainWithoutIt) {
                       [&] { parser->next(); });
 }
 
-// After an error the parser may be asked on, looked at, given another document or destroyed.
-TEST(LumXmlParserErrors, leaveTheParserUsable) {
-    for (const ErrorRow& row : readErrorRows()) {
-        SCOPED_TRACE(row.document);
-        PieceStream bad(row.document, 2);
-        const LumPtr<LumXmlParser> parser = openParser(bad, row.setup);
-        int errors = 0;
-        for (int calls = 0; calls < 50 && errors < 10; ++calls) {
-            try {
-                parser->next();
-                describe(*parser);
-            } catch (const LumError&) {
-                ++errors;
-            }
-        }
-        EXPECT_GT(errors, 0);
-        PieceStream good("<a>x</a>");
-        parser->setInput(good, UnicodeString(), UnicodeString());
-        EXPECT_EQ(parser->getDepth(), 0);
-        parser->next();
-        EXPECT_EQ(describe(*parser), "START_TAG 1 a");
-        EXPECT_EQ(getPosition(*parser), (Position{1, 2}));
-        parser->next();
-        EXPECT_EQ(describe(*parser), "TEXT 1 \"x\"");
-    }
-}
-
 }  // namespace
