@@ -71,48 +71,35 @@ TEST(LargeTree, aDeepTreeIsLoadedAskedCopiedAndSaved) {
 }
 
 TEST(LargeTree, releaseTakesNoStackWhereverItBegins) {
-    struct Case {
-        const char* fault;
-        std::function<void(LumPtr<LumDocument>&)> release;
-        int left;
-    };
-    LumPtr<LumNode> held;
-    const auto nodeAt = [](const LumPtr<LumDocument>& document, int depth) {
-        LumNode* node = document.get();
-        while (depth-- > 0) node = node->getFirstChild();
-        return node;
-    };
-    const int depth = million / 2;
-    const Case cases[] = {
-        {"from the document", [](LumPtr<LumDocument>& document) { document = nullptr; }, 0},
-        {"from an inner node that is removed",
-         [&](LumPtr<LumDocument>& document) { nodeAt(document, 9)->removeChild(nodeAt(document, 10)); }, 9},
-        {"from removeAllChildNodes", [](LumPtr<LumDocument>& document) { document->removeAllChildNodes(); }, 0},
-        {"from deleteAllChildNodes",
-         [&](LumPtr<LumDocument>& document) { EXPECT_EQ(document->deleteAllChildNodes(), depth + 1); }, 0},
-        {"past an inner node that is held",
-         [&](LumPtr<LumDocument>& document) {
-             held = LumPtr<LumNode>(nodeAt(document, depth - 10));
-             document = nullptr;
-         },
-         12},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.fault);
+    constexpr int depth = million / 2;
+    using Release = std::function<void(LumPtr<LumDocument> & document)>;
+    const auto expectLeft = [](const char* begin, int left, const Release& release) {
+        SCOPED_TRACE(begin);
         runOnSmallStack([&] {
             NodeCounter counter;
             LumPtr<LumDocument> document = makeDeep(counter, depth);
-            c.release(document);
-            EXPECT_EQ(counter.live, c.left);
-            if (held) {
-                EXPECT_EQ(held->getParentNode(), nullptr);
-                EXPECT_EQ(held->getFirstChild()->getParentNode(), held.get());
-            }
-            held = nullptr;
-            document = nullptr;
-            EXPECT_EQ(counter.live, 0);
+            release(document);
+            EXPECT_EQ(counter.live, left);
         });
-    }
+    };
+    const auto nodeAt = [](const LumPtr<LumDocument>& document, int level) {
+        LumNode* node = document.get();
+        while (level-- > 0) node = node->getFirstChild();
+        return node;
+    };
+    expectLeft("from the document", 0, [](auto& document) { document = nullptr; });
+    expectLeft("from an inner node that is removed", 9,
+               [&](auto& document) { nodeAt(document, 9)->removeChild(nodeAt(document, 10)); });
+    expectLeft("from removeAllChildNodes", 0, [](auto& document) { document->removeAllChildNodes(); });
+    expectLeft("from deleteAllChildNodes", 0,
+               [](auto& document) { EXPECT_EQ(document->deleteAllChildNodes(), depth + 1); });
+    expectLeft("past an inner node that is held", 0, [&](auto& document) {
+        const LumPtr<LumNode> held(nodeAt(document, depth - 10));
+        document = nullptr;
+        EXPECT_EQ(held->getDescendantNodes()->getCount(), 11);
+        EXPECT_EQ(held->getParentNode(), nullptr);
+        EXPECT_EQ(held->getFirstChild()->getParentNode(), held.get());
+    });
 }
 
 /// Its destructor looks at its children and gives them up itself.

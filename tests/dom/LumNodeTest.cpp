@@ -36,31 +36,24 @@ public:
         if (isAncestorOrSelf(node, parent)) return;
         std::vector<LumNode*>& children = children_[parent];
         LumNode* const target = children.empty() ? nullptr : children[random() % children.size()];
-        switch (random() % 4) {
-            case 0:
-                EXPECT_EQ(parent->appendChild(node), node);
-                takeOut(node);
-                children.push_back(node);
-                break;
-            case 1:
-                EXPECT_EQ(parent->insertBefore(node, target), node);
-                if (node == target) break;
-                takeOut(node);
-                children.insert(std::find(children.begin(), children.end(), target), node);
-                break;
-            case 2: {
-                if (!target) break;
-                EXPECT_TRUE(parent->replaceChild(node, target) == target);
-                if (node == target) break;
-                takeOut(node);
-                *std::find(children.begin(), children.end(), target) = node;
-                break;
-            }
-            default:
-                if (!target) break;
-                EXPECT_TRUE(parent->removeChild(target) == target);
-                takeOut(target);
-                break;
+        const unsigned operation = random() % 4;
+        if (operation == 0) {
+            EXPECT_EQ(parent->appendChild(node), node);
+            takeOut(node);
+            children.push_back(node);
+        } else if (operation == 1) {
+            EXPECT_EQ(parent->insertBefore(node, target), node);
+            if (node == target) return;
+            takeOut(node);
+            children.insert(std::find(children.begin(), children.end(), target), node);
+        } else if (operation == 2 && target) {
+            EXPECT_TRUE(parent->replaceChild(node, target) == target);
+            if (node == target) return;
+            takeOut(node);
+            *std::find(children.begin(), children.end(), target) = node;
+        } else if (target) {
+            EXPECT_TRUE(parent->removeChild(target) == target);
+            takeOut(target);
         }
     }
 
@@ -252,24 +245,18 @@ TEST(LumNode, othersAnswerWithThePositionBeforeOrAround) {
 TEST(LumNode, kindsTellTheirTypesAndNames) {
     const LumPtr<LumDocument> document = load("<r>a<b>c</b></r>");
     const LumName uri(u"u");
-    const struct {
-        LumPtr<LumNode> node;
-        int type;
-        const char* name;
-    } cases[] = {
-        {document, 9, "#document"},
-        {document->createDocumentFragment(), 11, "#document-fragment"},
-        {document->createTextNode(u""), 3, "#text"},
-        {document->createProcessingInstruction(u"i"), 7, "#text"},
-        {document->createElement(LumName(u":a")), 1, "a"},
-        {document->createElementNS(uri, LumName(u"p:a:b")), 1, "p:a:b"},
-        {document->createAttribute(LumName(u":a")), 2, ":a"},
-        {document->createAttributeNS(uri, LumName(u"p:a")), 2, "p:a"},
+    const auto expectKind = [](const LumPtr<LumNode>& node, int type, const char* name) {
+        EXPECT_EQ(node->getNodeType(), type) << name;
+        EXPECT_EQ(utf8(node->getNodeName().getString()), name);
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(c.node->getNodeType(), c.type) << c.name;
-        EXPECT_EQ(utf8(c.node->getNodeName().getString()), c.name);
-    }
+    expectKind(document, 9, "#document");
+    expectKind(document->createDocumentFragment(), 11, "#document-fragment");
+    expectKind(document->createTextNode(u""), 3, "#text");
+    expectKind(document->createProcessingInstruction(u"i"), 7, "#text");
+    expectKind(document->createElement(LumName(u":a")), 1, "a");
+    expectKind(document->createElementNS(uri, LumName(u"p:a:b")), 1, "p:a:b");
+    expectKind(document->createAttribute(LumName(u":a")), 2, ":a");
+    expectKind(document->createAttributeNS(uri, LumName(u"p:a")), 2, "p:a");
     LumElement* const root = document->getDocumentElement();
     root->getLastChild()->appendChild(document->createProcessingInstruction(u"pi").get());
     EXPECT_EQ(utf8(root->getInnerText()), "acpi");

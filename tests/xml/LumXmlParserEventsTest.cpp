@@ -1,7 +1,9 @@
-// What the parser makes of documents: events, their data and the position at each, however the input arrives.
+// What the parser makes of documents: events, their data and the position at each, or an error, however the input
+// arrives.
 
 #include <gtest/gtest.h>
 
+#include "support/ExpectError.h"
 #include "support/Sweeps.h"
 #include "support/XmlEvents.h"
 
@@ -63,6 +65,70 @@ TEST(LumXmlParserEvents, doNotWaitForInputBehindThem) {
         parser->next();
         EXPECT_LE(in.getBuffer().getDeliveredBytes(), upTo.size() + lookAheadBytes) << describe(*parser);
     }
+}
+
+// Documents that are not well-formed: code, message and position of the error, thrown and called back.
+
+void parse(std::string_view document, Pull how, const ParserSetup& setup, std::size_t pieceBytes,
+           LumPtr<LumXmlParser>& parser) {
+    PieceStream in(document, pieceBytes);
+    parser = openParser(in, setup);
+    for (int events = 0; pull(*parser, how) != LumXmlParser::END_DOCUMENT; ++events)
+        if (events > 1000) throw std::runtime_error("the document does not come to an end");
+}
+
+struct Heard {
+    LumPtr<LumXmlParser> parser;
+    unsigned code = 0;
+    std::string message, position;
+};
+
+void hearFirst(const LumError& error, void* data) {
+    auto& first = *static_cast<Heard*>(data);
+    EXPECT_EQ(utf8(error.source), "LumCommon::XmlParserImpl");
+    EXPECT_EQ(utf8(error.getPositionDescription()), "");
+    if (first.code == 0)
+        first = {first.parser, error.code, utf8(error.message), utf8(first.parser->getPositionDescription())};
+}
+
+TEST(LumXmlParserErrors, tellCodeMessageAndPositionThrownOrCalledBack) {
+    for (const std::vector<std::string>& row : readEscapedRows("xml/errors.txt", 6)) {
+        SCOPED_TRACE(row[1]);
+        const MarkedDocument document = readMarks(row[1]);
+        ASSERT_EQ(document.positions.size(), 1u);
+        const auto code = static_cast<unsigned>(std::stoi(row[0], nullptr, 16));
+        const int column = document.positions.front().column + std::atoi(row[4].c_str());
+        const std::string line = std::to_string(document.positions.front().line);
+        const std::string position = row[2] + ", Line " + line + ", Col " + std::to_string(column) + ".";
+        for (const Pull how : {Pull::events, Pull::tokens}) {
+            ParserSetup setup = readSetup(row[5]);
+            Heard heard;
+            for (const std::size_t pieceBytes : readSizes)
+                expectParserError(code, row[3], position,
+                                  [&] { parse(document.bytes, how, setup, pieceBytes, heard.parser); });
+            setup.onError = hearFirst;
+            setup.onErrorData = &heard;
+            EXPECT_NO_THROW(parse(document.bytes, how, setup, wholeInput, heard.parser));
+            const bool canGoOn = code == 0x181D || code == 0x181E;
+            EXPECT_EQ(heard.code, canGoOn ? code | 0x600 : code);
+            EXPECT_EQ(heard.message, row[3]);
+            EXPECT_EQ(heard.position, position);
+        }
+    }
+}
+
+TEST(LumXmlParserErrors, stopWhenTheCallbackThrowsAndAreThrownAgainWithoutIt) {
+    struct Stop {};
+    PieceStream in("<a>&b;&c;</a>");
+    const LumPtr<LumXmlParser> parser = openParser(in, {.onError = [](const LumError& error, void*) {
+                                                       EXPECT_EQ(error.code, 0x1E1Eu);
+                                                       throw Stop();
+                                                   }});
+    EXPECT_EQ(parser->next(), LumXmlParser::START_TAG);
+    EXPECT_THROW(parser->next(), Stop);
+    parser->setCallbackError(nullptr, nullptr);
+    expectParserError(0x181E, "Reference to undefined entity: &c;", "ENTITY_REF, Line 1, Col 8.",
+                      [&] { parser->next(); });
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST(LumXmlParserHostile, nestedEntitiesTakeLinearTime) {
 
 TEST(LumXmlParserHostile, attributesTakeLinearTimeAndTheirDuplicatesAreFound) {
     for (const std::string prefix : {"", "p:", "xmlns:"}) {
-        expectLinearTime("each attribute is compared with every other", 12500, [&](std::size_t size) {
+        expectLinearTime("each attribute is compared with every other", 4000, [&](std::size_t size) {
             std::string tag = "<a xmlns:p='u' xmlns:q='u2'";
             for (std::size_t i = 0; i < size; ++i) tag += " " + prefix + "a" + std::to_string(i) + "='u'";
             EXPECT_TRUE(tell(tag + "/>").ends_with("</a>"));
@@ -108,29 +108,16 @@ TEST(LumXmlParserHostile, expansionGoesAsFarAsTheLimit) {
 }
 
 TEST(LumXmlParserHostile, everyPrefixIsAnErrorWhileSomethingIsMissing) {
-    struct Case {
-        std::string document, neededFrom, neededUpTo;
-    };
-    const Case cases[] = {
-        {"<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\r\n<!--c - d--><?p q?>\n"
-         "<p:r xmlns:p='u' xmlns='v' a=\"1 &lt;\t&#65;&#x1F600;'\" p:a='2'>t\xC3\xA9xt &amp; ]] &#10;"
-         "<b c='d' /><![CDATA[ <x> ]] ]]><![IGNORE[ no ]]><e\n "
-         "f='\xE3\x81\x82'\n>\xF0\x9F\x98\x80\r</e></p:r>\n<!--end-->",
-         "<p", "</p:r>"},
-        {"<!DOCTYPE p:a PUBLIC \"p\" 's' [<!-- c --><?p q?><!ENTITY % p '<!ENTITY f \"&#65;\">'>%p;<!ENTITY e 'x&f;'>"
-         "<!ENTITY x PUBLIC 'p' 's' NDATA n><![IGNORE[<![INCLUDE[ ]]>]]><!ATTLIST a b CDATA '>'> ] ><a>&e;</a>",
-         "", "] >"},
-    };
     const ParserSetup setup = readSetup("skip-dtd");
-    for (const Case& c : cases) {
-        ASSERT_EQ(recordEvents(c.document, Pull::events, setup).back().event, "END_DOCUMENT 0");
-        forEachPrefix(c.document, [&](const std::string& cut) {
+    for (const std::vector<std::string>& row : readEscapedRows("xml/prefixes.txt", 3)) {
+        ASSERT_EQ(recordEvents(row[2], Pull::events, setup).back().event, "END_DOCUMENT 0");
+        forEachPrefix(row[2], [&](const std::string& cut) {
             if (cut.empty()) return;
             for (const Pull how : {Pull::events, Pull::tokens}) {
                 const std::vector<EventRecord> whole = recordEvents(cut, how, setup);
-                if (cut.find(c.neededFrom) != std::string::npos && cut.find(c.neededUpTo) == std::string::npos) {
-                    EXPECT_TRUE(whole.back().event.starts_with("error ")) << whole.back();
-                }
+                const bool isIncomplete =
+                    cut.find(row[0]) != std::string::npos && cut.find(row[1]) == std::string::npos;
+                EXPECT_TRUE(!isIncomplete || whole.back().event.starts_with("error ")) << whole.back();
                 for (const std::size_t pieceBytes : {1, 2, 3})
                     EXPECT_EQ(recordEvents(cut, how, setup, pieceBytes), whole);
             }

@@ -6,8 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "support/EscapedRows.h"
-
 namespace LumCommon::detail {
 namespace {
 
@@ -34,15 +32,6 @@ TEST(MathMLEntities, holdsEveryNameOnceAndAllThreeCounts) {
     EXPECT_EQ(plane1Texts, 133);
     EXPECT_EQ(getMathMLEntity(mathMLEntityCount).name.data(), nullptr);
     EXPECT_EQ(getMathMLEntity(static_cast<std::size_t>(-1)).name.data(), nullptr);
-}
-
-TEST(MathMLEntities, findsTellingRows) {
-    for (const std::vector<std::string>& row : LumTest::readEscapedRows("xml/mathml.txt", 3)) {
-        SCOPED_TRACE(row[2]);
-        const UnicodeString name = UnicodeString::fromUTF8(row[0]);
-        const std::u16string_view text = findMathMLEntity({name.getBuffer(), static_cast<std::size_t>(name.length())});
-        EXPECT_EQ(LumTest::utf8(UnicodeString(text.data(), static_cast<int32_t>(text.size()))), row[1]);
-    }
 }
 
 }  // namespace
