@@ -1,7 +1,4 @@
 #include <gtest/gtest.h>
-#include <lumcommon/core/LumError.h>
-#include <lumcommon/names/LumXmlUtil.h>
-#include <lumcommon/xml/LumXmlParser.h>
 
 #include <sstream>
 

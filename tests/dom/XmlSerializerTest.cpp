@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
-#include <lumcommon/core/LumError.h>
-#include <lumcommon/dom/LumXmlSerializer.h>
-#include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/names/LumXmlUtil.h>
+#include <lumcommon/lumcommon.h>
 
 #include <functional>
 #include <iterator>

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <set>
-#include <string>
 #include <string_view>
 
 namespace LumCommon::detail {
