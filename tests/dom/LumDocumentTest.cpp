@@ -35,7 +35,7 @@ TEST_F(LumDocumentTest, buildsTheTreesOfTheRows) {
     for (const std::vector<std::string>& row : readEscapedRows("dom/loaded.txt", 5)) {
         SCOPED_TRACE(row[2]);
         derived->dropped = text(row[4]);
-        const UnicodeString xml = text(row[0]);  // is read as long as loading goes on
+        const UnicodeString xml = text(row[0]);  // is read while loading lasts
         for (const bool isDeferred : {false, true}) {
             for (LumDocument* loaded : {document.get(), static_cast<LumDocument*>(derived.get())}) {
                 if (loaded != derived.get() && !row[4].empty()) continue;
@@ -199,7 +199,7 @@ TEST_F(LumDocumentTest, hooksSeeAttributesAndMayAskForMoreOrStop) {
         if (element->getLocalName().getString() == u"a") derived->abort();
     };
     derived->loadXml(u"<r><a>t</a><b/></r>");
-    EXPECT_EQ(xmlOf(*derived), "<r><a/></r>") << "reading goes on after an abort inside a hook";
+    EXPECT_EQ(xmlOf(*derived), "<r><a/></r>") << "reading continues after an abort inside a hook";
     derived->hooks.finish = [](LumNode*) { throw std::runtime_error("stop"); };
     EXPECT_THROW(derived->loadXml(u"<r/>"), std::runtime_error);
     derived->hooks.finish = nullptr;

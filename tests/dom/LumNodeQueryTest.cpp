@@ -128,7 +128,7 @@ const std::map<std::string, Answer> answers = {
 
 TEST(LumNodeQuery, answersWhatTheRowsTell) {
     LumPtr<LumDocument> document;
-    UnicodeString xml;  // is read as long as loading goes on
+    UnicodeString xml;  // is read while loading lasts
     for (const std::vector<std::string>& row : readEscapedRows("dom/queries.txt", 3)) {
         SCOPED_TRACE(row[2] + ": " + row[0]);
         std::istringstream words(row[0]);

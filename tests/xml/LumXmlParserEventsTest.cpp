@@ -18,8 +18,8 @@ std::vector<EventRecord> dropUntold(std::vector<EventRecord> records, const std:
     return records;
 }
 
-/// Shifts the document behind a comment so that a block border of the input falls on each of its bytes.
-void expectSameBehindFiller(const EventRow& row, Pull how, std::size_t border, std::size_t step) {
+/// Shifts the document after a comment so that a block border of the input falls on each of its bytes.
+void expectSameAfterFiller(const EventRow& row, Pull how, std::size_t border, std::size_t step) {
     constexpr std::string_view open = "<!--", close = "-->";
     for (std::size_t inside = 0; inside <= row.document.size(); inside += step) {
         const std::size_t prefixBytes = border - inside;
@@ -46,16 +46,16 @@ TEST(LumXmlParserEvents, areThoseOfTheRowWhereverAPieceOrABlockOfTheInputEnds) {
             for (const std::size_t pieceBytes : readSizes)
                 EXPECT_EQ(dropUntold(recordEvents(row.document, how, row.setup, pieceBytes), row.records), row.records);
             if (!canBeShifted) continue;
-            expectSameBehindFiller(row, how, 4096, 1);
-            expectSameBehindFiller(row, how, 16384, 1);
-            expectSameBehindFiller(row, how, 65536, 3);
+            expectSameAfterFiller(row, how, 4096, 1);
+            expectSameAfterFiller(row, how, 16384, 1);
+            expectSameAfterFiller(row, how, 65536, 3);
         }
     }
 }
 
 // What is asked for is returned as soon as it has been read: a reader at the other end of a pipe may be waiting for
 // the answer before it sends more.
-TEST(LumXmlParserEvents, doNotWaitForInputBehindThem) {
+TEST(LumXmlParserEvents, doNotWaitForInputAfterThem) {
     constexpr std::size_t lookAheadBytes = 4;
     PieceStream in("<?xml version=\"1.0\"?><a><b>text</b><c/></a>", 1);
     const LumPtr<LumXmlParser> parser = openParser(in);
