@@ -1,6 +1,7 @@
 // Any bytes may call themselves an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
-// depth rises and falls by one with start and end tags; a callback that continues after errors ends as well.
+// depth rises and falls by one with start and end tags; a callback that continues after errors ends as well; after an
+// error the parser may be asked again and given another document.
 
 #include <lumcommon/lumcommon.h>
 
@@ -93,6 +94,26 @@ public:
     }
 };
 
+/// After an error: the parser throws again or ends, and reads the next document as if there had been none before it.
+void askOn(LumXmlParser& parser, Setting setting) {
+    parser.setCallbackError(nullptr, nullptr);
+    setting.goOnAfterErrors = true;  // depths are off by now
+    for (int calls = 0, errors = 0; calls < 50 && errors < 10; ++calls) {
+        try {
+            setting.useTokens ? parser.nextToken() : parser.next();
+            Digest digest;
+            addEvent(parser, setting, digest);
+        } catch (const LumError&) {
+            ++errors;
+        }
+    }
+    std::istringstream good("<a>x</a>");
+    parser.setInput(good, UnicodeString(), UnicodeString());
+    FUZZ_LAW(parser.getDepth() == 0);
+    FUZZ_LAW(parser.next() == LumXmlParser::START_TAG && parser.getDepth() == 1 && parser.getColumnNumber() == 2);
+    FUZZ_LAW(parser.next() == LumXmlParser::TEXT && parser.getText() == UnicodeString(u"x"));
+}
+
 /// The code of the error that ends an expansion of entities beyond its limit.
 constexpr unsigned expansionError = 0x1837;
 
@@ -132,6 +153,7 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
         digest.add(error.code);
         digest.add(error.message);
         isCostly = isCostly || error.code == expansionError;
+        if (!isCostly) askOn(*parser, setting);
     }
     digest.add(static_cast<std::uint64_t>(reports.count));
     FUZZ_LAW(reports.count <= maxReports);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <functional>
 #include <istream>
 #include <limits>
 #include <memory>
@@ -62,25 +61,6 @@ public:
 private:
     std::string bytes_;
     PieceBuffer buffer_;
-};
-
-/// A buffer that is made while it is read: `next` gives the bytes of the next piece, none at the end.
-class GeneratedBuffer : public std::streambuf {
-public:
-    explicit GeneratedBuffer(std::function<std::string()> next) : next_(std::move(next)) {}
-
-protected:
-    int_type underflow() override {
-        if (gptr() < egptr()) return traits_type::to_int_type(*gptr());
-        piece_ = next_();
-        if (piece_.empty()) return traits_type::eof();
-        setg(piece_.data(), piece_.data(), piece_.data() + piece_.size());
-        return traits_type::to_int_type(*gptr());
-    }
-
-private:
-    std::function<std::string()> next_;
-    std::string piece_;
 };
 
 }  // namespace LumTest

@@ -5,13 +5,17 @@
 #include <lumcommon/xml/LumXmlParser.h>
 
 #include <cstdio>
+#include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "support/EscapedRows.h"
 #include "support/PieceStream.h"
 
 namespace LumTest {
@@ -116,32 +120,69 @@ inline LumXmlParser::EventType pull(LumXmlParser& parser, Pull how) {
 inline Position getPosition(const LumXmlParser& parser) { return {parser.getLineNumber(), parser.getColumnNumber()}; }
 
 /// What a parser is told besides the document.
-struct Setup {
+struct ParserSetup {
     std::vector<LumXmlParser::Feature> features = {};
     std::string encoding = {};
     std::string baseUri = {};
     std::vector<std::pair<std::string, std::string>> entities =
         {};  // defined after setInput, which forgets earlier ones
+    void (*onError)(const LumError& error, void* data) = nullptr;
+    void* onErrorData = nullptr;
+    bool goesOn = false;  // recordEvents() notes errors and lets the parser go on
 };
 
-inline LumPtr<LumXmlParser> openParser(std::istream& in, const Setup& setup = {}) {
+/// What a parser is told, in the words of a data file: features, and entities as name=text without a space.
+inline ParserSetup readSetup(const std::string& words) {
+    static constexpr const char* features[] = {"skip-dtd",          "ignore-undefined", "undeclared-prefix",
+                                               "ignore-dtd-errors", "ignore-encoding",  "builtin-only"};
+    ParserSetup setup;
+    std::istringstream in(words);
+    for (std::string word; std::getline(in, word, ' ');) {
+        const std::size_t equals = word.find('=');
+        const auto feature = std::find(std::begin(features), std::end(features), word);
+        if (equals != std::string::npos) {
+            setup.entities.emplace_back(word.substr(0, equals), word.substr(equals + 1));
+        } else if (feature != std::end(features)) {
+            setup.features.push_back(static_cast<LumXmlParser::Feature>(feature - std::begin(features)));
+        } else {
+            EXPECT_EQ(word, "go-on");
+            setup.goesOn = true;
+        }
+    }
+    return setup;
+}
+
+inline LumPtr<LumXmlParser> openParser(std::istream& in, const ParserSetup& setup = {}) {
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     for (const LumXmlParser::Feature feature : setup.features) parser->setFeature(feature, true);
+    parser->setCallbackError(setup.onError, setup.onErrorData);
     parser->setInput(in, fromUtf8(setup.encoding), fromUtf8(setup.baseUri));
     for (const auto& [name, text] : setup.entities)
         parser->defineEntityReplacementText(LumName(fromUtf8(name)), fromUtf8(text));
     return parser;
 }
 
-/// All events up to the end of the document; an error is the last record, with the position in its message.
-inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how, const Setup& setup = {},
+/// All events up to the end of the document; an error is the last record, with the position in its message. Where the
+/// parser goes on, its errors are records too, by their codes.
+inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how, ParserSetup setup = {},
                                              std::size_t pieceBytes = wholeInput) {
+    constexpr std::size_t tooManyRecords = 1000000;
     std::vector<EventRecord> records;
+    if (setup.goesOn) {
+        setup.onErrorData = &records;
+        setup.onError = [](const LumError& error, void* data) {
+            auto& told = *static_cast<std::vector<EventRecord>*>(data);
+            char code[16];
+            std::snprintf(code, sizeof code, "told %04X", static_cast<unsigned>(error.code));
+            told.push_back({code, {}});
+            if (told.size() > 1000) throw LumError(error);
+        };
+    }
     PieceStream in(document, pieceBytes);
     try {
         const LumPtr<LumXmlParser> parser = openParser(in, setup);
         LumXmlParser::EventType type = LumXmlParser::START_DOCUMENT;
-        while (type != LumXmlParser::END_DOCUMENT) {
+        while (type != LumXmlParser::END_DOCUMENT && records.size() < tooManyRecords) {
             type = pull(*parser, how);
             records.push_back({describe(*parser), getPosition(*parser)});
         }
@@ -157,14 +198,43 @@ inline std::vector<std::string> getDescriptions(const std::vector<EventRecord>& 
     return events;
 }
 
-/// A document with a bar behind the furthest character that has been read at each event, and where the bars stand.
+/// Tags and text as they are read, without declarations of namespaces; an error by its code:
+///     <{uri}name {uri}attribute='value'>text</{uri}name>!1837
+inline std::string tell(std::string_view document, const ParserSetup& setup = {}, std::size_t pieceBytes = wholeInput) {
+    std::string told;
+    PieceStream in(document, pieceBytes);
+    try {
+        const LumPtr<LumXmlParser> parser = openParser(in, setup);
+        for (LumXmlParser::EventType type; (type = parser->next()) != LumXmlParser::END_DOCUMENT;) {
+            const std::string name = showName(LumName(), parser->getName(), parser->getNamespace());
+            if (type == LumXmlParser::TEXT) told += toUtf8(parser->getText());
+            if (type == LumXmlParser::END_TAG) told += "</" + name + ">";
+            if (type != LumXmlParser::START_TAG) continue;
+            told += "<" + name;
+            for (int i = 0; i < parser->getAttributeCount(); ++i) {
+                const LumName uri = parser->getAttributeNamespace(i);
+                if (uri == LumName(LumCommon::NAME_NS_XMLNS)) continue;
+                told += " " + showName(LumName(), parser->getAttributeName(i), uri) + "='" +
+                        toUtf8(parser->getAttributeValue(i)) + "'";
+            }
+            told += ">";
+        }
+    } catch (const LumError& error) {
+        char code[16];
+        std::snprintf(code, sizeof code, "!%04X", static_cast<unsigned>(error.code));
+        told += code;
+    }
+    return told;
+}
+
+/// A document with a caret after the furthest character that has been read at each event, and where the carets stand.
 struct MarkedDocument {
     std::string bytes;
     std::vector<Position> positions;
     Position end;
 };
 
-/// Cuts out the bars and counts characters and lines up to each.
+/// Cuts out the carets and counts characters and lines up to each.
 /// A "<" at the very start does not count: it was read to recognise the encoding, not as a character.
 inline MarkedDocument readMarks(std::string_view marked) {
     MarkedDocument document;
@@ -172,7 +242,7 @@ inline MarkedDocument readMarks(std::string_view marked) {
     bool afterReturn = false;
     for (std::size_t i = 0; i < marked.size(); ++i) {
         const auto byte = static_cast<unsigned char>(marked[i]);
-        if (byte == '|') {
+        if (byte == '^') {
             document.positions.push_back(here);
             continue;
         }
@@ -190,6 +260,52 @@ inline MarkedDocument readMarks(std::string_view marked) {
     }
     document.end = here;
     return document;
+}
+
+/// A document of a data file and what reading it yields.
+struct EventRow {
+    std::string fault;
+    ParserSetup setup;
+    std::vector<Pull> ways;
+    std::string document;
+    std::vector<EventRecord> records;  // without positions where the row tells none
+};
+
+/// Rows of several lines: "= fault", "with" what the parser is told, then "next", "token" or "both" with the document
+/// as one way of pulling it or both need it, and an event a line, with " at line:column" or not. A caret stands after
+/// the furthest character that is read at each event: nextToken() looks no further than the token needs, next() looks
+/// past text for more text.
+inline std::vector<EventRow> readEventRows(const std::string& file) {
+    std::ifstream in(LUM_TEST_DATA + ("/" + file));
+    std::vector<EventRow> rows;
+    std::string fault, setup;
+    MarkedDocument marked;
+    for (std::string line; std::getline(in, line);) {
+        const std::size_t space = line.find(' ');
+        const std::string word = line.substr(0, space), rest = space == std::string::npos ? "" : line.substr(space + 1);
+        if (word == "=") {
+            fault = rest;
+            setup.clear();
+        } else if (word == "with") {
+            setup = unescape(rest);
+        } else if (word == "next" || word == "token" || word == "both") {
+            marked = readMarks(unescape(rest));
+            rows.push_back({fault, readSetup(setup), {}, marked.bytes, {}});
+            if (word != "token") rows.back().ways.push_back(Pull::events);
+            if (word != "next") rows.back().ways.push_back(Pull::tokens);
+        } else if (word.empty() && !line.empty()) {
+            EventRecord record{unescape(line.substr(2)), {}};
+            const std::size_t at = record.event.rfind(" at "), index = rows.back().records.size();
+            if (index < marked.positions.size()) record.position = marked.positions[index];
+            if (at != std::string::npos && std::sscanf(record.event.c_str() + at, " at %d:%d", &record.position.line,
+                                                       &record.position.column) == 2)
+                record.event.resize(at);
+            if (record.event == "END_DOCUMENT 0" && !marked.positions.empty()) record.position = marked.end;
+            rows.back().records.push_back(record);
+        }
+    }
+    EXPECT_FALSE(rows.empty()) << file;
+    return rows;
 }
 
 }  // namespace LumTest

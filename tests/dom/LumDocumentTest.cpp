@@ -1,0 +1,366 @@
+#include <lumcommon/lumcommon.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <sstream>
+#include <thread>
+
+#include "dom/CountedDocument.h"
+#include "support/EscapedRows.h"
+#include "support/ExpectError.h"
+#include "support/LoopbackServer.h"
+#include "support/PieceStream.h"
+#include "support/TempFolder.h"
+
+namespace LumTest {
+namespace {
+
+std::string xmlOf(LumDocument& document) {
+    LumElement* const root = document.getDocumentElement();
+    return root ? utf8(document.saveXml(root)) : "none";
+}
+
+class LumDocumentTest : public testing::Test {
+protected:
+    LumDocumentTest() { document->getSerializer()->setGenerator(UnicodeString()); }
+
+    LumPtr<LumDocument> document{new LumDocument};
+    NodeCounter counter;
+    LumPtr<CountedDocument> derived{new CountedDocument(counter)};
+};
+
+TEST_F(LumDocumentTest, buildsTheTreesOfTheRows) {
+    for (const std::vector<std::string>& row : readEscapedRows("dom/loaded.txt", 5)) {
+        SCOPED_TRACE(row[2]);
+        derived->dropped = text(row[4]);
+        const UnicodeString xml = text(row[0]);  // is read while loading lasts
+        for (const bool isDeferred : {false, true}) {
+            for (LumDocument* loaded : {document.get(), static_cast<LumDocument*>(derived.get())}) {
+                if (loaded != derived.get() && !row[4].empty()) continue;
+                loaded->setDeferredLoad(isDeferred);
+                auto in = std::make_unique<PieceStream>(row[0], 1);
+                std::string code;
+                try {
+                    row[3].empty() ? loaded->loadXml(xml) : loaded->load(*in);
+                    LumTreeIterator walk(loaded, LumTreeIterator::ENTER);
+                    while (!row[3].empty() && walk.nextNode()) {
+                    }
+                } catch (const LumError& error) {
+                    std::ostringstream shown;
+                    shown << std::hex << error.code;
+                    code = shown.str();
+                }
+                in = nullptr;  // whoever reads on after the error reads freed memory
+                EXPECT_EQ(code, row[3]);
+                EXPECT_EQ(xmlOf(*loaded), row[1]);
+                EXPECT_EQ(loaded->loadNextNode(), nullptr);
+                EXPECT_TRUE(!code.empty() || loaded->getFlags() == unsigned{LumNode::FLAG_COMPLETE});
+            }
+        }
+    }
+    expectError(0x1004, "Unexpected end of input stream.", "LumCommon::XmlParserImpl::checkStream",
+                [&] { document->loadXml(UnicodeString()); });
+}
+
+TEST_F(LumDocumentTest, uriAndTargetAreKeptApart) {
+    std::istringstream in("<n>t</n>");
+    document->loadXml(u"<r><old/></r>");
+    LumElement* const root = document->getDocumentElement();
+    document->load(UnicodeString(LUM_TEST_DATA "/fo/manpage.fo"), root);
+    EXPECT_EQ(utf8(document->getDocumentUri()), "") << "a part does not give the document its URI";
+    EXPECT_EQ(root->getChildNodeCount(), 1) << "old children stay";
+    document->load(UnicodeString(LUM_TEST_DATA "/fo/manpage.fo"));
+    EXPECT_EQ(utf8(document->getDocumentUri()), LUM_TEST_DATA "/fo/manpage.fo");
+    const LumPtr<LumDocumentFragment> fragment = document->createDocumentFragment();
+    document->load(in, fragment.get());
+    EXPECT_EQ(utf8(document->saveXml(fragment.get())), "<n>t</n>");
+    EXPECT_EQ(fragment->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
+    EXPECT_NE(utf8(document->getDocumentUri()), "");
+    document->setParser(document->getParser());
+    EXPECT_EQ(utf8(document->getDocumentUri()), "") << "a new parser has read nothing yet";
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    std::istringstream rest("<a><b/><c/></a>");
+    parser->setInput(rest, UnicodeString(), UnicodeString());
+    document->setParser(parser.get());
+    document->load();
+    EXPECT_EQ(xmlOf(*document), "<a><b/><c/></a>");
+    expectError(0x1003, "Cannot open file: " LUM_TEST_DATA "/none.xml", "LumCommon::XmlParserImpl::setInput",
+                [&] { document->load(UnicodeString(LUM_TEST_DATA "/none.xml")); });
+}
+
+TEST_F(LumDocumentTest, anErrorBeforeReadingEndsTheOlderLoadAndSoDoesTheEndOfTheDocument) {
+    const UnicodeString xml(u"<r><a/><b/></r>");
+    document->setDeferredLoad(true);
+    document->loadXml(xml);
+    document->getDocumentElement();
+    EXPECT_THROW(document->load(UnicodeString(u"/no/such/file")), LumError);
+    EXPECT_EQ(xmlOf(*document), "<r/>");
+    document->loadXml(xml);
+    const LumPtr<LumNode> root(document->getDocumentElement());
+    EXPECT_EQ(utf8(root->getFirstChild()->getNodeName().getString()), "a");
+    document = nullptr;
+    EXPECT_EQ(root->getLastChild(), root->getFirstChild()) << "a node asks its dead document for more";
+}
+
+TEST_F(LumDocumentTest, nullDropsTextsAndWhatACopyWouldMake) {
+    derived->dropsText = true;
+    derived->loadXml(u"<a>x<d>y</d>z</a>");
+    EXPECT_EQ(xmlOf(*derived), "<a><d/></a>");
+    EXPECT_EQ(derived->getDocumentElement()->appendChildText(u"t"), nullptr);
+    derived->dropped = u"d";
+    EXPECT_EQ(utf8(derived->saveXml(derived->getDocumentElement()->cloneNode(true).get())), "<a/>")
+        << "a copy leaves out what the document does not make";
+}
+
+/// Opens nothing: it throws, or gives streams without a byte.
+class Refusing : public LumUriReferenceResolver {
+public:
+    explicit Refusing(bool throws) : throws_(throws) { LumUri::setUriReferenceResolver(this); }
+    ~Refusing() override { LumUri::setUriReferenceResolver(nullptr); }
+    std::istream* getStream(const UnicodeString& uri) override {
+        asked = utf8(uri);
+        if (throws_) throw std::runtime_error("refused");
+        return new std::istringstream;
+    }
+    std::string asked;
+
+private:
+    bool throws_;
+};
+
+TEST_F(LumDocumentTest, aResolverThatRefusesKeepsADocumentOffFilesAndServers) {
+    const TempFolder folder;
+    const LoopbackServer server([&](const std::string& request) {
+        const std::string name = request.substr(5, request.find(' ', 5) - 5);
+        return LoopbackServer::Answer{{"HTTP/1.0 200 OK\r\n\r\n" + readFile(folder.getPath() + name)}};
+    });
+    const std::string places[][3] = {
+        {"<!DOCTYPE r [<!ENTITY e SYSTEM '", "'>]><r>&e;</r>", "secret"},
+        {"<!DOCTYPE r [<!ENTITY % p SYSTEM '", "'>%p;]><r>&e;</r>", "<!ENTITY e 'secret'>"},
+        {"<!DOCTYPE r SYSTEM '", "'><r>&e;</r>", "<!ENTITY e 'secret'>"},
+    };
+    int count = 0;  // what has been read of a definition once is kept, so each is another one
+    const std::string folderUri = "file://" + folder.getPath();
+    document->setInputOption(UnicodeString::fromUTF8(folderUri));
+    for (const std::string& base : {folderUri, folder.getPath(), std::string(), server.url("/")}) {
+        for (const auto& [start, end, bytes] : places) {
+            const std::string name = std::to_string(count++);
+            writeFile(folder.getPath() + name, bytes);
+            const std::string xml = start + base + name + end;
+            SCOPED_TRACE(xml);
+            const auto load = [&] {
+                try {
+                    document->loadXml(UnicodeString::fromUTF8(xml));
+                    return xmlOf(*document);
+                } catch (const LumError& error) {
+                    return utf8(error.getMessage());
+                }
+            };
+            const std::size_t requests = server.getRequests().size();
+            for (const bool throws : {true, false}) {
+                Refusing resolver(throws);
+                EXPECT_EQ(load().find("secret"), std::string::npos);
+                EXPECT_NE(resolver.asked, "");
+            }
+            EXPECT_EQ(server.getRequests().size(), requests);
+            EXPECT_EQ(load(), "<r>secret</r>") << "without a resolver it is not opened: nothing was proved";
+        }
+    }
+}
+
+TEST_F(LumDocumentTest, hooksDecideWhereLoadingGoesOn) {
+    // Each child of r gets a wrapper around it. The end tag of the child closes both.
+    derived->hooks.append = [&](LumNode* parent, LumNode* child) {
+        if (parent != derived->getDocumentElement()) return parent->appendChild(child);
+        const LumPtr<LumElement> wrapper = derived->createElement(LumName(u"w"));
+        wrapper->setFlags(LumNode::FLAG_STEP_OVER);
+        parent->appendChild(wrapper.get());
+        return wrapper->appendChild(child);
+    };
+    derived->loadXml(u"<r><a>x</a><b><c/></b>y</r>");
+    EXPECT_EQ(xmlOf(*derived), "<r><w><a>x</a></w><w><b><c/></b></w>y</r>");
+}
+
+TEST_F(LumDocumentTest, hooksSeeAttributesAndMayAskForMoreOrStop) {
+    std::string seen;
+    derived->hooks.finish = [&](LumNode* element) {
+        seen += utf8(element->getLocalName().getString()) + std::to_string(element->getAttributes()->getCount());
+        // All three would read on in the middle of a start tag.
+        EXPECT_EQ(element->getFirstChild(), nullptr);
+        EXPECT_EQ(element->getParentNode(), nullptr);
+        derived->getLastChild();
+    };
+    derived->loadXml(u"<r x='1' y='2'><a z='3'>t</a><b/></r>");
+    EXPECT_EQ(xmlOf(*derived), "<r x=\"1\" y=\"2\"><a z=\"3\">t</a><b/></r>");
+    EXPECT_EQ(seen, "r2a1b0");
+    derived->hooks.finish = [&](LumNode* element) {
+        if (element->getLocalName().getString() == u"a") derived->abort();
+    };
+    derived->loadXml(u"<r><a>t</a><b/></r>");
+    EXPECT_EQ(xmlOf(*derived), "<r><a/></r>") << "reading continues after an abort inside a hook";
+    derived->hooks.finish = [](LumNode*) { throw std::runtime_error("stop"); };
+    EXPECT_THROW(derived->loadXml(u"<r/>"), std::runtime_error);
+    derived->hooks.finish = nullptr;
+    derived->loadXml(u"<r/>");
+    EXPECT_EQ(xmlOf(*derived), "<r/>") << "after a hook has thrown, nothing loads any more";
+}
+
+TEST_F(LumDocumentTest, loadNextNodeGivesEachNodeToOneThread) {
+    constexpr int childCount = 3000;
+    UnicodeString xml(u"<r>");
+    for (int i = 0; i < childCount; ++i) xml.append(u"<a b='c'/>");
+    xml.append(u"</r>");
+    document->setDeferredLoad(true);
+    document->loadXml(xml);
+    std::atomic<int> nodes = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            while (document->loadNextNode()) ++nodes;
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(nodes, childCount + 1);
+    EXPECT_EQ(document->getDocumentElement()->getChildNodeCount(), childCount);
+}
+
+TEST_F(LumDocumentTest, eachFormWritesItsProlog) {
+    document->loadXml(u"<r><a>\u00E9</a></r>");
+    LumNode* const a = document->getDocumentElement()->getFirstChild();
+    const auto saved = [](auto save) {
+        const auto out = std::make_unique<std::ostringstream>();  // dies before the next output is set
+        save(*out);
+        return out->str();
+    };
+    EXPECT_EQ(saved([&](auto& out) { document->save(out, nullptr, UnicodeString()); }),
+              "<?xml version=\"1.0\"?><r><a>\xC3\xA9</a></r>")
+        << "an encoding is declared";
+    EXPECT_EQ(saved([&](auto& out) { document->save(out, a, u"utf-8"); }),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a>\xC3\xA9</a>")
+        << "the node is not the one asked for";
+    EXPECT_EQ(saved([&](auto& out) { document->save(out, nullptr, u"", u"pi x"); }),
+              "<?xml version=\"1.0\"?><?pi x?><r><a>\xC3\xA9</a></r>")
+        << "the instruction is lost";
+    EXPECT_EQ(saved([&](auto& out) { document->save(u" c ", u"r SYSTEM \"r.dtd\"", out, nullptr, u"UTF-8"); }),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><!-- c --><!DOCTYPE r SYSTEM \"r.dtd\"><r><a>\xC3\xA9</a></r>")
+        << "comment and document type change places";
+    EXPECT_EQ(saved([&](auto& out) { document->save(u"", u"", out, a, u""); }),
+              "<?xml version=\"1.0\"?><a>\xC3\xA9</a>")
+        << "empty parts are written";
+    EXPECT_EQ(utf8(document->saveXml()), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><r><a>\xC3\xA9</a></r>");
+    EXPECT_EQ(utf8(document->saveXml(a)), "<a>\xC3\xA9</a>") << "an element has no declaration";
+    const TempFolder folder;
+    document->loadXml(u"<r/>");
+    document->save(text(folder.getPath() + "a.xml"));
+    EXPECT_EQ(readFile(folder.getPath() + "a.xml"), "<?xml version=\"1.0\"?><r/>")
+        << "saving ends before the file does";
+}
+
+TEST_F(LumDocumentTest, aFailedOutputHarmsOnlyItsOwnSaving) {
+    document->loadXml(u"<r/>");
+    auto broken = std::make_unique<std::ostringstream>();
+    broken->setstate(std::ios::badbit);
+    expectError(0x1007, "Output stream error.", "LumCommon::XmlSerializerImpl::checkStream",
+                [&] { document->save(*broken, nullptr, UnicodeString()); });
+    broken = nullptr;
+    std::ostringstream out;
+    document->save(out, nullptr, UnicodeString());
+    EXPECT_EQ(out.str(), "<?xml version=\"1.0\"?><r/>");
+    const LumPtr<LumAttr> attr = document->createAttribute(NAME_id);
+    expectError(0x812, "SYSTEM ERROR: Unsupported node type.", "LumCommon::LumDocument::doSave",
+                [&] { document->save(out, attr.get(), UnicodeString()); });
+}
+
+TEST_F(LumDocumentTest, attributesAreWrittenFromTheirValues) {
+    LumValue compound(1.5f, UNIT_PT);
+    compound.setNamedItem(LumName(u"maximum"), LumValue(2.0f, UNIT_CM));
+    LumValue color(0x00FF00);
+    color.setUnit(UNIT_COLOR);
+    const auto written = [&](const LumValue& value) {
+        const LumPtr<LumElement> element = document->createElement(LumName(u"e"));
+        element->setAttribute(LumName(u"v"), value);
+        return utf8(document->saveXml(element.get()));
+    };
+    EXPECT_EQ(written(LumValue()), "<e/>") << "a null value is written";
+    EXPECT_EQ(written(LumValue(static_cast<LumRCObject*>(document.get()))), "<e/>") << "an object is written";
+    EXPECT_EQ(written(LumValue(UnicodeString())), "<e v=\"\"/>") << "an empty string is left out";
+    EXPECT_EQ(written(LumValue(u"a\"<&")), "<e v=\"a&quot;&lt;&amp;\"/>") << "a string is not escaped";
+    EXPECT_EQ(written(LumValue(1.5f, UNIT_PT)), "<e v=\"1.5pt\"/>") << "a number loses its unit";
+    EXPECT_EQ(written(LumValue(LumName(u"auto"))), "<e v=\"auto\"/>") << "a name is not written";
+    EXPECT_EQ(written(compound), "<e v=\"1.5pt\" v.maximum=\"2cm\"/>") << "a compound is one attribute";
+    EXPECT_EQ(written(color), "<e v=\"#00FF00\"/>") << "a colour is written as a number";
+    EXPECT_EQ(written(LumValue(LumColor(LumColor(0, 255, 0), u"Gold", 0.5f))),
+              "<e v=\"rgb-icc(0,255,0,#SEPARATION,&quot;Gold&quot;,0.5)\"/>")
+        << "a print colour is written as its entries";
+    EXPECT_EQ(written(LumValue::parse(u"'a'")), "<e v=\"a\"/>") << "a quoted string keeps its quotes";
+    EXPECT_EQ(written(LumTokenizer(u"url(a.png)").nextTokenValueFunc()), "<e v=\"a.png\"/>")
+        << "an address gets a wrapper";
+    EXPECT_EQ(written(LumTokenizer(u"(").nextTokenValue()), "<e v=\"(\"/>") << "a delimiter is written as its code";
+}
+
+// The syntax of colours is that of the whole document, wherever saving begins.
+TEST_F(LumDocumentTest, aDrawingHasItsOwnSyntaxOfColours) {
+    const LumValue plain(LumColor(0, 255, 0));
+    const LumValue print(LumColor(LumColor(0, 255, 0), 0.0f, 1.0f, 0.5f, 0.0f));
+    LumValue compound(plain);
+    compound.setNamedItem(NAME_maximum, plain);
+    const std::pair<const char16_t*, const char*> cases[] = {
+        {u"<svg xmlns='http://www.w3.org/2000/svg'><g/></svg>",
+         "<g a=\"lime\" b=\"lime icc-color(#CMYK,0,1,0.5,0)\" c=\"#00FF00\" c.maximum=\"#00FF00\""},
+        {u"<r><g xmlns='http://www.w3.org/2000/svg'/></r>",  // a drawing inside another document
+         "<g a=\"#00FF00\" b=\"rgb-icc(0,255,0,#CMYK,0,1,0.5,0)\" c=\"#00FF00\" c.maximum=\"#00FF00\""},
+    };
+    for (const auto& [xml, written] : cases) {
+        document->loadXml(xml);
+        auto* const element = static_cast<LumElement*>(document->getDocumentElement()->getFirstChild());
+        element->setAttribute(LumName(u"a"), plain);
+        element->setAttribute(LumName(u"b"), print);
+        element->setAttribute(LumName(u"c"), compound);
+        EXPECT_EQ(utf8(document->saveXml(element)), written + std::string(" xmlns=\"http://www.w3.org/2000/svg\"/>"));
+        EXPECT_NE(utf8(document->saveXml()).find(written), std::string::npos);
+    }
+}
+
+TEST_F(LumDocumentTest, textsKeepEvenHalfASurrogatePair) {
+    const char16_t half[] = {u'x', 0xD834, u'y', 0xDD1E, 0xD7FF, 0};
+    const LumPtr<LumElement> element = document->createElement(LumName(u"e"));
+    element->appendChildText(half);
+    element->appendChild(document->createProcessingInstruction(u"pi <x>").get());
+    UnicodeString expected(u"<e>");
+    expected.append(half, 5).append(u"<?pi <x>?></e>");
+    EXPECT_TRUE(document->saveXml(element.get()) == expected);
+}
+
+TEST_F(LumDocumentTest, ofAnyLengthPassesThroughFewNodes) {
+    constexpr int childCount = 20000;
+    std::string xml = "<r xmlns='u:d' a='1'>\n", expected = "<?xml version=\"1.0\"?><r a=\"1\" xmlns=\"u:d\">\n";
+    for (int i = 1; i <= childCount; ++i) {
+        const std::string number = std::to_string(i);
+        xml += "<c n='" + number + "'><d>text</d><e/></c>\n";
+        expected += "<c n=\"" + number + "\"><d>text</d><e/></c>\n";
+    }
+    PieceStream in(xml + "</r>");
+    std::ostringstream out;
+    derived->getSerializer()->setGenerator(UnicodeString());
+    derived->setDeferredLoad(true);
+    derived->load(in);
+    derived->saveDocumentElement(out);
+    LumNode* const root = derived->getDocumentElement();
+    for (LumNode* child = root->getFirstChild(); child;) {
+        derived->saveChildElement(child);
+        LumNode* const following = child->getNextSibling();
+        child->deleteAllChildNodes();
+        root->removeChild(child);
+        child = following;
+    }
+    derived->closeDocumentElement();
+    EXPECT_LT(counter.most, 10);
+    EXPECT_TRUE(out.str() == expected + "</r>");
+    derived = nullptr;
+    EXPECT_EQ(counter.live, 0);
+}
+
+}  // namespace
+}  // namespace LumTest
