@@ -20,7 +20,7 @@ class LUM_API OleDirPath {
 public:
     OleDirPath() = default;
     OleDirPath(std::initializer_list<std::string> names) : names_(names) {}
-    explicit OleDirPath(std::vector<std::string> names) : names_(std::move(names)) {}
+    OleDirPath(std::vector<std::string> names) : names_(std::move(names)) {}
 
     int getCount() const noexcept { return static_cast<int>(names_.size()); }
     /// @param index  from 0 to getCount() - 1.
