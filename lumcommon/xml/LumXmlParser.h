@@ -18,7 +18,7 @@ class LumError;
 ///
 /// Errors: malformed input throws a LumError with a code from 0x1801 to 0x1839 whose message ends with the position,
 /// unless a callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
-/// Positions: line and column of the furthest character read so far, which may lie a character or two behind the
+/// Positions: line and column of the furthest character read so far, which may lie a character or two after the
 /// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
 /// the line. Replacement text of entities does not count, nor do the first characters of an input where they served
 /// to recognise its encoding.
@@ -69,8 +69,8 @@ public:
     virtual bool getFeature(Feature feature) const = 0;
     /// Media type ("text/html") and file extension (".html") of the input, for isXhtmlType() and isHtmlType().
     virtual void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) = 0;
-    /// Hands errors to `callback` instead of throwing them; null removes it. When the callback returns, parsing goes
-    /// on behind the error; to stop it, the callback throws. The error that it gets has no position.
+    /// Hands errors to `callback` instead of throwing them; null removes it. When the callback returns, parsing
+    /// continues after the error; to stop it, the callback throws. The error that it gets has no position.
     virtual void setCallbackError(void (*callback)(const LumError&, void*), void* data) = 0;
     /// Starts a new document.
     /// @param in        must outlive the parsing; stays the caller's. It is read in blocks, as far as it has data.

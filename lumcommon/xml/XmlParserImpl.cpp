@@ -1,6 +1,4 @@
 #include <lumcommon/core/LumStrings.h>
-#include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/XmlParserImpl.h>
 #include <lumcommon/xml/detail/ExternalDtdReader.h>
 
@@ -10,6 +8,7 @@ namespace LumCommon {
 
 namespace XmlError = detail::XmlError;
 using detail::EntityKind;
+using Declaration = detail::MarkupReader::Declaration;
 using detail::TokenKind;
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) {
@@ -101,12 +100,8 @@ const UnicodeString& XmlParserImpl::getAttributeValue(LumName namespaceUri, LumN
     if (parts_.event.type != START_TAG) {
         throwCommonError(LumErrorCodeLumLIB::IndexOutOfRange, LumCommonErrorSource::ParserGetAttributeValue);
     }
-    const detail::AttributeList& attributes = tags_.attributes();
-    for (std::size_t i = 0; i < attributes.size(); ++i) {
-        if (attributes[i].name.localName != localName) continue;
-        if (tags_.namespaces().lookupNamespace(attributes[i].name.prefix) == namespaceUri) return attributes.value(i);
-    }
-    return LumBogusString::BOGUS_VALUE;
+    const std::size_t index = tags_.findAttribute(namespaceUri, localName);
+    return index < tags_.attributes().size() ? tags_.attributes().value(index) : LumBogusString::BOGUS_VALUE;
 }
 
 LumXmlParser::EventType XmlParserImpl::startDocument() {
@@ -155,38 +150,9 @@ void XmlParserImpl::readReference() {
 }
 
 bool XmlParserImpl::readDeclaration() {
-    parts_.event.next = TokenKind::Unknown;
-    std::int32_t c = parts_.inputs.readChar();
-    if (c == '[') {
-        if (parts_.names.readNCName() != NAME_CDATA) {
-            parts_.markup.skipSection();
-            return false;
-        }
-        c = parts_.inputs.readChar();
-        if (c != '[') {
-            parts_.inputs.unreadChar(c);
-            parts_.errors.report(XmlError::CDataSyntax);
-        }
-        parts_.markup.readCData();
-        return true;
-    }
-    if (c == '-') {
-        c = parts_.inputs.readChar();
-        if (c != '-') {
-            parts_.inputs.unreadChar(c);
-            parts_.errors.report(XmlError::CommentSyntax);
-        }
-        parts_.markup.readComment();
-        return true;
-    }
-    parts_.inputs.unreadChar(c);
-    const LumName name = parts_.names.readNCName();
-    if (name == NAME_DOCTYPE) {
-        readDocType();
-        return true;
-    }
-    parts_.errors.report(XmlError::MarkupDecl, name.getString());
-    return false;
+    const Declaration declaration = parts_.markup.readDeclaration();
+    if (declaration == Declaration::DocType) readDocType();
+    return declaration != Declaration::Passed;
 }
 
 void XmlParserImpl::readDocType() {
@@ -195,18 +161,10 @@ void XmlParserImpl::readDocType() {
     if (isDocTypeSeen_) parts_.errors.report(XmlError::SecondDocType);
     const detail::ExternalId id = parts_.definitions.readDocType();
     tags_.bindDocType(id.publicId);
-    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) addExternalDtd(id.systemId);
-    isDocTypeSeen_ = true;
-}
-
-void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
-    const LumUri resource(LumUri(getBaseUri()), systemId);
-    if (resource.toString().startsWith(u"http://www.w3.org/Math/DTD/mathml2/")) {
-        parts_.entities.addMathML();
-        return;
+    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) {
+        detail::addExternalDtd(parts_.entities, id.systemId, getBaseUri(), parts_.policy.forgivesExternalDtdErrors());
     }
-    const UnicodeString baseUri = LumUri(systemId).isAbsolute() ? UnicodeString() : getBaseUri();
-    parts_.entities.declare(*detail::readExternalDtd(resource, baseUri, parts_.policy.forgivesExternalDtdErrors()));
+    isDocTypeSeen_ = true;
 }
 
 LumXmlParser::EventType XmlParserImpl::nextToken() { return readEvent(false); }

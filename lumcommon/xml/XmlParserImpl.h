@@ -81,7 +81,6 @@ private:
     void readReference();
     bool readDeclaration();  // whether there is an event to report
     void readDocType();
-    void addExternalDtd(const UnicodeString& systemId);
     bool endsText(detail::TokenKind following);
 
     detail::ReaderParts parts_;

@@ -8,6 +8,7 @@
 #include <lumcommon/xml/detail/ParserPolicy.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
+#include <algorithm>
 #include <string_view>
 
 namespace LumCommon::detail {
@@ -94,6 +95,9 @@ void DefinitionReader::readToken(int& nesting) {
     }
     event_.text.appendCodePoint(c);
     switch (token) {
+        case DefinitionToken::Character:
+            copyCharacters();
+            break;
         case DefinitionToken::Quote:
             copyLiteral(static_cast<char16_t>(c));
             break;
@@ -117,6 +121,16 @@ void DefinitionReader::readToken(int& nesting) {
     }
 }
 
+void DefinitionReader::copyCharacters() {
+    XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    const char16_t* const end = std::find_if_not(start, static_cast<const char16_t*>(cursor.end),
+                                                 [this](char16_t unit) { return tokens_.isCharacter(unit); });
+    event_.text.append(start, static_cast<std::size_t>(end - start));
+    cursor.cur = end;
+    cursor.touch(end);
+}
+
 // What these miss at the end of input is told by the token that comes next.
 
 void DefinitionReader::copyLiteral(char16_t quote) {
@@ -131,7 +145,7 @@ void DefinitionReader::copyThrough(std::u16string_view end) {
 }
 
 void DefinitionReader::skipIgnoredSection() {
-    // Sections in an ignored section have an end of their own. The ">" of the last end is left to the caller.
+    // Sections in an ignored section have their own ends. The ">" of the last end is left to the caller.
     char16_t before[2] = {};
     for (int sections = 1;;) {
         const std::int32_t c = inputs_.readChar();

@@ -43,12 +43,13 @@ public:
     ExternalId readDocType();
     /// Reads a declaration outside of a document type declaration, after its "<!".
     void readDeclaration();
-    /// Reads what follows a "%" outside of a declaration; it is text where it is no reference to an entity.
+    /// Reads what follows a "%" outside of a declaration; it is text unless it makes a reference to an entity.
     void readReferenceInText() { readReference(false); }
 
 private:
     void readBody();
     void readToken(int& nesting);
+    void copyCharacters();
     void copyLiteral(char16_t quote);
     void copyThrough(std::u16string_view end);
     void skipIgnoredSection();

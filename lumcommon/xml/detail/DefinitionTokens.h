@@ -8,7 +8,7 @@ namespace LumCommon::detail {
 enum class DefinitionToken : int {
     End,             ///< of the input
     Character,       ///< of a name, a keyword or a model that is read over
-    MarkupStart,     ///< "<"; what it begins may follow as a token of its own
+    MarkupStart,     ///< "<"; what it begins may follow as another token
     MarkupEnd,       ///< ">"
     Quote,           ///< begins a literal
     Reference,       ///< "%"
@@ -27,6 +27,10 @@ public:
     /// Begins a run that continues with what stands after "<!".
     void startAfterBang() noexcept;
     void startEmpty() noexcept { isOpening_ = false; }
+    /// Whether `unit` cannot be but a character here; it need not be added then.
+    bool isCharacter(char16_t unit) const noexcept {
+        return !isOpening_ && unit != '<' && unit != '>' && unit != '%' && unit != '"' && unit != '\'';
+    }
 
 private:
     static constexpr int openingCount = 4;

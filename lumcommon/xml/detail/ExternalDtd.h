@@ -19,7 +19,7 @@ struct ExternalDtd {
 };
 
 /// The definitions read in this process, by the resolved URI of the definition. It is only added to.
-/// Threads: any; guarded by a lock of its own, which is not held while a definition is read.
+/// Threads: any; guarded by a lock, which is not held while a definition is read.
 class ExternalDtdCache {
 public:
     /// Null when the URI has not been read.

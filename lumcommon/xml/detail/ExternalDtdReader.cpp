@@ -7,6 +7,8 @@ namespace LumCommon::detail {
 
 namespace {
 
+constexpr char16_t mathMLAddress[] = u"http://www.w3.org/Math/DTD/mathml2/";
+
 void readDeclarations(ReaderParts& parts) {
     parts.start();
     for (;;) {
@@ -41,11 +43,8 @@ bool read(ReaderParts& parts, const LumUri& resource, const UnicodeString& baseU
     return true;
 }
 
-}  // namespace
-
 std::shared_ptr<const ExternalDtd> readExternalDtd(const LumUri& resource, const UnicodeString& baseUri,
                                                    bool forgivesErrors) {
-    if (std::shared_ptr<const ExternalDtd> dtd = ExternalDtdCache::find(resource.toString())) return dtd;
     ReaderParts parts;
     parts.reset();
     bool isWhole = false;
@@ -58,6 +57,23 @@ std::shared_ptr<const ExternalDtd> readExternalDtd(const LumUri& resource, const
     // What an error cut short is for this document alone: the next one may want to hear of the error.
     if (!isWhole) return dtd;
     return ExternalDtdCache::add(resource.toString(), std::move(dtd));
+}
+
+}  // namespace
+
+void addExternalDtd(EntityTable& entities, const UnicodeString& systemId, const UnicodeString& baseUri,
+                    bool forgivesErrors) {
+    const LumUri resource(LumUri(baseUri), systemId);
+    const UnicodeString uri = resource.toString();
+    if (uri.startsWith(mathMLAddress)) {
+        entities.addMathML();
+        return;
+    }
+    std::shared_ptr<const ExternalDtd> dtd = ExternalDtdCache::find(uri);
+    if (!dtd) {
+        dtd = readExternalDtd(resource, LumUri(systemId).isAbsolute() ? UnicodeString() : baseUri, forgivesErrors);
+    }
+    entities.declare(*dtd);
 }
 
 }  // namespace LumCommon::detail

@@ -137,7 +137,7 @@ private:
         XmlCursor cursor;                       // while another frame is on top of it
         std::unique_ptr<XmlInput> input;        // Stream
         bool isBarrier = false;                 // its end is the end of input, whatever lies below
-        std::size_t source = 0;                 // the nearest frame from here down that is no replacement
+        std::size_t source = 0;                 // the nearest frame from here down that is not a replacement
         UnicodeString text;                     // Replacement: keeps the units alive
         std::vector<std::uint32_t> entityKeys;  // Replacement: the entities that end with it
         const char16_t* start = nullptr;        // Literal: its first unit

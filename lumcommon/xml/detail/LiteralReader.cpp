@@ -59,7 +59,7 @@ void LiteralReader::process(LiteralType type, UnitBuffer& out) {
         if (i == size) break;
         const char16_t unit = raw[i];
         if (expands && unit == '&') {
-            // Only what needs the definition of an entity, and what is wrong, has to become an input of its own.
+            // Only what needs the definition of an entity, and what is wrong, has to become an input.
             const char16_t* rest = raw + i + 1;
             const std::int32_t c = type == LiteralType::Attribute ? references_.matchSimple(rest, raw + size) : -1;
             if (c < 0) break;
@@ -75,7 +75,7 @@ void LiteralReader::process(LiteralType type, UnitBuffer& out) {
 }
 
 void LiteralReader::expand(LiteralType type, std::size_t from, UnitBuffer& out) {
-    // The raw text becomes an input of its own, so that replacement texts are read by the same rules; its end is the
+    // The raw text becomes an input, so that replacement texts are read by the same rules; its end is the
     // end of the literal. Names read in it use other buffers, so the raw text stays where it is.
     const InputStack::LiteralScope scope(inputs_, raw_, from);
     for (;;) {

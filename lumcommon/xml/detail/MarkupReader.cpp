@@ -121,6 +121,38 @@ void MarkupReader::readTopLevelText() {
     if (isSpace) event_.type = LumXmlParser::IGNORABLE_WHITESPACE;
 }
 
+MarkupReader::Declaration MarkupReader::readDeclaration() {
+    event_.next = TokenKind::Unknown;
+    std::int32_t c = inputs_.readChar();
+    if (c == '[') {
+        if (names_.readNCName() != NAME_CDATA) {
+            skipSection();
+            return Declaration::Passed;
+        }
+        c = inputs_.readChar();
+        if (c != '[') {
+            inputs_.unreadChar(c);
+            errors_.report(XmlError::CDataSyntax);
+        }
+        readCData();
+        return Declaration::Event;
+    }
+    if (c == '-') {
+        c = inputs_.readChar();
+        if (c != '-') {
+            inputs_.unreadChar(c);
+            errors_.report(XmlError::CommentSyntax);
+        }
+        readComment();
+        return Declaration::Event;
+    }
+    inputs_.unreadChar(c);
+    const LumName name = names_.readNCName();
+    if (name == NAME_DOCTYPE) return Declaration::DocType;
+    errors_.report(XmlError::MarkupDecl, name.getString());
+    return Declaration::Passed;
+}
+
 void MarkupReader::readCData() {
     event_.type = LumXmlParser::CDSECT;
     while (inputs_.copyUpTo(u']', event_.text)) {

@@ -22,17 +22,23 @@ public:
     TokenKind lookAhead();
 
     void readText();
-    /// Outside of all elements: white space is an event of its own, and other text is wrong.
+    /// Outside of all elements: white space is a separate event, and other text is wrong.
     void readTopLevelText();
-    void readCData();
-    void readComment();
-    /// False for an XML declaration, which is no event.
+    /// False for an XML declaration, which makes no event.
     bool readInstruction();
-    /// Passes over a marked section that is no CDATA section.
-    void skipSection();
+    /// What stands after "<!".
+    enum class Declaration : int {
+        Passed,   ///< read, and makes no event
+        Event,    ///< read
+        DocType,  ///< only "DOCTYPE" has been read
+    };
+    Declaration readDeclaration();
 
 private:
     TokenKind lookAheadSlow();
+    void readCData();
+    void readComment();
+    void skipSection();  // other than CDATA
     void readInstruction(const UnicodeString& target);
 
     ParserEvent& event_;

@@ -16,8 +16,8 @@ bool isQNameUnit(char16_t unit) {
     return !U16_IS_SURROGATE(unit) && isXmlNameChar(unit);
 }
 
-/// Finds the place of the colon in a qualified name; its size when there is none. False when the text is no qualified
-/// name.
+/// Finds the place of the colon in a qualified name; its size when there is none. False when the text is not a
+/// qualified name.
 bool splitQName(const char16_t* text, std::size_t size, std::size_t& colon) {
     colon = static_cast<std::size_t>(std::find(text, text + size, u':') - text);
     if (!isXmlNameStart(text[0])) return false;

@@ -88,15 +88,20 @@ void TagReader::readStartTag() {
     if (!attributes_.empty()) resolveAttributes();
 }
 
+inline bool TagReader::isAtTagEnd() noexcept {
+    const XmlCursor& cursor = inputs_.cursor();
+    return cursor.cur != cursor.end && (*cursor.cur == '>' || *cursor.cur == '/');
+}
+
 void TagReader::readAttributes() {
     for (;;) {
         // Most tags end directly after a name or a value.
-        if (inputs_.isNext(u'>') || inputs_.isNext(u'/')) {
+        if (isAtTagEnd()) {
             inputs_.cursor().touch(inputs_.cursor().cur + 1);
             return;
         }
         if (!inputs_.skipWhitespace()) return;
-        if (inputs_.isNext(u'>') || inputs_.isNext(u'/')) return;
+        if (isAtTagEnd()) return;
         readAttribute();
     }
 }
@@ -199,6 +204,15 @@ void TagReader::resolveAttributes() {
         }
         if (attributes_.repeats(i)) errors_.report(XmlError::DuplicateAttribute, attribute.name.toString());
     }
+}
+
+std::size_t TagReader::findAttribute(LumName namespaceUri, LumName localName) const {
+    std::size_t i = 0;
+    for (; i < attributes_.size(); ++i) {
+        const QName& name = attributes_[i].name;
+        if (name.localName == localName && namespaces_->lookupNamespace(name.prefix) == namespaceUri) break;
+    }
+    return i;
 }
 
 bool TagReader::readEndTagFast() {

@@ -30,6 +30,9 @@ public:
     /// Binds the namespaces that a document type implies outside of all elements.
     void bindDocType(const UnicodeString& publicId);
 
+    /// The first attribute of that local name whose prefix is bound to the namespace here; their number when there is
+    /// none.
+    std::size_t findAttribute(LumName namespaceUri, LumName localName) const;
     /// Of the last start tag.
     const AttributeList& attributes() const noexcept { return attributes_; }
     const NamespaceManager& namespaces() const noexcept { return *namespaces_; }
@@ -40,6 +43,7 @@ public:
     LumName rootNamespace() const noexcept { return rootNamespace_; }
 
 private:
+    bool isAtTagEnd() noexcept;
     void readAttributes();
     void readAttribute();
     bool readValueFast();

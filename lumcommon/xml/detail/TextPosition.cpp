@@ -9,7 +9,7 @@
 namespace LumCommon::detail {
 
 void TextPosition::advance(const char16_t* from, const char16_t* to) noexcept {
-    const char16_t* lineStart = nullptr;  // behind the last line feed met
+    const char16_t* lineStart = nullptr;  // after the last line feed met
     bool hasSurrogates = false;
     const char16_t* p = from;
 #if defined(__SSE2__)

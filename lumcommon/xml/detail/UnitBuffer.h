@@ -27,7 +27,7 @@ public:
         std::memcpy(units_.get() + size_, units, count * sizeof(char16_t));
         size_ += count;
     }
-    /// The same for a short run that lies in memory with at least `slackUnits` readable units behind it: copies whole
+    /// The same for a short run that lies in memory with at least `slackUnits` readable units after it: copies whole
     /// vectors without asking for the exact length.
     void appendShort(const char16_t* units, std::size_t count) {
         if (count + slackUnits > capacity_ - size_) grow(count + slackUnits);

@@ -42,7 +42,7 @@ inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexc
     return p;
 }
 
-/// The first unit at which an attribute value is no plain text any more: the delimiter, "&", "<", or a unit below
+/// The first unit at which an attribute value stops being plain text: the delimiter, "&", "<", or a unit below
 /// U+0020; `end` when there is none.
 inline const char16_t* findValueEnd(const char16_t* p, const char16_t* end, char16_t delimiter) noexcept {
 #if defined(__SSE2__)

@@ -21,9 +21,9 @@ enum class XmlEncoding : int {
 
 /// Turns bytes into UTF-16 with line ends folded to U+000A (CR LF, CR NEL, CR, NEL and LS are line ends).
 ///
-/// Undecodable bytes become U+FFFD, by these rules: a byte that should go on a UTF-8 sequence and does not is taken
-/// away with the sequence; overlong forms are accepted, and so are surrogates, each as a unit of its own; a high
-/// surrogate of UTF-16 takes the next unit with it even when that is no low one.
+/// Undecodable bytes become U+FFFD, by these rules: a byte that should continue a UTF-8 sequence and does not is
+/// taken together with the sequence; overlong forms are accepted, and so are surrogates, each as one unit; a high
+/// surrogate of UTF-16 takes the next unit with it even when that is not a low one.
 class XmlDecoder {
 public:
     XmlEncoding encoding = XmlEncoding::Undecided;

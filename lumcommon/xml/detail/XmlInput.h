@@ -15,8 +15,8 @@ namespace LumCommon::detail {
 /// Where the parser reads in a window of units.
 struct XmlCursor {
     const char16_t* cur = nullptr;   // the next unit to read
-    const char16_t* end = nullptr;   // behind the last unit there is
-    const char16_t* high = nullptr;  // behind the furthest unit that has been read
+    const char16_t* end = nullptr;   // after the last unit there is
+    const char16_t* high = nullptr;  // after the furthest unit that has been read
 
     // The reported position is the furthest unit read, so a push-back moves `cur` only. Were `high` lowered with it, an
     // error found after a failed look-ahead would name a column that the reader has already passed.
@@ -52,7 +52,7 @@ public:
     /// From now on decodes whole blocks.
     void unleash() noexcept { isLeashed_ = false; }
 
-    /// The position behind the furthest unit read.
+    /// The position after the furthest unit read.
     TextPosition getPosition(const XmlCursor& cursor);
     void setPosition(TextPosition position) noexcept { position_ = position; }
 

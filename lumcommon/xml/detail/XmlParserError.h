@@ -6,8 +6,8 @@
 
 namespace LumCommon::detail {
 
-/// Codes of the parser, family 0x18xx. The forms with the bits 0x0600 mark errors after which parsing can go on when a
-/// callback accepts them; thrown, they lose those bits.
+/// Codes of the parser, family 0x18xx. The forms with the bits 0x0600 mark errors after which parsing can continue when
+/// a callback accepts them; thrown, they lose those bits.
 namespace XmlError {
 enum Code : std::uint16_t {
     MissingEndTag = 0x1801,
