@@ -3,7 +3,12 @@
 // no more than the file; all ways of reading it agree; where a seek says that a byte lies, it lies; a name leads to an
 // entry that bears it.
 
-#include <lumcommon/lumcommon.h>
+#include <lumcommon/containers/LumOleStreamBuf.h>
+#include <lumcommon/containers/OleCompFile.h>
+#include <lumcommon/containers/OleStream.h>
+#include <lumcommon/streams/JZIOobj.h>
+#include <lumcommon/streams/LumStrStream.h>
+#include <unicode/locid.h>
 
 #include <string>
 #include <string_view>

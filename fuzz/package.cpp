@@ -2,7 +2,10 @@
 // Laws: a package has one of the known kinds, and its main part then exists; asking again gives the same answer or the
 // same error; all ways of reading agree; a source has a mode for every id.
 
-#include <lumcommon/lumcommon.h>
+#include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/core/LumError.h>
+#include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/LumStrStream.h>
 
 #include <string_view>
 

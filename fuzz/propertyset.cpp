@@ -5,7 +5,11 @@
 // four times the input in all and no more elements than the limit; one read by itself is the same unless a limit was
 // met; damaged ones have no content.
 
-#include <lumcommon/lumcommon.h>
+#include <lumcommon/containers/OleCompFile.h>
+#include <lumcommon/containers/OlePropertySet.h>
+#include <lumcommon/containers/OleSummaryInformation.h>
+#include <lumcommon/streams/JZIOobj.h>
+#include <lumcommon/values/LumValue.h>
 
 #include <algorithm>
 #include <bit>

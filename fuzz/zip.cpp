@@ -3,7 +3,9 @@
 // most 1032 times as long as its data; all ways of reading a member agree, and so does every kind of stream; the name
 // of a member leads to the first that bears it.
 
-#include <lumcommon/lumcommon.h>
+#include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/LumStrStream.h>
 
 #include <sstream>
 #include <string_view>
