@@ -78,8 +78,8 @@ namespace LumCommon {
 /// The version of the library: major * 100 + minor, 309 for 3.9.
 LUM_API int getLibVersion();
 
-/// Releases what the library and ICU keep for the process. Call it once, at the end; nothing of the library may be
-/// used afterwards.
+/// Releases everything that the library and ICU keep for the process. Call it once, at the end, when no other thread
+/// uses the library; nothing in the library may be used afterwards.
 LUM_API void cleanup();
 
 }  // namespace LumCommon

@@ -23,7 +23,7 @@ const std::string& LumCStr::makeMBString(const char* codepage) {
     const icu::LocalUConverterPointer converter(ucnv_open(name ? name->c_str() : nullptr, &status));
     if (U_SUCCESS(status)) {
         const int32_t sizeBytes = extract(nullptr, 0, converter.getAlias(), status);
-        // Measuring reports the missing room, or a missing terminator for an empty text, as its status.
+        // The measuring call reports the lack of room as its status, or, for an empty text, the missing terminator.
         if (sizeBytes > 0 && status == U_BUFFER_OVERFLOW_ERROR) {
             status = U_ZERO_ERROR;
             bytes.resize(static_cast<std::size_t>(sizeBytes));

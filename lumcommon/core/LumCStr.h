@@ -8,19 +8,20 @@
 
 namespace LumCommon {
 
-/// A string that carries a narrow (multibyte) copy of itself, made on demand and kept until the text or the asked
+/// A string with a cached narrow (multibyte) copy of itself, made on demand and remade when the text or the requested
 /// codepage changes.
 /// Threads: one at a time; getMBString changes the cache.
 class LUM_API LumCStr : public UnicodeString {
 public:
     LumCStr(const UnicodeString& text);
-    using UnicodeString::operator=;  // a text can be assigned as to any string; the narrow copy notices
+    using UnicodeString::operator=;  // assignable like any string; the next getMBString() notices
 
     /// The text in `codepage` (an ICU converter name; null: the platform's default converter).
     /// Characters that the codepage lacks become the converter's substitution character.
-    /// An unknown codepage gives an empty string. The reference is valid until the next call or the end of this.
+    /// An unknown codepage gives an empty string. The reference is valid until the next call or until this object is
+    /// destroyed.
     const std::string& getMBString(const char* codepage = nullptr);
-    /// The same without looking at the cache.
+    /// The same, but always converts anew.
     const std::string& makeMBString(const char* codepage = nullptr);
 
 private:

@@ -33,7 +33,7 @@ UnicodeString makeMessage(std::u16string_view text, const UnicodeString& arg1, c
     return detail::fillErrorText(text, {first, viewOf(arg2), first.empty() ? u"arg" : first, viewOf(clause)});
 }
 
-/// @param family  the high byte of the codes that the caller may raise: a code of the other family has no text there.
+/// @param family  the high byte of the codes that the caller may raise: a code of the other family gets no text.
 [[noreturn]] void throwWithText(std::uint16_t code, unsigned family, LumCommonErrorSource source,
                                 std::u16string_view textOfUnknownCode, const UnicodeString& arg1,
                                 const UnicodeString& arg2) {

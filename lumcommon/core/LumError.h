@@ -71,10 +71,10 @@ enum class LumCommonErrorSource : int {
     TempFile = 27,
 };
 
-/// The one exception of the library, thrown by value.
+/// The only exception type of the library, thrown by value.
 ///
-/// An error raised by this library has line and column -1 and an empty location; an error of the XML parser tells
-/// its position in the message. Code that passes an error on may fill the three.
+/// An error raised by this library has line and column -1 and an empty location; an error of the XML parser states its
+/// position in the message. Code that passes an error on may fill in all three.
 class LUM_API LumError {
 public:
     std::uint16_t code;
@@ -91,21 +91,21 @@ public:
     /// Code 0x802, "C++ exception: " and the exception's what(), read in the platform's default encoding.
     LumError(const std::exception& exception, const UnicodeString& source);
 
-    /// The message, and the position description on a line of its own when there is one.
+    /// The message, followed by the position description on a separate line when there is one.
     UnicodeString getMessage() const;
     /// "Line N, ", "Col N, " and the location, each only when known.
     UnicodeString getPositionDescription() const;
     /// Replaces the message; a position description at its end is cut off, so that
     /// `e.setMessage(prefix + e.getMessage())` does not double it.
     void setMessage(const UnicodeString& text);
-    /// Adds `text` on a line of its own; an empty text changes nothing.
+    /// Appends `text` on a new line; an empty text changes nothing.
     void appendMessage(const UnicodeString& text);
 };
 
 /// The text of an error source, "LumCommon::" included; empty for a value without one.
 LUM_API UnicodeString getCommonErrorSource(LumCommonErrorSource source);
 
-/// Throw a LumError with the text that belongs to the code.
+/// Throw a LumError with the message of the code.
 /// @param arg1  the argument's name ("newChild"); when empty, messages that need a name say "arg".
 [[noreturn]] LUM_API void throwCommonError(LumErrorCodeLumLIB code, LumCommonErrorSource source,
                                            const UnicodeString& arg1 = UnicodeString(),

@@ -6,8 +6,8 @@
 namespace LumCommon {
 
 /// A formatted message: ICU's MessageFormat over a pattern with the placeholders {0} to {3}.
-/// A malformed pattern gives the empty string. The pattern is the program's own text, never input; the arguments may be
-/// any text and are not looked into.
+/// A malformed pattern gives the empty string. The pattern must be the program's own text, never input; the arguments
+/// may be any text and are inserted as they are.
 class LUM_API LumMessage : public UnicodeString {
 public:
     explicit LumMessage(const UnicodeString& pattern, const UnicodeString& a0 = UnicodeString(),

@@ -10,7 +10,7 @@ namespace LumCommon {
 
 class LumMutex;
 
-/// A lock that is recursive for the thread that holds it. It is taken and released through LumMutex only.
+/// A lock that the thread holding it may take again. It is taken and released only through LumMutex.
 class LUM_API LumLock {
 public:
     LumLock() noexcept;
@@ -25,9 +25,9 @@ private:
     std::atomic<const LumMutex*> guard_{};  // the guard that took the lock
 };
 
-/// Guard of a LumLock: takes it on construction, gives it back on unlock() or destruction.
+/// Guard of a LumLock: takes it on construction, releases it on unlock() or destruction.
 ///
-/// A second guard on the same lock and thread takes nothing and releases nothing: the outermost guard releases.
+/// A second guard on the same lock in the same thread neither takes nor releases it: the outermost guard does both.
 /// The destructor does what unlock() does. Threads: one guard belongs to one thread.
 class LUM_API LumMutex {
 public:
@@ -45,7 +45,7 @@ public:
     void unlock();
 
     /// Add or subtract one and return the new value. The two are atomic with respect to each other, on any thread;
-    /// they are lock-free instructions, so that counting does not queue on a mutex.
+    /// they are lock-free, so counting never waits for a mutex.
     static int interlockedIncrement(int& value) noexcept {
         return std::atomic_ref<int>(value).fetch_add(1, std::memory_order_relaxed) + 1;
     }

@@ -5,10 +5,10 @@
 
 namespace LumCommon {
 
-/// Root of every object that the library hands out.
+/// Base class of every object that the library hands out.
 ///
-/// Type tests do without the compiler's run-time type information: a class carries a fixed 32-bit identifier
-/// (its static TYPE_ID), and isA() answers for the class and for every class above it.
+/// Type tests do not use the compiler's run-time type information: each class has a fixed 32-bit identifier (its static
+/// TYPE_ID), and isA() accepts those of the class and of all its base classes.
 /// Threads: the operations of this class may be called from any thread.
 class LUM_API LumObjectBase {
 public:
@@ -21,7 +21,7 @@ public:
 
     /// The identifier of the object's own class.
     virtual unsigned int getTypeID() const = 0;
-    /// True when `typeId` is that of the object's class or of a class above it.
+    /// True when `typeId` is that of the object's class or of one of its base classes.
     virtual bool isA(unsigned int typeId) const;
     /// The name of the object's own class, e.g. "LumTextNode".
     virtual UnicodeString getTypeName() const = 0;

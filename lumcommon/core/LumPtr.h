@@ -10,16 +10,27 @@ namespace LumCommon {
 
 /// Smart pointer to a LumRCObject: while it is not null it owns exactly one count of the object.
 ///
-/// Threads: one thread at a time for each LumPtr; several LumPtrs to one object are independent of each other.
+///     LumPtr<LumElement> element = document->createElement(name);  // the result's count moves into `element`
+///     parent->appendChild(element.get());                          // the parent takes a count for itself
+///
+/// Ownership: the LumPtr that gives back the last count deletes the object. Objects that hold each other by LumPtr are
+/// never deleted. An object must have been created with new.
+/// Failure: nothing here throws. A null LumPtr must not be dereferenced; that is not checked.
+/// Cost: taking or giving back a count is one atomic instruction; moving changes no count.
+/// Threads: one thread at a time for each LumPtr; several LumPtrs to one object are independent of each other. The
+/// object is deleted on the thread that gives back its last count.
 template <class T>
 class LumPtr {
 public:
     LumPtr() noexcept = default;
     LumPtr(std::nullptr_t) noexcept {}
-    /// @param addRef  false: adopts a count that the caller has already taken.
+    /// @param object  may be null.
+    /// @param addRef  true: takes a count. false: adopts a count that the caller has already taken.
     explicit LumPtr(T* object, bool addRef = true) noexcept : object_(object) {
         if (object_ && addRef) object_->addRef();
     }
+    /// Copying takes another count; moving takes over that of `other`, which becomes null. A LumPtr to a derived class
+    /// converts.
     LumPtr(const LumPtr& other) noexcept : LumPtr(other.object_) {}
     LumPtr(LumPtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
@@ -30,8 +41,8 @@ public:
         if (T* old = std::exchange(object_, nullptr)) old->releaseRef();
     }
 
-    /// Assigning the object already held changes nothing. The new reference is taken before the old one is given
-    /// back, so the old object may hold the last reference to the new one.
+    /// Takes a count of the new object, then gives back that of the old one: the old object may hold the last count of
+    /// the new one. Assigning the object already held changes nothing.
     LumPtr& operator=(T* object) noexcept {
         if (object != object_) {
             if (object) object->addRef();
@@ -41,6 +52,7 @@ public:
     }
     LumPtr& operator=(std::nullptr_t) noexcept { return *this = static_cast<T*>(nullptr); }
     LumPtr& operator=(const LumPtr& other) noexcept { return *this = other.object_; }
+    /// Takes over the count of `other`, which becomes null.
     LumPtr& operator=(LumPtr&& other) noexcept {
         if (this != &other) {
             T* incoming = std::exchange(other.object_, nullptr);
@@ -48,7 +60,8 @@ public:
         }
         return *this;
     }
-    /// Checked down-cast: null unless the object's isA() accepts T's type identifier or it is the object already held.
+    /// Checked down-cast: becomes null when the object's isA() does not accept T's type identifier. The object already
+    /// held is kept without asking.
     template <class U, class = std::enable_if_t<std::is_base_of_v<LumObjectBase, U> && !std::is_convertible_v<U*, T*>>>
     LumPtr& operator=(U* object) noexcept {
         LumObjectBase* const base = object;
@@ -56,14 +69,16 @@ public:
         return *this = base && base->isA(T::TYPE_ID) ? static_cast<T*>(base) : nullptr;
     }
 
+    /// The object, borrowed; null when there is none.
     T* get() const noexcept { return object_; }
     T* operator->() const noexcept { return object_; }
     T& operator*() const noexcept { return *object_; }
     explicit operator bool() const noexcept { return object_ != nullptr; }
     bool isNull() const noexcept { return object_ == nullptr; }
-    /// Gives the held pointer and its count to the caller; this becomes null.
+    /// Hands the object and its count over to the caller, who must release it; this LumPtr becomes null.
     [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
 
+    /// Compare addresses, not contents.
     friend bool operator==(const LumPtr& a, const LumPtr& b) noexcept { return a.object_ == b.object_; }
     friend bool operator==(const LumPtr& a, const T* b) noexcept { return a.object_ == b; }
     friend bool operator==(const LumPtr& a, std::nullptr_t) noexcept { return a.object_ == nullptr; }

@@ -21,10 +21,11 @@ public:
 
     bool isA(unsigned int typeId) const override;
 
-    /// The number of counted references now held. Threads: a snapshot; it may be out of date on return.
+    /// The number of references currently held.   Threads: a snapshot; it may be out of date by the time it is
+    /// returned.
     int getRefCount() const noexcept { return std::atomic_ref<int>(refCount_).load(std::memory_order_relaxed); }
 
-    /// Takes one reference. Use LumPtr; this is for classes that own counts without one.
+    /// Takes one reference. Prefer LumPtr; this is for classes that hold references without one.
     void addRef() const noexcept { LumMutex::interlockedIncrement(refCount_); }
     /// Gives one reference back and deletes the object when none is left.
     void releaseRef() const noexcept {
@@ -34,22 +35,21 @@ public:
     ~LumRCObject() override;
 
 protected:
-    // For classes that hold many objects and release them in an order of their own. The caller deletes the object when
-    // one of these answers true.
+    // For classes that hold many objects and choose the order in which they release them. When one of these returns
+    // true, the caller deletes the object.
 
     /// Takes the first reference of an object that no other thread can see yet; costs no atomic instruction.
     void takeFirstRef() noexcept { refCount_ = 1; }
     /// Gives one reference back. True when it was the last one.
     bool dropRef() noexcept {
-        // The holder of the only count is alone with the object: nobody can add to a count of 1 but through that
-        // holder.
+        // A count of 1 is the caller's own: no other thread has a reference from which it could take another one.
         if (std::atomic_ref<int>(refCount_).load(std::memory_order_acquire) == 1) {
             refCount_ = 0;
             return true;
         }
         return LumMutex::interlockedDecrement(refCount_) < 1;
     }
-    /// As dropRef(), for an object that no other thread knows of; costs no atomic instruction.
+    /// As dropRef(), for an object that no other thread knows; costs no atomic instruction.
     bool dropRefUnshared() noexcept { return --refCount_ < 1; }
 
 private:

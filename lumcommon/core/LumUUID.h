@@ -13,7 +13,7 @@ class LUM_API LumUUID {
 public:
     /// A new identifier from libuuid's uuid_generate.
     LumUUID();
-    /// The identifier that consists of these bytes.
+    /// The identifier with these bytes.
     explicit LumUUID(const std::array<std::uint8_t, 16>& bytes) noexcept : bytes_(bytes) {}
     /// @param bytes  16 bytes, copied.
     explicit LumUUID(const std::uint8_t* bytes) noexcept;

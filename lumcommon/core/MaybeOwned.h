@@ -5,13 +5,14 @@
 
 namespace LumCommon {
 
-/// A pointer to an object that is deleted with it, or that is only borrowed. Moving hands over both.
+/// A pointer to an object that it either owns and deletes in the end, or only borrows. Moving transfers the object and
+/// its ownership.
 /// Threads: one at a time.
 template <class T>
 class MaybeOwned {
 public:
     MaybeOwned() noexcept = default;
-    /// @param object  may be null.   @param isOwned  true: it is deleted with this.
+    /// @param object  may be null.   @param isOwned  true: this pointer deletes it.
     MaybeOwned(T* object, bool isOwned) noexcept : object_(object, Deleter{isOwned}) {}
     MaybeOwned(std::unique_ptr<T> object) noexcept : MaybeOwned(object.release(), true) {}
 
@@ -21,9 +22,9 @@ public:
     explicit operator bool() const noexcept { return get() != nullptr; }
 
     bool isOwned() const noexcept { return object_ && object_.get_deleter().isOwner; }
-    /// From now on the object is only borrowed.
+    /// Gives up ownership: the object is only borrowed afterwards.
     void disown() noexcept { object_.get_deleter().isOwner = false; }
-    /// Lets go of the object and gives it to the caller when it was owned; null when it was not.
+    /// Becomes null. Hands the object to the caller if it was owned; returns null if it was borrowed.
     [[nodiscard]] std::unique_ptr<T> release() noexcept {
         const bool wasOwned = isOwned();
         T* const object = object_.release();

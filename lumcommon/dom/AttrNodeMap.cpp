@@ -51,7 +51,7 @@ struct AttrNodeMap::Index {
         LumName namespaceUri;
         if (const AttrNS* attr = asExactly<AttrNS>(*node)) {
             namespaceUri = attr->getNamespaceUri();
-            // Without a stored namespace it is looked up in the tree.
+            // A namespace that is not stored is looked up in the tree.
             if (attr->namespaceUri_.isNull()) return false;
         } else if (!isExactly<Attr>(*node)) {
             return false;
@@ -69,7 +69,7 @@ bool AttrNodeMap::isA(unsigned int typeId) const { return typeId == TYPE_ID || L
 
 UnicodeString AttrNodeMap::getTypeName() const { return u"AttrNodeMap"; }
 
-/// What the link is without regard to the index: the last attribute, or the owner of an empty map.
+/// The link, with or without an index: the last attribute, or the owner of an empty map.
 LumNode* AttrNodeMap::last() const noexcept { return isIndexed_ ? link_.index->last : link_.node; }
 
 void AttrNodeMap::setLink(LumNode* link) noexcept { (isIndexed_ ? link_.index->last : link_.node) = link; }
@@ -78,7 +78,7 @@ LumElement* AttrNodeMap::ownerElement() const noexcept {
     return static_cast<LumElement*>(isEmpty() ? last() : last()->parent_);
 }
 
-/// Empties the map and cuts it off its element, which dies.
+/// Empties the map and detaches it from its element, which is being destroyed.
 void AttrNodeMap::forgetOwner() noexcept {
     LumNode* const lastAttr = isEmpty() ? nullptr : last();
     dropIndex();
@@ -130,7 +130,7 @@ LumNode* AttrNodeMap::findByName(LumName name) const {
         if (isExactly<Attr>(*attr)) [[likely]] {
             if (static_cast<const Attr*>(attr)->value_.getNameKey() == name.getEnum()) return attr;
         } else if (const AttrNS* attrNS = asExactly<AttrNS>(*attr)) {
-            // The parts are compared with the whole, so that looking interns no names.
+            // The name is compared part by part, so that a lookup interns no names.
             const LumName local = attrNS->value_.getNameKey();
             const bool isFound =
                 attrNS->prefix_.isNull()
@@ -237,7 +237,7 @@ LumPtr<LumNode> AttrNodeMap::setItem(LumNode* node, LumCommonErrorSource source,
 LumPtr<LumNode> AttrNodeMap::replaceOrAppend(LumNode* node, bool (*isSame)(const LumNode*, const LumNode*)) {
     LumNode* previous = last();
     LumNode* old = isEmpty() ? nullptr : previous->nextSibling_;
-    // The attribute has its owner before it is compared: a namespace that is found by the prefix is found there.
+    // The attribute gets its owner before it is compared: a namespace that depends on the prefix is looked up there.
     node->parent_ = ownerElement();
     try {
         while (old && !isSame(old, node)) {
@@ -267,7 +267,7 @@ LumPtr<LumNode> AttrNodeMap::setNamedItemNS(LumNode* node) {
     return setItem(node, LumCommonErrorSource::AttrNodeMapSetNamedItemNS, false);
 }
 
-/// Takes `node`, null or of this map, out and hands the map's count over.
+/// Takes `node`, which is null or in this map, out of it and hands over the map's count.
 LumPtr<LumNode> AttrNodeMap::remove(LumNode* node) {
     if (!node) return nullptr;
     dropIndex();

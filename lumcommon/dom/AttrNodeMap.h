@@ -6,16 +6,16 @@
 namespace LumCommon {
 
 /// The attributes of one element, in the order they were added. It holds one count of each.
-/// Lookups compare name identifiers one attribute after the other; past 32 attributes getNamedItemNS uses an index, so
-/// that an element with a hundred thousand attributes is built in linear time. When the element dies, the map is left
-/// empty, whoever still holds it.
-/// Errors: setNamedItem and setNamedItemNS throw 0x803 (null), 0x806 (other document), 0x807 (no attribute) and 0x808
-/// (already owned, also by this element) before they change anything.
+/// Lookups compare name identifiers one attribute after another; past 32 attributes getNamedItemNS uses an index, so
+/// that an element with a hundred thousand attributes is built in linear time. When the element dies, the map becomes
+/// empty, even if somebody still holds it.
+/// Errors: setNamedItem and setNamedItemNS throw 0x803 (null), 0x806 (other document), 0x807 (not an attribute) and
+/// 0x808 (already owned, even if by this element) before they change anything.
 class LUM_API AttrNodeMap : public LumNamedNodeMap {
 public:
     static constexpr unsigned int TYPE_ID = 0xF49D3AEAu;
 
-    /// @param ownerElement  whose getAttributes() returns this map; not counted.
+    /// @param ownerElement  the element whose getAttributes() returns this map; not counted.
     explicit AttrNodeMap(LumElement* ownerElement) noexcept;
     ~AttrNodeMap() override;
 
@@ -57,14 +57,14 @@ private:
     LumPtr<LumNode> remove(LumNode* node);
     void forgetOwner() noexcept;
 
-    // Elements are many and most have few attributes: one pointer serves three purposes, so that the map stays at three
-    // words.
+    // Documents have many elements, and most have few attributes: one pointer serves three purposes, so that the map
+    // stays at three words.
     mutable unsigned count_ : 30 = 0;
     mutable unsigned isIndexed_ : 1 = 0;
     mutable unsigned isIndexUseless_ : 1 = 0;  // some attribute's namespace depends on its place in the tree
     union Link {
         LumNode* node;  // the owner element while the map is empty, else the last attribute of the ring
-        Index* index;   // when isIndexed_: what finds attributes by name, and the last attribute
+        Index* index;   // when isIndexed_: finds attributes by name, and has the last attribute
     };
     mutable Link link_;
 };

@@ -15,7 +15,7 @@ namespace LumCommon {
 LumDocument::LumDocument() : LumNode(this), nameTable_(LumNameTable::addRefSharedNameTable()) {}
 
 LumDocument::~LumDocument() {
-    // Nodes that somebody holds beyond this document must not ask it for more input.
+    // Nodes that outlive this document must not ask it for more input.
     for (LumNode* node = loadCursor_; node; node = node->parent_) node->flags_ &= ~unsigned{FLAG_LOADING};
     setCursor(nullptr);
     removeAllChildNodes();

@@ -19,16 +19,17 @@ class LumXmlSerializer;
 
 /// The root of a tree, the factory of its nodes, its loader and its writer.
 ///
-/// Loading pulls events from a parser and makes nodes of them through the virtual factory operations; a derived
-/// document substitutes its own classes there, or returns null to drop an element with its content, or a text.
+/// Loading pulls events from a parser and turns them into nodes through the virtual factory operations; a derived
+/// document can substitute its own classes there, or return null to drop a text, or an element with its content.
 ///
-/// Between two steps of a deferred load the document holds the node that is being filled. Taking that node, or one
-/// above it, out of the tree ends the loading with that node; whatever is followed by a loaded node can be taken out.
-/// A node may outlive its document, but must then not be asked for new nodes, copies or more input.
+/// Between two steps of a deferred load the document holds the node that is being filled. If that node or an ancestor
+/// of it is taken out of the tree, loading ends where the removed node ends; a node that is followed by a loaded node
+/// can be taken out without that effect.
+/// A node may outlive its document, but must not be asked for new nodes, copies or more input after that.
 ///
 /// Errors: parser and stream errors pass through; the tree keeps what was built before.
 /// Threads: one at a time, except that loadNextNode() holds a lock, so that two threads that walk one partly loaded
-/// tree do not read the parser at the same time.
+/// tree do not use the parser at the same time.
 class LUM_API LumDocument : public LumNode {
 public:
     static constexpr unsigned int TYPE_ID = 0xF6B431AFu;
@@ -44,7 +45,7 @@ public:
     /// Null.
     LumDocument* getOwnerDocument() const override;
 
-    /// The first element child, null without one. May load.
+    /// The first element child; null when there is none. May load.
     virtual LumElement* getDocumentElement() const;
     /// A qualified name is split at its first ":", unless that is its first character.
     virtual LumPtr<LumElement> createElement(LumName qualifiedName);
@@ -61,19 +62,21 @@ public:
     virtual LumPtr<LumNode> createTextNodeElement(const UnicodeString& text, LumNode* parent);
 
     /// Load into `target` (null: the document), in place of its children.
-    /// With deferred loading they only prepare: stream and string must then outlive the loading.
+    /// With deferred loading they only prepare: the stream or string must then outlive the loading.
     void load(const UnicodeString& uri, LumNode* target = nullptr);
     void load(std::istream& in, LumNode* target = nullptr);
     /// Parses the string in place, without copying it.
     void loadXml(const UnicodeString& xml, LumNode* target = nullptr);
-    /// Loads into the document what the parser's current input still has.
+    /// Loads the rest of the parser's current input into the document.
     void load();
+    /// Loads the parser's current input into `target` (null: the document), in place of its children; with `deferred`
+    /// it only prepares.
     void doLoad(LumNode* target, bool deferred);
-    /// Reads until one more node exists and returns it; null at the end of the input. After an error has passed through
-    /// it, loading is over and it gives null. So it does when it is called from inside itself, by a factory operation
-    /// or a hook of a derived class that asks the unfinished tree for more.
+    /// Reads until one more node exists and returns it; null at the end of the input. An error that it throws ends the
+    /// loading, and further calls return null. A nested call also returns null: one made while this operation is
+    /// running, by a factory operation or hook of a derived class that asks the unfinished tree for more.
     LumNode* loadNextNode();
-    /// Ends the loading where it is.
+    /// Ends the loading at the current position; what has been loaded stays.
     void abort();
     /// With true, load operations only prepare, and the tree accessors read what they need. Off in a new document.
     void setDeferredLoad(bool deferred) noexcept { isLoadDeferred_ = deferred; }
@@ -83,29 +86,29 @@ public:
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
-    /// The parser, made when absent. Borrowed.
+    /// The parser, created if there is none. Borrowed.
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
     void setParser(LumXmlParser* parser);
 
-    /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8, undeclared.
-    /// A processing instruction is written before the node, unless it is empty.
+    /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8 without an
+    /// encoding declaration. A processing instruction is written before the node, unless it is empty.
     void save(const UnicodeString& uri, LumNode* node = nullptr);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
-    /// The same to a stream, which stays the caller's.
+    /// The same, to a stream that the caller keeps.
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding);
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
-    /// The same with a comment and a document type declaration ("html SYSTEM ...") first, unless they are empty.
+    /// The same, with a comment and a document type declaration ("html SYSTEM ...") first, unless they are empty.
     void save(const UnicodeString& comment, const UnicodeString& doctype, std::ostream& out, LumNode* node,
               const UnicodeString& encoding);
     /// The XML text of `node`; only that of the document has an XML declaration.
     UnicodeString saveXml(LumNode* node = nullptr);
     /// Walks the subtree of `node` and drives the serializer.
     void doSave(LumNode* node);
-    /// @param startTagOnly  ends after the first element's attributes, its start tag still open.
+    /// @param startTagOnly  stops after the first element's attributes, with its start tag still open.
     void doSave(LumNode* node, bool startTagOnly);
 
     /// Saving in pieces: the document element's start tag, then subtrees, then its end tag.
@@ -113,7 +116,7 @@ public:
     void saveDocumentElement(std::ostream& out);
     void saveChildElement(LumNode* node);
     void closeDocumentElement();
-    /// The serializer, made when absent. Borrowed.
+    /// The serializer, created if there is none. Borrowed.
     LumXmlSerializer* getSerializer();
     void setSerializer(LumXmlSerializer* serializer);
 
@@ -134,9 +137,9 @@ private:
     LumPtr<LumXmlSerializer> serializer_;
     UnicodeString inputOption_;
     UnicodeString documentUri_;
-    LumNode* loadCursor_ = nullptr;  // the node that what is read next belongs into
-    LumPtr<LumNode> cursorHolder_;   // keeps the cursor, unless it is this document, while nobody is reading
-    int skipDepth_ = 0;              // non-zero while an element that was not made is passed over
+    LumNode* loadCursor_ = nullptr;  // the node that receives what is read next
+    LumPtr<LumNode> cursorHolder_;   // holds the cursor between reads, unless it is this document
+    int skipDepth_ = 0;              // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
     bool isReading_ = false;
     LumLock loadLock_;

@@ -1,4 +1,4 @@
-// From the parser's events to nodes.
+// Loading: turns the parser's events into nodes.
 
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/dom/LumDocument.h>
@@ -9,7 +9,7 @@
 
 namespace LumCommon {
 
-/// One stretch of reading: the load lock, the parser, and what must hold whichever way it ends.
+/// One run of reading: holds the load lock and the parser, and leaves the document in a valid state however it ends.
 class LumDocument::Reading {
 public:
     explicit Reading(LumDocument& document)
@@ -24,7 +24,7 @@ public:
     ~Reading() {
         if (isNested_) return;
         document_.isReading_ = false;
-        // After an error the parser's place and the tree no longer agree, and the input may be gone by the time that
+        // After an error the parser's position and the tree no longer match, and the input may be gone by the time
         // somebody asks the tree for more.
         document_.setCursor(isDone_ ? document_.loadCursor_ : nullptr);
     }
@@ -40,7 +40,7 @@ public:
 private:
     LumDocument& document_;
     LumMutex lock_;
-    LumPtr<LumXmlParser> parser_;  // a hook may give the document another one
+    LumPtr<LumXmlParser> parser_;  // held: a hook may replace the document's parser
     bool isNested_;
     bool isDone_ = true;
 };
@@ -55,15 +55,15 @@ void LumDocument::setParser(LumXmlParser* parser) {
     documentUri_.remove();
 }
 
-/// Sets the node to go on at. It is held, as the caller may take it out of the tree before the next step. A document
-/// must not hold itself, or it would live for ever.
+/// Sets the node at which loading continues, and holds it, because the caller may take it out of the tree before the
+/// next step. A document must not hold itself, or it would never be destroyed.
 void LumDocument::setCursor(LumNode* node) noexcept {
     loadCursor_ = node;
     cursorHolder_ = node == this ? nullptr : node;
 }
 
 void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
-    // An input that cannot be opened must not leave an older load going on with it.
+    // An older load must not continue when the new input cannot be opened.
     abort();
     if (!target || target == this) documentUri_ = uri;
     getParser();
@@ -107,7 +107,7 @@ LumNode* LumDocument::loadNextNode() { return Reading(*this).readNode(); }
 
 void LumDocument::abort() { setCursor(nullptr); }
 
-/// Marks an element as complete and returns the ancestor in which loading goes on.
+/// Marks an element as complete and returns the ancestor in which loading continues.
 LumNode* LumDocument::closeElement(LumNode* element) noexcept {
     element->flags_ = (element->flags_ & ~unsigned{FLAG_LOADING}) | FLAG_COMPLETE;
     LumNode* parent = element->parent_;
@@ -115,7 +115,7 @@ LumNode* LumDocument::closeElement(LumNode* element) noexcept {
     return parent;
 }
 
-/// The element of the current start tag, attributes set; null when a derived document makes none.
+/// The element of the current start tag with its attributes; null when a derived document does not create it.
 LumPtr<LumElement> LumDocument::readElement(LumXmlParser& parser) {
     LumPtr<LumElement> element = createElementNS(parser.getNamespace(), parser.getPrefix(), parser.getName());
     if (!element) return element;
@@ -133,7 +133,7 @@ LumPtr<LumElement> LumDocument::readElement(LumXmlParser& parser) {
 
 LumNode* LumDocument::readNode(LumXmlParser& parser) {
     LumNode* parent = loadCursor_;
-    // The cursor stays as it is while hooks run; when it is gone afterwards, one of them has called abort().
+    // The cursor does not change while hooks run; if it is null afterwards, one of them has called abort().
     while (parent && loadCursor_) {
         const LumXmlParser::EventType event = parser.next();
         if (skipDepth_ != 0 && event != LumXmlParser::END_DOCUMENT) {
@@ -151,7 +151,7 @@ LumNode* LumDocument::readNode(LumXmlParser& parser) {
                 break;
             case LumXmlParser::TEXT:
                 if (LumNode* const text = parent->appendChildText(parser.getText())) {
-                    // Nothing is loaded into a text, so the place to go on at is where the text hangs.
+                    // Nothing is loaded into a text, so loading continues in the parent of the text.
                     const bool isLeaf = text->isText() && !(text->flags_ & FLAG_LOADING);
                     LumNode* const place = isLeaf ? text->parent_ : text;
                     if (loadCursor_) loadCursor_ = place ? place : parent;

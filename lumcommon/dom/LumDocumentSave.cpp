@@ -1,4 +1,4 @@
-// From nodes to the serializer's calls.
+// Saving: turns nodes into calls to the serializer.
 
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/dom/LumAttr.h>
@@ -23,7 +23,7 @@ namespace {
 
 using detail::isExactly;
 
-/// Writes one attribute from its typed value: nothing for a null or an object, one attribute an entry for a compound.
+/// Writes one attribute from its typed value: nothing for a null or an object, one attribute per entry for a compound.
 class AttributeWriter {
 public:
     AttributeWriter(LumXmlSerializer& serializer, const LumDocument& document)
@@ -68,7 +68,7 @@ private:
         }
     }
 
-    /// Whether the document is an SVG drawing, whose colours are written in the syntax of SVG.
+    /// Whether the document is an SVG drawing, whose colours are written in SVG syntax.
     bool isSvg() {
         if (!isSvgKnown_) {
             const LumElement* const root = document_.getDocumentElement();
@@ -85,11 +85,10 @@ private:
     LumXmlSerializer& serializer_;
     const LumDocument& document_;
     bool isSvg_ = false;
-    bool isSvgKnown_ = false;  // asked at the first colour
+    bool isSvgKnown_ = false;  // determined at the first colour
 };
 
-/// Makes the serializer let go of an output that the caller may destroy before the next one is set, whichever way the
-/// saving ends.
+/// Makes the serializer release its output however the saving ends: the caller may destroy it before setting another.
 class OutputScope {
 public:
     explicit OutputScope(LumXmlSerializer* serializer) : serializer_(serializer) {}
@@ -99,14 +98,14 @@ public:
         try {
             close();
         } catch (...) {
-            // The exception that ends the saving is on its way already.
+            // The exception that ends the saving is already in flight.
         }
     }
 
-    /// The regular end: an output that fails only now is an error of the saving.
+    /// The normal end: if the output fails only now, saving fails.
     void close() {
         const LumPtr<LumXmlSerializer> serializer = std::move(serializer_);
-        // Closing is no operation of the interface; a caller's own serializer sees to its output itself.
+        // The interface has no operation for closing; a caller's own serializer takes care of its output itself.
         if (!serializer || !serializer->isA(XmlSerializerImpl::TYPE_ID)) return;
         static_cast<XmlSerializerImpl*>(serializer.get())->closeStream();
     }
@@ -163,7 +162,7 @@ void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     }
 }
 
-/// What stands between setting the output and letting go of it.
+/// Everything between setting the output and releasing it.
 void LumDocument::writeAll(LumNode* node, const UnicodeString& comment, const UnicodeString& doctype,
                            const UnicodeString& processingInstruction) {
     LumXmlSerializer* const serializer = getSerializer();

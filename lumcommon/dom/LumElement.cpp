@@ -66,13 +66,13 @@ namespace {
 using detail::isExactly;
 using detail::Restored;
 
-/// Deeper than documents that people write, and a small part of a thread's stack.
+/// Deeper than the documents that people write, yet only a small part of a thread's stack.
 constexpr int maxNestedCopies = 100;
 
-/// The deep copies that this thread is in the middle of.
+/// The deep copies in progress on this thread.
 struct DeepCopying {
     int nested = 0;
-    const LumNode* asked = nullptr;       // by copyDescendantsInto, and LumElement has not answered yet
+    const LumNode* asked = nullptr;       // by copyDescendantsInto; null once LumElement has answered
     LumPtr<LumNode>* unfilled = nullptr;  // where it puts its answer
 };
 constinit thread_local DeepCopying copying;
@@ -81,8 +81,8 @@ constinit thread_local DeepCopying copying;
 struct Level {
     const LumNode* child;    // being copied
     LumPtr<LumNode> copy;    // of the element, for the copies of its children
-    LumNode* rest;           // what the element's class has added to the copy
-    LumPtr<LumNode> answer;  // what the element's class has answered, for the copy of the parent
+    LumNode* rest;           // the first child that the element's class added to the copy
+    LumPtr<LumNode> answer;  // what cloneNode() of the element returned, for the parent's copy
 
     void addCopyOfChild(LumNode* copyOfChild) {
         if (copyOfChild) rest ? copy->insertBefore(copyOfChild, rest) : copy->appendChild(copyOfChild);
@@ -108,7 +108,7 @@ LumPtr<LumNode> LumElement::cloneNode(bool deep) const {
     return copy;
 }
 
-/// Fills the copies of all elements below this one: the elements answer without their children.
+/// Fills `copy` and the copies of all elements below this one, which are returned to it without their children.
 void LumElement::copyDescendantsInto(LumNode* copy) const {
     std::vector<Level> levels;
     levels.push_back({getFirstChild(), LumPtr<LumNode>(copy), nullptr, nullptr});
@@ -179,7 +179,7 @@ void LumElement::setAttributeNS(LumName namespaceUri, LumName qualifiedName, con
     setAttributeNS(namespaceUri, name.prefix, name.localName, value);
 }
 
-/// The attribute of that name with `prefix` given to it, or a new one. Null when the document makes none.
+/// The attribute of that name, its prefix set to `prefix`, or else a new one. Null when the document creates none.
 LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName) {
     AttrNodeMap* const map = attributeMap();
     if (LumAttr* attr = asAttr(map->findByNameNS(namespaceUri, localName))) {
@@ -196,8 +196,8 @@ void LumElement::setAttributeNS(LumName namespaceUri, LumName prefix, LumName lo
 }
 
 void LumElement::setAttributeEx(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) {
-    // With the library's own classes nothing can tell whether setAttributeNS and setValue are called; the value then
-    // moves into place without a second copy of the string.
+    // With the library's own classes nobody can tell whether setAttributeNS and setValue are called, so the value moves
+    // into place without a second copy of the string.
     if (!isExactly<ElementNS>(*this) && !isExactly<Element>(*this)) {
         setAttributeNS(namespaceUri, prefix, localName, LumValue(value));
         return;

@@ -10,6 +10,16 @@ class AttrNodeMap;
 class LumAttr;
 
 /// An element: a node with attributes and a position in its source.
+///
+/// Attributes are kept in the order in which they were added. Operations that take one name match the qualified name
+/// ("prefix:local"), whatever the namespace; those that end in NS match namespace and local name, whatever the prefix;
+/// those that end in Local match the local name alone.
+///
+/// Ownership: created by LumDocument::createElement() and createElementNS(); the attribute map owns one count of
+/// each attribute. Plain pointers are borrowed, a LumPtr hands over a count.
+/// Cost: attribute lookups are linear in the number of attributes; by namespace they are constant on average past 32,
+/// see AttrNodeMap.
+/// Threads: as for its tree, see LumNode.
 class LUM_API LumElement : public LumNode {
 public:
     static constexpr unsigned int TYPE_ID = 0xD31942AAu;
@@ -20,50 +30,55 @@ public:
     UnicodeString getTypeName() const override;
     int getNodeType() const override;
     bool isElementNode() const override;
-    /// Never null. Borrowed.
+    /// Never null: an AttrNodeMap. Borrowed.
     LumNamedNodeMap* getAttributes() const override;
     bool hasAttributes() const override;
-    /// A copy made by the owner document's createElementNS with the namespace as resolved now, all attributes in order
-    /// and, when `deep`, all descendants. Null when the document makes no such element; descendants that it does not
-    /// make are left out. Source positions are not copied.
+    /// A copy made by the owner document's createElementNS, with the namespace as it resolves now, all attributes in
+    /// order, the flags and, when `deep`, all descendants. Null when the document does not create the element;
+    /// descendants that it does not create are left out. Source positions are not copied.
     ///
-    /// Derived classes: with `deep`, every child is asked for cloneNode(true), after the copy of its parent has been
-    /// made and in document order, and what it answers is appended. A class that overrides cloneNode and asks this
-    /// operation first gets a whole copy, as long as at most 100 deep copies stand inside each other: past that, depth
-    /// of the tree would become depth of the stack. Elements further in are asked the same, but this operation answers
-    /// them with a copy that is still without children; these are put in, before whatever the class has added, when the
-    /// class has answered. The copy that the outermost caller gets is whole whatever its depth.
+    /// Derived classes: with `deep`, cloneNode(true) is called for every child in document order, once the copy of its
+    /// parent exists, and the result is appended to that copy. An override that calls this operation first gets a
+    /// complete copy while at most 100 deep copies are nested. In elements further in it gets a copy that has no
+    /// children yet; they are inserted after the override has returned, before whatever it has added. So the use of the
+    /// stack is bounded, and the outermost caller gets a complete copy at any depth.
     LumPtr<LumNode> cloneNode(bool deep) const override;
+    /// -1 until set; the loader sets the position of the start tag.
     int getSourceLineNumber() const override;
     void setSourceLineNumber(int line) override;
     int getSourceColumnNumber() const override;
     void setSourceColumnNumber(int column) override;
 
-    /// The value of the attribute with that qualified name; null value when absent.   Cost of all lookups: linear.
+    /// The value of the attribute; LumValue::NULL_VALUE when it is absent.
     virtual LumValue getAttribute(LumName name) const;
     virtual LumValue getAttributeNS(LumName namespaceUri, LumName localName) const;
-    /// Sets the value of the attribute, adding it at the end when absent.
+    /// Sets the value of the attribute, which is created by the document and added at the end when it is absent.
+    /// Nothing happens when the document does not create it. The NS forms give an attribute that exists the new prefix.
     virtual void setAttribute(LumName name, const LumValue& value);
     virtual void setAttributeNS(LumName namespaceUri, LumName qualifiedName, const LumValue& value);
     virtual void setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value);
+    /// Nothing happens when the attribute is absent.
     virtual void removeAttribute(LumName name);
     virtual void removeAttributeNS(LumName namespaceUri, LumName localName);
+    /// The attribute; null when it is absent.
     virtual LumPtr<LumAttr> getAttributeNode(LumName name) const;
     virtual LumPtr<LumAttr> getAttributeNodeNS(LumName namespaceUri, LumName localName) const;
-    /// Appends every attribute with that local name to `*out`, in order.
+    /// Appends every attribute with that local name to `*out`, in order. `out` may be null.
     virtual void getAttributeNodeLocal(LumName localName, std::vector<LumPtr<LumAttr>>* out) const;
-    /// Return the replaced attribute, null when there was none. Errors: 0x803, 0x806, 0x807, 0x808.
+    /// Add the attribute at the end, or put it in the place of the one with the same name. Return the replaced
+    /// attribute, null when there was none. Errors: 0x803, 0x806, 0x807, 0x808, see AttrNodeMap; nothing is changed
+    /// then.
     virtual LumPtr<LumAttr> setAttributeNode(LumAttr* attr);
     virtual LumPtr<LumAttr> setAttributeNodeNS(LumAttr* attr);
-    /// Returns the attribute, null when it is not this element's. Null throws 0x803.
+    /// Takes the attribute out and returns it; returns null when it is not this element's. Null throws 0x803.
     virtual LumPtr<LumAttr> removeAttributeNode(LumAttr* oldAttr);
     virtual bool hasAttribute(LumName name) const;
     virtual bool hasAttributeNS(LumName namespaceUri, LumName localName) const;
     virtual bool hasAttributeLocal(LumName localName) const;
-    /// Called by the loader for each attribute; for subclasses.
+    /// Called by the loader for each attribute, with the effect of setAttributeNS(); derived classes may override it.
     virtual void setAttributeEx(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value);
 
-    /// Appends the values of every attribute with that local name to `*out`, in order.
+    /// Appends the value of every attribute with that local name to `*out`, in order. `out` may be null.
     void getAttributeLocal(LumName localName, std::vector<LumValue>* out) const;
 
 protected:
@@ -77,16 +92,19 @@ private:
     template <class Visit>
     void visitLocal(LumName localName, Visit visit) const;
 
-    mutable AttrNodeMap* attributes_ = nullptr;  // one count held; made when first asked for
+    mutable AttrNodeMap* attributes_ = nullptr;  // one count held; created when first needed
     int sourceLine_ = -1;
     int sourceColumn_ = -1;
 };
 
-/// An element created from a qualified name; its namespace is looked up in the tree each time it is asked for.
+/// An element created from a qualified name. Its namespace is that of its prefix in the tree, looked up at each call,
+/// and so changes with the place of the element; null when the prefix is not declared.   Cost of getNamespaceUri():
+/// linear in the depth and the attributes met.
 class LUM_API Element : public LumElement {
 public:
     static constexpr unsigned int TYPE_ID = 0xD27D366Cu;
 
+    /// @param ownerDocument  not counted, not null.
     Element(LumDocument* ownerDocument, LumName prefix, LumName localName);
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -102,7 +120,8 @@ private:
     LumName localName_;
 };
 
-/// An element with a namespace of its own. isA() does not accept Element's identifier.
+/// An element that stores its namespace; changing the prefix does not change it. isA() does not accept Element's
+/// identifier, although Element is the base class.
 class LUM_API ElementNS : public Element {
 public:
     static constexpr unsigned int TYPE_ID = 0xC08077FCu;

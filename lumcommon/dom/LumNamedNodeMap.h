@@ -21,10 +21,10 @@ public:
     virtual LumNode* getNamedItemNS(LumName namespaceUri, LumName localName) const = 0;
     /// Appends every node with that local name, in order, to `*out`, which may be null.
     virtual void getNamedItemLocal(LumName localName, std::vector<LumPtr<LumNode>>* out) const = 0;
-    /// Adds the node or puts it in the place of the one with the same name, which is returned.
+    /// Adds the node, or replaces the one with the same name. Returns the replaced node, null when there was none.
     virtual LumPtr<LumNode> setNamedItem(LumNode* node) = 0;
     virtual LumPtr<LumNode> setNamedItemNS(LumNode* node) = 0;
-    /// Returns the removed node, null when there is none.
+    /// Returns the removed node, null when there was none.
     virtual LumPtr<LumNode> removeNamedItem(LumName name) = 0;
     virtual LumPtr<LumNode> removeNamedItemNS(LumName namespaceUri, LumName localName) = 0;
 };

@@ -107,17 +107,17 @@ LumNode* LumNode::getNextSibling() const {
 // Changing the tree
 
 void LumNode::checkNewChild(const LumNode* newChild, LumCommonErrorSource source) const {
-    // A document is its own owner, so this also lets it take the nodes that it made.
+    // A document is its own owner, so this also lets it take the nodes that it created.
     if (newChild->ownerDocument_ != ownerDocument_) {
         throwCommonError(LumErrorCodeLumLIB::DifferentDocument, source, u"newChild");
     }
 }
 
-/// Takes the count for the new parent and takes the node out of the old one.
+/// Takes a count for the new parent and takes the node out of its old one.
 void LumNode::moveOut(LumNode* newChild) {
     newChild->addRef();
     if (!newChild->parent_) return;
-    LumPtr<LumNode> held(newChild, false);  // gives the count back when the old parent refuses
+    LumPtr<LumNode> held(newChild, false);  // gives the count back if the old parent throws
     newChild->parent_->removeChild(newChild);
     static_cast<void>(held.detach());
 }
@@ -160,7 +160,7 @@ LumNode* LumNode::insertBefore(LumNode* newChild, LumNode* refChild) {
     constexpr auto source = LumCommonErrorSource::NodeInsertBefore;
     if (!newChild) throwCommonError(LumErrorCodeLumLIB::NullArgument, source, u"newChild");
     if (!refChild) return appendChild(newChild);
-    // getParentNode() rather than the field: an attribute keeps its owner element there and is nobody's child.
+    // getParentNode() rather than the field: an attribute stores its owner element there, although it is not a child.
     if (refChild->getParentNode() != this) throwCommonError(LumErrorCodeLumLIB::NotAChild, source, u"refChild");
     if (newChild == refChild) return newChild;
     checkNewChild(newChild, source);
@@ -193,7 +193,7 @@ LumPtr<LumNode> LumNode::replaceChild(LumNode* newChild, LumNode* oldChild) {
     } else {
         next->previousSibling_ = newChild;
     }
-    (previous ? previous : lastChild_)->nextSibling_ = newChild;  // closes the ring also when it was an only child
+    (previous ? previous : lastChild_)->nextSibling_ = newChild;  // closes the ring even when it was an only child
     return LumPtr<LumNode>(oldChild, false);
 }
 

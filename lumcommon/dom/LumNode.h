@@ -15,21 +15,21 @@ class LumNodeList;
 /// A node of the document tree.
 ///
 /// A parent owns one count of each child; parent, sibling and owner-document links are plain pointers. So a subtree
-/// lives while a LumPtr holds its root or while it hangs in a tree that is held. Operations that return a plain
-/// pointer lend it; a LumPtr hands over a count.
+/// lives while a LumPtr holds its root or while it is part of a tree that is held. A plain pointer that an operation
+/// returns is borrowed; a LumPtr hands over a count.
 ///
 /// A node whose content is still being loaded asks its document for more input when it is asked for a child or a
 /// following sibling that has not been read.
 ///
-/// Errors: tree operations throw LumError 0x803 (null), 0x806 (other document) and 0x809 (no child) before they change
-/// anything. Inserting a node below itself, or attributes and documents as children, is not checked for.
-/// Cost: constant where nothing else is said; no operation takes stack in proportion to the depth of the tree.
+/// Errors: tree operations throw LumError 0x803 (null), 0x806 (other document) and 0x809 (not a child) before they
+/// change anything. Inserting a node below itself, or attributes and documents as children, is not checked for.
+/// Cost: constant unless stated otherwise; no operation's use of the stack grows with the depth of the tree.
 /// Threads: a tree, loading included, belongs to one thread at a time.
 class LUM_API LumNode : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0x74DC3393u;
 
-    /// The numbers of the DOM.
+    /// The node type numbers of the DOM.
     enum NodeType : int {
         ELEMENT_NODE = 1,
         ATTRIBUTE_NODE = 2,
@@ -46,11 +46,11 @@ public:
     enum Flag : unsigned {
         FLAG_LOADING = 1,    ///< the children have not all been read yet
         FLAG_COMPLETE = 2,   ///< the content has been read to its end
-        FLAG_STEP_OVER = 4,  ///< the loader passes over this ancestor when it climbs after an end tag
+        FLAG_STEP_OVER = 4,  ///< the loader skips this ancestor when it climbs after an end tag
     };
 
     ~LumNode() override;
-    /// A derived class without an identifier and a name of its own answers with those of the class above.
+    /// A derived class that does not override these has the identifier and the name of its base class.
     unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
     UnicodeString getTypeName() const override;
@@ -77,7 +77,8 @@ public:
     /// The document that made the node; null for a document.
     virtual LumDocument* getOwnerDocument() const;
 
-    /// Inserts before `refChild`, or appends when that is null. `newChild` leaves its old parent first. Returns it.
+    /// Inserts before `refChild`, or appends when that is null. `newChild` is first taken out of its old parent.
+    /// Returns it.
     virtual LumNode* insertBefore(LumNode* newChild, LumNode* refChild);
     /// Returns the replaced child.
     virtual LumPtr<LumNode> replaceChild(LumNode* newChild, LumNode* oldChild);
@@ -88,7 +89,7 @@ public:
     virtual LumNamedNodeMap* getAttributes() const;
     virtual bool hasAttributes() const;
     /// A copy made through the factory operations of the owner document; null where a node cannot be copied. A derived
-    /// class may copy otherwise; what it can rely on is said at LumElement.
+    /// class may copy differently; LumElement::cloneNode says what it can rely on.
     virtual LumPtr<LumNode> cloneNode(bool deep) const;
 
     /// Namespace lookups by the rules of DOM level 3.   Cost: linear in the depth and the attributes met.
@@ -100,7 +101,7 @@ public:
     virtual void finishAttributes();
     virtual bool isElementNode() const;
     virtual bool isText() const;
-    /// Classification by the formatter's own node classes; false here.
+    /// Classification for the node classes of a formatter; false here.
     virtual bool isFO() const;
     virtual bool isLUMX() const;
     virtual bool isArea() const;
@@ -120,14 +121,14 @@ public:
     virtual LumNodeIterator getIterator() const;
     /// Called by the loader to append an element; for subclasses. Returns the node to load into.
     virtual LumNode* appendChildEx(LumNode* newChild);
-    /// Appends the document's node for `text`; null when the document makes none.
+    /// Appends the node that the document creates for `text`; null when it creates none.
     virtual LumNode* appendChildText(const UnicodeString& text);
 
-    /// The position of an element's start tag in its source, -1 when unknown. Other nodes answer with that of the
-    /// sibling before them, when it has one, else with their parent's; an attribute with its element's. A derived class
-    /// may answer for itself, and ask LumNode's operation for what it would inherit: the siblings back to the nearest
-    /// element are asked in document order, so that this takes no stack for each of them. It does for elements whose
-    /// class asks LumNode's operation.   Cost: linear in the siblings back to the nearest element.
+    /// The position of an element's start tag in its source, -1 when unknown. Other nodes have the position of the
+    /// sibling before them, if that has one, else their parent's; an attribute has its element's. A derived class may
+    /// override this and call LumNode's operation for the inherited position. The use of the stack does not grow with
+    /// the number of siblings, except for elements whose class calls LumNode's operation.   Cost: linear in the
+    /// siblings back to the nearest element.
     virtual int getSourceLineNumber() const;
     virtual void setSourceLineNumber(int line);
     virtual int getSourceColumnNumber() const;
@@ -136,13 +137,13 @@ public:
     unsigned getFlags() const noexcept { return flags_; }
     void setFlags(unsigned flags) noexcept { flags_ = flags; }
 
-    /// Unlinks and releases all children.   Cost: linear in what dies.
+    /// Unlinks and releases all children.   Cost: linear in the number of nodes that die.
     void removeAllChildNodes();
-    /// Takes out and releases all descendants, also those that somebody else holds, and returns their number. Counts
+    /// Takes out and releases all descendants, even those that somebody else holds, and returns their number. Counts
     /// change without atomic instructions: no other thread may hold a node of the tree.
     int deleteAllChildNodes();
-    /// The same for the siblings up to and including `last` and their descendants; siblings after it stay. Of a `last`
-    /// without parent only the descendants are taken out, as no count of it belongs to the tree. Null gives 0.
+    /// The same for the siblings up to and including `last` and their descendants; siblings after it stay. If `last`
+    /// has no parent, only its descendants are taken out, as no tree holds a count of it. Null gives 0.
     static int deleteAllChildNodes(LumNode* last);
 
     bool isDescendantOf(const LumNode* other) const;
@@ -180,8 +181,7 @@ protected:
     friend class LumDocument;
     friend class LumElement;
 
-    /// Puts an object that nobody shares yet into its first LumPtr; as no other thread can see it, without an atomic
-    /// instruction.
+    /// Puts a new object into its first LumPtr, without an atomic instruction, as no other thread can see it yet.
     template <class T>
     static LumPtr<T> firstPointer(T* fresh) noexcept {
         static_cast<LumNode*>(fresh)->takeFirstRef();

@@ -9,9 +9,9 @@ class LumNodeIterable;
 /// A position in a collection of nodes; it keeps the collection alive, not the nodes. Threads: one at a time.
 class LUM_API LumNodeIterator {
 public:
-    /// Over the descendants of `node`, at the first of them or, when given, at the one after `start`.
+    /// Over the descendants of `node`, starting at the first of them or, if `start` is given, at the one after it.
     explicit LumNodeIterator(const LumNode* node, const LumNode* start = nullptr);
-    /// Over `nodes`, at its first node; without a current node when it is null.
+    /// Over `nodes`, starting at its first node; null gives an iterator without a current node.
     explicit LumNodeIterator(const LumNodeIterable* nodes);
 
     /// Null when the collection is exhausted.
@@ -25,11 +25,11 @@ private:
     LumNode* current_ = nullptr;
 };
 
-/// A live collection of nodes: it is walked anew at each call and holds no node. The node it was asked of must outlive
-/// it.
+/// A live collection of nodes: each call walks the tree anew, and no node is held. The node that it was obtained from
+/// must outlive it.
 class LUM_API LumNodeIterable : public LumRCObject {
 public:
-    /// None: isA() passes over this class, so that a checked assignment to a LumPtr<LumNodeIterable> gives null.
+    /// No identifier: isA() skips this class, so that a checked assignment to a LumPtr<LumNodeIterable> gives null.
     static constexpr unsigned int TYPE_ID = 0;
 
     virtual LumNodeIterator getIterator() const;
@@ -39,6 +39,7 @@ public:
     virtual LumNode* getPreviousNode(const LumNode* node) const = 0;
 };
 
+/// A live collection of nodes that can be counted and accessed by position.
 class LUM_API LumNodeList : public LumNodeIterable {
 public:
     static constexpr unsigned int TYPE_ID = 0x316E063Eu;
@@ -71,7 +72,7 @@ private:
     const LumNode* node_;
 };
 
-/// The descendants of a node in document order, the node itself left out, all or those that pass a filter.
+/// The descendants of a node in document order, without the node itself: all of them, or those that pass a filter.
 class LUM_API TreeNodeList : public LumNodeList {
 public:
     static constexpr unsigned int TYPE_ID = 0x9814666Du;
@@ -121,13 +122,14 @@ public:
     /// Whether the current node is being left, its subtree done.
     bool isLeaving() const noexcept { return isLeaving_; }
 
-    /// Both move and return the new current node. At the start previousNode() gives null, at the end nextNode(); from
-    /// the end the walk can be made backwards: the same nodes in reverse order, where a node that is reported once is
-    /// reported as left.
+    /// Both move and return the new current node. At the start previousNode() returns null, at the end nextNode() does.
+    /// From the end the walk can be made backwards: it reports the same nodes in reverse order, and nodes that are
+    /// reported only once are reported as being left.
     LumNode* nextNode();
     LumNode* previousNode();
-    /// Whether there is more to report. An exception: when the root is entered and has no children, hasNextNode() is
-    /// false, although ENTER_AND_LEAVE reports an element once more as left; nextNode() is the surer test.
+    /// Whether there is more to report. One exception: when the root has been entered and has no children,
+    /// hasNextNode() is false, although with ENTER_AND_LEAVE an element is still to be reported as left; nextNode() is
+    /// the more reliable test.
     /// Cost: linear in the depth.
     bool hasNextNode() const;
     bool hasPreviousNode() const;

@@ -13,7 +13,7 @@ namespace {
 
 const LumNode* elementOrNull(const LumNode* node) { return node && node->isElementNode() ? node : nullptr; }
 
-/// The element that answers for a node, null when the answer is "none".
+/// The element where the lookup for a node starts; null when the answer is null.
 const LumNode* lookupStart(const LumNode* node) {
     switch (node->getNodeType()) {
         case LumNode::ELEMENT_NODE:
@@ -34,7 +34,7 @@ const LumNode* lookupStart(const LumNode* node) {
 
 const LumNode* parentElement(const LumNode* element) { return elementOrNull(element->getParentNode()); }
 
-/// The namespace that the element itself carries. A plain Element carries none: it asks these very lookups.
+/// The namespace that the element itself carries. A plain Element carries none: it relies on these very lookups.
 LumName ownNamespace(const LumNode* element) {
     return element->isA(Element::TYPE_ID) ? LumName() : element->getNamespaceUri();
 }
@@ -75,7 +75,7 @@ LumName LumNode::lookupNamespaceUri(LumName prefix) const {
 
 LumName LumNode::lookupPrefix(LumName namespaceUri) const {
     if (namespaceUri.isNull()) return LumName();
-    // A prefix maps back to the namespace exactly when the innermost binding of the prefix is the one found; so it is
+    // A prefix maps back to the namespace exactly when the binding found is the innermost one of the prefix, so it is
     // enough to remember the prefixes bound further in.
     std::unordered_set<LumName> bound;
     LumName found;

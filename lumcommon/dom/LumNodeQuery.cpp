@@ -21,7 +21,7 @@ const LumNode* climb(const LumNode* node, int levels) {
     return node;
 }
 
-/// Where two nodes' ways to the root part.
+/// Where the paths from two nodes to the root diverge.
 struct Fork {
     const LumNode* common = nullptr;   // the lowest node that is ancestor or self of both; null in different trees
     const LumNode* aBranch = nullptr;  // the child of `common` towards a; null when `common` is a
@@ -168,9 +168,9 @@ int LumNode::getNodeDepth() const {
 
 // Source positions
 //
-// A node that is no element answers with what the sibling before it answers, which may be of a class with an answer of
-// its own, or may ask the sibling before itself by the same rule. As a list of siblings can be long, they are asked in
-// their order, and one that asks by the rule finds the answer ready.
+// A node that is not an element inherits the position of the sibling before it. That sibling's class may give its own
+// answer, or inherit in turn by the same rule. As a list of siblings can be long, those back to the nearest element are
+// asked in document order, and one that inherits finds its position ready instead of asking the one before it.
 
 namespace {
 
@@ -178,14 +178,14 @@ using detail::Restored;
 
 enum class Axis { Line, Column };
 
-/// What a node inherits.
+/// The position that a node inherits.
 struct Inherited {
     const LumNode* node;
     Axis axis;
     int position;
 };
 
-/// Of the node that this thread is asking just now.
+/// For the node that this thread is asking at the moment.
 constinit thread_local const Inherited* ready = nullptr;
 
 int positionOf(const LumNode* node, Axis axis) {
@@ -217,7 +217,7 @@ int LumNode::positionFromSiblings(bool isLine, int parents) const {
 int LumNode::inheritedPosition(bool isLine) const {
     const Axis axis = isLine ? Axis::Line : Axis::Column;
     if (ready && ready->node == this && ready->axis == axis) return ready->position;
-    // Parents that are no elements inherit as well; they are answered for from the outermost one.
+    // Parents that are not elements inherit as well; their positions are determined from the outermost one inwards.
     std::vector<const LumNode*> inheriting{this};
     const LumNode* outer = parent_;
     for (; outer && !outer->isElementNode(); outer = outer->parent_) inheriting.push_back(outer);

@@ -1,4 +1,4 @@
-// Giving up subtrees, in constant stack whatever their depth.
+// Releasing subtrees with a constant amount of stack, whatever their depth.
 
 #include <lumcommon/dom/LumNode.h>
 
@@ -6,9 +6,9 @@ namespace LumCommon {
 
 namespace {
 
-/// While this thread deletes nodes: where the nodes wait whose count has reached 0, chained by their previous-sibling
-/// links. A node that dies in the meantime puts its children there instead of deleting them itself, so that the depth
-/// of a tree never becomes depth of the stack, whoever starts the release and whatever derived destructors do.
+/// While this thread deletes nodes: the queue of nodes whose count has reached 0, chained by their previous-sibling
+/// links. A node that dies meanwhile adds its children to the queue instead of deleting them itself, so that the depth
+/// of the tree never becomes depth of the stack, whoever starts the release and whatever derived destructors do.
 constinit thread_local LumNode** condemned = nullptr;
 
 }  // namespace
@@ -17,8 +17,8 @@ void LumNode::releaseChildren() noexcept {
     LumNode* child = lastChild_;
     if (!child) return;
     lastChild_ = nullptr;
-    // All children are cut loose before the first of them dies: destructors never meet a half-dead parent. Children
-    // that somebody else holds live on with all that hangs below them.
+    // All children are detached before the first of them dies, so that no destructor sees a half-destroyed parent.
+    // Children that somebody else holds live on with everything below them.
     LumNode* chain = nullptr;
     LumNode** end = &chain;
     while (child) {

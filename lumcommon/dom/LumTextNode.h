@@ -4,27 +4,37 @@
 
 namespace LumCommon {
 
-/// A run of character data.
+/// A run of character data. Its node name is "#text", its value the text.
+///
+/// Texts that stand next to each other are not merged, and characters that XML does not allow are not rejected; the
+/// serializer says what becomes of them.
+///
+/// Ownership: created by LumDocument::createTextNode().
+/// Threads: as for its tree, see LumNode.
 class LUM_API LumTextNode : public LumNode {
 public:
     static constexpr unsigned int TYPE_ID = 0x92151179u;
 
+    /// @param ownerDocument  not counted, not null.
     LumTextNode(LumDocument* ownerDocument, const UnicodeString& text) : LumNode(ownerDocument), text_(text) {}
 
     unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
     UnicodeString getTypeName() const override;
     LumName getLocalName() const override;
+    /// The text as a string value.
     LumValue getNodeValue() const override;
+    /// Replaces the text by the value's string form.
     void setNodeValue(const LumValue& value) override;
     int getNodeType() const override;
     bool isText() const override;
+    /// The text; getData() and setData() are the same under the DOM's names.
     UnicodeString getText() const override;
     void setText(const UnicodeString& text) override;
-    /// The owner document's createTextNode of the same text.
+    /// What the owner document's createTextNode() returns for the same text, null included.
     LumPtr<LumNode> cloneNode(bool deep) const override;
 
-    /// In UTF-16 code units.
+    /// The length of the text in UTF-16 code units.
     virtual int getLength() const;
     virtual UnicodeString getData() const;
     virtual void setData(const UnicodeString& text);
@@ -33,7 +43,10 @@ private:
     UnicodeString text_;
 };
 
-/// A processing instruction; its text is everything between "<?" and "?>". It answers and clones as a text node.
+/// A processing instruction; its text is everything between "<?" and "?>", target included. In all but its node
+/// type and class it behaves as a text node: isText() is true, its name is "#text", and cloneNode() makes a text node.
+/// It is saved as it is, so the text must not contain "?>"; that is not checked. Ownership: created by
+/// LumDocument::createProcessingInstruction().
 class LUM_API LumPINode : public LumTextNode {
 public:
     static constexpr unsigned int TYPE_ID = 0x1A6FA3CFu;
@@ -46,11 +59,15 @@ public:
     int getNodeType() const override;
 };
 
-/// A holder of nodes that are to be moved together.
+/// A holder of nodes that are to be moved together. Its node name is "#document-fragment", it has no value or text, and
+/// cloneNode() returns null. It is inserted as a node, with its children below it, which stay its children; saving
+/// writes the children alone.
+/// Ownership: created by LumDocument::createDocumentFragment().
 class LUM_API LumDocumentFragment : public LumNode {
 public:
     static constexpr unsigned int TYPE_ID = 0x319C59B1u;
 
+    /// @param ownerDocument  not counted, not null.
     explicit LumDocumentFragment(LumDocument* ownerDocument) : LumNode(ownerDocument) {}
 
     unsigned int getTypeID() const override { return TYPE_ID; }

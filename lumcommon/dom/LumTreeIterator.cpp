@@ -3,11 +3,11 @@
 namespace LumCommon {
 namespace {
 
-// The two walks mirror each other: first and last child, next and previous sibling, entering and leaving change places,
-// and so do the modes ENTER and LEAVE. What is written for one direction holds for both.
+// The two walks mirror each other: first and last child, next and previous sibling, entering and leaving trade places,
+// and so do the modes ENTER and LEAVE. So one implementation serves both directions.
 
 struct Forward {
-    static constexpr bool DONE = true;  // isLeaving() of a node whose subtree this walk has passed
+    static constexpr bool DONE = true;  // isLeaving() of a node whose subtree this walk is done with
     static constexpr int BEFORE_SUBTREE = LumTreeIterator::ENTER;  // the mode that reports nodes only before it
     static constexpr int AFTER_SUBTREE = LumTreeIterator::LEAVE;
     static LumNode* firstChild(const LumNode* node) { return node->getFirstChild(); }

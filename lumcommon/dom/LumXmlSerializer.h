@@ -7,8 +7,8 @@
 
 namespace LumCommon {
 
-/// Writes XML event by event, in UTF-8 or Shift_JIS, without line breaks of its own. It keeps the namespace scopes,
-/// declares namespaces where they are needed and makes prefixes up when asked to.
+/// Writes XML event by event, in UTF-8 or Shift_JIS, and adds no line breaks. It keeps track of namespace scopes,
+/// declares namespaces where they are needed and makes up prefixes when asked to.
 ///
 /// Order: setOutput, startDocument, (docdecl), elements and content, endDocument.
 /// Errors: calls out of order throw 0x80C to 0x810; no output 0x1005, a failed one 0x1007. What was written before
@@ -20,9 +20,9 @@ public:
 
     bool isA(unsigned int typeId) const override;
 
-    /// Begins a new output. An output before it is flushed and, when it is a file of the serializer's own, closed.
-    /// @param out  stays the caller's and must live until endDocument() or flush() has been the last operation on it,
-    ///             else until the next setOutput().
+    /// Begins a new output. The previous output is flushed and, if it is a file that the serializer opened, closed.
+    /// @param out  stays the caller's. It may be destroyed after an endDocument() or flush() that no other operation
+    ///             follows; otherwise it must live until the next setOutput().
     virtual void setOutput(std::ostream& out, const UnicodeString& encoding) = 0;
     /// The same for a file (a path or file: URI), which is created or truncated. Errors: 0x1003.
     virtual void setOutput(const UnicodeString& uri, const UnicodeString& encoding) = 0;
@@ -41,7 +41,7 @@ public:
     virtual LumName getPrefix(LumName namespaceUri, bool generate) const = 0;
     /// The number of open scopes.
     virtual int getDepth() const = 0;
-    /// Of the innermost open element.
+    /// The names of the innermost open element; null when none is open.
     virtual LumName getNamespace() const = 0;
     virtual LumName getName() const = 0;
     /// The form without a prefix chooses one.
@@ -52,12 +52,12 @@ public:
     virtual void attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) = 0;
     virtual void attribute(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) = 0;
     virtual void endTag(LumName namespaceUri, LumName localName) = 0;
-    /// Markup characters are escaped; control characters that XML does not allow are left out. A surrogate without
-    /// its partner in the same call is written as three bytes of its own. In Shift_JIS what the code page lacks becomes
-    /// a decimal reference, a surrogate pair one to its character.
+    /// Markup characters are escaped; control characters that XML does not allow are left out. A surrogate whose
+    /// partner is not in the same call is written as three bytes. In Shift_JIS, a character that the code page lacks
+    /// becomes a decimal reference; a surrogate pair becomes a single one.
     virtual void text(const UnicodeString& text) = 0;
     virtual void text(const unsigned short* buffer, int start, int length) = 0;
-    /// The following are written as they stand: the caller sees to it that "--", "?>" and "]]>" do not occur inside.
+    /// The following are written as they are: the caller must make sure that "--", "?>" and "]]>" do not occur inside.
     virtual void cdsect(const UnicodeString& text) = 0;
     virtual void entityRef(const UnicodeString& name) = 0;
     virtual void processingInstruction(const UnicodeString& content) = 0;

@@ -8,7 +8,7 @@
 namespace LumCommon {
 namespace {
 
-/// A parser that forgives what does not matter for a look at the root.
+/// A parser that tolerates what does not matter for a look at the root.
 LumPtr<LumXmlParser> makeLenientParser() {
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);
@@ -88,7 +88,7 @@ LumName LumXmlUtil::getXSLStylesheetNamespace(LumName& localName, std::istream& 
 
 LumName LumXmlUtil::getXSLStylesheetNamespace(LumName& localName, const UnicodeString& uri) {
     localName = LumName();
-    // One look is enough: the resource may be remote, and nobody waits for it to be rewound.
+    // Reads the input once only: it may be remote, and unlike the caller's stream it need not be rewound.
     const LumPtr<LumXmlParser> parser = getRootParser(uri);
     const LumName namespaceUri = readRootName(localName, parser.get());
     return isFormattingRoot(namespaceUri, localName) ? classifyFormattingRoot(parser.get()) : namespaceUri;

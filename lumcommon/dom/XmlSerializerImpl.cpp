@@ -20,7 +20,7 @@ constexpr char16_t defaultGenerator[] =
     u") for Linux"
     u" (c) The makers of Lumset. All rights reserved.";
 
-/// The form in which an encoding can be declared; empty for one that cannot.
+/// The form in which an encoding is declared; empty for one that cannot be declared.
 UnicodeString declarableEncoding(const UnicodeString& encoding) {
     const UnicodeString name = detail::toUpperCase(UnicodeString(encoding).trim());
     if (name == u"SHIFT-JIS" || name == u"SHIFT_JIS") return u"SHIFT_JIS";
@@ -29,8 +29,8 @@ UnicodeString declarableEncoding(const UnicodeString& encoding) {
 
 }  // namespace
 
-/// The frame of an operation that writes: it checks the output before and hands over what was written after, also
-/// when the operation ends with an exception.
+/// Frames an operation that writes: checks the output first, and finally hands over what was written, even if the
+/// operation throws.
 class XmlSerializerImpl::Operation {
 public:
     explicit Operation(XmlSerializerImpl& serializer) : writer_(serializer.writer_) { writer_.check(); }
@@ -56,7 +56,7 @@ XmlSerializerImpl::~XmlSerializerImpl() {
     if (!output_.isOwned()) return;
     try {
         closeStream();
-    } catch (const LumError&) {  // nobody is left to tell
+    } catch (const LumError&) {  // a destructor has nobody to report to
     } catch (const std::bad_alloc&) {
     }
 }
@@ -85,9 +85,9 @@ void XmlSerializerImpl::setOutput(const UnicodeString& uri, const UnicodeString&
     attach(std::move(file), encoding);
 }
 
-/// Finishes the output before and empties the scopes.
+/// Finishes the previous output and empties the scopes.
 void XmlSerializerImpl::resetForOutput() {
-    // Nothing is asked of an output that has been flushed or has failed: the caller may have ended it since.
+    // An output that has been flushed or has failed is left alone: the caller may have destroyed it since.
     const bool wasBroken = writer_.isBroken();
     if (!wasBroken && (isTagOpen() || writer_.isDirty())) {
         closeStream();
@@ -108,7 +108,7 @@ void XmlSerializerImpl::attach(MaybeOwned<std::ostream> out, const UnicodeString
     state_ = STATE_OUTPUT_SET;
 }
 
-/// Lets go of the output without flushing it. False when closing the serializer's own file shows that it is incomplete.
+/// Releases the output without flushing it. False if closing the serializer's own file shows that it is incomplete.
 bool XmlSerializerImpl::releaseOutput() noexcept {
     std::unique_ptr<std::ostream> file = output_.release();
     writer_.setStream(nullptr);
@@ -210,7 +210,7 @@ void XmlSerializerImpl::openScope() {
     if (state_ != STATE_PREFIXES_SET) namespaces().pushScope();
 }
 
-/// Takes back a scope that setPrefix() opened and no element used: it has no tag to close.
+/// Removes a scope that setPrefix() opened and no element used; it has no tag to close.
 void XmlSerializerImpl::dropPrefixScope() {
     if (state_ != STATE_PREFIXES_SET) return;
     namespaces().popScope();
@@ -271,8 +271,8 @@ void XmlSerializerImpl::checkAttributeState() const {
     if (!isTagOpen()) throwCommonError(LumErrorCodeLumLIB::AttributeOrder, LumCommonErrorSource::SerializerAttribute);
 }
 
-/// Takes an attribute that is a namespace declaration. It is written when the tag is closed, once, together with those
-/// that the names of the tag need. False for any other attribute.
+/// Records an attribute that is a namespace declaration; false for any other attribute. The declaration is written
+/// once, when the tag is closed, together with those that the names in the tag need.
 bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, LumName localName,
                                          const UnicodeString& value) {
     if (namespaceUri != NAME_NS_XMLNS && prefix != NAME_xmlns && localName != NAME_xmlns) return false;
@@ -342,7 +342,7 @@ void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) con
 
 void XmlSerializerImpl::text(const UnicodeString& text) { writeContent("", text, detail::TEXT_CONTENT, ""); }
 
-/// A null buffer, a negative start and a length below 1 stand for no text.
+/// A null buffer, a negative start or a length below 1 means no text.
 void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length) {
     Operation operation(*this);
     closeStartTag(TagEnd::Content);

@@ -9,8 +9,8 @@ namespace LumCommon {
 
 /// The serializer of the library.
 ///
-/// The stream is touched while an operation runs and by a setOutput() that follows an unfinished document, but never
-/// by the destructor, which only closes a file of the serializer's own.
+/// The stream is used while an operation runs, and by a setOutput() that follows an unfinished document, but never by
+/// the destructor, which only closes a file that the serializer opened.
 class XmlSerializerImpl final : public LumXmlSerializer {
 public:
     static constexpr unsigned int TYPE_ID = 0x5695E1FBu;
@@ -22,8 +22,8 @@ public:
     bool isA(unsigned int typeId) const override;
     UnicodeString getTypeName() const override;
 
-    /// Both: when the output before cannot be flushed or closed, it is let go of all the same, and 0x1007 is thrown
-    /// unless an operation has thrown it for that output before. The call can then be repeated.
+    /// Both: if the previous output cannot be flushed or closed, it is released all the same, and 0x1007 is thrown
+    /// unless an operation has already thrown it for that output. The call can then be repeated.
     void setOutput(std::ostream& out, const UnicodeString& encoding) override;
     void setOutput(const UnicodeString& uri, const UnicodeString& encoding) override;
     void startDocument(const UnicodeString& encoding, const UnicodeString& standalone) override;
@@ -49,7 +49,8 @@ public:
     void flush() override;
     void setGenerator(const UnicodeString& generator) override;
 
-    /// Flushes the output, closes it when it is a file of the serializer's own, and goes back to having none.
+    /// Flushes the output, closes it if it is a file that the serializer opened, and leaves the serializer without an
+    /// output.
     void closeStream();
 
 private:
@@ -91,8 +92,8 @@ private:
     void writeContent(std::string_view before, const UnicodeString& content, unsigned mode, std::string_view after);
 
     int state_ = STATE_NO_OUTPUT;
-    mutable LumPtr<NamespaceManager> namespaces_;  // made by the first operation that needs it
-    ElementNames enclosing_;                       // in STATE_PREFIXES_SET the element around the scope that waits
+    mutable LumPtr<NamespaceManager> namespaces_;  // created by the first operation that needs it
+    ElementNames enclosing_;                       // in STATE_PREFIXES_SET, the element around the waiting scope
     MaybeOwned<std::ostream> output_;
     UnicodeString encoding_;
     UnicodeString generator_;

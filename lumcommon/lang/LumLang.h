@@ -10,26 +10,27 @@
 
 namespace LumCommon {
 
-/// The bibliographic three-letter language codes (ISO 639-2/B) that ICU does not know, with the codes that it does.
+/// The bibliographic three-letter language codes (ISO 639-2/B) that ICU does not know, with the equivalents that it
+/// does know.
 /// Threads: any; constant data.
 class LUM_API ISO639Bibliographic {
 public:
     static constexpr int COUNT = 24;
 
     /// The tag with a bibliographic code at its start replaced: "fre-FR" becomes "fra-FR", "none" the empty string. The
-    /// code is the whole tag, or three characters before one that is no ASCII letter; case counts. Any other tag comes
-    /// back unchanged.   Cost: O(length).
+    /// code is the whole tag, or its first three characters when the fourth is not an ASCII letter; it is
+    /// case-sensitive. Any other tag comes back unchanged.   Cost: O(length).
     static UnicodeString get(const UnicodeString& tag);
 };
 
-/// The table as an object, for callers that hold it by name; it has no state.
+/// The table as an object, for callers that refer to it by name; it has no state.
 extern LUM_API const ISO639Bibliographic s_ISO639Bibliographic;
 
-/// The language of a piece of text, from a tag ("de", "zh-TW", "fre-CA"): an ICU locale, made after bibliographic codes
-/// have been replaced. "-" and "_" both separate the parts of a tag.
+/// The language of a piece of text, from a tag ("de", "zh-TW", "fre-CA"): an ICU locale, created after bibliographic
+/// codes have been replaced. "-" and "_" both separate the parts of a tag.
 ///
-/// Equality is that of the locale. The order (operator<) looks at the language alone, so that a map keyed by LumLang
-/// finds the entry of "sv" for "sv-SE".
+/// Equality is that of the locale. The order (operator<) compares the language alone, so that a map keyed by LumLang
+/// finds the entry for "sv" when asked for "sv-SE".
 ///
 /// Failure: a tag that ICU cannot parse gives a locale whose language is empty; nothing is thrown.
 /// Threads: a value.
@@ -44,9 +45,9 @@ public:
     LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode);
     /// The name's text as a tag; NAME_none and the null name are the empty language.
     explicit LumLang(LumName name);
-    explicit LumLang(LumNameEnum name) : LumLang(LumName(name)) {}  // else ambiguous: an enum is also a character
+    explicit LumLang(LumNameEnum name) : LumLang(LumName(name)) {}  // an enum converts to a character, too
 
-    /// Whether there is no language.
+    /// Whether the language is empty.
     bool isEmpty() const { return *getLanguage() == '\0'; }
 
     /// Part of LumCommon::cleanup(). The table is constant data, so there is nothing to release.

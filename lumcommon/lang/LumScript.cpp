@@ -41,7 +41,7 @@ const Script* findScript(std::int32_t code) {
 
 constexpr std::int32_t UNDECIDED = -100;
 
-/// The values that are no matter of ICU's.
+/// Codes and keywords that are decided without ICU.
 std::int32_t getCodeOfKeyword(LumNameEnum name) {
     switch (name) {
         case NAME_Hira:
@@ -63,7 +63,7 @@ std::int32_t getCodeOfKeyword(LumNameEnum name) {
     }
 }
 
-/// Tags of the languages that write Han, which ICU answers with a list of scripts.
+/// Tags of the languages that are written with Han, for which ICU returns a list of scripts.
 std::int32_t getCodeOfTag(const UnicodeString& lowered) {
     if (lowered == u"zh-tw" || lowered == u"zh-hk") return LumScript::TRADITIONAL_HAN;
     if (lowered.length() > 2 && lowered[2] != u'-') return UNDECIDED;
@@ -75,7 +75,7 @@ std::int32_t getCodeOfTag(const UnicodeString& lowered) {
 
 /// The first of the scripts that ICU lists for a script's name or code, or for a locale.
 std::int32_t getCodeFromIcu(const UnicodeString& text) {
-    if (text.indexOf(u'\0') >= 0) return LumScript::UNKNOWN;  // ICU would take what stands before it
+    if (text.indexOf(u'\0') >= 0) return LumScript::UNKNOWN;  // ICU would read only what comes before it
     std::string bytes;
     text.toUTF8String(bytes);
     std::array<UScriptCode, 16> codes;

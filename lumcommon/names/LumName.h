@@ -14,14 +14,14 @@ class LumValue;
 
 /// An interned name: one integer that stands for one string. Comparing names is comparing integers.
 ///
-/// A name interned at run time lives as long as at least one LumDocument, NamespaceManager or parser does; later its
-/// identifier reads as the empty string until it is given out again.
+/// Names interned at run time live as long as at least one LumDocument, NamespaceManager or parser exists; after that
+/// an identifier reads as the empty string until it is assigned again.
 /// Threads: a value; it may be copied, compared and read on any thread.
 class LUM_API LumName {
 public:
     constexpr LumName() noexcept = default;
     constexpr LumName(LumNameEnum id) noexcept : id_(id) {}
-    /// The name that the value holds, else the value's string form, interned (values/NamesFromValues.cpp).
+    /// The name that the value holds, or else its string form, interned. Implemented in values/NamesFromValues.cpp.
     explicit LumName(const LumValue& value);
     /// The interned name of `text`.
     explicit LumName(const UnicodeString& text);
@@ -31,8 +31,8 @@ public:
     /// The string; empty for the null name. The reference is valid as long as the name is.
     const UnicodeString& getString() const;
 
-    /// A new name that nobody has interned before: `prefix` (or "N"), "-" and a number. It is a valid XML name when
-    /// the prefix is one.
+    /// A new name that has not been interned before: `prefix` (or "N"), "-" and a number. It is a valid XML name if the
+    /// prefix is one.
     static LumName generateID(const UnicodeString& prefix);
 
     friend constexpr bool operator==(LumName a, LumName b) noexcept { return a.id_ == b.id_; }

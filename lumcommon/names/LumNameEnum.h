@@ -5,7 +5,7 @@
 namespace LumCommon {
 
 /// Identifier of an interned name: 0 is the null name, 1 to 1597 the built-in vocabulary (the enumerators here),
-/// 1598 and above are given out at run time. At most 2^24 - 1 names exist in a process.
+/// 1598 and above are assigned at run time. At most 2^24 - 1 names exist in a process.
 enum LumNameEnum : std::uint32_t {
     NAME_NULL = 0,
 #define LUM_NAME(id, text) NAME_##id,

@@ -23,8 +23,8 @@ LumLock* sharedLock() {
 
 std::size_t unitsOf(const UnicodeString& text) { return static_cast<std::size_t>(text.length()); }
 
-/// The next number to try after `tries` numbers were taken. The steps double, so that a document which has interned
-/// long runs of such names cannot make the search long; they stop growing before the number could wrap around.
+/// How far to advance after `tries` numbers were found in use. The steps double, so that a document that has interned
+/// long runs of such names cannot slow the search down; they stop growing before the number could wrap around.
 std::uint64_t stepAfter(unsigned tries) { return std::uint64_t{1} << (tries < 32 ? tries : 32); }
 
 }  // namespace
@@ -45,7 +45,7 @@ LumNameTable::LumNameTable(detail::NameStore* sharedNames) : store_(sharedNames)
 
 LumNameTable::~LumNameTable() {
     if (store_ != &*sharedStore) return;
-    LumMutex guard(sharedLock());  // taken already, unless somebody counts the shared table with a LumPtr
+    LumMutex guard(sharedLock());  // already held, unless somebody counts the shared table with a LumPtr
     store_->clear();
     sharedTable = nullptr;
 }
@@ -71,7 +71,7 @@ LumNameEnum LumNameTable::internNumbered(const UnicodeString& prefix) {
         text.append(u'-');
         detail::appendDecimal(text, number);
         if (text.isBogus()) throw LumError(std::bad_alloc(), UnicodeString());
-        // A text that is already a name would not be new: it may be a prefix that the document itself uses.
+        // A text that is already a name would not be unique: it may be a prefix that the document itself uses.
         if (detail::findBuiltinName(text.getBuffer(), unitsOf(text)) == NAME_NULL &&
             store.find(text.getBuffer(), unitsOf(text)) == NAME_NULL) {
             return store.intern(text.getBuffer(), unitsOf(text));

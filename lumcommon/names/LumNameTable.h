@@ -13,29 +13,29 @@ class NameStore;
 LumNameEnum internName(const char16_t* text, std::size_t units);
 }  // namespace detail
 
-/// The table that gives strings their identifiers. The static operations work on the one table of the process.
+/// The table that assigns identifiers to strings. The static operations work on the one table that the process shares.
 ///
-/// The shared table lives while a LumDocument, a NamespaceManager or a caller of addRefSharedNameTable() holds it;
-/// with the last of them its run-time names are gone and counting starts again at 1598. Its references are counted by
-/// addRefSharedNameTable() and releaseSharedNameTable() alone: a LumPtr would count without the lock.
+/// The shared table lives while a LumDocument, a NamespaceManager or a caller of addRefSharedNameTable() holds it; when
+/// the last of them lets it go, its run-time names are lost and numbering starts again at 1598. Its references are
+/// counted by addRefSharedNameTable() and releaseSharedNameTable() alone: a LumPtr would change the count without the
+/// lock.
 ///
-/// Threads: the static operations may be called from any thread, except setupSharedNameTable() and cleanup().
-/// Built-in names are looked up and read without a lock. Interning a run-time name takes the table's lock. Reading
-/// the string of a run-time name takes none: strings never move, and an identifier is published only after its
-/// string stands.
+/// Threads: the static operations may be called from any thread, except setupSharedNameTable() and cleanup(). Built-in
+/// names are looked up and read without a lock. Interning a run-time name takes the table's lock. Reading the string of
+/// a run-time name takes none: strings never move, and an identifier is published only after its string is in place.
 class LUM_API LumNameTable : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0x31FB5B85u;
 
-    /// An empty table of its own, apart from the shared one.
+    /// A new, empty table, separate from the shared one.
     LumNameTable();
 
     unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
     UnicodeString getTypeName() const override;
 
-    /// Interns `text`: the one operation that adds names to the shared table. The empty string gives 0.
-    /// When 2^24 - 1 names are in use, throws code 0x801.   Cost: one hash and compare; a lock for run-time names.
+    /// Interns `text` in the shared table. The empty string gives 0. Throws code 0x801 when 2^24 - 1 names are in use.
+    /// Cost: one hash and compare; a lock for run-time names.
     static LumNameEnum getSharedNameEnum(const UnicodeString& text);
     /// The string of a name, empty when `id` is not in use.
     /// Ownership: a built-in string lives until cleanup(), a run-time string as long as the shared table.
@@ -45,20 +45,21 @@ public:
     /// The built-in string, empty outside 1 to 1597.
     static const UnicodeString& getBuiltinNameString(LumNameEnum id);
 
-    /// The shared table, made when absent; no reference is taken.
+    /// The shared table, created if there is none; no reference is taken.
     static LumNameTable* getSharedNameTable();
-    /// The shared table, made when absent, with one more reference: give it back with releaseSharedNameTable().
+    /// The shared table, created if there is none, with one more reference: give it back with releaseSharedNameTable().
     static LumNameTable* addRefSharedNameTable();
+    /// Gives back a reference of addRefSharedNameTable(); with the last one the table is destroyed.
     static void releaseSharedNameTable();
-    /// Makes the shared table without taking the lock: for start-up code, before any other thread runs.
+    /// Creates the shared table without taking the lock: for start-up code, before any other thread runs.
     static void setupSharedNameTable();
     /// Destroys the shared table and what the library keeps for names. Nothing may use names during or after it.
     static void cleanup();
 
     // The operations on one table take no lock: on the shared table they are for start-up and shutdown, and for callers
-    // that hold its lock. Reading strings and the last identifier is safe beside interning.
+    // that hold its lock. Reading strings and the last identifier is safe while another thread interns.
 
-    /// Interns `text` in this table.   Failure: as getSharedNameEnum.
+    /// Interns `text` in this table.   Failure: as for getSharedNameEnum().
     LumNameEnum getNameEnum(const UnicodeString& text);
     /// Adds `text` to the run-time part of this table without looking at the built-in names and without a lock:
     /// for callers that hold the lock of the shared table.
@@ -67,7 +68,7 @@ public:
     const UnicodeString& getNameString(LumNameEnum id) const;
     /// The built-in identifier of `text`, else this table's, else 0. Adds nothing.
     LumNameEnum lookupName(const UnicodeString& text) const;
-    /// The identifier given out last; 1597 in a new table.
+    /// The identifier assigned last; 1597 in a new table.
     LumNameEnum getLastNameEnum() const;
 
     ~LumNameTable() override;

@@ -1,4 +1,4 @@
 #pragma once
 
-// An address: the class stands in another room of the library.
+// Forwards to values/, where the class is defined, for programs that include it by this path.
 #include <lumcommon/values/LumNamedValueMap.h>

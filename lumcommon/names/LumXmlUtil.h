@@ -10,9 +10,10 @@ namespace LumCommon {
 class LumXmlParser;
 class LumXmlSerializer;
 
-/// Makes parsers and serializers and looks at the root of a document without building a tree.
+/// Creates parsers and serializers, and inspects the root of a document without building a tree. Implemented in
+/// dom/LumXmlUtil.cpp.
 /// Errors: those of the parser; an input that cannot be opened throws code 0x1003.
-/// Names that are not built in outlive the parser that met them only while something else holds the shared name table
+/// Names that are not built in outlive the parser that read them only while something else holds the shared name table
 /// (see LumNameTable).
 /// Threads: any; the stream belongs to the calling thread.
 class LUM_API LumXmlUtil {
@@ -22,22 +23,23 @@ public:
     static LumPtr<LumXmlParser> createXmlParser();
     static LumPtr<LumXmlSerializer> createXmlSerializer();
 
-    /// A parser that stands on the start tag of the root element; null when the input ends before one. It skips
-    /// external DTDs, ignores undefined entities and unsupported encodings and takes undeclared prefixes of attributes
-    /// as their namespaces. An undeclared prefix of an element, the root's too, is error 0x1807.
+    /// A parser positioned on the start tag of the root element; null when the input ends before one. It skips external
+    /// DTDs, ignores undefined entities and unsupported encodings, and uses an undeclared prefix of an attribute as its
+    /// namespace. An undeclared prefix of an element, including the root, is error 0x1807.
     /// @param streamType1, streamType2  media type and file extension, for LumXmlParser::setStreamType.
     /// Ownership: `in` stays the caller's and must outlive the parser.
     static LumPtr<LumXmlParser> getRootParser(std::istream& in, const UnicodeString& streamType1 = UnicodeString(),
                                               const UnicodeString& streamType2 = UnicodeString());
     static LumPtr<LumXmlParser> getRootParser(const UnicodeString& uri);
 
-    /// The namespace URI of the root element; `localName` gets its local name. Both are null without a root element.
+    /// The namespace URI of the root element; `localName` gets its local name. Both are null when there is no root
+    /// element.
     static LumName getRootName(LumName& localName, std::istream& in, const UnicodeString& streamType1 = UnicodeString(),
                                const UnicodeString& streamType2 = UnicodeString());
     static LumName getRootName(LumName& localName, const UnicodeString& uri);
 
     /// As getRootName, except that an fo:root with an xsl:version attribute (a simplified stylesheet whose result is
-    /// XSL-FO) answers with the XSLT namespace. The stream must be able to seek to its start.
+    /// XSL-FO) gives the XSLT namespace. The stream must be able to seek to its start.
     static LumName getXSLStylesheetNamespace(LumName& localName, std::istream& in,
                                              const UnicodeString& streamType1 = UnicodeString(),
                                              const UnicodeString& streamType2 = UnicodeString());

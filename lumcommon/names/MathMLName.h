@@ -21,6 +21,7 @@ public:
     using VocabularyName::VocabularyName;
     explicit MathMLName(LumName name);
     explicit MathMLName(LumNameEnum name) : MathMLName(LumName(name)) {}
+    /// Implemented in values/NamesFromValues.cpp.
     explicit MathMLName(const LumValue& value);
 
     static MathMLName find(const UnicodeString& text) noexcept;

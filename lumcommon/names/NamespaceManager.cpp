@@ -17,7 +17,7 @@ LumName namespaceAnswer(const NamespaceManager::NSScope& scope, LumName prefix, 
     if (scope.prefix == prefix && !scope.namespaceUri.isNull()) return scope.namespaceUri;
     if (!scope.map) return outer;
     const LumName uri = scope.map->lookupNamespace(prefix);
-    // A null URI takes the default namespace back, but lets another prefix keep its outer meaning.
+    // A null URI cancels the default namespace, but leaves any other prefix with its outer meaning.
     return !uri.isNull() || (prefix.isNull() && scope.map->hasNamespace(prefix)) ? uri : outer;
 }
 
@@ -31,7 +31,7 @@ LumName defaultAnswer(const NamespaceManager::NSScope& scope, LumName outer) {
     return scope.map && scope.map->hasNamespace(LumName()) ? scope.map->getDefaultNamespace() : outer;
 }
 
-/// The answers, seen from their innermost scope.
+/// The answers as seen from the innermost scope.
 struct InnermostScope {
     ScopeAnswers& answers;
     const NamespaceManager::NSScope& scope;
@@ -65,7 +65,7 @@ struct InnermostScope {
         if (!uri.isNull()) refreshNamespace(prefix);
         if (!prefix.isNull()) refreshPrefix(uri);
     }
-    /// Of a scope that has just been opened.
+    /// For a scope that has just been opened.
     void answerAll() const {
         if (scope.map) {
             for (const auto& [prefix, uri] : scope.map->getEntries()) {
@@ -82,11 +82,11 @@ struct InnermostScope {
 
 NamespaceManager::NamespaceManager() {
     scopes_.emplace_back();
-    scopes_.back().map = new NamespaceMap;  // a statement of its own: it would be made before its place is
+    scopes_.back().map = new NamespaceMap;  // a separate statement, so that its place exists before it does
     scopes_.back().map->addNamespace(NAME_xml, NAME_NS_XML);
     scopes_.back().map->addNamespace(NAME_xmlns, NAME_NS_XMLNS);
     answers();
-    nameTable_ = LumNameTable::addRefSharedNameTable();  // last: a failure above would keep the reference for ever
+    nameTable_ = LumNameTable::addRefSharedNameTable();  // last: a failure above would leak the reference
     scopes_.back().map->manager_ = this;
 }
 
@@ -136,8 +136,8 @@ void NamespaceManager::setElement(LumName prefix, LumName localName, LumName nam
     const InnermostScope innermost{answers(), scope};
     const LumName oldPrefix = scope.prefix;
     const LumName oldUri = scope.namespaceUri;
-    // The element answers before the declarations, so where the answers are already its names nothing is to be done.
-    // This is the case of nearly every tag.
+    // The element takes precedence over the declarations, so nothing has to change when the answers are already its
+    // names. That is so for nearly every tag.
     const bool replaces = !oldPrefix.isNull() || !oldUri.isNull();
     const bool differs = (!namespaceUri.isNull() && lookupNamespace(prefix) != namespaceUri) ||
                          (!prefix.isNull() && lookupPrefix(namespaceUri) != prefix);
@@ -150,8 +150,8 @@ void NamespaceManager::setElement(LumName prefix, LumName localName, LumName nam
     innermost.refreshElement(prefix, namespaceUri);
 }
 
-/// Whether the answers go along with a change. One below the innermost scope would reach into what the scopes above it
-/// have logged; after it the answers are made anew.
+/// Whether a change to this map updates the answers. A change below the innermost scope would affect what the scopes
+/// above it have logged, so it makes the answers be rebuilt instead.
 bool NamespaceManager::isFollowed(const NamespaceMap& map) const noexcept {
     return answers_ && scopes_.back().map.get() == &map;
 }
@@ -193,7 +193,7 @@ void NamespaceManager::addNamespace(LumName prefix, LumName uri) {
     if (NamespaceMap* const map = getNamespaceMap()) return map->addNamespace(prefix, uri);
     const LumPtr<NamespaceMap> map(new NamespaceMap);
     map->addNamespace(prefix, uri);
-    // The scope gets the map when nothing can fail any more.
+    // The scope gets the map once nothing can fail any more.
     const InnermostScope innermost{answers(), scopes_.back()};
     innermost.prepare(prefix, uri);
     map->manager_ = this;

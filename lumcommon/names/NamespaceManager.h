@@ -16,13 +16,13 @@ namespace detail {
 class ScopeAnswers;
 }
 
-/// The stack of scopes of prefix bindings, one for each open element, of a document being read or written.
+/// The stack of prefix scopes of a document being read or written, one for each open element.
 ///
-/// The base scope (depth 0) binds `xml` and `xmlns` and is never removed. A scope answers with its element's own
-/// prefix first, then with its declarations; inner scopes come before outer ones.
+/// The base scope (depth 0) binds `xml` and `xmlns` and is never removed. Within a scope, the element's own prefix
+/// comes before the declarations; inner scopes come before outer ones.
 ///
-/// The answers to look-ups are kept, and a scope records only what it changes: pushing, filling and popping the scope
-/// of an element that binds nothing new takes constant time and allocates nothing once the stack has been as deep.
+/// Cost: look-ups are cached, and a scope records only what it changes. Pushing, filling and popping the scope of an
+/// element that binds nothing new takes constant time, and allocates nothing once the stack has been that deep before.
 /// Threads: one at a time.
 class LUM_API NamespaceManager : public LumRCObject {
 public:
@@ -59,11 +59,10 @@ public:
     /// The declaration of the innermost scope at that position in key order; null when out of range.
     LumName getNamespacePrefix(int index) const;
     LumName getNamespaceUri(int index) const;
-    /// The innermost scope's declarations; may be null. Borrowed, until the scope is popped; a map that is held longer
-    /// has nothing to do with the manager any more.
-    /// What is changed in the map is seen by every look-up.   Cost: of a change in the innermost scope, as of one
-    /// through the manager; after one in an outer scope the next look-up takes time linear in all scopes and their
-    /// declarations, once.
+    /// The innermost scope's declarations; may be null. Borrowed until the scope is popped; a map held beyond that
+    /// no longer affects the manager. Look-ups see every change to the map.   Cost: a change in the innermost scope
+    /// costs the same as through the manager; after a change in an outer scope, the next look-up takes time linear in
+    /// all scopes and their declarations, once.
     NamespaceMap* getNamespaceMap() const;
     /// The declarations at that depth; null when there are none or the depth is out of range. As above.
     NamespaceMap* getNamespaceMap(int depth) const;
@@ -74,10 +73,10 @@ public:
     void removeNamespace(LumName prefix, LumName uri);
     /// The URI bound to `prefix`, null when unbound.   Cost: constant on average, whatever the depth.
     LumName lookupNamespace(LumName prefix) const;
-    /// The innermost non-null prefix that is bound to `uri`, null when there is none. A rebinding of that prefix in an
-    /// inner scope is not looked for.   Cost: constant on average.
+    /// The innermost non-null prefix that is bound to `uri`, null when there is none. Whether an inner scope rebinds
+    /// that prefix is not checked.   Cost: constant on average.
     LumName lookupPrefix(LumName uri) const;
-    /// The default namespace as declared; the elements' own namespaces are not asked.   Cost: constant on average.
+    /// The default namespace as declared, regardless of the elements' own namespaces.   Cost: constant on average.
     LumName getDefaultNamespace() const;
     /// Whether any scope has a declaration of the prefix.   Cost: linear in the depth.
     bool hasNamespace(LumName prefix) const;
@@ -85,17 +84,17 @@ public:
     bool hasTagName(LumName prefix, LumName localName) const;
 
 private:
-    friend class NamespaceMap;  // tells of its changes
+    friend class NamespaceMap;  // reports its changes
 
-    /// Before a change in a map of a scope. After a failure the map must stay as it is.
+    /// Called before the map of a scope changes. If this throws, the map must stay as it is.
     void prepareChange(const NamespaceMap& map, LumName prefix, LumName uri);
-    /// After it. `previous` is the URI that the prefix had.
+    /// Called after the change. `previous` is the URI that the prefix had.
     void followChange(const NamespaceMap& map, LumName prefix, LumName previous, LumName uri) noexcept;
     detail::ScopeAnswers& answers() const;
     bool isFollowed(const NamespaceMap& map) const noexcept;
 
     std::vector<NSScope> scopes_;
-    mutable std::unique_ptr<detail::ScopeAnswers> answers_;  // null: to be made from the scopes
+    mutable std::unique_ptr<detail::ScopeAnswers> answers_;  // null: to be rebuilt from the scopes
     LumNameTable* nameTable_;                                // one reference held
 };
 

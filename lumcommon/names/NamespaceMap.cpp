@@ -12,8 +12,8 @@ UnicodeString NamespaceMap::getTypeName() const { return UnicodeString(u"Namespa
 int NamespaceMap::getCount() const { return static_cast<int>(entries_.size()); }
 
 NamespaceMap::Entries::const_iterator NamespaceMap::entryAt(std::size_t index) const {
-    // A stranger may declare any number of prefixes on one element, and callers walk them by position: every walk
-    // goes on from where the last one stopped.
+    // An untrusted document may declare any number of prefixes on one element, and callers walk them by position: each
+    // call continues from where the last one stopped.
     if (cursor_ == entries_.end() || index < cursorIndex_ / 2) {
         cursor_ = entries_.begin();
         cursorIndex_ = 0;
@@ -54,9 +54,9 @@ void NamespaceMap::addNamespace(LumName prefix, LumName uri) {
     if (manager_ != nullptr) manager_->followChange(*this, prefix, overwritten, uri);
 }
 
-/// @param entry  that of the prefix, whose URI is another one; the end when there is none.
+/// @param entry  the entry of the prefix, which has a different URI; the end when there is none.
 void NamespaceMap::insert(Entries::iterator entry, LumName prefix, LumName uri) {
-    // The node that can fail to be allocated comes first, so that a failure leaves both containers as they were.
+    // The set is extended first, and restored if the map cannot grow, so that a failure leaves both as they were.
     const auto added = prefix.isNull() ? prefixesByUri_.end() : prefixesByUri_.insert(std::pair(uri, prefix)).first;
     if (entry != entries_.end()) {
         if (!prefix.isNull()) prefixesByUri_.erase({entry->second, prefix});

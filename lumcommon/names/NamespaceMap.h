@@ -13,8 +13,8 @@ namespace LumCommon {
 class NamespaceManager;
 
 /// The prefix declarations of one scope: an ordered map from prefix to namespace URI, in the order of the prefixes'
-/// identifiers. The null prefix is an ordinary key: it declares the default namespace, or, with a null URI, takes it
-/// back. A map that belongs to an open scope of a NamespaceManager tells it of every change.
+/// identifiers. The null prefix is an ordinary key: it declares the default namespace or, with a null URI, cancels it.
+/// A map that belongs to an open scope of a NamespaceManager reports every change to it.
 /// Threads: one at a time, together with the manager.
 class LUM_API NamespaceMap : public LumRCObject {
 public:
@@ -28,12 +28,12 @@ public:
     /// The number of entries.
     int getCount() const;
     /// The entry at a position in key order; null outside 0 to count-1.
-    /// Cost: constant beside the position asked last, so a walk over all positions is linear; else linear.
+    /// Cost: constant next to the position last asked for, so a walk over all positions is linear; otherwise linear.
     LumName getNamespacePrefix(int index) const;
     LumName getNamespaceUri(int index) const;
     /// The URI bound to the null prefix, null when there is no such entry.
     LumName getDefaultNamespace() const;
-    /// Whether the prefix has an entry, also one with a null URI.
+    /// Whether the prefix has an entry, even one with a null URI.
     bool hasNamespace(LumName prefix) const;
     /// The URI of the prefix, null when there is no entry.
     LumName lookupNamespace(LumName prefix) const;
@@ -55,7 +55,7 @@ private:
     NamespaceManager* manager_ = nullptr;  // while the map's scope is open
     Entries entries_;
     std::set<std::pair<LumName, LumName>> prefixesByUri_;  // (URI, prefix) of every entry whose prefix is not null
-    // The position that was asked last; the end until then and after every change of the positions.
+    // The position last asked for; the end before the first call and after every change of positions.
     mutable Entries::const_iterator cursor_ = entries_.end();
     mutable std::size_t cursorIndex_ = 0;
 };

@@ -21,6 +21,7 @@ public:
     using VocabularyName::VocabularyName;
     explicit SVGName(LumName name);
     explicit SVGName(LumNameEnum name) : SVGName(LumName(name)) {}
+    /// Implemented in values/NamesFromValues.cpp.
     explicit SVGName(const LumValue& value);
 
     static SVGName find(const UnicodeString& text) noexcept;

@@ -1,4 +1,4 @@
-// The two vocabularies and what their names ask of them.
+// The two vocabularies and the look-ups in them.
 #include <lumcommon/names/MathMLName.h>
 #include <lumcommon/names/SVGName.h>
 #include <lumcommon/names/detail/NameIntern.h>

@@ -10,7 +10,7 @@ namespace LumCommon {
 /// What MathMLName and SVGName share: the identifier of a string in a fixed list, 0 for "not in the vocabulary".
 /// Threads: any; a value.
 ///
-/// Each of the two, call it Name, has besides:
+/// Each of the two (Name, below) also has:
 ///   Name(LumName), Name(LumNameEnum)   the entry for the name's string, 0 when there is none
 ///   Name(const LumValue&)              the same for the value's string form (values/NamesFromValues.cpp)
 ///   find(text)                         the same for a string.   Cost, of all four: one hash and compare.

@@ -6,9 +6,9 @@
 
 namespace LumCommon::detail {
 
-// Letters, digits and case of ASCII alone, for units and characters of any type: what keywords, names of protocols and
-// numbers of documents are made of. Other characters are never letters here, whatever the locale says; CaseMapping.h
-// has the case of all of Unicode.
+// Letters, digits and case of ASCII, for code units and characters of any type. Keywords, protocol names and numbers in
+// documents consist of these alone. Other characters are never letters here, whatever the locale; CaseMapping.h maps
+// the case of all of Unicode.
 
 template <class Unit>
 constexpr bool isAsciiDigit(Unit c) noexcept {

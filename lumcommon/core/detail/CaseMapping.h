@@ -4,8 +4,8 @@
 
 namespace LumCommon::detail {
 
-/// The case of all of Unicode in no language: under the rules of Turkish, which a user may have set, "I" and "i" are
-/// not a pair, and no keyword with such a letter would be found. AsciiText.h has the case of ASCII alone.
+/// Case mapping for all of Unicode, independent of the user's language: under Turkish rules "I" and "i" are not a pair,
+/// and keywords with either letter would not be found. AsciiText.h handles ASCII alone.
 UnicodeString toLowerCase(UnicodeString text);
 UnicodeString toUpperCase(UnicodeString text);
 

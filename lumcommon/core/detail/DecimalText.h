@@ -9,7 +9,7 @@
 
 namespace LumCommon::detail {
 
-/// The most units of such an integer in decimal, its sign included.
+/// The greatest length of a Number in decimal, in units, including its sign.
 template <std::integral Number>
 constexpr int longestDecimal = std::numeric_limits<Number>::digits10 + 1 + std::numeric_limits<Number>::is_signed;
 

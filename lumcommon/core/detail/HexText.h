@@ -15,7 +15,7 @@ constexpr int hexDigitValue(Unit c) noexcept {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-/// The digit that stands for the lowest four bits, in upper case.
+/// The upper-case digit for the lowest four bits.
 constexpr char16_t hexDigit(std::uint32_t value) noexcept { return u"0123456789ABCDEF"[value & 0xFu]; }
 
 /// Appends the two digits of a byte.

@@ -4,7 +4,8 @@
 
 namespace LumCommon::detail {
 
-/// An object of static storage that no destructor ends, so that destructors of other static objects can still use it.
+/// An object with static storage duration that is never destroyed, so that the destructors of other static objects can
+/// still use it.
 template <class T>
 union NeverDestroyed {
 public:

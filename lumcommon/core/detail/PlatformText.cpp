@@ -10,7 +10,7 @@
 namespace LumCommon::detail {
 namespace {
 
-/// The default converter, set to stop where a character does not map, or null.
+/// The default converter, set to stop at characters that cannot be mapped; null when it cannot be opened.
 icu::LocalUConverterPointer openStrictConverter() {
     UErrorCode status = U_ZERO_ERROR;
     icu::LocalUConverterPointer converter(ucnv_open(nullptr, &status));
@@ -20,7 +20,7 @@ icu::LocalUConverterPointer openStrictConverter() {
     return converter;
 }
 
-/// True when a measuring call only lacked room.
+/// True when a measuring call succeeded or lacked nothing but room.
 bool isMeasured(UErrorCode status) {
     return status == U_BUFFER_OVERFLOW_ERROR || status == U_STRING_NOT_TERMINATED_WARNING || U_SUCCESS(status);
 }
@@ -53,7 +53,7 @@ UnicodeString fromPlatformText(const char* bytes) {
     if (text.empty() || text.size() > std::numeric_limits<int32_t>::max() / 2) return result;
     const auto sizeBytes = static_cast<int32_t>(text.size());
     if (const icu::LocalUConverterPointer converter = openStrictConverter(); converter.isValid()) {
-        // No charset makes more units than two from one byte.
+        // No charset turns one byte into more than two units.
         const int32_t capacityUnits = 2 * sizeBytes;
         UErrorCode status = U_ZERO_ERROR;
         char16_t* const units = result.getBuffer(capacityUnits);

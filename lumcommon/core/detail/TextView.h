@@ -6,7 +6,7 @@
 
 namespace LumCommon::detail {
 
-/// The units of `text`, none for a bogus string; valid until `text` changes.
+/// The units of `text`; empty for a bogus string. Valid until `text` changes.
 inline std::u16string_view viewOf(const UnicodeString& text) noexcept {
     return text.isEmpty() ? std::u16string_view()
                           : std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length()));

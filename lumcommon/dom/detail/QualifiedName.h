@@ -5,7 +5,7 @@
 namespace LumCommon::detail {
 
 struct QualifiedName {
-    LumName prefix;  // null without one
+    LumName prefix;  // null if there is none
     LumName localName;
 };
 

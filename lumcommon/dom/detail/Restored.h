@@ -2,7 +2,7 @@
 
 namespace LumCommon::detail {
 
-/// Gives a variable another value until the end of a scope, however that is left.
+/// Sets a variable to another value until the end of a scope, however the scope is left.
 template <class T>
 class Restored {
 public:

@@ -8,13 +8,14 @@
 
 namespace LumCommon::detail {
 
-/// A stream over the bytes of a string's own UTF-16 units. The string must outlive it and stay unchanged.
+/// A stream over the bytes of a string's UTF-16 units, which are not copied. The string must outlive it and stay
+/// unchanged.
 class StringInput : public std::istream {
 public:
     explicit StringInput(const UnicodeString& text) : std::istream(nullptr), buffer_(text) { rdbuf(&buffer_); }
 
-    /// The encoding to announce for a string. "UTF-16" leaves the byte order to be recognised, which takes a string
-    /// that begins with "<" or a byte order mark; in front of anything else, white space say, it has to be told.
+    /// The encoding to name for a string. "UTF-16" lets the parser detect the byte order, which works for a string that
+    /// begins with "<" or a byte order mark; for any other, such as one with leading white space, the order is named.
     static UnicodeString encodingOf(const UnicodeString& text) {
         const char16_t first = text.isEmpty() ? u'<' : text[0];
         if (first == u'<' || first == u'\uFEFF') return u"UTF-16";
@@ -25,7 +26,7 @@ private:
     class Buffer : public std::streambuf {
     public:
         explicit Buffer(const UnicodeString& text) {
-            // Stream buffers speak of plain char, although nothing is ever written through this one.
+            // Stream buffers take pointers to non-const char, although nothing is ever written through this one.
             char* const bytes = const_cast<char*>(reinterpret_cast<const char*>(text.getBuffer()));
             setg(bytes, bytes, bytes + (bytes ? text.length() : 0) * sizeof(char16_t));
         }

@@ -7,7 +7,7 @@ namespace LumCommon::detail {
 
 namespace {
 
-/// Whether a surrogate in three bytes stands at `at`: ED A0..BF 80..BF.
+/// Whether there is a surrogate in three bytes at `at`: ED A0..BF 80..BF.
 bool isSurrogateAt(std::string_view bytes, std::size_t at) noexcept {
     return bytes.size() - at >= 3 && U8_IS_TRAIL(bytes[at + 1]) && static_cast<unsigned char>(bytes[at + 1]) >= 0xA0 &&
            U8_IS_TRAIL(bytes[at + 2]);

@@ -6,8 +6,8 @@
 
 namespace LumCommon::detail {
 
-/// The text of what the serializer wrote in UTF-8. A surrogate without its partner, which is written as three bytes of
-/// its own, comes back as it was; other malformed bytes become U+FFFD.
+/// Decodes what the serializer wrote in UTF-8. An unpaired surrogate, which is written as three bytes, comes back
+/// unchanged; other malformed bytes become U+FFFD.
 UnicodeString decodeUtf8(std::string_view bytes);
 
 }  // namespace LumCommon::detail

@@ -18,15 +18,15 @@ namespace LumCommon::detail {
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = 32 * 1024;
-// Text is encoded in blocks, so that one check of the room serves many units. A unit becomes at most 8 bytes
-// ("&#65535;"), a pair at most 10. Vector stores may reach 16 bytes past the last byte that counts.
+// Text is encoded in blocks, so that one check for room serves many units. A unit becomes at most 8 bytes ("&#65535;"),
+// a pair at most 10. Vector stores may reach 16 bytes past the last byte that counts.
 constexpr std::size_t BLOCK_UNITS = 2048;
 constexpr std::size_t BYTES_PER_UNIT = 8;
 constexpr std::size_t STORE_SLACK = 16;
 static_assert(BLOCK_UNITS * BYTES_PER_UNIT + STORE_SLACK <= BUFFER_SIZE);
 
 constexpr unsigned ANY_MODE = 0x0F;
-constexpr unsigned DROPPED = 0x10;  // always special: left out unless the mode rewrites it
+constexpr unsigned DROPPED = 0x10;  // always special: dropped unless the mode escapes it
 
 /// For each ASCII character the modes in which it cannot be copied as it is.
 constexpr std::array<std::uint8_t, 128> specialTable = [] {
@@ -49,7 +49,7 @@ char* appendReference(char* out, UChar32 c) {
 }
 
 /// Writes an ASCII character at which copying stopped: one that specialTable marks for the mode, or a control
-/// character, as the vectors stop at all of them but the line feed.
+/// character, as the vector code stops at every one except the line feed.
 char* appendSpecial(char* out, char16_t c, unsigned mode) {
     if (!(specialTable[c] & (mode | DROPPED))) {
         *out++ = static_cast<char>(c);
@@ -138,7 +138,7 @@ char* copyPlain(const char16_t*& position, const char16_t* end, unsigned mode, c
     return out;
 }
 
-/// Encodes up to the next ASCII character. A surrogate without its partner gets the three bytes of its own number.
+/// Encodes up to the next ASCII character. An unpaired surrogate is encoded in three bytes, as if it were a character.
 char* encodeUtf8(const char16_t*& position, const char16_t* end, char* out) {
     const char16_t* from = position;
     const auto byte = [](std::uint32_t value) { return static_cast<char>(value); };
@@ -164,8 +164,8 @@ char* encodeUtf8(const char16_t*& position, const char16_t* end, char* out) {
     return out;
 }
 
-/// Leaves the error standing. ICU's own callback passes silently over characters that it may ignore (a soft hyphen,
-/// say), which would lose them.
+/// Leaves the error in place. ICU's own callback silently skips ignorable characters, such as the soft hyphen, which
+/// would then be lost.
 void U_CALLCONV stopAtUnmappable(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t, UChar32,
                                  UConverterCallbackReason, UErrorCode*) {}
 
@@ -175,7 +175,7 @@ UConverter* openShiftJis() {
     if (U_SUCCESS(status)) ucnv_setFromUCallBack(converter, stopAtUnmappable, nullptr, nullptr, nullptr, &status);
     if (U_SUCCESS(status)) return converter;
     ucnv_close(converter);  // accepts null
-    return nullptr;         // every character beyond ASCII becomes a reference then
+    return nullptr;         // then every character beyond ASCII becomes a reference
 }
 
 }  // namespace
@@ -270,7 +270,7 @@ void XmlWriter::markFailed() noexcept {
     isBroken_ = true;
     try {
         stream_->setstate(std::ios_base::badbit);
-    } catch (const std::ios_base::failure&) {  // the caller asked the stream for exceptions; ours says more
+    } catch (const std::ios_base::failure&) {  // the stream has exceptions enabled; our own error says more
     }
 }
 
@@ -279,8 +279,8 @@ void XmlWriter::fail() {
     throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::SerializerCheckStream);
 }
 
-/// Goes straight to the stream's buffer: the stream's own write() would do nothing, and say nothing, when the end of
-/// file bit is set, which a stream used for reading as well may carry.
+/// Writes straight to the stream's buffer: the stream's own write() silently does nothing when the end-of-file bit is
+/// set, as it may be on a stream that is also used for reading.
 bool XmlWriter::put(const char* bytes, std::size_t count) {
     isDirty_ = true;
     try {
@@ -305,8 +305,8 @@ char* XmlWriter::encode(const char16_t* from, const char16_t* end, unsigned mode
     }
 }
 
-/// Encodes up to the next ASCII character. The code page holds no supplementary characters, so that the converter is
-/// handed runs without surrogates only and every unit that it refuses is a whole character.
+/// Encodes up to the next ASCII character. The code page has no supplementary characters, so the converter is given
+/// only runs without surrogates, and every unit that it rejects is a whole character.
 char* XmlWriter::encodeShiftJis(const char16_t*& position, const char16_t* end, char* out) {
     const char16_t* from = position;
     while (from != end && *from >= 0x80) {

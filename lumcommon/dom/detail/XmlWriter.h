@@ -14,7 +14,7 @@ struct UConverter;
 
 namespace LumCommon::detail {
 
-/// What is rewritten while text is encoded; a bit set. Any bit also rewrites "&", "<" and ">".
+/// What is escaped while text is encoded; a bit set. Any bit also escapes "&", "<" and ">".
 enum TextMode : unsigned {
     TEXT_RAW = 0,
     TEXT_ESCAPE_MARKUP = 1,
@@ -31,7 +31,8 @@ enum TextMode : unsigned {
 /// call. Control characters that XML does not allow are dropped. In Shift_JIS a character that the code page lacks
 /// becomes a decimal reference; so does a surrogate pair, as one reference to its character, because references to
 /// its halves would not be well-formed.
-/// Errors: a missing output throws code 0x1005, a failed one 0x1007, also when the stream's buffer throws.
+/// Errors: a missing output throws code 0x1005, a failed one 0x1007, even if the failure is an exception of the
+/// stream's buffer.
 class XmlWriter {
 public:
     XmlWriter();
@@ -39,11 +40,11 @@ public:
     XmlWriter(const XmlWriter&) = delete;
     XmlWriter& operator=(const XmlWriter&) = delete;
 
-    /// Null for no output. What has not been committed is forgotten.
+    /// Null for no output. What has not been committed is discarded.
     void setStream(std::ostream* stream) noexcept;
     /// Whether a failure of this stream has been thrown. Does not touch the stream.
     bool isBroken() const noexcept { return isBroken_; }
-    /// UTF-8 without, Shift_JIS with the flag.
+    /// Selects Shift_JIS with the flag, UTF-8 without it.
     void selectShiftJis(bool isShiftJis);
 
     /// Throws unless the stream can be written to.
@@ -60,17 +61,18 @@ public:
     void name(LumName name);
     /// "prefix:local", or "local" when the prefix is null.
     void qualifiedName(LumName prefix, LumName localName);
-    /// Hands what has gathered to the stream.
+    /// Hands the buffered bytes to the stream.
     void commit();
-    /// The same where nothing may be thrown.
+    /// The same, for places where nothing may be thrown.
     void commitQuietly() noexcept;
-    /// commit(), then makes the stream pass everything on.
+    /// commit(), then flushes the stream.
     void sync();
     /// Whether bytes have been handed to the stream since the last sync().
     bool isDirty() const noexcept { return isDirty_; }
 
 private:
-    // Names come again and again, so their bytes are kept. 64 bytes a slot; a longer name is encoded each time.
+    // Names recur all the time, so their bytes are cached. 64 bytes per slot; a name that does not fit is encoded each
+    // time.
     struct NameSlot {
         static constexpr std::size_t CAPACITY = 56;
         static constexpr std::uint8_t TOO_LONG = 0xFF;

@@ -26,13 +26,13 @@ struct BuiltinStrings {
     BuiltinStrings() noexcept {
         for (std::size_t id = 0; id < rowCount; ++id) {
             const std::u16string_view text = builtinRows[id];
-            // An alias of static text: nothing is copied, nothing is to be freed.
+            // An alias of static text: nothing is copied or freed.
             if (!text.empty()) ofName[id].setTo(true, text.data(), static_cast<std::int32_t>(text.size()));
         }
     }
 };
 
-/// Apart from its caller, so that asking for strings that have been made costs a test and a load.
+/// Kept out of its caller, so that asking for the strings once they exist costs a test and a load.
 [[gnu::noinline]] const UnicodeString* makeStrings() noexcept {
     static NeverDestroyed<BuiltinStrings> strings;
     return strings->ofName.data();

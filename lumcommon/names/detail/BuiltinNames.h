@@ -10,7 +10,7 @@ namespace LumCommon::detail {
 /// The built-in name with this text; the null name when there is none, and for the empty text.   Threads: any.
 LumNameEnum findBuiltinName(const char16_t* text, std::size_t units) noexcept;
 
-/// The strings of the names 0 (empty) to 1597. They are made on the first call and never destroyed.   Threads: any.
+/// The strings of the names 0 (empty) to 1597. They are created on the first call and never destroyed.   Threads: any.
 const UnicodeString* builtinNameStrings() noexcept;
 
 }  // namespace LumCommon::detail

@@ -8,11 +8,11 @@
 
 namespace LumCommon::detail {
 
-/// LumNameTable::getSharedNameEnum for text that is not in a UnicodeString: a built-in name is found without making
+/// LumNameTable::getSharedNameEnum for text that is not in a UnicodeString: a built-in name is found without creating
 /// one. `text` may be null when `units` is 0. Threads and failures are those of getSharedNameEnum.
 LumNameEnum internName(const char16_t* text, std::size_t units);
 
-/// Hash of UTF-16 text, seeded once a process.   Threads: any.
+/// Hash of UTF-16 text, seeded once per process.   Threads: any.
 inline std::uint64_t hashUnits(const char16_t* text, std::size_t units) noexcept {
     return hashUnits(text, units, processHashKey());
 }

@@ -57,8 +57,8 @@ void NameStore::growIndex() {
 }
 
 UnicodeString* NameStore::makeChunk(std::size_t chunk) {
-    // Plain storage: a string is constructed when its identifier is given out for the first time, so that a large
-    // chunk takes memory as it fills.
+    // Plain storage: a string is constructed when its identifier is assigned for the first time, so that a large chunk
+    // uses memory only as it fills.
     const std::size_t bytes = (std::size_t{firstChunkSize} << chunk) * sizeof(UnicodeString);
     auto* const strings = static_cast<UnicodeString*>(::operator new(bytes));
     chunks_[chunk].store(strings, std::memory_order_relaxed);  // published together with the first name in it
@@ -78,7 +78,7 @@ LumNameEnum NameStore::intern(const char16_t* text, std::size_t units) {
     }
     if (last >= greatestName || units > std::size_t{std::numeric_limits<std::int32_t>::max()}) throwOutOfMemory();
     try {
-        // Everything that can fail comes before the first change that shows.
+        // Everything that can fail comes before the first visible change.
         const std::uint32_t used = last + 1 - firstName;
         if (used + 1 > slotCount_ / 3 * 2) growIndex();
         UnicodeString copy(text, static_cast<std::int32_t>(units));

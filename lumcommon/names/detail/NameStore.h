@@ -13,8 +13,8 @@ namespace LumCommon::detail {
 
 /// The run-time names of one table: identifier to string and string to identifier.
 ///
-/// A string stands in a chunk at a place that never moves; chunks double in size and are freed only by release().
-/// Threads: stringOf() and lastName() may be called at any time. The others, only by one thread at a time.
+/// Strings are stored in chunks and never move; chunks double in size and are freed only by release().
+/// Threads: stringOf() and lastName() may be called at any time. Everything else is for one thread at a time.
 class NameStore {
 public:
     static constexpr std::uint32_t firstName = NAME_LAST_BUILTIN + 1u;
@@ -26,13 +26,13 @@ public:
     NameStore(const NameStore&) = delete;
     NameStore& operator=(const NameStore&) = delete;
 
-    /// The name of the text, given out now when it is new. Not for empty text.
+    /// The name of the text, assigned now if the text is new. The text must not be empty.
     /// Failure: throws LumError 0x801 when no identifier or no memory is left; the store is as before.
     LumNameEnum intern(const char16_t* text, std::size_t units);
     /// The name of the text, 0 when it has none.
     LumNameEnum find(const char16_t* text, std::size_t units) const noexcept;
-    /// The string of a run-time name; null when it is not in use. The identifier alone is checked and the string not
-    /// touched, so the call is safe beside an intern().
+    /// The string of a run-time name; null when it is not in use. Only the identifier is checked and the string is not
+    /// touched, so this is safe while another thread is in intern().
     const UnicodeString* stringOf(std::uint32_t name) const noexcept {
         if (name < firstName || name > last_.load(std::memory_order_acquire)) return nullptr;
         const Place place = placeOf(name - firstName);
@@ -42,16 +42,16 @@ public:
 
     /// Makes room for the first 1024 names.
     void reserveFirstChunk();
-    /// Forgets all names; the places stay and are used again.
+    /// Forgets all names; their storage is kept and reused.
     void clear() noexcept;
-    /// Forgets all names and frees everything: no string may be in anybody's hands.
+    /// Forgets all names and frees everything: nobody may still hold one of the strings.
     void release() noexcept;
 
 private:
     static constexpr std::uint32_t firstChunkSize = 1024;
     static constexpr std::size_t chunkCount = 14;  // 1024 * (2^14 - 1) places: more than there are identifiers
     static_assert(firstChunkSize * ((1u << chunkCount) - 1) > greatestName - firstName);
-    static constexpr std::size_t keptSlots = 4096;  // an index beyond this goes back to the system in clear()
+    static constexpr std::size_t keptSlots = 4096;  // clear() frees an index larger than this
 
     struct Place {
         std::size_t chunk;

@@ -11,7 +11,7 @@ std::uint32_t ScopeAnswers::findInIndex(Kind kind, LumName name) const noexcept 
         const std::uint32_t question = index_[place];
         if (question == none) return none;
         if (questions_[question].key == key) {
-            recent_[kind] = {name, question};  // questions are never given up, so what is found once stays right
+            recent_[kind] = {name, question};  // questions are never removed, so this stays valid
             return question;
         }
     }

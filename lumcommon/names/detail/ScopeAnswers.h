@@ -11,13 +11,14 @@ namespace LumCommon::detail {
 
 /// The answers that a stack of scopes gives to questions about names, with undo.
 ///
-/// There is one answer for each question, that of the innermost scope; it is null for a question nobody has answered.
+/// There is one answer to each question, that of the innermost scope; it is null when no scope has answered the
+/// question.
 /// A scope logs the previous answer when it changes one for the first time, and closing the scope plays its log back.
 /// Only the innermost scope changes answers, so the answer without it is the one in its log.
 /// Cost: constant on average for every operation; closing a scope, linear in what it has changed.
 class ScopeAnswers {
 public:
-    /// What is asked; each kind has its own questions.
+    /// The kinds of questions; a name is a different question in each.
     enum Kind : std::uint32_t {
         NAMESPACE_OF_PREFIX,
         PREFIX_OF_NAMESPACE,
@@ -25,15 +26,16 @@ public:
     };
 
     void openScope() { scopeStarts_.push_back(log_.size()); }
-    /// Not for the first scope, which is always open.
+    /// Must not be called for the first scope, which is always open.
     void closeScope() noexcept;
 
     LumName get(Kind kind, LumName name) const noexcept;
     /// The answer without the innermost scope.
     LumName getOuter(Kind kind, LumName name) const noexcept;
-    /// Makes room, so that set() for this question cannot fail: at most `maxPrepared` questions before the sets.
+    /// Makes room so that set() cannot fail for this question. At most `maxPrepared` questions may be prepared before
+    /// they are set.
     void prepare(Kind kind, LumName name);
-    /// Sets the innermost scope's answer to a prepared question, or leaves an unprepared question at null.
+    /// Sets the innermost scope's answer to a prepared question; a question never prepared stays at null.
     void set(Kind kind, LumName name, LumName answer) noexcept;
 
     static constexpr std::size_t maxPrepared = 4;
@@ -73,7 +75,7 @@ private:
     HashKey hashKey_ = processHashKey();
     std::vector<Question> questions_;
     std::vector<std::uint32_t> index_ = std::vector<std::uint32_t>(32, none);  // a power of two, at most half full
-    // The question asked last of each kind: elements in a row mostly share their prefix and namespace.
+    // The last question of each kind: successive elements mostly share their prefix and namespace.
     mutable Recent recent_[3] = {{{}, none}, {{}, none}, {{}, none}};
     std::vector<Change> log_;
     std::vector<std::size_t> scopeStarts_ = {0};  // the length of the log when the scope was opened

@@ -8,17 +8,17 @@
 
 namespace LumCommon::detail {
 
-/// What makes one hash function out of the family. An odd multiplier keeps all bits of the state in play.
+/// Selects one hash function of the family. An odd multiplier keeps all bits of the state in play.
 struct HashKey {
     std::uint64_t seed;
     std::uint64_t multiplier;
 };
 
-/// The key of tables that are laid out by the compiler.
+/// The key of tables that are laid out at compile time.
 inline constexpr HashKey fixedHashKey{0x243F6A8885A308D3u, 0x9E3779B97F4A7C15u};
 
-/// The key of tables that are filled from input: drawn once a process, so that nobody can prepare a document whose
-/// names all fall into one place of the table.
+/// The key of tables that are filled from input: drawn at random once per process, so that nobody can craft a document
+/// whose names all collide.
 const HashKey& processHashKey() noexcept;
 
 /// The two halves of the 128-bit product, folded: every bit of the result depends on every bit of the factors.
@@ -48,7 +48,7 @@ constexpr std::uint64_t loadFourUnits(const char16_t* text) noexcept {
            static_cast<std::uint64_t>(text[2]) << 32 | static_cast<std::uint64_t>(text[3]) << 48;
 }
 
-/// Hash of UTF-16 text, four units a multiplication. `text` may be null when `units` is 0.
+/// Hash of UTF-16 text, four units per multiplication. `text` may be null when `units` is 0.
 constexpr std::uint64_t hashUnits(const char16_t* text, std::size_t units, const HashKey& key) noexcept {
     // The length is part of the state, so that the overlapping last word cannot make two lengths look alike.
     std::uint64_t state = key.seed ^ units;

@@ -10,7 +10,7 @@
 
 namespace LumCommon::detail {
 
-/// A fixed list of strings with the lookup from string to position, laid out by the compiler. Position 0 is the empty
+/// A fixed list of strings with the lookup from string to position, laid out at compile time. Position 0 is the empty
 /// string and stands for "not in the list"; of equal strings the first counts.
 ///
 /// The table is at most half full and keeps 16 bits of each hash beside the position, so that a string that is not in
