@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 #include <lumcommon/core/Text.h>
 
-#include <algorithm>
 #include <charconv>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,19 +18,29 @@ namespace LumTest {
 
 using Fields = std::vector<icu::UnicodeString>;
 
-/// The rows of a file below tests/data: fields between bars, without the spaces around them, escapes such as \n, \x20
-/// and \u3042 resolved. Empty lines and those that begin with "#" are no rows.
+/// The rows of a file below tests/data: fields between bars, without the spaces around them. Empty lines and those that
+/// begin with "#" are no rows, and what follows the last bar counts when it is not empty.
 inline std::vector<Fields> readRows(const std::string& file) {
     std::ifstream in(LUM_TEST_DATA + ("/" + file));
     std::vector<Fields> rows;
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line[0] == '#') continue;
         rows.emplace_back();
-        for (std::size_t begin = 0; begin <= line.size(); begin = line.find('|', begin) + 1) {
-            const std::size_t end = std::min(line.find('|', begin), line.size());
-            rows.back().push_back(icu::UnicodeString::fromUTF8(line.substr(begin, end - begin)).trim().unescape());
-            if (end == line.size()) break;
-        }
+        for (std::istringstream fields(line); std::getline(fields, line, '|');)
+            rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim());
+    }
+    return rows;
+}
+
+/// The same with escapes such as \n, \x20 and \u3042 resolved, and an empty field after a bar that ends the line.
+inline std::vector<Fields> readTextRows(const std::string& file) {
+    std::ifstream in(LUM_TEST_DATA + ("/" + file));
+    std::vector<Fields> rows;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        rows.emplace_back();
+        for (std::istringstream fields(line + "|"); std::getline(fields, line, '|');)
+            rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim().unescape());
     }
     return rows;
 }
@@ -42,7 +52,7 @@ using Operations = std::map<std::string, std::function<std::string(const Fields&
 /// Every operation must have a row.
 inline void checkRows(const std::string& file, const Operations& operations) {
     std::map<std::string, int> uses;
-    for (const Fields& row : readRows(file)) {
+    for (const Fields& row : readTextRows(file)) {
         ASSERT_GE(row.size(), 3u) << utf8(row[0]);
         const std::string name = utf8(row[1]);
         SCOPED_TRACE(name + " of " + utf8(row[2]) + ": " + utf8(row[0]));

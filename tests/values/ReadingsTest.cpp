@@ -267,7 +267,7 @@ TEST(Readings, separatorsAreFoundAndSkipped) {
 }
 
 TEST(Readings, textsMadeToBeExpensiveTakeLinearTime) {
-    const auto rows = LumTest::readRows("values/expensive.txt");
+    const auto rows = LumTest::readTextRows("values/expensive.txt");
     EXPECT_EQ(rows.size(), 35u);
     for (const Fields& row : rows) {
         LumNameTable::addRefSharedNameTable();  // the long names go with it

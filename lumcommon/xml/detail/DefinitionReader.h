@@ -28,8 +28,7 @@ struct ExternalId {
 class DefinitionReader {
 public:
     DefinitionReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
-                     EntityExpander& expander, EntityTable& entities, const ParserPolicy& policy,
-                     ErrorReporter& errors) noexcept
+                     EntityExpander& expander, EntityTable& entities, const ParserPolicy& policy, ErrorReporter& errors)
         : event_(event),
           inputs_(inputs),
           names_(names),

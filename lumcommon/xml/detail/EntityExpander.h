@@ -23,7 +23,7 @@ class XmlDeclReader;
 class EntityExpander {
 public:
     EntityExpander(ParserEvent& event, InputStack& inputs, ReferenceReader& references, XmlDeclReader& declarations,
-                   const EntityTable& entities, const ParserPolicy& policy, ErrorReporter& errors) noexcept
+                   const EntityTable& entities, const ParserPolicy& policy, ErrorReporter& errors)
         : event_(event),
           inputs_(inputs),
           references_(references),

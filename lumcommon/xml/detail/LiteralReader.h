@@ -24,8 +24,7 @@ enum class LiteralType : int {
 /// Reads text in quotes.
 class LiteralReader {
 public:
-    LiteralReader(InputStack& inputs, ReferenceReader& references, const EntityTable& entities,
-                  ErrorReporter& errors) noexcept
+    LiteralReader(InputStack& inputs, ReferenceReader& references, const EntityTable& entities, ErrorReporter& errors)
         : inputs_(inputs), references_(references), entities_(entities), errors_(errors) {}
 
     UnicodeString read(LiteralType type);

@@ -15,7 +15,7 @@ class XmlDeclReader;
 class MarkupReader {
 public:
     MarkupReader(ParserEvent& event, InputStack& inputs, NameReader& names, XmlDeclReader& declarations,
-                 ErrorReporter& errors) noexcept
+                 ErrorReporter& errors)
         : event_(event), inputs_(inputs), names_(names), declarations_(declarations), errors_(errors) {}
 
     /// The kind of the next token, whose beginning is then read, except for a start tag's name and text.

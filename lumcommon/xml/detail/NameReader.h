@@ -17,7 +17,7 @@ struct QName {
 /// Reads names, and knows those that it has read.
 class NameReader {
 public:
-    explicit NameReader(InputStack& inputs) noexcept : inputs_(inputs) {}
+    explicit NameReader(InputStack& inputs) : inputs_(inputs) {}
 
     /// A name without a colon; null, and nothing read, when the input does not continue with one.
     LumName readNCName();

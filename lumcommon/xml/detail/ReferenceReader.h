@@ -14,7 +14,7 @@ class NameReader;
 /// Reads references to characters and entities, after their "&".
 class ReferenceReader {
 public:
-    ReferenceReader(InputStack& inputs, NameReader& names, const EntityTable& entities, ErrorReporter& errors) noexcept
+    ReferenceReader(InputStack& inputs, NameReader& names, const EntityTable& entities, ErrorReporter& errors)
         : inputs_(inputs), names_(names), entities_(entities), errors_(errors) {}
 
     /// A character reference gives the character, 0 for a wrong one, and leaves `name` null; an entity reference gives

@@ -17,7 +17,7 @@ class XmlInput;
 class XmlDeclReader {
 public:
     XmlDeclReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
-                  const ParserPolicy& policy, ErrorReporter& errors) noexcept
+                  const ParserPolicy& policy, ErrorReporter& errors)
         : event_(event), inputs_(inputs), names_(names), literals_(literals), policy_(policy), errors_(errors) {}
 
     void reset() noexcept { isSeen_ = false; }
