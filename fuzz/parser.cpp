@@ -1,6 +1,6 @@
-// Any bytes may call themselves an XML document. The first four choose features, interface and piece sizes.
+// Any bytes may claim to be an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
-// depth rises and falls by one with start and end tags; a callback that continues after errors ends as well.
+// depth rises and falls by one with start and end tags; parsing also ends if a callback continues after errors.
 
 #include <lumcommon/lumcommon.h>
 
@@ -47,8 +47,8 @@ void addAttributes(const LumXmlParser& parser, Digest& digest) {
         digest.add(parser.getAttributeNamespace(i).getString());
         const UnicodeString& value = parser.getAttributeValue(i);
         digest.add(value);
-        // Asked by its name and what its prefix stands for, an attribute that is there is not absent. The search is
-        // linear, so only the first few are asked for.
+        // An attribute must be found by its name and the namespace of its prefix. The search is linear, so only the
+        // first few are looked up.
         if (i < 64) {
             const LumName scope = parser.getNamespace(parser.getAttributePrefix(i));
             FUZZ_LAW(!parser.getAttributeValue(scope, parser.getAttributeName(i)).isBogus());
@@ -79,8 +79,8 @@ void addEvent(const LumXmlParser& parser, const Setting& setting, Digest& digest
     if (event == LumXmlParser::ENTITY_REF) digest.add(parser.getName().getString());
 }
 
-/// Stands for all of the world outside the document, which must not reach the files of the machine that fuzzes: an
-/// external subset, and entities that include each other without end.
+/// Stands for everything outside the document, which must not reach the files of the fuzzing machine: an external
+/// subset, and entities that include each other endlessly.
 class Outside : public LumUriReferenceResolver {
 public:
     std::istream* getStream(const UnicodeString& uri) override {
@@ -93,10 +93,10 @@ public:
     }
 };
 
-/// The code of the error that ends an expansion of entities beyond its limit.
+/// The code of the error for expanding entities beyond the limit.
 constexpr unsigned expansionError = 0x1837;
 
-/// @param isCostly  set when the input expanded entities up to the limit: millions of characters from a few bytes.
+/// @param isCostly  set if the input expanded entities up to the limit: millions of characters from a few bytes.
 Digest parse(const Choices& document, const Setting& setting, std::size_t firstPiece, std::size_t secondPiece,
              bool& isCostly) {
     PieceBuffer buffer(document.data(), document.size(), firstPiece, secondPiece);
