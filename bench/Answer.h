@@ -9,7 +9,7 @@ namespace LumBench {
 /// What every contender must find in a document before anything is timed.
 struct Answer {
     std::size_t elements = 0;
-    std::size_t attributes = 0;  ///< namespace declarations do not count: some parsers hide them
+    std::size_t attributes = 0;  ///< without namespace declarations: some parsers hide them
     std::size_t textUnits = 0;   ///< of character data, in UTF-16 code units
 
     friend bool operator==(const Answer&, const Answer&) = default;
@@ -18,7 +18,7 @@ struct Answer {
     }
 };
 
-/// The number of UTF-16 units that well-formed UTF-8 takes: one a character, two beyond the basic plane.
+/// The number of UTF-16 units of a well-formed UTF-8 text: one per character, two beyond the basic plane.
 inline std::size_t countUnits(std::string_view utf8) {
     std::size_t units = 0;
     for (const char c : utf8) {

@@ -25,8 +25,8 @@ inline bool& contestIsFair() {
 
 /// Compares the contender's answers with those of the first one and registers it as "question/label/input".
 ///
-/// A contender has a `label`, `static Answer answer(const Input&)`, a type `Prepared` made from an input outside the
-/// timed loop, and `static std::size_t run(Prepared&)`, which does the work and returns a sum over what it saw.
+/// A contender has a `label`, `static Answer answer(const Input&)`, a type `Prepared` that is made from an input
+/// outside the timed loop, and `static std::size_t run(Prepared&)`, which does the work and returns a checksum.
 template <class Contender>
 void enter(const char* question) {
     std::size_t index = 0;
@@ -49,7 +49,7 @@ void enter(const char* question) {
     }
 }
 
-/// With --check only the answers are compared.
+/// Runs the benchmarks; with --check it only compares the answers.
 inline int runContest(int argc, char** argv) {
     if (!contestIsFair()) return 1;
     if (argc > 1 && std::strcmp(argv[1], "--check") == 0) {

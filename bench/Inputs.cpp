@@ -21,7 +21,7 @@ std::string read(const std::string& file) {
 
 constexpr std::size_t madeSizeBytes = 2'000'000;
 
-/// Repeats `piece` between `begin` and `end` until the document has about the size that all made ones have.
+/// Repeats `piece` between `begin` and `end` until the document has about the size common to all generated ones.
 std::string repeated(const std::string& begin, const std::string& piece, const std::string& end) {
     std::string document = begin;
     while (document.size() < madeSizeBytes) document += piece;

@@ -13,14 +13,14 @@ struct Input {
     std::string bytes;
 };
 
-/// Real documents, and made ones that ask for one thing a lot.
+/// Real documents, and generated ones that each stress one thing.
 const std::vector<Input>& inputs();
 
 /// Reads bytes in memory, without copying them.
 class MemoryInput : private std::streambuf, public std::istream {
 public:
     explicit MemoryInput(std::string_view bytes) : std::istream(this) {
-        char* begin = const_cast<char*>(bytes.data());  // the get area of a streambuf is never written by reading
+        char* begin = const_cast<char*>(bytes.data());  // reading never writes to the get area of a streambuf
         setg(begin, begin, begin + bytes.size());
     }
 };

@@ -11,7 +11,7 @@ namespace LumBench {
 
 namespace lum = LumCommon;
 
-/// Every event, every name, every text.
+/// Reads every event and touches every name and text.
 struct LumParse {
     static constexpr const char* label = "lumcommon";
     using Prepared = const Input&;
@@ -75,7 +75,7 @@ inline lum::LumPtr<lum::LumDocument> loadLum(const Input& input) {
     return document;
 }
 
-/// A tree from the bytes, and its end.
+/// Builds a tree from the bytes and destroys it.
 struct LumLoad {
     static constexpr const char* label = "lumcommon";
     using Prepared = const Input&;
@@ -109,7 +109,7 @@ private:
     }
 };
 
-/// Takes bytes and forgets them, as the kernel would; `keep` holds them for the check.
+/// Discards the bytes written to it, as /dev/null does; `keep` collects them for the check.
 class Sink : private std::streambuf, public std::ostream {
 public:
     explicit Sink(std::string* keep = nullptr) : std::ostream(this), keep_(keep) {}
@@ -132,7 +132,7 @@ private:
     std::size_t sizeBytes_ = 0;
 };
 
-/// The bytes of a tree. What is written is judged by reading it again.
+/// Writes a tree as bytes. The result is checked by reading it again.
 struct LumSave {
     static constexpr const char* label = "lumcommon";
     struct Prepared {

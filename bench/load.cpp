@@ -1,4 +1,4 @@
-// From bytes to a tree that can be walked, and the end of the tree.
+// From bytes to a tree that can be walked, including the destruction of the tree.
 
 #include "Contest.h"
 #include "Lum.h"

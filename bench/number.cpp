@@ -18,7 +18,7 @@ namespace {
 namespace lum = LumCommon;
 using icu::UnicodeString;
 
-/// Pages and lists seldom go further; in every alphabet these are at most two letters.
+/// Page and list numbers seldom go further; in every alphabet these take at most two letters.
 constexpr int lastNumber = 500;
 
 struct Row {
@@ -56,8 +56,8 @@ private:
     lum::LumLang language_;
 };
 
-/// What both must write. ICU marks Hebrew numerals, ends some with a final form and reorders a few; the letters are the
-/// same.
+/// What both must write, for comparison. ICU marks Hebrew numerals, ends some with a final form and reorders a few; the
+/// letters are the same.
 std::u16string comparable(UnicodeString text, const Row& row) {
     if (std::strcmp(row.name, "hebrew") == 0) {
         for (const char16_t* mark : {u"\u05F3", u"\u05F4"}) text.findAndReplace(mark, u"");

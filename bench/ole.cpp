@@ -1,8 +1,8 @@
-// How fast the streams of a large compound file are read, beside copying the file with read and write.
+// How fast the streams of a large compound file are read, compared with copying the file with read and write.
 //   bench_ole [--check]
-// The contenders take turns, round by round; what is printed is the median of each and the ratio of the speeds. With
-// --check one round is run, the bytes are compared and no ratio is asked for; without it the program fails when reading
-// is less than half as fast as copying.
+// The contenders take turns, round by round; the program prints the median of each and the ratio of the speeds. With
+// --check it runs one round and compares the bytes, without requiring a ratio; otherwise it fails if reading is less
+// than half as fast as copying.
 
 #include <lumcommon/lumcommon.h>
 
@@ -54,7 +54,7 @@ bool copyFile(const std::string& from, const std::string& to) {
     return isGood && got == 0;
 }
 
-/// Reads every stream of the file; the number of bytes. With `expected` they are compared too.
+/// Reads every stream of the file and returns the number of bytes; compares them with `expected` if that is given.
 std::size_t readStreams(const std::string& path, const std::vector<LumTest::OleNode>* expected) {
     OleCompFile file;
     if (!file.OLEopen(path.c_str())) return 0;
@@ -85,7 +85,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// True when reading is at least half as fast.
+/// Whether reading is at least half as fast as copying.
 bool race(const std::string& path, std::size_t bytes) {
     constexpr int rounds = 9;
     std::vector<double> copying, reading;

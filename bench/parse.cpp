@@ -1,4 +1,4 @@
-// From bytes to events: every name and text is touched.
+// From bytes to events, touching every name and text.
 
 #include "Contest.h"
 #include "Lum.h"

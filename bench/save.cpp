@@ -1,4 +1,4 @@
-// From a tree to bytes that are handed on and forgotten.
+// From a tree to bytes, which are discarded.
 
 #include "Contest.h"
 #include "Lum.h"

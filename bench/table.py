@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Runs the benchmark programs and prints one table.   table.py FOLDER [--rounds N] [--only WORD]
 
-A program runs its contenders in random order, round by round, so that a change of the machine's pace meets them all.
-An entry is the median of nanoseconds a byte, or a piece of other work; the spread is that of the fastest and the slowest
-round. The ratio tells how many times the peer's time ours is (below 1: we are faster). Where two ranges overlap the
+A program runs its contenders in random order, round by round, so that a change in the machine's speed affects them all.
+An entry is the median time in nanoseconds per byte, or per other unit of work; the spread is from the fastest to the
+slowest round. The ratio is our time divided by the peer's (below 1: we are faster). Where the two ranges overlap, the
 ratio is marked with ~: no difference is claimed.
 """
 import argparse
@@ -14,7 +14,7 @@ import subprocess
 import sys
 
 OURS = "lumcommon"
-QUESTIONS = {  # meaning, what is counted, millions of it a second
+QUESTIONS = {  # meaning, what is counted, the unit for millions of these per second
     "parse": ("bytes to events", "bytes", "MB/s"),
     "load": ("bytes to a tree", "bytes", "MB/s"),
     "save": ("a tree to bytes", "bytes", "MB/s"),
@@ -59,7 +59,7 @@ def print_rows(rows):
 
 
 def print_values(program, rounds, only):
-    """Nanoseconds a value, millions of values a second and allocations a value, for each kind of text."""
+    """Nanoseconds per value, millions of values per second and allocations per value, for each kind of text."""
     cells = {}
     for row in run_rounds(program, rounds, only):
         if row["run_type"] == "iteration":

@@ -1,6 +1,7 @@
-// Property texts of real documents to values: values a second, and allocations, which are counted and not assumed.
+// Property texts of real documents to values: values per second, and allocations, which are counted, not assumed.
 //
-// Names are built in or known: the shared name table is held, so that a document's own names are interned once.
+// All names are built in or already interned: the shared name table is held, so that a document's own names are
+// interned once.
 
 #include <benchmark/benchmark.h>
 #include <lumcommon/lumcommon.h>
@@ -17,7 +18,7 @@ namespace {
 
 using namespace LumCommon;
 
-/// The kinds of texts that are measured apart.
+/// The kinds of texts that are measured separately.
 enum Group { numbers, names, colors, texts, all, groupCount };
 constexpr const char* groupNames[groupCount] = {"numbers", "names", "colours", "other texts", "all"};
 
@@ -66,7 +67,7 @@ void enter(const char* name, Operation operation, Group group) {
     });
 }
 
-/// Numbers, names and RGB colours take no memory.
+/// Whether numbers, names and RGB colours are parsed without allocating.
 bool needsNoMemory() {
     bool isTrue = true;
     for (const Group group : {numbers, names, colors}) {
@@ -87,7 +88,7 @@ bool needsNoMemory() {
 
 }  // namespace
 
-// --check: the counts alone.
+// With --check, only counts the allocations.
 int main(int argc, char* argv[]) {
     if (!LumTest::countMemoryOfIcu() || !readGroups()) {
         std::fputs("bench_value: no property texts\n", stderr);

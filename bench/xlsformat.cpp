@@ -1,5 +1,5 @@
-// Ten common number format codes: the time to parse one, and to show one cell by a parsed one. ICU shows the same cells
-// by its own patterns, where it has one that means the same.
+// Ten common number format codes: the time to parse one, and to show one cell with a parsed one. ICU shows the same
+// cells with its own patterns where it has one that means the same.
 
 #include <benchmark/benchmark.h>
 #include <lumcommon/format/xls/XlsFormat.h>
@@ -37,7 +37,7 @@ constexpr Code codes[] = {
     {"time", u"h:mm:ss AM/PM", u"h:mm:ss a", true},
 };
 
-/// Numbers of a ledger, and days and times of some sixty years.
+/// Numbers as in a ledger, and dates and times over some sixty years.
 const std::vector<double>& values(bool areDates) {
     static const auto make = [](bool dates) {
         std::vector<double> result;
@@ -88,7 +88,7 @@ bool agrees(const Code& code) {
     const IcuFormat theirs(code);
     UnicodeString expected;
     for (const double value : values(code.isDate)) {
-        // Seconds are rounded here and cut there: both see a time in the middle of one.
+        // We round seconds and ICU truncates them, so both get a time that is a quarter into a second.
         const double cell =
             code.isDate ? (static_cast<double>(static_cast<long long>(value * 86400)) + 0.25) / 86400 : value;
         theirs.format(cell, expected);

@@ -1,4 +1,4 @@
-// Cells of a spreadsheet as texts.
+// Shows the cells of a spreadsheet as texts.
 // [cells]
 #include <lumcommon/lumcommon.h>
 

@@ -1,4 +1,4 @@
-// Tells the title of an office document in a compound file:  compound FILE
+// Prints the title of an office document in a compound file:  compound FILE
 // [compound]
 #include <lumcommon/lumcommon.h>
 

@@ -1,4 +1,4 @@
-// What a link into a document means.
+// Shows what a link into a document means.
 // [links]
 #include <lumcommon/lumcommon.h>
 

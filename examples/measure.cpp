@@ -1,4 +1,5 @@
-// Reads a document as events, then as a tree, walks the tree, saves it and says what was seen and how long it took:
+// Reads a document as events, loads it into a tree, walks the tree and saves it, and prints what it found and how long
+// each step took:
 //   measure IN OUT
 #include <lumcommon/lumcommon.h>
 
@@ -46,7 +47,7 @@ Counts readEvents(const char* file) {
     }
 }
 
-/// The tree holds what the events told; namespace declarations are attributes in both.
+/// Counts the same things as readEvents(); namespace declarations are attributes in both.
 Counts walkTree(LumDocument& document) {
     Counts counts;
     for (LumNodeIterator it = document.getIterator(); LumNode* node = it.getCurrentNode(); it.nextNode()) {
@@ -108,7 +109,7 @@ int main(int argc, char* argv[]) try {
     std::string message;
     std::cerr << error.getMessage().toUTF8String(message) << '\n';
     return 1;
-} catch (const std::exception& error) {  // a file without size
+} catch (const std::exception& error) {  // a file whose size cannot be read
     std::cerr << error.what() << '\n';
     return 1;
 }

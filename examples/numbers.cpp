@@ -1,4 +1,4 @@
-// Numbers as texts.
+// Writes numbers as texts.
 // [numbers]
 #include <lumcommon/lumcommon.h>
 

@@ -1,4 +1,4 @@
-// Tells what kind of office document a package is and where its parts are:  package FILE
+// Prints what kind of office document a package is and where its parts are:  package FILE
 // [package]
 #include <lumcommon/lumcommon.h>
 

@@ -1,4 +1,4 @@
-// Tells the properties that the user gave a document in a compound file:  properties FILE
+// Prints the properties that the user gave a document in a compound file:  properties FILE
 // [properties]
 #include <lumcommon/lumcommon.h>
 
@@ -18,7 +18,7 @@ int main(int, char* argv[]) {
     OleSummaryInformation information;
     information.initDocumentSummaryInformation(&file);
     for (const OleProperty& property : information.readProperties()) {
-        if (property.name.isEmpty()) continue;  // one of those that every program numbers alike
+        if (property.name.isEmpty()) continue;  // a standard property, which has only a number
         const OlePropertyValue::Content& content = property.value.content;
         std::cout << utf8(property.name) << " of type " << property.value.type;
         if (const auto* text = std::get_if<UnicodeString>(&content)) std::cout << ": " << utf8(*text);

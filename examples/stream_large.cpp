@@ -1,5 +1,5 @@
-// Copies a document of any size in constant memory: the children of its root element are read, written and dropped one
-// after the other.
+// Copies a document of any size in constant memory: reads, writes and drops the children of its root element one after
+// the other.
 //
 //     stream_large in.xml out.xml
 

@@ -1,4 +1,4 @@
-// Loads a document of a stranger and opens nothing that it names:  untrusted IN
+// Loads an untrusted document and opens nothing that it refers to:  untrusted IN
 // [untrusted]
 #include <lumcommon/lumcommon.h>
 
@@ -8,7 +8,7 @@
 
 using namespace LumCommon;
 
-/// Asked before anything is opened. Null would leave the URI to the library; a throw means that it cannot be opened.
+/// Asked before anything is opened. Returning null would leave the URI to the library; throwing refuses to open it.
 class RefuseAll : public LumUriReferenceResolver {
 public:
     std::istream* getStream(const UnicodeString& uri) override {
@@ -21,7 +21,7 @@ public:
 int main(int, char* argv[]) {
     RefuseAll resolver;
     LumUri::setUriReferenceResolver(&resolver);   // for the whole process, before documents are read
-    std::ifstream in(argv[1], std::ios::binary);  // a path would be asked for as well
+    std::ifstream in(argv[1], std::ios::binary);  // opening a path would ask the resolver as well
     LumPtr<LumDocument> document(new LumDocument);
     try {
         document->load(in);

@@ -1,4 +1,4 @@
-// What texts of properties mean.
+// Shows what the texts of properties mean.
 // [values]
 #include <lumcommon/lumcommon.h>
 

@@ -12,7 +12,7 @@
 #include <memory>
 #include <streambuf>
 
-/// A statement that holds for every input. Where it does not, the input is a finding.
+/// A condition that must hold for every input. An input that breaks it is a finding.
 #define FUZZ_LAW(condition)                                                                              \
     do {                                                                                                 \
         if (!(condition)) {                                                                              \
@@ -23,7 +23,7 @@
 
 namespace LumFuzz {
 
-/// Takes the choices that an input makes (features, sizes) off its front; what remains is the document.
+/// Takes the choices that an input makes (features, sizes) from its front; the rest is the document.
 class Choices {
 public:
     Choices(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
@@ -42,7 +42,7 @@ private:
 };
 
 /// The bytes in a heap block of exactly their size, so that the sanitizer sees a read past the last byte,
-/// handed out in pieces whose sizes repeat `first`, `second`. As with a socket, what is there is one piece.
+/// handed out in pieces of alternating sizes `first` and `second`. As with a socket, one piece is available at a time.
 class PieceBuffer : public std::streambuf {
 public:
     PieceBuffer(const std::uint8_t* data, std::size_t size, std::size_t first, std::size_t second)
@@ -70,7 +70,7 @@ private:
     unsigned turn_ = 1;
 };
 
-/// A number that differs when anything that was added to it differs; adding touches every unit of the text.
+/// A number that changes if anything added to it changes; adding a text touches every unit of it.
 class Digest {
 public:
     void add(std::uint64_t value) {
@@ -87,7 +87,7 @@ private:
     std::uint64_t hash_ = 0x243F6A8885A308D3u;
 };
 
-/// The text that the bytes stand for: UTF-16 units in host order, or UTF-8 with U+FFFD for what is malformed.
+/// The text that the bytes stand for: UTF-16 units in host order, or UTF-8 with U+FFFD for malformed parts.
 inline LumCommon::UnicodeString textOf(const std::uint8_t* data, std::size_t size, bool areUnits) {
     if (!areUnits) {
         return LumCommon::UnicodeString::fromUTF8(

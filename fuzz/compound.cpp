@@ -1,7 +1,7 @@
-// Any bytes may call themselves a compound file. The first byte chooses how streams are read.
-// Laws: tables and directory are no larger than the file; a stream has no more bytes than it states, and none twice, so
-// no more than the file; all ways of reading it agree; where a seek says that a byte lies, it lies; a name leads to an
-// entry that bears it.
+// Any bytes may claim to be a compound file. The first byte chooses how streams are read.
+// Laws: tables and directory are no larger than the file; a stream has no more bytes than it states, and no byte twice,
+// so no more than the file; all ways of reading it agree; a seek tells correctly where a byte is; a name leads to an
+// entry that has it.
 
 #include <lumcommon/containers/LumOleStreamBuf.h>
 #include <lumcommon/containers/OleCompFile.h>
@@ -20,7 +20,7 @@ using LumFuzz::Choices;
 
 namespace {
 
-constexpr long mostStreams = 24;  // of one input; the others are like them
+constexpr long mostStreams = 24;  // per input; the others are like them
 
 std::string readAll(OleStream& stream, unsigned pieceBytes, std::size_t fileBytes) {
     std::string result;

@@ -1,7 +1,7 @@
-// Any bytes may call themselves gzip or deflate data. The first two choose piece sizes.
-// Laws: reading ends; deflate yields at most 1032 bytes for one; what is not gzip comes back unchanged; the pieces in
-// which the bytes arrive change nothing; reading again after a reset gives the same; an inflating stream and a
-// temporary file agree on data that are complete.
+// Any bytes may claim to be gzip or deflate data. The first two choose piece sizes.
+// Laws: reading ends; deflate yields at most 1032 bytes for one; data that are not gzip come back unchanged; the pieces
+// in which the bytes arrive change nothing; reading again after a reset gives the same; an inflating stream and a
+// temporary file agree on complete data.
 
 #include <lumcommon/streams/LumGzipStream.h>
 #include <lumcommon/streams/LumInflaterStream.h>
@@ -51,7 +51,7 @@ void readAsDeflate(const Choices& input) {
     std::ostringstream out;
     const bool isComplete = LumTempFile::inflate(out, input.data(), input.size());
     const std::string written = out.str();
-    // Cut data leave what could be made of them in a file, but whole pieces only in a stream.
+    // Of truncated data, a file gets everything that could be inflated, but a stream only whole pieces.
     FUZZ_LAW(isComplete ? written == result : written.compare(0, result.size(), result) == 0);
 }
 

@@ -1,6 +1,6 @@
 // Any text may stand where a link is expected.
-// Laws: reading twice gives the same items; items have the kind and the range that they promise; where there is no
-// destination there are a page and a view; the text before a fragment stays as it is.
+// Laws: reading twice gives the same items; items have the kind and the range that is promised; without a destination
+// there are a page and a view; the text before a fragment is unchanged.
 
 #include <lumcommon/lumcommon.h>
 
@@ -17,7 +17,7 @@ void add(const LumValue& value, Digest& digest) {
     digest.add(value.toString());
 }
 
-/// What every result but a destination type and a fragment promises of these items.
+/// What is promised of these items in every result except a destination type and a fragment.
 void checkViewerItems(const LumValue& value, int firstPage) {
     const LumValue page = value.getNamedItem(NAME_page);
     FUZZ_LAW(page.isNull() || (page.getKind() == KIND_INTEGER && page.getIntegerValue() >= firstPage));

@@ -1,6 +1,6 @@
-// Any bytes may call themselves an office package. The first byte chooses how they lie before the reader.
-// Laws: a package has one of the known kinds, and its main part then exists; asking again gives the same answer or the
-// same error; all ways of reading agree; a source has a mode for every id.
+// Any bytes may claim to be an office package. The first byte chooses the pieces in which the reader gets them.
+// Laws: if a package has one of the known kinds, its main part exists; asking again gives the same answer or the same
+// error; all ways of reading agree; a source has a target mode for every id.
 
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/core/LumError.h>
@@ -17,9 +17,9 @@ using LumFuzz::Digest;
 
 namespace {
 
-constexpr unsigned maxSources = 64;  // asked for their relationships; more would be slow and the same
+constexpr unsigned maxSources = 64;  // whose relationships are read; more would be slow and show nothing new
 
-/// What the action adds, or the error that it ends with.
+/// What the action adds, or the error that it throws.
 template <class Action>
 Digest outcomeOf(Action action) {
     Digest digest;
@@ -34,7 +34,7 @@ Digest outcomeOf(Action action) {
     return digest;
 }
 
-/// The same twice: what failed must fail again, what was read must stay.
+/// Runs the action twice: a failure must repeat itself, and a result must stay the same.
 template <class Action>
 void addTwice(Digest& digest, Action action) {
     const Digest first = outcomeOf(action);

@@ -1,4 +1,4 @@
-// Any bytes may call themselves an XML document. The first four choose features, interface and piece sizes.
+// Any bytes may claim to be an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
 // depth rises and falls by one with start and end tags; a callback that continues after errors ends as well; after an
 // error the parser may be asked again and given another document.
@@ -48,8 +48,8 @@ void addAttributes(const LumXmlParser& parser, Digest& digest) {
         digest.add(parser.getAttributeNamespace(i).getString());
         const UnicodeString& value = parser.getAttributeValue(i);
         digest.add(value);
-        // Asked by its name and what its prefix stands for, an attribute that is there is not absent. The search is
-        // linear, so only the first few are asked for.
+        // An attribute must be found by its name and the namespace of its prefix. The search is linear, so only the
+        // first few are looked up.
         if (i < 64) {
             const LumName scope = parser.getNamespace(parser.getAttributePrefix(i));
             FUZZ_LAW(!parser.getAttributeValue(scope, parser.getAttributeName(i)).isBogus());
@@ -80,8 +80,8 @@ void addEvent(const LumXmlParser& parser, const Setting& setting, Digest& digest
     if (event == LumXmlParser::ENTITY_REF) digest.add(parser.getName().getString());
 }
 
-/// Stands for all of the world outside the document, which must not reach the files of the machine that fuzzes: an
-/// external subset, and entities that include each other without end.
+/// Stands for everything outside the document, which must not reach the files of the fuzzing machine: an external
+/// subset, and entities that include each other endlessly.
 class Outside : public LumUriReferenceResolver {
 public:
     std::istream* getStream(const UnicodeString& uri) override {
@@ -94,30 +94,11 @@ public:
     }
 };
 
-/// After an error: the parser throws again or ends, and reads the next document as if there had been none before it.
-void askOn(LumXmlParser& parser, Setting setting) {
-    parser.setCallbackError(nullptr, nullptr);
-    setting.goOnAfterErrors = true;  // depths are off by now
-    for (int calls = 0, errors = 0; calls < 50 && errors < 10; ++calls) {
-        try {
-            setting.useTokens ? parser.nextToken() : parser.next();
-            Digest digest;
-            addEvent(parser, setting, digest);
-        } catch (const LumError&) {
-            ++errors;
-        }
-    }
-    std::istringstream good("<a>x</a>");
-    parser.setInput(good, UnicodeString(), UnicodeString());
-    FUZZ_LAW(parser.getDepth() == 0);
-    FUZZ_LAW(parser.next() == LumXmlParser::START_TAG && parser.getDepth() == 1 && parser.getColumnNumber() == 2);
-    FUZZ_LAW(parser.next() == LumXmlParser::TEXT && parser.getText() == UnicodeString(u"x"));
-}
-
-/// The code of the error that ends an expansion of entities beyond its limit.
+// depth rises and falls by one with start and end tags; a callback that continues after errors ends as well; after an
+// error the parser may be asked again and given another document.
 constexpr unsigned expansionError = 0x1837;
 
-/// @param isCostly  set when the input expanded entities up to the limit: millions of characters from a few bytes.
+/// @param isCostly  set if the input expanded entities up to the limit: millions of characters from a few bytes.
 Digest parse(const Choices& document, const Setting& setting, std::size_t firstPiece, std::size_t secondPiece,
              bool& isCostly) {
     PieceBuffer buffer(document.data(), document.size(), firstPiece, secondPiece);

@@ -1,9 +1,9 @@
 // Any bytes may be a property set. The first byte chooses whether it is the summary information of its document or the
-// document summary information; the rest is laid into a sound compound file.
-// Laws: what is read is no more than twice the input; asking twice gives the same; a failure leaves the value as it
-// was; strings are no longer than the input in UTF-16, links no longer in all. Values of every type hold no more than
-// four times the input in all and no more elements than the limit; one read by itself is the same unless a limit was
-// met; damaged ones have no content.
+// document summary information; the rest is put into a sound compound file.
+// Laws: no more than twice the input is read; asking twice gives the same; a failure leaves the value unchanged;
+// strings are no longer than the input in UTF-16, and neither are all links together. The values of all types together
+// hold no more than four times the input and no more elements than the limit; a value read by itself is the same unless
+// a limit was reached; damaged values have no content.
 
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/OlePropertySet.h>
@@ -62,7 +62,7 @@ Digest readProperties(OleSummaryInformation& information, std::size_t size) {
     return digest;
 }
 
-/// Of all values: how many bytes of the input they hold at least, elements, and a digest.
+/// Totals over all values: the least number of input bytes they hold, their elements, and a digest.
 struct Held {
     std::size_t bytes = 0;
     std::size_t elements = 0;

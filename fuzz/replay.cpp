@@ -1,5 +1,5 @@
-// The main of fuzz targets that are built without libFuzzer: hands every file named, and every file in the folders
-// named, to the target. That nothing was replayed is a failure, or a lost folder of seeds would go unnoticed.
+// The main function of fuzz targets built without libFuzzer: passes every named file, and every file in a named folder,
+// to the target. Replaying nothing is a failure, or a lost folder of seeds would go unnoticed.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ bool replay(const std::filesystem::path& file) {
         std::fprintf(stderr, "cannot read %s\n", file.c_str());
         return false;
     }
-    // A law that fails ends the program; the name printed before tells which input did it.
+    // A broken law ends the program; the name printed last tells which input broke it.
     std::printf("%s\n", file.c_str());
     std::fflush(stdout);
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

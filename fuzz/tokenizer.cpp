@@ -1,7 +1,7 @@
-// Any text may be the value of a property. The first two bytes choose the reading of the rest.
-// Laws: every kind of reading ends within one call more than the text has units, and stays at its end; positions do not
-// move before the start or past the end; what is printed parses back to what prints the same; what is quoted
-// unquotes to itself.
+// Any text may be the value of a property. The first two bytes choose how the rest is read.
+// Laws: every kind of reading ends within one more call than the text has units, and stays at its end; positions never
+// move before the start or past the end; printed values parse back to values that print the same; unquoting reverses
+// quoting.
 
 #include <lumcommon/lumcommon.h>
 
@@ -79,7 +79,7 @@ void readList(const UnicodeString& text, char16_t separator, Digest& digest) {
     }
 }
 
-/// What prints must parse to what prints the same, or a saved document would change with every save.
+/// A printed value must parse back to one that prints the same, or a document would change with every save.
 void checkPrinting(const UnicodeString& text) {
     for (const LumValue& value : {LumValue::parse(text), LumValue::parseNonNumeric(text)}) {
         const UnicodeString printed = value.toString();
@@ -93,7 +93,7 @@ void checkPrinting(const UnicodeString& text) {
     FUZZ_LAW(LumValue::parse(printed).toString() == printed);
 }
 
-/// The same for colours, in both forms. A double quote in the name of an ink ends the name when it is read again.
+/// The same for colours, in both forms. Excludes a double quote in the name of an ink, which ends the name when read.
 void checkColors(const UnicodeString& text) {
     for (const bool svgForm : {false, true}) {
         const LumColor color(LumValue::parseColor(text, true));

@@ -1,8 +1,8 @@
 // Any text may be a number format code, and any bits a value. The first byte chooses the date system and how the text
-// is read, the next eight are the value; the rest is the code. Laws: formatting says a section that there is, or a
-// failure with an empty text; it gives the same again, and the same in a result that was used before; the text is
-// bounded by the code and the value; sections in their normal form mean the same and are their own normal form; the
-// steps agree with the whole; a fitted text fits or cannot be made to.
+// is read, the next eight are the value; the rest is the code. Laws: formatting names an existing section, or a failure
+// with an empty text; repeating it gives the same, also in a reused result; the length of the text is bounded by the
+// code and the value; sections in their normal form mean the same and are their own normal form; the single steps agree
+// with the whole; a fitted text fits unless it cannot be made to.
 
 #include <lumcommon/lumcommon.h>
 
@@ -20,7 +20,7 @@ bool isSame(const XlsFormat::Result& a, const XlsFormat::Result& b) {
     return a.text == b.text && a.color == b.color && a.section == b.section;
 }
 
-/// A digit of the number, a placeholder, a sign of percent: each adds its share to the longest text.
+/// The longest possible text: every digit of the number, every placeholder and every "%" adds its share.
 std::int64_t longest(const UnicodeString& code, const UnicodeString& text) {
     return 700 + 16 * std::int64_t{code.length()} + (std::int64_t{code.length()} + 1) * text.length();
 }
@@ -84,7 +84,7 @@ void checkDigitStrings(double value) {
     const std::string moved = XlsFormatString::DblStrDiv10(XlsFormatString::DblStrMul10(digits, 7), 7);
     FUZZ_LAW(XlsFormatString::DblStrDel0(moved) == digits);
     for (const int width : {1, 5, 11, 30}) FUZZ_LAW(!XlsFormatString::ConvGeneral(value, width).empty());
-    // What the two ways to round say of two decimals.
+    // The two ways of rounding must agree on two decimals.
     FMT2 twoDecimals;
     XlsFormatString::fmtget(u"0.00", twoDecimals);
     if (std::isfinite(value) && std::fabs(value) > 1e-15) {

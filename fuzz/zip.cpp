@@ -1,7 +1,7 @@
-// Any bytes may call themselves an archive. The first byte chooses how they lie before the reader.
-// Laws: members lie one after the other within the input, so their data together are no longer than it; a member is at
-// most 1032 times as long as its data; all ways of reading a member agree, and so does every kind of stream; the name
-// of a member leads to the first that bears it.
+// Any bytes may claim to be an archive. The first byte chooses the pieces in which the reader gets them.
+// Laws: members follow one another within the input, so their data together are no longer than it; a member is at most
+// 1032 times as long as its data; all ways of reading a member agree, and so does every kind of stream; the name of a
+// member leads to the first one that has it.
 
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/streams/LumMemStream.h>
@@ -18,7 +18,7 @@ using LumFuzz::Digest;
 
 namespace {
 
-/// Adds what the stream yields and returns its length.
+/// Adds the content of the stream to the digest and returns its length.
 std::size_t readAll(std::istream* in, Digest& digest) {
     FUZZ_LAW(in != nullptr);
     char piece[4096];
@@ -65,7 +65,7 @@ Digest readArchive(std::istream& in, std::size_t size) {
     return digest;
 }
 
-/// The records that the walk does not use.
+/// Reads the records that the walk does not use.
 void readRecords(std::istream& in) {
     in.clear();
     in.seekg(0);

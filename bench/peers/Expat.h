@@ -9,7 +9,7 @@
 
 namespace LumBench {
 
-/// expat in namespace mode: the parser whose work is nearest to ours. It stays with UTF-8 and does not intern names.
+/// expat in namespace mode: the parser whose work is closest to ours. It keeps UTF-8 and does not intern names.
 struct ExpatParse {
     static constexpr const char* label = "expat";
     using Prepared = const Input&;

@@ -7,8 +7,8 @@
 
 namespace LumBench {
 
-/// ICU's rule-based number format, with ICU's own rules where it has such numerals and rules made here for letters. The
-/// rules are read once, and the rule set is chosen once as well.
+/// ICU's rule-based number format, with ICU's own rules where it has the numerals and rules made here for letters. The
+/// rules are parsed once, and the rule set is chosen once as well.
 class IcuNumber {
 public:
     static constexpr const char* label = "icu";
@@ -19,7 +19,7 @@ public:
           ruleSet_(countsFromZero_ ? icu::UnicodeString(u"%letters") : rules),
           format_(make(rules)) {}
 
-    /// A number of at least 1; with letters, of at most two of them.
+    /// Writes a number of at least 1; with letters, one that takes at most two of them.
     icu::UnicodeString write(int number) const {
         icu::UnicodeString text;
         format_.format(number - countsFromZero_, text);
@@ -27,7 +27,7 @@ public:
     }
 
 protected:
-    /// The same with the rule set looked up by its name, as it must be where each number may ask for another one.
+    /// The same with the rule set looked up by name, as a caller must do if each number may need another one.
     icu::UnicodeString writeByName(int number) const {
         icu::UnicodeString text;
         icu::FieldPosition position;
@@ -51,7 +51,7 @@ private:
         return made;
     }
 
-    /// Rules for one or two letters. They count from 0, as a rule finds a remainder of 0 to N - 1 and not 1 to N.
+    /// Rules for one or two letters. They count from 0, since a rule's remainder is 0 to N - 1, not 1 to N.
     static icu::UnicodeString makeRules(const icu::UnicodeString& letters) {
         const std::string count = std::to_string(letters.length());
         icu::UnicodeString first(u"%letters:\n"), second(u"%%second:\n");
@@ -61,7 +61,7 @@ private:
             second.append(one);
         }
         for (std::int32_t i = 0; i < letters.length(); ++i) {
-            // The last one would take its base, N * N, for the divisor: ">" brings that down to N.
+            // The last rule would use its base, N * N, as the divisor: ">" lowers that to N.
             const std::string down = i + 1 == letters.length() ? ">" : "";
             const std::string base = std::to_string((i + 1) * letters.length());
             first.append(icu::UnicodeString::fromUTF8(base + "/" + count + down + ": ") + letters[i] +

@@ -18,8 +18,8 @@ inline std::string_view libxmlText(const xmlChar* text) {
     return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
 }
 
-/// libxml2's callbacks with namespaces: its fastest interface. Those for declarations stay the default ones, as they
-/// keep the entities.
+/// libxml2's callbacks with namespaces, its fastest interface. The callbacks for declarations stay the default ones,
+/// because those store the entities.
 struct LibxmlSax2 {
     static constexpr const char* label = "libxml2 SAX2";
     using Prepared = const Input&;
@@ -87,7 +87,7 @@ private:
     }
 };
 
-/// libxml2's pull parser, which makes and drops a node of the tree for each event.
+/// libxml2's pull parser, which creates and drops a tree node for each event.
 struct LibxmlReader {
     static constexpr const char* label = "libxml2 reader";
     using Prepared = const Input&;
@@ -187,7 +187,7 @@ private:
     }
 };
 
-/// Into memory of its own making; the other contenders write into a sink, so this one pays for a copy more.
+/// Writes into memory that it allocates; the other contenders write into a sink, so this one pays for an extra copy.
 struct LibxmlSave {
     static constexpr const char* label = "libxml2 tree";
     struct Prepared {

@@ -10,7 +10,7 @@
 
 namespace LumBench {
 
-/// pugixml knows no namespaces and checks less; it shows what a tree costs at least.
+/// pugixml ignores namespaces and checks less; it shows the least that a tree can cost.
 inline void loadPugixml(const Input& input, pugi::xml_document& document) {
     constexpr unsigned options = pugi::parse_default | pugi::parse_ws_pcdata;
     if (!document.load_buffer(input.bytes.data(), input.bytes.size(), options)) {

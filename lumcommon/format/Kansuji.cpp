@@ -19,12 +19,12 @@ static_assert(std::size(KANJI) == Kansuji::COUNT);
 
 constexpr UChar32 FULL_WIDTH_OFFSET = 0xFEE0;
 constexpr std::size_t GROUP_DIGITS = 4;
-/// What all large units together can hold: a group for each, and the one that has none.
+/// The most digits that the large units can express: a group for each of them, and the last group, which has none.
 constexpr std::size_t READABLE_DIGITS = GROUP_DIGITS * (Kansuji::LARGE_UNIT_COUNT + 1);
 
 using Digits = std::u16string_view;
 
-/// Replaces `room` characters at `at` with those of the text, as far as it has them.
+/// Replaces `room` characters at `at` with those of the text; if there are fewer, the others stay.
 void replaceCharacters(UChar32* at, int room, const UnicodeString& text) {
     for (std::int32_t i = 0; room > 0 && i < text.length(); i = text.moveIndex32(i, 1), --room)
         *at++ = text.char32At(i);
@@ -52,7 +52,7 @@ private:
     }
 
     void writeGrouped(Digits run) {
-        const std::size_t afterLastNonZero = run.find_last_not_of(u'0') + 1;  // 0 when all are zeros
+        const std::size_t afterLastNonZero = run.find_last_not_of(u'0') + 1;  // 0 if all are zeros
         for (std::size_t i = 0; i < run.size();) {
             writeDigit(run[i++]);
             const std::size_t left = run.size() - i;
@@ -68,7 +68,7 @@ private:
         const std::size_t beyondUnits = run.size() > READABLE_DIGITS ? run.size() - READABLE_DIGITS : 0;
         writeDigits(run.substr(0, beyondUnits));
         run.remove_prefix(beyondUnits);
-        // The digits before the first group count in its unit, so it is written for them.
+        // Digits before the first group count in its large unit, so that unit must be written.
         bool needsUnit = beyondUnits > 0;
         while (!run.empty()) {
             const std::size_t groupsAfter = (run.size() - 1) / GROUP_DIGITS;

@@ -1,4 +1,4 @@
-// The faces of number scanning and quoting, which live beside the values they serve.
+// Number scanning and quoting: only the public functions. The work is done in values/detail/, next to the values.
 
 #include <lumcommon/format/LumUtil.h>
 #include <lumcommon/uri/LumUri.h>
@@ -44,7 +44,7 @@ std::uint32_t LumUtil::parseHexNum(const char16_t* position, const char16_t*& en
     return number;
 }
 
-// Everything that the class keeps is constant data.
+// The class keeps only constant data, so there is nothing to release.
 void LumUtil::cleanup() {}
 
 }  // namespace LumCommon

@@ -92,7 +92,7 @@ UnicodeString LumUtil::encodeBase64(std::istream& in, int length, const UnicodeS
 bool LumUtil::decodeBase64(const UnicodeString& text, int length, std::ostream& out) {
     ByteSink sink(out);
     std::uint32_t bits = 0;
-    int bitCount = 0;  // bits of the digits read so far that are not written yet, below 8
+    int bitCount = 0;  // bits of the digits read so far that are not written yet, fewer than 8
     const int end = std::min(length, text.length());
     for (int i = 0; i < end && text.charAt(i) != padding; ++i) {
         const int digit = getDigitValue(text.charAt(i));

@@ -1,4 +1,4 @@
-// The faces of numbers as text.
+// Numbers as text: only the public functions; detail/ and core/ do the work.
 
 #include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/format/LumUtil.h>

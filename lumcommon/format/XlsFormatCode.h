@@ -1,4 +1,4 @@
 #pragma once
 
-// An address: the class stands in another room of the library.
+// The header is in format/xls/; this one keeps its former path working for programs that include it.
 #include <lumcommon/format/xls/XlsFormatCode.h>

@@ -18,10 +18,10 @@ namespace LumCommon {
 
 namespace {
 
-/// 0 to 1; what is no number becomes 0.
+/// Clamps to 0 to 1; NaN becomes 0.
 constexpr float clampUnit(float value) noexcept { return value > 0 ? std::min(value, 1.0f) : 0.0f; }
 
-/// The channel 0 to 255 of a component 0 to 1, halves up.
+/// The channel, 0 to 255, of a component from 0 to 1, rounded half up.
 constexpr std::uint32_t makeChannel(double component) noexcept {
     return static_cast<std::uint32_t>(component * 255 + 0.5);
 }
@@ -53,7 +53,7 @@ LumColor::Cmyk convertRGB(std::uint32_t rgb) noexcept {
     return {clampUnit(c - k), clampUnit(m - k), clampUnit(y - k), clampUnit(k)};
 }
 
-/// Whether lower case may differ from the text.
+/// Whether converting to lower case may change the text.
 bool hasCase(std::u16string_view units) noexcept {
     return std::ranges::any_of(units, [](char16_t c) { return detail::isAsciiUpper(c) || c >= 0x80; });
 }
@@ -187,7 +187,7 @@ bool operator==(const LumColor& a, const LumColor& b) {
     if (a.rgb_ != b.rgb_ || a.colorSpace_ != b.colorSpace_) return false;
     if (a.colorSpace_ != NAME_HASH_SEPARATION) return a.name_ == b.name_ && a.components_ == b.components_;
     if (a.name_ != b.name_ && !(a.isRegistrationName() && b.isRegistrationName())) return false;
-    // An alternative that nobody gave follows from the rest.
+    // An alternative that was not given follows from the rest.
     if (a.components_[0] != b.components_[0] || a.isCmykGiven_ != b.isCmykGiven_) return false;
     return !a.isCmykGiven_ || a.components_ == b.components_;
 }

@@ -20,13 +20,14 @@ class ColorReader;
 /// A colour of a property: an sRGB value and, for print, its definition in a process or spot colour space.
 ///
 /// Four colour spaces besides plain RGB (the null name): NAME_HASH_GRAYSCALE, NAME_HASH_CMYK, NAME_HASH_SEPARATION (a
-/// spot ink; the registration colour is the separation "All") and NAME_icc_color. Every component is kept in 0 to 1;
-/// arguments outside are moved to the nearer end and NaN to 0.
+/// spot ink; the registration colour is the separation "All") and NAME_icc_color. Every component is kept in 0 to 1:
+/// arguments outside that range are clamped, and NaN becomes 0. A constructor with a fallback takes the RGB value from
+/// it; the others compute the RGB value.
 ///
-/// Nothing here throws, but for exhausted memory. Threads: a value.
+/// Failure: nothing here throws except when memory runs out. Threads: a plain value; separate objects are independent.
 class LUM_API LumColor {
 public:
-    /// Values above RGB_LARGEST are no colours of their own: these two, and everything else invalid.
+    /// Values above RGB_LARGEST are not colours but markers: transparent and currentColor; any other one is invalid.
     static constexpr std::uint32_t RGB_LARGEST = 0x00FFFFFFu;
     static constexpr std::uint32_t RGB_TRANSPARENT = 0xFFFFFFFFu;
     static constexpr std::uint32_t RGB_CURRENT_COLOR = 0xFE000000u;
@@ -39,12 +40,13 @@ public:
 
     /// Black.
     LumColor() noexcept = default;
-    /// The colour of a keyword of SVG 1.1, "currentColor" or "transparent", in any case; else the invalid colour.
+    /// The colour of an SVG 1.1 keyword, "currentColor" or "transparent", in any letter case; other names give the
+    /// invalid colour.
     explicit LumColor(LumName name);
     explicit LumColor(LumNameEnum name);
-    /// Plain RGB from channels, each moved into 0 to 255.
+    /// Plain RGB from channels, each clamped to 0 to 255.
     LumColor(int r, int g, int b) noexcept;
-    /// LumValue::getColorValue().
+    /// The colour that LumValue::getColorValue() gives.
     explicit LumColor(const LumValue& value);
     /// Grayscale; 1 is white.
     explicit LumColor(float gray) noexcept;
@@ -52,11 +54,11 @@ public:
     /// CMYK.
     LumColor(float c, float m, float y, float k) noexcept;
     LumColor(const LumColor& fallback, float c, float m, float y, float k) noexcept;
-    /// A separation. An empty name stands for "All"; the alternative is all inks at full strength.
+    /// A separation. An empty name means "All"; the alternative is all inks at full strength.
     LumColor(const UnicodeString& name, float tint);
     /// A separation with its alternative in CMYK.
     LumColor(const UnicodeString& name, float tint, float c, float m, float y, float k);
-    /// A separation whose alternative is that of the fallback.
+    /// A separation whose alternative is the fallback's RGB value converted to CMYK.
     LumColor(const LumColor& fallback, const UnicodeString& name, float tint);
     LumColor(const LumColor& fallback, const UnicodeString& name, float tint, float c, float m, float y, float k);
     /// A colour of the profile `name` in its own components.
@@ -64,54 +66,56 @@ public:
 
     /// Plain RGB from 00RRGGBB or a marker.
     static LumColor fromRGB(std::uint32_t rgb) noexcept;
+    /// The RGB value of CMYK components, each clamped to 0 to 1; channels are rounded half up.
     static std::uint32_t cmyk2rgb(float c, float m, float y, float k) noexcept;
-    /// The CMYK colour of an RGB value, without division by what black leaves.
+    /// The CMYK colour of an RGB value: black takes what the three inks share, and the rest is not scaled up again.
     static LumColor rgb2cmyk(std::uint32_t rgb) noexcept;
 
     std::uint32_t getRGB() const noexcept { return rgb_; }
     LumName getColorSpace() const noexcept { return colorSpace_; }
-    /// Of a separation or a profile, else empty.
+    /// The name of the separation or profile; empty for other colours.
     const UnicodeString& getName() const noexcept { return name_; }
-    /// Grayscale: 0 is the gray level. CMYK and icc-color: 0 to 3. Separation: 0 is the tint, 1 to 4 the alternative.
-    /// 0 outside 0 to 4.
+    /// A component by its index. Grayscale: 0 is the gray level. CMYK and icc-color: 0 to 3. Separation: 0 is the tint,
+    /// 1 to 4 the alternative. An index outside 0 to 4 gives 0.
     float getComponent(int index) const noexcept {
         return index >= 0 && index < 5 ? components_[static_cast<std::size_t>(index)] : 0;
     }
-    /// Whether a separation has an RGB value, a tint and an alternative of its own.
+    /// Whether a separation was given an RGB value, a tint and an alternative, respectively.
     bool isRgbGiven() const noexcept { return isRgbGiven_; }
     bool isTintGiven() const noexcept { return isTintGiven_; }
     bool isCmykGiven() const noexcept { return isCmykGiven_; }
 
-    /// The RGB value of a separation at its tint; of another colour its RGB value.
+    /// The RGB value of a separation at its tint; for other colours getRGB().
     std::uint32_t getSeparationRGB() const noexcept;
-    /// Plain RGB at two thirds of each channel.
+    /// Plain RGB with each channel at two thirds; a marker stays as it is.
     LumColor getDark() const noexcept;
-    /// Plain RGB half way to white.
+    /// Plain RGB half way to white; a marker stays as it is.
     LumColor getLight() const noexcept;
+    /// Whether the RGB value is a marker other than the two known ones, or the colour is one of a profile named "#".
     bool isInvalid() const;
-    /// Whether the name is "all" in any case.
+    /// Whether the name is "All", the registration colour's, in any letter case.
     bool isRegistrationName() const;
-    /// The keyword whose value this colour's RGB is; the null name when there is none.
+    /// The keyword for this colour's RGB value; the null name if no keyword has that value.
     LumName getColorName() const noexcept;
 
-    /// Whether RGB, colour space, name and components agree; of a separation the alternative counts where it was given.
-    /// All spellings of the registration colour's name are one.
+    /// Whether RGB, colour space, name and components are equal. The alternative of a separation counts only if it was
+    /// given, and all spellings of the registration colour's name are the same.
     friend LUM_API bool operator==(const LumColor& a, const LumColor& b);
 
     /// The colour in the syntax of properties: "#RRGGBB" or "rgb-icc(...)".
-    /// @param svgForm  a keyword where there is one, and "icc-color(...)" after the RGB colour.
-    /// The invalid colour gives the empty string, a marker its keyword even as the fallback of another colour.
+    /// @param svgForm  true: a keyword where one exists, and "icc-color(...)" after the RGB colour.
+    /// The invalid colour gives the empty string. A marker gives its keyword, even as the fallback of another colour.
     ///
-    /// parseColor() reads both forms (the second with its flag) as an equal colour, but for three: a colour whose RGB
-    /// is a marker, a separation whose name holds a double quote, and a colour of a profile, which that syntax does not
-    /// have. Components are printed with six significant digits, which moves them by at most 0.0000005; the RGB of a
-    /// separation without fallback is worked out again from its tint.
+    /// LumValue::parseColor() reads both forms back (the second with its flag) as an equal colour, with three
+    /// exceptions: a colour whose RGB is a marker, a separation whose name contains a double quote, and a colour of a
+    /// profile, which that syntax cannot express. Components are printed with six significant digits, which changes
+    /// them by at most 0.0000005; the RGB of a separation without fallback is computed again from its tint.
     UnicodeString toString(bool svgForm = false) const;
 
 private:
-    friend class detail::ColorReader;  // sets what was given, resolves keywords
+    friend class detail::ColorReader;  // sets the flags of what was given, resolves keywords
 
-    /// The value of a colour keyword in any case; RGB_INVALID for other texts.
+    /// The RGB value of a colour keyword in any letter case; RGB_INVALID for other texts.
     static std::uint32_t findKeyword(const UnicodeString& text);
     Cmyk getAlternative() const noexcept { return {components_[1], components_[2], components_[3], components_[4]}; }
     void setComponents(std::initializer_list<float> values) noexcept;

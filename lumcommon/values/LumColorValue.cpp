@@ -42,7 +42,7 @@ LumValue makeRGBValue(std::uint32_t rgb) {
     return value;
 }
 
-/// What a separation leaves out was not given: "value" is the tint, the inks are the alternative, "rgb" the fallback.
+/// Only what was given becomes an item: "value" is the tint, the inks are the alternative, "rgb" the fallback.
 LumValue makeSeparationValue(const LumColor& color) {
     LumValue value;
     value.setNamedItem(NAME_name, LumValue(color.getName()));
@@ -65,33 +65,33 @@ LumValue makeIccValue(const LumColor& color) {
 
 namespace detail {
 
-/// Reads colours from values and from property text, and notes what of a separation was given.
+/// Reads colours from values and from property text, and notes which parts of a separation were given.
 class ColorReader {
 public:
     static LumColor readCompound(const LumValue& value);
 
     ColorReader(const UnicodeString& text, bool isIccAllowed) : tokenizer_(text), isIccAllowed_(isIccAllowed) {}
 
-    /// The value of a text of more than one token; none when it is no colour.
+    /// The value of a text of more than one token; nothing if it is not a colour.
     std::optional<LumValue> read();
 
 private:
     static LumColor readSeparation(const LumValue& separation, const LumColor& fallback);
 
     bool isAtEnd() { return tokenizer_.nextToken() == LumTokenizer::TOKEN_END; }
-    /// The three channels of rgb( ... , with optional commas between them. False when a token is no argument at all.
-    /// `areNumbers` tells whether all three were numbers; the others count as 0.
+    /// Reads the three channels of rgb(...), with optional commas between them. False if a token cannot be an argument.
+    /// `areNumbers` tells whether all three are numbers; others count as 0.
     bool readChannels(LumColor& color, bool& areNumbers);
     std::optional<LumValue> readRgb();
     std::optional<LumValue> readRgbIcc();
-    /// The icc-color(...) that follows `fallback`; the plain colour when the text ends.
+    /// The icc-color(...) that follows `fallback`; the plain colour if the text ends there.
     std::optional<LumValue> readIccPart(const LumColor& fallback);
-    /// From after the opening parenthesis to the end of the text. `fallback` may be null.
+    /// Reads from after the opening parenthesis to the end of the text. `fallback` may be null.
     std::optional<LumValue> readIccList(const LumColor* fallback);
     bool readIccArguments();
     std::optional<LumColor> makeIccColor(LumNameEnum space, const LumColor* fallback) const;
     std::optional<LumColor> makeSeparation(const UnicodeString& name, int first, const LumColor* fallback) const;
-    /// Whether all arguments from `first` on are numbers.
+    /// Whether the arguments from `first` onwards are all numbers.
     bool areNumbers(int first) const;
     float getNumber(int index) const { return arguments_[static_cast<std::size_t>(index)].getRealValue(UNIT_NUMBER); }
 
@@ -111,7 +111,7 @@ bool isArgumentNumber(const LumValue& value) {
 
 bool isText(const LumValue& value) { return value.getKind() == KIND_NAME || value.getKind() == KIND_STRING; }
 
-/// A channel as an integer, a percentage of 255; not yet in range.
+/// A channel as an integer, from a number or a percentage of 255; not yet clamped.
 int getChannelValue(const LumValue& value) {
     if (value.getUnit() != UNIT_PERCENT) return value.getIntegerValue();
     return LumValue(value.getRealValue(UNIT_PERCENT) / 100 * 255, UNIT_NUMBER).getIntegerValue();
@@ -142,7 +142,7 @@ LumColor ColorReader::readSeparation(const LumValue& separation, const LumColor&
 
 LumColor ColorReader::readCompound(const LumValue& value) {
     const LumValue base = value.getNamedItem(NAME_NULL);
-    // A compound below a compound is no RGB colour, and looking into it would follow any depth.
+    // A compound inside a compound is not an RGB colour, and looking into it would recurse to any depth.
     const LumColor fallback =
         base.getKind() == KIND_COMPOUND ? LumColor::fromRGB(LumColor::RGB_INVALID) : base.getColorValue();
     if (const LumValue gray = value.getNamedItem(NAME_HASH_GRAYSCALE); gray.isNumeric()) {
@@ -223,7 +223,7 @@ std::optional<LumValue> ColorReader::readIccPart(const LumColor& fallback) {
 
 std::optional<LumValue> ColorReader::readIccList(const LumColor* fallback) {
     tokenizer_.skipSeparator(u',');
-    // "#" goes first: the tokenizer would take "#C" of "#CMYK" for a colour.
+    // Skip "#" first: the tokenizer would read "#C" of "#CMYK" as a colour.
     const bool hasHash = tokenizer_.skipSeparator(u'#');
     if (tokenizer_.nextToken() != LumTokenizer::TOKEN_NAME || !hasHash) return std::nullopt;
     UnicodeString name(u'#');

@@ -8,20 +8,22 @@
 
 namespace LumCommon {
 
-/// An absolute length in points (1/72 inch); NaN means that there is none. Threads: a value.
+/// An absolute length in points (1/72 inch), or no length, which is stored as NaN.
+/// Threads: a plain value; separate objects are independent.
 class LUM_API LumLength {
 public:
     /// No length.
     LumLength() noexcept = default;
-    /// `value` in `unit`. Units that are no absolute lengths (em, ex, px, jpt, percent, numbers, ...) give no length.
+    /// `value` in `unit`. Units that are not absolute lengths (em, ex, px, jpt, percent, numbers, ...) give no length.
     LumLength(float value, LumValueUnitType unit) noexcept;
-    /// LumValue::getLengthValue().
+    /// The length that LumValue::getLengthValue() gives.
     explicit LumLength(const LumValue& value);
 
+    /// NaN if there is no length.
     float getPoints() const noexcept { return points_; }
     bool isValid() const noexcept { return !std::isnan(points_); }
 
-    /// Points in one `unit`; NaN when it is not an absolute length.
+    /// How many points one `unit` has; NaN if it is not an absolute length.
     static float getFactor(LumValueUnitType unit) noexcept;
 
 private:

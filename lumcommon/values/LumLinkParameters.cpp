@@ -17,9 +17,7 @@ namespace LumCommon {
 
 namespace {
 
-/// Not by the user's locale: a Turkish one makes a dotless letter of the "I" in "FIT".
-
-/// The interned name; the null name when the table is full.
+/// The interned name; the null name if the table is full.
 LumName makeName(const UnicodeString& text) {
     try {
         return LumName(LumNameTable::getSharedNameEnum(text));
@@ -34,7 +32,7 @@ struct Parameter {
     UnicodeString value;
 };
 
-/// False, and `parameter` as it was, when the item has no "=" or nothing before it.
+/// False, with `parameter` unchanged, if the item has no "=" or nothing before it.
 bool splitParameter(const UnicodeString& item, Parameter& parameter) {
     const int equals = item.indexOf(u'=');
     if (equals <= 0) return false;
@@ -43,11 +41,11 @@ bool splitParameter(const UnicodeString& item, Parameter& parameter) {
     return true;
 }
 
-/// The name of a key that this file knows; the null name for most others. Nothing is interned: what a link may say is
-/// all built in.
+/// The name of a key that this file knows; the null name for most others. Nothing is interned, as all known keys are
+/// built in. The user's locale must not matter: a Turkish one would make a dotless letter of the "I" in "FIT".
 LumNameEnum findKey(const UnicodeString& key) { return LumNameTable::getBuiltinNameEnum(detail::toLowerCase(key)); }
 
-/// Points; a plain number counts as points. NaN when the text is neither.
+/// The text as points; a plain number counts as points. NaN if it is neither.
 float readPoints(const UnicodeString& text) {
     const LumValue value = LumValue::parse(text);
     if (value.getUnit() == UNIT_NUMBER) return value.getRealValue(UNIT_NUMBER);
@@ -74,7 +72,7 @@ void setPage(LumValue& target, const UnicodeString& text) {
     if (page >= 1) target.setNamedItem(NAME_page, page);
 }
 
-/// "fith,100": the page fitted in a way, and where its visible part begins.
+/// "fith,100": how the page is fitted, and where its visible part begins.
 void setView(LumValue& target, const UnicodeString& text) {
     LumTokenizer parts(text);
     const LumNameEnum view = findKey(parts.nextSeparatedValue(u','));
@@ -115,7 +113,7 @@ void setZoomView(LumValue& target, const UnicodeString& text) {
     const float zoom = LumValue::parse(parts.nextSeparatedValue(u',')).getRealValue(UNIT_NUMBER);
     if (zoom > 0) target.setNamedItem(NAME_zoom, LumValue(zoom, UNIT_NUMBER));
     for (const LumNameEnum item : {NAME_left, NAME_top}) {
-        // A percentage or a word is no place on a page: it leaves the place open, where 0 would scroll to the edge.
+        // A percentage or a word is not a position on a page: leave it unset, as 0 would scroll to the edge.
         const float points = readPoints(parts.nextSeparatedValue(u','));
         if (!std::isnan(points)) setPoints(target, item, points);
     }
@@ -129,7 +127,7 @@ void addDefaults(LumValue& target) {
     if (target.getNamedItem(NAME_view).isNull()) target.setNamedItem(NAME_view, LumName(NAME_xyz));
 }
 
-/// What a destination type is followed by; unused coordinates are null names.
+/// What follows the keyword of a destination type; unused coordinates are null names.
 struct DestinationType {
     LumNameEnum keyword;
     bool hasZoom;
@@ -162,7 +160,7 @@ void setZoom(LumValue& target, const LumValue& value) {
     if (zoom > 0) target.setNamedItem(NAME_zoom, LumValue(zoom, UNIT_NUMBER));
 }
 
-/// Every absolute length is a place on a page, Japanese points too.
+/// Every absolute length is a position on a page, including Japanese points.
 bool isPlace(const LumValue& value) {
     const LumValueUnitType unit = value.getUnit();
     return value.isNumeric() && ((unit >= UNIT_CM && unit <= UNIT_Q) || unit == UNIT_TWIP);
@@ -311,8 +309,8 @@ LumValue LumValue::parseUriFragmentParameters(const UnicodeString& text, bool lo
         // Under the null name the value would take the place of the text before the "#".
         if (!name.isNull()) entries.emplace_back(name, LumUri::unescape(parameter.value).trim());
     }
-    // A map takes entries in the order of their names one by one at its end; in the order that a hostile text may give
-    // them, each could move all the others. Of equal names the last stays last.
+    // Sorted by name, each entry is appended at the end of the map; in the order of a hostile text, each could move all
+    // the others. The sort is stable, so the last of equal names still wins.
     std::ranges::stable_sort(entries, LessLumValueName());
     for (const LumNamedValue& entry : entries) result.setNamedItem(entry);
     return result;

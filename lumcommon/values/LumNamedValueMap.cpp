@@ -6,10 +6,9 @@
 
 namespace LumCommon {
 
-// A map that dies with the last reference to a map inside it would otherwise destroy that one from within its own
-// destructor, and so on down: the nesting comes from the caller's data and the stack is finite. Instead, every map
-// whose count reaches zero is taken out of its entry and waits in a list linked through the maps themselves, so that
-// the release allocates nothing either.
+// Destroying nested maps from within this destructor would recurse once per level, and the depth is up to the caller's
+// data. Instead, every nested map whose count reaches zero is taken out of its entry and queued in a list linked
+// through the maps themselves, so that the release does not allocate either.
 LumNamedValueMap::~LumNamedValueMap() {
     LumNamedValueMap* pending = nullptr;
     releaseNestedMaps(pending);

@@ -29,13 +29,13 @@ struct LessLumValueName {
 
 /// The components of a compound property value: an ordered set of named values, at most one for each name, in the
 /// order of the names' identifiers.
-/// Threads: one at a time; a map inside a LumValue is shared by all copies of that value.
+/// Threads: one thread at a time; a map inside a LumValue is shared by all copies of that value.
 class LUM_API LumNamedValueMap : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0xE7D947B0u;
 
     LumNamedValueMap() = default;
-    /// Releases maps nested in the entries too, to any depth, in constant stack.
+    /// Also releases maps nested in the entries, to any depth, with constant stack use.
     ~LumNamedValueMap() override;
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -45,16 +45,16 @@ public:
     /// A new map with copies of all entries.
     LumPtr<LumNamedValueMap> clone() const;
     int getCount() const;
-    /// The entry at that position in name order; a null value with a null name outside 0 to count-1.
+    /// The entry at that position in name order; outside 0 to count-1, a null value with a null name.
     LumNamedValue item(int index) const;
-    /// The entry with that name; when absent, the null value carrying the asked name.   Cost: logarithmic.
+    /// The entry with that name; if absent, the null value under the requested name.   Cost: logarithmic.
     LumNamedValue getNamedItem(LumName name) const;
     /// Adds the value under the name or replaces the value there.   Cost: linear in the count.
     void setNamedItem(LumName name, const LumValue& value);
     void setNamedItem(const LumNamedValue& value);
-    /// Removes the entry when it is there.
+    /// Removes the entry if there is one.   Cost: linear in the count.
     void removeNamedItem(LumName name);
-    /// Removes the entry when it is there and its value equals `value`.
+    /// Removes the entry if there is one and its value equals `value`.
     void removeNamedItem(LumName name, const LumValue& value);
 
 private:
@@ -64,7 +64,7 @@ private:
     std::vector<LumNamedValue>::const_iterator find(LumName name) const;
     void releaseNestedMaps(LumNamedValueMap*& pending) noexcept;
 
-    LumNamedValueMap* nextPending_ = nullptr;  // links maps that wait for their release
+    LumNamedValueMap* nextPending_ = nullptr;  // links maps waiting to be released
     std::vector<LumNamedValue> entries_;       // sorted; maps are small and read far more often than written
 };
 
@@ -73,9 +73,9 @@ class LUM_API LumNamedValueMapIterator {
 public:
     explicit LumNamedValueMapIterator(const LumNamedValueMap* map);
 
-    /// The current entry; then moves forward. A null entry at the end.
+    /// Returns the current entry and moves forward; a null entry at the end.
     LumNamedValue next();
-    /// Moves back and returns the entry now current. A null entry at the start.
+    /// Moves back and returns the entry that is then current; a null entry at the start.
     LumNamedValue previous();
     bool hasNext() const;
     bool hasPrevious() const;

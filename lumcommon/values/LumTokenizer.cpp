@@ -21,7 +21,7 @@ UnicodeString cutAtNul(const UnicodeString& text) {
 
 LumTokenizer::LumTokenizer(const UnicodeString& text) : source_(cutAtNul(text)) {}
 
-// The cursor lives inside one operation: the buffer of source_ moves when the tokenizer is copied, its index does not.
+// A cursor is only valid within one operation: copying the tokenizer moves the buffer of source_, but not the index.
 UnitCursor LumTokenizer::getCursor() const noexcept {
     const char16_t* const start = source_.getBuffer();
     if (!start) return UnitCursor(nullptr, nullptr);  // a bogus text
@@ -54,8 +54,8 @@ LumValue LumTokenizer::nextTokenValue() {
     bool isSuffixLeft = false;
     LumValue value = detail::makeTokenValue({kind_, number_, hasFraction_, detail::viewOf(text_)}, isSuffixLeft);
     if (isSuffixLeft) {
-        // What is no unit is the next token. The text goes too: a number that is pushed back and read once more must
-        // not move the position a second time.
+        // A suffix that is not a unit is the next token. Clear the text too, so that a number that is pushed back and
+        // read again does not move the position a second time.
         position_ -= text_.length();
         text_.remove();
     }
@@ -66,7 +66,7 @@ LumValue LumTokenizer::nextTokenValueSigned() {
     if (isPushedBack_) {
         LumValue value = nextTokenValue();
         const bool isDelimiter = kind_ > 0;
-        // The delimiter is read again, now as a sign that may belong to a number.
+        // Read the delimiter again, this time as a sign that may belong to a number.
         if (!isDelimiter || position_ == 0 || source_.charAt(position_ - 1) != kind_) return value;
         --position_;
     }
@@ -86,7 +86,7 @@ bool LumTokenizer::readExponent(LumValueUnitType& unit) {
     cursor.advance();
     const UnitCursor afterE = cursor;
     cursor.skipTokenSpace();
-    // Looking ahead keeps a failed attempt from interning a name that is no name.
+    // Look ahead: a failed attempt must not intern a name.
     if (!cursor.isAtSignedNumber()) return false;
     const double mantissa = number_;
     setCursor(afterE);
@@ -94,9 +94,9 @@ bool LumTokenizer::readExponent(LumValueUnitType& unit) {
     if (mantissa != 0) {
         number_ = mantissa * std::pow(10.0, number_);
     } else {
-        number_ = mantissa;  // zero times an infinite power would be no number
+        number_ = mantissa;  // zero times an infinite power would be NaN
     }
-    hasFraction_ = true;  // pushed back and read again it stays a real
+    hasFraction_ = true;  // keeps it a real if it is pushed back and read again
     return true;
 }
 
@@ -140,8 +140,8 @@ LumValue LumTokenizer::nextTokenValueFunc() {
     return value;
 }
 
-// A group ends where its parentheses balance, and parentheses count unless a quoted string holds them. The tokens
-// between need no values, so that nesting costs neither stack nor names.
+// A group ends where its parentheses balance, not counting those inside quoted strings. The tokens in between need no
+// values, so nesting costs neither stack nor interned names.
 void LumTokenizer::skipGroup() {
     for (int depth = 1; depth > 0;) {
         const int kind = nextToken();

@@ -19,7 +19,7 @@ constexpr std::uint32_t makeTypeWord(LumValueKind kind, LumValueUnitType unit) n
 
 constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
 
-/// The factor that takes a number from one unit to another; 0 where no conversion is defined.
+/// The factor that converts a number from one unit to another; 0 where no conversion is defined.
 double getConversionFactor(LumValueUnitType from, LumValueUnitType to) noexcept {
     switch (to) {
         case UNIT_NUMBER:
@@ -82,7 +82,7 @@ LumValue::LumValue(LumNamedValueMap* map) noexcept : LumValue(static_cast<LumRCO
     if (map) typeWord_ = KIND_COMPOUND;
 }
 
-// The old payload goes last: `other` may live inside the object that this value is about to release.
+// Release the old payload last: `other` may live inside the object that this value releases.
 LumValue& LumValue::operator=(const LumValue& other) {
     if (this == &other) return *this;
     LumValue copy(other);
@@ -148,8 +148,8 @@ float LumValue::getRealValue(LumValueUnitType unit) const noexcept {
 LumName LumValue::getNameValue() const noexcept { return getKind() == KIND_NAME ? LumName(payload_.name) : LumName(); }
 
 LumLength LumValue::getLengthValue() const {
-    // An item may be a compound again. A compound that leads back to itself is found by comparing with a map seen
-    // earlier, which moves up each time the number of steps has doubled.
+    // An item may itself be a compound. A cycle is detected by comparing with a map seen earlier, which is replaced by
+    // the current one each time the number of steps has doubled.
     LumValue value(*this);
     const LumNamedValueMap* seen = nullptr;
     std::size_t steps = 0;
@@ -199,7 +199,7 @@ void LumValue::setNamedItem(const LumNamedValue& value) {
         getNamedValueMap()->setNamedItem(value);
         return;
     }
-    // The argument may be this value itself, which makeCompound() turns into the map.
+    // Copy the argument: it may be this value itself, which makeCompound() turns into the map.
     const LumNamedValue item = value;
     makeCompound();
     getNamedValueMap()->setNamedItem(item);

@@ -22,9 +22,9 @@ enum LumValueKind : std::uint32_t {
     KIND_INTEGER = 1,   ///< signed 32-bit
     KIND_REAL = 2,      ///< 32-bit float
     KIND_NAME = 3,      ///< LumNameEnum
-    KIND_STRING = 4,    ///< a string of its own; every copy of the value copies it
+    KIND_STRING = 4,    ///< a string that the value owns; copying the value copies it
     KIND_OBJECT = 5,    ///< a counted LumRCObject, shared by all copies
-    KIND_COMPOUND = 7,  ///< a counted LumNamedValueMap, shared by all copies: what one sets, all see
+    KIND_COMPOUND = 7,  ///< a counted LumNamedValueMap, shared by all copies: all see a change
 };
 
 /// Unit of a number, or subtype of another kind; bits 3-7 of the type word.
@@ -63,12 +63,12 @@ enum LumValueUnitType : std::uint32_t {
 /// The typed value of a property: a number with a unit, a name, a string, a colour, an object, or a compound of named
 /// values, in two machine words.
 ///
-/// No operation throws, but for exhausted memory. Arithmetic that has no meaning gives NULL_VALUE, conversions give NaN
-/// or 0, and parse() gives the whole text as a string.
+/// No operation throws except when memory runs out. Meaningless arithmetic gives NULL_VALUE, a failed conversion NaN or
+/// 0, and parse() gives a text it cannot interpret as a string.
 ///
 /// Ownership: strings are copied with the value; objects and compounds are counted and shared.
 /// Cost: only strings allocate.
-/// Threads: a value belongs to one thread at a time; copies that share an object may live on several.
+/// Threads: a value belongs to one thread at a time; copies that share an object may belong to different threads.
 class LUM_API LumValue {
 public:
     static const LumValue NULL_VALUE;
@@ -81,10 +81,10 @@ public:
     LumValue(LumNameEnum name) noexcept : LumValue(LumName(name)) {}
     LumValue(const UnicodeString& text);
     /// An integer 00RRGGBB (UNIT_COLOR) for a plain colour, else a compound (UNIT_COLOR): the RGB value is its unnamed
-    /// item, and the item with the name of the colour space holds the components. What of a separation was not given
-    /// ("value" for the tint, the four inks, "rgb" for the fallback) is not there.
+    /// item, and the item with the name of the colour space holds the components. Parts of a
+    /// separation that were not given ("value" for the tint, the four inks, "rgb" for the fallback) are left out.
     LumValue(const LumColor& color);
-    /// Takes a reference; null gives the null value.
+    /// Adds a reference to the object; null gives the null value.
     LumValue(LumRCObject* object) noexcept;
     LumValue(LumNamedValueMap* map) noexcept;
     LumValue(std::nullptr_t) noexcept : LumValue() {}
@@ -94,7 +94,7 @@ public:
     }
     /// Leaves `other` null, without name bits.
     LumValue(LumValue&& other) noexcept : payload_(other.payload_), typeWord_(other.typeWord_) { other.typeWord_ = 0; }
-    /// Assignment takes over the name bits of the right side; what must keep its own puts them back with setNameKey.
+    /// Assignment copies the name bits as well; a holder that must keep its own restores them with setNameKey().
     LumValue& operator=(const LumValue& other);
     LumValue& operator=(LumValue&& other) noexcept;
     ~LumValue() {
@@ -108,103 +108,104 @@ public:
     bool isNull() const noexcept { return getKind() == KIND_NULL; }
     bool isNumeric() const noexcept { return getKind() == KIND_INTEGER || getKind() == KIND_REAL; }
 
-    /// The name bits of the type word. No operation on the value looks at them; setNameKey changes nothing else.
+    /// The name bits of the type word. No operation on the value looks at them; setNameKey() changes nothing else.
     LumNameEnum getNameKey() const noexcept { return static_cast<LumNameEnum>(typeWord_ >> 8); }
     void setNameKey(LumNameEnum name) noexcept {
         typeWord_ = (typeWord_ & 0xFFu) | (static_cast<std::uint32_t>(name) << 8);
     }
-    /// Changes the unit or subtype and leaves the payload as it is.
+    /// Changes the unit or subtype and leaves the payload unchanged.
     void setUnit(LumValueUnitType unit) noexcept {
         typeWord_ = (typeWord_ & ~0xF8u) | ((static_cast<std::uint32_t>(unit) & 31u) << 3);
     }
 
-    /// The integer, or the real rounded half up; 0 for other kinds. Reals beyond the range of int give the nearest
-    /// int, NaN gives 0.
+    /// The integer, or the real rounded half up; 0 for other kinds. Reals beyond the range of int give the nearest int;
+    /// NaN gives 0.
     int getIntegerValue() const noexcept;
-    /// The number in `unit`; NaN when the value is no number or does not convert. UNIT_NONE takes any number as it is.
+    /// The number in `unit`; NaN if the value is not a number or does not convert. UNIT_NONE gives any number as it is.
     float getRealValue(LumValueUnitType unit) const noexcept;
-    /// The name of a KIND_NAME value, else the null name.
+    /// The name of a KIND_NAME value; the null name for other kinds.
     LumName getNameValue() const noexcept;
-    /// An absolute length, or that of a compound's item "length" or unnamed item; else no length.
+    /// The absolute length that the value is, or that a compound has as its item "length" or its unnamed item; no
+    /// length otherwise.
     LumLength getLengthValue() const;
-    /// The colour that the value is, or that its name or text says; else the invalid colour. A compound that lacks its
+    /// The colour that the value is, or that its name or text denotes; the invalid colour otherwise. A compound without
     /// components gives its RGB value.
     LumColor getColorValue() const;
-    /// The object of kinds 5 and 7, else null. Borrowed.
+    /// The object of KIND_OBJECT and KIND_COMPOUND; null for other kinds. Borrowed.
     LumRCObject* getRCObject() const noexcept;
-    /// The map of kind 7, else null. Borrowed.
+    /// The map of KIND_COMPOUND; null for other kinds. Borrowed.
     LumNamedValueMap* getNamedValueMap() const noexcept;
-    /// The string of KIND_STRING, else null. Borrowed; valid until the value changes.
+    /// The string of KIND_STRING; null for other kinds. Borrowed; valid until the value changes.
     const UnicodeString* getStringPointer() const noexcept;
-    /// "pt", "%", ...; empty for numbers, subtypes and codes outside 0 to 31.
+    /// How a unit is printed: "pt", "%", ...; empty for numbers, subtypes and codes outside 0 to 31.
     static const UnicodeString& getUnitString(LumValueUnitType unit);
 
     /// Turns the value into a compound; a value that was not null becomes its item under the null name.
-    /// The name bits stay. A compound stored inside itself, directly or through others, is never released: the count
-    /// cannot see the cycle, so callers must not build one.
+    /// The name bits stay. Callers must not store a compound inside itself, directly or through others: reference
+    /// counting never releases such a cycle.
     void makeCompound();
-    /// The item of a compound, null when absent. Another value is its own item under the null name.
+    /// The item of a compound; the null value if absent. Any other value is its own item under the null name.
     LumValue getNamedItem(LumName name) const;
-    /// Sets an item, after makeCompound() where needed. Copies of this compound see it too.
+    /// Sets an item, calling makeCompound() first if needed. Copies of this compound see the change.
     void setNamedItem(LumName name, const LumValue& value);
     void setNamedItem(const LumNamedValue& value);
     void removeNamedItem(LumName name);
 
     /// The printed form: numbers with "%d" or "%g" and their unit, compounds as "{name: value; ...}". The decimal point
-    /// is "." in every locale.   Cost: linear in the text, constant stack.
+    /// is "." in every locale.   Cost: linear in the text; constant stack use.
     UnicodeString toString() const;
 
     /// The value of a property's text: a number with or without unit, a hash colour, a quoted string or an identifier
-    /// that is the whole text; any other text becomes a plain string as it stands.   Cost: linear.
+    /// that is the whole text; any other text becomes a plain string, unchanged.   Cost: linear.
     static LumValue parse(const UnicodeString& text);
-    /// The same, but numbers and colours stay text.
+    /// The same, but numbers and colours remain text.
     static LumValue parseNonNumeric(const UnicodeString& text);
     /// The value of a colour's text: a colour, or a name, number or quoted string that is the whole text; any other
-    /// text becomes a plain string as it stands. A colour written in words is a name: getColorValue() resolves it.
+    /// text becomes a plain string, unchanged. A colour written as a keyword is a name: getColorValue() resolves it.
     /// @param iccAllowed  whether icc-color(...) may follow an RGB colour or a keyword.
     static LumValue parseColor(const UnicodeString& text, bool iccAllowed = false);
 
     // Links and destinations. The results are compounds of named items; what is absent is not set. Keywords and keys
     // are compared without regard to case; "uri" and "nameddest" are taken as written, percent escapes included. None
-    // of these throws; when the name table is full, a destination becomes the null name.   Cost: linear in the text.
+    // of these functions throws; if the name table is full, a destination becomes the null name.
+    // Cost: linear in the text.
 
-    /// A link into a PDF document with the viewer's parameters behind its first "#": "uri" (the part before, perhaps
-    /// empty) and the items of parseView(). Without a "nameddest" that is a name, "page" is 1 and "view" is "xyz" where
-    /// they are not given.
+    /// A link into a PDF document with the viewer's parameters after its first "#": "uri" (the part before, perhaps
+    /// empty) and the items of parseView(). Unless "nameddest" is a name, "page" defaults to 1 and "view" to "xyz".
     static LumValue parsePDFOpenParameters(const UnicodeString& link);
     /// Adds the viewer's parameters in `text` ("page=3&zoom=150") to `value` and returns it. A compound is filled in
-    /// place, so its other copies see the items; what is no compound becomes one with the first item, as by
+    /// place, so its other copies see the items; any other value becomes a compound with the first item, as with
     /// setNamedItem().
     ///
     /// Items: "nameddest" (name), "page" (integer from 1), "view" (name: fit, fitb, fith, fitbh, fitv, fitbv, viewrect
     /// or xyz), "zoom" (real above 0; 150 is 150 and 150% is 1.5), "left", "top", "width", "height" (real, UNIT_PT; a
     /// plain number counts as points). A later parameter overrides an earlier one; keys and views that are not listed
     /// are ignored, and so is a "nameddest" that is neither a word nor text, such as a number. An unreadable coordinate
-    /// of "view" and an unreadable or missing one of "viewrect" is 0; that of "zoom" is not set.
-    /// @param flag  changes nothing: every value gives the same result.
+    /// of "view" and an unreadable or missing one of "viewrect" is 0; one of "zoom" is not set.
+    /// @param flag  ignored: every value gives the same result.
     static LumValue parseView(const UnicodeString& text, LumValue value, int flag);
     /// The type of a destination, "[keyword] [zoom] [coordinates]": a name (UNIT_IDENT), which with items is the
     /// unnamed item of a compound. "zoom" is a real number (here 150% is 150, as 150 is); "left", "top", "bottom" and
-    /// "right" keep the unit they have, which must be cm, mm, in, pt, pc, jpt, q or twip. Numbers have no sign. What is
-    /// no destination type is "xyz-top".
+    /// "right" keep the unit they have, which must be cm, mm, in, pt, pc, jpt, q or twip. Numbers have no sign. Any
+    /// other text is "xyz-top".
     static LumValue parseDestinationType(const UnicodeString& text);
     /// An XLink reference: "uri" (the part before the first "#", unless empty) and either "nameddest" (the name that
-    /// the fragment begins with, the null name when it begins otherwise) or, for a fragment of the form "key=...", the
+    /// the fragment begins with, or the null name if it begins with none) or, for a fragment of the form "key=...", the
     /// items of parseView(). Defaults as in parsePDFOpenParameters(). An empty text gives the null value.
     static LumValue parseXlinkHref(const UnicodeString& text);
     /// A destination in the same document: "nameddest" or "page", and the items of parseView() for the parameters after
-    /// a "#". A page is any integer, 0 included. The unnamed item is the name or number that the text begins with; a
-    /// text that begins otherwise is a "nameddest" as a whole, or only parameters when it begins with "#".
+    /// a "#". A page is any integer, 0 included. The unnamed item is the name or number that the text begins with; any
+    /// other text is a "nameddest" as a whole, or only parameters if it begins with "#".
     /// @param flag  passed to parseView() for a text that begins with "#".
     static LumValue parseInternalDestination(const UnicodeString& text, int flag);
-    /// The parameters "sheet" and "chart" (integers from 0) behind the first "#" of a link to a spreadsheet, up to the
-    /// first empty parameter; NULL_VALUE when there is none. What is no number counts as 0.
+    /// The parameters "sheet" and "chart" (integers from 0) after the first "#" of a link to a spreadsheet, up to the
+    /// first empty parameter; NULL_VALUE if there are none. A value that is not a number counts as 0.
     static LumValue parseExcelOpenParameters(const UnicodeString& link);
     /// The part before the first "#" as a string (null when empty), or the whole text without "#". The parameters
-    /// "key=value" behind it, separated by "&" up to the first empty one, become string items; the string is then the
-    /// unnamed item. Keys and values are percent-decoded (LumUri::unescape) and trimmed; of equal keys the last counts,
-    /// an empty key none. Every key becomes a shared name.
-    /// @param lowerKeys  turns keys into lower case.
+    /// "key=value" after it, separated by "&" up to the first empty one, become string items; the string is then the
+    /// unnamed item. Keys and values are percent-decoded (LumUri::unescape) and trimmed; of equal keys the last one
+    /// counts, and empty keys are ignored. Every key becomes a shared name.
+    /// @param lowerKeys  whether keys are converted to lower case.
     static LumValue parseUriFragmentParameters(const UnicodeString& text, bool lowerKeys);
 
     LumValue operator-() const;
@@ -213,8 +214,8 @@ public:
     LumValue floor() const;
     LumValue ceiling() const;
     LumValue round() const;
-    /// Lengths, angles, times and frequencies are brought to their normal unit first; operands that do not fit
-    /// together give NULL_VALUE. An integer remainder by 0 gives NULL_VALUE.
+    /// Lengths, angles, times and frequencies are converted to their normal unit first; operands that do not fit
+    /// together give NULL_VALUE, and so does an integer remainder by 0.
     LumValue& operator+=(const LumValue& right);
     LumValue& operator-=(const LumValue& right);
     LumValue& operator*=(const LumValue& right);
@@ -225,10 +226,15 @@ public:
     friend LumValue operator*(const LumValue& a, const LumValue& b) { return LumValue(a) *= b; }
     friend LumValue operator/(const LumValue& a, const LumValue& b) { return LumValue(a) /= b; }
     friend LumValue operator%(const LumValue& a, const LumValue& b) { return LumValue(a) %= b; }
-    /// Rewrites a number into the normal unit of its dimension: pt, deg, ms or Hz.
+    /// Converts a number to the normal unit of its dimension: pt, deg, ms or Hz.
     void normalizeUnit() noexcept;
 
+    /// Whether kind, unit and content are equal; the name bits do not matter. Numbers that differ in kind or unit are
+    /// compared in their normal units, a string with a name by their texts. Objects and compounds are equal only if
+    /// they are the same one, except that compounds that are colours are compared as colours.
     friend LUM_API bool operator==(const LumValue& a, const LumValue& b);
+    /// Orders values by the same rules, objects and compounds by address. Values that cannot be compared are ordered by
+    /// kind and then by unit, but numbers by unit alone. A NaN is neither below nor above a number of its unit.
     friend LUM_API bool operator<(const LumValue& a, const LumValue& b);
     friend bool operator>(const LumValue& a, const LumValue& b) { return b < a; }
     friend bool operator<=(const LumValue& a, const LumValue& b) { return !(b < a); }
@@ -249,12 +255,12 @@ private:
     /// What +=, -= and %= have in common: operands of one unit and the choice between integers and reals.
     template <class OnIntegers, class OnReals>
     LumValue& combine(const LumValue& right, OnIntegers onIntegers, OnReals onReals);
-    /// Becomes that real; null without a unit.
+    /// Becomes that real number, or null if there is no unit.
     LumValue& setQuantity(float value, std::optional<LumValueUnitType> unit) noexcept;
 
     void share();
     void release() noexcept;
-    /// The map that the value holds, with its count, leaving the value null; null when it holds none.
+    /// Hands over the map that the value holds, with its reference, and leaves the value null; null if it holds none.
     LumNamedValueMap* detachMap() noexcept;
 
     Payload payload_;

@@ -11,7 +11,7 @@ namespace LumCommon {
 
 namespace {
 
-// Integers wrap in 32 bits. The unsigned detour is what makes that defined.
+// Integers wrap in 32 bits, which is defined only for unsigned ones.
 std::int32_t wrapAdd(std::int32_t a, std::int32_t b) noexcept {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
 }
@@ -20,7 +20,7 @@ std::int32_t wrapNegate(std::int32_t a) noexcept {
 }
 std::int32_t wrapSubtract(std::int32_t a, std::int32_t b) noexcept { return wrapAdd(a, wrapNegate(b)); }
 
-/// A number as products and quotients see it: in its normal unit, a percentage as a fraction.
+/// A number as a factor of products and quotients: in its normal unit, a percentage as a fraction.
 struct Factor {
     float value;
     LumValueUnitType unit;
@@ -114,7 +114,7 @@ LumValue LumValue::abs() const {
 
 namespace {
 
-/// The rounding operations share who may be rounded and what comes back.
+/// What the rounding operations have in common: which values are rounded, and the kind of the result.
 template <class Round>
 LumValue roundNumber(const LumValue& value, Round round) {
     if (!value.isNumeric() || value.getUnit() != UNIT_NUMBER) return LumValue::NULL_VALUE;
@@ -170,7 +170,7 @@ LumValue& LumValue::operator%=(const LumValue& right) {
         const std::int32_t divisor = right.payload_.integer;
         if (divisor == 0) return *this = NULL_VALUE;
     }
-    // Every integer is a multiple of -1, and the processor traps on the smallest one divided by it.
+    // Every integer is a multiple of -1, but the processor traps when the smallest one is divided by it.
     return combine(
         right, [](std::int32_t a, std::int32_t b) { return b == -1 ? 0 : a % b; },
         [](float a, float b) { return std::fmod(a, b); });

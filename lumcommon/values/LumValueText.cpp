@@ -14,7 +14,7 @@ namespace LumCommon {
 
 namespace detail {
 
-/// Prints a value. Compounds inside compounds wait on a stack of their own: their depth is the caller's data.
+/// Prints a value. Nested compounds are kept on an explicit stack, as their depth is up to the caller's data.
 class ValuePrinter {
 public:
     void print(const LumValue& value) {
@@ -48,7 +48,7 @@ private:
             text_.append(entry.getName().getString());
         }
         text_.append(u": ", 2);
-        append(entry);  // may open a map and so move `top`
+        append(entry);  // may open a map, which invalidates `top`
     }
 
     void append(const LumValue& value) {
@@ -96,7 +96,7 @@ private:
 }  // namespace detail
 
 UnicodeString LumValue::toString() const {
-    // A string is returned as it is, which for a bogus one means bogus.
+    // A string is returned as it is, so a bogus one stays bogus.
     if (getKind() == KIND_STRING) return *payload_.string;
     detail::ValuePrinter printer;
     printer.print(*this);

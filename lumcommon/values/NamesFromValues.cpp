@@ -1,4 +1,4 @@
-// The names that are made from values. Their classes stand below values/, so these constructors stand here.
+// Constructors that make names from values. They are defined here because names/ must not include values/.
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/names/MathMLName.h>
 #include <lumcommon/names/SVGName.h>

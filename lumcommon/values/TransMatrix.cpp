@@ -12,7 +12,7 @@ constexpr double product(float left, float right) noexcept {
     return static_cast<double>(left) * static_cast<double>(right);
 }
 
-/// A zero loses its sign, so that an inverse does not print as "-0".
+/// Drops the sign of a zero, so that an element of an inverse does not print as "-0".
 constexpr float roundElement(double element) noexcept { return static_cast<float>(element + 0.0); }
 
 bool isFinite(const TransMatrix& m) noexcept {
@@ -24,10 +24,10 @@ bool isFinite(const TransMatrix& m) noexcept {
 
 }  // namespace
 
-// Elimination whose divisions are put off to the end. It has the pivots a and, after that, this determinant; where a is
-// 0, a quarter turn brings c and -b into the place of a and d, and taking it back leaves the same six quotients. The
-// determinant is a difference of two exact products: it is 0 only for a singular matrix, and else precise however much
-// of the products cancels.
+// Gaussian elimination with the divisions deferred to the end. Its pivots are a and then this determinant; where a is
+// 0, a quarter turn puts c and -b in the place of a and d, and undoing it leaves the same six quotients. The
+// determinant is a difference of two exact products: it is 0 only for a singular matrix, and otherwise precise however
+// much of the products cancels.
 bool TransMatrix::reverse() noexcept {
     const double determinant = product(a, d) - product(b, c);
     const TransMatrix inverse(
@@ -41,7 +41,7 @@ bool TransMatrix::reverse() noexcept {
 }
 
 TransMatrix& TransMatrix::operator*=(const TransMatrix& right) noexcept {
-    // Assigned when it is complete: `right` may be this matrix.
+    // Assign only the finished product: `right` may be this matrix.
     return *this = TransMatrix(roundElement(product(a, right.a) + product(c, right.b)),
                                roundElement(product(b, right.a) + product(d, right.b)),
                                roundElement(product(a, right.c) + product(c, right.d)),

@@ -7,7 +7,8 @@ namespace LumCommon {
 /// An affine transformation of the plane, as SVG's matrix(a, b, c, d, e, f): it takes the point (x, y) to
 /// (a*x + c*y + e, b*x + d*y + f).
 ///
-/// The operations compute in double precision and round each element once.   Threads: a value.
+/// The operations compute in double precision and round each element once.
+/// Threads: a plain value; separate objects are independent.
 class LUM_API TransMatrix {
 public:
     struct Point {
@@ -31,17 +32,17 @@ public:
 
     /// Becomes the inverse and returns true. A matrix without an inverse in finite floats becomes the identity and the
     /// result is false: one that flattens the plane, one that holds a NaN or an infinity, one whose inverse overflows.
-    /// Each element of the inverse is exact but for its rounding to float, however near to singular the matrix is.
+    /// Each element of the inverse is exact up to its rounding to float, however close to singular the matrix is.
     bool reverse() noexcept;
 
     /// Appends a transformation on the right, as one more in an SVG transform list: points go through `right` first.
     TransMatrix& operator*=(const TransMatrix& right) noexcept;
     friend TransMatrix operator*(TransMatrix left, const TransMatrix& right) noexcept { return left *= right; }
-    /// Where the point goes.
+    /// The transformed point.
     friend LUM_API Point operator*(const TransMatrix& matrix, Point point) noexcept;
 
     bool isIdentity() const noexcept { return *this == TransMatrix(); }
-    /// Element by element; a matrix with a NaN equals none.
+    /// Compares element by element; a matrix with a NaN equals no matrix.
     friend bool operator==(const TransMatrix&, const TransMatrix&) = default;
 };
 

@@ -31,7 +31,7 @@ void printData(const UnicodeString& argument) {
         LumUtil::decodeBase64(data, data.length(), std::cout);
         return;
     }
-    // An escape stands for a byte. A character that was not escaped goes out as it came.
+    // An escape stands for a byte. Characters that were not escaped are written unchanged.
     for (int32_t i = 0; i < data.length(); i = data.moveIndex32(i, 1)) {
         const UChar32 c = data.char32At(i);
         if (c <= 0xFF) {

@@ -20,9 +20,9 @@ struct Arguments {
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.flag("--icc", arguments.isIccAllowed, "icc-color(...) may follow the RGB colour");
-    syntax.flag("--svg", arguments.isSvgForm, "Print the colour as SVG writes it");
-    syntax.required("text", arguments.text, "The text of a colour");
+    syntax.flag("--icc", arguments.isIccAllowed, "Allow icc-color(...) after the RGB colour");
+    syntax.flag("--svg", arguments.isSvgForm, "Print the colour in SVG syntax");
+    syntax.required("text", arguments.text, "The colour, as written in a property");
 }
 
 int getComponentCount(const LumColor& color) {
@@ -38,7 +38,7 @@ int getComponentCount(const LumColor& color) {
     }
 }
 
-/// The double with the fewest digits that is this float: 0.1 and not 0.10000000149011612.
+/// The double with the fewest digits that reads back as this float: 0.1, not 0.10000000149011612.
 double getShortest(float number) {
     char digits[32];
     const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
@@ -63,7 +63,7 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 Command makeColorCommand() {
-    return makeCommand("color", "Print the colour of a property's text as JSON", describe, run);
+    return makeCommand("color", "Parse the text of a property as a colour and print it as JSON", describe, run);
 }
 
 }  // namespace lum

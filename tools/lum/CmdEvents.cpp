@@ -20,9 +20,9 @@ struct Arguments {
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.flag("--tokens", arguments.isTokens, "Every token is an event of its own");
-    syntax.option("--feature", arguments.features, 0, 5, "A parser feature to turn on, by number; may be repeated");
-    syntax.option("--encoding", arguments.encoding, "The encoding, when it is known from outside");
+    syntax.flag("--tokens", arguments.isTokens, "Report every token as a separate event");
+    syntax.option("--feature", arguments.features, 0, 5, "Turn on the parser feature of that number; may be repeated");
+    syntax.option("--encoding", arguments.encoding, "The encoding, if known from outside the document");
     syntax.required("file", arguments.file, fileHelp);
 }
 
@@ -37,7 +37,7 @@ Json attributesOf(const LumXmlParser& parser) {
     return attributes;
 }
 
-/// @param isEmptyElement  whether a tag is that of an empty element; an end tag made for one counts.
+/// @param isEmptyElement  whether a tag is that of an empty element, including the end tag that is made up for it.
 void printEvent(const LumXmlParser& parser, bool isEmptyElement) {
     const LumXmlParser::EventType event = parser.getEventType();
     Json line = {{"event", toUtf8(LumXmlParser::getEventTypeStr(event))},
@@ -81,7 +81,7 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 Command makeEventsCommand() {
-    return makeCommand("events", "Print the events of the XML parser, one JSON object each", describe, run);
+    return makeCommand("events", "Print the events of the XML parser, one JSON object per event", describe, run);
 }
 
 }  // namespace lum

@@ -13,8 +13,8 @@ struct Arguments {
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.required("text", arguments.text, "The text whose digits are converted");
-    syntax.option("--style", arguments.style, "grouping, readable; anything else: digit by digit");
+    syntax.required("text", arguments.text, "The text whose digits to convert");
+    syntax.option("--style", arguments.style, "grouping or readable; anything else converts digit by digit");
     syntax.option("--digits", arguments.digits, "kanji, latin, or the ten characters to use");
 }
 
@@ -26,7 +26,7 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 Command makeKansujiCommand() {
-    return makeCommand("kansuji", "Write the digits of a text as Japanese numerals", describe, run);
+    return makeCommand("kansuji", "Convert the digits of a text to Japanese numerals", describe, run);
 }
 
 }  // namespace lum

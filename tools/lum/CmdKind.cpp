@@ -14,7 +14,7 @@ namespace {
 
 using namespace LumCommon;
 
-/// The kind of office document, 0 also for a package that cannot be read.
+/// The kind of office document; 0 if there is none or the package cannot be read.
 int officeKindOf(std::istream& in) {
     try {
         LumZipFile package(&in, false);
@@ -32,7 +32,7 @@ int oleKindOf(std::istream& in) {
     return file.OLEopen(&io) ? file.getDocumentKind() : 0;
 }
 
-/// The root of an XML document, null for what is none.
+/// The root of an XML document; null if the input is not an XML document.
 Json rootOf(std::istream& in) {
     try {
         LumName localName;
@@ -56,7 +56,7 @@ void run(const std::string& file) {
     kind.add("ooxml", officeKindOf(*in));
     kind.add("ole", oleKindOf(rewound(*in)));
     kind.add("gzip", LumGzipStreamBuf::checkHeader(rewound(*in)));
-    LumGzipStream content(rewound(*in));  // what is not gzip passes through
+    LumGzipStream content(rewound(*in));  // other data pass through unchanged
     kind.add("root", rootOf(content));
     printJson(kind);
 }
@@ -64,7 +64,7 @@ void run(const std::string& file) {
 }  // namespace
 
 Command makeKindCommand() {
-    return makeCommand("kind", "Tell what kind of file it is, as JSON", "file", fileHelp, run);
+    return makeCommand("kind", "Print what kind of file this is, as JSON", "file", fileHelp, run);
 }
 
 }  // namespace lum

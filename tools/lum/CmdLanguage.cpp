@@ -1,4 +1,4 @@
-// The commands of languages and scripts.
+// The commands for languages and scripts.
 #include <lumcommon/lang/LumLang.h>
 #include <lumcommon/lang/LumScript.h>
 
@@ -33,12 +33,12 @@ void printScript(const std::string& argument) {
 }  // namespace
 
 Command makeLangCommand() {
-    return makeCommand("lang", "Print the parts of a language tag's locale as JSON", "tag", "The language tag",
+    return makeCommand("lang", "Print the parts of the locale of a language tag as JSON", "tag", "The language tag",
                        printLang);
 }
 
 Command makeScriptCommand() {
-    return makeCommand("script", "Print the script that a text names, or else is written in, as JSON", "text",
+    return makeCommand("script", "Print the script that a text names or is written in, as JSON", "text",
                        "A script code, a language tag, or text in the script", printScript);
 }
 

@@ -36,8 +36,8 @@ void describe(Syntax& syntax, Arguments& arguments) {
     syntax.required("kind", arguments.kind, names, "How to read the text");
     syntax.required("text", arguments.text, "The link or destination");
     syntax.footer(
-        "Writes one object: \"value\" is the unnamed value (null when there is none), every other member an item under "
-        "its name; all are printed forms. An item that is itself named \"value\" is written as \"#value\".");
+        "Prints one object: \"value\" is the unnamed value (null if there is none), every other member is an item "
+        "under its name; all are given as text. An item that is itself named \"value\" is printed as \"#value\".");
 }
 
 Json printed(const LumValue& value) {

@@ -23,15 +23,15 @@ void describe(Syntax& syntax, Arguments& arguments) {
     syntax.required("format", arguments.format, "The format, such as 001, (a) or I");
     syntax.required("number", arguments.numbers, "The numbers, in decimal");
     syntax.option("--lang", arguments.language, "The language whose alphabet is used");
-    syntax.option("--separator", arguments.separator, "What stands between groups of digits");
-    syntax.option("--size", arguments.size, "The digits of a group; 0 for no groups");
+    syntax.option("--separator", arguments.separator, "The separator between groups of digits");
+    syntax.option("--size", arguments.size, "The number of digits in a group; 0 for no grouping");
 }
 
 int readNumber(const std::string& text) {
     int number = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stop != end) throw UsageError("no number of 32 bits: " + text);
+    if (error != std::errc() || stop != end) throw UsageError("not a 32-bit number: " + text);
     return number;
 }
 
@@ -49,7 +49,7 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 Command makeNumberCommand() {
-    return makeCommand("number", "Print numbers of pages or lists, formatted, one a line", describe, run);
+    return makeCommand("number", "Print formatted page or list numbers, one per line", describe, run);
 }
 
 }  // namespace lum

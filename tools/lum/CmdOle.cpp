@@ -22,7 +22,7 @@ void describeStream(Syntax& syntax, Arguments& arguments) {
     syntax.required("name", arguments.names, "The names of the storages and the stream, from the root");
 }
 
-/// For each entry the storage that it lies in; -1 for the root and for what no storage leads to.
+/// For each entry the storage that contains it; -1 for the root and for entries that no storage leads to.
 std::vector<long> findParents(const OleCompFile& file) {
     const auto count = static_cast<std::size_t>(file.getDirCount());
     std::vector<long> parents(count, -1);
@@ -84,8 +84,7 @@ Command makeOleCommand() {
             "Look into a compound file",
             {},
             {},
-            {makeCommand("list", "Print the entries of the directory as JSON, one object each", "file", OleInput::help,
-                         list),
+            {makeCommand("list", "Print the entries, one JSON object per entry", "file", OleInput::help, list),
              makeCommand("cat", "Write the bytes of a stream", describeStream, cat)}};
 }
 

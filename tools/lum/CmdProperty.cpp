@@ -1,4 +1,4 @@
-// The commands that show how the text of a property is read.
+// The commands that show how the text of a property is parsed.
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 
@@ -30,7 +30,7 @@ void printValue(const std::string& text) {
 }  // namespace
 
 Command makeTokensCommand() {
-    return makeCommand("tokens", "Print the tokens of a property's text, one JSON object each", "text", textHelp,
+    return makeCommand("tokens", "Print the tokens of a property's text, one JSON object per token", "text", textHelp,
                        printTokens);
 }
 

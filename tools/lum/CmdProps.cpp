@@ -16,7 +16,7 @@ using namespace LumCommon;
 
 constexpr unsigned editingTimeId = 10;
 
-/// The time in the form of ISO 8601; null for none, and the stored number for one after the year 9999.
+/// The time in ISO 8601 format; null for no time, and the stored number for a time after the year 9999.
 Json timeOf(std::uint64_t ticks) {
     using namespace std::chrono;
     constexpr std::uint64_t ticksInSecond = 10'000'000, endTicks = 2'650'467'744'000'000'000;
@@ -90,11 +90,10 @@ Json valueOf(const OleProperty& property, bool isDuration) {
     return std::visit(Shower{value.type}, value.content);
 }
 
-/// The properties of a set that are named, or those that are not, the first one of each key. What is there of a damaged
-/// set is shown.
+/// The named or the unnamed properties of a set, the first one for each key. Of a damaged set, shows what can be read.
 Json propertiesOf(const OleSummaryInformation& information, bool areNamed) {
     constexpr std::uint32_t codePageId = 1;
-    const UnicodeString hyperLinks(u"_PID_HLINKS");  // shown as what they are
+    const UnicodeString hyperLinks(u"_PID_HLINKS");  // shown separately, as links
     Json properties = Json::Object{};
     std::set<std::string> keys;
     for (const OleProperty& property : information.readProperties()) {

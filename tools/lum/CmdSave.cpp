@@ -21,11 +21,11 @@ struct Arguments {
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.flag("--lazy", arguments.isLazy, "Hold no more of the document in memory than the open elements");
-    syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave the generator comment out");
+    syntax.flag("--lazy", arguments.isLazy, "Keep only the open elements of the document in memory");
+    syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave out the generator comment");
     syntax.option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
     syntax.required("file", arguments.file, fileHelp);
-    syntax.optional("out", arguments.output, "The file to write; standard output without one");
+    syntax.optional("out", arguments.output, "The file to write; standard output if omitted");
 }
 
 void load(LumDocument& document, const std::string& file) {
@@ -36,14 +36,14 @@ void load(LumDocument& document, const std::string& file) {
     }
 }
 
-/// Writes the element and its descendants as they are loaded. A node is taken out as soon as it is written and the
-/// node after it is known, so that never more than the open elements and their next nodes are in memory.
+/// Writes the element and its descendants as they are loaded. A node is removed as soon as it is written and the next
+/// one is known, so that only the open elements and their next nodes are in memory at any time.
 void saveAsLoaded(LumDocument& document, LumElement* root) {
     LumXmlSerializer& serializer = *document.getSerializer();
     LumNode* node = root;
     for (;;) {
         const bool isElement = node->isElementNode();
-        document.doSave(node, isElement);  // of an element the start tag
+        document.doSave(node, isElement);  // for an element only the start tag
         if (isElement) {
             if (LumNode* const child = node->getFirstChild()) {
                 node = child;
@@ -102,7 +102,7 @@ void run(const Arguments& arguments) {
     if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
     if (!arguments.isLazy) return saveWhole(*document, arguments);
     if (isSameFile(arguments.file, arguments.output)) {
-        throw UsageError("--lazy reads while it writes: OUT must be another file than FILE");
+        throw UsageError("--lazy reads FILE while it writes OUT: they must be different files");
     }
     saveLazily(*document, arguments);
 }

@@ -20,10 +20,10 @@ struct Arguments {
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.flag("--1904", arguments.is1904, "Days count from 1904-01-01");
-    syntax.flag("--text", arguments.areTexts, "The values are texts");
+    syntax.flag("--1904", arguments.is1904, "Count days from 1904-01-01");
+    syntax.flag("--text", arguments.areTexts, "Treat the values as texts");
     syntax.required("code", arguments.code, "The number format code, such as #,##0.00");
-    syntax.required("value", arguments.values, "A number, or with --text any text");
+    syntax.required("value", arguments.values, "A number, or any text with --text");
 }
 
 double toNumber(const std::string& text) {
@@ -31,7 +31,7 @@ double toNumber(const std::string& text) {
     const char* const end = text.data() + text.size();
     const char* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
     const auto [stop, error] = std::from_chars(begin, end, value);
-    // A number beyond the range of a double is none of a cell's either.
+    // A number beyond the range of a double cannot be in a cell either.
     if (error != std::errc() || stop != end || begin == end) throw UsageError(text + " is not a number; see --text");
     return value;
 }
@@ -56,7 +56,8 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 Command makeXlsformatCommand() {
-    return makeCommand("xlsformat", "Print values as a spreadsheet shows them, one JSON object each", describe, run);
+    return makeCommand("xlsformat", "Print values as a spreadsheet shows them, one JSON object per value", describe,
+                       run);
 }
 
 }  // namespace lum

@@ -23,7 +23,7 @@ void describeMember(Syntax& syntax, Arguments& arguments) {
     syntax.required("member", arguments.member, "The name of a member, as listed");
 }
 
-/// Opens the archive in `zip`.   Failure: LumError 0x1003, also for what is no archive.
+/// Opens the archive in `zip`.   Failure: LumError 0x1003, also if it is not an archive.
 void openArchive(LumZipFile& zip, const std::string& file) {
     std::unique_ptr<std::istream> in = openInput(file);
     if (!LumZipFile::isZipFile(in.get())) failToOpen(file);
@@ -66,7 +66,7 @@ Command makeZipCommand() {
             "Look into a zip archive",
             {},
             {},
-            {makeCommand("list", "Print the members as JSON, one object each", "file", archiveHelp, list),
+            {makeCommand("list", "Print the members, one JSON object per member", "file", archiveHelp, list),
              makeCommand("cat", "Write the bytes of a member", describeMember, cat)}};
 }
 

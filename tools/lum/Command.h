@@ -8,8 +8,8 @@
 
 namespace lum {
 
-/// What a command takes. Each call names one argument and the variable that receives it; the variable's value
-/// beforehand is the default. Positional arguments come in the order of their calls.
+/// Declares the arguments of a command. Each call names one argument and the variable that receives it; the variable's
+/// initial value is the default. Positional arguments come in the order of the calls.
 class Syntax {
 public:
     virtual ~Syntax() = default;
@@ -17,24 +17,24 @@ public:
     virtual void flag(const char* name, bool& value, const char* help) = 0;
     virtual void option(const char* name, std::string& value, const char* help) = 0;
     virtual void option(const char* name, int& value, const char* help) = 0;
-    /// An option that may be repeated; its numbers lie in `least` to `most`.
+    /// An option that may be repeated; its numbers must be from `least` to `most`.
     virtual void option(const char* name, std::vector<int>& values, int least, int most, const char* help) = 0;
     virtual void required(const char* name, std::string& value, const char* help) = 0;
-    /// A positional argument that is one of `choices`.
+    /// A positional argument that must be one of `choices`.
     virtual void required(const char* name, std::string& value, const std::vector<std::string>& choices,
                           const char* help) = 0;
     /// One or more positional arguments.
     virtual void required(const char* name, std::vector<std::string>& values, const char* help) = 0;
     virtual void optional(const char* name, std::string& value, const char* help) = 0;
-    /// What help says below the arguments.
+    /// Text that help prints below the arguments.
     virtual void footer(const char* text) = 0;
 };
 
-/// A command of the tool: either `describe` and `run`, or a group of commands.
+/// A command of the tool: either one with `describe` and `run`, or a group of commands.
 struct Command {
     std::string name, summary;
     std::function<void(Syntax&)> describe;
-    /// Failure: a LumError, or a UsageError for arguments that do not fit together.
+    /// Failure: throws a LumError, or a UsageError for arguments that do not fit together.
     std::function<void()> run;
     std::vector<Command> commands;
 };
@@ -67,15 +67,15 @@ Command makeCommand(const char* name, const char* summary, void (*describe)(Synt
             {}};
 }
 
-/// Arguments that are each right and do not fit together.
+/// Thrown for arguments that cannot be used, or not in this combination.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads the command line and runs the command that it names.
-/// @return  whether there was something to run: false when help was asked for and has been printed.
-/// Failure: what the command throws. Bad usage is reported on standard error, then thrown as UsageError.
+/// Parses the command line and runs the command that it names.
+/// @return  whether a command was run: false if help was requested and has been printed.
+/// Failure: whatever the command throws. Bad usage is reported on standard error, then thrown as UsageError.
 bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands);
 
 }  // namespace lum

@@ -16,8 +16,8 @@ using namespace LumCommon;
 
 namespace {
 
-/// The file: URI of a path. URIs are trimmed and read with percent escapes, so these characters are escaped; others are
-/// kept, as an escape stands for a byte only.
+/// The file: URI of a path. URIs are trimmed and their percent escapes decoded, so white space, control characters and
+/// "%" are escaped; other characters are kept, as an escape can only stand for a byte.
 UnicodeString pathToUri(const std::string& path) {
     std::error_code error;
     std::string absolute = std::filesystem::absolute(path, error).string();
@@ -44,7 +44,7 @@ UnicodeString toUri(const std::string& file) {
 }
 
 UnicodeString toOutputUri(const std::string& file) {
-    const bool isPlain = file.find_first_of("% :") == std::string::npos;  // messages show what was typed
+    const bool isPlain = file.find_first_of("% :") == std::string::npos;  // so that messages show what was typed
     return isPlain || file.starts_with("file:") ? fromArgument(file) : pathToUri(file);
 }
 
@@ -61,7 +61,7 @@ std::unique_ptr<std::istream> openInput(const std::string& file) {
     if (!in) failToOpen(file);
     if (in->tellg() != std::istream::pos_type(-1)) return in;
     auto seekable = std::make_unique<LumMemStream>(in.get(), blockBytes, true);
-    static_cast<void>(in.release());  // the other stream has it now
+    static_cast<void>(in.release());  // the other stream owns it now
     return seekable;
 }
 

@@ -10,8 +10,7 @@
 
 namespace lum {
 
-/// A JSON value, built by value: `Json{{"id", 3}, {"tags", Json::Array{}}}` is an object whose members keep their
-/// order.
+/// A JSON value. `Json{{"id", 3}, {"tags", Json::Array{}}}` is an object whose members keep their order.
 class Json {
 public:
     using Array = std::vector<Json>;
@@ -30,7 +29,7 @@ public:
     Json(Object members) : value_(std::move(members)) {}
     Json(std::initializer_list<Member> members) : value_(Object(members)) {}
 
-    /// Adds a member to an object; a value of another type becomes one.
+    /// Adds a member to an object; a value of another type is replaced by an object first.
     void add(std::string name, Json member) {
         if (!std::holds_alternative<Object>(value_)) value_ = Object();
         std::get<Object>(value_).emplace_back(std::move(name), std::move(member));

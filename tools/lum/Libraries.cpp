@@ -1,4 +1,4 @@
-// The one source that includes CLI11 and nlohmann-json: each takes seconds to compile, so the rest of the tool uses
+// The only source that includes CLI11 and nlohmann-json: each takes seconds to compile, so the rest of the tool uses
 // them through Command.h and Json.h.
 
 #include <CLI/CLI.hpp>
@@ -58,7 +58,7 @@ private:
     CLI::App& app_;
 };
 
-/// Adds the commands below `app`; `chosen` becomes the one that the command line names.
+/// Adds the commands to `app`; `chosen` is set to the one that the command line names.
 void addCommands(CLI::App& app, const std::vector<Command>& commands, const Command*& chosen) {
     app.require_subcommand(1);
     for (const Command& command : commands) {
@@ -80,7 +80,7 @@ std::string Json::toString() const {
 }
 
 bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands) {
-    CLI::App app("Shows the LumCommon library at work. \"-\" is standard input; \"--\" ends the options.", "lum");
+    CLI::App app("Shows the LumCommon library at work. \"-\" means standard input; \"--\" ends the options.", "lum");
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {
@@ -88,7 +88,7 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
         chosen->run();
         return true;
     } catch (const CLI::Error& error) {
-        if (app.exit(error) == 0) return false;  // help ends this way too
+        if (app.exit(error) == 0) return false;  // a request for help ends up here too
         throw UsageError(error.what());
     } catch (const UsageError& error) {
         app.exit(CLI::Error("UsageError", error.what()));

@@ -9,12 +9,13 @@
 
 namespace lum {
 
-/// A compound file and what it is read from.
+/// A compound file and the stream that it is read from.
 class OleInput {
 public:
     static constexpr const char* help = "A compound file: a file, a URI, or - for standard input";
 
-    /// @param file  as for openInput.   Failure: LumError 0x1003, also for what is no compound file.
+    /// @param file  as for openInput().
+    /// Failure: LumError 0x1003, also if it is not a compound file.
     explicit OleInput(const std::string& file);
 
     LumCommon::OleCompFile* operator->() noexcept { return &file_; }

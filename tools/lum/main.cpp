@@ -1,4 +1,4 @@
-// lum: the library at work on the command line.
+// lum: a command line tool that shows the library at work.
 
 #include <lumcommon/lumcommon.h>
 
@@ -35,7 +35,7 @@ int run(int argc, char** argv) {
     try {
         if (lum::runCommandLine(argc, argv, commands)) lum::flushOutput();
     } catch (const lum::UsageError&) {
-        return exitUsage;  // reported where the command line was read
+        return exitUsage;  // already reported by runCommandLine()
     } catch (const LumCommon::LumError& error) {
         lum::flushOutputQuietly();
         return report(error);

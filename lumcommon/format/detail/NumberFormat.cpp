@@ -27,7 +27,7 @@ static_assert(std::ranges::is_sorted(DIGIT_ONES));
 
 constexpr int latinLetters = 26;
 
-/// Appends a number as one token asks for it. False, and nothing appended, for a number that it cannot write.
+/// Appends a number in the style of one token. False, with nothing appended, for a number the style cannot express.
 using Appender = bool (*)(UnicodeString& text, int number, std::string_view language);
 
 template <class LetterAt>
@@ -61,7 +61,7 @@ bool appendLetters(UnicodeString& text, int number, std::string_view language) {
     return alphabet.empty() ? appendRun<first>(text, number, language) : appendInAlphabet(text, number, alphabet);
 }
 
-/// Letters of the language if that is written in the script, else those of the script's own alphabet.
+/// The letters of the language if it is written in the script, otherwise those of the script's own alphabet.
 template <LetterScript script, LetterCase letterCase>
 bool appendLettersOf(UnicodeString& text, int number, std::string_view language) {
     static_assert(script != LetterScript::LATIN);
@@ -95,8 +95,8 @@ constexpr TokenRow TOKENS[] = {
 };
 static_assert(std::ranges::is_sorted(TOKENS, {}, &TokenRow::character));
 
-/// A format taken apart. The token is the first run of letters, digits and Roman number forms; only its ends matter to
-/// most styles.
+/// A format, split up. The token is the first run of letters, digits and Roman number forms; most styles look only at
+/// its first and last character.
 struct Token {
     explicit Token(const UnicodeString& format);
 
@@ -133,7 +133,7 @@ Token::Token(const UnicodeString& format) {
     if (characters == 0) begin = end = length;
 }
 
-/// The ten digits that a token counts in; none of them when it does not ask for digits.
+/// The ten digits that a token counts in; `isThere` is false if it does not ask for digits.
 struct DigitTable {
     char16_t digits[10];
     bool isThere = false;
@@ -198,14 +198,15 @@ bool appendInToken(UnicodeString& text, int number, const UnicodeString& token, 
     return end != indexes;
 }
 
-/// What a token of one character asks for besides digits; null when it asks for nothing.
+/// What a one-character token asks for, digits aside; null if it asks for nothing.
 const TokenRow* findToken(const Token& token) {
     if (token.characters != 1) return nullptr;
     const TokenRow* row = std::ranges::lower_bound(TOKENS, token.first, {}, &TokenRow::character);
     return row != std::end(TOKENS) && row->character == token.first ? row : nullptr;
 }
 
-/// Appends a number as a token of several characters asks for it. False, and nothing appended, when it does not.
+/// Appends a number in the style of a token of several characters. False, with nothing appended, if the token has no
+/// such style or the style cannot express the number.
 bool appendInCharacters(UnicodeString& text, int number, const Token& token, const UnicodeString& format) {
     if (token.characters < 2) return false;
     const UnicodeString characters = format.tempSubStringBetween(token.begin, token.end);
@@ -214,7 +215,7 @@ bool appendInCharacters(UnicodeString& text, int number, const Token& token, con
     return isWide(token.first) && appendInToken(text, number, characters, token.characters);
 }
 
-/// The number in digits that are grouped.
+/// The number in grouped digits.
 UnicodeString toGroups(int number, const Token& token, const DigitTable& table, const NumberFormat& how) {
     const UnicodeString digits = table.isThere ? toDigits(number, token.characters, table.digits) : toDecimal(number);
     return groupDigits(digits, how.separator, how.groupingSize);
@@ -262,7 +263,7 @@ constexpr ReadyTextsStore<readyNumbers, writeLatin<u'a'>> readyLowerLatin;
 constexpr ReadyTextsStore<readyNumbers, writeRomanIn<Roman::ASCII_UPPER>> readyUpperRoman;
 constexpr ReadyTextsStore<readyNumbers, writeRomanIn<Roman::ASCII_LOWER>> readyLowerRoman;
 
-/// The texts that are ready for a format of that one character, in the Latin alphabet and without grouping.
+/// The ready-made texts for a format of just that character, in the Latin alphabet and without grouping.
 ReadyTexts findReadyTexts(char16_t token) {
     switch (token) {
         case u'1':

@@ -6,7 +6,7 @@
 
 namespace LumCommon::detail {
 
-/// How a number is to be written; the fields are those of LumUtil::formatNumber.
+/// How to write a number; the fields are the parameters of LumUtil::formatNumber().
 struct NumberFormat {
     const UnicodeString& format;
     const UnicodeString& separator;

@@ -7,13 +7,13 @@
 
 namespace LumCommon::detail {
 
-/// The most letters that a number takes in an alphabet of two letters or more.
+/// The most letters that a number takes in an alphabet of two or more letters.
 constexpr int longestLetterSequence = 31;
 /// The most letters that a number up to 39999 takes in Roman numerals (38888).
 constexpr int longestRoman = 19;
 
-/// Writes a number in bijective base `base`: with a to z, 26 is z and 27 is aa. `letterAt` gives the letter of an
-/// index below the base. Nothing is written when number or base is below 1.
+/// Writes a number in bijective base `base`: with a to z, 26 is z and 27 is aa. `letterAt` gives the letter for an
+/// index below the base. Nothing is written if number or base is below 1.
 /// @return the end of what was written.   Cost: O(number) in base 1, else O(log number).
 template <class Letter, class LetterAt>
 constexpr Letter* writeLetters(Letter* out, int number, int base, LetterAt letterAt) {
@@ -31,12 +31,12 @@ constexpr Letter* writeLetters(Letter* out, int number, int base, LetterAt lette
 }
 
 /// Appends a number of at least 1 in Hebrew numerals; other numbers append nothing.
-/// @param level  how many thousands further this number counts, 0 to 9.
+/// @param level  the power of 1000 that the number counts in, clamped to 0 to 9.
 void appendHebrew(UnicodeString& text, int number, int level);
 /// Appends a Hebrew list number: zero and two thousand are words. False for negative numbers, which have no numeral.
 bool appendHebrewNumber(UnicodeString& text, int number);
 
-/// What LumUtil::makeGrouping does.
+/// Does the work of LumUtil::makeGrouping().
 UnicodeString groupDigits(const UnicodeString& digits, const UnicodeString& separator, int size);
 
 }  // namespace LumCommon::detail

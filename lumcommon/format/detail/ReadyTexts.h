@@ -8,22 +8,22 @@
 
 namespace LumCommon::detail {
 
-/// The texts of 1 to `last` in one numeral system, made by the compiler. Most numbers of pages and lists are small, and
-/// a string that only points here costs half of one that is written.
+/// The texts of 1 to `last` in one numeral system, made at compile time. Most page and list numbers are small, and a
+/// string that only points here costs half as much as writing one.
 struct ReadyTexts {
     const char16_t* units = nullptr;  ///< of all texts, one after the other
     const std::uint16_t* starts = nullptr;
     int last = 0;
 
     bool has(int number) const noexcept { return number >= 1 && number <= last; }
-    /// A string over constant data, which a change of the string copies.
+    /// A string that refers to the constant data; changing the string copies it.
     UnicodeString get(int number) const {
         const std::uint16_t* const start = starts + number - 1;
         return UnicodeString(false, units + start[0], start[1] - start[0]);
     }
 };
 
-/// Holds what ReadyTexts points at. `write(out, number)` writes a text and returns its end.
+/// Holds the data that ReadyTexts points to. `write(out, number)` writes a text and returns its end.
 template <int last, auto write>
 class ReadyTextsStore {
     static constexpr std::size_t longest = 32;

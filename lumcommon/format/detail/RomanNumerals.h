@@ -2,11 +2,11 @@
 
 namespace LumCommon::detail {
 
-/// Roman numerals in one kind of letters.
+/// Roman numerals in one set of letters.
 struct RomanNumerals {
-    const char16_t* letters;  ///< unit and five of 1, 10, 100 and 1000, then the unit of 10000
+    const char16_t* letters;  ///< for 1, 5, 10, 50, 100, 500, 1000, 5000, 10000
     int largest;
-    char16_t firstSingle;  ///< the character of 1 where 1 to 12 have one each, else 0
+    char16_t firstSingle;  ///< the character for 1 if 1 to 12 have one each, otherwise 0
 };
 
 /// Writes a number one decimal digit after the other.
@@ -15,7 +15,8 @@ struct RomanWriter {
     int number;
     const RomanNumerals& numerals;
 
-    /// Writes the digit of 10^pair; false when nothing is left to write. With a constant level nothing is divided.
+    /// Writes the digit of 10^pair; false if nothing is left to write. As `level` is a constant, no division
+    /// instruction is needed.
     template <int level, int pair>
     constexpr bool writeDigit() noexcept {
         if (number == 0) return false;
@@ -31,8 +32,9 @@ struct RomanWriter {
 private:
     static constexpr int letterCount = 9;
 
-    /// @param letters  unit, five and ten of the digit. A table need not hold letters that its largest number does not
-    ///     use, so a letter is looked at only when the digit calls for it.   @param count  how many of them there are.
+    /// @param letters  those for one, five and ten of this digit. A table need not hold letters that its largest number
+    ///     does not use, so a letter is read only if the digit needs it.
+    /// @param count  how many letters there are.
     constexpr void write(int digit, const char16_t* letters, int count) noexcept {
         const char16_t unit = letters[0];
         const char16_t five = digit >= 4 && count > 1 ? letters[1] : u'\0';
@@ -51,7 +53,7 @@ private:
     }
 };
 
-/// What LumUtil::makeRoman does.
+/// Does the work of LumUtil::makeRoman().
 constexpr char16_t* writeRoman(char16_t* out, int number, const RomanNumerals& numerals) noexcept {
     if (number < 1 || number > numerals.largest) return out;
     RomanWriter writer{out, number, numerals};

@@ -38,7 +38,7 @@ struct Parts {
         return result;
     }
 
-    /// Rounds half up after that many digits of both parts together.
+    /// Rounds half up to `kept` digits, counted over both parts.
     void round(std::int64_t kept) {
         const std::size_t before = integer.size();
         std::string all = integer + fraction;
@@ -63,7 +63,7 @@ struct Parts {
         integer.erase(0, std::min(integer.find_first_not_of('0'), integer.size()));
     }
 
-    /// Digits, of both parts together, up to the 15th significant one.
+    /// The number of digits, counted over both parts, up to the 15th significant one.
     std::int64_t upToSignificant() const {
         if (!integer.empty()) return significantDigits;
         const std::size_t zeros = std::min(fraction.find_first_not_of('0'), fraction.size());
@@ -94,7 +94,7 @@ std::string movePoint(std::string_view digits, std::int64_t places) {
     return parts.text();
 }
 
-/// The fraction of a magnitude, its whole part in the numerator.
+/// A magnitude as a fraction whose numerator includes the whole part.
 struct ImproperFraction {
     ImproperFraction(double value, int places, int fixedDenominator) {
         const detail::XlsDecimal magnitude = detail::XlsDecimal(std::isfinite(value) ? value : 0).abs();

@@ -16,40 +16,41 @@ struct CELLV;
 /// is "." and the thousands separator "," in every locale. Digits are those of the decimal value rounded to 15
 /// significant digits; further rounding is half up on these, so that 2.675 with two decimals is 2.68.
 ///
-/// Where a code leaves something open:
-/// - What follows a fourth ";" is not read, nor what follows the first MAX_CODE_UNITS units.
-/// - Each "@" writes the text, until MAX_REPEATED_UNITS are exceeded; further ones write nothing. In a fourth section
-///   General does so as well.
-/// - A bracket without end is a literal; one whose content is unknown writes nothing. Of several colours, conditions
-///   or numeral styles in a section the first counts.
-/// - A quoted text without end goes on to the end of the code; "\", "_" and "*" at the end write nothing.
-/// - A section with an era or with a tag of the language Japanese anywhere makes the code Japanese: "e" is a year.
-/// - A negative number in a section that was not chosen for its sign is written behind "-", even when its digits
-///   round to zero or the section has none. Negative zero is zero.
-/// - An exponent has as many digits as its placeholders, but two at least.
-/// - A denominator with n placeholders is searched below 10^n, and below 10^18; a fixed one beyond nine digits is
-///   999,999,999. A fraction that is zero leaves blanks, unless its numerator has a "0" or there is no whole number.
+/// Every text is a code. Where its meaning is not obvious:
+/// - A code ends at a fourth ";" and after MAX_CODE_UNITS units; the rest is not read.
+/// - Each "@" writes the text, as does General in a fourth section, until more than MAX_REPEATED_UNITS units have been
+///   written; later ones write nothing.
+/// - An unclosed bracket is a literal; a bracket with unknown content writes nothing. If a section has several colours,
+///   conditions or numeral styles, the first one counts.
+/// - An unclosed quoted text extends to the end of the code; "\", "_" and "*" at the very end write nothing.
+/// - An era or a Japanese language tag in any section makes the whole code Japanese: "e" is then a year.
+/// - A negative number gets a "-" in front unless its section was chosen for its sign, even if its digits round to zero
+///   or the section has no digits. Negative zero is zero.
+/// - An exponent has as many digits as its placeholders, but at least two.
+/// - A denominator with n placeholders is searched below 10^n and below 10^18; a fixed one of more than nine digits is
+///   999,999,999. A fraction of zero is left blank unless its numerator has a "0" or the section shows no whole number.
 /// - Literals, skips and fills may stand between the bar of a fraction and its placeholders.
-/// - A fill ("*") writes nothing and a skip ("_") one space: there is no column here. XlsFormatString::fmtnum() fits a
-///   text into one.
-/// - Japanese numerals replace digit by digit; General, and the fields of dates but for the year, use ten, hundred
-///   and thousand.
+/// - A fill ("*") writes nothing and a skip ("_") one space, as there is no column here. XlsFormatString::fmtnum() can
+///   fit a text into a column.
+/// - Japanese numerals replace digits one by one, except in General and in all date and time fields but the year, which
+///   use the units ten, hundred and thousand.
 ///
-/// Failure: nothing is thrown but for exhausted memory. A value that cannot be shown has an empty text and a negative
+/// Failure: nothing throws except when memory runs out. A value that cannot be shown has an empty text and a negative
 /// section; spreadsheets fill such a cell with "#".
-/// Cost: linear in the code, and formatting in the parsed code and the text (once for each "@"). Threads: a format is
-/// not changed by formatting; it may be used by several threads at a time.
+/// Cost: parsing is linear in the code, formatting linear in the parsed code and the text (once for each "@").
+/// Threads: formatting does not change a format; several threads may use one at the same time.
 class LUM_API XlsFormat {
 public:
     static constexpr int MAX_CODE_UNITS = 1 << 20;
     static constexpr int MAX_REPEATED_UNITS = 1 << 24;
     static constexpr int NO_COLOR = -1;
 
-    /// What Result::section says where no section is used.
+    /// The value of Result::section if no section is used.
     enum Failure : int {
-        NO_SECTION = -1,        ///< none applies
+        NO_SECTION = -1,        ///< no section applies
         CONDITION_FAILED = -2,  ///< the condition of the only section does not hold
-        NOT_A_DATE = -3,        ///< a date or time is asked of a value below 0 or beyond the year 9999
+        NOT_A_DATE = -3,        ///< a date or time section, and the value is after the year 9999 or negative (a
+                                ///< negative time without a date is shown in the 1904 system)
     };
 
     struct Result {
@@ -65,14 +66,15 @@ public:
 
     /// NaN and infinities are shown as "#NUM!", with NO_SECTION.
     Result format(double value) const;
-    /// A code without a section for text shows it as it is, with NO_SECTION.
+    /// A code without a section for texts shows the text unchanged, with NO_SECTION.
     Result format(const UnicodeString& text) const;
-    /// The number or the text of a cell. The date system is that of the format, not the cell's.
+    /// The number or the text of a cell. The date system is that of the format, not that of the cell.
     Result format(const CELLV& cell) const;
-    /// The same into a result that is used again and again, which spares allocations.
+    /// The same into an existing result, which saves allocations when it is reused.
     void format(double value, Result& result) const;
     void format(const UnicodeString& text, Result& result) const;
 
+    /// The parsed code. Borrowed from the format.
     const FMT2& getSections() const noexcept { return code_; }
     bool is1904() const noexcept { return is1904_; }
 

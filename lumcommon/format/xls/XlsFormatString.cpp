@@ -15,7 +15,7 @@ namespace LumCommon {
 
 namespace {
 
-/// The decimal that a float was most likely written as.
+/// The decimal as which a float was most likely written.
 double shortestDecimal(float value) {
     char text[32];
     const auto end = std::to_chars(text, text + sizeof text, value).ptr;
@@ -24,7 +24,7 @@ double shortestDecimal(float value) {
     return result;
 }
 
-/// The texts that may stand for a cell, tried against the caller's measure.
+/// Tries the texts that may stand for a cell against the caller's measure.
 class FittedNumber {
 public:
     FittedNumber(const FMT2& code, double value, bool is1904, XlsFormatString::MeasureCallback measure, LumLength width,
@@ -63,7 +63,7 @@ private:
         return result.append(text, fill_.at, text.length() - fill_.at);
     }
 
-    /// Repeats the fill as often as fits.
+    /// Repeats the fill as often as it fits.
     void fillUp(UnicodeString& text) const {
         int fitting = 0;
         int tooMany = 1;
@@ -199,7 +199,7 @@ int XlsFormatString::WeekOfNum(double serial, int baseYear) {
 }
 
 int XlsFormatString::RekiOfNum(double serial, int baseYear) {
-    // Days before the first and after the last one have an era as well.
+    // Serials before the first date and after the last one have an era as well.
     const double day = serial >= 0 ? std::fmin(serial, 1e9) : 0;
     return detail::xlsEraOfDay(static_cast<std::int64_t>(day), baseYear == 1904);
 }

@@ -11,15 +11,15 @@
 
 namespace LumCommon {
 
-/// A cell: its value, and what of its workbook decides how the value looks.
+/// A cell: its value, and the date system of its workbook.
 struct LUM_API CELLV {
     enum Kind : int { NUMBER, TEXT };
 
     CELLV() = default;
     explicit CELLV(double value, int workbookBaseYear = 1900) : number(value), baseYear(workbookBaseYear) {}
     explicit CELLV(const UnicodeString& value) : kind(TEXT), text(value) {}
-    /// Numbers whatever their unit; a real counts as the shortest decimal that stands for it (0.1, not
-    /// 0.100000001490116). Any other value is text as LumValue::toString() prints it.
+    /// A number whatever its unit; a real becomes the shortest decimal that reads back as it (0.1, not
+    /// 0.100000001490116). Any other value becomes text, as LumValue::toString() prints it.
     explicit CELLV(const LumValue& value, int workbookBaseYear = 1900);
 
     Kind kind = NUMBER;
@@ -28,15 +28,15 @@ struct LUM_API CELLV {
     int baseYear = 1900;  ///< 1900 or 1904: the date system
 };
 
-/// The steps of formatting cells by spreadsheet number format codes. To format cells, start with XlsFormat, which
-/// takes them in the right order and documents what codes mean; these are for callers that need one step, or that fit
-/// texts into columns.
+/// The single steps of formatting cells by spreadsheet number format codes. To format cells, use XlsFormat, which takes
+/// the steps in the right order and documents what codes mean; these functions are for callers that need one step, or
+/// that fit texts into columns.
 ///
 /// A digit string is a decimal number as ASCII text: "-" or nothing, digits, and "." and digits where there is a
-/// fraction. The operations on digit strings keep the sign, read what is no digit string as far as it is one, and give
-/// "0" for no digits at all.
+/// fraction. The operations on digit strings keep the sign, ignore everything from the first character that does not
+/// belong to a digit string, and give "0" if there are no digits.
 ///
-/// Failure: nothing is thrown but for exhausted memory; what a caller must know is in the return value.
+/// Failure: nothing throws except when memory runs out; all other failures are in the return value.
 /// Cost: linear in the arguments. Threads: any; the functions share no state.
 class LUM_API XlsFormatString {
 public:
@@ -45,7 +45,8 @@ public:
     static constexpr int NO_COLOR = -1;
 
     /// Says whether a text fits into a width.
-    /// @param context        what the caller passed, as are the width and the two integers; the library looks at none.
+    /// @param context  what the caller passed, as are the width and the two integers; the library examines none of
+    ///                 them.
     using MeasureCallback = bool (*)(void* context, const UnicodeString& text, LumLength width, int first, int second);
 
     /// The kinds of values of fmtsel().
@@ -55,23 +56,23 @@ public:
         TIME_HOUR = 'h',           ///< 0 to 23
         TIME_MINUTE = 'm',         ///< 0 to 59
         TIME_SECOND = 's',         ///< 0 to 59
-        TIME_FRACTION = '0',       ///< the decimals of the second: 0 to 9, 99 or 999; 0 when none are asked for
-        TIME_DAYS = 'd',           ///< whole days, one more when the time was rounded up to midnight
-        TIME_ELAPSED_HOURS = 'H',  ///< whole days included, as for the two below
+        TIME_FRACTION = '0',       ///< the decimals of the second: 0 to 9, 99 or 999; 0 if none are requested
+        TIME_DAYS = 'd',           ///< whole days, one more if the time was rounded up to midnight
+        TIME_ELAPSED_HOURS = 'H',  ///< including whole days, as the next two do
         TIME_ELAPSED_MINUTES = 'M',
         TIME_ELAPSED_SECONDS = 'S',
     };
 
-    /// The text of a number in the 1900 system; bogus when no section takes it or it is not a date. NaN and infinities
+    /// The text of a number in the 1900 system; bogus if no section applies or it is not a date. NaN and infinities
     /// give "#NUM!".
     static UnicodeString FormatString(const UnicodeString& code, double value);
 
-    /// The text of a number, fitted to a width where a measure is given: a General keeps as many digits as fit (of 11
-    /// characters at most), the first fill is repeated as often as fits (1024 times at most). Without one there is no
-    /// filling. A text that cannot be made to fit is the shortest one.
-    /// @param cell     tells the date system; the value shown is `value`.
-    /// @param color    gets 0xRRGGBB, or NO_COLOR.
-    /// @param measure  null: no fitting.   Ownership: nothing is kept.
+    /// The text of a number, fitted to a width if a measure is given: a General keeps as many digits as fit (at most 11
+    /// characters), and the first fill is repeated as often as it fits (at most 1024 times). If nothing fits, the
+    /// shortest text is given. Without a measure nothing is filled.
+    /// @param cell     gives the date system; the value shown is `value`.
+    /// @param color    receives 0xRRGGBB, or NO_COLOR.
+    /// @param measure  null: no fitting. Neither it nor `context` is kept.
     /// @return the index of the section used, or an XlsFormat::Failure; `result` is then empty.
     static int fmtnum(const CELLV& cell, double value, const UnicodeString& code, UnicodeString& result, int& color,
                       MeasureCallback measure = nullptr, LumLength width = LumLength(), int first = 0, int second = 0,
@@ -80,52 +81,53 @@ public:
     static int fmtnum(const CELLV& cell, double value, const FMT2& code, UnicodeString& result, int& color,
                       MeasureCallback measure = nullptr, LumLength width = LumLength(), int first = 0, int second = 0,
                       void* context = nullptr);
-    /// The text of a text: through the first section with "@", else through a fourth section, else as it is.
-    /// @return the index of the section, or -1 for a text as it is.
+    /// Shows a text: by the first section with "@", else by a fourth section, else unchanged.
+    /// @return the index of the section, or -1 for an unchanged text.
     static int fmtstr(const CELLV& cell, const UnicodeString& value, const UnicodeString& code, UnicodeString& result,
                       int& color);
     static int fmtstr(const CELLV& cell, const UnicodeString& value, const FMT2& code, UnicodeString& result,
                       int& color);
 
-    /// Parses a code and returns the number of its sections. What stood in `out` is dropped.
+    /// Parses a code and returns the number of its sections, 1 to 4. The old content of `out` is dropped.
     static int fmtget(const UnicodeString& code, FMT2& out);
-    /// The section for a value: -1 when none applies, -2 when the only section has a condition that fails. A section
-    /// that lacks a condition beside one that has it takes, as the first of two, what is not negative, and as the
-    /// second, everything left.
-    /// @param kind  a ValueKind; `value` counts for numbers alone.
+    /// The section for a value: -1 if none applies, -2 if the only section has a condition that fails. If only one of
+    /// two sections has a condition, the other one takes what is not negative if it comes first, and everything left
+    /// if it comes second.
+    /// @param kind  a ValueKind; `value` matters only for numbers.
     static int fmtsel(int kind, double value, const FMT2& code);
-    /// Operators 1 >=, 2 <=, 3 <>, 4 <, 5 >, 6 =; false for others.
+    /// Whether a value meets a condition. Operators: 1 >=, 2 <=, 3 <>, 4 <, 5 >, 6 =; false for others.
     static bool iscond(double value, int condition, double operand);
 
-    /// The date of a serial number; its fraction does not count. False, and nothing set, when it is not a date.
+    /// The date of a serial number, whose fraction is ignored. False, with nothing set, if it is not a date.
     /// @param year     in: 1904 for that date system, else 1900; out: the year.
     /// @param month    1 to 12.
     /// @param day      1 to 31; 0 for serial 0 of the 1900 system.
     /// @param weekday  0 is Sunday.
     /// @param era      0 Meiji, 1 Taisho, 2 Showa, 3 Heisei.
     static bool fmtdate(double serial, int& year, int& month, int& day, int& weekday, int& era);
-    /// One field of the time of a serial number, rounded half up to that many decimals of a second.
+    /// One field of the time of a serial number, which is rounded half up to `decimals` decimals of a second.
     /// @param field     a TimeField.
     /// @param decimals  0 to 3.
-    /// @return -1 for a negative or infinite serial, one from 10,000,000,000 days up, and an unknown field.
+    /// @return the field; -1 for a negative or infinite serial, for one of 10,000,000,000 days or more, and for an
+    ///         unknown field.
     static std::int64_t fmttime(double serial, int field, int decimals);
-    /// 365 or 366; 1900 is a leap year.
+    /// The days of a year, 365 or 366; 1900 counts as a leap year.
     static int DateOfYear(int year);
-    /// Days of a month; 0 when `month` is not 1 to 12.
+    /// The days of a month; 0 if `month` is not 1 to 12.
     static int DateOfMonth(int year, int month);
-    /// 0 is Sunday. -1 for what is not a date.
+    /// The weekday of a serial number, 0 for Sunday; -1 if it is not a date.
     static int WeekOfNum(double serial, int baseYear = 1900);
-    /// 0 Meiji, 1 Taisho, 2 Showa, 3 Heisei; no later era is known.
+    /// The Japanese era of a serial number: 0 Meiji, 1 Taisho, 2 Showa, 3 Heisei; no later era is known.
     static int RekiOfNum(double serial, int baseYear = 1900);
 
     /// The exact decimal expansion, rounded to 32 decimals, all of them written; "0" for NaN and infinities.
     static std::string ConvertFltToStr(double value);
     /// The decimal of a number as spreadsheets see it: 15 significant digits of ConvertFltToStr(), no trailing zeros.
     static std::string convDblStr(double value);
-    /// Without zeros at the end of the fraction, and without a point that ends it.
+    /// Removes the zeros at the end of the fraction, and the point if it comes last.
     static std::string DblStrDel0(std::string_view digits);
-    /// Moves the point to the right (multiplies) or to the left, without leading zeros but for one before the point.
-    /// `places` beyond 1,000,000 count as that many.
+    /// Moves the point to the right (multiplies) or to the left (divides). There are no leading zeros except one
+    /// directly before the point. `places` is limited to 1,000,000 either way.
     static std::string DblStrMul10(std::string_view digits, int places = 1);
     static std::string DblStrDiv10(std::string_view digits, int places = 1);
     /// Rounds to 15 significant digits and then to `decimals` (negative: before the point), half up both times; the
@@ -139,31 +141,33 @@ public:
     static int intKeta(std::string_view digits);
     /// The digits of a number with one digit before the point, and its power of ten: 1234.5 gives "1.2345" and 3.
     static std::string MYfrexp(double value, int& exponent);
-    /// "E", the sign, and at least two digits.
+    /// An exponent as text: "E", the sign, and at least two digits.
     static std::string ConvertExponent(int exponent);
-    /// What General shows in at most `maxChars` characters besides "-". From 99999999999 up, and below 1e-9, it is in
-    /// scientific notation; from there to 0.001 where that shows more digits. "0" for NaN and infinities.
+    /// What General shows in at most `maxChars` characters, not counting "-": scientific notation from 99999999999
+    /// upwards and below 1e-9, and between 1e-9 and 0.001 if that shows more digits. "0" for NaN and infinities.
     static std::string ConvGeneral(double value, int maxChars = 11);
-    /// The fraction next to the absolute value of a number.
+    /// The fraction nearest to the absolute value of a number.
     /// @param places            placeholders of the denominator, which stays below 10^places; 1 to 18.
-    /// @param denominator       the largest one when it does not fit.
-    /// @param fixedDenominator  above 0: the denominator; the result is not reduced.
-    /// @param numerator         includes the whole number; the largest one when it does not fit.
+    /// @param denominator       receives the denominator, or the largest int if it does not fit.
+    /// @param fixedDenominator  above 0: the denominator to use; the result is not reduced.
+    /// @param numerator         receives the numerator including the whole number, or the largest std::int64_t if it
+    ///                          does not fit.
     static void convFrac(double value, int places, int fixedDenominator, std::int64_t& numerator, int& denominator);
-    /// The same as text, "22/7"; the denominator fits.
+    /// The same as text, such as "22/7"; the denominator always fits.
     static std::string yeFraction(double value, int places, int fixedDenominator = 0);
 
-    /// A number by a number section, sign included, with nothing of section selection. Empty for another section.
+    /// A number formatted by the given number section, sign included; no section is selected. Empty for sections of
+    /// another kind.
     static UnicodeString fmtnumN(double value, const FMT& section);
     /// The same for a digit string, of which 15 significant digits count.
     static UnicodeString fmtnumD(std::string_view digits, const FMT& section);
 
-    /// ASCII digits replaced by those of a style of Japanese numerals: 1 kanji, 2 formal kanji, 3 full-width digits.
-    /// Other characters, and all with another style, stay.
+    /// Replaces ASCII digits by those of a style of Japanese numerals: 1 kanji, 2 formal kanji, 3 full-width digits.
+    /// Other characters stay, and with any other style all do.
     static UnicodeString sethanzenNumS(const UnicodeString& text, int style);
-    /// One digit, 0 to 9, in a style; 0 when there is none.
+    /// The character for a digit, 0 to 9, in a style; U+0000 for other digits and styles.
     static char16_t setzenNum(int digit, int style);
-    /// The character for 10^power in a style (1, 2, 3, 4, 8, 12, 16); 0 when there is none.
+    /// The character for 10^power in a style, for the powers 1, 2, 3, 4, 8, 12 and 16; U+0000 for others.
     static char16_t setzenTani(int power, int style);
 };
 

@@ -23,7 +23,7 @@ static_assert(std::size(colorRows) == 147 + 2);
 static_assert(std::ranges::adjacent_find(colorRows, std::ranges::greater_equal{}, &ColorRow::name) ==
               std::end(colorRows));
 
-/// Whether another keyword of the same value is the one to print.
+/// Whether another keyword with the same value is printed instead of this one.
 constexpr bool isSecondSpelling(LumNameEnum name) noexcept {
     switch (name) {
         case NAME_aqua:
@@ -43,7 +43,7 @@ constexpr bool isSecondSpelling(LumNameEnum name) noexcept {
 
 constexpr std::size_t secondSpellings = 9;
 
-/// The rows to print, in the order of their values.
+/// The rows of the keywords that are printed, in the order of their values.
 constexpr auto rowsByValue = [] {
     std::array<ColorRow, std::size(colorRows) - secondSpellings> rows{};
     std::copy_if(std::begin(colorRows), std::end(colorRows), rows.begin(),

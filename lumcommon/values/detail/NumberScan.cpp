@@ -14,7 +14,7 @@ namespace LumCommon::detail {
 
 namespace {
 
-/// The value of `[digits][.[digits]]`. Leading zeros of the integer part must be gone.
+/// The value of `[digits][.[digits]]`. The caller has skipped the leading zeros of the integer part.
 double convertDigits(const char16_t* begin, const char16_t* end) {
     const auto count = static_cast<std::size_t>(end - begin);
     char buffer[128];
@@ -27,14 +27,14 @@ double convertDigits(const char16_t* begin, const char16_t* end) {
     std::transform(begin, end, digits, [](char16_t digit) { return static_cast<char>(digit); });
     double value = 0;
     const auto [stop, error] = std::from_chars(digits, digits + count, value, std::chars_format::fixed);
-    // Out of range is too large when there is an integer part. What is too small is a fraction of many zeros.
+    // Out of range means too large if there is an integer part, otherwise too small: a fraction with many zeros.
     if (error == std::errc::result_out_of_range)
         return isAsciiDigit(*begin) ? std::numeric_limits<double>::infinity() : 0;
     return value;
 }
 
-/// The digits of a number as an integer over a power of ten. While both are exact doubles, their quotient is the
-/// double nearest to the number, which is so for all numbers of up to 15 digits.
+/// The digits of a number as an integer over a power of ten. As long as both are exact doubles, which they are for all
+/// numbers of up to 15 digits, their quotient is the double nearest to the number.
 class Mantissa {
 public:
     void addDigit(char16_t digit) noexcept {

@@ -14,7 +14,7 @@ constexpr int significantDigits = 6;  // what "%g" prints
 }  // namespace
 
 void appendReal(UnicodeString& text, double number) {
-    // The longest form is sign, six digits, point and a four-character exponent such as "e-308".
+    // The longest form has a sign, six digits, a point and an exponent such as "e-308".
     char digits[32];
     const char* const end =
         std::to_chars(digits, digits + sizeof digits, number, std::chars_format::general, significantDigits).ptr;

@@ -24,7 +24,7 @@ char16_t chooseQuote(const UnicodeString& text, unsigned mode) {
     }
 }
 
-/// The hexadecimal digits that stand for `c` after a backslash; null when `c` stands for itself.
+/// The hexadecimal digits that stand for `c` after a backslash; null if `c` needs no escape.
 const char16_t* getCssEscape(char16_t c, char16_t quote) noexcept {
     switch (c) {
         case u'\n':
@@ -67,7 +67,7 @@ void appendDoubled(UnicodeString& result, const UnicodeString& text, char16_t qu
     }
 }
 
-/// Reads what follows a backslash. Code points that are none (0, surrogates, beyond U+10FFFF) become U+FFFD.
+/// Reads what follows a backslash. Invalid code points (0, surrogates, beyond U+10FFFF) become U+FFFD.
 void appendUnescaped(UnicodeString& result, UnitCursor& cursor) {
     const char16_t c = cursor.peek();
     if (hexDigitValue(c) >= 0) {
@@ -147,7 +147,7 @@ UnicodeString unquoteString(const UnicodeString& text, unsigned mode) {
         UnicodeString result = scanString(cursor, mode);
         if (!result.isBogus() && cursor.get() == start + length) return result;
     }
-    // Nothing inside can be escaped, so that a quote inside is an ordinary character.
+    // Without doubling or escapes, a quote inside is an ordinary character.
     const bool isPlain = !(mode & (QUOTE_BIT_DOUBLING | QUOTE_BIT_CSS));
     if (isPlain && length >= 2 && trimmed.charAt(0) == trimmed.charAt(length - 1)) {
         return UnicodeString(trimmed, 1, length - 2);

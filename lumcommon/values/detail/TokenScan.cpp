@@ -40,7 +40,7 @@ constexpr bool isNameUnit(char16_t c) noexcept {
     return isWideNameStart(c) || c == 0xB7 || (c >= 0x300 && c <= 0x36F) || c == 0x203F || c == 0x2040;
 }
 
-/// A hash colour of one to three digits has one digit a channel; each becomes a byte by being written twice.
+/// A hash colour of one to three digits has one digit per channel; doubling the digit gives the byte.
 constexpr std::uint32_t expandShortColor(std::uint32_t digits) noexcept {
     return ((digits & 0xF00u) << 8 | (digits & 0xF0u) << 4 | (digits & 0xFu)) * 17;
 }
@@ -52,7 +52,7 @@ std::u16string_view scanName(UnitCursor& cursor) {
     return {start, cursor.get()};
 }
 
-/// A quoted string; a quote that is not closed is a delimiter.
+/// Reads a quoted string; an unclosed quote is a delimiter.
 void scanQuoted(UnitCursor& cursor, ScannedToken& token) {
     const char16_t quote = cursor.peek();
     cursor.advance();
@@ -94,7 +94,7 @@ LumValue makeNumberValue(const ScannedToken& token, bool& isSuffixLeft) noexcept
         }
         isSuffixLeft = true;
     }
-    // A number written with a point is a real even when its fraction is zero.
+    // A number written with a point is a real even if its fraction is zero.
     constexpr double smallest = std::numeric_limits<std::int32_t>::min();
     constexpr double largest = std::numeric_limits<std::int32_t>::max();
     if (!token.hasFraction && token.number >= smallest && token.number <= largest) {

@@ -12,22 +12,23 @@ struct ScannedToken {
     int kind = LumTokenizer::TOKEN_NONE;
     double number = 0;
     bool hasFraction = false;  // the number was written with a "."
-    std::u16string_view text;  // a name, what stands between quotes, the suffix of a number; else empty
+    std::u16string_view text;  // a name, the text between quotes, a number's suffix; else empty
 };
 
 /// Reads one token, see LumTokenizer::nextToken.
 ScannedToken scanToken(UnitCursor& cursor);
 
-/// Whether a sign comes next and belongs to the number behind it; then the cursor moves behind the sign.
+/// Whether a sign comes next and belongs to the number after it; if so, moves past the sign. Sets `sign` to the unit
+/// that comes next, white space aside.
 bool skipSign(UnitCursor& cursor, char16_t& sign) noexcept;
 
-/// The value of a token, null at the end. `isSuffixLeft` tells that the text of a number is no unit and so no part of
-/// it. A name is interned.
+/// The value of a token, null at the end. `isSuffixLeft` tells whether a number's suffix is not a unit and so does not
+/// belong to it. Names are interned.
 LumValue makeTokenValue(const ScannedToken& token, bool& isSuffixLeft);
 
 /// The value of a text that is one token, a number with its suffix, a name, a quoted string or a hash colour, and the
-/// kind of that token; TOKEN_NONE and the null value for other texts, of which nothing is interned.
-/// @param isSignAllowed  whether a sign may stand directly before a number.
+/// kind of that token. Other texts give TOKEN_NONE and the null value, and nothing of them is interned.
+/// @param isSignAllowed  whether a number may have a sign directly in front of it.
 LumValue parseSingleToken(const UnicodeString& text, bool isSignAllowed, int& kind);
 
 }  // namespace LumCommon::detail

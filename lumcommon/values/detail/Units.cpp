@@ -11,7 +11,7 @@ namespace {
 
 constexpr int unitCount = 32;
 
-/// The name that a unit prints; the null name for subtypes and for the percent sign, which is no name.
+/// The name that a unit is printed as; the null name for subtypes and for percent, whose sign is not a name.
 constexpr LumNameEnum unitNames[unitCount] = {
     NAME_NULL,  // no unit
     NAME_NULL,  // number
@@ -32,7 +32,7 @@ static_assert(unitNames[UNIT_KHZ] == NAME_kHz && unitNames[UNIT_DPI] == NAME_dpi
 
 constexpr std::size_t longestUnit = 4;
 
-/// The units of a text of at most longestUnit units as one number.
+/// A text of at most longestUnit code units, packed into one number.
 constexpr std::uint64_t pack(std::u16string_view text) noexcept {
     std::uint64_t packed = 0;
     for (const char16_t c : text) packed = packed << 16 | c;

@@ -6,8 +6,8 @@
 
 namespace LumCommon::detail {
 
-/// Points in one `unit`; 0 when it is not an absolute length. The factors are kept as double so that going from one
-/// unit to another and back rounds only once, at the float that is stored.
+/// How many points one `unit` has; 0 if it is not an absolute length. The factors are doubles, so that converting from
+/// one unit to another and back rounds only once, when the float is stored.
 constexpr double pointsPerUnit(LumValueUnitType unit) noexcept {
     switch (unit) {
         case UNIT_CM:
@@ -35,7 +35,7 @@ inline constexpr double degreesPerGrad = 0.9;
 inline constexpr double radiansPerGrad = 0.015707964;
 inline constexpr double gradsPerRadian = 63.661976;
 
-/// The unit whose printed form is `text`, whatever the case of its letters; UNIT_NONE when there is none.
+/// The unit whose printed form is `text`, in any letter case; UNIT_NONE if there is no such unit.
 LumValueUnitType findUnit(std::u16string_view text) noexcept;
 
 }  // namespace LumCommon::detail

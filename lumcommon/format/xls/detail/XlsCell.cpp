@@ -44,7 +44,7 @@ int selectOf(const FMT2& code, const NumberSections& usable, double value) {
     return XlsFormat::NO_SECTION;
 }
 
-/// Whether a section was chosen for the sign of its values, which it then states itself.
+/// Whether a section was chosen for the sign of its values, which it is then left to show.
 bool impliesSign(const FMT2& code, const NumberSections& usable, int section) {
     if (usable.count < 2 || section != usable.index[1] || at(code, section).condition != 0) return false;
     return usable.count > 2 || at(code, usable.index[0]).condition == 0;
@@ -52,7 +52,7 @@ bool impliesSign(const FMT2& code, const NumberSections& usable, int section) {
 
 int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLOR : xlsPaletteColor(section.color); }
 
-/// A code for texts alone shows a number as the text that General makes of it.
+/// A code with nothing but text sections shows a number as the text that General makes of it.
 int showAsText(const FMT2& code, const XlsDecimal& value, int generalChars, UnicodeString& text, int& color) {
     const std::string general = (value.isNegative() ? "-" : "") + xlsGeneral(value.abs(), generalChars);
     return showXlsText(code, UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV), text,
@@ -117,7 +117,7 @@ int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, U
 
 int showXlsText(const FMT2& code, const UnicodeString& value, UnicodeString& text, int& color) {
     int section = selectXlsText(code);
-    // A fourth section is that of texts, whatever it holds.
+    // A fourth section is for texts, whatever it contains.
     if (section < 0 && code.count == 4) section = 3;
     color = section < 0 ? XlsFormat::NO_COLOR : colorOf(at(code, section));
     if (section < 0) {

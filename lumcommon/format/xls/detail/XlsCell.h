@@ -5,13 +5,13 @@
 
 namespace LumCommon::detail {
 
-/// Where a text is to be filled up; `at` is -1 when nowhere.
+/// Where in a text a fill goes, in UTF-16 units; `at` is -1 if there is no fill.
 struct XlsFill {
     std::int32_t at = -1;
     UChar32 character = 0;
 };
 
-/// What decides how a number is shown, besides its code.
+/// What decides how a number is shown, apart from its code.
 struct XlsNumberStyle {
     bool is1904 = false;
     int generalChars = XLS_GENERAL_CHARS;
@@ -22,7 +22,7 @@ int selectXlsNumber(const FMT2& code, double value);
 int selectXlsText(const FMT2& code);
 bool xlsConditionHolds(double value, int condition, double operand);
 
-/// Shows a cell; gives the section used or an XlsFormat::Failure, and sets text, colour and where to fill.
+/// Shows a cell; returns the section used or an XlsFormat::Failure, and sets the text, the colour and the fill.
 int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color,
                   XlsFill& fill);
 int showXlsText(const FMT2& code, const UnicodeString& value, UnicodeString& text, int& color);

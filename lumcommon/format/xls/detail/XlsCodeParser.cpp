@@ -19,7 +19,7 @@ bool isPlaceholder(const XlsRawPiece& piece) {
            piece.token == XlsToken::DIGIT_SPACED;
 }
 
-/// Gives the raw pieces of one section their meaning.
+/// Interprets the raw pieces of one section.
 class SectionParser {
 public:
     SectionParser(std::u16string_view code, XlsRawSection& raw, bool isJapanese, FMT& out)
@@ -59,12 +59,12 @@ private:
     bool isJapanese_;
     FMT& out_;
 
-    // Of numbers, indices of raw pieces.
+    // For numbers: indexes of raw pieces.
     std::size_t first_ = npos, lastInteger_ = npos, last_ = npos;  ///< placeholders
     std::size_t point_ = npos, exponent_ = npos;
     std::size_t numerator_ = npos, bar_ = npos, denominator_ = npos, denominatorEnd_ = npos;
-    // Of dates.
-    std::size_t lastField_ = npos;  ///< the last field but AM/PM, in out_.pieces
+    // For dates.
+    std::size_t lastField_ = npos;  ///< index in out_.pieces of the last field other than AM/PM
 };
 
 void SectionParser::run() {
@@ -111,7 +111,7 @@ void SectionParser::literal(std::int32_t begin, std::int32_t end) {
     out_.literals.append(code_.data() + begin, 0, length);
 }
 
-/// What is the same in every kind of section. False for other pieces.
+/// Handles the pieces that mean the same in every kind of section; false for other pieces.
 bool SectionParser::common(const XlsRawPiece& piece) {
     switch (piece.token) {
         case XlsToken::LITERAL:
@@ -233,7 +233,7 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
     lastField_ = out_.pieces.size() - 1;
 }
 
-/// Seconds follow: a month in digits just before them is of the clock.
+/// Seconds follow, so a month in digits just before them is a minute.
 void SectionParser::monthIsMinute() {
     if (lastField_ == npos) return;
     XlsPiece& last = out_.pieces[lastField_];
@@ -259,8 +259,8 @@ void SectionParser::elapsed(const XlsRawPiece& piece) {
     lastField_ = out_.pieces.size() - 1;
 }
 
-/// The index of the next piece in that direction that is no literal; npos when there is none. What would be a literal
-/// digit before the bar is the denominator after it.
+/// The index of the next piece in the direction of `step` that is not a literal; npos if there is none. A literal digit
+/// is passed only to the left of the bar: to its right it is the denominator.
 std::size_t SectionParser::pastLiterals(std::size_t index, int step) const {
     const auto isPassed = [&](XlsToken token) {
         return token == XlsToken::LITERAL || token == XlsToken::SKIP || token == XlsToken::FILL ||
@@ -268,7 +268,7 @@ std::size_t SectionParser::pastLiterals(std::size_t index, int step) const {
     };
     do {
         index += static_cast<std::size_t>(step);
-        if (index >= raw_.size()) return npos;  // an index below 0 is beyond as well
+        if (index >= raw_.size()) return npos;  // an index below 0 has wrapped around
     } while (isPassed(raw_[index].token));
     return index;
 }

@@ -5,7 +5,7 @@
 
 namespace LumCommon::detail {
 
-/// Parses a code into `out`, whose old content is dropped, and returns the number of sections.   Cost: linear.
+/// Parses a code into `out`, dropping its old content, and returns the number of sections.   Cost: linear.
 int parseXlsCode(const UnicodeString& code, FMT2& out);
 
 }  // namespace LumCommon::detail

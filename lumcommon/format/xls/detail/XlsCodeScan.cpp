@@ -16,7 +16,7 @@ std::u16string_view trimmed(std::u16string_view text) {
     return text;
 }
 
-/// Lossless for what numbers and language tags are made of.
+/// Lossless for the characters of numbers and language tags.
 std::string toAscii(std::u16string_view text) {
     std::string result;
     for (const char16_t c : text) result.push_back(c < 0x80 ? static_cast<char>(c) : '?');
@@ -156,7 +156,7 @@ void XlsCodeScan::withCharacter(XlsToken token) {
 
 void XlsCodeScan::bracket() {
     const std::int32_t begin = at_ + 1;
-    // Where no bracket ends any more the code is not searched again and again.
+    // After the last closing bracket, do not search the rest of the code for each opening one.
     if (lastClose_ == code_.npos || static_cast<std::size_t>(at_) > lastClose_) {
         literal(at_, begin);
         ++at_;
@@ -234,7 +234,7 @@ bool XlsCodeScan::styleBracket(std::u16string_view content) {
 }
 
 void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
-    // The symbol goes up to the hyphen; a language follows, as a hexadecimal number or by its tag.
+    // The symbol extends to the hyphen; a language follows, as a hexadecimal number or as a tag.
     constexpr unsigned japanese = 0x411;
     const std::size_t hyphen = std::min(content.find(u'-'), content.size());
     literal(begin + 1, begin + static_cast<std::int32_t>(hyphen));

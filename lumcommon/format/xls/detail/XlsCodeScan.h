@@ -9,7 +9,7 @@
 
 namespace LumCommon::detail {
 
-/// What a code is made of before it is known what its letters mean.
+/// The tokens of a code, before it is known what its letters mean.
 enum class XlsToken : std::uint8_t {
     LITERAL,  ///< a run of units that mean themselves
     SKIP,
@@ -35,22 +35,22 @@ struct XlsRawPiece {
     XlsToken token;
     char32_t unit = 0;  ///< the letter, lower case; the character of SKIP and FILL; the sign of EXPONENT
     std::int32_t begin = 0;
-    std::int32_t end = 0;  ///< of its units in the code; of a literal, of what is to be written
+    std::int32_t end = 0;  ///< of its units in the code; for a literal, of the text to write
     std::int32_t count = 1;
 };
 
-/// One section as it is written: brackets have been read.
+/// One section as written, except that its brackets have been evaluated.
 struct XlsRawSection {
     std::vector<XlsRawPiece> pieces;
     UnicodeString prefix;  ///< the brackets of colour, condition, style and language in their normal form
 };
 
-/// Reads a code from left to right into sections, and the brackets into the fields of theirs.
+/// Splits a code into sections, from left to right, and reads their brackets into the fields of their FMT.
 class XlsCodeScan {
 public:
     XlsCodeScan(std::u16string_view code, FMT2& out) : code_(code), lastClose_(code.rfind(u']')), out_(out) {}
 
-    /// Gives the number of sections.
+    /// Scans the code and returns the number of sections.
     int run();
     XlsRawSection& section(int index) { return sections_[index]; }
     /// Whether "e" is a year.
@@ -62,7 +62,7 @@ private:
     void add(XlsToken token, char32_t unit, std::int32_t length, std::int32_t count = 1);
     void run(XlsToken token, char32_t unit);
     void quoted();
-    /// "\\", "_" and "*": the character behind takes part.
+    /// Reads "\\", "_" or "*" and the character after it.
     void withCharacter(XlsToken token);
     void letter(char16_t lower);
     void bracket();

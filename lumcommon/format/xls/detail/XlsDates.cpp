@@ -8,11 +8,11 @@ namespace {
 
 constexpr int monthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-/// A day's number in the 1900 system, in which 1900 is a leap year, is larger by this than in the 1904 system.
+/// How much larger a day's number is in the 1900 system, in which 1900 is a leap year, than in the 1904 system.
 constexpr int systemsApart = 1462;
 
-/// Sets year, month and day of a day counted as in the 1900 system, from its 1 March 1900 on, when it agrees with the
-/// Gregorian calendar.
+/// Sets year, month and day of a day counted as in the 1900 system, from 1 March 1900 onwards, where that system agrees
+/// with the Gregorian calendar.
 void setGregorian(XlsDate& date, int serial) noexcept {
     // Years are counted from March, so that the leap day is the last of its year; cycles of 400 years from 1600-03-01,
     // which is this many days before 1900-03-01, serial 61.
@@ -66,7 +66,7 @@ XlsTime::XlsTime(const XlsDecimal& serial, int decimals) noexcept {
     const std::uint32_t perSecond = ticksPerSecond[decimals];
     const std::uint64_t perDay = std::uint64_t{86400} * perSecond;
     days = serial.whole();
-    // A time that was meant as 12.345 seconds is that again once its product has 15 digits.
+    // A time that was meant as 12.345 seconds is exactly that again once the product is rounded to 15 digits.
     XlsDecimal product = serial.fractionProduct(static_cast<std::uint32_t>(perDay));
     product.round(0);
     auto ticks = static_cast<std::uint64_t>(product.whole());

@@ -16,7 +16,7 @@ struct XlsDate {
 
 constexpr std::int64_t xlsLastDay(bool is1904) noexcept { return is1904 ? 2957003 : 2958465; }
 constexpr bool xlsIsDay(std::int64_t day, bool is1904) noexcept { return day >= 0 && day <= xlsLastDay(is1904); }
-/// `day` is one: see xlsIsDay().
+/// The date of a day for which xlsIsDay() holds.
 XlsDate xlsDate(std::int64_t day, bool is1904) noexcept;
 int xlsEraOfDay(std::int64_t day, bool is1904) noexcept;
 bool xlsIsLeapYear(int year) noexcept;

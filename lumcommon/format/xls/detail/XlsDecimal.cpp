@@ -54,7 +54,7 @@ XlsDecimal::XlsDecimal(double value) : negative_(std::signbit(value)) {
         trim();
         return;
     }
-    // A decimal of 15 digits comes back from the double nearest to it, unless that is a denormal one.
+    // A decimal of 15 digits survives the way to the nearest double and back, unless that double is denormal.
     if (magnitude >= std::numeric_limits<double>::min()) {
         const Scientific number = shortest(magnitude);
         if (number.count <= MAX_DIGITS) {
@@ -62,8 +62,8 @@ XlsDecimal::XlsDecimal(double value) : negative_(std::signbit(value)) {
             return;
         }
     }
-    // Two digits more than are kept tell which way to round, unless they read 50: what follows them may have been
-    // rounded up to it. No double has an expansion whose digits 16 to 41 are a 4 and nines.
+    // Two more digits than are kept decide which way to round, unless they are 50: they may have been rounded up to
+    // that. No double has an expansion whose digits 16 to 41 are a 4 and nines.
     Scientific number = expansion(magnitude, MAX_DIGITS + 2);
     if (number.digits[MAX_DIGITS] == '5' && number.digits[MAX_DIGITS + 1] == '0') {
         number = expansion(magnitude, MAX_DIGITS + 26);
@@ -168,7 +168,7 @@ void XlsDecimal::round(std::int64_t decimals) noexcept {
 
 template <class Put>
 std::uint64_t XlsDecimal::multiplyFraction(std::uint32_t factor, Put put) const noexcept {
-    // Horner's scheme from the last digit: what is divided off at each step is a digit of the product's fraction.
+    // Horner's scheme from the last digit: each step splits off one digit of the product's fraction.
     std::uint64_t product = 0;
     for (std::int64_t i = count_ - 1; i >= std::max<std::int64_t>(point_, 0); --i) {
         product += static_cast<std::uint64_t>(digits_[i] - '0') * factor;
@@ -185,7 +185,7 @@ std::uint64_t XlsDecimal::multiplyFraction(std::uint32_t factor, Put put) const 
 
 std::uint64_t XlsDecimal::fractionTimes(std::uint32_t factor) const noexcept {
     if (point_ < -farAfterPoint) return 0;
-    char firstDecimal = '0';  // the last one divided off is all that rounding half up looks at
+    char firstDecimal = '0';  // the last one split off; rounding half up needs no other
     const std::uint64_t product = multiplyFraction(factor, [&](char digit) { firstDecimal = digit; });
     return product + (firstDecimal >= '5');
 }
@@ -194,7 +194,7 @@ XlsDecimal XlsDecimal::fractionProduct(std::uint32_t factor) const noexcept {
     if (point_ < -farAfterPoint) return XlsDecimal();
     constexpr std::size_t most = EXACT_DIGITS + farAfterPoint;
     char text[24 + most];  // an integer, the point, decimals
-    // Digits come last one first, so the text is filled from its end.
+    // The digits arrive last one first, so the text is filled from its end.
     char* first = text + sizeof text;
     const std::uint64_t product = multiplyFraction(factor, [&](char digit) { *--first = digit; });
     *--first = '.';

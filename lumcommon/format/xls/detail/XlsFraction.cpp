@@ -10,7 +10,7 @@ namespace LumCommon::detail {
 
 namespace {
 
-/// A natural number below 2^128; not every processor has them.
+/// A natural number below 2^128; not every platform has a type for these.
 struct Wide {
     std::uint64_t high = 0;
     std::uint64_t low = 0;
@@ -26,7 +26,7 @@ Wide multiply(std::uint64_t a, std::uint64_t b) noexcept {
     return {(a >> 32) * (b >> 32) + (first >> 32) + (second >> 32), (second << 32) | (low & half)};
 }
 
-/// The largest number when the product is larger.
+/// The product, or the largest number if the product is larger.
 Wide multiply(const Wide& a, std::uint64_t b) noexcept {
     constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
     const Wide upper = multiply(a.high, b);
@@ -43,14 +43,14 @@ constexpr std::uint64_t powerOfTen(int exponent) noexcept {
     return power;
 }
 
-/// Tries the numerators 1, 2, ... with the denominators that are nearest to numerator / part, and takes those that are
-/// better by 1e-8 than all before, relative to the denominator: of nearly equal fractions the first is kept, which has
-/// the smallest terms.
+/// Tries the numerators 1, 2, ... with the denominators nearest to numerator / part, and takes each fraction that is
+/// better than all before it by 1e-8, relative to the denominator: of nearly equal fractions the first is kept, which
+/// has the smallest terms.
 ///
-/// What can be taken next lies in an interval around the part, and the fraction with the smallest terms in an interval
-/// around a number stands on the way to that number in the tree of all fractions. So only the fractions on that way
-/// are looked at, the convergents of the part and those between two of them, and of these not each. All is computed
-/// in integers: no rounding can make a fraction better than it is.
+/// The fractions that can be taken next lie in an interval around the part, and the one with the smallest terms in such
+/// an interval lies on the path to the part in the tree of all fractions. So only the fractions on that path need to be
+/// tried, the convergents of the part and those between two convergents, and not even all of these. All arithmetic is
+/// in integers, so that no rounding can make a fraction look better than it is.
 class FractionSearch {
 public:
     FractionSearch(const XlsDecimal::Part& part, std::uint64_t limit) : unit_(part.digits), limit_(limit) {
@@ -96,7 +96,7 @@ private:
         return static_cast<std::uint64_t>(std::abs(trial.offset));
     }
 
-    /// With the nearest denominator; halves go down.
+    /// The trial with the nearest denominator; halves are rounded down.
     Trial nearest(Trial trial) const noexcept {
         const auto unit = static_cast<std::int64_t>(unit_);
         if (2 * trial.offset > unit) return {trial.numerator, trial.denominator + 1, trial.offset - unit};
@@ -108,8 +108,8 @@ private:
         return multiply(distance(trial), scale_) <= multiply(bound_, trial.denominator);
     }
 
-    /// The first of the fractions from + step * by that is better; `end` + 1 for none. Each is better than the one
-    /// before it.
+    /// The first step, up to `end`, at which from + step * by is better; `end` + 1 if there is none. Each of these
+    /// fractions is better than the one before it.
     std::uint64_t firstBetter(const Trial& from, const Trial& by, std::uint64_t step, std::uint64_t end) const {
         const auto isBetterAt = [&](std::uint64_t at) { return isBetter(advanced(from, by, at)); };
         if (isBetterAt(step)) return step;
@@ -125,9 +125,9 @@ private:
         return better;
     }
 
-    /// Takes the first numerator that the interval lets through, whose smallest fraction is given. Where that is not
-    /// the one nearest to its numerator, and the nearest is not good enough, the next numerator always is: half a unit
-    /// is below the bound from this denominator on.
+    /// Takes the first numerator that has a fraction in the interval, given the one with the smallest terms. If another
+    /// denominator is nearer and that fraction is not good enough, the next numerator always is: from this denominator
+    /// onwards, half a unit is below the bound.
     void takeNear(const Trial& smallest, XlsFraction& result) {
         const Trial trial = nearest(smallest);
         take(isBetter(trial) ? trial : nearest(advanced(trial, first_, 1)), result);
@@ -142,10 +142,10 @@ private:
         const Wide error = multiply(distance(trial), perMargin);
         const Wide margin = multiply(trial.denominator, unit_);
         isOpen_ = error >= margin;
-        if (!isOpen_) return;  // nothing can be better by so much
+        if (!isOpen_) return;  // nothing can be better by that much
         bound_ = subtract(error, margin);
-        scale_ =
-            trial.denominator * perMargin;  // an error that is no less than the margin has a denominator below 2^26
+        // An error of at least the margin implies a denominator below 2^26, so this does not overflow.
+        scale_ = trial.denominator * perMargin;
     }
 
     std::uint64_t unit_;
@@ -156,7 +156,7 @@ private:
     std::uint64_t scale_ = 0;
 };
 
-/// What is at most 1e-6 counts as nothing.
+/// Parts of at most 1e-6 count as zero.
 bool isSearched(const XlsDecimal::Part& part) noexcept {
     constexpr int places = 6;
     if (part.digits == 0) return false;

@@ -6,7 +6,7 @@ namespace LumCommon::detail {
 
 namespace {
 
-/// All digits of a rounded number; no point behind an integer.
+/// All digits of a rounded number; no point after an integer.
 std::string fixedText(const XlsDecimal& number) {
     const std::string_view digits = number.digits();
     const auto count = static_cast<std::int64_t>(digits.size());
@@ -39,7 +39,7 @@ std::string xlsGeneral(const XlsDecimal& magnitude, int maxChars) {
     const std::int64_t point = magnitude.point();
     if (magnitude.isZero()) return "0";
 
-    // Digits that scientific notation has room for: besides them there are the point and the exponent.
+    // The digits that scientific notation has room for, next to the point and the exponent.
     const std::int64_t exponentChars = static_cast<std::int64_t>(xlsExponent(point - 1).size());
     const std::int64_t scientificDigits = std::max<std::int64_t>(width - exponentChars - 1, 1);
     const bool scientificFits = exponentChars + 1 <= width;

@@ -8,9 +8,9 @@ namespace LumCommon::detail {
 
 constexpr int XLS_GENERAL_CHARS = 11;
 
-/// "E", the sign, and at least two digits.
+/// An exponent as text: "E", the sign, and at least two digits.
 std::string xlsExponent(std::int64_t exponent);
-/// A magnitude as General shows it in at most that many characters; the shortest form where none fits.
+/// A magnitude as General shows it in at most `maxChars` characters; the shortest form if none fits.
 std::string xlsGeneral(const XlsDecimal& magnitude, int maxChars);
 
 }  // namespace LumCommon::detail

@@ -7,14 +7,14 @@ namespace LumCommon::detail {
 
 class XlsWriter;
 
-/// What kinds of sections write in the same way; nothing for other pieces.
+/// Writes a piece that all kinds of sections write alike; nothing for other pieces.
 void renderXlsCommon(const FMT& section, const XlsPiece& piece, XlsWriter& out);
-/// A number by a number section; a negative one begins with "-".
+/// Writes a number by a number section; a negative one begins with "-".
 void renderXlsNumber(const FMT& section, const XlsDecimal& value, int generalChars, XlsWriter& out);
-/// A date or time by such a section; the value is XlsDecimal::exact(). False, and nothing written, when the value is
-/// not one.
+/// Writes a date or time by a section of that kind; the value comes from XlsDecimal::exact(). False, with nothing
+/// written, if the value is not a date or time.
 bool renderXlsDate(const FMT& section, const XlsDecimal& value, bool is1904, XlsWriter& out);
-/// A text by any section: "@" and General write it, what is of numbers and dates writes nothing.
+/// Writes a text by any section: "@" and General write it, the pieces of numbers and dates write nothing.
 void renderXlsText(const FMT& section, const UnicodeString& value, XlsWriter& out);
 
 }  // namespace LumCommon::detail

@@ -34,7 +34,7 @@ private:
     void calendar(const XlsPiece& piece);
     void clock(const XlsPiece& piece);
     void elapsed(const XlsPiece& piece);
-    /// At least `width` digits. With units where the style has them, then not filled up.
+    /// Writes at least `width` digits, or numerals with units, without padding, if the style has them.
     void number(std::int64_t value, std::int32_t width, bool isReadable = true);
     void name(std::u16string_view full, bool isShort) { out_.put(isShort ? full.substr(0, xlsShortName) : full); }
 
@@ -122,7 +122,7 @@ bool renderXlsDate(const FMT& section, const XlsDecimal& value, bool is1904, Xls
     const XlsTime time(magnitude, section.secondDecimals);
     XlsDate date;
     if (section.hasDate) {
-        // A date alone does not show that its time is rounded up to the next day.
+        // A date without a time ignores that its time would be rounded up to the next day.
         const std::int64_t day = section.hasTime ? time.days : magnitude.whole();
         if (!xlsIsDay(day, is1904)) return false;
         date = xlsDate(day, is1904);

@@ -14,10 +14,10 @@ namespace {
 using Kind = XlsPieceKind;
 using Part = XlsPart;
 
-/// The digits of a natural number: some, and zeros behind them.
+/// The digits of a natural number: the significant ones, followed by zeros.
 struct NaturalDigits {
     std::string_view digits;
-    std::int64_t length = 0;  ///< with the zeros
+    std::int64_t length = 0;  ///< including the zeros
 
     char at(std::int64_t index) const {
         return index < static_cast<std::int64_t>(digits.size()) ? digits[static_cast<std::size_t>(index)] : '0';
@@ -28,7 +28,7 @@ NaturalDigits integerOf(const XlsDecimal& value) {
     return {value.integerDigits(), std::max<std::int64_t>(value.point(), 0)};
 }
 
-/// Puts a natural number into placeholders, from the left; what they have no room for comes before the first one.
+/// Puts a natural number into placeholders, from the left; digits that they have no room for come before the first one.
 class IntegerRun {
 public:
     IntegerRun(XlsWriter& out, NaturalDigits number, std::int64_t places, bool hasThousands)
@@ -95,7 +95,7 @@ public:
 private:
     XlsWriter& out_;
     const XlsDecimal& value_;
-    std::int64_t written_;  ///< the decimals up to here are digits
+    std::int64_t written_;  ///< how many decimals are written as digits
     std::int64_t number_ = 0;
 };
 
@@ -103,7 +103,7 @@ void putGeneral(const FMT& section, const XlsDecimal& magnitude, int generalChar
     std::string text = xlsGeneral(magnitude, generalChars);
     if (section.dbNum == 0) return out.number(text);
     if (text.find('E') != text.npos) {
-        // Numerals with units have no scientific notation; what is too large for them, or too small, keeps it.
+        // Numerals with units have no scientific notation; only numbers too large or too small for them keep it.
         const NaturalDigits whole = integerOf(magnitude);
         if (whole.length == 0 || whole.length > static_cast<std::int64_t>(XLS_READABLE_DIGITS)) return out.number(text);
         text.assign(static_cast<std::size_t>(whole.length), '0');
@@ -115,13 +115,13 @@ void putGeneral(const FMT& section, const XlsDecimal& magnitude, int generalChar
     out.number(number.substr(point));
 }
 
-/// The power of ten of a number whose mantissa has that many places before its point, and the mantissa.
+/// Returns the exponent for a mantissa with the section's places before the point, and makes `value` that mantissa.
 std::int64_t takeExponent(XlsDecimal& value, const FMT& section) {
     const std::int64_t places = section.integer.total();
     const auto exponentFor = [&](std::int64_t point) {
         if (places == 0) return point;
         const std::int64_t first = point - 1;
-        const std::int64_t above = first >= 0 ? first : first - (places - 1);  // division towards minus infinity
+        const std::int64_t above = first >= 0 ? first : first - (places - 1);  // so that the division rounds down
         return above / places * places;
     };
     if (value.isZero()) return 0;
@@ -129,7 +129,7 @@ std::int64_t takeExponent(XlsDecimal& value, const FMT& section) {
     XlsDecimal mantissa = value;
     mantissa.scale(-exponent);
     mantissa.round(section.decimals.total());
-    // Rounding may have made another digit before the point.
+    // Rounding may have added a digit before the point.
     const std::int64_t further = mantissa.isZero() ? 0 : exponentFor(mantissa.point());
     if (further > 0) mantissa.scale(-further);
     value = mantissa;
@@ -144,7 +144,7 @@ void renderPlain(const FMT& section, XlsDecimal value, int generalChars, XlsWrit
     } else {
         value.round(section.decimals.total());
     }
-    const std::string exponentDigits = xlsExponent(exponent).substr(2);  // two at least, whatever the code asks for
+    const std::string exponentDigits = xlsExponent(exponent).substr(2);  // at least two, whatever the code asks for
     IntegerRun integer(out, integerOf(value), section.integer.total(), section.hasThousands);
     DecimalsRun decimals(out, value, section.forcedDecimals);
     IntegerRun exponentRun(out, {exponentDigits, static_cast<std::int64_t>(exponentDigits.size())},
@@ -181,7 +181,7 @@ void renderPlain(const FMT& section, XlsDecimal value, int generalChars, XlsWrit
     }
 }
 
-/// A denominator stands at the left of its placeholders.
+/// Writes a denominator, left-aligned in its placeholders.
 void putDenominator(const FMT& section, std::uint64_t value, XlsWriter& out) {
     std::string text = std::to_string(value);
     if (section.fixedDenominator == 0) {

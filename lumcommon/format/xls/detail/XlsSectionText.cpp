@@ -36,7 +36,7 @@ char16_t letterOf(Kind kind) {
     }
 }
 
-/// What stands for a piece of a number or for a text; 0 for other pieces.
+/// The character that stands for a piece of a number or for a text; 0 for other pieces.
 char16_t signOf(Kind kind) {
     switch (kind) {
         case Kind::FORCED_DIGIT:
@@ -75,7 +75,7 @@ private:
     void repeat(char16_t unit, std::int32_t count) {
         for (std::int32_t i = 0; i < count; ++i) out_.append(unit);
     }
-    /// Keeps two runs of one letter apart.
+    /// Keeps two runs of the same letter apart.
     void separate(char16_t letter) {
         if (!out_.isEmpty() && toLowerAscii(out_.charAt(out_.length() - 1)) == letter) out_.append(u"\"\"", 2);
     }
@@ -148,7 +148,7 @@ void setXlsSectionText(FMT& section, const UnicodeString& prefix) {
     const auto has = [&](Kind kind) {
         return std::ranges::find(section.pieces, kind, &XlsPiece::kind) != section.pieces.end();
     };
-    // A year of an era needs a sign that the code is Japanese.
+    // "e" is a year only in a Japanese code, so the code must be marked as one.
     constexpr unsigned japanese = 0x411;
     if (section.locale != japanese && has(Kind::ERA_YEAR) && !has(Kind::ERA)) {
         section.text.append(u"[$-411]", -1);

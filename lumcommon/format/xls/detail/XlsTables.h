@@ -30,7 +30,7 @@ int xlsPaletteColor(int number) noexcept;
 std::u16string_view xlsMonthName(int month) noexcept;
 /// 0 is Sunday.
 std::u16string_view xlsDayName(int weekday) noexcept;
-/// Length of the short forms of the names of days and months, which are their beginnings.
+/// The length of the short names of days and months, which are the beginnings of the full ones.
 constexpr std::size_t xlsShortName = 3;
 
 struct XlsEra {
@@ -42,7 +42,7 @@ struct XlsEra {
 constexpr int XLS_ERAS = 4;
 const XlsEra& xlsEra(int era) noexcept;
 
-/// The forms of AM/PM, from 1; null view for others.
+/// The forms of AM/PM, from 1; an empty view for others.
 std::u16string_view xlsAmPm(int form) noexcept;
 constexpr int XLS_AMPM_FORMS = 4;
 

@@ -9,8 +9,8 @@
 
 namespace LumCommon::detail {
 
-/// Appends to a string through a small buffer of its own: a call of UnicodeString::append a unit costs more than the
-/// rest of the formatting. Digits come out in a numeral style.
+/// Appends to a string through a small buffer: one call of UnicodeString::append for each unit would cost more than the
+/// rest of the formatting. Digits are written in the numeral style that is set.
 class XlsWriter {
 public:
     explicit XlsWriter(UnicodeString& out) : out_(out) {}
@@ -28,7 +28,7 @@ public:
         for (const char16_t c : text) put(c);
     }
     void digit(char ascii) { put(style_ == 0 ? static_cast<char16_t>(ascii) : xlsNumeral(ascii - '0', style_)); }
-    /// ASCII text, its digits in the style.
+    /// Writes ASCII text, its digits in the style.
     void number(std::string_view ascii) {
         for (const char c : ascii) {
             if (isAsciiDigit(c)) {
@@ -41,7 +41,7 @@ public:
     void spaces(std::int64_t count) {
         for (; count > 0; --count) put(u' ');
     }
-    /// Part of another string.
+    /// Writes part of another string.
     void text(const UnicodeString& source, std::int32_t start, std::int32_t length) {
         if (length > capacity) {
             flush();
@@ -50,7 +50,7 @@ public:
         }
         for (std::int32_t i = start; i < start + length; ++i) put(source.charAt(i));
     }
-    /// The first one counts.
+    /// Notes that a fill goes here; only the first one counts.
     void fill(char32_t character) {
         if (fillAt_ >= 0) return;
         flush();
@@ -62,7 +62,7 @@ public:
         count_ = 0;
     }
 
-    /// Where in the string the fill belongs; -1 for none.
+    /// Where in the string the fill goes; -1 for none.
     std::int32_t fillAt() const { return fillAt_; }
     UChar32 fillCharacter() const { return fillCharacter_; }
 
