@@ -8,8 +8,7 @@ namespace LumCommon {
 namespace detail {
 
 UnicodeString readZipName(std::istream& in, std::uint16_t lengthBytes) {
-    // The claim may size this: it is at most 64 KiB, and a name that is not there in full is the last one of its
-    // stream.
+    // Allocating what is claimed is safe: it is at most 64 KiB, and only the last name of a stream can be incomplete.
     std::string name(lengthBytes, '\0');
     if (readBytes(in, name) < name.size()) return UnicodeString();
     return UnicodeString(name.data(), static_cast<std::int32_t>(name.size()));
@@ -19,7 +18,7 @@ void skipBytes(std::istream& in, std::uint64_t bytes) noexcept {
     try {
         if (bytes != 0) in.seekg(static_cast<std::streamoff>(bytes), std::ios_base::cur);
     } catch (...) {
-        // The state tells: seekg() sets badbit before it passes on what its buffer threw.
+        // The stream's state shows it: seekg() sets badbit before rethrowing what its buffer threw.
     }
 }
 
@@ -37,7 +36,7 @@ void rewindTo(std::istream& in, std::streamoff position) noexcept {
         in.clear();
         in.seekg(position);
     } catch (...) {
-        // The stream does not go back although it told its position; it is left in the state that it gave itself.
+        // The stream cannot go back although it reported its position; it is left in the state that it has set itself.
     }
 }
 
@@ -49,7 +48,7 @@ StreamPlace::~StreamPlace() {
     try {
         in_.setstate(std::ios_base::failbit);
     } catch (...) {
-        // Its mask throws; the state is set.
+        // Thrown because of its exception mask; the state is set.
     }
 }
 

@@ -8,7 +8,7 @@
 
 namespace LumCommon {
 
-/// What the local header and the central directory header of a member say alike, in their order.
+/// The fields that the local header and the central directory header of a member share, in their order.
 struct LumZipMemberFields {
     std::uint16_t versionNeeded = 0;
     std::uint16_t flags = 0;             ///< bit 0: encrypted; bit 3: a data descriptor follows the data
@@ -22,12 +22,13 @@ struct LumZipMemberFields {
     std::uint16_t extraLength = 0;       ///< in bytes
 };
 
-/// One record of a zip archive. Each class reads its record from the stream's position when it is constructed.
+/// One record of a zip archive. Each class reads its record at the stream's position when it is constructed.
 ///
-/// Failure: nothing is thrown, also where the stream throws. A field that the stream no longer holds is 0, and so is
-/// every field behind it. All numbers are what the archive says; none has been checked against another.
-/// Of the derived classes only LumZipFileEntry has a type identifier of its own.
-/// Ownership: the stream stays the caller's.   Threads: one at a time per stream.
+/// Failure: nothing is thrown, even if the stream throws. A field past the end of the stream is 0, and so is every
+/// field after it. All numbers are what the archive says; none has been checked against another.
+/// Of the derived classes only LumZipFileEntry has its own type identifier.
+/// Ownership: the stream stays with the caller.
+/// Threads: one at a time per stream.
 class LUM_API LumZipEntry : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0xB84B5A40u;
@@ -43,13 +44,13 @@ public:
 
     /// The stream that the record was read from; null once an archive that owned it is gone.
     std::istream* getStream() const noexcept { return stream_; }
-    /// Where the record begins in the stream, in bytes; -1 when the stream had failed or cannot seek.
+    /// Where the record begins in the stream, in bytes; -1 if the stream had failed or cannot seek.
     std::streamoff getPosition() const noexcept { return position_; }
-    /// The first four bytes of the record, 0 when they could not be read.
+    /// The first four bytes of the record; 0 if they could not be read.
     std::uint32_t getSignature() const noexcept { return signature_; }
 
-    /// The next four bytes as a little-endian number; the stream stays where it is. 0 when there are fewer or the
-    /// stream cannot seek.
+    /// The next four bytes as a little-endian number; the stream does not move. 0 if there are fewer or the stream
+    /// cannot seek.
     static std::uint32_t getSignature(std::istream& s);
 
     unsigned int getTypeID() const override;
@@ -79,7 +80,7 @@ private:
     std::uint32_t uncompressedSize_;
 };
 
-/// A file header of the central directory. The stream stands behind its comment afterwards.
+/// A file header of the central directory. Constructing it leaves the stream after its comment.
 class LUM_API LumZipDirectoryEntry : public LumZipEntry {
 public:
     explicit LumZipDirectoryEntry(std::istream& s);
@@ -91,7 +92,7 @@ public:
     std::uint16_t getInternalAttributes() const noexcept { return internalAttributes_; }
     std::uint32_t getExternalAttributes() const noexcept { return externalAttributes_; }
     std::uint32_t getLocalHeaderOffset() const noexcept { return localHeaderOffset_; }
-    /// The name in the platform's default charset; empty when the stream does not hold all of it.
+    /// The name in the platform's default charset; empty if the stream does not contain all of it.
     const UnicodeString& getFileName() const noexcept { return fileName_; }
 
 private:
@@ -105,7 +106,7 @@ private:
     UnicodeString fileName_;
 };
 
-/// The end record of the central directory. The stream stands before the archive's comment afterwards.
+/// The end record of the central directory. Constructing it leaves the stream before the archive's comment.
 class LUM_API LumZipEndDirectoryEntry : public LumZipEntry {
 public:
     explicit LumZipEndDirectoryEntry(std::istream& s);

@@ -45,13 +45,13 @@ void LumZipFile::open(const char* path) {
 }
 
 void LumZipFile::open(std::istream* s, bool own) {
-    if (s == stream_.get()) stream_.disown();  // it is to be read once more and must not go with the old archive
+    if (s == stream_.get()) stream_.disown();  // it is read again and must not be deleted with the old archive
     close();
     stream_ = {s, own};
     try {
         init();
     } catch (const std::exception&) {
-        // Out of memory: the archive ends with the last member that it could be told of.
+        // Out of memory: keep the members read so far.
     }
 }
 
@@ -66,6 +66,13 @@ void LumZipFile::close() noexcept {
     entries_.clear();
 }
 
+// Lists the members. The walk goes from one local header to the next and stops at the first record that is neither a
+// local header nor a data descriptor. Programs that write an archive in one go leave the sizes of a member at 0 and put
+// them into a data descriptor after its data (bit 3 of its flags), or at 0xFFFFFFFF and into an extra field of zip64.
+// The walk cannot continue after such a member, unless its descriptor follows at once because it is empty. Then all
+// members are taken from the central directory instead. Without a usable directory (the archive is truncated) the
+// descriptor is searched for: it is the first one whose distance from the data equals the compressed size that it
+// states. If there is none, or it lacks the signature that most programs give it, the member stays empty.
 void LumZipFile::init() {
     if (!stream_) return;
     const std::streamoff start = detail::tellPosition(*stream_);
@@ -82,7 +89,7 @@ void LumZipFile::init() {
                     isDirectoryUntried = false;
                     if (takeFromDirectory(start, added->getPosition())) return;
                 }
-                // A search that fails has read to the end. One for each header would make hostile headers quadratic.
+                // A search that fails has read to the end. One per header would make hostile archives quadratic.
                 if (areDescriptorsFound && added->leavesSizesToDescriptor()) {
                     areDescriptorsFound = detail::findDescriptor(*stream_, added->fields_);
                 }
@@ -98,6 +105,9 @@ void LumZipFile::init() {
     }
 }
 
+// The directory is trusted if it leads to the member at which the walk stopped; anything in front of the archive is
+// allowed for. A record that leads to no local header, or into the header of another member, is left out. Data end
+// where the next member begins at the latest.
 bool LumZipFile::takeFromDirectory(std::streamoff start, std::streamoff unwalkable) {
     const detail::StreamPlace place(*stream_);
     const detail::CentralDirectory directory = detail::readCentralDirectory(*stream_, start);
@@ -109,7 +119,7 @@ bool LumZipFile::takeFromDirectory(std::streamoff start, std::streamoff unwalkab
         detail::rewindTo(*stream_, member.headerPosition);
         LumPtr<LumZipFileEntry> entry(new LumZipFileEntry(*stream_, member));
         if (entry->getSignature() != LumZipEntry::SIGNATURE_FILE) continue;
-        // Data that reach into the next member would let a small file claim, in many members, any amount of memory.
+        // Data that reach into the next member would let a small file with many members claim any amount of memory.
         if (!entries.empty()) entries.back()->limitData(entry->getPosition());
         free = member.headerPosition + std::streamoff{detail::ZipLocalHeader::bytes};
         isOfThisArchive = isOfThisArchive || member.headerPosition == unwalkable;

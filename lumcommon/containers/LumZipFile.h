@@ -15,33 +15,27 @@ namespace detail {
 struct PackageRelationships;
 }  // namespace detail
 
-/// Reads a zip archive from a file or from any stream that can seek, and tells what an office document in it is.
+/// Reads a zip archive from a file or from any seekable stream, and identifies office documents in it.
 ///
-/// Opening walks the local headers from the stream's position, one after another, and stops at the first record that is
-/// neither a local header nor a data descriptor. Programs that write an archive in one go leave the sizes of a member
-/// at 0 and put them into a data descriptor behind its data (bit 3 of its flags), or at 0xFFFFFFFF and into an extra
-/// field of zip64. The walk cannot go on behind such a member, unless its descriptor follows at once because it is
-/// empty. Then all members are taken from the central directory instead, in the order of their local headers:
-/// - The directory is that of the archive that ends the stream. It is believed when it leads to the member at which the
-///   walk stopped; what stands in front of the archive is allowed for. Sizes of zip64 are read.
-/// - A record that leads to no local header, or into the header of another member, is left out. Data end where the next
-///   member begins at the latest, so that members which overlap do not multiply the bytes of a file.
-/// - Without such a directory (the archive is cut) the descriptor is looked for: it is the first one whose place agrees
-///   with the compressed size that it states. Where there is none, or it lacks the signature that most programs give
-///   it, the member is empty and mostly the last of the list.
-/// A member that claims more bytes than there are is the last of the list.
+/// Opening lists the members by their local headers, from the stream's position on, up to the first record that is
+/// neither a local header nor a data descriptor. If a local header does not state its member's size (a data descriptor
+/// or a zip64 field has it), all members are listed from the central directory of the archive that ends the stream, in
+/// the order of their local headers; in a truncated archive, which has no directory, the descriptor is searched for. A
+/// member without any size that can be found is empty and usually the last of the list; one that claims more bytes than
+/// there are is the last. Members listed from the directory never share data, so that overlapping ones do not multiply
+/// the bytes of a file.
 ///
 ///     LumZipFile zip("book.zip");
 ///     LumZipFileEntry* entry = zip.getFileEntry(u"chapters/one.xml");
 ///     if (entry) std::cout << entry->getUncompressedStream(false)->rdbuf();
 ///
 /// Office packages: the parts that describe a package, "[Content_Types].xml" and those in the folders "_rels", are read
-/// when something is first asked that needs them, once until another archive is opened. They are read through the
-/// streams that their entries own, which are rewound. Nothing outside the archive is opened for them.
+/// when they are first needed, once per archive. They are read through the streams that their entries own, which are
+/// rewound. Nothing outside the archive is opened for them.
 ///
-/// Failure: nothing is thrown, but a describing part that is no well-formed XML throws the parser's LumError, and want
-/// of memory std::bad_alloc. What that part would have said is then not known, and every further question that needs it
-/// throws again; the rest of the archive can be used. What cannot be opened or is no archive has no entries.
+/// Failure: something that cannot be opened or is not an archive has no entries; nothing is thrown. Only the members
+/// for office packages throw: the parser's LumError if a describing part is not well-formed XML, and std::bad_alloc.
+/// They throw again whenever they need that part; the rest of the archive can still be used.
 /// Threads: one at a time for the archive and all its entries.
 class LUM_API LumZipFile {
 public:
@@ -49,81 +43,86 @@ public:
     LumZipFile();
     /// @param path  a local path in the platform's charset; null for none.
     explicit LumZipFile(const char* path);
-    /// @param s    null for no archive; not a stream of one of this archive's own entries.
-    /// @param own  true: the archive deletes `s` with itself or when another is opened. false: `s` must outlive the
-    ///             archive and every entry whose data are not read yet.
+    /// @param s    null for no archive; must not be a stream of one of this archive's own entries.
+    /// @param own  true: the archive deletes `s` at its own destruction or when another is opened. false: `s` must
+    ///             outlive the archive and every entry whose data are not read yet.
     LumZipFile(std::istream* s, bool own);
     LumZipFile(const LumZipFile&) = delete;
     LumZipFile& operator=(const LumZipFile&) = delete;
     ~LumZipFile();
 
-    /// Drops the archive that was open, its stream included when owned, and reads another; the arguments are those of
-    /// the constructors. Cost: O(number of members), plus the names; the data are skipped, but for those in front of a
-    /// data descriptor that has to be looked for. The central directory makes it read at the end of the stream.
+    /// Drops the archive that was open, deleting its stream if owned, and reads another; the arguments are those of the
+    /// constructors.
+    /// Cost: O(number of members) plus the names; data are skipped, except before a data descriptor that has to be
+    /// searched for. If the central directory is needed, the end of the stream is read too.
     void open(const char* path);
     void open(std::istream* s, bool own);
 
-    /// The members are counted in the order of the archive; those with the same name are all there.
+    /// The number of members, those with equal names included. They are in the order of the archive.
     unsigned getFileEntryCount() const noexcept { return static_cast<unsigned>(entries_.size()); }
-    /// The entry at that index; null when there is none. Ownership: borrowed; put it into a LumPtr to keep it longer
-    /// than the archive. Data that were not read before an owned stream went with its archive are then empty.
+    /// The entry at that index; null if there is none.
+    /// Ownership: borrowed; hold it in a LumPtr to keep it longer than the archive. Data that were not read before an
+    /// owned stream was deleted with its archive are then empty.
     LumZipFileEntry* getFileEntry(unsigned index) const noexcept;
-    /// The first entry with exactly that name; null when there is none.   Cost: O(log members).
+    /// The first entry with exactly that name; null if there is none. Cost: O(log members).
     LumZipFileEntry* getFileEntry(const UnicodeString& name) const noexcept;
 
-    /// True when a zip archive may begin at the stream's position: a local header, a central directory header, or the
-    /// end record of an empty archive. The stream stays where it is. False for null and for a stream that cannot seek.
+    /// True if a zip archive may begin at the stream's position: a local header, a central directory header, or the end
+    /// record of an empty archive. The stream does not move. False for null and for a stream that cannot seek.
     static bool isZipFile(std::istream* s);
-    /// False also when the file cannot be opened.
+    /// Also false if the file cannot be opened.
     static bool isZipFile(const char* path);
 
+    // Office packages. The bodies of the public members from here on are in containers/office/LumZipPackage.cpp.
+
     /// The kind of office document that the package holds, by the content type of getOfficeDocument():
-    /// 1 to 4 word processing (document, with macros, template, template with macros), 5 to 8 spreadsheet (likewise),
-    /// 9 binary spreadsheet, 10 and 11 presentation (without and with macros), 12 and 13 slide show, 14 and 15 template
-    /// of presentations, 16 theme; 0 for anything else. Errors: see the class.
+    /// 1 to 4 word processing (document, with macros, template, template with macros), 5 to 8 spreadsheet (likewise), 9
+    /// binary spreadsheet, 10 and 11 presentation (without and with macros), 12 and 13 slide show, 14 and 15 template
+    /// of presentations, 16 theme; 0 for anything else. Failure: see the class.
     int detectOOXDocument();
-    /// The same for a file; 0 when it cannot be opened.
+    /// The same for a file; 0 if it cannot be opened.
     static int detectOOXDocument(const char* path);
-    /// The same for the archive at the stream's position, which has moved afterwards.
-    /// @param s  stays the caller's. 0 for null and for a stream that has failed.
+    /// The same for the archive at the stream's position, which changes.
+    /// @param s  stays with the caller. Null and a stream that has failed give 0.
     static int detectOOXDocument(std::istream* s);
-    /// The main part: the entry that the package's relationship of the type "officeDocument" leads to; null without.
+    /// The main part: the entry that the package's relationship of type "officeDocument" leads to; null if there is
+    /// none.
     LumZipFileEntry* getOfficeDocument();
-    /// Whether a package in the Strict form of Office Open XML (ISO/IEC 29500) is a package like any other. Its
-    /// relationship types begin with "http://purl.oclc.org/ooxml/officeDocument/relationships/" in place of
-    /// "http://schemas.openxmlformats.org/officeDocument/2006/relationships/". When that is accepted, a type that no
-    /// relationship has is looked for in the other form, here and in getRelationshipTargetFromType().
-    /// Off at first, so that the kind of such a package is 0. Kept when another archive is opened.
+    /// Whether to accept packages in the Strict form of Office Open XML (ISO/IEC 29500). Their relationship types begin
+    /// with "http://purl.oclc.org/ooxml/officeDocument/relationships/" instead of
+    /// "http://schemas.openxmlformats.org/officeDocument/2006/relationships/". If they are accepted, a type that no
+    /// relationship has is looked up in the other form, by getOfficeDocument() and getRelationshipTargetFromType().
+    /// Off by default, so that detectOOXDocument() gives 0 for such a package. Kept when another archive is opened.
     void setAcceptsStrictPackages(bool accepts) noexcept { acceptsStrictPackages_ = accepts; }
 
-    /// The content type of an entry of this archive; empty for null and where the package states none.
+    /// The content type of an entry of this archive; empty for null and if the package states none.
     UnicodeString getContentType(LumZipFileEntry* entry);
-    /// Gives every entry its content type: that of its "Override", else of the "Default" for its extension (what
-    /// follows the last "."). Names are compared exactly, an override without its leading "/"; among equal names of
-    /// entries it speaks of the first. Of two elements for the same part or extension the last one holds.
+    /// Gives every entry its content type: that of its "Override", else of the "Default" for its extension (the part
+    /// after the last "."). Names are compared exactly, that of an override without its leading "/"; it applies to the
+    /// first of several entries with that name. Of two elements for the same part or extension, the last one counts.
     void setContentType();
 
-    /// The target of the relationship with that id or type, the first one when there are several; empty without one.
-    /// An internal target is resolved against the name of its source. It is the name of an entry where it leads to one,
-    /// also with "/" in front, with more "../" than there are folders, and with percent escapes that the name of the
-    /// entry lacks; a target with a scheme is as LumUri resolves it. An external target (any other TargetMode than
-    /// "Internal") is as written.
+    /// The target of the relationship with that id or type, the first one if there are several; empty if there is none.
+    /// An internal target is resolved against the name of its source. The result is the name of an entry if the target
+    /// leads to one, even with "/" in front, with more "../" than there are folders, or with percent escapes that the
+    /// name of the entry lacks; a target with a scheme is resolved as by LumUri. An external target (any TargetMode
+    /// other than "Internal") is given as written.
     /// @param source  the entry whose relationships are meant; null for those of the package.
     /// Cost: O(log relationships), plus the lengths of both names.
     UnicodeString getRelationshipTargetFromId(const UnicodeString& id, LumZipFileEntry* source = nullptr);
     UnicodeString getRelationshipTargetFromType(const UnicodeString& type, LumZipFileEntry* source = nullptr);
-    /// "Internal", "External", or what else is written; "Internal" also where nothing is.
+    /// The TargetMode of that relationship as written; "Internal" if it has none or there is no such relationship.
     UnicodeString getRelationshipTargetMode(const UnicodeString& id, LumZipFileEntry* source = nullptr);
-    /// Reads the relationships of a source, for callers that want to meet its errors early. Elements without Target are
-    /// passed over; of those with the same id, and of those with the same type, the first one holds.
+    /// Reads the relationships of a source, for callers that want to meet errors early. Elements without a Target are
+    /// skipped; of those with the same id, and of those with the same type, the first one counts.
     void makeRelationships(LumZipFileEntry* source = nullptr);
 
 private:
     void init();
-    /// Takes the members from the central directory. False, and nothing changed, when it does not lead to the local
-    /// header at `unwalkable`; the stream is then where it was.
+    /// Takes the members from the central directory. False, with nothing changed and the stream where it was, if it
+    /// does not lead to the local header at `unwalkable`.
     bool takeFromDirectory(std::streamoff start, std::streamoff unwalkable);
-    /// Reads them when they have not been read.
+    /// Reads them on first use.
     const detail::PackageRelationships& relationshipsOf(LumZipFileEntry* source);
     void close() noexcept;
 

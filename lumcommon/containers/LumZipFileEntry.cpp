@@ -13,13 +13,13 @@ namespace LumCommon {
 
 namespace {
 
-/// Reads a local header whose signature has been read.
+/// Reads the rest of a local header after its signature.
 LumZipMemberFields readLocalHeader(std::istream& in) noexcept {
     using Record = detail::ZipLocalHeader;
     return Record::Member::readFrom(detail::RecordReader<Record>(in, detail::ZipSignature::bytes));
 }
 
-/// Where the data begin, from the start of the record; the largest sum of its parts is far below 2^31.
+/// The offset of the data from the start of the record; the largest sum of its parts is far below 2^31.
 std::streamoff dataOffset(const LumZipMemberFields& fields) noexcept {
     return std::streamoff{detail::ZipLocalHeader::bytes} + fields.nameLength + fields.extraLength;
 }
@@ -61,7 +61,7 @@ bool LumZipFileEntry::seekData() {
     const std::streamoff offset = dataOffset(fields_);
     if (!stream_ || position_ < 0 || position_ > std::numeric_limits<std::streamoff>::max() - offset) return false;
     try {
-        stream_->clear();  // walking the archive may have ended with a failure
+        stream_->clear();  // walking through the archive may have left it failed
         stream_->seekg(position_ + offset);
         return stream_->good();
     } catch (...) {

@@ -23,7 +23,7 @@ constexpr std::uint16_t littleEndianMark = 0xFFFE;
 constexpr unsigned highestShift = 31;
 constexpr unsigned paddedHeaderVersion = 4;
 constexpr std::int32_t noSector = detail::SectorChain::END;
-constexpr std::int32_t freeSector = detail::SectorChain::BROKEN;  // no chain goes there
+constexpr std::int32_t freeSector = detail::SectorChain::BROKEN;  // no chain leads there
 
 UnicodeString nameText(const char* name) {
     const UnicodeString text = UnicodeString::fromUTF8(name);
@@ -68,7 +68,7 @@ bool OleCompFile::OLEopenSub() {
             if (parseHeader() && buildFAT() && buildMiniFAT() && buildDirInfo()) return true;
         }
     } catch (const std::bad_alloc&) {
-        // The file has more tables than there is memory.
+        // Out of memory: the file's tables do not fit.
     }
     close();
     return false;
@@ -118,7 +118,7 @@ void OleCompFile::appendBlockTo(std::vector<std::int32_t>& table) const {
     for (std::size_t i = 0; i < sectors.count; ++i) table.push_back(record.get(sectors[i]));
 }
 
-/// What the header may say where a chain begins that need not exist.
+/// Whether the header may state this as the first sector of a chain that need not exist.
 bool OleCompFile::isFirstOrNone(std::int32_t sector, std::uint32_t count) const noexcept {
     return sector >= 0 || sector == noSector || (acceptsLooseFiles_ && sector == freeSector && count == 0);
 }
@@ -172,8 +172,8 @@ bool OleCompFile::readFatList(std::uint32_t count, std::int32_t firstDifat) {
 }
 
 bool OleCompFile::buildFAT() {
-    // Entries for sectors behind the end of the file are of no use, and a list that names one sector again and again
-    // would make a table of many times the file's size. What the table lacks counts as free.
+    // Entries for sectors past the end of the file are useless, and a list that names one sector again and again would
+    // make a table many times the file's size. Sectors that the table lacks count as free.
     const auto sectors = static_cast<std::size_t>(getSectorCount());
     for (const std::int32_t sector : fatSectors_) {
         if (!isSectorThere(sector)) return false;
@@ -236,7 +236,7 @@ long OleCompFile::getNextBlock(long sector, bool mini) const noexcept {
 long OleCompFile::findDirEntryByName(const OleDirInfo* start, const char* name) const {
     if (!start || !name) return -1;
     const UnicodeString wanted = detail::toUpperCase(nameText(name));
-    std::vector<bool> isVisited(directory_.size());  // siblings that point at one another would be met for ever
+    std::vector<bool> isVisited(directory_.size());  // siblings that point at one another would loop forever
     std::vector<int> waiting{start->getIndex()};
     while (!waiting.empty()) {
         const OleDirInfo* const entry = getDirInfo(waiting.back());
@@ -245,7 +245,7 @@ long OleCompFile::findDirEntryByName(const OleDirInfo* start, const char* name) 
         isVisited[static_cast<std::size_t>(entry->getIndex())] = true;
         if (detail::toUpperCase(entry->getName()) == wanted) return entry->getIndex();
         waiting.push_back(entry->getRight());
-        waiting.push_back(entry->getLeft());  // taken first
+        waiting.push_back(entry->getLeft());  // popped first
     }
     return -1;
 }

@@ -77,7 +77,7 @@ long OleStream::OLEseek(int offset, int whence) {
     if (target < 0 || target > std::numeric_limits<long>::max()) return -1;
     position_ = target;
     if (target == 0 && sizeBytes_ == 0) return 0;
-    // The end may lie behind the last sector, at no byte of its own; it follows the last byte.
+    // The end may be past the last sector, where there is no byte to locate; it follows the last byte.
     const bool isEnd = target == std::int64_t{sizeBytes_};
     const auto byte = static_cast<std::uint64_t>(isEnd ? target - 1 : target);
     const std::int64_t start = getUnitOffset(static_cast<std::size_t>(byte / getUnitSize()));

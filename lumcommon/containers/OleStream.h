@@ -16,8 +16,8 @@ class SectorChain;
 
 /// A stream of a compound file, opened by OleCompFile::OLEopenStream.
 ///
-/// The stream's chain of sectors is walked as far as reading and seeking need it. Where it is broken (it loops, ends
-/// before the stated size, or leads out of the file) reads stop short.
+/// The stream's chain of sectors is walked only as far as reading and seeking need it. Where it is broken (it loops,
+/// ends before the stated size, or leads out of the file), reads stop short.
 /// Threads: one at a time for all streams of a file and the file itself.
 class LUM_API OleStream {
 public:
@@ -27,33 +27,34 @@ public:
     OleStream& operator=(const OleStream&) = delete;
     ~OleStream();
 
-    /// Opens the stream at a place of the directory, at position 0. False when there is no stream, or one that should
-    /// lie in the mini stream of a file that has none; the stream is then empty. A stream of no bytes always opens.
+    /// Opens the stream with that index in the directory, at position 0. False if there is no such stream, or if it
+    /// should be in the mini stream and the file has none; the stream is then empty. A stream of 0 bytes always opens.
     [[nodiscard]] bool GetStreamChain(int dirIndex);
-    /// Walks the chain until it has more than `k` sectors (mini sectors for a stream in the mini stream). False when it
-    /// is shorter, or broken.
+    /// Walks the chain until it has more than `k` sectors (mini sectors for a stream in the mini stream). False if it
+    /// is shorter or broken.
     bool GetStreamChainIndex(int k);
 
-    /// Reads up to `n` bytes; the number read, less than `n` at the end and where the chain or the file is broken.
-    /// Cost: a run of sectors that lie together is read at once.
+    /// Reads up to `n` bytes. Returns the number read, which is less than `n` at the end and where the chain or the
+    /// file is broken.
+    /// Cost: a run of adjacent sectors is read at once.
     unsigned OLEread(unsigned char* buf, unsigned n);
-    /// Moves to `offset` bytes from the start, the current position or the end (SEEK_SET, SEEK_CUR, SEEK_END).
-    /// Returns where in the file that byte lies; for the end of the stream the place behind its last byte, or 0 in a
-    /// stream of no bytes.
-    /// Failure: -1. A negative position or unknown `whence` moves nothing; behind the sectors of the stream the
-    /// position is set all the same, and reads there give 0.
+    /// Moves to `offset` bytes from the start, the current position or the end (SEEK_SET, SEEK_CUR, SEEK_END). Returns
+    /// the offset of that byte in the file; at the end of the stream, the offset just past its last byte, or 0 in a
+    /// stream of 0 bytes.
+    /// Failure: -1. A negative position or unknown `whence` does not move; a position past the sectors of the stream is
+    /// set all the same, and reads there give 0.
     /// Cost: O(sectors up to there) the first time.
     long OLEseek(int offset, int whence);
     /// In bytes from the start.
     long OLEtell() const noexcept { return static_cast<long>(position_); }
-    /// In bytes, as stated in the directory: less may be there.
+    /// In bytes, as stated in the directory; there may be fewer.
     unsigned GetStreamSize() const noexcept { return sizeBytes_; }
     bool isMini() const noexcept { return isMini_; }
 
-    /// Writes the whole stream to a file, which is replaced. The position stays.
+    /// Writes the whole stream to a file, replacing it. The position does not change.
     /// @param path  in the platform's encoding.
-    /// Failure: false when the file cannot be written or the stream is shorter than it states; the file then holds
-    /// what could be read.
+    /// Failure: false if the file cannot be written or the stream is shorter than stated; the file then holds what
+    /// could be read.
     [[nodiscard]] bool CopyToFile(const unsigned char* path);
     [[nodiscard]] bool CopyToFile(const char* path) { return CopyToFile(reinterpret_cast<const unsigned char*>(path)); }
 

@@ -1,4 +1,4 @@
 #pragma once
 
-// An address: the class stands in another room of the library.
+// Only forwards: the class is declared in containers/office/.
 #include <lumcommon/containers/office/OleSummaryInformation.h>

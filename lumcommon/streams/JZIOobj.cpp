@@ -12,7 +12,7 @@
 namespace LumCommon {
 namespace {
 
-/// A descriptor's position in a file, moved; -1 on failure.
+/// Moves a descriptor's position and returns the new one; -1 on failure.
 long moveTo(int fd, long offset, int whence) { return static_cast<long>(lseek(fd, offset, whence)); }
 
 /// Repeats a system call that a signal has interrupted.
@@ -82,7 +82,7 @@ bool JZFileIOobj::Open() {
         return false;
     }
     flags_ |= OPEN;
-    // What has no end to seek to, a pipe for one, has no size.
+    // Something without an end to seek to, such as a pipe, has no size.
     sizeBytes_ = isWritable ? 0 : std::max(moveTo(fd_, 0, SEEK_END), 0L);
     if (!isWritable) moveTo(fd_, 0, SEEK_SET);
     return true;
@@ -136,7 +136,7 @@ int JZStreamIOobj::Read(char* buf, int len) {
         try {
             stream_->clear(std::ios_base::eofbit);
         } catch (...) {
-            // The exception mask has eofbit; the state is set all the same.
+            // The exception mask includes eofbit; the state has been set all the same.
         }
     }
     return static_cast<int>(count);
@@ -148,7 +148,7 @@ bool JZStreamIOobj::Seek(long offset, int whence) {
     try {
         stream_->seekg(offset, directions[whence]);
     } catch (...) {
-        // The exception mask; the state tells.
+        // Thrown because of the exception mask; the state is checked below.
     }
     return !stream_->fail();
 }
@@ -156,7 +156,7 @@ bool JZStreamIOobj::Seek(long offset, int whence) {
 long JZStreamIOobj::Tell() {
     if (!stream_ || stream_->fail()) return -1;
     try {
-        // Not tellg(), which makes a stream fail that has met its end.
+        // Not tellg(): it would make a stream that has reached its end fail.
         return static_cast<long>(stream_->rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::in));
     } catch (...) {
         return -1;

@@ -7,7 +7,7 @@
 
 namespace LumCommon {
 
-/// The least that random access needs: what the reader of compound files stands on.
+/// The minimal random-access interface that the reader of compound files is built on.
 /// Failure: -1 or false. Threads: one at a time.
 class LUM_API JZIOobj {
 public:
@@ -17,26 +17,27 @@ public:
     virtual ~JZIOobj();
     JZIOobj& operator=(const JZIOobj&) = delete;
 
-    /// True at once when it is open.
+    /// Returns true at once if it is already open.
     [[nodiscard]] virtual bool Open() = 0;
     /// Always true.
     virtual bool Close() = 0;
-    /// Reads up to `len` bytes; the number read, 0 at the end.
+    /// Reads up to `len` bytes. Returns the number read, 0 at the end.
     virtual int Read(char* buf, int len) = 0;
-    /// Writes `len` bytes; the number written. An object that cannot write gives -1.
+    /// Writes `len` bytes. Returns the number written; an object that cannot write returns -1.
     virtual int Write(const char* buf, int len);
     /// Moves to `offset` bytes from the start, the current position or the end (SEEK_SET, SEEK_CUR, SEEK_END). An
-    /// object that cannot seek gives false.
+    /// object that cannot seek returns false.
     virtual bool Seek(long offset, int whence);
     /// The position in bytes, or -1.
     virtual long Tell() = 0;
-    /// Reads up to `len` bytes from `offset` on, as Seek() from the start and Read() do; -1 where those fail. What the
-    /// position is afterwards is left open.
-    virtual int ReadAt(long offset, char* buf, int len);  // last, so that the places of the others stay
+    /// Reads up to `len` bytes at `offset` bytes from the start, like Seek() followed by Read(); -1 if either fails.
+    /// The position afterwards is unspecified.
+    virtual int ReadAt(long offset, char* buf, int len);  // last, to keep the vtable slots of the others
 
     bool IsOpen() const noexcept { return (flags_ & OPEN) != 0; }
     unsigned GetFlags() const noexcept { return flags_; }
-    /// The size in bytes when it was opened for reading; 0 before that, for writing, and of what has no size.
+    /// The size in bytes at the time it was opened for reading; 0 before that, when opened for writing, and for
+    /// something without a size.
     long GetSize() const noexcept { return sizeBytes_; }
 
 protected:
@@ -47,29 +48,29 @@ protected:
     long sizeBytes_ = 0;
 };
 
-/// A file by its descriptor.
+/// A file, accessed through its descriptor.
 ///
-/// A mode is read letter by letter: "r" for reading, "w" for reading and writing, "b" and "t" for the binary flag,
-/// which changes nothing here; other letters are ignored.
+/// The mode is read letter by letter: "r" for reading, "w" for reading and writing, "b" and "t" set and clear the
+/// binary flag, which has no effect here; other letters are ignored.
 class LUM_API JZFileIOobj : public JZIOobj {
 public:
-    /// @param path  in the platform's encoding; with null Open() fails.
+    /// @param path  in the platform's encoding; null makes Open() fail.
     JZFileIOobj(const char* path, const char* mode);
-    /// Takes an open descriptor, which is closed with the object; its position is left as it is.
+    /// Takes over an open descriptor, which is closed with the object; its position is left as it is.
     JZFileIOobj(int fd, const char* mode);
     /// A copy names the same path and is not open.
     JZFileIOobj(const JZFileIOobj& other);
     ~JZFileIOobj() override;
 
-    /// A file opened for writing is made when it does not exist (mode 0600) and keeps its content. A directory cannot
-    /// be opened.
+    /// A file opened for writing is created if it does not exist (mode 0600); an existing one keeps its content. A
+    /// directory cannot be opened.
     [[nodiscard]] bool Open() override;
     bool Close() override;
     int Read(char* buf, int len) override;
     int Write(const char* buf, int len) override;
     bool Seek(long offset, int whence) override;
     long Tell() override;
-    /// One system call, where Seek() and Read() take two.
+    /// One system call, where Seek() and Read() would take two.
     int ReadAt(long offset, char* buf, int len) override;
 
 private:
@@ -79,20 +80,20 @@ private:
     int fd_ = -1;
 };
 
-/// A standard input stream.
+/// A standard input stream, seen through this interface.
 class LUM_API JZStreamIOobj : public JZIOobj {
 public:
     /// @param stream  must outlive the object; with null every operation fails.
     explicit JZStreamIOobj(std::istream* stream);
 
-    /// Finds the size and moves to the start; false when the stream cannot seek.
+    /// Determines the size and moves to the start; false if the stream cannot seek.
     [[nodiscard]] bool Open() override;
     /// Does nothing; the stream stays open.
     bool Close() override;
-    /// A read that meets the end leaves the stream with eofbit but without failbit: to be shorter than asked is no
-    /// failure, and a seek works after it.
+    /// A read that reaches the end leaves the stream with eofbit but without failbit: a short read is not a failure,
+    /// and the stream can still seek.
     int Read(char* buf, int len) override;
-    /// False when the stream's state has failbit or badbit.
+    /// False if the stream's state has failbit or badbit.
     bool Seek(long offset, int whence) override;
     /// -1 when the stream has failed.
     long Tell() override;

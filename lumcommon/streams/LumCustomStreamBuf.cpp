@@ -24,7 +24,7 @@ LumCustomStreamBuf::~LumCustomStreamBuf() {
     try {
         flushBuffer();
     } catch (...) {
-        // There is nobody left to tell.
+        // There is nobody left to report it to.
     }
 }
 
@@ -33,7 +33,7 @@ std::size_t LumCustomStreamBuf::refill(std::span<char> room) {
     return count <= 0 || static_cast<std::size_t>(count) > room.size() ? 0 : static_cast<std::size_t>(count);
 }
 
-/// Gives the put area to the controller; false, and it stays, when not all of it is taken.
+/// Gives the put area to the controller. False if not all of it is taken; the put area then stays as it is.
 bool LumCustomStreamBuf::handOver() {
     const auto size = static_cast<int>(pptr() - pbase());
     if (controller_->write(pbase(), size) < size) return false;
@@ -57,7 +57,7 @@ LumCustomStreamBuf::int_type LumCustomStreamBuf::overflow(int_type c) {
         throw;
     }
     if (isTaken) return c;
-    // A character that is refused does not wait, and the put area does not stand past its end.
+    // A refused character is not kept pending, so the put area does not run past its end.
     if (isStored) pbump(-1);
     return traits_type::eof();
 }

@@ -19,30 +19,30 @@ public:
     virtual int write(const char* buf, int len) = 0;
 };
 
-/// A stream buffer over the callbacks of a controller, for reading or for writing, but one object for one of them.
+/// A stream buffer over the callbacks of a controller. One object either reads or writes, not both.
 ///
-/// Up to 8192 bytes are asked for at a time; up to 10 that were read can be put back. Bytes written are handed over
-/// when the buffer is full (8202 of them), on a flush of the stream and at destruction. Failure: end of file, also for
-/// a read that reports more bytes than it was asked for. What a callback throws passes through, except at destruction.
+/// Reads ask for up to 8192 bytes at a time, and up to 10 bytes that were read can be put back. Written bytes are
+/// handed over when the buffer is full (8202 bytes), when the stream is flushed and at destruction.
+/// Failure: end of file, also if a read callback reports more bytes than it was asked for. Exceptions thrown by a
+/// callback propagate, except at destruction.
 /// Threads: one at a time.
 class LUM_API LumCustomStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param controller  must outlive the buffer; with null nothing can be read or written.
     explicit LumCustomStreamBuf(LumCustomStreamController* controller);
-    /// Hands over the bytes that are left; a failure is not reported.
+    /// Hands over the pending bytes; a failure is not reported.
     ~LumCustomStreamBuf() override;
 
-    /// True when there is a buffer to read into or write from.
+    /// True if there is a buffer to read into or write from.
     bool is_open() const noexcept { return hasBlock(); }
-    /// Hands over the bytes that wait. Returns their number, or -1 when not all were taken; they then stay where they
-    /// are.
+    /// Hands over the pending bytes. Returns their number, or -1 if not all were taken; they then all stay pending.
     int flushBuffer();
 
-    // What the operations of std::streambuf and of streams come down to; they can be called directly as well.
+    // Overrides of std::streambuf, public so that they can also be called directly.
     int_type overflow(int_type c = traits_type::eof()) override;
-    /// What std::ostream::flush() reaches: flushBuffer(), 0 or -1.
+    /// Called by std::ostream::flush(): does flushBuffer() and returns 0 or -1.
     int sync() override;
-    /// The number of bytes written so far, those that wait included; the arguments are ignored.
+    /// Returns the number of bytes written so far, pending ones included; the arguments are ignored.
     pos_type seekoff(off_type off, std::ios_base::seekdir dir,
                      std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
 

@@ -51,7 +51,7 @@ private:
     std::span<const char> rest_;
 };
 
-/// Makes one gzip member.
+/// Produces one gzip member.
 class GzipDeflater {
 public:
     GzipDeflater() {
@@ -67,7 +67,7 @@ public:
     GzipDeflater(const GzipDeflater&) = delete;
     GzipDeflater& operator=(const GzipDeflater&) = delete;
 
-    /// Compresses `data`, and with Z_FINISH all that is held back; false when that or writing to `target` fails.
+    /// Compresses `data` and, with Z_FINISH, everything held back; false if that or writing to `target` fails.
     bool run(std::span<const char> data, int flush, std::ostream& target) {
         if (!isReady_) return false;
         z_.next_in = reinterpret_cast<const Bytef*>(data.data());
@@ -114,7 +114,7 @@ void giveBack(std::istream& s, std::string_view bytes) {
         bytes.remove_suffix(1);
 }
 
-/// Reads past the parts of a gzip header that its flags announce.
+/// Skips the optional parts of a gzip header that its flags announce.
 void skipOptionalParts(std::istream& s, unsigned flags) {
     enum : unsigned { HEADER_CRC = 2, EXTRA = 4, NAME = 8, COMMENT = 16 };
     if ((flags & EXTRA) != 0) {
@@ -188,7 +188,7 @@ bool LumGzipStreamBuf::checkHeader(std::istream& s) {
     try {
         return readHeader(s);
     } catch (...) {
-        // A stream that throws has none of its data read any further.
+        // Nothing more is read from a stream that throws.
         return false;
     }
 }
@@ -239,13 +239,13 @@ int LumGzipOStreamBuf::encodeBuffer(int flush) {
     try {
         isDone = deflater_->run(waiting, flush, *target_);
     } catch (...) {
-        // The exception mask of the target; its state tells as well.
+        // Thrown because of the target's exception mask; isDone stays false, so the member has failed.
     }
     hasFailed_ = !isDone;
     if (isDone && flush != Z_FINISH) {
         setp(buffer_.get(), buffer_.get() + detail::refillBytes);
     } else {
-        // Without a put area every byte comes to overflow(), which refuses it.
+        // Without a put area, every byte goes to overflow(), which refuses it.
         setp(nullptr, nullptr);
         deflater_.reset();
     }

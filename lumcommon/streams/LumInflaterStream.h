@@ -14,20 +14,21 @@ namespace detail {
 class RawInflater;
 }
 
-/// Reads a raw deflate block (RFC 1951) in memory, as members of zip archives are stored.
+/// Inflates raw deflate data (RFC 1951) in memory, the form in which members of zip archives are stored.
 ///
-/// Up to 10 bytes that were read can be put back. Seeking is not supported; reset() starts again. Memory: constant
-/// besides the copy, whatever the data claim.
-/// Failure: nothing is thrown. Data that are corrupt or cut end early: the piece of 4096 bytes in which they turn out
-/// to be so is not delivered, all pieces before it are. Threads: one at a time.
+/// Up to 10 bytes that were read can be put back. Seeking is not supported; reset() starts over. Memory: constant apart
+/// from the copy, whatever the data claim.
+/// Failure: nothing is thrown. Corrupt or truncated data end early: the piece of 4096 bytes in which the fault shows is
+/// not delivered, all pieces before it are.
+/// Threads: one at a time.
 class LUM_API LumInflaterStreamBuf : public LumRefillStreamBuf {
 public:
-    /// @param data  `size` bytes of compressed data; null only when there are none.
+    /// @param data  `size` bytes of compressed data; may be null only if `size` is 0.
     /// @param copy  true: the buffer works on a copy. false: the bytes must outlive it.
     LumInflaterStreamBuf(const char* data, std::size_t size, bool copy);
     ~LumInflaterStreamBuf() override;
 
-    /// Starts again from the first byte.
+    /// Starts over from the first byte.
     void reset();
 
 private:
@@ -39,16 +40,16 @@ private:
     std::unique_ptr<detail::RawInflater> inflater_;
 };
 
-/// An input stream over a LumInflaterStreamBuf of its own. Threads: one at a time.
+/// An input stream with its own LumInflaterStreamBuf. Threads: one at a time.
 class LUM_API LumInflaterStream : public std::istream {
 public:
     /// The arguments are those of the buffer.
     LumInflaterStream(const char* data, std::size_t size, bool copy);
-    /// Takes over a buffer (not null), which is deleted with the stream.
+    /// Takes over a buffer (not null) and deletes it with the stream.
     explicit LumInflaterStream(LumInflaterStreamBuf* buffer);
     ~LumInflaterStream() override;
 
-    /// Starts again from the first byte, with a state that is good.
+    /// Starts over from the first byte and clears the stream's error state.
     void reset();
 
 private:

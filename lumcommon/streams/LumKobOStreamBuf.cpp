@@ -7,7 +7,7 @@
 
 namespace LumCommon {
 
-// The one is handed on as the other.
+// init() casts one to the other.
 static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_TO_CRLF) == CConvLineEnds::toCrLf);
 static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_TO_CR) == CConvLineEnds::toCr);
 static_assert(static_cast<CConvLineEnds>(LumKobOStreamBuf::LF_TO_LF) == CConvLineEnds::toLf);
@@ -34,7 +34,7 @@ bool LumKobOStreamBuf::init(const char* encoding, bool bom, LF_CONVERT lf, bool 
     }
     if (!block_) block_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
     if (!output_) output_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
-    // One byte less than there is, so that overflow() has a place for its character.
+    // One byte short of the block, so that overflow() has room for its character.
     setp(block_.get(), block_.get() + BLOCK_BYTES - 1);
     isOpen_ = true;
     return true;
@@ -66,8 +66,8 @@ void LumKobOStreamBuf::writeRawBuffer(const char* data, unsigned int n) {
 
 void LumKobOStreamBuf::writeRawStream(std::istream& in) {
     if (isLimitOver()) return;
-    // Only the blocks being read are kept, so that a stream of any length passes through. It is sgetc() that recycles
-    // them; getBuffer() alone would keep them all.
+    // Keep only the blocks being read, so that memory is bounded for a stream of any length. sgetc() recycles them;
+    // getBuffer() alone would keep them all.
     LumMemStream chunks(&in, LumMemStreamBuf::defaultGrowBytes, false);
     chunks.rdbuf()->setKeepMemory(false);
     while (!traits_type::eq_int_type(chunks.rdbuf()->sgetc(), traits_type::eof())) {
@@ -88,7 +88,7 @@ LumKobOStreamBuf::int_type LumKobOStreamBuf::overflow(int_type c) {
 
 int LumKobOStreamBuf::sync() { return flushBlock() ? 0 : -1; }
 
-/// The bytes of the put area that need not wait for what follows them.
+/// How many bytes of the put area can be converted before more follow.
 std::size_t LumKobOStreamBuf::countReadyBytes() const noexcept {
     const std::size_t units = static_cast<std::size_t>(pptr() - pbase()) / sizeof(char16_t);
     if (units == 0) return 0;
@@ -98,7 +98,7 @@ std::size_t LumKobOStreamBuf::countReadyBytes() const noexcept {
     return (waits ? units - 1 : units) * sizeof(char16_t);
 }
 
-/// Converts and writes what is ready; what has to wait moves to the start of the put area.
+/// Converts and writes what is ready; the rest moves to the start of the put area.
 bool LumKobOStreamBuf::flushBlock() noexcept {
     if (!isOpen_) return false;
     const std::size_t ready = countReadyBytes();
@@ -110,7 +110,7 @@ bool LumKobOStreamBuf::flushBlock() noexcept {
     return isWritten;
 }
 
-/// Converts the first `bytes` bytes of the put area, as far as the limit admits. With `isLast` the text is complete.
+/// Converts the first `bytes` bytes of the put area, up to the limit. With `isLast` the text ends there.
 bool LumKobOStreamBuf::convertAll(unsigned bytes, bool isLast) noexcept {
     context_.input = block_.get();
     context_.inputConsumed = 0;
@@ -124,7 +124,7 @@ bool LumKobOStreamBuf::convertAll(unsigned bytes, bool isLast) noexcept {
         context_.outputCapacity = static_cast<unsigned>(room);
         if (cconvConvert(context_) != 0) return false;
         if (context_.outputProduced == 0) {
-            // Nothing fits: the next character would pass the limit. It stays with the conversion for good.
+            // Nothing fits: the next character would exceed the limit. It stays in the conversion and is never written.
             if (limit_ != 0 && context_.isOutputFull)
                 outputLength_ = std::max(outputLength_, std::uint64_t{limit_} + 1);
             return isWritten;
@@ -142,7 +142,7 @@ bool LumKobOStreamBuf::hand(const char* bytes, std::size_t count) noexcept {
     }
 }
 
-/// Writes bytes as they are, up to the limit, and counts them all.
+/// Writes bytes unconverted, up to the limit, and counts them all.
 bool LumKobOStreamBuf::writeRaw(const char* data, std::size_t n) noexcept {
     std::size_t admitted = n;
     if (limit_ != 0) {

@@ -12,12 +12,14 @@
 
 namespace LumCommon {
 
-/// Takes UTF-16 code units, two bytes a unit in the machine's order, and writes them to a stream in some charset.
+/// Takes UTF-16 code units, two bytes each in the machine's byte order, and writes them to a stream in a given charset.
 ///
-/// Units gather in a block of 4096 bytes. A flush converts and hands over what has gathered; it does not flush the
-/// destination. A last unit that is a high surrogate or U+0000, and half a unit, wait for what follows; term() writes
-/// them as they are. A character that the charset lacks becomes "?", one of East Asian width U+3013 where that exists;
-/// half of a surrogate pair becomes U+FFFD, or "?" where the charset lacks that.
+/// Units are collected in a block of 4096 bytes. A flush converts them and passes them on; it does not flush the
+/// destination. A final high surrogate, U+0000 or half unit is held back until more follows; term() writes the first
+/// two as they are and drops half a unit. A character that the charset lacks becomes "?"; a wide one (East Asian width)
+/// becomes U+3013 if the charset has that. Half of a surrogate pair becomes U+FFFD, or "?" if the charset lacks that.
+/// Failure: overflow() and sync() report it; exceptions thrown by the destination are caught.
+/// Threads: one at a time.
 class LUM_API LumKobOStreamBuf : public std::streambuf {
 public:
     /// What line ends (CR LF, CR, LF) are written as.
@@ -28,44 +30,44 @@ public:
         LF_KEEP = 3,  // as they came
     };
 
-    /// @param out       the destination; not owned, and alive as long as this.
-    /// @param encoding  the charset's name as the conversion knows it (LumKobStreamBuf::getLibraryName has no part in
-    ///                  this). An unknown or null name leaves the buffer closed: it takes nothing.
-    /// @param bom       begin with a byte order mark, when the charset has one.
-    /// @param flag      the byte order of "UTF-16" and "UTF-32": true for the lower byte first.
+    /// @param out       the destination; not owned, must outlive the buffer.
+    /// @param encoding  the charset's name as the conversion knows it (LumKobStreamBuf::getLibraryName is not applied).
+    ///                  An unknown or null name leaves the buffer closed: it accepts nothing.
+    /// @param bom       begin with a byte order mark if the charset has one.
+    /// @param flag      the byte order of "UTF-16" and "UTF-32": true for little-endian.
     LumKobOStreamBuf(std::ostream* out, const char* encoding, bool bom, LF_CONVERT lf, bool flag);
-    /// Writes what is left, as term() does.
+    /// Writes what is left, like term().
     ~LumKobOStreamBuf() override;
     LumKobOStreamBuf(const LumKobOStreamBuf&) = delete;
     LumKobOStreamBuf& operator=(const LumKobOStreamBuf&) = delete;
 
-    /// Begins again with this charset; what the conversion before held is dropped, the counts go on.
-    /// @return false when the charset is unknown or null: the buffer is closed.
+    /// Starts over with this charset. Anything the previous conversion held back is dropped; the counts continue.
+    /// @return false if the charset is unknown or null; the buffer is then closed.
     bool init(const char* encoding, bool bom, LF_CONVERT lf, bool flag);
     bool is_open() const noexcept { return isOpen_; }
-    /// Writes everything that waits and what the charset wants at its end (ISO-2022-JP shifts back to ASCII), then
-    /// closes.
+    /// Writes everything held back and whatever the charset requires at the end (ISO-2022-JP shifts back to ASCII),
+    /// then closes the buffer.
     void term() noexcept;
     std::ostream* getOutputStream() const noexcept { return out_; }
 
-    /// The largest number of bytes to write, raw ones included; 0 for no limit. A character that does not fit below
-    /// the limit is not written in part: it and all that follows is dropped.
+    /// Limits the number of bytes written, raw ones included; 0 for no limit. A character that does not fit within the
+    /// limit is not written in part: it and everything after it are dropped.
     void setLimit(unsigned int n) noexcept { limit_ = n; }
-    /// Flushes; true when more was given than the limit admits.
+    /// Flushes; true if more was passed in than the limit admits.
     bool isLimitOver();
-    /// The bytes counted so far, without what has gathered since the last flush; the largest unsigned int when there
-    /// are more. Beyond the limit, converted text counts one byte and raw bytes count in full.
+    /// The bytes counted so far, without units collected since the last flush; the largest unsigned int if there are
+    /// more. Beyond the limit, converted text counts as one byte and raw bytes count in full.
     unsigned int getOutputLength() const noexcept;
 
-    /// Flushes, then writes bytes as they are, as far as the limit admits; all of them are counted.
+    /// Flushes, then writes bytes unconverted, up to the limit; all of them are counted.
     void writeRawBuffer(const char* data, unsigned int n);
-    /// The same with all bytes of a stream. With the limit exceeded already, nothing is read or counted. Bytes behind
-    /// the limit are read and counted.
+    /// The same with all bytes of a stream. If the limit has already been exceeded, nothing is read or counted;
+    /// otherwise bytes beyond the limit are still read and counted.
     void writeRawStream(std::istream& in);
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
+    // Overrides of std::streambuf, public so that they can also be called directly.
     int_type overflow(int_type c = traits_type::eof()) override;
-    /// -1 when the buffer is closed or the destination fails; what could not be written is dropped.
+    /// Returns 0, or -1 if the buffer is closed or the destination fails; what could not be written is dropped.
     int sync() override;
 
 private:

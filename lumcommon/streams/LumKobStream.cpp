@@ -22,7 +22,7 @@ bool LumKobStream::detectEncoding(std::istream* source, UnicodeString& name, boo
         source->clear();
         source->seekg(0);
     } catch (...) {
-        // The stream is set to throw, and is not readable or not seekable: it cannot be read from the start again.
+        // The stream is set to throw and cannot be read or sought, so it cannot be read again from the start.
         return false;
     }
     if (context.inputAvailable == 0 || cconvChkEncode(context) != 1) return false;

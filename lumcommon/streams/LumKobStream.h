@@ -8,13 +8,13 @@
 
 namespace LumCommon {
 
-/// An input stream over a LumKobStreamBuf: the bytes of UTF-16 code units, the lower byte first.
+/// An input stream over a LumKobStreamBuf: it delivers the bytes of UTF-16 code units, low byte first.
 ///
 ///     std::ifstream file("mail.txt", std::ios::binary);
 ///     LumKobStream in(&file, "iso-2022-jp");
 class LUM_API LumKobStream : public std::istream {
 public:
-    /// The arguments of LumKobStreamBuf. With an unknown charset is_open() is false and the stream has failed.
+    /// Takes the arguments of LumKobStreamBuf. If the charset is unknown, is_open() is false and failbit is set.
     LumKobStream(std::istream* source, const char* encoding);
     ~LumKobStream() override;
 
@@ -22,12 +22,13 @@ public:
     bool is_open() const noexcept { return buffer_.is_open(); }
 
     /// Recognises the charset of a stream from its first 2048 bytes. The stream's error state is cleared and its
-    /// position set to the start, whatever the answer.
-    /// @param name  gets the charset's name, as init() of LumKobStreamBuf takes it.
-    /// @param bom   gets whether there is a byte order mark.
-    /// @return false, with both unchanged, when the stream is null or empty or its charset is not recognised.
+    /// position set to the start, whatever the result.
+    /// @param name  receives the charset's name, in the form that LumKobStreamBuf::init() takes.
+    /// @param bom   receives whether there is a byte order mark.
+    /// @return false, with both unchanged, if the stream is null or empty or its charset is not recognised.
     static bool detectEncoding(std::istream* source, UnicodeString& name, bool& bom);
-    /// The same for the resource that a URI or local path names. False also when it cannot be opened.
+    /// The same for the resource that a URI or local path names. Also false if it cannot be opened. The body is in
+    /// uri/open/LumKobStreamUri.cpp, because this folder knows no URIs.
     static bool detectEncoding(const char* uri, UnicodeString& name, bool& bom);
 
 private:

@@ -59,15 +59,15 @@ std::size_t LumKobStreamBuf::refill(std::span<char> room) {
     return 0;
 }
 
-/// Moves what has not been consumed to the start of the input and fills it up.
+/// Moves what has not been consumed to the start of the input buffer and fills up the rest.
 void LumKobStreamBuf::fill() noexcept {
     std::size_t filled = context_.inputAvailable - context_.inputConsumed;
     std::memmove(input_.get(), input_.get() + context_.inputConsumed, filled);
     try {
         if (!in_ || !in_->good() || !in_->rdbuf()) context_.isLastInput = true;
         while (!context_.isLastInput && filled < BLOCK_BYTES) {
-            // Only what lies ready is taken at once: a source that throws in the middle of a read would not say how
-            // much it had delivered before.
+            // Take only what is already buffered: a source that throws in the middle of a read cannot say how much it
+            // had delivered.
             std::streambuf& source = *in_->rdbuf();
             if (traits_type::eq_int_type(source.sgetc(), traits_type::eof())) {
                 context_.isLastInput = true;
@@ -79,14 +79,15 @@ void LumKobStreamBuf::fill() noexcept {
             }
         }
     } catch (...) {
-        // A source that fails ends like one that is finished.
+        // A source that throws counts as ended.
         context_.isLastInput = true;
     }
     context_.inputConsumed = 0;
     context_.inputAvailable = static_cast<unsigned>(filled);
 }
 
-/// False when nothing more will be produced. A block of shift sequences alone produces nothing and is not the end.
+/// False when nothing more will be produced. A block that holds only shift sequences produces nothing without being the
+/// end.
 bool LumKobStreamBuf::convert(std::span<char> room) noexcept {
     context_.output = room.data();
     context_.outputCapacity = static_cast<unsigned>(room.size());

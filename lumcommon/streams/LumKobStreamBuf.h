@@ -11,30 +11,31 @@
 
 namespace LumCommon {
 
-/// Reads bytes of some charset from a stream and delivers them as UTF-16 code units, two bytes a unit, the lower first.
+/// Reads text in a given charset from a stream and delivers it as UTF-16 code units, two bytes each, low byte first.
 ///
 /// Malformed bytes are delivered as U+FFFD. Line ends are left as they are. The last 16 bytes delivered can be put
-/// back. Reading takes the source in blocks of 4096 bytes, so that the source stands somewhere behind what was
-/// delivered.
+/// back. The source is read in blocks of 4096 bytes, so its position is usually ahead of what has been delivered.
+/// Failure: a source that fails or throws counts as ended.
+/// Threads: one at a time.
 class LUM_API LumKobStreamBuf : public LumRefillStreamBuf {
 public:
-    /// @param in        the source; not owned, and alive until the last read. Null reads like an empty stream.
+    /// @param in        the source; not owned, must stay alive until the last read. Null reads like an empty stream.
     /// @param encoding  the charset's name, in any case; null to recognise it from the first 2048 bytes, for which the
-    ///                  source must be seekable. A name that is not a charset's leaves the buffer closed.
+    ///                  source must be seekable. An unknown name leaves the buffer closed.
     LumKobStreamBuf(std::istream* in, const char* encoding);
     ~LumKobStreamBuf() override;
 
-    /// Begins again with this charset, at the source's present position.
+    /// Starts over with this charset, at the source's current position.
     /// @param bom  whether the source begins with a byte order mark, which is then not delivered.
-    /// @return false when the charset is unknown or null: the buffer is closed.
+    /// @return false if the charset is unknown or null; the buffer is then closed.
     bool init(const char* encoding, bool bom);
-    /// Whether a conversion is in force: false from the end of the input on.
+    /// Whether a conversion is active; false once the input has ended.
     bool is_open() const noexcept { return isOpen_; }
     /// Ends the conversion. What has been converted can still be read.
     void term() noexcept;
 
     /// The name by which the conversion knows a charset: "GB2312" is "ChineseGBK", "shift_jis" is "WINDOWS31J". The
-    /// result is static text, or `encoding` itself when there is no other name.
+    /// result is static text, or `encoding` itself if it has no other name.
     static const char* getLibraryName(const char* encoding) noexcept;
 
 private:

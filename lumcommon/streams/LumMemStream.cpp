@@ -66,15 +66,15 @@ std::size_t LumMemStreamBuf::putRoom() const noexcept {
     return growBytes_ - static_cast<std::size_t>(pptr() - pbase());
 }
 
-/// Records how far the put area has been written. The fill of the last block shrinks through trim() and remove() only.
+/// Records how far the put area has been written. Only trim() and remove() shrink the fill of the last block.
 void LumMemStreamBuf::flushBuffer() noexcept {
     if (pbase() && putBlock_ + 1 == blocks_.size()) {
         lastBlockFill_ = std::max(lastBlockFill_, static_cast<std::size_t>(pptr() - pbase()));
     }
 }
 
-/// Adds a block behind the others and fills it from the sources. The last block must be full.
-/// @param fresh  false: the memory of an old block is used when there are two or more.
+/// Appends a block and fills it from the sources. The last block must be full.
+/// @param fresh  false: reuse the memory of an old block if there are two or more.
 void LumMemStreamBuf::appendBuffer(bool fresh) {
     if (fresh || blocks_.size() < 2) {
         blocks_.push_back(std::make_unique_for_overwrite<char[]>(growBytes_));
@@ -87,7 +87,7 @@ void LumMemStreamBuf::appendBuffer(bool fresh) {
 
 void LumMemStreamBuf::recycleFrontBlock() {
     dropFrontBlocks(blocks_.size() - 2);
-    // Whichever area lies in the block leaves it before the block changes places.
+    // Detach the areas from the block before it moves.
     if (pbase() && putBlock_ == 0) setp(nullptr, nullptr);
     if (eback() && getBlock_ == 0) setg(nullptr, nullptr, nullptr);
     blocks_.push_back(std::move(blocks_.front()));
@@ -96,7 +96,7 @@ void LumMemStreamBuf::recycleFrontBlock() {
     getBlock_ = eback() ? getBlock_ - 1 : 0;
 }
 
-/// Frees blocks at the front; an area that lies in one of them is gone afterwards.
+/// Frees blocks at the front; an area inside one of them is cleared.
 void LumMemStreamBuf::dropFrontBlocks(std::size_t count) {
     if (pbase() && putBlock_ < count) setp(nullptr, nullptr);
     if (eback() && getBlock_ < count) setg(nullptr, nullptr, nullptr);
@@ -105,18 +105,18 @@ void LumMemStreamBuf::dropFrontBlocks(std::size_t count) {
     getBlock_ = eback() ? getBlock_ - count : 0;
 }
 
-/// Fills the last block. Afterwards it is full or no source waits.
+/// Fills the last block until it is full or no source is left.
 void LumMemStreamBuf::fillFromSources() {
     while (!sources_.empty() && lastBlockFill_ < growBytes_) {
         std::istream& source = *sources_.front();
         lastBlockFill_ += readBytes(source, {blocks_.back().get() + lastBlockFill_, growBytes_ - lastBlockFill_});
-        // A short read is the end of the source, or its failure, after which it would never give anything again.
+        // A short read means that the source has ended or failed; it would not yield anything more.
         if (lastBlockFill_ < growBytes_) dropFrontSource();
     }
 }
 
 void LumMemStreamBuf::dropFrontSource() {
-    // Off the list before it goes: its destructor may be anybody's.
+    // Take it off the list before deleting it: its destructor may be user code.
     const MaybeOwned<std::istream> source = std::move(sources_.front());
     sources_.pop_front();
 }
@@ -129,7 +129,7 @@ void LumMemStreamBuf::setSource(std::istream* source, bool own) {
     if (!source) return;
     flushBuffer();
     sources_.emplace_back(source, own);
-    // A reader at the end of a full block meets the new bytes when it asks for the next block; then is soon enough.
+    // A reader at the end of a full block gets the new bytes when it asks for the next block, which is soon enough.
     if (blocks_.empty() || lastBlockFill_ == growBytes_) return;
     fillFromSources();
     pubseekoff(0, std::ios_base::cur, std::ios_base::in);
@@ -164,7 +164,7 @@ void LumMemStreamBuf::trim(std::size_t newLength) {
     if (newLength >= length()) return;
     const std::size_t read = std::min(readPosition(), newLength);
     const std::size_t put = std::min(putPosition(), newLength);
-    // The areas may lie in blocks that go; they are set anew at the end.
+    // The areas may be in blocks that are freed; they are set again below.
     setg(nullptr, nullptr, nullptr);
     setp(nullptr, nullptr);
     const std::size_t offset = newLength % growBytes_;
@@ -204,7 +204,7 @@ LumMemStreamBuf::int_type LumMemStreamBuf::underflow() {
         setGetArea(0, 0);
     }
     if (gptr() == egptr()) {
-        // The block may have been written since the area was set, so its end is compared with what is valid now.
+        // The block may have been written since the area was set, so compare its end with what is valid now.
         std::size_t block = getBlock_;
         auto offset = static_cast<std::size_t>(egptr() - eback());
         if (offset == validBytes(block)) {
@@ -242,7 +242,7 @@ std::size_t LumMemStreamBuf::getBuffer(const char*& p) {
 
 // Writing.
 
-/// Puts the put area on the next block, which is overwritten from its start. The put area's block must be full.
+/// Moves the put area to the next block, which is overwritten from its start. The put area's block must be full.
 void LumMemStreamBuf::enterNextPutBlock() {
     flushBuffer();
     const std::size_t next = putBlock_ + 1;
@@ -250,7 +250,7 @@ void LumMemStreamBuf::enterNextPutBlock() {
     setPutArea(next, 0);
 }
 
-/// Sees to it that there is a put area with room. One that is full is met when a block could not be had before.
+/// Makes sure that there is a put area with room. It can be full here if an earlier attempt to get a block failed.
 void LumMemStreamBuf::readyPutArea() {
     if (!pbase()) {
         if (blocks_.empty()) appendBuffer(true);
@@ -290,7 +290,7 @@ std::size_t LumMemStreamBuf::copyStream(std::istream& in, std::size_t count) {
         advancePut(got);
         copied += got;
     }
-    // As after any other write, a full block is left: what is added as a source then goes into the next one at once.
+    // As after any other write, move on from a full block: a source added later then goes into the next one at once.
     if (pbase() && putRoom() == 0) enterNextPutBlock();
     return copied;
 }
@@ -338,7 +338,7 @@ LumMemStreamBuf::pos_type LumMemStreamBuf::seekpos(pos_type pos, std::ios_base::
     if (position > totalBytes()) return pos_type(off_type(-1));
     const auto block = static_cast<std::size_t>(position / growBytes_);
     const auto offset = static_cast<std::size_t>(position % growBytes_);
-    // Just behind a full last block stands the first byte of a block that does not exist yet.
+    // The position just past a full last block is in a block that does not exist yet.
     if (block == blocks_.size()) appendBuffer(true);
     if ((mode & std::ios_base::in) != 0) setGetArea(block, offset);
     if ((mode & std::ios_base::out) != 0) setPutArea(block, offset);
@@ -358,8 +358,8 @@ std::span<const char> LumMemStreamBuf::runAt(std::size_t position) {
 
 namespace {
 
-/// Finds a pattern in bytes that come in runs, looking at each byte once: a run is never needed again, and no text
-/// makes a long pattern slow.
+/// Finds a pattern in bytes that arrive in runs, examining each byte once (Knuth-Morris-Pratt): a run is never needed
+/// again, and no text makes a long pattern slow.
 class PatternFinder {
 public:
     explicit PatternFinder(std::span<const char> pattern) : pattern_(pattern), fallback_(pattern.size(), 0) {
@@ -370,7 +370,7 @@ public:
         }
     }
 
-    /// The number of bytes of the run up to the end of the match, or 0 when the match does not end in it.
+    /// The number of bytes of the run up to the end of the match, or 0 if the match does not end in it.
     std::size_t find(std::span<const char> run) {
         const char* p = run.data();
         const char* const end = p + run.size();
@@ -461,7 +461,7 @@ LumMemStream::LumMemStream(LumMemStream& other)
     : std::basic_ios<char>(), std::iostream(nullptr), buffer_(other.buffer_) {
     std::iostream::rdbuf(&buffer_);
     if (other.buffer_.length() == 0) return;
-    // The buffers are asked directly: asking a stream that has met its end would make it fail.
+    // Ask the buffers directly: asking a stream that has reached its end would make it fail.
     const pos_type read = other.buffer_.pubseekoff(0, cur, in);
     const pos_type put = other.buffer_.pubseekoff(0, cur, out);
     other.buffer_.pubseekpos(0, in);

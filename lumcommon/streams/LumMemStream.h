@@ -14,35 +14,36 @@
 
 namespace LumCommon {
 
-/// A seekable stream buffer in memory, made of blocks of one size, that can be fed from other streams.
+/// A seekable in-memory stream buffer, made of blocks of equal size, that can be fed from other streams.
 ///
-/// It is written like a file, read back, sought in both directions, truncated and searched. Streams given to it as
-/// sources are read only when a read, a seek or a search needs their bytes; their bytes follow one another behind what
-/// the buffer holds, so that a stream that cannot seek becomes one that can. Data never move once they are written:
-/// growing adds a block and copies nothing. For bytes that are complete and only read, LumStrStream is lighter.
+/// It can be written like a file, read back, sought in both directions, truncated and searched. Streams added as
+/// sources are read only when a read, a seek or a search needs their bytes, which are appended to what the buffer
+/// holds, one source after another; this makes a stream that cannot seek seekable. Data never move once they are
+/// written: growing adds a block and copies nothing. For bytes that are complete and only read, LumStrStream is
+/// lighter.
 ///
-/// Positions count bytes from the start of the first block. Reading and writing have a position each.
-/// Failure: no operation raises an error. What a source throws counts as its end; a source that fails has ended. A want
-/// of memory is std::bad_alloc, which a stream over the buffer turns into its badbit.
+/// Positions count bytes from the start of the first block. Reading and writing have separate positions.
+/// Failure: running out of memory throws std::bad_alloc, which a stream over the buffer turns into badbit; no other
+/// errors are raised. A source that fails or throws counts as ended.
 /// Threads: one at a time; there is no lock.
 class LUM_API LumMemStreamBuf : public std::streambuf {
 public:
     static constexpr unsigned defaultGrowBytes = 8192;
 
     /// @param source     the first source; null for none. Nothing is read yet.
-    /// @param growBytes  the size of a block. A block cannot be empty: 0 is not taken, the size is then the default.
-    /// @param ownSource  true: the buffer deletes `source` once it is used up, or with itself.
+    /// @param growBytes  the size of a block in bytes; 0 stands for the default.
+    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction.
     explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
                              bool ownSource = false);
     /// An empty buffer with the block size and the keepMemory setting of `other`; its content is not copied.
     LumMemStreamBuf(const LumMemStreamBuf& other);
     LumMemStreamBuf& operator=(const LumMemStreamBuf&) = delete;
-    /// Deletes the sources that are left and owned.
+    /// Deletes the owned sources that are left.
     ~LumMemStreamBuf() override;
 
-    /// True at first. When false, reading on from the sources reuses the block before the one last read, so that a long
-    /// sequential read holds two blocks. Positions then start at the older of the two, and a put position in a reused
-    /// block is lost: writing begins at 0 again. Seeking and searching keep every block that they read.
+    /// True by default. When false, reading on from the sources reuses the block before the one last read, so that a
+    /// long sequential read holds only two blocks. Positions then count from the older of the two, and a put position
+    /// in a reused block is lost: writing starts at 0 again. Seeking and searching keep every block that they read.
     void setKeepMemory(bool keepMemory) noexcept { keepMemory_ = keepMemory; }
     bool getKeepMemory() const noexcept { return keepMemory_; }
 
@@ -51,64 +52,65 @@ public:
     /// Changes the size of a block. Ignored once there is a block, and for 0.
     void setGrowBytes(unsigned growBytes) noexcept;
 
-    /// Adds a source behind those that wait; null is ignored. A last block that is not full is filled at once, and a
-    /// reader at its end sees the new bytes.
-    /// @param own  true: the buffer deletes `source` once it is used up, or with itself.
+    /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
+    /// and a reader at its end sees the new bytes.
+    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction.
     void setSource(std::istream* source, bool own);
 
     /// The number of bytes. Cost: reads every source to its end.
     std::size_t length();
     /// Appends the whole content to `s`. Cost: reads every source to its end.
     void appendToString(std::string& s);
-    /// Forgets the content and the sources; both positions are 0. Owned sources are deleted.
+    /// Drops the content and the sources and sets both positions to 0. Owned sources are deleted.
     void remove();
-    /// Cuts the content down to `newLength` bytes; ignored when it is no longer than that. A position behind the new
-    /// end moves to it. Cost: reads every source to its end.
+    /// Truncates the content to `newLength` bytes; ignored if it is not longer than that. A position past the new end
+    /// moves to it. Cost: reads every source to its end.
     void trim(std::size_t newLength);
 
     /// The number of bytes that can be read without leaving the current block or asking a source.
     std::size_t getRemains() const noexcept { return static_cast<std::size_t>(egptr() - gptr()); }
-    /// Reads without copying: gives the rest of the current block and moves the read position behind it.
-    /// @return the number of bytes at `p`; 0 at the end. They stay where they are until they are trimmed, removed or
-    /// abandoned.
+    /// Reads without copying: points `p` at the rest of the current block and moves the read position past it.
+    /// @return the number of bytes at `p`; 0 at the end. They stay valid until they are trimmed, removed or abandoned,
+    /// or their block is reused (see setKeepMemory()).
     std::size_t getBuffer(const char*& p);
-    /// Frees the blocks before the one being read. Positions count from that block afterwards; a put position before it
-    /// is lost, and writing begins at 0 again.
+    /// Frees the blocks before the one being read. Positions then count from that block; a put position before it is
+    /// lost, and writing starts at 0 again.
     void abandonBuffer();
 
     /// Copies up to `count` bytes from `in` to the put position.
     /// @param in  must not read from this buffer.
-    /// @return the number of bytes copied; fewer when `in` ended or failed.
+    /// @return the number of bytes copied; fewer if `in` ended or failed.
     std::size_t copyStream(std::istream& in, std::size_t count);
-    /// Copies all that `src` yields to the put position. Null and this buffer itself are ignored. What `src` throws
-    /// passes through; the bytes copied before it stay.
+    /// Copies everything that `src` yields to the put position. Null and this buffer itself are ignored. Exceptions
+    /// thrown by `src` propagate; the bytes copied before stay.
     LumMemStreamBuf& operator<<(std::streambuf* src);
 
-    /// Moves the read position to the next place that holds `pattern`, on its first byte.
+    /// Moves the read position to the first byte of the next occurrence of `pattern`.
     /// @param len  the length of the pattern in bytes; 0 for strlen(pattern).
-    /// @return false, and nothing moved, when it is not found or is empty. Cost: one look at each byte, whatever the
-    /// pattern; blocks read from sources are kept.
+    /// @return false, without moving, if it is not found or is empty.
+    /// Cost: each byte is examined once, whatever the pattern; blocks read from sources are kept.
     bool searchSeek(const char* pattern, unsigned len = 0);
-    /// Moves the read position behind `pattern` when that stands there; false, and nothing moved, otherwise.
+    /// Moves the read position past `pattern` if that comes next; otherwise returns false without moving.
     bool skipSeek(const char* pattern, unsigned len = 0);
-    /// Moves the read position behind the next line end, or to the end without one. A run of CR and LF is one line end.
+    /// Moves the read position past the next line end, or to the end if there is none. A run of CRs and LFs is one line
+    /// end.
     void seekEOL();
 
     /// The checksum of an OpenType table: the sum, modulo 2^32, of the content as big-endian 32-bit words, the last one
-    /// filled up with zeros. The block size must be a multiple of 4. Cost: reads every source to its end.
+    /// padded with zeros. The block size must be a multiple of 4. Cost: reads every source to its end.
     std::uint32_t calcOTFTableChecksum();
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
+    // Overrides of std::streambuf, public so that they can also be called directly.
     int_type underflow() override;
     int_type overflow(int_type c = traits_type::eof()) override;
     std::streamsize xsputn(const char* s, std::streamsize n) override;
-    /// Steps back one byte; nothing is stored. End of file at position 0 and for c = end of file, so that unget() fails
-    /// at the start of a block where putback() works.
+    /// Steps back one byte without storing anything. Returns end of file at position 0 and if `c` is end of file, so
+    /// that unget() fails at the start of a block where putback() works.
     int_type pbackfail(int_type c = traits_type::eof()) override;
     /// From `std::ios::cur`, a mode of exactly `in` counts from the read position, any other from the put position.
     pos_type seekoff(off_type off, std::ios_base::seekdir dir,
                      std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
-    /// The position just behind the last byte can be sought; one further gives -1 and moves nothing.
+    /// The position just past the last byte is valid; one further returns -1 without moving.
     pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
 
 private:
@@ -140,16 +142,16 @@ private:
     bool keepMemory_ = true;
 };
 
-/// A stream for reading and writing over a LumMemStreamBuf of its own.
+/// A stream for reading and writing with its own LumMemStreamBuf.
 /// Threads: one at a time.
 class LUM_API LumMemStream : public std::iostream {
 public:
     /// The arguments are those of the buffer.
     explicit LumMemStream(std::istream* source = nullptr, unsigned growBytes = LumMemStreamBuf::defaultGrowBytes,
                           bool ownSource = false);
-    /// A copy of the content, the positions, the block size and the keepMemory setting; the sources of `other` are read
-    /// to their ends. Of a stream that has failed the positions are not taken over: the copy, which has not failed,
-    /// then reads from 0 and writes at the end. Cost: O(length of `other`).
+    /// Copies the content, the positions, the block size and the keepMemory setting; the sources of `other` are read to
+    /// their ends. If `other` has failed, its positions are not copied: the copy, which has not failed, reads from 0
+    /// and writes at the end. Cost: O(length of `other`).
     LumMemStream(LumMemStream& other);
     LumMemStream& operator=(const LumMemStream&) = delete;
     ~LumMemStream() override;

@@ -9,12 +9,11 @@
 
 namespace LumCommon {
 
-/// What the library's stream buffers have in common that read their bytes block by block. A derived class says where
-/// the next ones come from.
+/// Base class of the library's stream buffers that read block by block. A derived class supplies the bytes.
 ///
-/// The last bytes before the read position stay in front of each new block, so that they can be put back. A read at the
-/// end asks the derived class again. Seeking is not supported.
-/// Failure: what refill() throws passes through; the get area then stands at its end.
+/// The last bytes before the read position are kept in front of each new block, so that they can be put back. A read at
+/// the end asks the derived class again. Seeking is not supported.
+/// Failure: exceptions thrown by refill() propagate; the get area is then at its end.
 /// Threads: one at a time.
 class LUM_API LumRefillStreamBuf : public std::streambuf {
 public:
@@ -22,29 +21,30 @@ public:
     LumRefillStreamBuf& operator=(const LumRefillStreamBuf&) = delete;
     ~LumRefillStreamBuf() override;
 
-    // What the operations of std::streambuf and of streams come down to; it can be called directly as well.
+    // Overrides of std::streambuf, public so that they can also be called directly.
     int_type underflow() override;
 
 protected:
     /// There is nothing to read before allocateBlock().
     /// @param blockBytes    how many bytes are asked for at a time.
-    /// @param putbackBytes  how many that were read can be put back at least, as far as there are so many.
+    /// @param putbackBytes  how many bytes can always be put back, once that many have been read.
     LumRefillStreamBuf(std::size_t blockBytes, std::size_t putbackBytes) noexcept;
 
-    /// Puts the next bytes into `room`, as many as there are up to its size, and returns their number; 0 at the end.
+    /// Puts the next bytes into `room`, as many as are available up to its size, and returns their number; 0 at the
+    /// end.
     virtual std::size_t refill(std::span<char> room) = 0;
 
-    /// Does nothing when there is a block. Failure: std::bad_alloc.
+    /// Allocates the block unless there is one. Failure: std::bad_alloc.
     void allocateBlock();
     /// Frees the block; the get area is empty afterwards.
     void releaseBlock() noexcept;
     bool hasBlock() const noexcept { return block_ != nullptr; }
-    /// All of the block, the bytes for putting back included; null before allocateBlock().
+    /// The whole block, the bytes for putting back included; null before allocateBlock().
     char* getBlock() const noexcept { return block_.get(); }
 
-    /// Fills the get area with what `source`, called as refill() is, puts into the room. The area must be at its end,
-    /// and there must be a block.
-    /// @return false at the end of the source; bytes can be put back also then.
+    /// Fills the get area from `source`, which is called like refill(). The area must be at its end, and there must be
+    /// a block.
+    /// @return false at the end of the source; bytes can still be put back then.
     template <class Source>
     bool fillFrom(Source source) {
         char* const room = makeRoom();

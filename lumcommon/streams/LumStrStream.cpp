@@ -6,7 +6,7 @@ namespace LumCommon {
 
 LumStrStream::StrStreamBuf::StrStreamBuf(const char* data, std::size_t size, bool copy) {
     if (size == 0) return;
-    // The area is never written: putting back another byte than the one read fails.
+    // The area is never written to: putting back a byte other than the one read fails.
     char* start = const_cast<char*>(data);
     if (copy) {
         copy_ = std::make_unique_for_overwrite<char[]>(size);
@@ -24,7 +24,7 @@ LumStrStream::StrStreamBuf::pos_type LumStrStream::StrStreamBuf::seekoff(off_typ
     off_type base = 0;
     if (dir == std::ios_base::cur) base = gptr() - eback();
     if (dir == std::ios_base::end) base = size;
-    // Compared, not added: an offset from a file may be anything.
+    // Compare, do not add: an offset from a file may be anything.
     if ((mode & std::ios_base::in) == 0 || off < -base || off > size - base) return pos_type(off_type(-1));
     setg(eback(), eback() + (base + off), egptr());
     return pos_type(base + off);

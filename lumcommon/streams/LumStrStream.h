@@ -16,13 +16,13 @@ public:
     /// The buffer of the stream: its get area is the array.
     class LUM_API StrStreamBuf : public std::streambuf {
     public:
-        /// @param data  `size` bytes; null only when there are none.
+        /// @param data  `size` bytes; may be null only if `size` is 0.
         /// @param copy  true: the buffer works on a copy. false: the bytes must outlive it.
         StrStreamBuf(const char* data, std::size_t size, bool copy);
         ~StrStreamBuf() override;
 
     protected:
-        /// A position outside 0 to `size`, and a mode without `in`, give -1 and move nothing.
+        /// A position outside 0 to `size` or a mode without `in` returns -1 without moving.
         pos_type seekoff(off_type off, std::ios_base::seekdir dir,
                          std::ios_base::openmode mode = std::ios_base::in) override;
         pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in) override;

@@ -22,7 +22,8 @@ namespace {
 
 constexpr int removalAttempts = 10;
 constexpr int creationAttempts = 100;
-// Names that are taken are no failures, but a file system that claims to have every file must not hold us for ever.
+// A name that is taken is not a failure, but a file system that claims to have every file must not keep us here
+// forever.
 constexpr int takenNamesAtMost = 1 << 16;
 
 const char* orEmpty(const char* text) { return text ? text : ""; }
@@ -46,7 +47,7 @@ LumLock& mkTempLock() {
     return lock;
 }
 
-/// The count in the next name. Threads: under mkTempLock.
+/// The counter in the next name. Threads: call with mkTempLock held.
 unsigned nextCount() {
     static auto count = static_cast<unsigned>(std::chrono::system_clock::now().time_since_epoch().count());
     return count++;
@@ -59,8 +60,7 @@ std::string nextName(const char* dir, const char* prefix, const char* suffix) {
     return name.append(orEmpty(prefix)).append(number.data()).append(orEmpty(suffix));
 }
 
-/// Whether something of that name stands in its directory; a link that leads nowhere does. Where it cannot be seen, it
-/// may.
+/// Whether an entry of that name exists in its directory, dangling links included. True if that cannot be determined.
 bool mayExist(const char* path) {
     struct stat status {};
     if (lstat(path, &status) == 0) return true;
@@ -72,9 +72,9 @@ bool mayExist(const char* path) {
                      detail::fromPlatformText(path.c_str()) + reason);
 }
 
-/// Proves that a file of this name can be made and removed. False when it cannot be made; errno tells why.
+/// Checks that a file of this name can be created and removed. False if it cannot be created; errno says why.
 bool tryName(const std::string& path) {
-    // Exclusively: a link that somebody else puts there in the meantime must not lead us to another file.
+    // Exclusive: a link that somebody puts there in the meantime must not lead us to another file.
     const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (fd < 0) return false;
     const bool isRemoved = LumTempFile::removeTempFile(path.c_str());
@@ -124,7 +124,7 @@ void LumTempFile::hold(const std::string& path) {
 }
 
 void LumTempFile::setFileName(const char* name) {
-    // The name may be a part of this object.
+    // `name` may point into this object.
     const std::string path = orEmpty(name);
     remove();
     hold(path);

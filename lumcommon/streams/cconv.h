@@ -2,8 +2,8 @@
 
 #include <lumcommon/core/Api.h>
 
-/// Charset conversion by blocks, on ICU's converters and detector. The streams LumKobStreamBuf and LumKobOStreamBuf do
-/// their work through these five functions; a program that has its bytes in memory can use them directly:
+/// Block-wise charset conversion on top of ICU's converters and detector. LumKobStreamBuf and LumKobOStreamBuf are
+/// built on these five functions; a program that has its bytes in memory can use them directly:
 ///
 ///     CConvContext context;
 ///     if (cconvInitConvert(context, {}, "UTF-8") == 0 && cconvChgCharset(context, {}, "Shift_JIS") == 0) {
@@ -18,7 +18,7 @@ namespace detail {
 class CharsetConversion;
 }
 
-/// What becomes of line ends (CR LF, CR, LF); other separators stay as they are.
+/// What line ends (CR LF, CR, LF) are converted to; other separators stay as they are.
 enum class CConvLineEnds : int {
     toCrLf = 0,
     toCr = 1,
@@ -29,22 +29,23 @@ enum class CConvLineEnds : int {
 /// How a conversion is set up.
 struct CConvOptions {
     /// The source begins with a byte order mark, which is not delivered. Without this flag a mark is a character like
-    /// any other, except where the charset is named "UTF-16" or "UTF-32": there it tells the byte order.
+    /// any other, except where the charset is named "UTF-16" or "UTF-32": there it gives the byte order.
     bool sourceHasMark = false;
-    /// The result begins with a byte order mark, when the target charset has U+FEFF at all.
+    /// The result begins with a byte order mark, provided the target charset has U+FEFF.
     bool writeMark = false;
     CConvLineEnds lineEnds = CConvLineEnds::keep;
-    /// The byte order of a target named "UTF-16" or "UTF-32" alone; such a target gets no mark unless writeMark is set.
+    /// The byte order of a target named just "UTF-16" or "UTF-32"; such a target gets no mark unless writeMark is set.
     bool littleEndian = true;
-    /// A source named "UTF-16" is in little-endian order and its first unit is never a mark.
+    /// A source named "UTF-16" is in the machine's byte order and its first unit is never a mark.
     bool sourceIsUnits = false;
-    /// What stands for a character that the target lacks: the first for a narrow, the second for a wide one (of East
-    /// Asian width). A target that lacks the second gets the first, one that lacks both gets its own substitute.
+    /// Replacements for characters that the target lacks, one for narrow and one for wide characters (East Asian
+    /// width). If the target lacks the wide one too, the narrow one is used; if it lacks both, the converter's own.
     char16_t narrowSubstitute = 0x3F;
     char16_t wideSubstitute = 0x3013;
 };
 
-/// One conversion. The caller sets the buffers before each cconvConvert(). Not copyable; used by one thread at a time.
+/// One conversion. The caller sets the buffers before each cconvConvert() and ends with cconvTermConvert(), which
+/// releases what the conversion holds. Not copyable; used by one thread at a time.
 struct CConvContext {
     CConvContext() = default;
     CConvContext(const CConvContext&) = delete;
@@ -53,11 +54,11 @@ struct CConvContext {
     const char* input = nullptr;
     unsigned inputConsumed = 0;   // bytes at the start of `input` that have been taken; the caller may reset it to 0
     unsigned inputAvailable = 0;  // bytes in `input`, the consumed ones included
-    bool isLastInput = false;     // nothing follows: a character cut off at the end is malformed, shifts are closed
+    bool isLastInput = false;     // no more follows: a character cut off at the end is malformed, shifts are closed
     char* output = nullptr;
     unsigned outputProduced = 0;  // bytes that the last call wrote
     unsigned outputCapacity = 0;
-    bool isOutputFull = false;  // the next character did not fit behind what the last call wrote
+    bool isOutputFull = false;  // the next character did not fit after what the last call wrote
     int status = 0;             // 1: the conversion has ended, and the last call wrote nothing
 
     char charsetName[64] = {};  // by cconvChkEncode
@@ -67,30 +68,30 @@ struct CConvContext {
 };
 
 /// Prepares a conversion into a charset.
-/// @return 0; another value when the charset is unknown. cconvTermConvert() is due in both cases.
+/// @return 0; another value if the charset is unknown. cconvTermConvert() must be called in either case.
 [[nodiscard]] LUM_API int cconvInitConvert(CConvContext& context, const CConvOptions& options,
                                            const char* toCharset) noexcept;
 
 /// Sets the charset to convert from, and the line ends.
-/// @return 0; another value when the charset is unknown or the context has not been prepared.
+/// @return 0; another value if the charset is unknown or the context has not been prepared.
 [[nodiscard]] LUM_API int cconvChgCharset(CConvContext& context, const CConvOptions& options,
                                           const char* fromCharset) noexcept;
 
-/// Converts as much of the input as fits into the output, in whole characters: a character never is cut by the end of
-/// the output. Bytes that the source charset does not allow become U+FFFD; one malformed sequence gives one, and a byte
-/// below 0x80 that ends it stands for itself.
-/// Input can be consumed without anything produced (shift sequences, the first bytes of a character) and produced
-/// without any consumed; an output of fewer than 16 bytes may be too small for the next character.
-/// @return 0; another value when the context has no conversion, which then counts as ended.
+/// Converts as much of the input as fits into the output, in whole characters: a character is never split at the end of
+/// the output. Bytes that the source charset does not allow become U+FFFD, one for each malformed sequence; a byte
+/// below 0x80 that ends such a sequence stands for itself.
+/// A call can consume input without producing output (shift sequences, the first bytes of a character) and produce
+/// output without consuming input; an output buffer of fewer than 16 bytes may be too small for the next character.
+/// @return 0; another value if the context has no conversion, which then counts as ended.
 LUM_API int cconvConvert(CConvContext& context) noexcept;
 
 /// Recognises the charset of the context's input, a sample of up to 2048 bytes that may end inside a character: by a
 /// byte order mark, by escape sequences, as UTF-8, by the zero bytes of UTF-16 markup, else by statistics. Statistics
-/// need text: a few words can be taken for a neighbour charset.
-/// @return 1 when it was recognised: charsetName and hasMark are set. 0 otherwise, and both are cleared.
+/// need enough text: a few words can be mistaken for a similar charset.
+/// @return 1 if it was recognised, with charsetName and hasMark set; otherwise 0, with both cleared.
 LUM_API int cconvChkEncode(CConvContext& context) noexcept;
 
-/// Releases what the conversion holds. The context can be prepared anew; doing it twice is harmless.
+/// Releases what the conversion holds. The context can be prepared again; calling this twice is harmless.
 LUM_API void cconvTermConvert(CConvContext& context) noexcept;
 
 }  // namespace LumCommon

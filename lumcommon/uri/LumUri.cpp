@@ -28,13 +28,13 @@ constexpr std::size_t npos = View::npos;
 
 constinit std::atomic<bool> s_findsForeignFileUris{false};
 
-/// The string up to and including its last "/"; empty without one.
+/// The string up to and including its last "/"; empty if there is none.
 View directoryOf(View uri) {
     const std::size_t slash = uri.rfind(u'/');
     return slash == npos ? View() : uri.substr(0, slash + 1);
 }
 
-/// Where the extension of the file name begins, its length when it has none.
+/// Where the extension of the file name begins; the length of `uri` if there is none.
 std::size_t extensionStart(View uri) {
     const std::size_t dot = uri.rfind(u'.');
     return dot == npos || dot < directoryOf(uri).size() ? uri.size() : dot;
@@ -55,8 +55,8 @@ UnicodeString withoutLocalHost(const UnicodeString& uri) {
     return result;
 }
 
-/// The URI with the characters that its percent escapes mean in UTF-8; escapes of US-ASCII stay, so that what they
-/// stand for is not taken for an escape again. The URI itself where the escapes are not UTF-8.
+/// The URI with its percent escapes decoded as UTF-8; escapes of US-ASCII stay, so that what they stand for is not
+/// taken for an escape again. The URI unchanged if the escapes are not valid UTF-8.
 UnicodeString withUtf8Escapes(const UnicodeString& uri) {
     UnicodeString result;
     for (View rest = viewOf(uri); !rest.empty();) {
@@ -77,7 +77,7 @@ UnicodeString withUtf8Escapes(const UnicodeString& uri) {
     return result;
 }
 
-/// The local path of the installation directory that the variable names; empty when it names no existing file.
+/// The local path of the installation directory that the variable names; empty if it names no existing file.
 UnicodeString installationDirectory(const char* envName) {
     if (!envName || !*envName) return UnicodeString();
     LumUri uri;
@@ -189,8 +189,8 @@ UnicodeString LumUri::getRelativeUri(const UnicodeString& base) const {
     View baseDirectory = directoryOf(viewOf(base));
     if (base.isEmpty() || directory.empty()) return result;
 
-    // The directories above this URI are its beginnings that end with "/". The longest of them that the base lies in
-    // too is the last "/" of the part in which both agree.
+    // The directories that contain this URI are its prefixes that end with "/". The longest one that also contains the
+    // base ends at the last "/" of the common prefix.
     const auto disagreement = std::ranges::mismatch(directory, baseDirectory).in1;
     const View common = directoryOf(directory.substr(0, static_cast<std::size_t>(disagreement - directory.begin())));
     if (common.empty()) return result;
@@ -218,13 +218,14 @@ LumUri LumUri::getModuleUri(const char*, const char* file, const char* envName) 
 }
 
 void* LumUri::loadLibrary() const {
-    // dlopen takes an empty path for the program itself, which no library's URI means.
+    // dlopen() takes an empty path to mean the program itself, which is never meant by a library's URI.
     const auto path = detail::toPlatformPath(findLocalPath());
     return path && !path->empty() ? dlopen(path->c_str(), RTLD_LAZY) : nullptr;
 }
 
 void* LumUri::getProcAddress(void* handle, const char* name) {
-    // dlsym takes null for all that is loaded, so a library that failed to load would seem to have every function.
+    // With null, dlsym() searches everything that is loaded, so a library that failed to load would seem to have every
+    // function.
     return handle && name ? dlsym(handle, name) : nullptr;
 }
 

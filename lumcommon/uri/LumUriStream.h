@@ -1,4 +1,4 @@
 #pragma once
 
-// An address: the class stands in another room of the library.
+// Only forwards: the class is declared in uri/open/.
 #include <lumcommon/uri/open/LumUriStream.h>

@@ -23,7 +23,7 @@ constexpr bool isSchemeUnit(char16_t unit) {
     return detail::isAsciiLetterOrDigit(unit) || unit == u'+' || unit == u'-' || unit == u'.';
 }
 
-/// The index of the colon that ends the scheme, npos without one.
+/// The index of the colon that ends the scheme; npos if there is none.
 std::size_t schemeEnd(View s) {
     if (s.empty() || !detail::isAsciiLetter(s[0])) return npos;
     std::size_t i = 1;
@@ -31,14 +31,14 @@ std::size_t schemeEnd(View s) {
     return i >= 2 && i < s.size() && s[i] == u':' ? i : npos;
 }
 
-/// What a relative reference asks of its base before its own text begins.
+/// How a relative reference begins: how far it climbs from its base, and what follows.
 struct Climb {
     std::int64_t levels = 0;  // directories to leave
     View rest;                // what follows the leading dots and the slash
 };
 
 Climb readClimb(View r) {
-    // Enough to leave any directory; more are never taken off.
+    // Enough to leave any directory; "/" never removes more than this.
     constexpr std::int64_t levelsToRoot = 9999;
     if (r == u".") return {0, View()};
     if (r == u"..") return {1, View()};
@@ -56,7 +56,7 @@ Climb readClimb(View r) {
     }
 }
 
-/// A base made ready for cutting segments off its end.
+/// A base prepared for removing segments from its end.
 struct Base {
     UnicodeString text;
     std::size_t rootLimit = 0;  // a "/" before this index belongs to the root and stays
@@ -91,8 +91,8 @@ Base prepareBase(const UnicodeString& base) {
     return prepared;
 }
 
-/// Takes "/.", "/..", "/./" and "/../" off the end of `b`, all but their first slash, and counts the levels that they
-/// climb.
+/// Removes "/.", "/..", "/./" and "/../" from the end of `b`, except for their first slash, and counts the levels that
+/// they climb.
 View tidyEnd(View b, std::int64_t& levels) {
     while (true) {
         std::size_t cutUnits = 0;
@@ -234,8 +234,8 @@ UnicodeString LumUriSub::makeAbsUri(const UnicodeString& base, const UnicodeStri
     if (reference.isEmpty()) return result;
     const UnicodeString normalised = makeUriSub(reference);
     View r = viewOf(normalised);
-    // What follows "jar:" is a reference of its own, again trimmed, and may be another jar: reference. They are taken
-    // off in a loop, because their number is up to the input.
+    // What follows "jar:" is itself a reference, trimmed again, and may be another jar: reference. The prefixes are
+    // removed in a loop because their number is up to the input.
     while (startsWithIgnoringAsciiCase(r, u"jar:")) {
         append(result, u"jar:");
         r.remove_prefix(4);
@@ -250,7 +250,7 @@ UnicodeString LumUriSub::makeLocalPathFromUri(const UnicodeString& uri) {
     View path = viewOf(uri);
     if (isFileScheme(uri)) {
         path.remove_prefix(5);
-        // Three slashes and more hold an empty host, which "//" before the path stands for.
+        // Three or more slashes contain an empty host: the "//" before the path.
         if (path.starts_with(u"///")) path.remove_prefix(2);
     } else if (schemeEnd(path) != npos) {
         return uri;

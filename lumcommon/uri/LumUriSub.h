@@ -5,20 +5,20 @@
 
 namespace LumCommon {
 
-/// The string functions under LumUri. A URI here is a string: resolution works on "/" and only spaces are escaped.
-/// Nothing fails: malformed strings pass through the rules. Cost: linear. Threads: any.
+/// The string functions that LumUri is built on. A URI here is just a string: resolution works on "/" and only spaces
+/// are escaped. Nothing fails: malformed strings are treated by the same rules. Cost: linear. Threads: any.
 class LUM_API LumUriSub {
 public:
     LumUriSub() = delete;
 
-    /// Passed through by the resolving functions; their results do not depend on it.
+    /// Set by unquoteUri() and accepted by the resolving functions, whose results do not depend on it.
     using URISPECTYPE = int;
     static constexpr URISPECTYPE URISPEC_0 = 0, URISPEC_2 = 2;
 
     /// The string without url(...) and surrounding quotes, where `strType` (LumUri::URISTRTYPE) allows them.
     static UnicodeString unquoteUri(const UnicodeString& s, URISPECTYPE& specType, int strType);
-    /// The index of the colon that ends the scheme, -1 without one. A scheme has at least two characters, so that a
-    /// drive letter is none.
+    /// The index of the colon that ends the scheme; -1 if there is no scheme. A scheme has at least two characters, so
+    /// a drive letter is not one.
     static int checkScheme(const UnicodeString& s);
     static bool isFileScheme(const UnicodeString& s);
     static bool isDataScheme(const UnicodeString& s);
@@ -29,7 +29,7 @@ public:
     static void unescapeHH(UnicodeString& s);
     /// Trims white space and, except in a data: URI, escapes spaces.
     static UnicodeString makeUriSub(const UnicodeString& s);
-    /// A path or URI to a URI: "/a" becomes "file:///a", a relative path stays relative.
+    /// Converts a path or URI to a URI: "/a" becomes "file:///a", a relative path stays relative.
     static UnicodeString makeUriFromPath(const UnicodeString& path, URISPECTYPE specType = URISPEC_0);
     /// Resolves `reference` against `base`.
     static UnicodeString makeAbsUri(const UnicodeString& base, const UnicodeString& reference,

@@ -9,14 +9,14 @@
 namespace LumCommon::detail {
 
 /// Takes little-endian numbers and runs of claimed lengths off the front of a run of bytes. The first one that is not
-/// there in full ends the run: it and all after it are 0, or those after it would be read from where others belong.
+/// there in full ends the run: it and all after it are 0, since later ones would be read from the wrong place.
 class BoundedReader {
 public:
     explicit BoundedReader(std::span<const char> bytes) noexcept : rest_(bytes) {}
 
-    /// Takes `claimed` bytes. False, and nothing is left, when fewer remain.
+    /// Takes `claimed` bytes. False if fewer remain, and then nothing is left.
     [[nodiscard]] bool take(std::uint64_t claimed, std::span<const char>& run) noexcept {
-        if (claimed > rest_.size()) {  // compared, not added: a position and a claim together could wrap
+        if (claimed > rest_.size()) {  // compare, do not add: a position plus a claim could overflow
             rest_ = {};
             return false;
         }

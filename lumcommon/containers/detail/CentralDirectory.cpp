@@ -17,7 +17,7 @@ constexpr std::string_view endSignature(endSignatureBytes.data(), endSignatureBy
 constexpr std::uint16_t zip64ExtraId = 1;
 constexpr std::uint32_t isInZip64Extra = 0xFFFFFFFFu;
 
-/// What an end record says of the directory: it reaches up to `end`, and the archive's offset 0 lies at `base`.
+/// Where an end record places the directory: from `start` to `end`, with the archive's offset 0 at `base`.
 struct DirectoryPlace {
     std::streamoff base = 0, start = 0, end = 0;
 };
@@ -32,8 +32,8 @@ std::streamoff findEnd(std::istream& in) noexcept {
     return tellPosition(in);
 }
 
-/// Finds the end record from behind: the last one whose comment reaches exactly to the end, as a comment can hold the
-/// signature too; else the last one at all. npos without one.
+/// Searches backwards for the end record: the last one whose comment reaches exactly to the end, since a comment can
+/// contain the signature too; else simply the last one. npos if there is none.
 std::size_t findEndRecord(std::string_view tail) noexcept {
     std::size_t last = tail.npos;
     for (std::size_t at = tail.size(); (at = tail.rfind(endSignature, at)) != tail.npos; --at) {
@@ -47,7 +47,7 @@ std::size_t findEndRecord(std::string_view tail) noexcept {
     return last;
 }
 
-/// Works out the directory's place from the size and the offset that are claimed, in a directory that ends at `end`.
+/// Works out the place of the directory that ends at `end` from the size and the offset that it claims.
 std::optional<DirectoryPlace> placeOf(std::uint64_t claimedSize, std::uint64_t claimedOffset, std::streamoff end,
                                       std::streamoff archiveStart) noexcept {
     if (claimedSize > static_cast<std::uint64_t>(end - archiveStart)) return std::nullopt;
@@ -68,7 +68,7 @@ std::optional<DirectoryPlace> findDirectory(std::istream& in, std::streamoff arc
     const std::size_t at = findEndRecord(tail);
     if (at == tail.npos) return std::nullopt;
 
-    // The two further records of zip64 stand in front of it, where they are.
+    // The two additional records of zip64, if there are any, come right before it.
     const auto signatureAt = [tail](std::size_t place) {
         return RecordView(tail.substr(place)).get(ZipSignature::signature);
     };
@@ -83,7 +83,7 @@ std::optional<DirectoryPlace> findDirectory(std::istream& in, std::streamoff arc
     return placeOf(size, offset, tailStart + static_cast<std::streamoff>(directoryEnd), archiveStart);
 }
 
-/// Replaces the fields that point to the extra field of zip64 by what it says.
+/// Replaces the fields that refer to the extra field of zip64 by its values.
 void applyZip64(BoundedReader extra, LumZipMemberFields& fields, std::uint64_t& offset) noexcept {
     constexpr std::size_t tagBytes = 2 * sizeof(std::uint16_t);  // what it is, and the length of its content
     while (extra.getRemainingBytes() >= tagBytes) {
@@ -106,8 +106,9 @@ void applyZip64(BoundedReader extra, LumZipMemberFields& fields, std::uint64_t& 
     }
 }
 
-/// Reads the record at the stream's position and moves that on.
-/// @param room  for bytes that are passed over.   @return false when none is there in full.
+/// Reads the record at the stream's position and advances `position` past it.
+/// @param room  for bytes that are skipped.
+/// @return false if there is no complete record.
 bool readRecord(std::istream& in, std::streamoff& position, const DirectoryPlace& place, std::vector<char>& room,
                 DirectoryMember& member, std::uint64_t& offset) {
     using Record = ZipDirectoryHeader;

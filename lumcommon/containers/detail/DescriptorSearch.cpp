@@ -14,8 +14,8 @@ constexpr std::size_t windowBytes = std::size_t{64} * 1024;
 constexpr auto signatureBytes = zipSignatureBytes(LumZipEntry::SIGNATURE_EXTHEADER);
 constexpr std::string_view signature(signatureBytes.data(), signatureBytes.size());
 
-/// The first descriptor that lies in `window` as a whole and states its own distance.
-/// @param distance  of the window from the member's data; receives that of what was found.
+/// Finds the first descriptor that is entirely in `window` and states its own distance.
+/// @param distance  of the window from the member's data; receives that of the descriptor.
 bool findIn(std::string_view window, std::uint64_t& distance, LumZipMemberFields& found) {
     for (std::size_t at = 0; (at = window.find(signature, at)) != window.npos; ++at) {
         if (window.size() - at < ZipDescriptor::bytes) return false;
@@ -52,7 +52,7 @@ bool findDescriptor(std::istream& in, LumZipMemberFields& fields) {
     if (start < 0) return false;
     std::uint64_t distance = 0;
     const bool isFound = search(in, distance, fields);
-    // What lies between was read, so the sum is a position of the stream and cannot wrap.
+    // Everything in between was read, so the sum is a position of the stream and cannot overflow.
     rewindTo(in, start + static_cast<std::streamoff>(isFound ? distance : 0));
     return isFound;
 }

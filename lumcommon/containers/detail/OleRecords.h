@@ -9,8 +9,8 @@
 #include <span>
 #include <string_view>
 
-// The records of a compound file as the published format lays them out. Sector numbers and places in the directory are
-// signed: the negative ones have meanings of their own.
+// The records of a compound file as the published format lays them out. Sector numbers and directory indexes are
+// signed: the negative ones have special meanings.
 
 namespace LumCommon::detail {
 

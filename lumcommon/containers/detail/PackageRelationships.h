@@ -10,7 +10,7 @@ namespace LumCommon::detail {
 struct PackageRelationships {
     struct Relationship {
         UnicodeString target;  ///< as written
-        UnicodeString mode;    ///< as written, "Internal" without one
+        UnicodeString mode;    ///< as written; "Internal" if there is none
     };
 
     std::map<UnicodeString, Relationship> byId;

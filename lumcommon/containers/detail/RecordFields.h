@@ -10,7 +10,7 @@
 
 namespace LumCommon::detail {
 
-/// A number in a record of a file: where it lies, and by its type how wide it is.
+/// A number in a record of a file: its offset and, by its type, its width.
 template <class Number>
 struct Field {
     std::size_t offset;
@@ -18,7 +18,7 @@ struct Field {
     constexpr std::size_t end() const noexcept { return offset + sizeof(Number); }
 };
 
-/// Numbers of one kind that follow each other in a record.
+/// Consecutive numbers of one type in a record.
 template <class Number>
 struct FieldRow {
     std::size_t offset;
@@ -29,8 +29,8 @@ struct FieldRow {
     constexpr std::size_t end() const noexcept { return offset + bytes(); }
 };
 
-/// The bytes of a record, read by its fields. A field that is not there in full is 0: what the record states is never
-/// looked for outside of it.
+/// The bytes of a record, read field by field. A field that is not there in full is 0: nothing is ever read outside the
+/// record.
 class RecordView {
 public:
     explicit RecordView(std::span<const char> record, std::endian order = std::endian::little) noexcept
@@ -46,7 +46,7 @@ public:
         }
         return static_cast<Number>(value);
     }
-    /// The bytes as they lie; none when they are not all there.
+    /// The bytes in the order of the file; none if they are not all there.
     std::span<const char> get(FieldRow<std::uint8_t> row) const noexcept {
         return row.end() > record_.size() ? std::span<const char>() : record_.subspan(row.offset, row.count);
     }
@@ -56,12 +56,12 @@ private:
     std::endian order_;
 };
 
-/// Reads a record off a stream. One that ends within the record gives fewer bytes.
-/// @tparam Record  tells its size as `bytes`.
+/// Reads a record from a stream. If the stream ends within the record, the fields that it lacks are 0.
+/// @tparam Record  states its size as `bytes`.
 template <class Record>
 class RecordReader {
 public:
-    /// @param front  so many bytes of the record have been read already; its fields in them are 0.
+    /// @param front  how many bytes of the record have been read already; its fields in them are 0.
     explicit RecordReader(std::istream& in, std::size_t front = 0) noexcept
         : view_(std::span<const char>(room_, front + readBytes(in, std::span<char>(room_).subspan(front)))) {}
     RecordReader(const RecordReader&) = delete;

@@ -5,7 +5,7 @@
 namespace LumCommon::detail {
 namespace {
 
-/// Up to this many sectors looking through them costs less than a bit for each sector of the file.
+/// Up to this many sectors, searching them costs less than keeping a bit for each sector of the file.
 constexpr std::size_t shortChain = 64;
 
 }  // namespace
@@ -30,7 +30,7 @@ bool SectorChain::extendTo(std::size_t index) {
 bool SectorChain::isMet(std::int32_t sector) const {
     if (met_.empty()) return std::ranges::find(sectors_, sector) != sectors_.end();
     const auto entry = static_cast<std::size_t>(sector);
-    return entry < met_.size() && met_[entry];  // one that the table lacks is the last of its chain
+    return entry < met_.size() && met_[entry];  // a sector that the table lacks is the last of its chain
 }
 
 void SectorChain::remember(std::int32_t sector) {

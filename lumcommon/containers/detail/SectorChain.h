@@ -6,21 +6,22 @@
 
 namespace LumCommon::detail {
 
-/// A chain of sectors, walked through an allocation table as far as somebody asks. Each sector is met once: a chain
-/// that comes back to one of its own sectors ends there as broken.
-/// Cost: O(1) a sector, amortised; memory of the sectors met, and a bit for each entry of the table once they are many.
+/// A chain of sectors, walked through an allocation table on demand. Each sector is visited once: a chain that returns
+/// to one of its own sectors ends there as broken.
+/// Cost: amortised O(1) per sector; memory for the sectors visited, and one bit for each entry of the table once there
+/// are many of them.
 class SectorChain {
 public:
-    static constexpr std::int32_t END = -2;     ///< in a table: the chain ends here; also the answer behind the end
-    static constexpr std::int32_t BROKEN = -1;  ///< the chain loops, or leads to what is no sector
+    static constexpr std::int32_t END = -2;     ///< in a table: the chain ends here; also returned past the end
+    static constexpr std::int32_t BROKEN = -1;  ///< the chain loops, or leads to something that is not a sector
 
     SectorChain() = default;
-    /// @param table  must stay as it is while the chain is walked.
+    /// @param table  must not change while the chain is walked.
     SectorChain(const std::vector<std::int32_t>& table, std::int32_t first) : table_(&table), next_(first) {}
 
-    /// The sector at that place, END when the chain is shorter, BROKEN when it cannot be walked so far.
+    /// The sector at that index; END if the chain is shorter, BROKEN if it cannot be walked that far.
     std::int32_t at(std::size_t index) { return index < sectors_.size() || extendTo(index) ? sectors_[index] : next_; }
-    /// The sectors met so far.
+    /// The sectors visited so far.
     const std::vector<std::int32_t>& getSectors() const noexcept { return sectors_; }
 
 private:

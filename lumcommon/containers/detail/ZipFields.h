@@ -8,19 +8,19 @@
 
 namespace LumCommon::detail {
 
-/// Reads a name of `lengthBytes`, in the platform's default charset; empty when the stream does not hold all of it.
+/// Reads a name of `lengthBytes`, in the platform's default charset; empty if the stream does not contain all of it.
 UnicodeString readZipName(std::istream& in, std::uint16_t lengthBytes);
 
-/// Moves the stream on. What the stream throws fails it.
+/// Skips bytes of the stream. If the stream throws, it is left failed.
 void skipBytes(std::istream& in, std::uint64_t bytes) noexcept;
 
 /// The stream's position; -1 when it has failed or cannot seek.
 std::streamoff tellPosition(std::istream& in) noexcept;
 
-/// Moves back to a position that the stream was read on from. That it met its end on the way is forgotten.
+/// Moves the stream back to an earlier position; that it has reached its end since then is cleared.
 void rewindTo(std::istream& in, std::streamoff position) noexcept;
 
-/// Puts a stream back where it was, and in the state that it was in, when the scope is left.
+/// Puts a stream back to the position and state in which it was, when the scope is left.
 class StreamPlace {
 public:
     explicit StreamPlace(std::istream& in) noexcept : in_(in), position_(tellPosition(in)) {}

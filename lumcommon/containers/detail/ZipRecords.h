@@ -8,12 +8,12 @@
 #include <cstdint>
 #include <ios>
 
-// The records of a zip archive as the published format lays them out, each from its signature on. All numbers are
-// little-endian; names, extra fields and comments follow the records.
+// The records of a zip archive as the published format lays them out, each beginning with its signature. All numbers
+// are little-endian; names, extra fields and comments follow the records.
 
 namespace LumCommon::detail {
 
-/// What a local header and a header of the central directory say alike.
+/// The fields that a local header and a header of the central directory share.
 template <std::size_t start>
 struct ZipMemberLayout {
     static constexpr Field<std::uint16_t> versionNeeded{start};
@@ -88,7 +88,7 @@ struct ZipEndRecord : ZipSignature {
 };
 static_assert(ZipEndRecord::bytes == 22);
 
-/// Stands in front of the locator, which stands in front of the end record, in an archive of zip64.
+/// In a zip64 archive, comes right before the locator, which comes right before the end record.
 struct Zip64EndRecord : ZipSignature {
     static constexpr std::uint32_t SIGNATURE = 0x06064B50u;
     static constexpr Field<std::uint64_t> recordSize{signature.end()};
@@ -113,7 +113,7 @@ struct Zip64Locator : ZipSignature {
 };
 static_assert(Zip64Locator::bytes == 20);
 
-/// The bytes of a signature as they lie in an archive.
+/// The bytes of a signature in the order in which an archive has them.
 constexpr std::array<char, ZipSignature::bytes> zipSignatureBytes(std::uint32_t signature) noexcept {
     return {static_cast<char>(signature & 0xFF), static_cast<char>(signature >> 8 & 0xFF),
             static_cast<char>(signature >> 16 & 0xFF), static_cast<char>(signature >> 24)};

@@ -22,7 +22,7 @@ using View = std::u16string_view;
 
 namespace {
 
-/// The numbers that users are told.
+/// The numbers that are reported to users.
 enum class PackageKind : int {
     NONE = 0,
     WORD_DOCUMENT = 1,
@@ -62,7 +62,7 @@ PackageKind kindOf(View contentType) {
 
 constexpr char16_t officeDocumentRelationship[] =
     u"http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
-/// The beginnings of relationship types, and those of their ends that differ: Transitional form, Strict form.
+/// The beginnings of relationship types, and those ends that differ, in the Transitional and in the Strict form.
 struct TypeForms {
     View transitional;
     View strict;
@@ -93,7 +93,7 @@ UnicodeString relationshipPartName(const LumZipFileEntry* source) {
     return detail::textOf(name.substr(0, fileName)) + u"_rels/" + detail::textOf(name.substr(fileName)) + u".rels";
 }
 
-/// The name without "." and "..": a reference keeps those that do not stand at its front.
+/// The name without "." and "..": resolving a reference removes only those at its front.
 UnicodeString withoutDotSegments(View name) {
     std::u16string result;
     result.reserve(name.size());
@@ -112,7 +112,7 @@ UnicodeString withoutDotSegments(View name) {
     return detail::textOf(result);
 }
 
-/// Resolves a target against the name of its source; true when that gives the name of a part.
+/// Resolves a target against the name of its source; true if that gives the name of a part.
 bool resolveTarget(const UnicodeString& sourceName, UnicodeString& target) {
     LumUriSub::URISPECTYPE specType;
     const UnicodeString unquoted = LumUriSub::unquoteUri(target, specType, LumUri::URISTR_3);
@@ -142,7 +142,7 @@ UnicodeString targetOf(const LumZipFile& zip, const LumZipFileEntry* source,
     return target;
 }
 
-/// The target of the relationship with that key, empty when there is none.
+/// The target of the relationship with that key, empty if there is none.
 template <class Map>
 UnicodeString findTarget(const LumZipFile& zip, const LumZipFileEntry* source, const Map& map,
                          const UnicodeString& key) {
@@ -150,7 +150,7 @@ UnicodeString findTarget(const LumZipFile& zip, const LumZipFileEntry* source, c
     return found == map.end() ? UnicodeString() : targetOf(zip, source, found->second);
 }
 
-/// The relationship type in its other form; the type itself when it is in neither.
+/// The relationship type in its other form; the type itself if it is in neither.
 UnicodeString inOtherForm(const UnicodeString& type) {
     View end = detail::viewOf(type);
     const bool isStrict = end.starts_with(typeBeginnings.strict);

@@ -14,7 +14,7 @@
 namespace LumCommon {
 namespace {
 
-/// The numbers that users are told.
+/// The numbers that are reported to users.
 enum class DocumentKind : int {
     NONE = 0,
     WORD_PROCESSOR = 1,

@@ -13,11 +13,12 @@ class OleCompFile;
 ///     properties.init(&file);
 ///     const UnicodeString& title = properties.getTitle();
 ///
-/// Threads: init() uses the compound file; after it the strings are the object's own.
+/// Threads: init() uses the compound file; afterwards the object does not depend on it.
 class LUM_API OlePropertySet {
 public:
-    /// Takes the strings from the file's summary information. Those that it does not have stay as they were, which is
-    /// empty at first.   1, or -1 when the file has no summary information or it cannot be read; nothing is thrown.
+    /// Takes the strings from the file's summary information. Those that it lacks stay as they were, which is empty at
+    /// first.
+    /// @return 1, or -1 if the file has no summary information or it cannot be read; nothing is thrown.
     int init(OleCompFile* file);
 
     const UnicodeString& getTitle() const noexcept { return title_; }

@@ -20,8 +20,9 @@ struct OLE_CLSID {
 
 struct OlePropertyElements;
 
-/// A value of a property set, of any type that the published format has ([MS-OLEPS], Object Linking and Embedding
-/// Property Set Data Structures, section 2.15). What it holds follows from its type:
+// clang-format off
+/// A value of a property set, of any type in the published format ([MS-OLEPS], Object Linking and Embedding Property
+/// Set Data Structures, section 2.15). What it holds follows from its type:
 ///
 /// | type | content |
 /// |---|---|
@@ -29,25 +30,29 @@ struct OlePropertyElements;
 /// | INT8, INT16, INT32, INT64, INT | std::int64_t |
 /// | CURRENCY | std::int64_t, in ten-thousandths |
 /// | UINT8, UINT16, UINT32, UINT64, UINT, ERROR_CODE | std::uint64_t |
-/// | FILE_TIME | std::uint64_t, in 100 nanoseconds since 1601-01-01 UTC; for the editing time a duration |
+/// | FILE_TIME | std::uint64_t, in 100 nanoseconds since 1601-01-01 UTC; a duration for the editing time |
 /// | FLOAT, DOUBLE | double |
-/// | DATE | double, in days since 1899-12-30, of no time zone |
+/// | DATE | double, in days since 1899-12-30, without a time zone |
 /// | BOOLEAN | bool |
 /// | STRING, BASIC_STRING, WIDE_STRING | UnicodeString, up to the first zero |
 /// | DECIMAL | UnicodeString, all its digits: "-12.50" |
-/// | STREAM, STORAGE, STREAMED_OBJECT, STORED_OBJECT, VERSIONED_STREAM | UnicodeString, the name of what holds the
-/// value | | CLASS_ID | OLE_CLSID | | BLOB, BLOB_OBJECT | OlePropertyBytes | | CLIPBOARD | OlePropertyBytes, as stored:
-/// the first four are the format's | | VECTOR with INT8 or UINT8 | OlePropertyBytes | | VECTOR or ARRAY with another of
-/// these types, or with VARIANT | OlePropertyElements |
+/// | STREAM, STORAGE | UnicodeString, the name of what holds the value |
+/// | STREAMED_OBJECT, STORED_OBJECT, VERSIONED_STREAM | UnicodeString, the name of what holds the value |
+/// | CLASS_ID | OLE_CLSID |
+/// | BLOB, BLOB_OBJECT | OlePropertyBytes |
+/// | CLIPBOARD | OlePropertyBytes, as stored: the first four are the format's |
+/// | VECTOR with INT8 or UINT8 | OlePropertyBytes |
+/// | VECTOR or ARRAY with another of these types, or with VARIANT | OlePropertyElements |
 ///
 ///     if (const auto* pages = std::get_if<std::int64_t>(&value.content)) ...
 ///
-/// Threads: a value.
+/// Threads: as for any value type.
 struct OlePropertyValue;
+// clang-format on
 
 using OlePropertyBytes = std::vector<unsigned char>;
 
-/// The elements of a vector or an array, in the order stored. Each has its type; with VARIANT these can differ.
+/// The elements of a vector or an array, in the order stored. Each has its own type; with VARIANT these can differ.
 struct OlePropertyElements {
     struct Dimension {
         std::uint32_t size = 0;
@@ -104,10 +109,10 @@ struct OlePropertyValue {
     using Content = std::variant<std::monostate, std::int64_t, std::uint64_t, double, bool, UnicodeString, OLE_CLSID,
                                  OlePropertyBytes, OlePropertyElements>;
 
-    /// As stored, with its flag.
+    /// As stored, flags included.
     std::uint32_t type = EMPTY;
-    /// The value cannot be read: it is cut short, claims more than there is, or its type is none of the above. It has
-    /// no content then.
+    /// The value cannot be read: it is cut short, claims more than there is, or its type is not one of the above. It
+    /// then has no content.
     bool isDamaged = false;
     Content content;
 
@@ -118,11 +123,11 @@ inline bool OlePropertyElements::operator==(const OlePropertyElements& other) co
     return values == other.values && dimensions == other.dimensions;
 }
 
-/// A property of a set, and where it stands.
+/// A property of a set and where it belongs.
 struct OleProperty {
     OLE_CLSID formatId;    ///< of its section: tells what the numbers mean
     std::uint32_t id = 0;  ///< unique in its section
-    UnicodeString name;    ///< in the section's dictionary: of properties of the user's own; else empty
+    UnicodeString name;    ///< from the section's dictionary, for user-defined properties; else empty
     bool isNamed = false;  ///< its section has a dictionary, so that the number means nothing by itself
     OlePropertyValue value;
 };

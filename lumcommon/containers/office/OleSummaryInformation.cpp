@@ -25,15 +25,15 @@ constexpr unsigned defaultCodePage = 932;
 
 using Value = OlePropertyValue;
 
-/// What is read of a section for each row of its property table: number and offset, then the type at that offset.
+/// What is read from a section for each row of its property table: number and offset, then the type at that offset.
 constexpr std::uint64_t propertyRowBytes = 3 * sizeof(std::uint32_t);
-/// What stands in front of each name of a dictionary: its number and its length.
+/// What precedes each name of a dictionary: its number and its length.
 constexpr std::uint64_t nameRowBytes = 2 * sizeof(std::uint32_t);
 
-/// Under which the user-defined properties keep hyperlinks: eleven characters and the zero that ends them.
+/// The name under which the user-defined properties keep hyperlinks: eleven characters and the terminating zero.
 constexpr std::string_view hyperLinksName("_PID_HLINKS\0", 12);
 
-/// The numbers of the properties that a dictionary gives that name to, ascending.
+/// The numbers of the properties to which the dictionary gives that name, ascending.
 std::vector<std::uint32_t> idsNamed(const OleSISection& section, std::string_view name) {
     std::vector<std::uint32_t> ids;
     for (const OleSIName& row : section.dictionary) {
@@ -72,7 +72,7 @@ const OleSIProperty* findSummary(const std::vector<OleSISection>& sections, unsi
 
 OlePropertyValue readValue(const OleSIProperty& property, detail::PropertyValueReader& reader) {
     OlePropertyValue value = reader.readValue(property.type, property.valuePosition);
-    // The field is of 16 bits with a sign, so 65001 is negative in it.
+    // The field has 16 bits with a sign, so 65001 is negative in it.
     auto* const number = std::get_if<std::int64_t>(&value.content);
     if (property.id == detail::CODE_PAGE && number && *number < 0 && *number >= -0x8000) *number += 0x10000;
     return value;
@@ -88,7 +88,7 @@ std::optional<unsigned> codePageOf(const OleSISection& section, detail::Property
     return static_cast<unsigned>(*number);
 }
 
-/// The code page for sections that state none: that of the first one which does.
+/// The code page for sections that state none: that of the first one that does.
 unsigned commonCodePageOf(const std::vector<OleSISection>& sections, detail::PropertyValueReader& reader) {
     for (const OleSISection& section : sections) {
         if (const std::optional<unsigned> codePage = codePageOf(section, reader)) return *codePage;
@@ -98,12 +98,13 @@ unsigned commonCodePageOf(const std::vector<OleSISection>& sections, detail::Pro
 
 using Names = std::map<std::uint32_t, UnicodeString>;
 
-/// The names that the section's dictionary gives; the first one of a number holds. The reader is set to its code page.
+/// The names that the section's dictionary gives; the first one for a number counts. The reader must be set to its code
+/// page.
 Names namesOf(const OleSISection& section, detail::PropertyValueReader& reader) {
     Names names;
     const OleSIProperty* const dictionary = findIn(section, dictionaryId);
     if (!dictionary) return names;
-    if (reader.isWide()) {  // the bytes kept with the section were counted, the names are in units
+    if (reader.isWide()) {  // the section's copy of the names is counted in bytes, but these are in 16-bit units
         for (auto& [id, name] : reader.readWideNames(dictionary->type, dictionary->valuePosition)) {
             names.try_emplace(id, std::move(name));
         }
@@ -291,7 +292,7 @@ void OleSummaryInformation::chooseCharset() {
         return;
     }
     int codePage = value.getIntegerValue();
-    // The field is of 16 bits with a sign, so some programs write 65001 as a negative number.
+    // The field has 16 bits with a sign, so some programs write 65001 as a negative number.
     if (codePage < 0 && codePage >= -0x8000) codePage += 0x10000;
     charset_ = LumCStr(UnicodeString::fromUTF8(detail::charsetOfCodePage(codePage)));
 }
@@ -399,7 +400,7 @@ bool OleSummaryInformation::readHyperLink(std::vector<UnicodeString>& out) {
         unsigned short unit = 0;
         if (!getWORD(&unit)) return false;  // unreachable
         isEnded = isEnded || unit == 0;
-        if (!isEnded) text.append(static_cast<char16_t>(unit));  // surrogates that follow one another join
+        if (!isEnded) text.append(static_cast<char16_t>(unit));  // consecutive surrogates join
     }
     if (!text.isEmpty()) out.push_back(std::move(text));
     return true;
@@ -412,7 +413,7 @@ int OleSummaryInformation::getHyperLinks(std::vector<UnicodeString>& out) {
     std::uint32_t blockBytes = 0, count = 0;
     if (!getDWORD(&blockBytes) || !getDWORD(&count)) return -1;
     for (std::uint32_t i = 0; i < count; ++i) {
-        if (!readHyperLink(out)) return -1;  // a short read has taken all there was: there is no element behind it
+        if (!readHyperLink(out)) return -1;  // a short read has taken all there was, so no element follows
     }
     return 1;
 }

@@ -51,18 +51,18 @@ struct OleSISection {
 ///     if (information.initSummaryInformation(&file) == 1 && information.getProperty(2, title) == 1) ...
 ///
 /// The layout is that of the published OLE property set format. The stream is read into memory when it is opened, as
-/// far as it is there. Where sections, or the dictionaries in them, share their bytes, what is read is bounded all the
-/// same: to twice the bytes of the stream, after which it counts as ended. A dictionary ends where the next property of
-/// the table begins, the dictionary of the last property at the section's stated size.
+/// much of it as is there. Sections and the dictionaries in them can overlap, so reading is limited to twice the bytes
+/// of the stream, after which it counts as ended. A dictionary ends where the next property of the table begins; the
+/// dictionary of the last property ends at the section's stated size.
 ///
-/// getProperty() reads the integers and strings of the summary information, an integer always as 32 bits.
-/// readProperty() and readProperties() read values of every type of the format ([MS-OLEPS], Object Linking and
-/// Embedding Property Set Data Structures), in both kinds of set, each number in its own width; of a set that is
-/// damaged they give what can still be read.
+/// getProperty() reads the integers and strings of the summary information, integers always as 32 bits. readProperty()
+/// and readProperties() read values of every type of the format ([MS-OLEPS], Object Linking and Embedding Property Set
+/// Data Structures), in both kinds of set, each number in its own width; from a damaged set they give what can still be
+/// read.
 ///
-/// Failure: -1 or false; nothing is thrown, but by readProperty() and readProperties() std::bad_alloc.
+/// Failure: -1 or false; nothing is thrown, except std::bad_alloc by readProperty() and readProperties().
 /// Ownership: the compound file is borrowed and must outlive the object, which keeps the stream open.
-/// Lifecycle: one init operation, once.
+/// Lifecycle: call one of the init operations, once.
 /// Threads: one at a time, as for the compound file.
 class LUM_API OleSummaryInformation {
 public:
@@ -73,54 +73,57 @@ public:
     OleSummaryInformation& operator=(const OleSummaryInformation&) = delete;
     ~OleSummaryInformation();
 
-    /// Reads "\005SummaryInformation" and chooses the code page of its strings.   1, or -1 when the stream is not there
-    /// or not all of it can be read; what was read before the failure is kept.
+    /// Reads "\005SummaryInformation" and chooses the code page of its strings.
+    /// @return 1, or -1 if the stream is not there or not all of it can be read; what was read before the failure is
+    /// kept.
     int initSummaryInformation(OleCompFile* file);
     /// Reads "\005DocumentSummaryInformation"; the same results.
     int initDocumentSummaryInformation(OleCompFile* file);
 
-    /// Reads the header and all sections from the current position.   1, or -1 when anything is cut short: the
-    /// sections behind a damaged one are read all the same.
+    /// Reads the header and all sections from the current position.
+    /// @return 1, or -1 if anything is cut short; the sections after a damaged one are read all the same.
     int getSummaryInformation();
     /// Reads the header: byte order, version, system, class and section count.
     bool getPropHeader();
-    /// Reads the byte order. Any other value than the reversed mark is taken for this machine's order.
+    /// Reads the byte order. Any value other than the reversed mark is taken for this machine's order.
     bool checkEndian();
 
-    /// A property of the summary information: an integer or a string, of a vector the last element.
-    /// @param id  1 to 9, 14, 15, 16, 18 or 19; nothing else can be asked for. 2 is the title, 3 the subject, 4 the
-    ///            author, 5 the keywords.
-    /// A string ends at its first zero. Bytes that the code page does not allow become U+FFFD; a code page that is not
-    /// known is read as ISO 8859-1.
-    /// 1, or -1: it is absent, cut short or of another type, or this is document summary information; `out` is then
-    /// as it was.
+    /// A property of the summary information: an integer or a string; of a vector, the last element.
+    /// @param id  1 to 9, 14, 15, 16, 18 or 19; no others are supported. 2 is the title, 3 the subject, 4 the author, 5
+    ///            the keywords.
+    /// A string ends at its first zero. Bytes that the code page does not allow become U+FFFD; text in an unknown code
+    /// page is read as ISO 8859-1.
+    /// @return 1, or -1 if the property is absent, cut short or of another type, or if this is document summary
+    /// information; `out` is then unchanged.
     int getProperty(unsigned int id, LumValue& out);
-    /// A property by its number, of the first section without dictionary that has it: what getProperty() looks at.
-    /// Strings are in the code page of their section, else in that of the first section that states one, else in 932.
-    /// The code page itself (property 1) is a number from 0 to 65535 also where it is stored with a sign.
-    /// @param id  0 is none: it is the dictionary.
-    /// Null when there is none. One that is there but cannot be read is damaged: see OlePropertyValue.
-    /// Cost: O(properties), and the bytes of the value, three times for vectors of strings at most.
+    /// A property by its number, from the first section without a dictionary that has it, which is where getProperty()
+    /// looks. Strings are in the code page of their section, else in that of the first section that states one, else in
+    /// 932. The code page itself (property 1) is a number from 0 to 65535 even where it is stored with a sign.
+    /// @param id  0 is not a property: it is the dictionary.
+    /// @return nothing if there is none. One that is there but cannot be read is damaged, see OlePropertyValue.
+    /// Cost: O(properties), plus the bytes of the value, at most three times for vectors of strings.
     std::optional<OlePropertyValue> readProperty(unsigned int id) const;
-    /// A property of the user's own, by the name that a dictionary gives it: exactly, or else by letters of either
-    /// case. Null when there is none.   Cost: O(properties and names), and the bytes of the value.
+    /// A user-defined property by the name that a dictionary gives it: an exact match, else one that ignores case.
+    /// Nothing if there is none.
+    /// Cost: O(properties and names), plus the bytes of the value.
     std::optional<OlePropertyValue> readProperty(const UnicodeString& name) const;
-    /// All properties in the order stored, without dictionaries, with their names where they have some.
-    /// Values can share their bytes. What is read is bounded all the same: to four times the bytes of the stream and
-    /// 1,048,576 elements of vectors; the values that remain then are damaged.
+    /// All properties in the order stored, without dictionaries, with their names if they have any.
+    /// Values can overlap, so reading is limited to four times the bytes of the stream and 1,048,576 elements of
+    /// vectors; the values that remain are then damaged.
     std::vector<OleProperty> readProperties() const;
-    /// Appends the targets of the document's hyperlinks and the places in them, those that are not empty, in the order
-    /// stored.   1, or -1 when the document keeps no list of them or the list is cut short.
+    /// Appends the targets of the document's hyperlinks and the places in them, in the order stored, without empty
+    /// ones.
+    /// @return 1, or -1 if the document keeps no list of them or the list is cut short.
     int getHyperLinks(std::vector<UnicodeString>& out);
 
-    /// Fields at the current position, which they leave behind themselves. False when the stream has fewer bytes; the
-    /// position is then its end, and the field as it was.
+    /// These read a field at the current position and move past it. False if the stream has fewer bytes; the position
+    /// is then at its end and the field unchanged.
     bool getWORD(unsigned short* value);
     bool getDWORD(unsigned int* value);
     bool getCLSID(OLE_CLSID* value);
-    /// `count` units of 16 bits, each widened; none when not all are there.
+    /// `count` units of 16 bits, each widened; none if not all are there.
     bool getWSTR(wchar_t* buffer, int count);
-    /// `n` bytes that are stored from the last to the first.
+    /// `n` bytes that are stored in reverse order.
     bool getReverse(unsigned char* p, int n);
 
     Kind getKind() const noexcept { return kind_; }
@@ -134,7 +137,7 @@ public:
     std::uint32_t getSectionCount() const noexcept { return sectionCount_; }
     /// The sections that are there.
     const std::vector<OleSISection>& getSections() const noexcept { return sections_; }
-    /// "cp932", "UTF-8", "cp1252" and so on; empty before a code page was chosen.
+    /// "cp932", "UTF-8", "cp1252" and so on; empty until a code page has been chosen.
     const UnicodeString& getCharset() const noexcept { return charset_; }
 
 private:
@@ -146,7 +149,7 @@ private:
     bool readHyperLink(std::vector<UnicodeString>& out);
     bool readString(std::string& bytes);
 
-    /// Whether so many follow; the position moves to the end of the stream where they do not.
+    /// Whether that many follow; if not, the position moves to the end of the stream.
     bool hasBytes(std::uint64_t bytes);
     bool take(void* to, std::uint64_t bytes);
     bool spend(std::uint64_t bytes);
@@ -155,8 +158,8 @@ private:
     OleCompFile* file_ = nullptr;
     OleStream* stream_ = nullptr;
     std::vector<unsigned char> bytes_;  // of the stream
-    std::uint64_t position_ = 0;        // in them; may be behind their end
-    std::uint64_t budgetBytes_ = 0;     // what may still be read of sections
+    std::uint64_t position_ = 0;        // in bytes_; may be past their end
+    std::uint64_t budgetBytes_ = 0;     // what may still be read from sections
 
     std::uint16_t byteOrder_ = 0;
     std::uint16_t version_ = 0;

@@ -15,8 +15,8 @@ namespace {
 
 constexpr char16_t byteOrderMark = 0xFEFF;
 
-/// ICU takes an unknown name for a file of its data folder and a comma for the start of options. Names come from
-/// documents, so neither may get through.
+/// ICU looks up an unknown name as a file in its data folder and takes a comma for the start of options. Names come
+/// from documents, so neither may get through.
 bool isPlainName(std::string_view name) {
     return !name.empty() && std::ranges::all_of(name, [](char c) {
         return isAsciiLetterOrDigit(c) || std::string_view("-_.:()+").find(c) != std::string_view::npos;
@@ -42,8 +42,8 @@ ConverterPtr openOrdered(UConverterType type, bool littleEndian) {
     return openConverter(littleEndian ? "UTF-32LE" : "UTF-32BE");
 }
 
-/// ICU's tables for the PC code pages of Japanese have three control characters in turn: byte 1A is U+001C, 1C is
-/// U+007F, 7F is U+001A. Documents mean the characters of the same number.
+/// ICU's tables for the Japanese PC code pages rotate three control characters: byte 1A is U+001C, 1C is U+007F, 7F is
+/// U+001A. Documents mean the characters with the same numbers.
 bool swapsControls(UConverter* converter) {
     const char bytes[] = {0x1A, 0x1C, 0x7F};
     char16_t units[4] = {};
@@ -67,7 +67,7 @@ bool canEncode(UConverter* converter, char16_t unit) {
 
 bool isMalformed(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
-/// ICU's own callback gives U+001A for some single bytes, which no XML document may hold.
+/// ICU's own callback gives U+001A for some single bytes, which XML documents must not contain.
 void U_CALLCONV replaceMalformed(const void*, UConverterToUnicodeArgs* args, const char*, std::int32_t,
                                  UConverterCallbackReason reason, UErrorCode* status) {
     if (!isMalformed(reason)) return;
@@ -114,7 +114,7 @@ bool CharsetConversion::setSource(const char* charset, const CConvOptions& optio
         source_ = openOrdered(UCNV_UTF16, !U_IS_BIG_ENDIAN);
     }
     if (!source_) return false;
-    // Without a fixed order the converter itself takes the mark.
+    // Without a fixed byte order, the converter itself consumes the mark.
     dropsMark_ = options.sourceHasMark && !isOrderless(source_.get());
     sourceSwapsControls_ = swapsControls(source_.get());
     lineEnds_ = options.lineEnds;
@@ -151,8 +151,8 @@ bool CharsetConversion::run(CConvContext& context) noexcept {
     return true;
 }
 
-// Decoded units go into the upper half, so that line ends can be rewritten from there to the start even where one unit
-// becomes two: the writer then never overtakes the reader.
+// Decodes into the upper half of units_, so that line ends can be rewritten from there to the front even if one unit
+// becomes two: the writer never overtakes the reader.
 bool CharsetConversion::decode(CConvContext& context) noexcept {
     const char* from = context.input + context.inputConsumed;
     const char* const end = context.input + context.inputAvailable;
@@ -212,7 +212,7 @@ void CharsetConversion::convertLineEnds() noexcept {
 
 bool CharsetConversion::encode(CConvContext& context) noexcept {
     const std::size_t room = context.outputCapacity - context.outputProduced;
-    // What this many units become fits for certain, ten more standing for shift sequences and what the converter holds.
+    // This many units are certain to fit, minus ten to allow for shift sequences and what the converter holds back.
     const std::size_t certain = room / static_cast<unsigned>(ucnv_getMaxCharSize(target_.get()));
     if (certain <= 10) return encodeToPending(1, false);
     const char16_t* from = units_ + unitsStart_;
@@ -236,7 +236,7 @@ bool CharsetConversion::encodeToPending(std::size_t units, bool isLast) noexcept
     return U_SUCCESS(status);
 }
 
-/// False when the pending character does not fit.
+/// False if the pending character does not fit.
 bool CharsetConversion::drainPending(CConvContext& context) noexcept {
     if (pendingBytes_ == 0) return true;
     if (pendingBytes_ > context.outputCapacity - context.outputProduced) return false;

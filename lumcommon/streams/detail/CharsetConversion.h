@@ -14,19 +14,19 @@ struct ConverterCloser {
 };
 using ConverterPtr = std::unique_ptr<UConverter, ConverterCloser>;
 
-/// What stands for characters that a target charset lacks.
+/// Replacements for characters that a target charset lacks.
 struct CharsetSubstitutes {
     char16_t narrow;  // 0: the converter's own
     char16_t wide;    // 0: as for narrow characters
 };
 
-/// Decodes a charset to UTF-16 and encodes that in another one, block by block.
+/// Decodes one charset to UTF-16 and encodes that in another, block by block.
 class CharsetConversion {
 public:
     bool setTarget(const char* charset, const CConvOptions& options);
     bool setSource(const char* charset, const CConvOptions& options);
 
-    /// One step: see cconvConvert. False when it cannot go on.
+    /// One step, see cconvConvert(). False if it cannot continue.
     bool run(CConvContext& context) noexcept;
 
 private:
@@ -44,16 +44,16 @@ private:
     ConverterPtr target_;
     CharsetSubstitutes substitutes_{};
     CConvLineEnds lineEnds_ = CConvLineEnds::keep;
-    bool dropsMark_ = false;  // a mark at the start of the source is still to come
+    bool dropsMark_ = false;  // the source starts with a mark that is still to be dropped
     bool writesMark_ = false;
     bool sourceSwapsControls_ = false;
     bool targetSwapsControls_ = false;
     bool afterReturn_ = false;  // the last unit was a carriage return, which has been written as a line end
     bool isSourceDone_ = false;
     bool isTargetDone_ = false;
-    std::size_t unitsStart_ = 0;  // the decoded units that wait
+    std::size_t unitsStart_ = 0;  // decoded units that are not yet encoded
     std::size_t unitsEnd_ = 0;
-    std::size_t pendingBytes_ = 0;  // of one encoded character that did not fit
+    std::size_t pendingBytes_ = 0;  // bytes of one encoded character that did not fit
     char pending_[PENDING_BYTES];
     char16_t units_[2 * HALF_UNITS];
 };

@@ -18,7 +18,7 @@ struct MarkRow {
     const char* name;
 };
 constexpr MarkRow markRows[] = {
-    {"\xEF\xBB\xBF"sv, "UTF-8"},    {"\xFF\xFE\0\0"sv, "UTF-32LE"},  // before the mark of UTF-16, which it begins with
+    {"\xEF\xBB\xBF"sv, "UTF-8"},    {"\xFF\xFE\0\0"sv, "UTF-32LE"},  // before UTF-16LE, whose mark it begins with
     {"\0\0\xFE\xFF"sv, "UTF-32BE"}, {"\xFF\xFE"sv, "UTF-16LE"},
     {"\xFE\xFF"sv, "UTF-16BE"},     {"\x84\x31\x95\x33"sv, "GB18030"},
 };
@@ -40,7 +40,8 @@ bool isAscii(std::string_view sample) {
     return std::ranges::all_of(sample, [](char c) { return c > 0 && c != escape && c != 0x7F; });
 }
 
-/// How many bytes of a character in UTF-8 stand at `start`: 0 for malformed ones, what there is when it is cut off.
+/// The length in bytes of the UTF-8 character at `start`: 0 if it is malformed, the bytes that are there if it is cut
+/// off.
 std::size_t countUtf8Character(std::string_view sample, std::size_t start) {
     const auto length = static_cast<std::int32_t>(sample.size());
     const auto begin = static_cast<std::int32_t>(start);
@@ -51,7 +52,8 @@ std::size_t countUtf8Character(std::string_view sample, std::size_t start) {
     return character >= 0 || isCutOff ? static_cast<std::size_t>(end - begin) : 0;
 }
 
-/// Whether the sample holds characters of UTF-8 and hardly anything that is not UTF-8. A damaged file is still one.
+/// Whether the sample holds UTF-8 characters and hardly anything that is not UTF-8. A slightly damaged file still
+/// counts.
 bool isUtf8(std::string_view sample) {
     std::size_t wellFormed = 0;
     std::size_t malformed = 0;
@@ -71,7 +73,7 @@ bool isUtf8(std::string_view sample) {
 
 /// The detector's answer to bytes that are neither ASCII nor UTF-8.
 const char* guessByStatistics(std::string_view sample) {
-    // Below this, the detector has seen nothing that speaks for a charset but that no byte speaks against it.
+    // Below this, the detector has found no evidence for a charset except that no byte rules it out.
     constexpr std::int32_t leastConfidence = 15;
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UCharsetDetector, DetectorCloser> detector(ucsdet_open(&status));
@@ -82,7 +84,7 @@ const char* guessByStatistics(std::string_view sample) {
     for (std::int32_t i = 0; U_SUCCESS(status) && i < count; ++i) {
         if (ucsdet_getConfidence(matches[i], &status) < leastConfidence) break;
         const char* const name = ucsdet_getName(matches[i], &status);
-        // The detector takes overlong forms for UTF-8, which has been ruled out.
+        // The detector accepts overlong forms as UTF-8, but UTF-8 has been ruled out.
         if (U_FAILURE(status) || std::string_view(name) == "UTF-8") continue;
         const char* const libraryName = findLibraryCharsetOfDetected(name);
         return libraryName ? libraryName : name;

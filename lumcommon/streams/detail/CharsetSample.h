@@ -9,7 +9,7 @@ struct CharsetGuess {
     bool hasMark = false;
 };
 
-/// The charset of the text that begins with `sample`. See cconvChkEncode.
+/// The charset of the text that begins with `sample`; see cconvChkEncode().
 CharsetGuess guessCharset(std::string_view sample) noexcept;
 
 }  // namespace LumCommon::detail

@@ -41,7 +41,7 @@ RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<ch
     room = room.subspan(free - z.avail_out);
     hasEnded_ = result == Z_STREAM_END;
     if (hasEnded_) return Outcome::END;
-    // Without data zlib gives what it holds back; when that is nothing, the call is an error to it.
+    // Without input, zlib delivers what it holds back; if that is nothing, it reports an error.
     return result == Z_OK ? Outcome::MORE : Outcome::BROKEN;
 }
 

@@ -8,7 +8,8 @@ struct z_stream_s;
 
 namespace LumCommon::detail {
 
-/// Inflates raw deflate data (RFC 1951) step by step. What cannot be inflated, a want of memory included, is broken.
+/// Inflates raw deflate data (RFC 1951) step by step. What cannot be inflated, even for lack of memory, is
+/// BROKEN.
 class RawInflater {
 public:
     enum class Outcome { MORE, END, BROKEN };
@@ -20,15 +21,16 @@ public:
 
     void restart() noexcept;
 
-    /// Inflates from the start of `data` into the start of `room` and cuts both by what was used. Empty `data` say that
-    /// no more will come: what is held back is given, and data that do not end there are broken.
+    /// Inflates from the front of `data` into the front of `room` and removes what was used from both. Empty `data`
+    /// means that no more will come: what is held back is delivered, and data that do not end there are broken.
     /// @param room  not empty.
-    /// MORE: `data` are used up or `room` is full. After END it is END again.
+    /// @return MORE if `data` is used up or `room` is full. After END, always END.
     Outcome step(std::span<const char>& data, std::span<char>& room) noexcept;
 
-    /// Inflates until `room` is full or the data end, and returns the number of bytes made. Data that turn out to be
-    /// broken give 0, whatever was made of them before.
-    /// @param next  gives further data when `data` are used up; none at the end. It is not called once the data ended.
+    /// Inflates until `room` is full or the data end, and returns the number of bytes produced. If the data turn out to
+    /// be broken, returns 0, whatever was produced before.
+    /// @param next  returns further data when `data` is used up; empty at the end. It is not called once the data have
+    ///              ended.
     template <class Next>
     std::size_t fill(std::span<const char>& data, std::span<char> room, Next next) {
         const std::size_t size = room.size();

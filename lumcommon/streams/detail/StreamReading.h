@@ -8,20 +8,22 @@
 
 namespace LumCommon::detail {
 
-/// Reads up to `room.size()` bytes and returns their number. What the stream throws, be it its buffer or its exception
-/// mask, counts as its end; its state tells.
+/// Reads up to `room.size()` bytes and returns their number. An exception, from the stream's buffer or because of its
+/// exception mask, counts as the end and shows in the stream's state.
 inline std::size_t readBytes(std::istream& in, std::span<char> room) noexcept {
     try {
         in.read(room.data(), static_cast<std::streamsize>(room.size()));
     } catch (...) {
-        // The count is right also then: the mask throws after counting, a buffer that threw has a count of 0.
+        // The count is still right: the mask throws after counting, and a buffer that threw leaves a count of 0.
     }
     return static_cast<std::size_t>(in.gcount());
 }
 
-/// Fills `bytes` with up to `claimed` bytes, in pieces that grow with what has come, so that a claim costs nothing.
-/// @param read  called with the room for the next piece; gives the number of bytes it has put there, fewer at the end.
-/// Failure: std::bad_alloc; `bytes` then hold the pieces before.
+/// Fills `bytes` with up to `claimed` bytes, in pieces that grow with what has arrived, so that a false claim costs no
+/// memory.
+/// @param read  called with the room for the next piece; returns the number of bytes it has put there, fewer at the
+///              end.
+/// Failure: std::bad_alloc; `bytes` then holds the pieces read before.
 template <class Byte, class Read>
 void readClaimed(std::vector<Byte>& bytes, std::size_t claimed, Read read) {
     constexpr std::size_t firstPieceBytes = std::size_t{64} * 1024;
@@ -39,9 +41,9 @@ void readClaimed(std::vector<Byte>& bytes, std::size_t claimed, Read read) {
     }
 }
 
-/// How many bytes a buffer that refills itself keeps for putting back, where nothing else is said.
+/// The default number of bytes that a refilling buffer keeps for putting back.
 inline constexpr std::size_t putbackBytes = 10;
-/// How many it reads at a time.
+/// The default number of bytes that it reads at a time.
 inline constexpr std::size_t refillBytes = 4096;
 
 }  // namespace LumCommon::detail

@@ -7,7 +7,7 @@
 
 namespace LumCommon {
 
-// The one operation of the class that opens a resource; it is written here because streams/ knows no URIs.
+// The only member of the class that opens a resource; its body is here because streams/ knows no URIs.
 bool LumKobStream::detectEncoding(const char* uri, UnicodeString& name, bool& bom) {
     if (!uri) return false;
     const std::unique_ptr<std::istream> resource(LumUri(detail::fromPlatformText(uri)).getStream());

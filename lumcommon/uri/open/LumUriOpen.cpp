@@ -27,8 +27,8 @@ constexpr std::size_t fileBufferBytes = std::size_t{64} * 1024;
 
 constinit std::atomic<LumUriReferenceResolver*> s_resolver{nullptr};
 
-/// A stream over a local file. The buffer that it brings is eight times the default, because documents are read and
-/// written from end to end.
+/// A stream over a local file, with a buffer eight times the default size because documents are read and written from
+/// end to end.
 /// @tparam Stream  std::istream or std::ostream.
 template <class Stream>
 class LocalFileStream final : public Stream {
@@ -40,7 +40,7 @@ public:
     }
 
     bool isOpen() const { return file_.is_open(); }
-    /// False when what was still buffered could not be written.
+    /// False if what was still buffered could not be written.
     bool close() { return file_.close() != nullptr; }
 
 private:
@@ -51,7 +51,7 @@ private:
 template <class Stream>
 Stream* openLocalFile(const LumUri& uri, std::ios_base::openmode mode) {
     const auto path = detail::toPlatformPath(uri.findLocalPath());
-    // A directory can be opened but not read; the reader would meet an exception in place of an end.
+    // A directory can be opened but not read; the reader would get an exception instead of an end.
     std::error_code error;
     if (!path || std::filesystem::is_directory(*path, error)) return nullptr;
     auto stream = std::make_unique<LocalFileStream<Stream>>(*path, mode);
@@ -72,7 +72,7 @@ OwnedStream openRemote(const UnicodeString& uri, UnicodeString* contentType, Uni
     return stream;
 }
 
-/// A stream in which a zip reader can move about. The bytes are copied only as far as it moves.
+/// A seekable stream for the zip reader. Bytes are copied only as far as it reads or seeks.
 OwnedStream makeSeekable(OwnedStream in) {
     auto copy = std::make_unique<LumMemStream>();
     copy->rdbuf()->setSource(in.get(), true);
@@ -80,18 +80,18 @@ OwnedStream makeSeekable(OwnedStream in) {
     return copy;
 }
 
-/// The uncompressed bytes of a member; null when there is no such member or no archive.
+/// The uncompressed bytes of a member; null if there is no such member or no archive.
 OwnedStream openMember(OwnedStream archive, View path) {
     if (!LumZipFile::isZipFile(archive.get())) return nullptr;
     const LumZipFile zip(archive.get(), false);
     const UnicodeString name = detail::textOf(path);
     LumZipFileEntry* entry = zip.getFileEntry(name);
-    // A URI cannot hold a blank, so a name that has one arrives escaped.
+    // A URI cannot contain a blank, so a name that does arrives escaped.
     if (!entry) entry = zip.getFileEntry(LumUri::unescape(name));
     return OwnedStream(entry ? entry->getUncompressedStream(true) : nullptr);
 }
 
-/// Cuts off what stands before the next mark, or all of `rest` where there is none.
+/// Takes the text before the next mark off `rest`, or all of it if there is no mark.
 View takePart(View& rest) {
     const std::size_t end = rest.find(memberMark);
     const View part = rest.substr(0, end);
@@ -109,11 +109,11 @@ OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, Unicod
     View rest = detail::viewOf(uri).substr(jarScheme.size());
     const int archiveCount = countMarks(rest);
     if (archiveCount == 0 || archiveCount > 1 + maxNestedArchives) return nullptr;
-    // The archive's own URI has no mark: should it be a jar: URI again, it opens nothing and goes no deeper.
+    // The archive's own URI has no mark, so even if it is a jar: URI it opens nothing and goes no deeper.
     const LumUri archive(detail::textOf(takePart(rest)));
     UnicodeString archiveMessage;
     OwnedStream stream(archive.getStream(nullptr, &archiveMessage));
-    // That an archive was found is not what there is to say about a member that was not.
+    // If the archive was opened, its message (a successful status) says nothing about a missing member.
     if (!stream && errorMessage && !archiveMessage.isEmpty()) *errorMessage = archiveMessage;
     if (stream && (!archive.isFile() || stream->tellg() == std::istream::pos_type(-1))) {
         stream = makeSeekable(std::move(stream));
@@ -126,7 +126,7 @@ OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, Unicod
     return stream;
 }
 
-/// Reads two bytes and tells whether gzip data begin with them.
+/// Reads two bytes and tells whether they begin gzip data.
 bool takeGzipMark(std::istream& in) {
     char mark[2] = {};
     in.read(mark, sizeof mark);
@@ -176,7 +176,7 @@ bool LumUri::isGzip(std::istream& s) {
     try {
         s.seekg(0);
         return takeGzipMark(s);
-    } catch (...) {  // the caller's exception mask, or a buffer of the caller's
+    } catch (...) {  // thrown by the caller's buffer or because of the caller's exception mask
         return false;
     }
 }
@@ -214,7 +214,7 @@ bool LumUri::releaseOStream(std::ostream* out) {
     try {
         auto* const file = dynamic_cast<LocalFileStream<std::ostream>*>(out);
         const bool isWritten = file ? file->close() : !out->flush().fail();
-        // The caller's exception mask may turn the next line into a throw.
+        // The caller's exception mask may make the next line throw.
         if (!isWritten) out->setstate(std::ios_base::failbit);
         return !out->fail();
     } catch (...) {

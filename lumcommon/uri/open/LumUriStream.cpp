@@ -27,8 +27,8 @@ constexpr std::string_view userAgent = "Lumset V3.9 R1 for Linux (3,9,2006,0901)
 
 std::atomic<int> s_timeoutMilliseconds{LumUriStreamBuf::defaultTimeoutMilliseconds};
 
-/// The URL as it goes over the line. Blanks and control characters are escaped: a line end in the URL would let who
-/// wrote it write lines of the request.
+/// The URL as it is sent. Blanks and control characters are escaped: a line end in the URL would let its author inject
+/// lines into the request.
 std::string toRequestBytes(const UnicodeString& uri) {
     UnicodeString escaped;
     for (const char16_t unit : detail::viewOf(uri)) {
@@ -41,17 +41,17 @@ std::string toRequestBytes(const UnicodeString& uri) {
     return detail::toPlatformPath(escaped).value_or(std::string());
 }
 
-/// What a server sent, read as requests are written.
+/// Text from a server, decoded from the charset in which requests are written.
 UnicodeString fromResponse(std::string_view bytes) { return detail::fromPlatformText(std::string(bytes).c_str()); }
 
-/// The value of HTTP_PROXY; empty when it is not set.
+/// The value of HTTP_PROXY; empty if it is not set.
 std::string getProxy() {
     LumMutex guard;
     const char* const value = std::getenv("HTTP_PROXY");
     return value ? value : "";
 }
 
-/// The number that the status begins with; 0 without one.
+/// The number that the status begins with; 0 if there is none.
 int numberOf(std::string_view status) {
     const long number = std::strtol(std::string(status).c_str(), nullptr, 10);
     return static_cast<int>(std::clamp<long>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
@@ -92,7 +92,7 @@ bool LumUriStreamBuf::open(const UnicodeString& uri) {
     return false;
 }
 
-/// Makes requests until one is answered with other than a redirection. False when that is not a success.
+/// Makes requests until one is answered with something other than a redirection. False unless that is a success.
 bool LumUriStreamBuf::exchange(UnicodeString uri) {
     for (int count = 0; count < maxRequests; ++count) {
         close();
@@ -101,7 +101,7 @@ bool LumUriStreamBuf::exchange(UnicodeString uri) {
         const bool isComplete = readHead(head);
         if (const auto text = head.getStatusText()) {
             status_ = numberOf(*text);
-            // A head that breaks off behind its first line still tells why there is no resource, but not where to look
+            // A head that breaks off after its first line still tells why there is no resource, but not where to look
             // for it or what it is.
             if (isComplete || !(isSuccess(status_) || isRedirection(status_))) {
                 errorMessage_ = UnicodeString(u"HTTP status is ").append(fromResponse(*text));
@@ -124,7 +124,7 @@ bool LumUriStreamBuf::exchange(UnicodeString uri) {
     return false;
 }
 
-/// Connects and sends the request. False, with the message set, when there is no connection to be had.
+/// Connects and sends the request. False, with the message set, if no connection can be made.
 bool LumUriStreamBuf::request(const UnicodeString& uri) {
     const std::string url = toRequestBytes(uri);
     if (!detail::httpSchemeLength(url)) {
@@ -153,13 +153,13 @@ bool LumUriStreamBuf::request(const UnicodeString& uri) {
     }
     text.append(" HTTP/1.0\r\nUser-Agent: ").append(userAgent).append("\r\n");
     text.append(hostLine).append("Accept: */*\r\n\r\n");
-    // A server may answer and close before it has read all; what it says counts, so the result is not looked at.
+    // A server may answer and close before it has read everything; its answer counts, so the result is ignored.
     static_cast<void>(detail::sendTcp(socket_, text, Deadline(getTimeout())));
     return true;
 }
 
-/// Opens a new socket to the host. False with a message when there is no socket, false without one when there is no
-/// connection.
+/// Opens a new socket to the host. False with a message if the socket cannot be created, false without one if the
+/// connection fails.
 bool LumUriStreamBuf::connect(const std::string& host, unsigned short port) {
     close();
     errorMessage_.remove();
@@ -171,7 +171,7 @@ bool LumUriStreamBuf::connect(const std::string& host, unsigned short port) {
     return detail::connectTcp(socket_, host, port, Deadline(getTimeout()));
 }
 
-/// Reads the response up to the body. False, with a message, when that is not reached.
+/// Reads the response up to the body. False, with a message, if that is not reached.
 bool LumUriStreamBuf::readHead(HttpHead& head) {
     allocateBlock();
     // One deadline for the whole head: a server that sends a byte now and then must not keep the caller waiting
@@ -199,7 +199,7 @@ bool LumUriStreamBuf::readHead(HttpHead& head) {
 
 std::size_t LumUriStreamBuf::refill(std::span<char> room) { return receive(room, Deadline(getTimeout())); }
 
-/// Fills the get area with what comes next. False, and the get area stands at its end, when nothing does.
+/// Fills the get area with the next bytes. False if there are none; the get area is then at its end.
 bool LumUriStreamBuf::receiveMore(const Deadline& deadline) {
     return fillFrom([this, &deadline](std::span<char> room) { return receive(room, deadline); });
 }

@@ -17,20 +17,20 @@ class HttpHead;
 struct HttpUrl;
 }  // namespace detail
 
-/// Reads the body of an http: resource while it arrives.
+/// Reads the body of an http: resource as it arrives.
 ///
-/// The resource is fetched with an HTTP/1.0 GET over IPv4. When its host cannot be reached, the request goes through
-/// the proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme). The statuses 301, 302,
-/// 303 and 305 are followed when they come with a location, which must be an http: URI in full; no more than 100
-/// requests are made in all. Up to 16 bytes that were read can be put back. Seeking is not supported: put a
-/// LumMemStream on top.
+/// The resource is fetched with an HTTP/1.0 GET over IPv4. If its host cannot be reached, the request goes through the
+/// proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme). The statuses 301, 302, 303
+/// and 305 are followed if they come with a location, which must be a complete http: URI; no more than 100 requests are
+/// made in total. Up to 16 bytes that were read can be put back. Seeking is not supported; a LumMemStream can
+/// add it.
 ///
-/// Limits: a response head has at most 64 KiB. Connecting, sending, the whole head, and each read of the body may take
-/// as long as getTimeout() says; looking up the name of a host takes as long as the system's resolver does.
+/// Limits: a response head is at most 64 KiB. Connecting, sending, reading the whole head and each read of the body may
+/// each take as long as getTimeout() says; looking up the name of a host takes as long as the system's resolver does.
 /// Memory: constant, whatever the server sends.
 /// Failure: nothing is thrown. The buffer is then closed and getErrorMessage() has the reason. A body that ends early,
 /// a connection that breaks and a read that takes too long all end the stream; the length that the server announced is
-/// not compared. SIGPIPE is never raised.
+/// not checked. SIGPIPE is never raised.
 /// Threads: one at a time; any number of buffers can be open at once.
 class LUM_API LumUriStreamBuf : public LumRefillStreamBuf {
 public:
@@ -43,24 +43,25 @@ public:
     /// Closes the connection.
     ~LumUriStreamBuf() override;
 
-    /// Opens another resource in place of the one before; the constructors call it. False when that fails.
+    /// Opens another resource in place of the current one; the constructors call it. False if that fails.
     bool open(const UnicodeString& uri);
-    /// True from the end of a response head with a status from 200 to 299 on, also after the last byte of the body.
+    /// True once a response head with a status from 200 to 299 has been read, and still after the last byte of the
+    /// body.
     bool is_open() const noexcept { return hasBlock() && socket_ != -1; }
 
-    /// The status of the last response; 0 without one.
+    /// The status of the last response; 0 if there is none.
     int getStatus() const noexcept { return status_; }
-    /// The media type that the server gave; empty without one.
+    /// The media type that the server gave; empty if it gave none.
     const UnicodeString& getContentType() const noexcept { return contentType_; }
-    /// The last thing to report about opening: "No http scheme", "Cannot create socket", "Cannot connect via proxy",
-    /// "Cannot connect or no proxy", "Unknown exception", or "HTTP status is " and the status with its text, which is
-    /// there after a success as well. Where there is no status to go by, what follows "HTTP status is " tells why.
+    /// The last message about opening: "No http scheme", "Cannot create socket", "Cannot connect via proxy",
+    /// "Cannot connect or no proxy", "Unknown exception", or "HTTP status is " followed by the status and its text,
+    /// which is also set after a success. If there is no usable status, the reason follows "HTTP status is ".
     const UnicodeString& getErrorMessage() const noexcept { return errorMessage_; }
 
-    /// How long connecting and each wait for the server may take, in milliseconds, for the whole process. Waits that
-    /// have begun are not affected. Threads: any.
+    /// How long connecting and each wait for the server may take, in milliseconds, for the whole process. A change does
+    /// not affect waits that have begun. Threads: any.
     static int getTimeout() noexcept;
-    /// Sets it and returns the value before. A value that is not positive stands for the default.
+    /// Sets it and returns the previous value. A value that is not positive stands for the default.
     static int setTimeout(int milliseconds) noexcept;
 
 private:
@@ -80,10 +81,10 @@ private:
     bool isEnded_ = false;  // no more bytes come; asking again would only wait
 };
 
-/// An input stream over a LumUriStreamBuf of its own. Threads: one at a time.
+/// An input stream with its own LumUriStreamBuf. Threads: one at a time.
 class LUM_API LumUriStream : public std::istream {
 public:
-    /// Opens the resource; is_open() tells whether that worked, and the stream has failed when it did not.
+    /// Opens the resource. If that fails, is_open() is false and failbit is set.
     explicit LumUriStream(const UnicodeString& uri);
     explicit LumUriStream(const char* uri);
     ~LumUriStream() override;

@@ -25,7 +25,7 @@ bool PackagePartReader::isAt(const UnicodeString& localName) const {
 }
 
 UnicodeString PackagePartReader::getAttribute(const UnicodeString& localName) const {
-    // Looked up by its name alone: the parser's own look-up takes an attribute without prefix for one of the default
+    // Look it up by its local name: the parser's own lookup takes an attribute without a prefix for one in the default
     // namespace, which these parts declare.
     for (int i = 0; i < parser_->getAttributeCount(); ++i) {
         if (parser_->getAttributePrefix(i).isNull() && parser_->getAttributeName(i).getString() == localName) {

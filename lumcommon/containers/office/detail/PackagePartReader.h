@@ -8,21 +8,21 @@
 
 namespace LumCommon::detail {
 
-/// Goes through the children of the root of a part that describes an office package: a list of elements whose
-/// attributes hold all there is. Elements and a root of other names or of another namespace are passed over, and so
-/// is what lies deeper.
+/// Iterates over the children of the root of a part that describes an office package: a flat list of elements with all
+/// their data in attributes. A root with another name or namespace is skipped with its children, as are elements in
+/// another namespace and everything deeper.
 ///
-/// Nothing outside of the part is opened: external entities give error 0x1003, or are empty where they are no files.
+/// Nothing outside the part is opened: external entities give error 0x1003, or are empty if they are not files.
 /// Errors: those of the parser, also for what follows the last element.
 class PackagePartReader {
 public:
     /// @param in  must outlive the reader.
     PackagePartReader(std::istream& in, const UnicodeString& namespaceUri, const UnicodeString& rootName);
 
-    /// Moves to the next child of the root; false when the part has come to its end.
+    /// Moves to the next child of the root; false at the end of the part.
     bool next();
     bool isAt(const UnicodeString& localName) const;
-    /// An attribute without prefix of the element that next() has moved to; bogus when absent.
+    /// An attribute without a prefix of the element that next() has moved to; bogus if absent.
     UnicodeString getAttribute(const UnicodeString& localName) const;
 
 private:

@@ -21,7 +21,7 @@ bool isString(std::uint32_t type) {
     return type == Value::STRING || type == Value::BASIC_STRING || type == Value::WIDE_STRING;
 }
 
-/// Whether elements of a vector are filled up to four bytes. Numbers are packed.
+/// Whether elements of a vector are padded to four bytes. Numbers are packed.
 bool isPadded(std::uint32_t type) {
     switch (type) {
         case Value::VARIANT:
@@ -39,7 +39,7 @@ bool isPadded(std::uint32_t type) {
     }
 }
 
-/// The digits of a number of 96 bits.
+/// The decimal digits of a 96-bit number.
 std::string digitsOf(std::uint32_t high, std::uint64_t low) {
     std::uint32_t words[] = {high, static_cast<std::uint32_t>(low >> 32), static_cast<std::uint32_t>(low)};
     std::string digits;
@@ -242,7 +242,7 @@ bool PropertyValueReader::skipPadding(std::uint64_t start, Padding padding) noex
     const std::uint64_t wanted = (0 - (position_ - start)) % 4;
     Run run;
     if (padding == Padding::NONE) return true;
-    // The last one of a set may be missing.
+    // The last padding of a set may be missing.
     if (!take(std::min<std::uint64_t>(wanted, set_.size() - position_), run)) return false;
     return padding == Padding::ANY || std::ranges::all_of(run, [](unsigned char byte) { return byte == 0; });
 }
@@ -289,7 +289,7 @@ bool PropertyValueReader::readElements(std::uint32_t type, Content& content) {
             return true;
         }
     }
-    // Of elements that take no byte there could be any number.
+    // There could be any number of elements that take no bytes.
     if (elementType <= Value::NULL_VALUE || count > elementsLeft_) return false;
     const std::uint64_t start = position_;
     for (const Padding padding : {Padding::ZEROS, Padding::NONE, Padding::ANY}) {

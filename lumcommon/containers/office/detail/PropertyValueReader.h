@@ -11,20 +11,20 @@
 
 namespace LumCommon::detail {
 
-/// Reads values out of a property set that is in memory. Values can share their bytes and be read in several ways, so
-/// one reader reads no more than four times the bytes of its set in all, and no more than 1,048,576 elements: what
-/// would go beyond that is damaged.
+/// Reads values from a property set in memory. Values can overlap and be read in several ways, so one reader reads no
+/// more than four times the bytes of its set in total, and no more than 1,048,576 elements; anything beyond that is
+/// damaged.
 class PropertyValueReader {
 public:
     /// @param set  must outlive the reader.
     PropertyValueReader(std::span<const unsigned char> set, bool isSwapped) noexcept;
 
-    /// In which code page the strings are that come next.
+    /// Sets the code page of the strings that are read next.
     void setCodePage(unsigned codePage);
 
-    /// @param position  behind the type; may be behind the end of the set.
+    /// @param position  just after the type; may be past the end of the set.
     OlePropertyValue readValue(std::uint32_t type, std::uint64_t position);
-    /// The names of a dictionary whose strings are of 16-bit units, as far as they can be read.
+    /// The names of a dictionary whose strings consist of 16-bit units, as far as they can be read.
     std::vector<std::pair<std::uint32_t, UnicodeString>> readWideNames(std::uint32_t count, std::uint64_t position);
     /// Text in the code page, up to its first zero.
     UnicodeString decode(std::span<const unsigned char> bytes) const;
@@ -32,8 +32,8 @@ public:
     bool isWide() const noexcept;
 
 private:
-    /// How the strings in a vector are followed by bytes that fill four: as the format wants, as office programs write
-    /// the titles of parts, or by whatever was in the writer's memory.
+    /// How the strings in a vector are padded to four bytes: with zeros, as the format requires; not at all, as office
+    /// programs write the titles of parts; or with whatever was in the writer's memory.
     enum class Padding { ZEROS, NONE, ANY };
 
     bool take(std::uint64_t bytes, std::span<const unsigned char>& run) noexcept;

@@ -15,13 +15,13 @@ struct HttpUrl {
 
     std::string host;
     unsigned short port;
-    std::string_view path;  // into the URL; "/" when that has none
+    std::string_view path;  // points into the URL; "/" if that has no path
 };
 
-/// The length of "http://" when the URL begins with it in any case, else 0.
+/// The length of "http://" if the URL begins with it, in any case; else 0.
 std::size_t httpSchemeLength(std::string_view url);
 
-/// "host" or "host:port". The port is 80 without one, and of a port that is too large the low 16 bits count.
+/// "host" or "host:port". The port is 80 if none is given; of a port that is too large, the low 16 bits count.
 struct HttpAuthority {
     explicit HttpAuthority(std::string_view text);
 
@@ -36,16 +36,16 @@ public:
 
     enum class Progress { More, Complete, TooLong };
 
-    /// Takes the next byte. A head that is complete with a CR leaves the LF behind it to the caller.
+    /// Takes the next byte. If a CR completes the head, an LF after it is left to the caller.
     Progress take(char byte);
 
-    /// The text of the status line behind its first blank; nullopt when there is no complete status line.
+    /// The text of the status line after its first blank; nullopt if there is no complete status line.
     std::optional<std::string_view> getStatusText() const;
     /// The values of the headers with this name (lower case), without blanks around them, in order.
     std::vector<std::string_view> getValues(std::string_view name) const;
 
 private:
-    std::string lines_;  // each ends with LF, but for the one being read
+    std::string lines_;  // each ends with LF, except the one being read
     std::size_t lineStart_ = 0;
     std::size_t takenBytes_ = 0;
     bool isAfterCr_ = false;

@@ -14,7 +14,7 @@
 namespace LumCommon::detail {
 namespace {
 
-/// Waits until the socket can do what `events` says, or has failed. False after the deadline.
+/// Waits until the socket is ready for `events` or has failed. False if the deadline passes.
 bool waitFor(int socket, short events, const Deadline& deadline) {
     for (;;) {
         pollfd entry{socket, events, 0};
@@ -26,8 +26,8 @@ bool waitFor(int socket, short events, const Deadline& deadline) {
 
 bool isTransient(int error) { return error == EAGAIN || error == EWOULDBLOCK || error == EINTR; }
 
-/// A resolver may skip what stands behind a blank, and the name is sent to the server as a line of the request. A colon
-/// is left only where there is no name before the port.
+/// Blanks and control characters are rejected because a resolver may ignore what follows a blank, and because the name
+/// is sent as a line of the request. A colon is left in the host only if there is no name before the port.
 bool isHostName(std::string_view host) {
     return !host.empty() &&
            std::ranges::all_of(host, [](unsigned char c) { return c > 0x20 && c != 0x7F && c != ':'; });
@@ -61,7 +61,7 @@ bool connectTcp(int socket, const std::string& host, unsigned short port, const 
     const auto address = findAddress(host, port);
     if (!address) return false;
     if (connect(socket, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) == 0) return true;
-    // An interrupted connect goes on by itself, like one that was begun.
+    // An interrupted connect continues in the background, like one in progress.
     if (errno != EINPROGRESS && errno != EINTR) return false;
     if (!waitFor(socket, POLLOUT, deadline)) return false;
     int error = 0;
@@ -71,7 +71,7 @@ bool connectTcp(int socket, const std::string& host, unsigned short port, const 
 
 bool sendTcp(int socket, std::string_view bytes, const Deadline& deadline) {
     while (!bytes.empty()) {
-        // A server that is gone must be a failure of this call, not a signal that ends the program.
+        // A server that has gone away must make this call fail, not end the program with a signal.
         const ssize_t sent = send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));

@@ -22,14 +22,15 @@ private:
     std::chrono::steady_clock::time_point end_;
 };
 
-/// A TCP socket for IPv4 that does not block and is not inherited by other programs; -1 when there is none to be had.
+/// Creates a non-blocking TCP socket for IPv4 that other programs do not inherit; -1 on failure.
 int makeTcpSocket() noexcept;
-/// Connects to the first address of a host name or dotted address. False when the name is not known, the connection is
+/// Connects to the first address of a host name or dotted address. False if the name is not known, the connection is
 /// refused, or the deadline passes; the socket can then only be closed.
 bool connectTcp(int socket, const std::string& host, unsigned short port, const Deadline& deadline);
-/// Sends all bytes. False when the connection breaks or the deadline passes.
+/// Sends all bytes. False if the connection breaks or the deadline passes.
 bool sendTcp(int socket, std::string_view bytes, const Deadline& deadline);
-/// Waits for bytes and takes those that are there, up to the room. 0 at the end, on failure and after the deadline.
+/// Waits for bytes and takes those available, up to the size of `room`. Returns their number; 0 at the end, on failure
+/// and after the deadline.
 std::size_t receiveTcp(int socket, std::span<char> room, const Deadline& deadline);
 
 }  // namespace LumCommon::detail
