@@ -1,7 +1,7 @@
 // Any bytes may claim to be an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
-// depth rises and falls by one with start and end tags; parsing also ends if a callback continues after errors; after an
-// error the parser may be asked again and given another document.
+// depth rises and falls by one with start and end tags; parsing also ends if a callback continues after errors; after
+// an error the parser may be asked again and given another document.
 
 #include <lumcommon/lumcommon.h>
 
