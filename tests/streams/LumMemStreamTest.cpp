@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -31,38 +30,22 @@ std::string contentOf(LumMemStreamBuf& buffer) {
     return content;
 }
 
-class CountedStream : public PieceStream {
-public:
-    CountedStream(std::string_view bytes, std::size_t pieceBytes, int& live)
-        : PieceStream(bytes, pieceBytes), live_(live) {
-        ++live_;
-    }
-    ~CountedStream() override { --live_; }
-
-private:
-    int& live_;
-};
-
 /// Drives one buffer and its model. All positions of the model are absolute; those of the buffer begin at `base`, which
 /// rises when blocks are abandoned or reused.
 class Driver {
 public:
     Driver(unsigned growBytes, bool keepMemory, unsigned seed)
-        : grow_(growBytes),
-          random_(seed),
-          stream_(nullptr, growBytes),
-          buffer_(*stream_.rdbuf()),
-          keepMemory_(keepMemory) {
+        : grow_(growBytes), keepMemory_(keepMemory), random_(seed) {
         buffer_.setKeepMemory(keepMemory);
     }
 
     void step() {
         static constexpr void (Driver::*operations[])() = {
-            &Driver::write,     &Driver::write,    &Driver::write,      &Driver::read,     &Driver::read,
-            &Driver::read,      &Driver::seek,     &Driver::seek,       &Driver::search,   &Driver::search,
-            &Driver::addSource, &Driver::append,   &Driver::putBack,    &Driver::trim,     &Driver::skip,
-            &Driver::addSource, &Driver::skipLine, &Driver::getRun,     &Driver::abandon,  &Driver::copyStream,
-            &Driver::shrink,    &Driver::copyAll,  &Driver::compareAll, &Driver::checksum,
+            &Driver::write,     &Driver::write,      &Driver::write,   &Driver::read,       &Driver::read,
+            &Driver::read,      &Driver::seek,       &Driver::seek,    &Driver::search,     &Driver::search,
+            &Driver::addSource, &Driver::append,     &Driver::putBack, &Driver::trim,       &Driver::addSource,
+            &Driver::skipLine,  &Driver::getRun,     &Driver::abandon, &Driver::copyStream, &Driver::shrink,
+            &Driver::copyAll,   &Driver::compareAll,
         };
         (this->*operations[below(std::size(operations))])();
         if (below(3) == 0) comparePositions();
@@ -117,11 +100,16 @@ private:
         ASSERT_EQ(buffer_.copyStream(source, count), expected);
         put(std::string_view(bytes).substr(0, expected));
     }
+    static void countDown(std::ios_base::event event, std::ios_base&, int) {
+        if (event == std::ios_base::erase_event) --liveOwned_;
+    }
     void addSource() {
         const std::string bytes = someBytes();
         content_ += bytes;
         if (below(2) == 0) {
-            buffer_.setSource(new CountedStream(bytes, 1 + below(9), liveOwned_), true);
+            auto* const owned = new PieceStream(bytes, 1 + below(9));
+            owned->register_callback(countDown, ++liveOwned_);
+            buffer_.setSource(owned, true);
         } else {
             borrowed_.push_back(std::make_unique<PieceStream>(bytes, 1 + below(9)));
             buffer_.setSource(borrowed_.back().get(), false);
@@ -197,13 +185,6 @@ private:
         if (found != std::string::npos) read_ = found;
         comparePositions();
     }
-    void skip() {
-        std::string pattern = content_.substr(read_, 1 + below(2 * std::size_t{grow_}));
-        if (below(4) == 0) pattern += 'z';
-        const bool isThere = !pattern.empty() && content_.compare(read_, pattern.size(), pattern) == 0;
-        ASSERT_EQ(buffer_.skipSeek(pattern.data(), static_cast<unsigned>(pattern.size())), isThere);
-        if (isThere) read_ += pattern.size();
-    }
     void skipLine() {
         buffer_.seekEOL();
         read_ = std::min(content_.find_first_of("\r\n", read_), content_.size());
@@ -244,14 +225,6 @@ private:
         ASSERT_EQ(buffer_.length(), length());
         ASSERT_EQ(contentOf(buffer_), content_.substr(base_));
     }
-    void checksum() {
-        if (grow_ % 4 != 0) return;
-        std::uint32_t sum = 0;
-        for (std::size_t i = base_; i < content_.size(); ++i) {
-            sum += std::uint32_t{static_cast<unsigned char>(content_[i])} << (24 - 8 * ((i - base_) % 4));
-        }
-        ASSERT_EQ(buffer_.calcOTFTableChecksum(), sum);
-    }
     void copyAll() {
         LumMemStream copy(stream_);
         ASSERT_EQ(contentOf(*copy.rdbuf()), content_.substr(base_));
@@ -261,13 +234,13 @@ private:
         comparePositions();
     }
 
-    unsigned grow_;
+    const unsigned grow_;
+    const bool keepMemory_;
     std::mt19937 random_;
-    int liveOwned_ = 0;
+    static inline int liveOwned_ = 0;
     std::vector<std::unique_ptr<PieceStream>> borrowed_;
-    LumMemStream stream_;
-    LumMemStreamBuf& buffer_;
-    bool keepMemory_;
+    LumMemStream stream_{nullptr, grow_};
+    LumMemStreamBuf& buffer_ = *stream_.rdbuf();
     std::string content_;
     int reuses_ = 0;
     std::size_t base_ = 0;
@@ -280,20 +253,19 @@ TEST(LumMemStreamModel, agreesWithAPlainString) {
         const char* fault;
         unsigned growBytes;
         bool keepMemory;
-        int seeds, steps;
     } cases[] = {
-        {"the smallest block: its put area is empty from the start", 1, true, 4, 2000},
-        {"block ends met in every operation", 4, true, 6, 3000},
-        {"reuse of blocks under areas that are still in use", 4, false, 6, 3000},
-        {"the size that the library uses", 8192, true, 2, 1000},
-        {"the same with reuse", 8192, false, 2, 1000},
+        {"the smallest block: its put area is empty from the start", 1, true},
+        {"block ends met in every operation", 4, true},
+        {"reuse of blocks under areas that are still in use", 4, false},
+        {"the size that the library uses", 8192, true},
+        {"the same with reuse", 8192, false},
     };
     for (const auto& c : cases) {
-        for (int i = 0; i < c.seeds; ++i) {
+        for (int i = 0; i < (c.growBytes == 8192 ? 2 : 5); ++i) {
             const unsigned seed = 1000u * c.growBytes + static_cast<unsigned>(i);
             SCOPED_TRACE(testing::Message() << c.fault << "; block " << c.growBytes << ", seed " << seed);
             Driver driver(c.growBytes, c.keepMemory, seed);
-            for (int step = 0; step < c.steps; ++step) {
+            for (int step = 0; step < (c.growBytes == 8192 ? 1000 : 3000); ++step) {
                 SCOPED_TRACE(testing::Message() << "step " << step);
                 driver.step();
                 if (testing::Test::HasFatalFailure()) return;
@@ -313,23 +285,6 @@ TEST(LumMemStreamBuf, readsASourceOnlyWhenItsBytesAreNeeded) {
     EXPECT_EQ(buffer.sbumpc(), '0');
     EXPECT_EQ(second.getBuffer().getDeliveredBytes(), 0u) << "the second is read before the first has ended";
     EXPECT_EQ(contentOf(buffer), "0123456789abc");
-}
-
-TEST(LumMemStreamBuf, aReaderAtTheEndSeesASourceAtOnce) {
-    for (const bool copies : {false, true}) {
-        SCOPED_TRACE(copies ? "copyStream() leaves the put position at the end of a block" : "sputn() does");
-        PieceStream first("0123"), second("abcd");
-        LumMemStreamBuf buffer(nullptr, 4, false);
-        if (copies) {
-            EXPECT_EQ(buffer.copyStream(first, 4), 4u);
-        } else {
-            buffer.sputn("0123", 4);
-        }
-        char bytes[4];
-        EXPECT_EQ(buffer.sgetn(bytes, 4), 4);
-        buffer.setSource(&second, false);
-        EXPECT_EQ(buffer.getRemains(), 4u);
-    }
 }
 
 TEST(LumMemStreamBuf, searchesHostileTextInOnePass) {

@@ -60,9 +60,7 @@ std::string answerOf(JZIOobj& io, const std::vector<std::string>& step) {
     if (name == "at") {
         return readInto(step[2], [&](char* room, int size) { return io.ReadAt(std::stol(step[1]), room, size); });
     }
-    const std::string& from = step[2];
-    const int whence = from == "beg" ? SEEK_SET : from == "cur" ? SEEK_CUR : from == "end" ? SEEK_END : std::stoi(from);
-    return shown(io.Seek(std::stol(step[1]), whence));
+    return shown(io.Seek(std::stol(step[1]), std::stoi(step[2])));
 }
 
 std::string answerOf(LumMemStreamBuf& buffer, const std::vector<std::string>& step) {
@@ -72,6 +70,16 @@ std::string answerOf(LumMemStreamBuf& buffer, const std::vector<std::string>& st
         return std::to_string(buffer.getGrowBytes());
     }
     if (name == "sum") return std::to_string(buffer.calcOTFTableChecksum());
+    if (name == "source") {
+        buffer.setSource(new LumTest::PieceStream(step[1]), true);
+        return "";
+    }
+    if (name == "copy") {
+        LumTest::PieceStream source(step[1]);
+        return std::to_string(buffer.copyStream(source, step[1].size()));
+    }
+    if (name == "remains") return std::to_string(buffer.getRemains());
+    if (name == "read") return readInto(step[1], [&](char* room, int size) { return int(buffer.sgetn(room, size)); });
     if (name == "all") {
         std::string all;
         buffer.appendToString(all);
