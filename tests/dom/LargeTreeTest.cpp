@@ -40,18 +40,16 @@ LumPtr<LumDocument> makeDeep(NodeCounter& counter, int depth) {
     return document;
 }
 
-LumPtr<LumDocument> loadAMillion(const std::string& before, const std::string& start, const std::string& end) {
-    std::string bytes = before;
-    for (int i = 0; i < million; ++i) bytes += start;
-    for (int i = 0; i < million; ++i) bytes += end;
-    if (!before.empty()) bytes += "</r>";
-    return load(bytes);
+std::string millionTimes(const std::string& unit) {
+    std::string bytes;
+    for (int i = 0; i < million; ++i) bytes += unit;
+    return bytes;
 }
 
 TEST(LargeTree, aDeepTreeIsLoadedAskedCopiedAndSaved) {
     runOnSmallStack([] {
         {
-            const LumPtr<LumDocument> document = loadAMillion("", "<a>", "</a>");
+            const LumPtr<LumDocument> document = load(millionTimes("<a>") + millionTimes("</a>"));
             const LumElement* const root = document->getDocumentElement();
             EXPECT_EQ(root->getDescendantNodes()->getCount(), million - 1);
             LumTreeIterator walk(document.get(), LumTreeIterator::LEAVE);
@@ -72,8 +70,7 @@ TEST(LargeTree, aDeepTreeIsLoadedAskedCopiedAndSaved) {
 
 TEST(LargeTree, releaseTakesNoStackWhereverItBegins) {
     constexpr int depth = million / 2;
-    using Release = std::function<void(LumPtr<LumDocument> & document)>;
-    const auto expectLeft = [](const char* begin, int left, const Release& release) {
+    const auto expectLeft = [](const char* begin, int left, auto release) {
         SCOPED_TRACE(begin);
         runOnSmallStack([&] {
             NodeCounter counter;
@@ -131,7 +128,7 @@ TEST(LargeTree, derivedDestructorsFindTheirChildrenAndMayReleaseThem) {
 
 TEST(LargeTree, aWideElementIsLoadedCopiedSavedAndChangedAtBothEnds) {
     runOnSmallStack([] {
-        const LumPtr<LumDocument> document = loadAMillion("<r>", "<a/>", "");
+        const LumPtr<LumDocument> document = load("<r>" + millionTimes("<a/>") + "</r>");
         LumNode* const root = document->getDocumentElement();
         EXPECT_EQ(root->getChildNodeCount(), million);
         EXPECT_EQ(document->saveXml(root).length(), million * 4 + 7);

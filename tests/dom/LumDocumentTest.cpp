@@ -1,9 +1,6 @@
-#include <lumcommon/lumcommon.h>
-
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
 #include <sstream>
 #include <thread>
 
@@ -41,22 +38,20 @@ TEST_F(LumDocumentTest, buildsTheTreesOfTheRows) {
                 if (loaded != derived.get() && !row[4].empty()) continue;
                 loaded->setDeferredLoad(isDeferred);
                 auto in = std::make_unique<PieceStream>(row[0], 1);
-                std::string code;
+                unsigned code = 0;
                 try {
                     row[3].empty() ? loaded->loadXml(xml) : loaded->load(*in);
                     LumTreeIterator walk(loaded, LumTreeIterator::ENTER);
                     while (!row[3].empty() && walk.nextNode()) {
                     }
                 } catch (const LumError& error) {
-                    std::ostringstream shown;
-                    shown << std::hex << error.code;
-                    code = shown.str();
+                    code = error.code;
                 }
                 in = nullptr;  // whoever reads on after the error reads freed memory
-                EXPECT_EQ(code, row[3]);
+                EXPECT_EQ(code, row[3].empty() ? 0 : std::stoul(row[3], nullptr, 16));
                 EXPECT_EQ(xmlOf(*loaded), row[1]);
                 EXPECT_EQ(loaded->loadNextNode(), nullptr);
-                EXPECT_TRUE(!code.empty() || loaded->getFlags() == unsigned{LumNode::FLAG_COMPLETE});
+                EXPECT_TRUE(code != 0 || loaded->getFlags() == unsigned{LumNode::FLAG_COMPLETE});
             }
         }
     }
@@ -86,8 +81,6 @@ TEST_F(LumDocumentTest, uriAndTargetAreKeptApart) {
     document->setParser(parser.get());
     document->load();
     EXPECT_EQ(xmlOf(*document), "<a><b/><c/></a>");
-    expectError(0x1003, "Cannot open file: " LUM_TEST_DATA "/none.xml", "LumCommon::XmlParserImpl::setInput",
-                [&] { document->load(UnicodeString(LUM_TEST_DATA "/none.xml")); });
 }
 
 TEST_F(LumDocumentTest, anErrorBeforeReadingEndsTheOlderLoadAndSoDoesTheEndOfTheDocument) {

@@ -42,10 +42,8 @@ TEST(LumXmlParserHostile, namesMadeToShareAHash) {
         std::string document = "<r>";
         for (unsigned bits = 0; bits < 1u << blocks; ++bits) {
             document += '<';
-            for (unsigned block = 0; block < blocks; ++block) {
-                const bool isChanged = (bits >> block) & 1;
-                document += isChanged ? "aaa" + last + "aa" + nextToLast + last : "aaaaaaaa";
-            }
+            for (unsigned block = 0; block < blocks; ++block)
+                document += (bits >> block) & 1 ? "aaa" + last + "aa" + nextToLast + last : "aaaaaaaa";
             document += "/>";
         }
         return secondsOf([&] { EXPECT_TRUE(tell(document + "</r>").ends_with("</r>")); });
@@ -82,30 +80,13 @@ TEST(LumXmlParserHostile, attributesTakeLinearTimeAndTheirDuplicatesAreFound) {
     }
 }
 
-TEST(LumXmlParserHostile, exponentialAndEndlessExpansionIsStopped) {
-    struct Case {
-        const char *construct, *kind, *before, *content;
-    };
-    for (const Case& c :
-         {Case{"attribute value", "", "&", "]><a b='&e9;'/>"}, {"declarations", "% ", "%", "%e9;]><a/>"}}) {
-        SCOPED_TRACE(c.construct);
-        std::string document = "<!DOCTYPE a [<!ENTITY " + std::string(c.kind) + "e0 ' " + std::string(1000, 'x') + "'>";
-        for (int level = 1; level < 10; ++level)
-            document += "<!ENTITY " + std::string(c.kind) + "e" + std::to_string(level) + " '" +
-                        repeat(c.before + ("e" + std::to_string(level - 1)) + ";", 10) + "'>";
-        EXPECT_TRUE(tell(document + c.content).ends_with("!1837"));
-    }
-    EXPECT_EQ(tell("<a>&e;</a>", readSetup("e=&e;")), "<a>!1837");
-    EXPECT_TRUE(tell("<a>&e;</a>", readSetup("e=<b>&e;</b>")).ends_with("!1837"));
-    EXPECT_EQ(tell("<a b='&e;'/>", readSetup("e=xxxxxxxxxxxxxxxx&f; f=&e;&e;")), "!1837");
-}
-
 // A document may expand to a hundred times its size once it is past the threshold, and to anything below that.
 TEST(LumXmlParserHostile, expansionGoesAsFarAsTheLimit) {
     constexpr int thresholdUnits = 8 << 20;
     const ParserSetup setup{.entities = {{"e", std::string(1000, 'x')}}};
     EXPECT_TRUE(tell("<a>" + repeat("&e;", thresholdUnits / 1000 - 10) + "</a>", setup).ends_with("x</a>"));
     EXPECT_TRUE(tell("<a>" + repeat("&e;", thresholdUnits / 1000 + 10000) + "</a>", setup).ends_with("!1837"));
+    EXPECT_TRUE(tell("<a>&e;</a>", readSetup("e=<b>&e;</b>")).ends_with("!1837")) << "elements without end";
 }
 
 TEST(LumXmlParserHostile, everyPrefixIsAnErrorWhileSomethingIsMissing) {

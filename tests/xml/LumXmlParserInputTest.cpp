@@ -71,6 +71,9 @@ TEST(LumXmlParserInput, answersAsTheSessionsTell) {
                 parser->setInput(*next, UnicodeString(), base);
                 in = std::move(next);
             }
+            if (command == "type") parser->setStreamType(fromUtf8(first), fromUtf8(second));
+            if (command == "kind")
+                told << (parser->isXhtmlType() ? "xhtml" : "") << (parser->isHtmlType() ? "html" : "");
             if (command == "close" || command == "drop") parser->closeStream();
             if (command == "drop") in = nullptr;
             if (command == "next") parser->next();

@@ -4,6 +4,3 @@ if(EXPAT_FOUND)
   target_link_libraries(${target} PRIVATE PkgConfig::EXPAT)
   target_compile_definitions(${target} PRIVATE LUM_TEST_EXPAT)
 endif()
-
-# The entity table is not exported: its tests bring a copy of their own.
-target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/lumcommon/xml/detail/MathMLEntities.cpp)
