@@ -191,10 +191,12 @@ TEST(LumZipFile, hasNoEntriesWhereNothingCanBeRead) {
     contentOf(&ended);
     for (std::istream* in : std::initializer_list<std::istream*>{nullptr, &pipe, &failed, &ended}) {
         EXPECT_FALSE(LumZipFile::isZipFile(in));
+        EXPECT_EQ(LumZipFile::detectOOXDocument(in), 0);
         EXPECT_EQ(LumZipFile(in, false).getFileEntryCount(), 0u);
     }
     for (const char* path : {static_cast<const char*>(nullptr), "", "/", "/no/such/file"}) {
         EXPECT_FALSE(LumZipFile::isZipFile(path));
+        EXPECT_EQ(LumZipFile::detectOOXDocument(path), 0);
         EXPECT_EQ(LumZipFile(path).getFileEntryCount(), 0u);
     }
     std::istringstream strict(good.substr(0, 33));
@@ -212,21 +214,12 @@ TEST(LumZipFile, claimsAndMissingMemoryCostNothing) {
     EXPECT_EQ(membersOf(LumZipFile(&in, false)), (Members{{"a", "x"}}));
     EXPECT_GT(largestAllocation, 0u) << "the counter does not count";
     EXPECT_LT(largestAllocation, 200000u);
-    // A package whose main part is deflated, with a descriptor that only the directory leads over.
-    const std::string bytes =
-        ZipArchive()
-            .add({.name = "_rels/.rels",
-                  .data = "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>"
-                          "<Relationship Type='http://schemas.openxmlformats.org/officeDocument/2006/"
-                          "relationships/officeDocument' Target='/m'/></Relationships>",
-                  .flags = 8,
-                  .claimedData = 0})
-            .add({.name = "[Content_Types].xml",
-                  .data = "<Types xmlns='http://schemas.openxmlformats.org/package/2006/content-types'><Override "
-                          "PartName='/m' ContentType='application/vnd.openxmlformats-officedocument.themeManager+xml'/>"
-                          "</Types>"})
-            .add(deflatedMember("m", text))
-            .bytes();
+    // A package whose main part is deflated, after members without sizes that only the directory leads over.
+    ZipArchive archive;
+    for (const auto& row : LumTest::readTextRows("containers/package.txt", 2)) {
+        archive.add({.name = row[0], .data = row[1], .flags = 8, .claimedData = 0});
+    }
+    const std::string bytes = archive.add(deflatedMember("m", text)).bytes();
     bool hasFailed = true;
     for (int n = 0; hasFailed; ++n) {
         SCOPED_TRACE("after allocation " + std::to_string(n));
@@ -259,9 +252,7 @@ TEST(LumZipFile, isReadInTimeThatGrowsWithItsSize) {
     // Headers that leave their sizes to descriptors that are not there: each would be searched for to the end.
     const std::string one = ZipMember{.name = "a", .flags = 8}.bytes();
     LumTest::expectLinearTime("a search for every header", 5000, [&one](std::size_t count) {
-        std::string bytes;
-        for (std::size_t i = 0; i < count; ++i) bytes += one;
-        std::istringstream in(bytes);
+        std::istringstream in(LumTest::recipeBytes((std::to_string(count) + "*one").c_str(), {{"one", one}}));
         EXPECT_EQ(LumZipFile(&in, false).getFileEntryCount(), count);
     });
 }

@@ -89,12 +89,7 @@ TEST(LumZipPackage, answersAsTheRowsSay) {
     }
 }
 
-TEST(LumZipPackage, hasNoKindWhereNothingCanBeRead) {
-    std::istringstream failed("PK\3\4");
-    failed.setstate(std::ios::failbit);
-    EXPECT_EQ(LumZipFile::detectOOXDocument(&failed), 0);
-    EXPECT_EQ(LumZipFile::detectOOXDocument(static_cast<std::istream*>(nullptr)), 0);
-    EXPECT_EQ(LumZipFile::detectOOXDocument("/no/such/file"), 0);
+TEST(LumZipPackage, opensDocumentsAndForgetsTheOneBefore) {
     const std::string document = LUM_TEST_DATA "/office/latin.docx";
     EXPECT_EQ(LumZipFile::detectOOXDocument(document.c_str()), 1);
     std::ifstream in(document, std::ios::binary);
@@ -117,9 +112,7 @@ TEST(LumZipPackage, agreesWithAnotherReaderOfTheDocumentsOfAnOfficeSuite) {
         std::ifstream judged(file.path());
         for (std::string line; std::getline(judged, line);) {
             SCOPED_TRACE(document + ": " + line);
-            Words row;
-            std::istringstream fields(line + "\t");
-            for (std::string field; std::getline(fields, field, '\t');) row.push_back(field);
+            const Words row = LumTest::splitAt('\t', line + "\t");
             if (row[0] == "relationship") {  // source, id, type, mode, target
                 expectAnswer(zip, {"target", row[1], row[2]}, row.at(5));
                 expectAnswer(zip, {"mode", row[1], row[2]}, row[4]);

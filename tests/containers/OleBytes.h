@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace LumTest {
@@ -25,10 +24,6 @@ struct OleNode {
     std::vector<OleNode> children = {};
     unsigned type = 2;
 };
-
-inline OleNode oleStorage(std::u16string name, std::vector<OleNode> children) {
-    return {.name = std::move(name), .children = std::move(children), .type = 1};
-}
 
 /// A compound file as bytes, and where its tables lie, so that a test can tell lies in it.
 class OleImage {
@@ -79,14 +74,7 @@ public:
         bytes.replace(offset, width, number(value, width));
         return *this;
     }
-    std::uint32_t get32(std::size_t offset) const {
-        std::uint32_t value = 0;
-        for (unsigned i = 0; i < 4; ++i) {
-            const unsigned shift = 8 * (layout_.littleEndian ? i : 3 - i);
-            value |= std::uint32_t{static_cast<unsigned char>(bytes[offset + i])} << shift;
-        }
-        return value;
-    }
+    std::uint32_t startOf(std::size_t index) const { return index < entries_.size() ? entries_[index].start : END; }
 
 private:
     struct Entry {
@@ -177,23 +165,17 @@ private:
                              number(firstDirectory, 4) + number(0, 4) + number(layout_.cutoff, 4) +
                              number(firstMiniFat, 4) + number(miniFatSectors, 4) + number(firstDifat, 4) +
                              number(difatSectors, 4);
-        std::string difat;
+        std::vector<std::uint32_t> difat;
         for (std::uint32_t i = 0; i < std::max(fatSectors, 109u); ++i) {
-            const std::string entry = number(i < fatSectors ? firstFat + i : FREE, 4);
-            if (i < 109) {
-                header += entry;
-                continue;
-            }
-            difat += entry;
-            if (difat.size() % sectorBytes() == sectorBytes() - 4) {  // the next sector of the chain
-                difat += number(firstDifat + difat.size() / sectorBytes() + 1, 4);
-            }
+            if (i < 109) header += number(i < fatSectors ? firstFat + i : FREE, 4);
+            const auto next = static_cast<std::uint32_t>(firstDifat + 1 + difat.size() / perSector);
+            if (difat.size() % perSector == perSector - 1) difat.push_back(next);  // the next sector of the chain
+            if (i >= 109) difat.push_back(firstFat + i);
         }
-        for (; difat.size() < difatSectors * sectorBytes(); difat += number(FREE, 4)) {
-        }
-        if (difatSectors != 0) difat.replace(difat.size() - 4, 4, number(END, 4));
+        difat.resize(difatSectors * perSector, FREE);
+        if (difatSectors != 0) difat.back() = END;
         header.resize(sectorOffset(0));
-        bytes = header + sectors_ + difat + table(fat_);
+        bytes = header + sectors_ + table(difat) + table(fat_);
     }
 
     OleLayout layout_;

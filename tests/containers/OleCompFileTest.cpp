@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <istream>
 #include <map>
 #include <memory>
 #include <regex>
@@ -21,7 +20,6 @@ using namespace LumCommon;
 using LumTest::OleImage;
 using LumTest::OleLayout;
 using LumTest::OleNode;
-using LumTest::oleStorage;
 using LumTest::patternBytes;
 using LumTest::utf8;
 
@@ -52,14 +50,6 @@ struct Opened {
     bool isOpen;
 };
 
-/// Compares without printing what may be long.
-testing::AssertionResult isSame(const std::string& got, const std::string& expected) {
-    if (got == expected) return testing::AssertionSuccess();
-    const auto differ = std::ranges::mismatch(got, expected).in1 - got.begin();
-    return testing::AssertionFailure() << got.size() << " bytes, not " << expected.size() << "; they differ at "
-                                       << differ << "; first: " << got.substr(0, 20);
-}
-
 OleLayout layoutOf(const std::string& text) {
     const auto value = [&text](const char* key, std::uint32_t otherwise) {
         const std::size_t at = text.find(key);
@@ -74,22 +64,25 @@ OleLayout layoutOf(const std::string& text) {
             .leadingSectors = value("leading=", 0)};
 }
 
-/// The entries from `at` on, up to what closes them.
-std::vector<OleNode> treeOf(const std::string& text, std::size_t& at) {
+using Streams = std::map<std::string, std::string>;
+
+/// The entries from `at` on, up to what closes them; the data of streams go to `streams` by their paths, in capitals.
+std::vector<OleNode> treeOf(const std::string& text, std::size_t& at, const std::string& folder, Streams& streams) {
     std::vector<OleNode> nodes;
     while (at < text.size() && text[at] != '}') {
         const std::size_t end = text.find_first_of(":{", at);
         const std::string name = text.substr(at, end - at);
         const UnicodeString units = UnicodeString::fromUTF8(name);
+        const std::string path = folder + utf8(UnicodeString(units).toUpper(""));
         nodes.push_back({.name = std::u16string(units.getBuffer(), static_cast<std::size_t>(units.length()))});
         at = end + 1;
         if (text[end] == '{') {
             nodes.back().type = 1;
-            nodes.back().children = treeOf(text, at);
+            nodes.back().children = treeOf(text, at, path + "/", streams);
             ++at;
         } else {
             const std::size_t size = std::stoul(text.substr(at));
-            nodes.back().data = patternBytes(size, static_cast<unsigned>(size));
+            nodes.back().data = streams[path] = patternBytes(size, static_cast<unsigned>(size));
         }
         at = std::min(text.find_first_of(",}", at), text.size());
         if (text[at] == ',') at += 2;
@@ -97,20 +90,11 @@ std::vector<OleNode> treeOf(const std::string& text, std::size_t& at) {
     return nodes;
 }
 
-/// The stream data of a tree by their paths, in capitals.
-void addStreams(const std::vector<OleNode>& nodes, const std::string& folder, std::map<std::string, std::string>& to) {
-    for (const OleNode& node : nodes) {
-        const std::string path = folder + utf8(UnicodeString(node.name.c_str()).toUpper(""));
-        if (node.type == 2) to[path] = node.data;
-        addStreams(node.children, path + "/", to);
-    }
-}
-
 void damage(OleImage& image, const std::string& damages) {
     std::map<std::string, std::uint32_t> sectors = {{"directory", image.firstDirectory},
                                                     {"minifat", image.firstMiniFat},
-                                                    {"root", image.get32(image.entryOffset(0) + 116)},
-                                                    {"large", image.get32(image.entryOffset(2) + 116)}};
+                                                    {"root", image.startOf(0)},
+                                                    {"large", image.startOf(2)}};
     const auto sectorOf = [&sectors](const std::string& text) -> std::uint32_t {
         const std::size_t end = text.find('+');
         const bool isNamed = sectors.contains(text.substr(0, end));
@@ -136,12 +120,10 @@ TEST(OleCompFile, readsWhatTheRowsSay) {
     for (auto row : LumTest::readTextRows("containers/compound.txt", 5)) {
         SCOPED_TRACE(row[0]);
         std::size_t at = 0;
-        const std::vector<OleNode> tree = treeOf(row[2], at);
+        Streams streams;
         const OleLayout layout = layoutOf(row[1]);
-        OleImage image(tree, layout);
+        OleImage image(treeOf(row[2], at, "", streams), layout);
         damage(image, row[3]);
-        std::map<std::string, std::string> streams;
-        addStreams(tree, "", streams);
         Opened opened(image);
         const bool isClosed = row[4].starts_with("closed");
         EXPECT_EQ(opened.isOpen, !isClosed);
@@ -166,7 +148,7 @@ TEST(OleCompFile, readsWhatTheRowsSay) {
             }
         }
         for (const auto& [path, data] : streams) {
-            EXPECT_TRUE(isSame(opened.read(LumTest::splitAt('/', path)), opened.file.isOpen() ? data : "no stream"))
+            EXPECT_TRUE(opened.read(LumTest::splitAt('/', path)) == (opened.file.isOpen() ? data : "no stream"))
                 << path;
         }
     }
@@ -175,8 +157,8 @@ TEST(OleCompFile, readsWhatTheRowsSay) {
 
 TEST(OleCompFile, givesTheFieldsOfEntries) {
     for (const bool littleEndian : {true, false}) {
-        Opened opened(
-            OleImage({oleStorage(u"\u65e5\u672c", {{u"leaf", patternBytes(5000)}})}, {.littleEndian = littleEndian}));
+        Opened opened(OleImage({{.name = u"\u65e5\u672c", .children = {{u"leaf", patternBytes(5000)}}, .type = 1}},
+                               {.littleEndian = littleEndian}));
         EXPECT_EQ(opened.file.getVersion(), littleEndian ? "03 00" : "00 03");
         const OleDirInfo* const storage = opened.file.getDirInfo(1);
         const OleDirInfo* const leaf = opened.file.getDirInfo(2);
@@ -239,7 +221,7 @@ TEST(OleCompFile, survivesTreesAndTablesThatLoop) {
     OleImage loops({{u"last", patternBytes(5000)}}, {.sectorShift = 7, .trailingSectors = 12000});
     ASSERT_GT(loops.difatSectors, 4u);
     loops.set(44, 0xFFFFFFFF).set(loops.sectorOffset(loops.firstDifat + 1) - 4, loops.firstDifat);
-    EXPECT_TRUE(isSame(Opened(loops).read({"last"}), patternBytes(5000))) << "its chain is in the first FAT sectors";
+    EXPECT_TRUE(Opened(loops).read({"last"}) == patternBytes(5000)) << "its chain is in the first FAT sectors";
 
     OleImage repeats({{u"last", patternBytes(5000)}}, {.sectorShift = 12, .trailingSectors = 5});
     repeats.set(44, 109 + 5 * 1023).set(68, repeats.firstTrailing);
@@ -250,7 +232,7 @@ TEST(OleCompFile, survivesTreesAndTablesThatLoop) {
                     isLink ? repeats.firstTrailing + i / 1024 + 1 : repeats.firstFat);
     }
     Opened opened(repeats);
-    EXPECT_TRUE(isSame(opened.read({"last"}), patternBytes(5000)));
+    EXPECT_TRUE(opened.read({"last"}) == patternBytes(5000));
     EXPECT_NE(opened.file.getNextBlock(0, false), -1);
     EXPECT_EQ(opened.file.getNextBlock(2 * 1024, false), -1) << "one FAT sector that is named 5224 times is read again";
 }
@@ -265,52 +247,35 @@ TEST(OleCompFile, readsWhatATruncatedFileStillHas) {
     LumTest::forEachPrefix(image.bytes, refuses, 127);
     // A file with its tables first: what is cut off is the stream.
     OleImage tail({{u"other", patternBytes(4097, 5)}, {u"large", large}});
-    const std::uint32_t first = tail.get32(tail.entryOffset(2) + 116);
+    const std::uint32_t first = tail.startOf(2);
     const std::string sectors = tail.bytes.substr(tail.sectorOffset(first), 9 * 512);
     const auto moved = static_cast<std::uint32_t>((tail.bytes.size() - 512) / 512);
     tail.set(tail.entryOffset(2) + 116, moved);
     for (std::uint32_t i = 0; i < 9; ++i) tail.set(tail.fatOffset(moved + i), i == 8 ? OleImage::END : moved + i + 1);
     for (std::size_t kept = 0; kept <= large.size(); kept += 97) {
-        EXPECT_TRUE(isSame(Opened(tail.bytes + sectors.substr(0, kept)).read({"large"}), large.substr(0, kept)));
+        EXPECT_TRUE(Opened(tail.bytes + sectors.substr(0, kept)).read({"large"}) == large.substr(0, kept));
     }
 }
 
 TEST(OleStream, seeks) {
-    const struct {
-        const char* fault;
-        int offset;
-        int whence;
-        bool succeeds;
-        long position;
-    } cases[] = {
-        // In a stream of 5000 bytes, from position 100.
-        {"start", 0, SEEK_SET, true, 0},
-        {"current", 50, SEEK_CUR, true, 150},
-        {"back from current", -100, SEEK_CUR, true, 0},
-        {"back from the end", -1, SEEK_END, true, 4999},
-        {"the end", 0, SEEK_END, true, 5000},
-        {"before the start", -101, SEEK_CUR, false, 100},
-        {"past the last sector", 5120, SEEK_SET, false, 5120},
-        {"far past it", 0x7FFFFFFF, SEEK_END, false, 0x7FFFFFFFL + 5000},
-        {"unknown origin", 0, 3, false, 100},
-    };
+    const auto rows = LumTest::readTextRows("containers/seeks.txt", 5);
     const std::string data = patternBytes(5000);
     for (const std::uint32_t cutoff : {4096u, 6000u}) {  // in sectors and in the mini stream
         const OleImage image({{u"other", patternBytes(4096)}, {u"s", data}}, {.cutoff = cutoff});
-        for (const auto& c : cases) {
-            SCOPED_TRACE(c.fault);
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row[0]);
             Opened opened(image);
             const auto stream = opened.stream({"S"});
             ASSERT_GE(stream->OLEseek(100, SEEK_SET), 0);
-            const long offset = stream->OLEseek(c.offset, c.whence);
-            EXPECT_EQ(offset >= 0, c.succeeds);
-            EXPECT_EQ(stream->OLEtell(), c.position);
-            const auto at = static_cast<std::size_t>(c.position);
+            const long offset = stream->OLEseek(std::stoi(row[1]), std::stoi(row[2]));
+            EXPECT_EQ(offset >= 0, row[3] == "yes");
+            const std::size_t at = std::stoul(row[4]);
+            EXPECT_EQ(stream->OLEtell(), static_cast<long>(at));
             unsigned char byte = 0;
             EXPECT_EQ(stream->OLEread(&byte, 1), at < data.size() ? 1u : 0u);
             if (at >= data.size()) continue;
             EXPECT_EQ(static_cast<char>(byte), data[at]);
-            EXPECT_TRUE(!c.succeeds || image.bytes[static_cast<std::size_t>(offset)] == data[at]);
+            EXPECT_TRUE(offset < 0 || image.bytes[static_cast<std::size_t>(offset)] == data[at]);
         }
     }
     Opened opened(OleImage({{u"whole", patternBytes(4096)}, {u"empty", ""}}));
@@ -347,7 +312,7 @@ TEST(LumOleStreamBuf, endsAtItsLimit) {
         LumOleStreamBuf buffer(stream.get(), limit);
         std::ostringstream out;
         for (int c; (c = buffer.sbumpc()) != EOF;) out << static_cast<char>(c);
-        EXPECT_TRUE(isSame(out.str(), patternBytes(4097).substr(0, static_cast<unsigned>(limit)))) << limit;
+        EXPECT_TRUE(out.str() == patternBytes(4097).substr(0, static_cast<unsigned>(limit))) << limit;
     }
     LumOleStreamBuf none(nullptr, -1);
     EXPECT_EQ(none.sgetc(), EOF);

@@ -71,16 +71,14 @@ struct PropertyWriter {
     }
 };
 
-/// A compound file with one of the property sets, or none.
+/// A compound file with one of the property sets.
 struct Document {
-    Document(const std::string& set, bool isSummary) : in(image(set, isSummary)), io(&in) {
+    Document(const std::string& set, bool isSummary)
+        : in(LumTest::OleImage({{isSummary ? u"\5SummaryInformation" : u"\5DocumentSummaryInformation", set}}).bytes),
+          io(&in) {
         EXPECT_TRUE(file.OLEopen(&io));
         result =
             isSummary ? information.initSummaryInformation(&file) : information.initDocumentSummaryInformation(&file);
-    }
-    static std::string image(const std::string& set, bool isSummary) {
-        if (set.empty()) return LumTest::OleImage({}).bytes;
-        return LumTest::OleImage({{isSummary ? u"\5SummaryInformation" : u"\5DocumentSummaryInformation", set}}).bytes;
     }
 
     std::istringstream in;
@@ -90,8 +88,8 @@ struct Document {
     int result;
 };
 
-/// "damaged", or a letter for what it holds and the content.
-std::string shown(const OlePropertyValue& value) {
+/// "none", "damaged", or a letter for what it holds and the content.
+std::string shown(const std::optional<OlePropertyValue>& value) {
     struct Shower {
         std::string operator()(std::monostate) const { return "-"; }
         std::string operator()(std::int64_t number) const { return "i" + std::to_string(number); }
@@ -114,10 +112,9 @@ std::string shown(const OlePropertyValue& value) {
             return text + "]";
         }
     };
-    return value.isDamaged ? "damaged" : std::visit(Shower(), value.content);
+    if (!value) return "none";
+    return value->isDamaged ? "damaged" : std::visit(Shower(), value->content);
 }
-
-std::string shown(const std::optional<OlePropertyValue>& value) { return value ? shown(*value) : "none"; }
 
 /// What getProperty gives: "none", or the kind and the text.
 std::string property(OleSummaryInformation& information, unsigned id) {
@@ -204,7 +201,7 @@ TEST(OleSummaryInformation, givesTheHeaderAndSurvivesEveryCut) {
         LumTest::forEachPrefix(whole, [](const std::string& cut) { EXPECT_EQ(Document(cut, true).result, -1); });
     }
     OlePropertySet properties;
-    Document titled(PropertyWriter().set("2=4:30 4:6 'title\\x00'"), true), none("", true);
+    Document titled(PropertyWriter().set("2=4:30 4:6 'title\\x00'"), true), none(PropertyWriter().set(sections), false);
     EXPECT_EQ(properties.init(&titled.file), 1);
     EXPECT_EQ(properties.init(&none.file), -1);
     EXPECT_EQ(properties.getTitle(), UnicodeString(u"title")) << "left as it was";

@@ -23,9 +23,7 @@ using Texts = std::vector<std::string>;
 UnicodeString text(const std::string& bytes) { return UnicodeString::fromUTF8(bytes); }
 
 std::string repeated(const std::string& piece, std::size_t times) {
-    std::string result;
-    for (std::size_t i = 0; i < times; ++i) result += piece;
-    return result;
+    return LumTest::recipeBytes(text(std::to_string(times) + "*'" + piece + "'"));
 }
 
 std::string resolved(const std::string& base, const std::string& reference) {
@@ -81,12 +79,8 @@ Texts data(const Texts& in) {
     return first;
 }
 
-struct Operation {
-    std::size_t arguments;
-    std::function<Texts(const Texts&)> run;
-};
-
-const std::map<std::string, Operation> operations = {
+/// How many fields an operation takes, and what it gives.
+const std::map<std::string, std::pair<std::size_t, std::function<Texts(const Texts&)>>> operations = {
     {"resolve", {2, [](const Texts& in) { return Texts{resolved(in[0], in[1])}; }}},
     {"unquote", {2, unquote}},
     {"scheme", {1, scheme}},
@@ -105,10 +99,10 @@ TEST(LumUri, answersAboutItsText) {
     EXPECT_GT(rows.size(), 130u);
     for (auto row : rows) {
         SCOPED_TRACE(row[0] + ": " + row[2]);
-        const Operation& operation = operations.at(row[1]);
-        const Texts results = operation.run({row.begin() + 2, row.begin() + 2 + std::ptrdiff_t(operation.arguments)});
-        row.resize(2 + operation.arguments + results.size());
-        EXPECT_EQ(results, Texts(row.begin() + 2 + std::ptrdiff_t(operation.arguments), row.end()));
+        const auto& [arguments, run] = operations.at(row[1]);
+        const Texts results = run({row.begin() + 2, row.begin() + 2 + std::ptrdiff_t(arguments)});
+        row.resize(2 + arguments + results.size());
+        EXPECT_EQ(results, Texts(row.begin() + 2 + std::ptrdiff_t(arguments), row.end()));
     }
     LumUri own(u"a.b");
     own.setExtension(&own.toString());
