@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 #include <lumcommon/core/LumMutex.h>
+#include <support/OnThreads.h>
 
 #include <atomic>
 #include <chrono>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -34,63 +34,44 @@ private:
 constexpr std::chrono::milliseconds tooShortToMatter{50};
 constexpr std::chrono::milliseconds longEnough{20000};
 
-template <class Work>
-void onFourThreads(Work work) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) threads.emplace_back(work);
-    for (std::thread& thread : threads) thread.join();
-}
-
-TEST(LumMutex, onlyTheOutermostGuardReleases) {
+TEST(LumMutex, onlyTheGuardThatTookTheLockReleasesIt) {
     LumLock lock;
     LumMutex outer(&lock);
+    outer.unlock();
+    LumMutex holder(&lock);
+    outer.unlock();  // no longer the holder
     {
         LumMutex inner(&lock);
         inner.unlock();
-        LumMutex innermost(&lock);
+        const LumMutex innermost(&lock);
     }
-    const Taker taker(lock);
-    EXPECT_FALSE(taker.hasLockAfter(tooShortToMatter)) << "an inner guard released the lock";
+    const Taker first(lock);
+    EXPECT_FALSE(first.hasLockAfter(tooShortToMatter)) << "an inner or a stale guard released the lock";
+    holder.unlock();
+    EXPECT_TRUE(first.hasLockAfter(longEnough)) << "the holder kept the lock";
+    outer.lock();
+    const Taker second(lock);
+    EXPECT_FALSE(second.hasLockAfter(tooShortToMatter)) << "lock() took nothing";
     outer.unlock();
-    EXPECT_TRUE(taker.hasLockAfter(longEnough)) << "the outer guard kept the lock";
 }
 
-TEST(LumMutex, aGuardThatReleasedMayLockAgainAndReleasesOnce) {
-    LumLock lock;
-    LumMutex first(&lock);
-    first.unlock();
-    {
-        LumMutex second(&lock);
-        first.unlock();  // no longer the taker
-        const Taker taker(lock);
-        EXPECT_FALSE(taker.hasLockAfter(tooShortToMatter)) << "a stale guard released the lock of another";
-        second.unlock();
-    }
-    first.lock();
-    const Taker taker(lock);
-    EXPECT_FALSE(taker.hasLockAfter(tooShortToMatter)) << "lock() took nothing";
-    first.unlock();
+template <class... Lock>
+void countOnFourThreads(int& unprotected, Lock... lock) {
+    LumTest::onThreads(4, [&](unsigned) {
+        for (int i = 0; i < 5000; ++i) {
+            LumMutex outer(lock...);
+            const LumMutex inner(lock...);
+            ++unprotected;
+            outer.unlock();  // the destructor must not release it again, from under the next thread
+        }
+    });
 }
 
 TEST(LumMutex, serialisesThreadsThroughNestedGuards) {
     LumLock own;
     int unprotected = 0;
-    onFourThreads([&] {
-        for (int i = 0; i < 5000; ++i) {
-            LumMutex outer(&own);
-            const LumMutex inner(&own);
-            ++unprotected;
-            outer.unlock();  // the destructor must not release it again, from under the next thread
-        }
-    });
-    onFourThreads([&] {
-        for (int i = 0; i < 5000; ++i) {
-            LumMutex outer;  // the lock of the process
-            const LumMutex inner;
-            ++unprotected;
-            outer.unlock();
-        }
-    });
+    countOnFourThreads(unprotected, &own);
+    countOnFourThreads(unprotected);  // the lock of the process
     EXPECT_EQ(unprotected, 40000);
 }
 
@@ -99,7 +80,7 @@ TEST(LumMutex, interlockedCountsLoseNothing) {
     EXPECT_EQ(LumMutex::interlockedIncrement(count), 8);
     EXPECT_EQ(LumMutex::interlockedDecrement(count), 7);
     std::atomic<int> sawTheStart{0};
-    onFourThreads([&] {
+    LumTest::onThreads(4, [&](unsigned) {
         for (int i = 0; i < 20000; ++i) LumMutex::interlockedIncrement(count);
         for (int i = 0; i < 20000; ++i) {
             if (LumMutex::interlockedDecrement(count) == 7) ++sawTheStart;

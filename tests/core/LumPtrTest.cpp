@@ -68,22 +68,15 @@ TEST_F(LumPtrTest, holdsExactlyOneCountForEachPointer) {
 
 TEST_F(LumPtrTest, theOldObjectMayHoldTheLastReferenceToTheNew) {
     for (const bool moves : {false, true}) {
-        SCOPED_TRACE(moves ? "by move" : "by pointer");
         LumPtr<Base> p(new Base);
         p->owned = new Base;
         Base* const inner = p->owned.get();
-        if (moves) {
-            p = std::move(p->owned);
-        } else {
-            p = inner;
-        }
-        EXPECT_EQ(p.get(), inner);
-        EXPECT_EQ(liveObjects, 1);
-        EXPECT_EQ(p->getRefCount(), 1);
+        moves ? p = std::move(p->owned) : p = inner;
+        EXPECT_EQ(p.get(), inner) << moves;
+        EXPECT_EQ(liveObjects, 1) << moves;
+        EXPECT_EQ(p->getRefCount(), 1) << moves;
     }
-}
-
-TEST_F(LumPtrTest, moveAssignmentOverTheSameObjectGivesOneCountBack) {
+    // A move over the same object gives one count back.
     LumPtr<Base> a(new Base);
     LumPtr<Base> b(a);
     a = std::move(b);

@@ -1,40 +1,35 @@
 #include <gtest/gtest.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/names/NamespaceManager.h>
+#include <support/OnThreads.h>
 
 #include <array>
 #include <atomic>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace LumCommon {
 namespace {
 
 constexpr unsigned threadCount = 4;
-constexpr unsigned namesEach = 3000;  // together past the first three chunks
+constexpr unsigned namesEach = 4000;  // together past the first five chunks, and several sizes of the index
 
 UnicodeString numbered(const char* stem, unsigned number) {
     return UnicodeString::fromUTF8(stem + std::to_string(number));
-}
-
-template <class Work>
-void onAllThreads(Work work) {
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i < threadCount; ++i) threads.emplace_back(work, i);
-    for (std::thread& thread : threads) thread.join();
 }
 
 // Meant for the thread sanitizer as much as for its expectations.
 TEST(LumNameTableThreads, internAndReadTheSameAndDifferentNames) {
     LumNameTable::addRefSharedNameTable();
     std::array<std::vector<LumNameEnum>, threadCount> same, own;
+    std::array<std::vector<const UnicodeString*>, threadCount> places;
     std::array<std::atomic<LumNameEnum>, threadCount> newest{};
-    onAllThreads([&](unsigned self) {
+    LumTest::onThreads(threadCount, [&](unsigned self) {
         const std::string stem = "of-" + std::to_string(self) + "-";
         for (unsigned i = 0; i < namesEach; ++i) {
             same[self].push_back(LumNameTable::getSharedNameEnum(numbered("same-", i)));
+            places[self].push_back(&LumNameTable::getSharedNameString(same[self].back()));
             own[self].push_back(LumNameTable::getSharedNameEnum(numbered(stem.c_str(), i)));
             newest[self].store(own[self].back(), std::memory_order_relaxed);
             own[self].push_back(LumName::generateID(UnicodeString()).getEnum());
@@ -53,7 +48,9 @@ TEST(LumNameTableThreads, internAndReadTheSameAndDifferentNames) {
         EXPECT_EQ(same[self], same[0]) << "one string, two identifiers";
         distinct.insert(own[self].begin(), own[self].end());
         for (unsigned i = 0; i < namesEach; ++i) {
-            ASSERT_EQ(LumNameTable::getSharedNameString(same[self][i]), numbered("same-", i));
+            ASSERT_EQ(&LumNameTable::getSharedNameString(same[self][i]), places[self][i]) << "moved while it grew";
+            ASSERT_EQ(*places[self][i], numbered("same-", i));
+            ASSERT_EQ(LumNameTable::getSharedNameEnum(*places[self][i]), same[self][i]);
         }
     }
     EXPECT_EQ(distinct.size(), namesEach * (2 * threadCount + 1)) << "one identifier, two strings";
@@ -61,7 +58,7 @@ TEST(LumNameTableThreads, internAndReadTheSameAndDifferentNames) {
 }
 
 TEST(LumNameTableThreads, holdersComeAndGo) {
-    onAllThreads([](unsigned self) {
+    LumTest::onThreads(threadCount, [](unsigned self) {
         for (unsigned i = 0; i < 500; ++i) {
             const LumPtr<NamespaceManager> holder(new NamespaceManager);
             const UnicodeString text = numbered("held-", i * threadCount + self);

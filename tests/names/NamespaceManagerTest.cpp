@@ -195,15 +195,6 @@ TEST(NamespaceManager, aMapOutlivesItsScope) {
     EXPECT_FALSE(nothing.hasNext() || nothing.hasPrevious());
 }
 
-TEST(NamespaceManager, holdsTheSharedNames) {
-    LumPtr<NamespaceManager> first(new NamespaceManager), second(new NamespaceManager);
-    const LumName held(UnicodeString(u"held by a manager"));
-    first = nullptr;
-    EXPECT_EQ(held.getString(), UnicodeString(u"held by a manager"));
-    second = nullptr;
-    EXPECT_TRUE(held.getString().isEmpty()) << "a reference was lost";
-}
-
 // Anything that walks the scopes or the declarations runs into the time limit of the test here.
 TEST(NamespaceManager, hostileDocumentsCostLinearTime) {
     constexpr unsigned deep = 1000000, wide = 100000;

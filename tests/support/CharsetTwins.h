@@ -5,12 +5,12 @@
 #include <unicode/unistr.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "support/TempFolder.h"
 
 namespace LumTest {
 
@@ -40,11 +40,7 @@ inline std::optional<IconvResult> convertByIconv(const char* from, const char* t
     return isGood ? std::optional(result) : std::nullopt;
 }
 
-inline std::string readTestFile(const std::string& name) {
-    std::ifstream in(LUM_TEST_DATA "/" + name, std::ios::binary);
-    EXPECT_TRUE(in.is_open()) << name;
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+inline std::string readTestFile(const std::string& name) { return readFile(LUM_TEST_DATA "/" + name); }
 
 /// One text in a legacy charset and in UTF-16; iconv made the bytes.
 struct Twins {

@@ -20,13 +20,14 @@ using Fields = std::vector<icu::UnicodeString>;
 
 /// The rows of a file below tests/data: fields between bars, without the spaces around them. Empty lines and those that
 /// begin with "#" are no rows, and what follows the last bar counts when it is not empty.
-inline std::vector<Fields> readRows(const std::string& file) {
+/// @param end  put after each line.
+inline std::vector<Fields> readRows(const std::string& file, const char* end = "") {
     std::ifstream in(LUM_TEST_DATA + ("/" + file));
     std::vector<Fields> rows;
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line[0] == '#') continue;
         rows.emplace_back();
-        for (std::istringstream fields(line); std::getline(fields, line, '|');)
+        for (std::istringstream fields(line + end); std::getline(fields, line, '|');)
             rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim());
     }
     return rows;
@@ -34,14 +35,9 @@ inline std::vector<Fields> readRows(const std::string& file) {
 
 /// The same with escapes such as \n, \x20 and \u3042 resolved, and an empty field after a bar that ends the line.
 inline std::vector<Fields> readTextRows(const std::string& file) {
-    std::ifstream in(LUM_TEST_DATA + ("/" + file));
-    std::vector<Fields> rows;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        rows.emplace_back();
-        for (std::istringstream fields(line + "|"); std::getline(fields, line, '|');)
-            rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim().unescape());
-    }
+    std::vector<Fields> rows = readRows(file, "|");
+    for (Fields& row : rows)
+        for (icu::UnicodeString& field : row) field = field.unescape();
     return rows;
 }
 

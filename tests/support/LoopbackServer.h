@@ -34,13 +34,8 @@ public:
     explicit LoopbackServer(Answerer answerer, std::size_t requestLimitBytes = std::string::npos)
         : answerer_(std::move(answerer)), requestLimitBytes_(requestLimitBytes) {
         listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address = loopback(0);
-        socklen_t sizeBytes = sizeof address;
-        auto* const generic = reinterpret_cast<sockaddr*>(&address);
-        EXPECT_EQ(bind(listener_, generic, sizeof address), 0);
+        port_ = bindToFreePort(listener_);
         EXPECT_EQ(listen(listener_, 64), 0);
-        EXPECT_EQ(getsockname(listener_, generic, &sizeBytes), 0);
-        port_ = ntohs(address.sin_port);
         EXPECT_EQ(pipe(stop_), 0);
         thread_ = std::thread([this] { serve(); });
     }
@@ -69,19 +64,25 @@ public:
         address.sin_port = htons(static_cast<unsigned short>(port));
         return address;
     }
+    static int bindToFreePort(int socket) {
+        sockaddr_in address = loopback(0);
+        socklen_t sizeBytes = sizeof address;
+        auto* const generic = reinterpret_cast<sockaddr*>(&address);
+        EXPECT_EQ(bind(socket, generic, sizeof address), 0);
+        EXPECT_EQ(getsockname(socket, generic, &sizeBytes), 0);
+        return ntohs(address.sin_port);
+    }
 
 private:
-    /// Waits for the socket; false when the server is to stop or 10 s are over.
+    /// Waits for the socket, with -1 without a limit; false when the server is to stop or the time is over.
     bool waitFor(int socket, int milliseconds = 10000) const {
         pollfd entries[2] = {{socket, POLLIN, 0}, {stop_[0], POLLIN, 0}};
         return poll(entries, 2, milliseconds) > 0 && entries[1].revents == 0;
     }
-    /// The same without a limit.
-    bool waitForClient() const { return waitFor(listener_, -1); }
 
     void serve() {
         std::vector<int> keptOpen;
-        while (waitForClient()) {
+        while (waitFor(listener_, -1)) {
             const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
             if (client == -1) continue;
             if (answer(client)) {
@@ -130,14 +131,8 @@ private:
 /// A port of 127.0.0.1 that nobody listens on, held for as long as this lives.
 class ClosedPort {
 public:
-    ClosedPort() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in address = LoopbackServer::loopback(0);
-        socklen_t sizeBytes = sizeof address;
-        auto* const generic = reinterpret_cast<sockaddr*>(&address);
-        EXPECT_EQ(bind(socket_, generic, sizeof address), 0);
-        EXPECT_EQ(getsockname(socket_, generic, &sizeBytes), 0);
-        port_ = ntohs(address.sin_port);
-    }
+    ClosedPort()
+        : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)), port_(LoopbackServer::bindToFreePort(socket_)) {}
     ClosedPort(const ClosedPort&) = delete;
     ClosedPort& operator=(const ClosedPort&) = delete;
     ~ClosedPort() { close(socket_); }
@@ -146,7 +141,7 @@ public:
 
 private:
     int socket_;
-    int port_ = 0;
+    int port_;
 };
 
 }  // namespace LumTest

@@ -30,9 +30,11 @@ using LumCommon::UnicodeString;
 inline UnicodeString fromUtf8(std::string_view text) {
     return UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
 }
-inline std::string toUtf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
+inline std::string toUtf8(const UnicodeString& text) { return utf8(text); }
+inline std::string hexadecimal(unsigned number) {
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "%04X", number);
+    return digits;
 }
 /// Printable ASCII as it is, everything else by number: what differs in a failed comparison can be seen.
 inline std::string escape(const UnicodeString& text) {
@@ -43,9 +45,7 @@ inline std::string escape(const UnicodeString& text) {
         if (c >= 0x20 && c < 0x7F) {
             shown += static_cast<char>(c);
         } else {
-            char number[16];
-            std::snprintf(number, sizeof number, "\\u%04X", static_cast<unsigned>(c));
-            shown += number;
+            shown += "\\u" + hexadecimal(static_cast<unsigned>(c));
         }
     }
     return shown + "\"";
@@ -172,9 +172,7 @@ inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how
         setup.onErrorData = &records;
         setup.onError = [](const LumError& error, void* data) {
             auto& told = *static_cast<std::vector<EventRecord>*>(data);
-            char code[16];
-            std::snprintf(code, sizeof code, "told %04X", static_cast<unsigned>(error.code));
-            told.push_back({code, {}});
+            told.push_back({"told " + hexadecimal(static_cast<unsigned>(error.code)), {}});
             if (told.size() > 1000) throw LumError(error);
         };
     }
@@ -220,9 +218,7 @@ inline std::string tell(std::string_view document, const ParserSetup& setup = {}
             told += ">";
         }
     } catch (const LumError& error) {
-        char code[16];
-        std::snprintf(code, sizeof code, "!%04X", static_cast<unsigned>(error.code));
-        told += code;
+        told += "!" + hexadecimal(static_cast<unsigned>(error.code));
     }
     return told;
 }

@@ -12,16 +12,13 @@
 #include <utility>
 #include <vector>
 
+#include "support/Recipe.h"
 #include "support/Utf8.h"
 
 namespace LumTest {
 
 /// The low `bytes` bytes of a number, the lowest first.
-inline std::string littleEndian(std::uint64_t value, unsigned bytes) {
-    std::string result;
-    for (; bytes != 0; --bytes, value >>= 8) result += static_cast<char>(value & 0xFF);
-    return result;
-}
+inline std::string littleEndian(std::uint64_t value, unsigned bytes) { return numberBytes(value, bytes); }
 
 /// Raw deflate data: what stands between the header and the trailer of a gzip member.
 inline std::string deflated(const std::string& data) {

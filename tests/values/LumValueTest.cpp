@@ -8,7 +8,6 @@
 #include <support/Utf8.h>
 
 #include <cmath>
-#include <string>
 
 namespace {
 
@@ -29,37 +28,7 @@ private:
     int& alive_;
 };
 
-// Every pair of units is tried: a factor of 0 in the groups means that there is no conversion.
-TEST(LumValue, convertsWithinADimensionAndNowhereElse) {
-    struct Group {
-        LumValueUnitType unit;
-        char dimension;
-        double normal;  // one unit in the normal unit of the dimension
-    };
-    constexpr Group groups[] = {
-        {UNIT_NUMBER, 'n', 1},  {UNIT_PERCENT, 'n', 0.01},  {UNIT_EM, 'e', 1},         {UNIT_EX, 'x', 1},
-        {UNIT_PX, 'p', 1},      {UNIT_CM, 'l', 28.346457},  {UNIT_MM, 'l', 2.8346457}, {UNIT_IN, 'l', 72},
-        {UNIT_PT, 'l', 1},      {UNIT_PC, 'l', 12},         {UNIT_JPT, 'j', 1},        {UNIT_Q, 'l', 0.70866144},
-        {UNIT_DEG, 'a', 1},     {UNIT_RAD, 'a', 57.295776}, {UNIT_GRAD, 'a', 0.9},     {UNIT_MS, 't', 1},
-        {UNIT_S, 't', 1000},    {UNIT_HZ, 'f', 1},          {UNIT_KHZ, 'f', 1000},     {UNIT_DPI, 'd', 1},
-        {UNIT_TWIP, 'l', 0.05}, {UNIT_PT2, '2', 1},         {UNIT_PT3, '3', 1},        {UNIT_CHAR, 'c', 1},
-    };
-    for (const Group& from : groups) {
-        for (const Group& to : groups) {
-            SCOPED_TRACE(std::to_string(from.unit) + " to " + std::to_string(to.unit));
-            double factor = from.dimension == to.dimension ? from.normal / to.normal : 0;
-            if (from.unit == UNIT_DPI && to.unit == UNIT_NUMBER) factor = 1;
-            if (from.unit == UNIT_PERCENT && to.unit == UNIT_DPI) factor = 1;
-            const float result = LumValue(90.0f, from.unit).getRealValue(to.unit);
-            if (factor == 0) {
-                EXPECT_TRUE(std::isnan(result));
-            } else {
-                EXPECT_NEAR(result / (90 * factor), 1, 1e-6);
-            }
-        }
-        EXPECT_EQ(LumValue(90.0f, from.unit).getRealValue(UNIT_NONE), 90.0f);
-        EXPECT_EQ(LumLength(2, from.unit).isValid(), from.dimension == 'l');
-    }
+TEST(LumValue, convertsExactly) {
     EXPECT_EQ(LumValue(90.0f, UNIT_DEG).getRealValue(UNIT_GRAD), 100.0f);
     EXPECT_EQ(LumLength(2, UNIT_CM).getPoints(), 56.692914f);
     EXPECT_EQ(LumLength(20, UNIT_TWIP).getPoints(), 1.0f);
@@ -102,7 +71,7 @@ TEST(LumValue, sharesObjectsAndCopiesStrings) {
     EXPECT_TRUE(LumValue(nullptr).isNull());
 }
 
-TEST(LumValue, compoundsAreSharedByTheirCopies) {
+TEST(LumValue, compoundsAreSharedByTheirCopiesAndPrinted) {
     LumValue value(3);
     EXPECT_TRUE(value.getNamedItem(NAME_NULL) == value && value.getNamedItem(NAME_length).isNull());
     value.setNamedItem(NAME_length, value);  // the argument is what makeCompound() changes
@@ -113,13 +82,9 @@ TEST(LumValue, compoundsAreSharedByTheirCopies) {
     EXPECT_EQ(copy.getNamedValueMap()->getCount(), 2);
     EXPECT_TRUE(copy == value);
     EXPECT_FALSE(copy == LumValue(copy.getNamedValueMap()->clone().get()));
-}
 
-TEST(LumValue, printsCompounds) {
-    LumValue empty;
+    LumValue empty, nested(1);
     empty.makeCompound();
-    EXPECT_EQ(utf8(empty.toString()), "{}");
-    LumValue nested(1);
     nested.setNamedItem(NAME_value, LumValue());
     nested.setNamedItem(NAME_length, empty);
     nested.setNamedItem(NAME_width, LumValue(2.5f, UNIT_Q));
@@ -142,7 +107,7 @@ TEST(LumValue, takesTheLengthOfACompound) {
     value.removeNamedItem(NAME_length);
 }
 
-TEST(LumNamedValueMap, keepsOneEntryForEachNameInTheirOrder) {
+TEST(LumNamedValueMap, keepsOneEntryForEachNameInTheirOrderUntilItIsRemoved) {
     LumPtr<LumNamedValueMap> map(new LumNamedValueMap);
     map->setNamedItem(NAME_zoom, LumValue(3));
     map->setNamedItem(NAME_block, LumValue(2));
@@ -164,18 +129,14 @@ TEST(LumNamedValueMap, keepsOneEntryForEachNameInTheirOrder) {
     EXPECT_TRUE(iterator.previous().isNull());
     iterator.setToEnd();
     EXPECT_EQ(iterator.previous().getName(), NAME_zoom);
-}
 
-TEST(LumNamedValueMap, answersAndRemovesByName) {
-    LumPtr<LumNamedValueMap> map(new LumNamedValueMap);
-    map->setNamedItem(NAME_block, LumValue(2));
-    EXPECT_EQ(map->getNamedItem(NAME_zoom).getName(), NAME_zoom);
-    EXPECT_TRUE(map->getNamedItem(NAME_zoom).isNull());
+    EXPECT_EQ(map->getNamedItem(NAME_width).getName(), NAME_width);
+    EXPECT_TRUE(map->getNamedItem(NAME_width).isNull());
     const LumPtr<LumNamedValueMap> copy = map->clone();
     map->removeNamedItem(NAME_block, LumValue(3));
-    EXPECT_EQ(map->getCount(), 1) << "removed with another value";
+    EXPECT_EQ(map->getCount(), 3) << "removed with another value";
     map->removeNamedItem(NAME_block, LumValue(2.0f, UNIT_NUMBER));
-    EXPECT_EQ(map->getCount(), 0);
+    EXPECT_EQ(map->getCount(), 2);
     map->removeNamedItem(NAME_block);
     EXPECT_EQ(copy->getNamedItem(NAME_block).getIntegerValue(), 2);
 }
