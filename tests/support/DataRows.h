@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <lumcommon/core/Text.h>
 
 #include <fstream>
@@ -20,6 +21,7 @@ inline std::vector<std::vector<icu::UnicodeString>> readRows(const std::string& 
         for (std::istringstream fields(line); std::getline(fields, line, '|');)
             rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim());
     }
+    EXPECT_FALSE(rows.empty()) << file << " has no rows";
     return rows;
 }
 
