@@ -6,7 +6,6 @@
 #include <cstring>
 #include <map>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -102,14 +101,18 @@ void damage(OleImage& image, const std::string& damages) {
         return (isNamed ? sectors[text.substr(0, end)] : 0) +
                static_cast<std::uint32_t>(std::stoul(number, nullptr, 0));
     };
-    static const std::regex one(R"((?:(\d+)|(\w+)\(([^)]+)\)(?:\+(\d+))?)=([^\s:]+)(?::(\d))?)");
-    for (std::sregex_iterator at(damages.begin(), damages.end(), one), end; at != end; ++at) {
-        const std::smatch& m = *at;
-        std::size_t offset = m[1].matched ? std::stoul(m[1]) : m[4].matched ? std::stoul(m[4]) : 0;
-        if (m[2] == "fat") offset += image.fatOffset(sectorOf(m[3]));
-        if (m[2] == "minifat") offset += image.miniFatOffset(sectorOf(m[3]));
-        if (m[2] == "entry") offset += image.entryOffset(sectorOf(m[3]));
-        image.set(offset, sectorOf(m[5]), m[6].matched ? static_cast<unsigned>(std::stoul(m[6])) : 4);
+    for (const std::string& change : LumTest::splitAt(' ', damages)) {
+        const std::vector<std::string> sides = LumTest::splitAt('=', change);
+        const std::vector<std::string> value = LumTest::splitAt(':', sides.at(1));
+        const std::size_t open = sides[0].find('('), close = sides[0].find(')');
+        std::size_t offset = std::stoul(
+            open == std::string::npos ? sides[0] : "0" + sides[0].substr(std::min(close + 2, sides[0].size())));
+        const std::uint32_t inside =
+            open == std::string::npos ? 0 : sectorOf(sides[0].substr(open + 1, close - open - 1));
+        if (sides[0].starts_with("fat(")) offset += image.fatOffset(inside);
+        if (sides[0].starts_with("minifat(")) offset += image.miniFatOffset(inside);
+        if (sides[0].starts_with("entry(")) offset += image.entryOffset(inside);
+        image.set(offset, sectorOf(value[0]), value.size() > 1 ? static_cast<unsigned>(std::stoul(value[1])) : 4);
     }
 }
 
@@ -128,10 +131,12 @@ TEST(OleCompFile, readsWhatTheRowsSay) {
         const bool isClosed = row[4].starts_with("closed");
         EXPECT_EQ(opened.isOpen, !isClosed);
         EXPECT_TRUE(isClosed || opened.file.isLittleEndian() == layout.littleEndian);
-        static const std::regex difference(R"((\w+)=(\w+))");
-        for (std::sregex_iterator m(row[4].begin(), row[4].end(), difference), end; m != end; ++m) {
-            const std::string name = m->str(1), value = m->str(2);
-            if (name == "kind") {
+        for (const std::string& difference : LumTest::splitAt(',', row[4])) {
+            const std::string name = difference.substr(0, difference.find('='));
+            const std::string value = difference.substr(std::min(name.size() + 1, difference.size()));
+            if (name == "closed") {
+                EXPECT_FALSE(opened.isOpen);
+            } else if (name == "kind") {
                 std::istringstream in(image.bytes);
                 EXPECT_EQ(OleCompFile::detectOLEDocument(in), std::stoi(value));
                 in.clear();

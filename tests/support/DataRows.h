@@ -30,6 +30,7 @@ inline std::vector<Fields> readRows(const std::string& file, const char* end = "
         for (std::istringstream fields(line + end); std::getline(fields, line, '|');)
             rows.back().push_back(icu::UnicodeString::fromUTF8(line).trim());
     }
+    EXPECT_FALSE(rows.empty()) << file << " has no rows";
     return rows;
 }
 

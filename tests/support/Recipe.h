@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -81,23 +80,35 @@ inline std::string numberBytes(std::uint64_t value, unsigned width, bool isLittl
 ///     9*ITEM    an item 9 times
 inline std::string recipeBytes(const icu::UnicodeString& recipe, const std::map<std::string, std::string>& names = {},
                                bool isLittleEndian = true) {
-    static const std::regex item(R"((?:(\d+)\*)?(?:(u?)'([^']*)'|(\d+):([-\w]+)|([^\s']+)))");
     const std::string items = utf8(recipe);
     std::string bytes;
-    for (std::sregex_iterator at(items.begin(), items.end(), item), end; at != end; ++at) {
-        const std::smatch& found = *at;
-        std::string one;
-        if (found[3].matched) {
-            const icu::UnicodeString text = icu::UnicodeString::fromUTF8(found.str(3)).unescape();
-            const unsigned width = found.length(2) != 0 ? 2 : 1;
-            for (int i = 0; i < text.length(); ++i) one += numberBytes(text[i], width, isLittleEndian);
-        } else if (found[4].matched) {
-            one = numberBytes(std::stoull(found[5], nullptr, 0), static_cast<unsigned>(std::stoul(found[4])),
-                              isLittleEndian);
-        } else {
-            one = names.at(found[6]);
+    std::size_t at = 0;
+    const auto upTo = [&items, &at](const char* ends) {
+        const std::size_t begin = at;
+        at = std::min(items.find_first_of(ends, at), items.size());
+        return items.substr(begin, at - begin);
+    };
+    while ((at = items.find_first_not_of(' ', at)) != std::string::npos) {
+        unsigned long times = 1;
+        std::string word = upTo(" *'");
+        if (items[at] == '*') {
+            times = std::stoul(word);
+            ++at;
+            word = upTo(" '");
         }
-        for (unsigned long left = found[1].matched ? std::stoul(found[1]) : 1; left != 0; --left) bytes += one;
+        std::string one;
+        if (items[at] == '\'') {
+            ++at;
+            const icu::UnicodeString text = icu::UnicodeString::fromUTF8(upTo("'")).unescape();
+            ++at;
+            for (int i = 0; i < text.length(); ++i) one += numberBytes(text[i], word == "u" ? 2 : 1, isLittleEndian);
+        } else if (const std::size_t colon = word.find(':'); colon != std::string::npos) {
+            const std::uint64_t value = std::stoull(word.substr(colon + 1), nullptr, 0);
+            one = numberBytes(value, static_cast<unsigned>(std::stoul(word)), isLittleEndian);
+        } else {
+            one = names.at(word);
+        }
+        for (; times != 0; --times) bytes += one;
     }
     return bytes;
 }
