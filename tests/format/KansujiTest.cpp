@@ -5,6 +5,10 @@
 #include <support/DataRows.h>
 #include <support/Utf8.h>
 
+#include <unicode/rbnf.h>
+
+#include <cstdlib>
+#include <random>
 #include <string>
 
 namespace {
@@ -43,6 +47,28 @@ TEST(Kansuji, convertsSingleCharacters) {
     EXPECT_EQ(table.toKansuji(u'7'), u'\u4E03');
     EXPECT_EQ(table.getCharacter(-1), 0xFFFD);
     EXPECT_EQ(table.getCharacter(Kansuji::COUNT), 0xFFFD);
+}
+
+/// ICU's Japanese spellout and the readable form agree on every number below 10^18, where ICU's rules end: there is no
+/// difference to list.
+TEST(Kansuji, readsAsIcuSpellsNumbersOut) {
+    UErrorCode error = U_ZERO_ERROR;
+    const icu::RuleBasedNumberFormat judge(icu::URBNF_SPELLOUT, icu::Locale::getJapanese(), error);
+    ASSERT_TRUE(U_SUCCESS(error));
+    const Kansuji table;
+    const auto compare = [&](std::int64_t number) {
+        if (HasFailure()) return;
+        UnicodeString expected;
+        judge.format(number, expected);
+        const UnicodeString got = table.convert(text(std::to_string(number)), Kansuji::STYLE_READABLE);
+        ASSERT_EQ(got, expected) << number << ": " << utf8(got) << ", ICU " << utf8(expected);
+    };
+    constexpr std::int64_t endOfIcu = 1'000'000'000'000'000'000;
+    for (int number = 0; number < 100'000'000; number += number < 30'000 ? 1 : 991) compare(number);
+    for (std::int64_t power = 1; power < endOfIcu; power *= 10)
+        for (const std::int64_t number : {power - 1, power, power + 1, 9 * power, 10 * power - 1}) compare(number);
+    std::mt19937_64 random(5);
+    for (int i = 0; i < 30'000; ++i) compare(static_cast<std::int64_t>((random() >> (random() % 60)) % endOfIcu));
 }
 
 TEST(Kansuji, longRunsAreReadToTheirEnd) {
