@@ -64,7 +64,8 @@ std::string position(const Fields& fields) {
 
 std::string bytes(const Fields& fields) {
     std::string hexadecimal;
-    for (const char byte : LumCStr(fields[0]).getMBString(utf8(fields[1]).c_str())) {
+    LumCStr text(fields[0]);
+    for (const char byte : text.getMBString(utf8(fields[1]).c_str())) {
         char digits[3];
         std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned>(static_cast<unsigned char>(byte)));
         hexadecimal += digits;
