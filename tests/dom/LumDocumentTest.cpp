@@ -2,12 +2,12 @@
 
 #include <atomic>
 #include <sstream>
-#include <thread>
 
 #include "dom/CountedDocument.h"
 #include "support/EscapedRows.h"
 #include "support/ExpectError.h"
 #include "support/LoopbackServer.h"
+#include "support/OnThreads.h"
 #include "support/PieceStream.h"
 #include "support/TempFolder.h"
 
@@ -194,13 +194,9 @@ TEST_F(LumDocumentTest, loadNextNodeGivesEachNodeToOneThread) {
     document->setDeferredLoad(true);
     document->loadXml(xml);
     std::atomic<int> nodes = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            while (document->loadNextNode()) ++nodes;
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    onThreads(4, [&](unsigned) {
+        while (document->loadNextNode()) ++nodes;
+    });
     EXPECT_EQ(nodes, childCount + 1);
     EXPECT_EQ(document->getDocumentElement()->getChildNodeCount(), childCount);
 }

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "support/ExpectError.h"
+#include "support/OnThreads.h"
 #include "support/ResourceLibrary.h"
 #include "support/XmlEvents.h"
 
@@ -75,9 +76,7 @@ TEST(LumXmlParserDtd, threadsShareWhatIsKept) {
             if (tell(document, {.baseUri = library.getBase()}) != "<a>text " + number + "</a>") ++wrong;
         }
     };
-    std::vector<std::thread> pool;
-    for (int i = 0; i < threads; ++i) pool.emplace_back(work);
-    for (std::thread& thread : pool) thread.join();
+    onThreads(threads, [&](unsigned) { work(); });
     EXPECT_EQ(wrong, 0);
     // Threads that come at the same time may each read a definition, but nobody reads what is kept.
     EXPECT_GE(library.countOpened(), definitions);
