@@ -140,6 +140,7 @@ public:
 private:
     LumName named(std::size_t i) const { return words_[i] == "-" ? LumName() : LumName(text(words_[i])); }
     UnicodeString textAt(std::size_t i) const { return words_[i] == "-" ? UnicodeString() : text(words_[i]); }
+    UnicodeString dataFile(std::size_t i) const { return text(words_[i] == "-" ? "" : LUM_TEST_DATA "/" + words_[i]); }
     LumPtr<LumNode> nodeAt(std::size_t i) { return words_[i] == "-" ? nullptr : find(words_[i]); }
 
     LumPtr<LumNode> find(const std::string& wanted) {
@@ -209,7 +210,10 @@ private:
         if (question == "abort") return document.abort(), "";
         if (question == "parserDepth") return number(document.getParser()->getDepth());
         if (question == "parserEvent") return utf8(LumXmlParser::getEventTypeStr(document.getParser()->getEventType()));
-        if (question == "load") return document.load(textAt(2)), "";
+        if (question == "load") return document.load(dataFile(2)), "";
+        if (question == "loadInto") return document.load(dataFile(2), nodeAt(3).get()), "";
+        if (question == "loadedFrom") return document.getDocumentUri() == dataFile(2) ? "yes" : "no";
+        if (question == "resetParser") return document.setParser(document.getParser()), "";
         if (question == "drop") return document_ = nullptr, "";
         if (question == "save")
             return saved([&](auto& out) { document.save(out, nodeAt(2).get(), textAt(3), textAt(4)); });
@@ -237,6 +241,7 @@ private:
     }
 
     std::string answerOfElement(LumElement& element, const std::string& question) {
+        const LumColor lime(0, 255, 0);
         LumNamedNodeMap& map = *element.getAttributes();
         if (question == "attributes") return attributes(element);
         if (question == "attr") return keep(element.getAttributeNode(named(2)).get());
@@ -249,6 +254,14 @@ private:
             for (int i = 0; i < 40; ++i)
                 element.setAttributeNS(LumName(), LumName(), LumName(text("n" + std::to_string(i))), LumValue(1));
         if (question == "set") element.setAttribute(named(2), LumValue(textAt(3)));
+        if (question == "setCmyk") element.setAttribute(named(2), LumValue(LumColor(lime, 0.0f, 1.0f, 0.5f, 0.0f)));
+        if (question == "setSpot") element.setAttribute(named(2), LumValue(LumColor(lime, u"Gold", 0.5f)));
+        if (question == "parse") element.setAttribute(named(2), LumValue::parse(textAt(3)));
+        if (question == "parsePart") {
+            LumValue value = element.getAttribute(named(2));
+            value.setNamedItem(named(3), LumValue::parse(textAt(4)));
+            element.setAttribute(named(2), value);
+        }
         if (question == "setNS") element.setAttributeNS(named(2), named(3), LumValue(textAt(4)));
         if (question == "setPNS") element.setAttributeNS(named(2), named(3), named(4), LumValue(textAt(5)));
         if (question == "removeAttribute") element.removeAttribute(named(2));
@@ -277,8 +290,8 @@ private:
             EXPECT_TRUE(!out || (out->getRefCount() == 1 && !static_cast<LumAttr&>(*out).getOwnerElement()));
             return out ? utf8(out->getText()) : "none";
         }
-        EXPECT_TRUE(question == "many" || question.starts_with("set") || question == "removeAttribute" ||
-                    question == "takeNS");
+        EXPECT_TRUE(question == "many" || question.starts_with("set") || question.starts_with("parse") ||
+                    question == "removeAttribute" || question == "takeNS");
         return "";
     }
 

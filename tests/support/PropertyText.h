@@ -3,8 +3,11 @@
 #include <lumcommon/core/Text.h>
 
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/Utf8.h"
 
 namespace LumTest {
 
@@ -18,17 +21,10 @@ inline std::vector<PropertyText> readPropertyTexts(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
     for (std::string line; std::getline(in, line);) {
         std::string columns[4];
-        std::size_t column = 0;
-        for (std::size_t i = 0; i < line.size(); ++i) {
-            if (line[i] == '\t' && column < 3) {
-                ++column;
-            } else if (line[i] == '\\' && column < 2 && i + 1 < line.size()) {
-                const char escaped = line[++i];
-                columns[column] += escaped == 't' ? '\t' : escaped == 'n' ? '\n' : escaped;
-            } else {
-                columns[column] += line[i];
-            }
-        }
+        std::istringstream fields(line);
+        for (std::string& column : columns) std::getline(fields, column, '\t');
+        for (std::string* column : {&columns[0], &columns[1]})
+            *column = utf8(icu::UnicodeString::fromUTF8(*column).unescape());
         rows.push_back({columns[0], columns[1], columns[2], columns[3]});
     }
     return rows;
