@@ -101,6 +101,19 @@ std::string walk(LumNode* root, int mode) {
     return labels;
 }
 
+/// A text that answers line 7, line -1, or a number of lines more than other texts do.
+class PlacedText : public LumTextNode {
+public:
+    PlacedText(LumDocument* document, char rule) : LumTextNode(document, u"t"), rule_(rule) {}
+    int getSourceLineNumber() const override {
+        if (rule_ == '7' || rule_ == '-') return rule_ == '7' ? 7 : -1;
+        return LumTextNode::getSourceLineNumber() + (rule_ == '+' ? 10 : 0);
+    }
+
+private:
+    char rule_;
+};
+
 /// Documents, the nodes that rows keep, and what the next step does with them.
 class Steps {
 public:
@@ -181,6 +194,7 @@ private:
         if (question == "uriOf") return show(node.lookupNamespaceUri(named(2)));
         if (question == "prefixOf") return show(node.lookupPrefix(named(2)));
         if (question == "isDefault") return node.isDefaultNamespace(named(2)) ? "yes" : "no";
+        if (question == "qualified") return utf8(LumXmlUtil::makeNSQNameStr(textAt(2), textAt(3)));
         if (question == "uri") return show(node.getNamespaceUri());
         if (question == "kind") return number(node.getNodeType()) + " " + utf8(node.getNodeName().getString());
         if (question == "isBlock") return node.isBlock() ? "yes" : "no";
@@ -206,6 +220,8 @@ private:
         if (question == "tagsNS") return show(*node.getElementsByTagNameNS(named(2), named(3)));
         if (question == "walk") return walk(&node, std::stoi(words_[2]));
         if (question == "xml") return utf8(document_->saveXml(&node == document_.get() ? node.getFirstChild() : &node));
+        if (question == "line") return number(node.getSourceLineNumber());
+        if (question == "column") return number(node.getSourceColumnNumber());
         // Documents
         if (question == "abort") return document.abort(), "";
         if (question == "parserDepth") return number(document.getParser()->getDepth());
@@ -227,7 +243,9 @@ private:
         if (question == "elementNS") return keep(document.createElementNS(named(2), named(3)).get());
         if (question == "attribute") return keep(document.createAttribute(named(2)).get());
         if (question == "attributeNS") return keep(document.createAttributeNS(named(2), named(3)).get());
+        if (question == "placed") return keep(LumPtr<LumNode>(new PlacedText(document_.get(), words_[2][0])).get());
         // Changes
+        if (question == "setLine") return node.setSourceLineNumber(std::stoi(words_[2])), "";
         if (question == "append") return keep(node.appendChild(nodeAt(2).get()));
         if (question == "insert") return keep(node.insertBefore(nodeAt(2).get(), nodeAt(3).get()));
         if (question == "replace") return keep(node.replaceChild(nodeAt(2).get(), nodeAt(3).get()).get());
@@ -410,41 +428,6 @@ TEST(LumNode, iteratorsStartAfterTheGivenNode) {
     LumTreeIterator none(nullptr, LumTreeIterator::ENTER);
     EXPECT_EQ(none.nextNode(), nullptr);
     EXPECT_FALSE(none.hasNextNode() || none.hasPreviousNode());
-}
-
-/// A text that answers line 7, line -1, or a number of lines more than other texts do.
-class PlacedText : public LumTextNode {
-public:
-    PlacedText(LumDocument* document, char rule) : LumTextNode(document, u"t"), rule_(rule) {}
-    int getSourceLineNumber() const override {
-        if (rule_ == '7' || rule_ == '-') return rule_ == '7' ? 7 : -1;
-        return LumTextNode::getSourceLineNumber() + (rule_ == '+' ? 10 : 0);
-    }
-
-private:
-    char rule_;
-};
-
-TEST(LumNode, othersAnswerWithThePositionBeforeOrAround) {
-    for (const std::vector<std::string>& row : readEscapedRows("dom/positions.txt", 3)) {
-        SCOPED_TRACE(row[2]);
-        const LumPtr<LumDocument> document = load("<r id=''/>");
-        LumElement* const root = document->getDocumentElement();
-        for (const char kind : row[0]) {
-            if (kind == 'e' || kind == 'u') {
-                root->appendChild(document->createElement(NAME_block).get())->setSourceLineNumber(kind == 'e' ? 5 : -1);
-            } else {
-                root->appendChild(LumPtr<LumNode>(new PlacedText(document.get(), kind)).get());
-            }
-        }
-        LumNode* const last = root->appendChildText(u"t");
-        last->setSourceLineNumber(9);  // texts store none
-        EXPECT_EQ(std::to_string(last->getSourceLineNumber()), row[1]);
-        EXPECT_EQ(last->getSourceColumnNumber(), root->getSourceColumnNumber()) << "columns are looked up on their own";
-        EXPECT_EQ(root->getAttributes()->getFirstNode()->getSourceLineNumber(), 1);
-        EXPECT_EQ(document->getSourceLineNumber(), -1);
-        EXPECT_EQ(root->cloneNode(true)->getSourceColumnNumber(), -1);
-    }
 }
 
 }  // namespace

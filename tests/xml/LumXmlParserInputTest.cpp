@@ -65,9 +65,13 @@ TEST(LumXmlParserInput, answersAsTheSessionsTell) {
             }
             if (command == "isOn") told << parser->getFeature(static_cast<LumXmlParser::Feature>(number()));
             if (command == "define") parser->defineEntityReplacementText(named(first), fromUtf8(second));
-            if (command == "input") {
+            if (command == "input" || command == "root") {
                 auto next = std::make_unique<PieceStream>(argument);
-                parser->setInput(*next, UnicodeString(), base);
+                if (command == "root") {
+                    parser = LumXmlUtil::getRootParser(*next, u"Text/HTML", u".HTM");
+                } else {
+                    parser->setInput(*next, UnicodeString(), base);
+                }
                 in = std::move(next);
             }
             if (command == "resource") library.add(first, second);
