@@ -90,16 +90,6 @@ TEST_F(SharedNames, everyNameOfAVocabularyIsFoundAndNoNeighbourOfIt) {
         [](int id) { return MathMLName(static_cast<MathMLNameEnum>(id)).toName().getString(); });
 }
 
-TEST_F(SharedNames, tellingNamesHaveTheirIdentifiers) {
-    LumTest::checkRows(
-        "names/names.txt",
-        {{"builtin", [](const Fields& f) { return std::to_string(LumNameTable::getBuiltinNameEnum(f[0])); }},
-         {"vocabularies", [](const Fields& f) {
-              const LumName name(f[0]);
-              return std::to_string(SVGName(name).getEnum()) + " " + std::to_string(MathMLName(name).getEnum());
-          }}});
-}
-
 /// From a text that changes afterwards.
 std::string intern(const Fields& fields) {
     std::u16string buffer(fields[0].getBuffer(), static_cast<std::size_t>(fields[0].length()));
@@ -115,8 +105,11 @@ TEST_F(SharedNames, areGivenOutKeptAndForgottenAsTheRowsTell) {
     const auto id = [](const Fields& f) { return nameOf(static_cast<unsigned>(std::stoul(utf8(f[0]), nullptr, 0))); };
     const auto doing = [](auto action) { return [action](const Fields&) { return action(), std::string(); }; };
     LumTest::checkRows(
-        "names/tables.txt",
-        {{"intern", intern},
+        "names/names.txt",
+        {{"builtin", [](const Fields& f) { return std::to_string(LumNameTable::getBuiltinNameEnum(f[0])); }},
+         {"svg", [](const Fields& f) { return std::to_string(SVGName(LumName(f[0])).getEnum()); }},
+         {"mathml", [](const Fields& f) { return std::to_string(MathMLName(LumName(f[0])).getEnum()); }},
+         {"intern", intern},
          {"text", [&](const Fields& f) { return utf8(LumNameTable::getSharedNameString(id(f))); }},
          {"last", [](const Fields&) { return std::to_string(last()); }},
          {"ownIntern", [&](const Fields& f) { return std::to_string(own.getNameEnum(f[0])); }},

@@ -31,7 +31,6 @@ using LumCommon::UnicodeString;
 inline UnicodeString fromUtf8(std::string_view text) {
     return UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
 }
-inline std::string toUtf8(const UnicodeString& text) { return utf8(text); }
 inline std::string hexadecimal(unsigned number) {
     char digits[16];
     std::snprintf(digits, sizeof digits, "%04X", number);
@@ -70,9 +69,9 @@ struct EventRecord {
 };
 
 inline std::string showName(LumName prefix, LumName name, LumName uri) {
-    std::string shown = uri.isNull() ? "" : "{" + toUtf8(uri.getString()) + "}";
-    if (!prefix.isNull()) shown += toUtf8(prefix.getString()) + ":";
-    return shown + toUtf8(name.getString());
+    std::string shown = uri.isNull() ? "" : "{" + utf8(uri.getString()) + "}";
+    if (!prefix.isNull()) shown += utf8(prefix.getString()) + ":";
+    return shown + utf8(name.getString());
 }
 
 /// The event as text: type, depth and data, for instance
@@ -81,7 +80,7 @@ inline std::string showName(LumName prefix, LumName name, LumName uri) {
 ///     ENTITY_REF 1 amp "&#38;"
 inline std::string describe(const LumXmlParser& parser) {
     const LumXmlParser::EventType type = parser.getEventType();
-    std::string shown = toUtf8(LumXmlParser::getEventTypeStr(type)) + " " + std::to_string(parser.getDepth());
+    std::string shown = utf8(LumXmlParser::getEventTypeStr(type)) + " " + std::to_string(parser.getDepth());
     if (type == LumXmlParser::START_TAG || type == LumXmlParser::END_TAG) {
         shown += " " + showName(parser.getPrefix(), parser.getName(), parser.getNamespace());
         for (int i = 0; i < parser.getAttributeCount(); ++i) {
@@ -163,7 +162,7 @@ inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how
         setup.onErrorData = &story;
         setup.onError = [](const LumError& error, void* data) {
             auto& [records, parser] = *static_cast<Story*>(data);
-            const std::string event = toUtf8(LumXmlParser::getEventTypeStr(parser->getEventType()));
+            const std::string event = utf8(LumXmlParser::getEventTypeStr(parser->getEventType()));
             records.push_back({"told " + describe(error) + ", " + event, getPosition(*parser)});
             if (records.size() > 1000) throw LumError(error);
         };
@@ -182,12 +181,6 @@ inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how
     return story.records;
 }
 
-inline std::vector<std::string> getDescriptions(const std::vector<EventRecord>& records) {
-    std::vector<std::string> events;
-    for (const EventRecord& record : records) events.push_back(record.event);
-    return events;
-}
-
 /// Tags and text as they are read, without declarations of namespaces; an error by its code:
 ///     <{uri}name {uri}attribute='value'>text</{uri}name>!1837
 inline std::string tell(std::string_view document, const ParserSetup& setup = {}, std::size_t pieceBytes = wholeInput) {
@@ -197,7 +190,7 @@ inline std::string tell(std::string_view document, const ParserSetup& setup = {}
         const LumPtr<LumXmlParser> parser = openParser(in, setup);
         for (LumXmlParser::EventType type; (type = parser->next()) != LumXmlParser::END_DOCUMENT;) {
             const std::string name = showName(LumName(), parser->getName(), parser->getNamespace());
-            if (type == LumXmlParser::TEXT) told += toUtf8(parser->getText());
+            if (type == LumXmlParser::TEXT) told += utf8(parser->getText());
             if (type == LumXmlParser::END_TAG) told += "</" + name + ">";
             if (type != LumXmlParser::START_TAG) continue;
             told += "<" + name;
@@ -205,7 +198,7 @@ inline std::string tell(std::string_view document, const ParserSetup& setup = {}
                 const LumName uri = parser->getAttributeNamespace(i);
                 if (uri == LumName(LumCommon::NAME_NS_XMLNS)) continue;
                 told += " " + showName(LumName(), parser->getAttributeName(i), uri) + "='" +
-                        toUtf8(parser->getAttributeValue(i)) + "'";
+                        utf8(parser->getAttributeValue(i)) + "'";
             }
             told += ">";
         }
