@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/ReaderParts.h>
 #include <lumcommon/xml/detail/StreamType.h>
 #include <lumcommon/xml/detail/TagReader.h>
@@ -14,7 +15,7 @@ namespace LumCommon {
 ///     XmlParserImpl
 ///
 /// Each reader knows one kind of markup and is given the parts below it that it needs (detail/ReaderParts.h).
-class XmlParserImpl : public LumXmlParser {
+class XmlParserImpl final : public LumXmlParser {
 public:
     static constexpr unsigned int TYPE_ID = 0x5C58F35Au;
 
@@ -68,6 +69,21 @@ public:
     void addMathMLEntityMap() override { parts_.entities.addMathML(); }
     bool isXhtmlType() const override { return streamType_.isXhtml(tags_.rootName(), tags_.rootNamespace()); }
     bool isHtmlType() const override { return streamType_.isHtml(tags_.rootName(), tags_.rootNamespace()); }
+
+    // The current event without copies: the same answers as the accessors above give, but not checked against the
+    // event.
+
+    /// Of START_TAG and END_TAG.
+    detail::TagView tagView() const noexcept {
+        const NamespaceManager::NSScope& element = tags_.namespaces().getInnermostScope();
+        return {element.prefix, element.localName, element.namespaceUri};
+    }
+    /// Of START_TAG.
+    std::size_t attributeViewCount() const noexcept { return tags_.attributes().size(); }
+    /// @param index  below attributeViewCount().
+    detail::AttributeView attributeView(std::size_t index) const noexcept { return tags_.attributes().view(index); }
+    /// Of every event but tags and ENTITY_REF.
+    std::u16string_view textView() const noexcept { return parts_.event.textView(); }
 
 private:
     std::unique_ptr<detail::XmlInput> prepareInput(const UnicodeString& encoding);  // in place of the one before

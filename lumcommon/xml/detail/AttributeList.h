@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
 
@@ -34,6 +35,13 @@ public:
     std::size_t size() const noexcept { return attributes_.size(); }
     Attribute& operator[](std::size_t index) noexcept { return attributes_[index]; }
     const Attribute& operator[](std::size_t index) const noexcept { return attributes_[index]; }
+    AttributeView view(std::size_t index) const noexcept {
+        const Attribute& attribute = attributes_[index];
+        return {attribute.name.prefix,
+                attribute.name.localName,
+                attribute.namespaceUri,
+                {text_.data() + attribute.valueStart, attribute.valueSize}};
+    }
     /// The reference is valid until the list is cleared.
     const UnicodeString& value(std::size_t index) const;
 

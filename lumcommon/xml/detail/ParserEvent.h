@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace LumCommon::detail {
 
@@ -54,9 +55,11 @@ public:
     }
     /// Before the next character of the text is written by hand.
     void forgetView() noexcept { isViewed_ = false; }
+    /// Valid until the next event is read.
+    std::u16string_view textView() const noexcept { return {text.data() + start(), text.size() - start()}; }
     bool isWhitespace() const noexcept {
-        const char16_t* const units = text.data();
-        return std::all_of(units + start(), units + text.size(), [](char16_t unit) { return isXmlSpace(unit); });
+        const std::u16string_view units = textView();
+        return std::all_of(units.begin(), units.end(), [](char16_t unit) { return isXmlSpace(unit); });
     }
 
     /// The text as a string, once one of the functions below has made it.
