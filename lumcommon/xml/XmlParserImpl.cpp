@@ -49,12 +49,10 @@ const UnicodeString& XmlParserImpl::getText() const {
     return parts_.event.view();
 }
 
-LumName XmlParserImpl::getNamespace() const {
-    return isTag() ? tags_.namespaces().getInnermostScope().namespaceUri : LumName();
-}
+LumName XmlParserImpl::getNamespace() const { return isTag() ? tags_.element().namespaceUri : LumName(); }
 
 LumName XmlParserImpl::getName() const {
-    if (isTag()) return tags_.namespaces().getInnermostScope().localName;
+    if (isTag()) return tags_.element().localName;
     if (parts_.event.type != ENTITY_REF) return LumName();
     if (!parts_.event.entityName.isNull()) return parts_.event.entityName;
     char name[16];
@@ -62,7 +60,7 @@ LumName XmlParserImpl::getName() const {
     return LumName(UnicodeString(name, size, US_INV));
 }
 
-LumName XmlParserImpl::getPrefix() const { return isTag() ? tags_.namespaces().getInnermostScope().prefix : LumName(); }
+LumName XmlParserImpl::getPrefix() const { return isTag() ? tags_.element().prefix : LumName(); }
 
 bool XmlParserImpl::isEmptyElementTag() const {
     if (parts_.event.type != START_TAG) {

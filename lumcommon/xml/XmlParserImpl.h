@@ -42,10 +42,10 @@ public:
     void defineEntityReplacementText(LumName name, const UnicodeString& text) override {
         parts_.entities.define(name, text, !parts_.inputs.isOpen());
     }
-    int getNamespaceCount(int depth) const override { return tags_.namespaces().getNamespaceCount(depth); }
-    LumName getNamespacePrefix(int index) const override { return tags_.namespaces().getNamespacePrefix(index); }
-    LumName getNamespaceUri(int index) const override { return tags_.namespaces().getNamespaceUri(index); }
-    LumName getNamespace(LumName prefix) const override { return tags_.namespaces().lookupNamespace(prefix); }
+    int getNamespaceCount(int depth) const override { return tags_.namespaceCount(depth); }
+    LumName getNamespacePrefix(int index) const override { return tags_.namespacePrefix(index); }
+    LumName getNamespaceUri(int index) const override { return tags_.namespaceUri(index); }
+    LumName getNamespace(LumName prefix) const override { return tags_.lookupNamespace(prefix); }
     int getDepth() const override { return tags_.depth(); }
     UnicodeString getPositionDescription() const override { return parts_.errors.describePosition(); }
     int getLineNumber() const override { return parts_.inputs.position().line; }
@@ -74,10 +74,7 @@ public:
     // event.
 
     /// Of START_TAG and END_TAG.
-    detail::TagView tagView() const noexcept {
-        const NamespaceManager::NSScope& element = tags_.namespaces().getInnermostScope();
-        return {element.prefix, element.localName, element.namespaceUri};
-    }
+    const detail::TagView& tagView() const noexcept { return tags_.element(); }
     /// Of START_TAG.
     std::size_t attributeViewCount() const noexcept { return tags_.attributes().size(); }
     /// @param index  below attributeViewCount().

@@ -15,8 +15,9 @@ namespace LumCommon::detail {
 struct Attribute {
     QName name;
     LumName namespaceUri;
-    std::size_t valueStart;  // in the text of the list
-    std::size_t valueSize;
+    std::uint32_t valueStart;  // in the text of the list
+    std::uint32_t valueSize;
+    const CachedName* written;  // null where the cache does not know the name
 };
 
 /// The attributes of one start tag. Their values lie one after the other in one buffer.
@@ -27,7 +28,7 @@ public:
         text_.clear();
         viewCount_ = 0;
     }
-    void add(const Attribute& attribute) { attributes_.push_back(attribute); }
+    Attribute& add(const Attribute& attribute) { return attributes_.emplace_back(attribute); }
     /// The values; what is appended becomes the value of the attribute that is added next.
     UnitBuffer& text() noexcept { return text_; }
 

@@ -43,7 +43,11 @@ const CachedName* NameCache::add(const char16_t* text, std::size_t size, LumName
         }
     }
     const char16_t* const kept = keep(text, size);
-    names_.push_back({kept, static_cast<std::uint32_t>(size), prefix, localName, nullptr});
+    names_.push_back({.units = kept,
+                      .size = static_cast<std::uint32_t>(size),
+                      .prefix = prefix,
+                      .localName = localName,
+                      .bindsPrefix = bindsPrefix(prefix, localName)});
     insert({hash(text, size), &names_.back()});
     return &names_.back();
 }

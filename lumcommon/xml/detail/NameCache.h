@@ -12,15 +12,26 @@
 
 namespace LumCommon::detail {
 
+/// Whether an attribute of this name binds a prefix, or the default namespace.
+constexpr bool bindsPrefix(LumNameEnum prefix, LumNameEnum localName) noexcept {
+    return prefix == NAME_xmlns || (prefix == NAME_NULL && localName == NAME_xmlns);
+}
+
 /// A qualified name as it stands in the text, with its interned parts.
 struct CachedName {
     const char16_t* units;
     std::uint32_t size;  // units
     LumNameEnum prefix;
     LumNameEnum localName;
+    bool bindsPrefix;
     // The name that came after this one last time. Documents repeat themselves: comparing with a good guess is cheaper
     // than finding the end of a name and hashing it.
     mutable const CachedName* following = nullptr;
+    // Notes of the reader of tags: the namespace of the prefix while the bindings are those of that number, and the
+    // last tag that had an attribute of this name.
+    mutable std::uint64_t bindings = 0;
+    mutable std::uint64_t lastTag = 0;
+    mutable LumNameEnum namespaceUri = NAME_NULL;
 
     /// Whether `size` units at `text` are this name.
     bool matches(const char16_t* text) const noexcept {

@@ -78,26 +78,11 @@ bool NameReader::readQName(QName& name) {
 const CachedName* NameReader::readQNameFast() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const start = cursor.cur;
-    const CachedName* const guess = last_ ? last_->following : nullptr;
-    if (guess && static_cast<std::size_t>(cursor.end - start) > guess->size && guess->matches(start)) {
-        const char16_t* const end = start + guess->size;
-        if (*end < 128 && !isQNameUnit(*end)) {
-            cursor.cur = end;
-            cursor.touch(end + 1);
-            return last_ = guess;
-        }
+    if (const CachedName* const name = match(start, cursor.end)) {
+        cursor.cur = start + name->size;
+        cursor.touch(cursor.cur + 1);
+        return name;
     }
-    const CachedName* const name = findQName();
-    if (name) {
-        if (last_) last_->following = name;
-        last_ = name;
-    }
-    return name;
-}
-
-const CachedName* NameReader::findQName() {
-    XmlCursor& cursor = inputs_.cursor();
-    const char16_t* const start = cursor.cur;
     const char16_t* p = start;
     while (p != cursor.end && isQNameUnit(*p)) ++p;
     if (p == cursor.end || U16_IS_SURROGATE(*p) || p == start) return nullptr;
@@ -113,7 +98,7 @@ const CachedName* NameReader::findQName() {
     }
     cursor.cur = p;
     cursor.touch(p + 1);
-    return name;
+    return follow(name);
 }
 
 }  // namespace LumCommon::detail

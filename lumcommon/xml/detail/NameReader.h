@@ -25,16 +25,33 @@ public:
     UnicodeString readNCNameText();
     /// False when a part of the name is missing.
     bool readQName(QName& name);
+    /// A name seen before that begins at `p` and is followed, before `end`, by what ends a name in most tags; null when
+    /// a look at that does not settle it. Reads nothing.
+    const CachedName* match(const char16_t* p, const char16_t* end) noexcept {
+        if (const CachedName* const guess = last_->following;
+            guess && static_cast<std::size_t>(end - p) > guess->size && guess->matches(p)) {
+            const char16_t next = p[guess->size];
+            if (next == '=' || next == '>' || next == '/' || next <= ' ') return last_ = guess;
+        }
+        const char16_t* const nameEnd = findNameEnd(p, end);
+        if (nameEnd == end) return nullptr;
+        const CachedName* const name = cache_.find(p, static_cast<std::size_t>(nameEnd - p));
+        return name ? follow(name) : nullptr;
+    }
     /// A name that lies in the window as a whole; null, and nothing read, when it takes more than a look at the window.
     const CachedName* readQNameFast();
 
 private:
     void scanNCName();
-    const CachedName* findQName();
+    const CachedName* follow(const CachedName* name) noexcept {
+        last_->following = name;
+        return last_ = name;
+    }
 
     InputStack& inputs_;
     NameCache cache_;
-    const CachedName* last_ = nullptr;
+    const CachedName first_{};  // stands before the first name
+    const CachedName* last_ = &first_;
     UnitBuffer buffer_;
 };
 

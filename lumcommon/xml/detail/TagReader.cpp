@@ -39,19 +39,60 @@ void TagReader::reset() {
     isRootSeen_ = false;
     rootName_ = rootNamespace_ = LumName();
     attributes_.clear();
-    openNames_.clear();
     while (namespaces_->popScope()) {
     }
     if (namespaces_->hasNamespace(NAME_xlink)) {  // by bindDocType()
         namespaces_->removeNamespace(LumName(), nameOf(svgNamespace));
         namespaces_->removeNamespace(NAME_xlink, nameOf(xlinkNamespace));
     }
+    open_.resize(1);
+    open_.back().bindings = ++bindingsCount_;
 }
 
 void TagReader::bindDocType(const UnicodeString& publicId) {
     if (!publicId.startsWith(svgPublicId)) return;
-    namespaces_->addNamespace(LumName(), nameOf(svgNamespace));
-    namespaces_->addNamespace(NAME_xlink, nameOf(xlinkNamespace));
+    bind(LumName(), nameOf(svgNamespace));
+    bind(NAME_xlink, nameOf(xlinkNamespace));
+}
+
+inline bool TagReader::bindsOwn() const noexcept {
+    return open_.size() == 1 || open_.back().scopes != open_[open_.size() - 2].scopes;
+}
+
+void TagReader::bind(LumName prefix, LumName uri) {
+    if (namespaces_->lookupNamespace(prefix) == uri) return;
+    OpenElement& element = open_.back();
+    if (!bindsOwn()) {
+        namespaces_->pushScope();
+        ++element.scopes;
+    }
+    element.bindings = ++bindingsCount_;
+    namespaces_->addNamespace(prefix, uri);
+}
+
+int TagReader::namespaceCount(int depth) const {
+    if (depth < 0 || depth > this->depth()) return 0;
+    const auto i = static_cast<std::size_t>(depth);
+    const int scopes = open_[i].scopes;
+    return i > 0 && scopes == open_[i - 1].scopes ? 0 : namespaces_->getNamespaceCount(scopes);
+}
+
+LumName TagReader::namespacePrefix(int index) const {
+    return bindsOwn() ? namespaces_->getNamespacePrefix(index) : LumName();
+}
+
+LumName TagReader::namespaceUri(int index) const {
+    return bindsOwn() ? namespaces_->getNamespaceUri(index) : LumName();
+}
+
+/// The namespace that the prefix of the name is bound to.
+inline LumName TagReader::namespaceOf(const CachedName& name) const {
+    const std::uint64_t bindings = open_.back().bindings;
+    if (name.bindings != bindings) {
+        name.namespaceUri = namespaces_->lookupNamespace(name.prefix).getEnum();
+        name.bindings = bindings;
+    }
+    return name.namespaceUri;
 }
 
 void TagReader::readStartTag() {
@@ -72,91 +113,115 @@ void TagReader::readStartTag() {
         if (!names_.readQName(name)) errors_.report(XmlError::StartTagName);
     }
     if (!isRootSeen_) rootName_ = name.localName;
-    namespaces_->pushScope();
-    openNames_.push_back(cached);
+    // The tag has its names once they are resolved.
+    const OpenElement& parent = open_.back();
+    open_.push_back({{}, cached, parent.scopes, parent.bindings});
     attributes_.clear();
     readAttributes();
     finishStartTag();
     if (depth() == 1) bindRootNamespaces(name.localName);
-    const LumName namespaceUri = namespaces_->lookupNamespace(name.prefix);
-    if (!isRootSeen_) rootNamespace_ = namespaceUri;
-    if (namespaceUri.isNull() && !name.prefix.isNull()) {
-        errors_.report(XmlError::UndeclaredPrefix, name.prefix.getString());
-    }
-    namespaces_->setElement(name.prefix, name.localName, namespaceUri);
+    const LumName uri = cached ? namespaceOf(*cached) : namespaces_->lookupNamespace(name.prefix);
+    if (!isRootSeen_) rootNamespace_ = uri;
+    if (uri.isNull() && !name.prefix.isNull()) errors_.report(XmlError::UndeclaredPrefix, name.prefix.getString());
+    open_.back().names = {name.prefix, name.localName, uri};
     isRootSeen_ = true;
-    if (!attributes_.empty()) resolveAttributes();
-}
-
-inline bool TagReader::isAtTagEnd() noexcept {
-    const XmlCursor& cursor = inputs_.cursor();
-    return cursor.cur != cursor.end && (*cursor.cur == '>' || *cursor.cur == '/');
+    if (hasPrefixes_ || mayRepeat_) resolveAttributes();
 }
 
 void TagReader::readAttributes() {
-    for (;;) {
-        // Most tags end directly after a name or a value.
-        if (isAtTagEnd()) {
-            inputs_.cursor().touch(inputs_.cursor().cur + 1);
-            return;
-        }
+    ++tagCount_;
+    mayRepeat_ = hasPrefixes_ = false;
+    while (!readPlainAttributes()) {
         if (!inputs_.skipWhitespace()) return;
-        if (isAtTagEnd()) return;
+        if (inputs_.isNext(u'>') || inputs_.isNext(u'/')) return;
         readAttribute();
     }
 }
 
-void TagReader::readAttribute() {
-    Attribute attribute{};
-    if (const CachedName* const name = names_.readQNameFast()) {
-        attribute.name = {name->prefix, name->localName};
-    } else if (!names_.readQName(attribute.name)) {
-        errors_.report(XmlError::AttributeName, literals_.read(LiteralType::Offending));
-    }
-    if (inputs_.isNext(u'=')) {
-        inputs_.readChar();
+inline Attribute& TagReader::addAttribute(const QName& name, const CachedName* written, std::size_t valueStart,
+                                          std::size_t valueSize) {
+    if (written && written->lastTag != tagCount_) {
+        written->lastTag = tagCount_;
     } else {
-        inputs_.skipWhitespace();
-        const std::int32_t c = inputs_.readChar();
-        if (c != '=') {
-            inputs_.unreadChar(c);
-            errors_.report(XmlError::AttributeEquals);
-        }
+        mayRepeat_ = true;
     }
-    UnitBuffer& text = attributes_.text();
-    attribute.valueStart = text.size();
-    if (!readValueFast()) {
-        inputs_.skipWhitespace();
-        literals_.read(LiteralType::Attribute, text);
-    }
-    attribute.valueSize = text.size() - attribute.valueStart;
-    const bool isDefault = attribute.name.prefix.isNull() && attribute.name.localName == NAME_xmlns;
-    if (isDefault || attribute.name.prefix == NAME_xmlns) {
-        const LumName uri(internName(text.data() + attribute.valueStart, attribute.valueSize));
-        namespaces_->addNamespace(isDefault ? LumName() : attribute.name.localName, uri);
-        attribute.namespaceUri = NAME_NS_XMLNS;
-    }
-    attributes_.add(attribute);
+    hasPrefixes_ |= !name.prefix.isNull();
+    return attributes_.add(
+        {name, LumName(), static_cast<std::uint32_t>(valueStart), static_cast<std::uint32_t>(valueSize), written});
 }
 
-bool TagReader::readValueFast() {
+bool TagReader::readPlainAttributes() {
     XmlCursor& cursor = inputs_.cursor();
-    const char16_t* p = cursor.cur;
     const char16_t* const end = cursor.end;
-    if (p == end || (*p != '"' && *p != '\'')) return false;
-    const char16_t delimiter = *p++;
-    const char16_t* const start = p;
-    p = findValueEnd(p, end, delimiter);
-    if (p == end || *p != delimiter) return false;
-    const auto size = static_cast<std::size_t>(p - start);
-    if (size <= maxShortValueUnits && inputs_.hasSlack()) {
-        attributes_.text().appendShort(start, size);
-    } else {
-        attributes_.text().append(start, size);
+    const char16_t* p = cursor.cur;  // after a name or a value
+    const bool hasSlack = inputs_.hasSlack();
+    bool isAtEnd = false;
+    for (;;) {
+        const char16_t* q = p;
+        while (q != end && isXmlSpace(*q)) ++q;
+        if (q == end) break;
+        if (*q == '>' || *q == '/') {
+            p = q;
+            isAtEnd = true;
+            break;
+        }
+        const CachedName* const name = q != p ? names_.match(q, end) : nullptr;
+        if (!name) break;
+        q += name->size;
+        if (*q != '=' || end - q < 2) break;
+        const char16_t delimiter = *++q;
+        if (delimiter != '"' && delimiter != '\'') break;
+        const char16_t* const value = ++q;
+        q = findValueEnd(q, end, delimiter);
+        if (q == end || *q != delimiter) break;
+        const auto size = static_cast<std::size_t>(q - value);
+        UnitBuffer& text = attributes_.text();
+        Attribute& attribute = addAttribute({name->prefix, name->localName}, name, text.size(), size);
+        if (size <= maxShortValueUnits && hasSlack) {
+            text.appendShort(value, size);
+        } else {
+            text.append(value, size);
+        }
+        p = q + 1;
+        if (name->bindsPrefix) {
+            cursor.cur = p;
+            cursor.touch(p);
+            bindDeclaration(attribute);
+        }
     }
-    cursor.cur = p + 1;
-    cursor.touch(cursor.cur);
-    return true;
+    cursor.cur = p;
+    cursor.touch(p + (isAtEnd ? 1 : 0));
+    return isAtEnd;
+}
+
+void TagReader::readAttribute() {
+    QName name;
+    const CachedName* const cached = names_.readQNameFast();
+    if (cached) {
+        name = {cached->prefix, cached->localName};
+    } else if (!names_.readQName(name)) {
+        errors_.report(XmlError::AttributeName, literals_.read(LiteralType::Offending));
+    }
+    inputs_.skipWhitespace();
+    const std::int32_t c = inputs_.readChar();
+    if (c != '=') {
+        inputs_.unreadChar(c);
+        errors_.report(XmlError::AttributeEquals);
+    }
+    inputs_.skipWhitespace();
+    UnitBuffer& text = attributes_.text();
+    const std::size_t start = text.size();
+    literals_.read(LiteralType::Attribute, text);
+    Attribute& attribute = addAttribute(name, cached, start, text.size() - start);
+    if (bindsPrefix(name.prefix.getEnum(), name.localName.getEnum())) bindDeclaration(attribute);
+}
+
+void TagReader::bindDeclaration(Attribute& attribute) {
+    const UnitBuffer& text = attributes_.text();
+    const LumName uri(internName(text.data() + attribute.valueStart, attribute.valueSize));
+    bind(attribute.name.prefix.isNull() ? LumName() : attribute.name.localName, uri);
+    attribute.namespaceUri = NAME_NS_XMLNS;
+    hasPrefixes_ = true;  // in effect
 }
 
 void TagReader::finishStartTag() {
@@ -181,14 +246,30 @@ void TagReader::bindRootNamespaces(LumName localName) {
     const bool isSvg = localName == NAME_svg;
     if (!isSvg && localName != NAME_chart) return;
     if (namespaces_->lookupNamespace(LumName()).isNull()) {
-        namespaces_->addNamespace(LumName(), nameOf(isSvg ? svgNamespace : chartNamespace));
+        bind(LumName(), nameOf(isSvg ? svgNamespace : chartNamespace));
     }
     if (namespaces_->lookupNamespace(NAME_xlink).isNull()) {
-        namespaces_->addNamespace(NAME_xlink, nameOf(xlinkNamespace));
+        bind(NAME_xlink, nameOf(xlinkNamespace));
     }
 }
 
 void TagReader::resolveAttributes() {
+    // Different names as written are different attributes, unless two prefixes stand for one namespace.
+    bool needsCheck = mayRepeat_;
+    const Attribute* qualified = nullptr;
+    for (std::size_t i = 0; i < attributes_.size() && !needsCheck; ++i) {
+        Attribute& attribute = attributes_[i];
+        if (attribute.namespaceUri.isNull()) {
+            if (attribute.name.prefix.isNull()) continue;
+            attribute.namespaceUri = namespaceOf(*attribute.written);
+        }
+        needsCheck = attribute.namespaceUri.isNull() || (qualified && qualified->name.prefix != attribute.name.prefix);
+        qualified = &attribute;
+    }
+    if (needsCheck) checkAttributes();
+}
+
+void TagReader::checkAttributes() {
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         Attribute& attribute = attributes_[i];
         const LumName prefix = attribute.name.prefix;
@@ -216,7 +297,7 @@ std::size_t TagReader::findAttribute(LumName namespaceUri, LumName localName) co
 }
 
 bool TagReader::readEndTagFast() {
-    const CachedName* const open = openNames_.empty() ? nullptr : openNames_.back();
+    const CachedName* const open = open_.back().written;
     XmlCursor& cursor = inputs_.cursor();
     if (!open || static_cast<std::size_t>(cursor.end - cursor.cur) <= open->size) return false;
     const char16_t* const end = cursor.cur + open->size;
@@ -238,7 +319,7 @@ void TagReader::readEndTag() {
     }
     QName name;
     if (!names_.readQName(name)) errors_.report(XmlError::EndTagName);
-    const NamespaceManager::NSScope& open = namespaces_->getInnermostScope();
+    const TagView& open = element();
     if (name.prefix != open.prefix || name.localName != open.localName) {
         errors_.report(XmlError::EndTagMismatch, name.toString(), QName{open.prefix, open.localName}.toString());
     }
@@ -248,8 +329,9 @@ void TagReader::readEndTag() {
 }
 
 void TagReader::closeElement() {
-    namespaces_->popScope();
-    if (!openNames_.empty()) openNames_.pop_back();
+    if (depth() == 0) return;
+    if (bindsOwn()) namespaces_->popScope();
+    open_.pop_back();
 }
 
 }  // namespace LumCommon::detail

@@ -2,8 +2,10 @@
 
 #include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/xml/detail/AttributeList.h>
+#include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/NameReader.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace LumCommon::detail {
@@ -35,21 +37,40 @@ public:
     std::size_t findAttribute(LumName namespaceUri, LumName localName) const;
     /// Of the last start tag.
     const AttributeList& attributes() const noexcept { return attributes_; }
-    const NamespaceManager& namespaces() const noexcept { return *namespaces_; }
     /// The number of open elements.
-    int depth() const noexcept { return namespaces_->getScopeDepth(); }
+    int depth() const noexcept { return static_cast<int>(open_.size()) - 1; }
+    /// The names of the innermost element; null names outside of all elements.
+    const TagView& element() const noexcept { return open_.back().names; }
+    /// The number of prefixes bound by the element at that depth, and those of the innermost one by index.
+    int namespaceCount(int depth) const;
+    LumName namespacePrefix(int index) const;
+    LumName namespaceUri(int index) const;
+    LumName lookupNamespace(LumName prefix) const { return namespaces_->lookupNamespace(prefix); }
     bool isRootSeen() const noexcept { return isRootSeen_; }
     LumName rootName() const noexcept { return rootName_; }
     LumName rootNamespace() const noexcept { return rootNamespace_; }
 
 private:
-    bool isAtTagEnd() noexcept;
+    struct OpenElement {
+        TagView names;
+        const CachedName* written;  // null where the cache does not know the name
+        int scopes;                 // of namespaces_ that are open in it
+        std::uint64_t bindings;     // a number that no other set of bindings has had
+    };
+
     void readAttributes();
+    bool readPlainAttributes();
     void readAttribute();
-    bool readValueFast();
+    Attribute& addAttribute(const QName& name, const CachedName* written, std::size_t valueStart,
+                            std::size_t valueSize);
+    void bindDeclaration(Attribute& attribute);
     void finishStartTag();
+    void bind(LumName prefix, LumName uri);
     void bindRootNamespaces(LumName localName);
+    bool bindsOwn() const noexcept;
+    LumName namespaceOf(const CachedName& name) const;
     void resolveAttributes();
+    void checkAttributes();
     bool readEndTagFast();
 
     ParserEvent& event_;
@@ -60,8 +81,12 @@ private:
     ErrorReporter& errors_;
 
     AttributeList attributes_;
-    LumPtr<NamespaceManager> namespaces_;
-    std::vector<const CachedName*> openNames_;  // as written; null where the cache does not know the name
+    bool mayRepeat_ = false;    // two attributes may have the same name as written
+    bool hasPrefixes_ = false;  // some attributes may be in a namespace
+    std::uint64_t tagCount_ = 0;
+    LumPtr<NamespaceManager> namespaces_;  // has a scope for each open element that binds a prefix
+    std::uint64_t bindingsCount_ = 0;
+    std::vector<OpenElement> open_{OpenElement{}};  // after one that stands for the document
     bool isRootSeen_ = false;
     LumName rootName_;
     LumName rootNamespace_;

@@ -24,6 +24,27 @@ inline const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t
     return p;
 }
 
+/// The first unit that ends a name in a tag of the usual form: "=", ">", "/", a blank or a control character; `end`
+/// when there is none. What stands before it need not be a name.
+inline const char16_t* findNameEnd(const char16_t* p, const char16_t* end) noexcept {
+#if defined(__SSE2__)
+    const __m128i slash = _mm_set1_epi16('/');
+    const __m128i equals = _mm_set1_epi16('=');
+    const __m128i greater = _mm_set1_epi16('>');
+    const __m128i blank = _mm_set1_epi16(' ');
+    const __m128i zero = _mm_setzero_si128();
+    for (; end - p >= 8; p += 8) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i isSpace = _mm_cmpeq_epi16(_mm_subs_epu16(v, blank), zero);
+        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, equals), _mm_cmpeq_epi16(v, greater)),
+                                          _mm_or_si128(_mm_cmpeq_epi16(v, slash), isSpace));
+        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits))) return p + __builtin_ctz(mask) / 2;
+    }
+#endif
+    while (p != end && *p != '=' && *p != '>' && *p != '/' && *p > ' ') ++p;
+    return p;
+}
+
 /// The first unit that ends a run of text: "<", "&", "]" or U+FFFF; `end` when there is none.
 inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexcept {
 #if defined(__SSE2__)
