@@ -102,6 +102,7 @@ InputStack::Frame& InputStack::pushFrame(Frame::Kind kind) {
     ++frameCount_;
     frame.isBarrier = false;
     cursor_ = {};
+    topStream_ = nullptr;
     if (kind == Frame::Stream) ++streamCount_;
     return frame;
 }
@@ -119,6 +120,7 @@ void InputStack::popFrame() {
         frame.text.remove();
     }
     cursor_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->cursor : XmlCursor();
+    topStream_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->input.get() : nullptr;
 }
 
 void InputStack::popTo(std::size_t depth) {
@@ -132,7 +134,8 @@ void InputStack::popToStreams(int count) {
 XmlInput& InputStack::pushStream(std::unique_ptr<XmlInput> input) {
     Frame& frame = pushFrame(Frame::Stream);
     frame.input = std::move(input);
-    return *frame.input;
+    topStream_ = frame.input.get();
+    return *topStream_;
 }
 
 bool InputStack::isWithinExpansionLimit(std::uint64_t moreUnits) {
@@ -203,7 +206,7 @@ const UnicodeString& InputStack::baseUri() const noexcept {
     return input ? input->baseUri : baseUri_;
 }
 
-TextPosition InputStack::position() const {
+TextPosition InputStack::findPosition() const {
     if (isStarted_ && frameCount_ > 0) position_ = positionOf(frameCount_ - 1);
     return position_;
 }

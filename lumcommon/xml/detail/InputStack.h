@@ -94,7 +94,7 @@ public:
         return false;
     }
     /// Whether the units after the window may be read, though they mean nothing.
-    bool hasSlack() const noexcept { return frames_[frameCount_ - 1]->kind == Frame::Stream; }
+    bool hasSlack() const noexcept { return topStream_ != nullptr; }
 
     // Frames
 
@@ -129,7 +129,10 @@ public:
     const UnicodeString& systemId() const noexcept;
     const UnicodeString& baseUri() const noexcept;
     /// -1 and -1 before the document has begun.
-    TextPosition position() const;
+    TextPosition position() const {
+        if (topStream_ && isStarted_) return position_ = topStream_->getPosition(cursor_);
+        return findPosition();
+    }
 
 private:
     struct Frame {
@@ -148,11 +151,13 @@ private:
     void closeFrames() { popTo(0); }
     std::int32_t readCharSlow();
     bool isWithinExpansionLimit(std::uint64_t moreUnits);
+    TextPosition findPosition() const;
     TextPosition positionOf(std::size_t frameIndex) const;
 
     XmlCursor cursor_;                            // of the topmost frame
     std::vector<std::unique_ptr<Frame>> frames_;  // [0, frameCount_) are in use; the rest is kept for reuse
     std::size_t frameCount_ = 0;
+    XmlInput* topStream_ = nullptr;  // of the topmost frame; null when that is none
     int streamCount_ = 0;
     bool isStarted_ = false;
 

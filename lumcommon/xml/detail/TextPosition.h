@@ -14,4 +14,8 @@ struct TextPosition {
     void advance(const char16_t* from, const char16_t* to) noexcept;
 };
 
+/// Notes how far from `from` each line feed before `to` is, at most 65,536 units.
+/// @return after the last note; null, and nothing noted, when there are surrogates, which make columns less simple.
+const std::uint16_t* findLineFeeds(const char16_t* from, const char16_t* to, std::uint16_t* notes) noexcept;
+
 }  // namespace LumCommon::detail

@@ -133,7 +133,11 @@ int XmlInput::peekByte(std::size_t index) {
 bool XmlInput::refill(XmlCursor& cursor) {
     char16_t* const base = window_.get() + putBackUnits;
     if (cursor.cur) {
-        position_.advance(counted_, cursor.end);
+        if (feedsEnd_) {
+            position_ = positionBy(feedsEnd_, cursor.end);
+        } else {
+            position_.advance(counted_, cursor.end);
+        }
         // Units that were pushed back into the window before it was first filled lie in front of `base` too.
         const std::size_t kept =
             std::min<std::size_t>(putBackUnits, static_cast<std::size_t>(cursor.cur - window_.get()));
@@ -148,15 +152,23 @@ bool XmlInput::refill(XmlCursor& cursor) {
         byteStart_ = static_cast<std::size_t>(from - bytes_.data());
     } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
     counted_ = base;
+    feedsEnd_ = nullptr;
+    hasLooked_ = false;
     cursor = {base, to, base};
     return to != base;
 }
 
-TextPosition XmlInput::getPosition(const XmlCursor& cursor) {
+TextPosition XmlInput::countPosition(const XmlCursor& cursor) {
+    if (!cursor.cur) return position_;
     if (cursor.high > counted_) {
         position_.advance(counted_, cursor.high);
         counted_ = cursor.high;
     }
+    if (hasLooked_) return position_;
+    hasLooked_ = true;
+    if (!feeds_) feeds_.reset(new std::uint16_t[windowUnits]);
+    feedsEnd_ = findLineFeeds(counted_, cursor.end, feeds_.get());
+    nextFeed_ = feeds_.get();
     return position_;
 }
 
@@ -169,6 +181,8 @@ void XmlInput::pushUncounted(XmlCursor& cursor, char16_t unit) {
     ++cursor.end;
     cursor.high = cursor.end;
     counted_ = cursor.end;
+    feedsEnd_ = nullptr;
+    hasLooked_ = false;
 }
 
 void XmlInput::detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken) {
