@@ -144,7 +144,7 @@ void XmlParserImpl::readReference() {
     parts_.event.type = ENTITY_REF;
     parts_.event.entityChar = parts_.references.read(parts_.event.entityName);
     if (parts_.event.entityName.isNull() && parts_.event.entityChar != 0)
-        parts_.event.text.appendCodePoint(parts_.event.entityChar);
+        parts_.event.text.units().appendCodePoint(parts_.event.entityChar);
 }
 
 bool XmlParserImpl::readDeclaration() {
@@ -203,7 +203,7 @@ LumXmlParser::EventType XmlParserImpl::next() {
         if (parts_.event.next == TokenKind::Reference && getDepth() > 0) {
             // The character that such a reference stands for is text, whatever it is.
             if (const std::int32_t c = parts_.references.readSimple(); c >= 0) {
-                parts_.event.text.appendCodePoint(c);
+                parts_.event.text.units().appendCodePoint(c);
                 parts_.event.type = TEXT;
                 parts_.event.forgetView();
                 parts_.event.next = TokenKind::Unknown;

@@ -57,7 +57,10 @@ bool InputStack::pull() {
         if (cursor_.cur != cursor_.end) return true;
         Frame& frame = *frames_[frameCount_ - 1];
         const bool isStream = frame.kind == Frame::Stream;
-        if (isStream && frame.input->refill(cursor_)) return true;
+        if (isStream) {
+            endLoans();
+            if (frame.input->refill(cursor_)) return true;
+        }
         if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();
     }
@@ -108,6 +111,7 @@ InputStack::Frame& InputStack::pushFrame(Frame::Kind kind) {
 }
 
 void InputStack::popFrame() {
+    if (frames_[frameCount_ - 1]->kind == Frame::Stream) endLoans();
     Frame& frame = *frames_[--frameCount_];
     if (frame.kind == Frame::Stream) {
         --streamCount_;

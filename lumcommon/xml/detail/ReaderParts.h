@@ -17,7 +17,7 @@ namespace LumCommon::detail {
 
 /// The parts that read everything but tags, each given those before it that it needs. Only their owner sees them all.
 struct ReaderParts {
-    ReaderParts() = default;
+    ReaderParts() { inputs.lendTo(event); }
     ReaderParts(const ReaderParts&) = delete;
     ReaderParts& operator=(const ReaderParts&) = delete;
 

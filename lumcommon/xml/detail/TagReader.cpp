@@ -12,9 +12,6 @@ namespace LumCommon::detail {
 
 namespace {
 
-// Longer values are better copied by the library function.
-constexpr std::size_t maxShortValueUnits = 32;
-
 // Bound without a declaration where a document is SVG.
 constexpr char16_t svgNamespace[] = u"http://www.w3.org/2000/svg";
 constexpr char16_t xlinkNamespace[] = u"http://www.w3.org/1999/xlink";
@@ -33,7 +30,11 @@ TagReader::TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, 
       literals_(literals),
       policy_(policy),
       errors_(errors),
-      namespaces_(new NamespaceManager) {}
+      namespaces_(new NamespaceManager) {
+    inputs_.lendTo(*this);
+}
+
+void TagReader::windowMoves() { attributes_.takeOver(); }
 
 void TagReader::reset() {
     isRootSeen_ = false;
@@ -138,23 +139,21 @@ void TagReader::readAttributes() {
     }
 }
 
-inline Attribute& TagReader::addAttribute(const QName& name, const CachedName* written, std::size_t valueStart,
-                                          std::size_t valueSize) {
+inline Attribute& TagReader::addAttribute(const QName& name, const CachedName* written, std::u16string_view value) {
     if (written && written->lastTag != tagCount_) {
         written->lastTag = tagCount_;
     } else {
         mayRepeat_ = true;
     }
     hasPrefixes_ |= !name.prefix.isNull();
-    return attributes_.add(
-        {name, LumName(), static_cast<std::uint32_t>(valueStart), static_cast<std::uint32_t>(valueSize), written});
+    return attributes_.add(name, written, value);
 }
 
 bool TagReader::readPlainAttributes() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const end = cursor.end;
     const char16_t* p = cursor.cur;  // after a name or a value
-    const bool hasSlack = inputs_.hasSlack();
+    const bool lends = inputs_.lends();
     bool isAtEnd = false;
     for (;;) {
         const char16_t* q = p;
@@ -174,14 +173,8 @@ bool TagReader::readPlainAttributes() {
         const char16_t* const value = ++q;
         q = findValueEnd(q, end, delimiter);
         if (q == end || *q != delimiter) break;
-        const auto size = static_cast<std::size_t>(q - value);
-        UnitBuffer& text = attributes_.text();
-        Attribute& attribute = addAttribute({name->prefix, name->localName}, name, text.size(), size);
-        if (size <= maxShortValueUnits && hasSlack) {
-            text.appendShort(value, size);
-        } else {
-            text.append(value, size);
-        }
+        Attribute& attribute = addAttribute({name->prefix, name->localName}, name, {value, q});
+        if (!lends) attributes_.takeOver(attribute);
         p = q + 1;
         if (name->bindsPrefix) {
             cursor.cur = p;
@@ -209,16 +202,16 @@ void TagReader::readAttribute() {
         errors_.report(XmlError::AttributeEquals);
     }
     inputs_.skipWhitespace();
-    UnitBuffer& text = attributes_.text();
-    const std::size_t start = text.size();
-    literals_.read(LiteralType::Attribute, text);
-    Attribute& attribute = addAttribute(name, cached, start, text.size() - start);
+    value_.clear();
+    literals_.read(LiteralType::Attribute, value_);
+    Attribute& attribute = addAttribute(name, cached, {value_.data(), value_.size()});
+    attributes_.takeOver(attribute);
     if (bindsPrefix(name.prefix.getEnum(), name.localName.getEnum())) bindDeclaration(attribute);
 }
 
 void TagReader::bindDeclaration(Attribute& attribute) {
-    const UnitBuffer& text = attributes_.text();
-    const LumName uri(internName(text.data() + attribute.valueStart, attribute.valueSize));
+    const std::u16string_view value = attributes_.valueOf(attribute);
+    const LumName uri(internName(value.data(), value.size()));
     bind(attribute.name.prefix.isNull() ? LumName() : attribute.name.localName, uri);
     attribute.namespaceUri = NAME_NS_XMLNS;
     hasPrefixes_ = true;  // in effect

@@ -17,7 +17,7 @@ class ParserEvent;
 class ParserPolicy;
 
 /// Reads start and end tags, and knows the elements that are open and the namespaces that are bound in them.
-class TagReader {
+class TagReader : private WindowBorrower {
 public:
     TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
               const ParserPolicy& policy, ErrorReporter& errors);
@@ -61,8 +61,8 @@ private:
     void readAttributes();
     bool readPlainAttributes();
     void readAttribute();
-    Attribute& addAttribute(const QName& name, const CachedName* written, std::size_t valueStart,
-                            std::size_t valueSize);
+    Attribute& addAttribute(const QName& name, const CachedName* written, std::u16string_view borrowedValue);
+    void windowMoves() override;
     void bindDeclaration(Attribute& attribute);
     void finishStartTag();
     void bind(LumName prefix, LumName uri);
@@ -81,6 +81,7 @@ private:
     ErrorReporter& errors_;
 
     AttributeList attributes_;
+    UnitBuffer value_;          // of the attribute being read, where it is not plain
     bool mayRepeat_ = false;    // two attributes may have the same name as written
     bool hasPrefixes_ = false;  // some attributes may be in a namespace
     std::uint64_t tagCount_ = 0;

@@ -12,7 +12,6 @@ namespace {
 constexpr std::size_t blockBytes = 32768;
 constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-level cache while it is scanned
 constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
-constexpr std::size_t slackUnits = 16;     // so that scanners may load whole vectors
 
 /// Leaves the state that an extraction would leave, except where the stream is set to throw for it: there it has not
 /// failed.
@@ -50,7 +49,7 @@ private:
     std::vector<unsigned char> block_;
 };
 
-XmlInput::XmlInput() : bytes_(blockBytes), window_(new char16_t[putBackUnits + windowUnits + slackUnits]()) {
+XmlInput::XmlInput() : bytes_(blockBytes), window_(new char16_t[putBackUnits + windowUnits]()) {
     counted_ = window_.get() + putBackUnits;
 }
 
