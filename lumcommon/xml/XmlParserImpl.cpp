@@ -195,12 +195,35 @@ bool XmlParserImpl::endsText(TokenKind following) {
     return true;
 }
 
+bool XmlParserImpl::readPlainEvent(bool& isTextPending) {
+    detail::ParserEvent& event = parts_.event;
+    if (event.next == TokenKind::EmptyTag || !(isTag() || (event.type == TEXT && isLookedUp(event.next)))) return false;
+    const TokenKind kind = parts_.markup.lookAtWindow();
+    if (kind < TokenKind::StartTag || kind > TokenKind::Text) return false;
+    const bool closes = event.type == END_TAG;
+    if (kind == TokenKind::Text && getDepth() <= (closes ? 1 : 0)) return false;
+    event.setTextStart(0);
+    event.entityName = LumName();
+    if (closes) tags_.closeElement();
+    if (kind == TokenKind::StartTag) {
+        tags_.readStartTag();
+    } else if (kind == TokenKind::EndTag) {
+        tags_.readEndTag();
+    } else {
+        parts_.markup.readText();
+        isTextPending = !endsText(parts_.markup.lookAhead());
+    }
+    return !isTextPending;
+}
+
 LumXmlParser::EventType XmlParserImpl::next() {
     parts_.event.text.clear();
     bool isTextPending = false;
+    // Nearly always a tag follows a tag, or text does that the next tag ends.
+    if (readPlainEvent(isTextPending)) return parts_.event.type;
     for (;;) {
         parts_.event.textStart = parts_.event.text.size();
-        if (parts_.event.next == TokenKind::Reference && getDepth() > 0) {
+        if (parts_.event.next == TokenKind::Reference && parts_.event.type == TEXT && getDepth() > 0) {
             // The character that such a reference stands for is text, whatever it is.
             if (const std::int32_t c = parts_.references.readSimple(); c >= 0) {
                 parts_.event.text.units().appendCodePoint(c);

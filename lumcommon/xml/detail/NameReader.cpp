@@ -75,14 +75,9 @@ bool NameReader::readQName(QName& name) {
     return !name.localName.isNull();
 }
 
-const CachedName* NameReader::readQNameFast() {
+const CachedName* NameReader::readNewQName() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const start = cursor.cur;
-    if (const CachedName* const name = match(start, cursor.end)) {
-        cursor.cur = start + name->size;
-        cursor.touch(cursor.cur + 1);
-        return name;
-    }
     const char16_t* p = start;
     while (p != cursor.end && isQNameUnit(*p)) ++p;
     if (p == cursor.end || U16_IS_SURROGATE(*p) || p == start) return nullptr;

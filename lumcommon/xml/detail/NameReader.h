@@ -39,10 +39,18 @@ public:
         return name ? follow(name) : nullptr;
     }
     /// A name that lies in the window as a whole; null, and nothing read, when it takes more than a look at the window.
-    const CachedName* readQNameFast();
+    const CachedName* readQNameFast() {
+        XmlCursor& cursor = inputs_.cursor();
+        const CachedName* const name = match(cursor.cur, cursor.end);
+        if (!name) return readNewQName();
+        cursor.cur += name->size;
+        cursor.touch(cursor.cur + 1);
+        return name;
+    }
 
 private:
     void scanNCName();
+    const CachedName* readNewQName();
     const CachedName* follow(const CachedName* name) noexcept {
         last_->following = name;
         return last_ = name;

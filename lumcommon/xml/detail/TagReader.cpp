@@ -102,7 +102,7 @@ void TagReader::readStartTag() {
     if (isRootSeen_ && depth() == 0) errors_.report(XmlError::SecondRoot);
     QName name;
     const CachedName* const cached = names_.readQNameFast();
-    if (cached) {
+    if (cached) [[likely]] {
         name = {cached->prefix, cached->localName};
     } else {
         const std::int32_t c = inputs_.readChar();
@@ -118,15 +118,19 @@ void TagReader::readStartTag() {
     const OpenElement& parent = open_.back();
     open_.push_back({{}, cached, parent.scopes, parent.bindings});
     attributes_.clear();
-    readAttributes();
-    finishStartTag();
+    if (inputs_.isNext(u'>')) {
+        inputs_.readChar();
+    } else {
+        readAttributes();
+        finishStartTag();
+    }
     if (depth() == 1) bindRootNamespaces(name.localName);
     const LumName uri = cached ? namespaceOf(*cached) : namespaces_->lookupNamespace(name.prefix);
     if (!isRootSeen_) rootNamespace_ = uri;
     if (uri.isNull() && !name.prefix.isNull()) errors_.report(XmlError::UndeclaredPrefix, name.prefix.getString());
     open_.back().names = {name.prefix, name.localName, uri};
     isRootSeen_ = true;
-    if (hasPrefixes_ || mayRepeat_) resolveAttributes();
+    if (!attributes_.empty() && (hasPrefixes_ || mayRepeat_)) resolveAttributes();
 }
 
 void TagReader::readAttributes() {
