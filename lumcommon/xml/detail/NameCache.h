@@ -3,6 +3,7 @@
 #include <lumcommon/names/LumNameEnum.h>
 #include <lumcommon/names/detail/UnitHash.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -33,19 +34,23 @@ struct CachedName {
     mutable std::uint64_t lastTag = 0;
     mutable LumNameEnum namespaceUri = NAME_NULL;
 
-    /// Whether `size` units at `text` are this name.
-    bool matches(const char16_t* text) const noexcept {
-        if (size < 4) {
-            for (std::uint32_t i = 0; i < size; ++i) {
-                if (units[i] != text[i]) return false;
-            }
-            return true;
-        }
-        for (std::uint32_t i = 0; i + 4 < size; i += 4) {
+    // The first four units, the first in the lowest bits, and a mask of those that there are.
+    std::uint64_t head = 0;
+    std::uint64_t headMask = 0;
+
+    /// Whether text begins with this name, and does not end with it.
+    bool begins(const char16_t* text, const char16_t* end) const noexcept {
+        const auto length = static_cast<std::size_t>(end - text);
+        if (length <= size) return false;
+        if (length < 4) return equals(text);
+        if (((loadFourUnits(text) ^ head) & headMask) != 0) return false;
+        for (std::uint32_t i = 4; i + 4 < size; i += 4) {
             if (loadFourUnits(units + i) != loadFourUnits(text + i)) return false;
         }
-        return loadFourUnits(units + size - 4) == loadFourUnits(text + size - 4);
+        return size <= 4 || loadFourUnits(units + size - 4) == loadFourUnits(text + size - 4);
     }
+    /// Whether `size` units at `text` are this name.
+    bool equals(const char16_t* text) const noexcept { return std::equal(units, units + size, text); }
 };
 
 /// The qualified names that one parser has met: a name seen before costs one hash and one compare and takes no lock.
@@ -62,7 +67,7 @@ public:
         for (std::uint32_t i = h & mask_;; i = (i + 1) & mask_) {
             const Slot& slot = slots_[i];
             if (!slot.name) return nullptr;
-            if (slot.hash == h && slot.name->size == size && slot.name->matches(text)) return slot.name;
+            if (slot.hash == h && slot.name->size == size && slot.name->equals(text)) return slot.name;
         }
     }
 

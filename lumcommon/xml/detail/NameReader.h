@@ -29,9 +29,8 @@ public:
     /// a look at that does not settle it. Reads nothing.
     const CachedName* match(const char16_t* p, const char16_t* end) noexcept {
         if (const CachedName* const guess = last_->following;
-            guess && static_cast<std::size_t>(end - p) > guess->size && guess->matches(p)) {
-            const char16_t next = p[guess->size];
-            if (next == '=' || next == '>' || next == '/' || next <= ' ') return last_ = guess;
+            guess && guess->begins(p, end) && endsName(p[guess->size])) {
+            return last_ = guess;
         }
         const char16_t* const nameEnd = findNameEnd(p, end);
         if (nameEnd == end) return nullptr;

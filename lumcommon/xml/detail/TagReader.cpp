@@ -296,9 +296,9 @@ std::size_t TagReader::findAttribute(LumName namespaceUri, LumName localName) co
 bool TagReader::readEndTagFast() {
     const CachedName* const open = open_.back().written;
     XmlCursor& cursor = inputs_.cursor();
-    if (!open || static_cast<std::size_t>(cursor.end - cursor.cur) <= open->size) return false;
+    if (!open || !open->begins(cursor.cur, cursor.end)) return false;
     const char16_t* const end = cursor.cur + open->size;
-    if (*end != '>' || !open->matches(cursor.cur)) return false;
+    if (*end != '>') return false;
     cursor.cur = end + 1;
     cursor.touch(cursor.cur);
     return true;
