@@ -195,7 +195,7 @@ bool XmlParserImpl::endsText(TokenKind following) {
     return true;
 }
 
-bool XmlParserImpl::readPlainEvent(bool& isTextPending) {
+inline bool XmlParserImpl::readPlainEvent(bool& isTextPending) {
     detail::ParserEvent& event = parts_.event;
     if (event.next == TokenKind::EmptyTag || !(isTag() || (event.type == TEXT && isLookedUp(event.next)))) return false;
     const TokenKind kind = parts_.markup.lookAtWindow();
@@ -220,7 +220,10 @@ LumXmlParser::EventType XmlParserImpl::next() {
     parts_.event.text.clear();
     bool isTextPending = false;
     // Nearly always a tag follows a tag, or text does that the next tag ends.
-    if (readPlainEvent(isTextPending)) return parts_.event.type;
+    return readPlainEvent(isTextPending) ? parts_.event.type : readJoinedEvent(isTextPending);
+}
+
+LumXmlParser::EventType XmlParserImpl::readJoinedEvent(bool isTextPending) {
     for (;;) {
         parts_.event.textStart = parts_.event.text.size();
         if (parts_.event.next == TokenKind::Reference && parts_.event.type == TEXT && getDepth() > 0) {

@@ -91,7 +91,8 @@ private:
     // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
     EventType readEvent(bool isTextPending);
     bool readPlainEvent(bool& isTextPending);  // false: there is more to it
-    bool readToken(bool isTextPending);        // false at the end of the input
+    EventType readJoinedEvent(bool isTextPending);
+    bool readToken(bool isTextPending);  // false at the end of the input
     void readReference();
     bool readDeclaration();  // whether there is an event to report
     void readDocType();

@@ -1,5 +1,6 @@
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
 #include <unicode/utf16.h>
@@ -73,6 +74,13 @@ bool NameReader::readQName(QName& name) {
     name.prefix = name.localName;
     name.localName = readNCName();
     return !name.localName.isNull();
+}
+
+const CachedName* NameReader::find(const char16_t* p, const char16_t* end) noexcept {
+    const char16_t* const nameEnd = findNameEnd(p, end);
+    if (nameEnd == end) return nullptr;
+    const CachedName* const name = cache_.find(p, static_cast<std::size_t>(nameEnd - p));
+    return name ? follow(name) : nullptr;
 }
 
 const CachedName* NameReader::readNewQName() {

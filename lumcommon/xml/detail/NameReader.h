@@ -32,10 +32,7 @@ public:
             guess && guess->begins(p, end) && endsName(p[guess->size])) {
             return last_ = guess;
         }
-        const char16_t* const nameEnd = findNameEnd(p, end);
-        if (nameEnd == end) return nullptr;
-        const CachedName* const name = cache_.find(p, static_cast<std::size_t>(nameEnd - p));
-        return name ? follow(name) : nullptr;
+        return find(p, end);
     }
     /// A name that lies in the window as a whole; null, and nothing read, when it takes more than a look at the window.
     const CachedName* readQNameFast() {
@@ -49,6 +46,7 @@ public:
 
 private:
     void scanNCName();
+    const CachedName* find(const char16_t* p, const char16_t* end) noexcept;
     const CachedName* readNewQName();
     const CachedName* follow(const CachedName* name) noexcept {
         last_->following = name;

@@ -56,10 +56,6 @@ void TagReader::bindDocType(const UnicodeString& publicId) {
     bind(NAME_xlink, nameOf(xlinkNamespace));
 }
 
-inline bool TagReader::bindsOwn() const noexcept {
-    return open_.size() == 1 || open_.back().scopes != open_[open_.size() - 2].scopes;
-}
-
 void TagReader::bind(LumName prefix, LumName uri) {
     if (namespaces_->lookupNamespace(prefix) == uri) return;
     OpenElement& element = open_.back();
@@ -116,7 +112,7 @@ void TagReader::readStartTag() {
     if (!isRootSeen_) rootName_ = name.localName;
     // The tag has its names once they are resolved.
     const OpenElement& parent = open_.back();
-    open_.push_back({{}, cached, parent.scopes, parent.bindings});
+    open_.push_back({{}, parent.scopes, cached, parent.bindings});
     attributes_.clear();
     if (inputs_.isNext(u'>')) {
         inputs_.readChar();
@@ -150,7 +146,7 @@ inline Attribute& TagReader::addAttribute(const QName& name, const CachedName* w
         mayRepeat_ = true;
     }
     hasPrefixes_ |= !name.prefix.isNull();
-    return attributes_.add(name, written, value);
+    return attributes_.add(name, value);
 }
 
 bool TagReader::readPlainAttributes() {
@@ -253,15 +249,17 @@ void TagReader::bindRootNamespaces(LumName localName) {
 void TagReader::resolveAttributes() {
     // Different names as written are different attributes, unless two prefixes stand for one namespace.
     bool needsCheck = mayRepeat_;
-    const Attribute* qualified = nullptr;
+    LumName prefix;  // of the attribute before that is in a namespace
+    LumName uri;
     for (std::size_t i = 0; i < attributes_.size() && !needsCheck; ++i) {
         Attribute& attribute = attributes_[i];
         if (attribute.namespaceUri.isNull()) {
             if (attribute.name.prefix.isNull()) continue;
-            attribute.namespaceUri = namespaceOf(*attribute.written);
+            attribute.namespaceUri = attribute.name.prefix == prefix ? uri : lookupNamespace(attribute.name.prefix);
         }
-        needsCheck = attribute.namespaceUri.isNull() || (qualified && qualified->name.prefix != attribute.name.prefix);
-        qualified = &attribute;
+        needsCheck = attribute.namespaceUri.isNull() || (!uri.isNull() && prefix != attribute.name.prefix);
+        prefix = attribute.name.prefix;
+        uri = attribute.namespaceUri;
     }
     if (needsCheck) checkAttributes();
 }
@@ -293,21 +291,7 @@ std::size_t TagReader::findAttribute(LumName namespaceUri, LumName localName) co
     return i;
 }
 
-bool TagReader::readEndTagFast() {
-    const CachedName* const open = open_.back().written;
-    XmlCursor& cursor = inputs_.cursor();
-    if (!open || !open->begins(cursor.cur, cursor.end)) return false;
-    const char16_t* const end = cursor.cur + open->size;
-    if (*end != '>') return false;
-    cursor.cur = end + 1;
-    cursor.touch(cursor.cur);
-    return true;
-}
-
-void TagReader::readEndTag() {
-    event_.type = LumXmlParser::END_TAG;
-    event_.next = TokenKind::Unknown;
-    if (readEndTagFast()) return;
+void TagReader::readOtherEndTag() {
     std::int32_t c = inputs_.readChar();
     if (isXmlSpace(c)) {
         errors_.report(XmlError::UnexpectedSpace, u"</");
@@ -323,12 +307,6 @@ void TagReader::readEndTag() {
     inputs_.skipWhitespace();
     c = inputs_.readChar();
     if (c != '>') errors_.report(XmlError::UnexpectedChar, charText(c));
-}
-
-void TagReader::closeElement() {
-    if (depth() == 0) return;
-    if (bindsOwn()) namespaces_->popScope();
-    open_.pop_back();
 }
 
 }  // namespace LumCommon::detail
