@@ -24,9 +24,10 @@ struct CachedName {
     LumNameEnum prefix;
     LumNameEnum localName;
     bool bindsPrefix;
-    // The name that came after this one last time. Documents repeat themselves: comparing with a good guess is cheaper
-    // than finding the end of a name and hashing it.
+    // The name that came after this one last time, and another that has. Documents repeat themselves: comparing with a
+    // good guess is cheaper than finding the end of a name and hashing it.
     mutable const CachedName* following = nullptr;
+    mutable const CachedName* followingElse = nullptr;
     // Notes of the reader of tags: the namespace of the prefix while the bindings are those of that number, and the
     // last tag that had an attribute of this name.
     mutable std::uint64_t bindings = 0;

@@ -32,6 +32,10 @@ public:
             guess && guess->begins(p, end) && endsName(p[guess->size])) {
             return last_ = guess;
         }
+        if (const CachedName* const guess = last_->followingElse;
+            guess && guess->begins(p, end) && endsName(p[guess->size])) {
+            return follow(guess);
+        }
         return find(p, end);
     }
     /// A name that lies in the window as a whole; null, and nothing read, when it takes more than a look at the window.
@@ -49,6 +53,7 @@ private:
     const CachedName* find(const char16_t* p, const char16_t* end) noexcept;
     const CachedName* readNewQName();
     const CachedName* follow(const CachedName* name) noexcept {
+        last_->followingElse = last_->following;
         last_->following = name;
         return last_ = name;
     }
