@@ -51,7 +51,7 @@ public:
     int getLineNumber() const override { return parts_.inputs.position().line; }
     int getColumnNumber() const override { return parts_.inputs.position().column; }
     bool isWhitespace() const override;
-    const UnicodeString& getText() const override;
+    const UnicodeString& getText() const override { return parts_.eventText(); }
     LumName getNamespace() const override;
     LumName getName() const override;
     LumName getPrefix() const override;
@@ -93,8 +93,7 @@ private:
     bool readPlainEvent(bool& isTextPending);  // false: there is more to it
     EventType readJoinedEvent(bool isTextPending);
     bool readToken(bool isTextPending);  // false at the end of the input
-    void readReference();
-    bool readDeclaration();  // whether there is an event to report
+    bool readDeclaration();              // whether there is an event to report
     void readDocType();
     bool endsText(detail::TokenKind following);
 

@@ -6,7 +6,7 @@ namespace LumCommon::detail {
 
 namespace {
 
-constexpr std::size_t initialSlots = 512;
+constexpr std::size_t initialSlots = 256;
 constexpr std::size_t blockUnits = 4096;
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace LumCommon::detail {
 
@@ -49,7 +50,10 @@ private:
     std::vector<unsigned char> block_;
 };
 
-XmlInput::XmlInput() : bytes_(blockBytes), window_(new char16_t[putBackUnits + windowUnits]()) {
+XmlInput::XmlInput()
+    : bytes_(new unsigned char[blockBytes]),  // without clearing either: small documents would feel it
+      window_(new char16_t[putBackUnits + windowUnits]) {
+    std::fill_n(window_.get(), putBackUnits, u'\0');
     counted_ = window_.get() + putBackUnits;
 }
 
@@ -70,7 +74,7 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
     }
     std::string name;
     charset.toUTF8String(name);
-    auto remainder = std::make_unique<Remainder>(*stream_, bytes_.data() + byteStart_, bytes_.data() + byteEnd_);
+    auto remainder = std::make_unique<Remainder>(*stream_, bytes_.get() + byteStart_, bytes_.get() + byteEnd_);
     auto converted = std::make_unique<LumKobStream>(&remainder->stream, name.c_str());
     if (!converted->is_open()) return false;
     remainder_ = std::move(remainder);
@@ -91,19 +95,19 @@ std::istream* XmlInput::source() noexcept { return converted_ ? converted_.get()
 bool XmlInput::fillBytes() {
     if (isAtEnd_) return false;
     if (byteStart_ > 0) {
-        std::memmove(bytes_.data(), bytes_.data() + byteStart_, byteEnd_ - byteStart_);
+        std::memmove(bytes_.get(), bytes_.get() + byteStart_, byteEnd_ - byteStart_);
         byteEnd_ -= byteStart_;
         byteStart_ = 0;
     }
     std::istream* const in = source();
     std::streambuf* const buffer = in->rdbuf();
-    const std::size_t room = bytes_.size() - byteEnd_;
+    const std::size_t room = blockBytes - byteEnd_;
     std::streamsize count = 0;
     try {
         if (buffer && !in->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
             // A buffer that cannot tell what it holds has at least the byte just looked at.
             const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
-            count = buffer->sgetn(reinterpret_cast<char*>(bytes_.data() + byteEnd_),
+            count = buffer->sgetn(reinterpret_cast<char*>(bytes_.get() + byteEnd_),
                                   std::min(available, static_cast<std::streamsize>(room)));
         }
     } catch (const abi::__forced_unwind&) {
@@ -145,10 +149,10 @@ bool XmlInput::refill(XmlCursor& cursor) {
     char16_t* to = base;
     char16_t* const toEnd = base + windowUnits;
     do {
-        const unsigned char* from = bytes_.data() + byteStart_;
-        const unsigned char* const fromEnd = bytes_.data() + byteEnd_;
+        const unsigned char* from = bytes_.get() + byteStart_;
+        const unsigned char* const fromEnd = bytes_.get() + byteEnd_;
         if (from != fromEnd) decoder_.decode(from, fromEnd, isAtEnd_, to, toEnd, isLeashed_);
-        byteStart_ = static_cast<std::size_t>(from - bytes_.data());
+        byteStart_ = static_cast<std::size_t>(from - bytes_.get());
     } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
     counted_ = base;
     feedsEnd_ = nullptr;
