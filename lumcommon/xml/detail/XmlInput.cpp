@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::size_t blockBytes = 32768;
 constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-level cache while it is scanned
-constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
+constexpr std::ptrdiff_t maxNotedUnits = 256;
+constexpr std::size_t putBackUnits = 16;  // more than any look-ahead pushes back
 
 /// Leaves the state that an extraction would leave, except where the stream is set to throw for it: there it has not
 /// failed.
@@ -139,13 +140,14 @@ bool XmlInput::refill(XmlCursor& cursor) {
         if (feedsEnd_) {
             position_ = positionBy(feedsEnd_, cursor.end);
         } else {
-            position_.advance(counted_, cursor.end);
+            position_.advance(counted_, cursor.end, decoder_.hasSurrogates);
         }
         // Units that were pushed back into the window before it was first filled lie in front of `base` too.
         const std::size_t kept =
             std::min<std::size_t>(putBackUnits, static_cast<std::size_t>(cursor.cur - window_.get()));
         std::memmove(base - kept, cursor.cur - kept, kept * sizeof(char16_t));
     }
+    decoder_.hasSurrogates = false;
     char16_t* to = base;
     char16_t* const toEnd = base + windowUnits;
     do {
@@ -156,19 +158,19 @@ bool XmlInput::refill(XmlCursor& cursor) {
     } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
     counted_ = base;
     feedsEnd_ = nullptr;
-    hasLooked_ = false;
     cursor = {base, to, base};
     return to != base;
 }
 
 TextPosition XmlInput::countPosition(const XmlCursor& cursor) {
     if (!cursor.cur) return position_;
-    if (cursor.high > counted_) {
-        position_.advance(counted_, cursor.high);
+    const std::ptrdiff_t distance = cursor.high - counted_;
+    if (distance > 0) {
+        position_.advance(counted_, cursor.high, decoder_.hasSurrogates);
         counted_ = cursor.high;
     }
-    if (hasLooked_) return position_;
-    hasLooked_ = true;
+    // Long ways are counted as fast as they would be noted.
+    if (distance > maxNotedUnits || decoder_.hasSurrogates) return position_;
     if (!feeds_) feeds_.reset(new std::uint16_t[windowUnits]);
     feedsEnd_ = findLineFeeds(counted_, cursor.end, feeds_.get());
     nextFeed_ = feeds_.get();
@@ -185,7 +187,6 @@ void XmlInput::pushUncounted(XmlCursor& cursor, char16_t unit) {
     cursor.high = cursor.end;
     counted_ = cursor.end;
     feedsEnd_ = nullptr;
-    hasLooked_ = false;
 }
 
 void XmlInput::detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken) {
