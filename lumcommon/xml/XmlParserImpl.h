@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/ReaderParts.h>
 #include <lumcommon/xml/detail/StreamType.h>
 #include <lumcommon/xml/detail/TagReader.h>
@@ -14,7 +15,7 @@ namespace LumCommon {
 ///     XmlParserImpl
 ///
 /// Each reader knows one kind of markup and is given the parts below it that it needs (detail/ReaderParts.h).
-class XmlParserImpl : public LumXmlParser {
+class XmlParserImpl final : public LumXmlParser {
 public:
     static constexpr unsigned int TYPE_ID = 0x5C58F35Au;
 
@@ -41,16 +42,16 @@ public:
     void defineEntityReplacementText(LumName name, const UnicodeString& text) override {
         parts_.entities.define(name, text, !parts_.inputs.isOpen());
     }
-    int getNamespaceCount(int depth) const override { return tags_.namespaces().getNamespaceCount(depth); }
-    LumName getNamespacePrefix(int index) const override { return tags_.namespaces().getNamespacePrefix(index); }
-    LumName getNamespaceUri(int index) const override { return tags_.namespaces().getNamespaceUri(index); }
-    LumName getNamespace(LumName prefix) const override { return tags_.namespaces().lookupNamespace(prefix); }
+    int getNamespaceCount(int depth) const override { return tags_.namespaceCount(depth); }
+    LumName getNamespacePrefix(int index) const override { return tags_.namespacePrefix(index); }
+    LumName getNamespaceUri(int index) const override { return tags_.namespaceUri(index); }
+    LumName getNamespace(LumName prefix) const override { return tags_.lookupNamespace(prefix); }
     int getDepth() const override { return tags_.depth(); }
     UnicodeString getPositionDescription() const override { return parts_.errors.describePosition(); }
     int getLineNumber() const override { return parts_.inputs.position().line; }
     int getColumnNumber() const override { return parts_.inputs.position().column; }
     bool isWhitespace() const override;
-    const UnicodeString& getText() const override;
+    const UnicodeString& getText() const override { return parts_.eventText(); }
     LumName getNamespace() const override;
     LumName getName() const override;
     LumName getPrefix() const override;
@@ -69,6 +70,18 @@ public:
     bool isXhtmlType() const override { return streamType_.isXhtml(tags_.rootName(), tags_.rootNamespace()); }
     bool isHtmlType() const override { return streamType_.isHtml(tags_.rootName(), tags_.rootNamespace()); }
 
+    // The current event without copies: the same answers as the accessors above give, but not checked against the
+    // event.
+
+    /// Of START_TAG and END_TAG.
+    const detail::TagView& tagView() const noexcept { return tags_.element(); }
+    /// Of START_TAG.
+    std::size_t attributeViewCount() const noexcept { return tags_.attributes().size(); }
+    /// @param index  below attributeViewCount().
+    detail::AttributeView attributeView(std::size_t index) const noexcept { return tags_.attributes().view(index); }
+    /// Of every event but tags and ENTITY_REF.
+    std::u16string_view textView() const noexcept { return parts_.event.textView(); }
+
 private:
     std::unique_ptr<detail::XmlInput> prepareInput(const UnicodeString& encoding);  // in place of the one before
     std::size_t checkAttribute(int index, LumCommonErrorSource source) const;
@@ -77,9 +90,10 @@ private:
     // `isTextPending`: next() holds text, which a construct that makes no event joins with the text after it. Such a
     // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
     EventType readEvent(bool isTextPending);
+    bool readPlainEvent(bool& isTextPending);  // false: there is more to it
+    EventType readJoinedEvent(bool isTextPending);
     bool readToken(bool isTextPending);  // false at the end of the input
-    void readReference();
-    bool readDeclaration();  // whether there is an event to report
+    bool readDeclaration();              // whether there is an event to report
     void readDocType();
     bool endsText(detail::TokenKind following);
 

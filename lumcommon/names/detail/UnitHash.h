@@ -62,9 +62,9 @@ constexpr bool equalUnits(const char16_t* a, const char16_t* b, std::size_t unit
     return loadFourUnits(a + units - 4) == loadFourUnits(b + units - 4);
 }
 
-/// Hash of UTF-16 text, four units per multiplication. `text` may be null when `units` is 0.
+/// Hash of UTF-16 text, eight units per multiplication. `text` may be null when `units` is 0.
 constexpr std::uint64_t hashUnits(const char16_t* text, std::size_t units, const HashKey& key) noexcept {
-    // The length is part of the state, so that the overlapping last word cannot make two lengths look alike.
+    // The length is part of the state, so that the overlapping last words cannot make two lengths look alike.
     std::uint64_t state = key.seed ^ units;
     if (units < 4) {
         if (units == 0) return foldMultiply(state, key.multiplier);
@@ -73,9 +73,13 @@ constexpr std::uint64_t hashUnits(const char16_t* text, std::size_t units, const
                                    static_cast<std::uint64_t>(text[units - 1]) << 32;
         return foldMultiply(state ^ word, key.multiplier);
     }
-    std::size_t done = 0;
-    for (; units - done > 4; done += 4) state = foldMultiply(state ^ loadFourUnits(text + done), key.multiplier);
-    return foldMultiply(state ^ loadFourUnits(text + units - 4), key.multiplier);
+    const auto mix = [&key](std::uint64_t before, const char16_t* first, const char16_t* second) {
+        return foldMultiply(before ^ loadFourUnits(first), key.multiplier ^ loadFourUnits(second));
+    };
+    if (units <= 8) return mix(state, text, text + units - 4);
+    const char16_t* const last = text + units - 8;
+    for (; text < last; text += 8) state = mix(state, text, text + 4);
+    return mix(state, last, last + 4);
 }
 
 }  // namespace LumCommon::detail

@@ -11,14 +11,37 @@ constexpr std::size_t maxPairwiseAttributes = 16;
 
 }  // namespace
 
-const UnicodeString& AttributeList::value(std::size_t index) const {
-    if (views_.size() < attributes_.size()) views_.resize(attributes_.size());
-    // A view of a value is made when it is first asked for.
-    for (; viewCount_ <= index; ++viewCount_) {
-        const Attribute& attribute = attributes_[viewCount_];
-        text_.lend(attribute.valueStart, attribute.valueSize, views_[viewCount_]);
+void AttributeList::lend(std::size_t index) const {
+    const std::u16string_view value = view(index).value;
+    if (value.empty()) {
+        views_[index].remove();
+    } else {
+        views_[index].setTo(false, value.data(), static_cast<std::int32_t>(value.size()));
     }
+}
+
+const UnicodeString& AttributeList::value(std::size_t index) const {
+    // A view of a value is made when it is first asked for. The text moves while a tag is read, when a listener to
+    // errors may ask.
+    if (viewed_ != text_.data()) viewCount_ = 0;
+    viewed_ = text_.data();
+    if (views_.size() < attributes_.size()) views_.resize(attributes_.size());
+    for (; viewCount_ <= index; ++viewCount_) lend(viewCount_);
     return views_[index];
+}
+
+void AttributeList::takeOver(Attribute& attribute) {
+    if (!attribute.value) return;
+    const std::size_t start = text_.size();
+    text_.append(attribute.value, attribute.valueSize);
+    attribute.valueStart = static_cast<std::uint32_t>(start);
+    attribute.value = nullptr;
+}
+
+void AttributeList::takeOver() {
+    for (; ownCount_ < attributes_.size(); ++ownCount_) takeOver(attributes_[ownCount_]);
+    for (std::size_t i = 0; i < viewCount_; ++i) lend(i);
+    viewed_ = text_.data();
 }
 
 bool AttributeList::repeats(std::size_t index) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
 
@@ -14,26 +15,42 @@ namespace LumCommon::detail {
 struct Attribute {
     QName name;
     LumName namespaceUri;
-    std::size_t valueStart;  // in the text of the list
-    std::size_t valueSize;
+    std::uint32_t valueSize;
+    const char16_t* value;     // where it was read; null: in the text of the list
+    std::uint32_t valueStart;  // there
 };
 
-/// The attributes of one start tag. Their values lie one after the other in one buffer.
+/// The attributes of one start tag. Plain values stay in the window as long as it stays; the others lie one after the
+/// other in one buffer.
 class AttributeList {
 public:
     void clear() noexcept {
         attributes_.clear();
         text_.clear();
+        ownCount_ = 0;
         viewCount_ = 0;
     }
-    void add(const Attribute& attribute) { attributes_.push_back(attribute); }
-    /// The values; what is appended becomes the value of the attribute that is added next.
-    UnitBuffer& text() noexcept { return text_; }
+    /// @param value  stays where it is until takeOver() is called.
+    Attribute& add(const QName& name, std::u16string_view value) {
+        return attributes_.emplace_back(
+            Attribute{name, LumName(), static_cast<std::uint32_t>(value.size()), value.data(), 0});
+    }
+    /// Copies the value of an attribute.
+    void takeOver(Attribute& attribute);
+    /// Copies the values that have not been copied yet.
+    void takeOver();
 
     bool empty() const noexcept { return attributes_.empty(); }
     std::size_t size() const noexcept { return attributes_.size(); }
     Attribute& operator[](std::size_t index) noexcept { return attributes_[index]; }
     const Attribute& operator[](std::size_t index) const noexcept { return attributes_[index]; }
+    std::u16string_view valueOf(const Attribute& attribute) const noexcept {
+        return {attribute.value ? attribute.value : text_.data() + attribute.valueStart, attribute.valueSize};
+    }
+    AttributeView view(std::size_t index) const noexcept {
+        const Attribute& attribute = attributes_[index];
+        return {attribute.name.prefix, attribute.name.localName, attribute.namespaceUri, valueOf(attribute)};
+    }
     /// The reference is valid until the list is cleared.
     const UnicodeString& value(std::size_t index) const;
 
@@ -42,10 +59,14 @@ public:
     bool repeats(std::size_t index);
 
 private:
+    void lend(std::size_t index) const;
+
     std::vector<Attribute> attributes_;
+    std::size_t ownCount_ = 0;  // so many, and perhaps some more, have their values in text_
     UnitBuffer text_;
     mutable std::vector<UnicodeString> views_;  // of the values
     mutable std::size_t viewCount_ = 0;         // views_ before this are valid
+    mutable const char16_t* viewed_ = nullptr;  // where text_ lay when they were made
     std::unordered_set<std::uint64_t> keys_;    // for tags with many attributes
 };
 

@@ -36,7 +36,7 @@ ExternalId DefinitionReader::readDocType() {
     QName qName;
     if (!names_.readQName(qName)) errors_.report(XmlError::DocTypeName);
     const UnicodeString name = qName.toString();
-    event_.text.append(name);
+    event_.text.units().append(name);
     start.append(u' ').append(name);
     const bool hasSpace = readSpace();
     const std::int32_t c = inputs_.peekChar();
@@ -51,7 +51,7 @@ ExternalId DefinitionReader::readDocType() {
 }
 
 void DefinitionReader::readDeclaration() {
-    event_.text.append(u"<!", 2);
+    event_.text.units().append(u"<!", 2);
     tokens_.startAfterBang();
     readBody();
 }
@@ -93,7 +93,7 @@ void DefinitionReader::readToken(int& nesting) {
         default:
             break;
     }
-    event_.text.appendCodePoint(c);
+    event_.text.units().appendCodePoint(c);
     switch (token) {
         case DefinitionToken::Character:
             copyCharacters();
@@ -126,7 +126,7 @@ void DefinitionReader::copyCharacters() {
     const char16_t* const start = cursor.cur;
     const char16_t* const end = std::find_if_not(start, static_cast<const char16_t*>(cursor.end),
                                                  [this](char16_t unit) { return tokens_.isCharacter(unit); });
-    event_.text.append(start, static_cast<std::size_t>(end - start));
+    event_.text.units().append(start, static_cast<std::size_t>(end - start));
     cursor.cur = end;
     cursor.touch(end);
 }
@@ -134,14 +134,14 @@ void DefinitionReader::copyCharacters() {
 // What these miss at the end of input is told by the token that comes next.
 
 void DefinitionReader::copyLiteral(char16_t quote) {
-    if (inputs_.copyUpTo(quote, event_.text)) event_.text.appendCodePoint(inputs_.readChar());
+    if (inputs_.copyUpTo(quote, event_.text.units())) event_.text.units().appendCodePoint(inputs_.readChar());
 }
 
 void DefinitionReader::copyThrough(std::u16string_view end) {
     do {
-        if (!inputs_.copyUpTo(end.back(), event_.text)) return;
-        event_.text.appendCodePoint(inputs_.readChar());
-    } while (!endsWith(event_.text, end));
+        if (!inputs_.copyUpTo(end.back(), event_.text.units())) return;
+        event_.text.units().appendCodePoint(inputs_.readChar());
+    } while (!endsWith(event_.text.units(), end));
 }
 
 void DefinitionReader::skipIgnoredSection() {
@@ -185,7 +185,7 @@ void DefinitionReader::readEntityDecl() {
     std::int32_t c = inputs_.readChar();
     const EntityKind kind = c == '%' ? EntityKind::Parameter : EntityKind::General;
     if (kind == EntityKind::Parameter) {
-        event_.text.append(u'%');
+        event_.text.units().append(u'%');
         requireSpace(UnicodeString(start).append(u" %"));
     } else {
         inputs_.unreadChar(c);
@@ -205,18 +205,18 @@ void DefinitionReader::readEntityDecl() {
     readSpace();
     c = inputs_.readChar();
     if (c != '>') errors_.report(XmlError::UnexpectedChar, charText(c));
-    event_.text.append(u'>');
+    event_.text.units().append(u'>');
 }
 
 UnicodeString DefinitionReader::readEntityValue() {
     const auto quote = static_cast<char16_t>(inputs_.readChar());
-    event_.text.append(quote);
+    event_.text.units().append(quote);
     if (!literals_.readRaw(quote)) {
         errors_.report(XmlError::DeclUnterminated, u"ENTITY");
         return UnicodeString();
     }
-    event_.text.append(literals_.raw().data(), literals_.raw().size());
-    event_.text.append(quote);
+    event_.text.units().append(literals_.raw().data(), literals_.raw().size());
+    event_.text.units().append(quote);
     return literals_.makeEntityText();
 }
 
@@ -255,7 +255,7 @@ bool DefinitionReader::readSpace() {
     bool hasSpace = false;
     std::int32_t c;
     while (isXmlSpace(c = inputs_.readChar())) {
-        event_.text.appendCodePoint(c);
+        event_.text.units().appendCodePoint(c);
         hasSpace = true;
     }
     inputs_.unreadChar(c);
@@ -268,7 +268,7 @@ void DefinitionReader::requireSpace(const UnicodeString& after) {
 
 LumName DefinitionReader::readName() {
     const LumName name = names_.readNCName();
-    event_.text.append(name.getString());
+    event_.text.units().append(name.getString());
     return name;
 }
 
@@ -280,9 +280,9 @@ UnicodeString DefinitionReader::readLiteral(XmlError::Code missing, const Unicod
     }
     const auto quote = static_cast<char16_t>(c);
     const UnicodeString literal = literals_.read(LiteralType::Plain);
-    event_.text.append(quote);
-    event_.text.append(literal);
-    event_.text.append(quote);
+    event_.text.units().append(quote);
+    event_.text.units().append(literal);
+    event_.text.units().append(quote);
     return literal;
 }
 

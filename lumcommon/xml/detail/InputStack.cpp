@@ -57,7 +57,10 @@ bool InputStack::pull() {
         if (cursor_.cur != cursor_.end) return true;
         Frame& frame = *frames_[frameCount_ - 1];
         const bool isStream = frame.kind == Frame::Stream;
-        if (isStream && frame.input->refill(cursor_)) return true;
+        if (isStream) {
+            endLoans();
+            if (frame.input->refill(cursor_)) return true;
+        }
         if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();
     }
@@ -102,11 +105,13 @@ InputStack::Frame& InputStack::pushFrame(Frame::Kind kind) {
     ++frameCount_;
     frame.isBarrier = false;
     cursor_ = {};
+    topStream_ = nullptr;
     if (kind == Frame::Stream) ++streamCount_;
     return frame;
 }
 
 void InputStack::popFrame() {
+    if (frames_[frameCount_ - 1]->kind == Frame::Stream) endLoans();
     Frame& frame = *frames_[--frameCount_];
     if (frame.kind == Frame::Stream) {
         --streamCount_;
@@ -119,6 +124,7 @@ void InputStack::popFrame() {
         frame.text.remove();
     }
     cursor_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->cursor : XmlCursor();
+    topStream_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->input.get() : nullptr;
 }
 
 void InputStack::popTo(std::size_t depth) {
@@ -132,7 +138,8 @@ void InputStack::popToStreams(int count) {
 XmlInput& InputStack::pushStream(std::unique_ptr<XmlInput> input) {
     Frame& frame = pushFrame(Frame::Stream);
     frame.input = std::move(input);
-    return *frame.input;
+    topStream_ = frame.input.get();
+    return *topStream_;
 }
 
 bool InputStack::isWithinExpansionLimit(std::uint64_t moreUnits) {
@@ -203,7 +210,7 @@ const UnicodeString& InputStack::baseUri() const noexcept {
     return input ? input->baseUri : baseUri_;
 }
 
-TextPosition InputStack::position() const {
+TextPosition InputStack::findPosition() const {
     if (isStarted_ && frameCount_ > 0) position_ = positionOf(frameCount_ - 1);
     return position_;
 }
@@ -215,7 +222,7 @@ TextPosition InputStack::positionOf(std::size_t frameIndex) const {
     if (frame.kind == Frame::Stream) return frame.input->getPosition(cursor);
     // A literal is read a second time: counting continues from its end.
     TextPosition position = positionOf(frameIndex - 1);
-    position.advance(frame.start, cursor.high);
+    position.advance(frame.start, cursor.high, true);
     return position;
 }
 

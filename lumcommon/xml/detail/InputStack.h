@@ -21,6 +21,20 @@ class LumUri;
 
 namespace LumCommon::detail {
 
+/// Who keeps hold of units in a window of the input.
+class WindowBorrower {
+public:
+    WindowBorrower() = default;
+    WindowBorrower(const WindowBorrower&) = delete;
+    WindowBorrower& operator=(const WindowBorrower&) = delete;
+
+    /// Before the units of a window go away: what is held must be copied.
+    virtual void windowMoves() = 0;
+
+protected:
+    ~WindowBorrower() = default;
+};
+
 /// What is being read: open inputs, replacement texts of entities, and the raw text of a literal that is being looked
 /// through. The scanners read the window of the topmost frame; frames that are used up are popped when the next
 /// character is asked for, so that markup may begin in a replacement text and end after it.
@@ -29,7 +43,10 @@ namespace LumCommon::detail {
 class InputStack {
 public:
     InputStack() = default;
-    ~InputStack() { closeFrames(); }
+    ~InputStack() {
+        borrowers_.clear();  // they need not be there any more
+        closeFrames();
+    }
     InputStack(const InputStack&) = delete;
     InputStack& operator=(const InputStack&) = delete;
 
@@ -93,8 +110,9 @@ public:
         } while (pull());
         return false;
     }
-    /// Whether the units after the window may be read, though they mean nothing.
-    bool hasSlack() const noexcept { return frames_[frameCount_ - 1]->kind == Frame::Stream; }
+    /// Whether what has been read from the window may be kept hold of.
+    bool lends() const noexcept { return topStream_ != nullptr; }
+    void lendTo(WindowBorrower& borrower) { borrowers_.push_back(&borrower); }
 
     // Frames
 
@@ -129,7 +147,10 @@ public:
     const UnicodeString& systemId() const noexcept;
     const UnicodeString& baseUri() const noexcept;
     /// -1 and -1 before the document has begun.
-    TextPosition position() const;
+    TextPosition position() const {
+        if (topStream_ && isStarted_) return position_ = topStream_->getPosition(cursor_);
+        return findPosition();
+    }
 
 private:
     struct Frame {
@@ -143,18 +164,24 @@ private:
         const char16_t* start = nullptr;        // Literal: its first unit
     };
 
+    void endLoans() const {
+        for (WindowBorrower* const borrower : borrowers_) borrower->windowMoves();
+    }
     Frame& pushFrame(Frame::Kind kind);
     void popFrame();
     void closeFrames() { popTo(0); }
     std::int32_t readCharSlow();
     bool isWithinExpansionLimit(std::uint64_t moreUnits);
+    TextPosition findPosition() const;
     TextPosition positionOf(std::size_t frameIndex) const;
 
     XmlCursor cursor_;                            // of the topmost frame
     std::vector<std::unique_ptr<Frame>> frames_;  // [0, frameCount_) are in use; the rest is kept for reuse
     std::size_t frameCount_ = 0;
+    XmlInput* topStream_ = nullptr;  // of the topmost frame; null when that is none
     int streamCount_ = 0;
     bool isStarted_ = false;
+    std::vector<WindowBorrower*> borrowers_;
 
     std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;

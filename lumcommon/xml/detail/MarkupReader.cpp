@@ -18,34 +18,6 @@ constexpr char16_t xmlDeclTarget[] = u"xml";
 
 }  // namespace
 
-TokenKind MarkupReader::lookAhead() {
-    if (isLookedUp(event_.next)) return event_.next;
-    // Nearly always a look at the window is enough.
-    XmlCursor& cursor = inputs_.cursor();
-    const char16_t* const start = cursor.cur;
-    if (cursor.end - start < 2 || U16_IS_SURROGATE(start[0]) || start[0] == notACharacter) return lookAheadSlow();
-    if (start[0] != '<') {
-        cursor.touch(start + 1);
-        if (start[0] != '&') return event_.next = TokenKind::Text;
-        cursor.cur = start + 1;
-        return event_.next = TokenKind::Reference;
-    }
-    if (U16_IS_SURROGATE(start[1])) return lookAheadSlow();
-    cursor.touch(start + 2);
-    cursor.cur = start + 2;
-    switch (start[1]) {
-        case '/':
-            return event_.next = TokenKind::EndTag;
-        case '?':
-            return event_.next = TokenKind::Instruction;
-        case '!':
-            return event_.next = TokenKind::Declaration;
-        default:
-            cursor.cur = start + 1;
-            return event_.next = TokenKind::StartTag;
-    }
-}
-
 TokenKind MarkupReader::lookAheadSlow() {
     for (;;) {
         std::int32_t c = inputs_.readChar();
@@ -76,8 +48,27 @@ TokenKind MarkupReader::lookAheadSlow() {
 void MarkupReader::readText() {
     event_.next = TokenKind::Unknown;
     event_.type = LumXmlParser::TEXT;
-    UnitBuffer& text = event_.text;
     XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    if (!inputs_.lends() || !event_.text.empty()) return readJoinedText(start);
+    const char16_t* found = findTextEnd(start, cursor.end);
+    while (found != cursor.end && *found == ']') {
+        // A bracket alone is text like any other.
+        if (found + 1 == cursor.end || found[1] == ']') return readJoinedText(found);
+        found = findTextEnd(found + 1, cursor.end);
+    }
+    if (found == cursor.end) return readJoinedText(found);
+    event_.text.borrow({start, static_cast<std::size_t>(found - start)});
+    cursor.cur = found;
+    cursor.touch(found + 1);
+}
+
+void MarkupReader::readJoinedText(const char16_t* plainEnd) {
+    UnitBuffer& text = event_.text.units();
+    XmlCursor& cursor = inputs_.cursor();
+    text.append(cursor.cur, static_cast<std::size_t>(plainEnd - cursor.cur));
+    cursor.cur = plainEnd;
+    cursor.touch(plainEnd);
     std::size_t brackets = 0;  // "]" directly before the cursor, in this run
     for (;;) {
         if (cursor.cur == cursor.end && !inputs_.pull()) return;
@@ -115,7 +106,7 @@ void MarkupReader::readTopLevelText() {
             errors_.report(XmlError::TopLevelText,
                            UnicodeString(code, size, US_INV).append(static_cast<UChar32>(c)).append(u')'));
         }
-        event_.text.appendCodePoint(c);
+        event_.text.units().appendCodePoint(c);
     }
     inputs_.unreadChar(c);
     if (isSpace) event_.type = LumXmlParser::IGNORABLE_WHITESPACE;
@@ -155,11 +146,11 @@ MarkupReader::Declaration MarkupReader::readDeclaration() {
 
 void MarkupReader::readCData() {
     event_.type = LumXmlParser::CDSECT;
-    while (inputs_.copyUpTo(u']', event_.text)) {
+    while (inputs_.copyUpTo(u']', event_.text.units())) {
         std::size_t brackets = 0;
         std::int32_t c;
         while ((c = inputs_.readChar()) == ']') {
-            event_.text.append(u']');
+            event_.text.units().append(u']');
             ++brackets;
         }
         if (c == '>' && brackets >= 2) {
@@ -173,7 +164,7 @@ void MarkupReader::readCData() {
 
 void MarkupReader::readComment() {
     event_.type = LumXmlParser::COMMENT;
-    while (inputs_.copyUpTo(u'-', event_.text)) {
+    while (inputs_.copyUpTo(u'-', event_.text.units())) {
         inputs_.readChar();
         std::int32_t c = inputs_.readChar();
         if (c == '-') {
@@ -181,13 +172,13 @@ void MarkupReader::readComment() {
             while (c >= 0 && c != '>') {
                 errors_.report(XmlError::CommentHyphens);
                 if (c != '-') break;
-                event_.text.append(u'-');
+                event_.text.units().append(u'-');
                 c = inputs_.readChar();
             }
             if (c == '>') return;
-            event_.text.append(u"--", 2);
+            event_.text.units().append(u"--", 2);
         } else {
-            event_.text.append(u'-');
+            event_.text.units().append(u'-');
         }
         inputs_.unreadChar(c);
     }
@@ -210,19 +201,19 @@ void MarkupReader::readInstruction(const UnicodeString& target) {
     if (UnicodeString(target).toLower(icu::Locale::getRoot()) == UnicodeString(xmlDeclTarget)) {
         errors_.report(XmlError::PiXmlCase, target);
     }
-    event_.text.append(target);
+    event_.text.units().append(target);
     std::int32_t c = inputs_.readChar();
     if (isXmlSpace(c)) {
-        event_.text.appendCodePoint(c);
+        event_.text.units().appendCodePoint(c);
     } else {
         inputs_.unreadChar(c);
         errors_.report(XmlError::PiSpace, target);
     }
-    while (inputs_.copyUpTo(u'?', event_.text)) {
+    while (inputs_.copyUpTo(u'?', event_.text.units())) {
         inputs_.readChar();
         c = inputs_.readChar();
         if (c == '>') return;
-        event_.text.append(u'?');
+        event_.text.units().append(u'?');
         inputs_.unreadChar(c);
     }
     errors_.report(XmlError::PiUnterminated);

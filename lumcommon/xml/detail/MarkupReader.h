@@ -1,12 +1,13 @@
 #pragma once
 
 #include <lumcommon/core/Text.h>
+#include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
+#include <lumcommon/xml/detail/XmlChars.h>
 
 namespace LumCommon::detail {
 
 class ErrorReporter;
-class InputStack;
 class NameReader;
 class XmlDeclReader;
 
@@ -20,6 +21,8 @@ public:
 
     /// The kind of the next token, whose beginning is then read, except for a start tag's name and text.
     TokenKind lookAhead();
+    /// The same where a look at the window tells; Unknown, and nothing read, otherwise.
+    TokenKind lookAtWindow();
 
     void readText();
     /// Outside of all elements: white space is a separate event, and other text is wrong.
@@ -36,6 +39,8 @@ public:
 
 private:
     TokenKind lookAheadSlow();
+    // Text that does not lie in the window as one run, or follows other text; up to `plainEnd` it is known to be text.
+    void readJoinedText(const char16_t* plainEnd);
     void readCData();
     void readComment();
     void skipSection();  // other than CDATA
@@ -47,5 +52,37 @@ private:
     XmlDeclReader& declarations_;
     ErrorReporter& errors_;
 };
+
+inline TokenKind MarkupReader::lookAtWindow() {
+    if (isLookedUp(event_.next)) return event_.next;
+    XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const start = cursor.cur;
+    if (cursor.end - start < 2 || U16_IS_SURROGATE(start[0]) || start[0] == notACharacter) return TokenKind::Unknown;
+    if (start[0] != '<') {
+        cursor.touch(start + 1);
+        if (start[0] != '&') return event_.next = TokenKind::Text;
+        cursor.cur = start + 1;
+        return event_.next = TokenKind::Reference;
+    }
+    if (U16_IS_SURROGATE(start[1])) return TokenKind::Unknown;
+    cursor.touch(start + 2);
+    cursor.cur = start + 2;
+    switch (start[1]) {
+        case '/':
+            return event_.next = TokenKind::EndTag;
+        case '?':
+            return event_.next = TokenKind::Instruction;
+        case '!':
+            return event_.next = TokenKind::Declaration;
+        default:
+            cursor.cur = start + 1;
+            return event_.next = TokenKind::StartTag;
+    }
+}
+
+inline TokenKind MarkupReader::lookAhead() {
+    const TokenKind kind = lookAtWindow();
+    return kind == TokenKind::Unknown ? lookAheadSlow() : kind;
+}
 
 }  // namespace LumCommon::detail

@@ -1,5 +1,6 @@
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
 #include <unicode/utf16.h>
@@ -75,27 +76,14 @@ bool NameReader::readQName(QName& name) {
     return !name.localName.isNull();
 }
 
-const CachedName* NameReader::readQNameFast() {
-    XmlCursor& cursor = inputs_.cursor();
-    const char16_t* const start = cursor.cur;
-    const CachedName* const guess = last_ ? last_->following : nullptr;
-    if (guess && static_cast<std::size_t>(cursor.end - start) > guess->size && guess->matches(start)) {
-        const char16_t* const end = start + guess->size;
-        if (*end < 128 && !isQNameUnit(*end)) {
-            cursor.cur = end;
-            cursor.touch(end + 1);
-            return last_ = guess;
-        }
-    }
-    const CachedName* const name = findQName();
-    if (name) {
-        if (last_) last_->following = name;
-        last_ = name;
-    }
-    return name;
+const CachedName* NameReader::find(const char16_t* p, const char16_t* end) noexcept {
+    const char16_t* const nameEnd = findNameEnd(p, end);
+    if (nameEnd == end) return nullptr;
+    const CachedName* const name = cache_.find(p, static_cast<std::size_t>(nameEnd - p));
+    return name ? follow(name) : nullptr;
 }
 
-const CachedName* NameReader::findQName() {
+const CachedName* NameReader::readNewQName() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const start = cursor.cur;
     const char16_t* p = start;
@@ -113,7 +101,7 @@ const CachedName* NameReader::findQName() {
     }
     cursor.cur = p;
     cursor.touch(p + 1);
-    return name;
+    return follow(name);
 }
 
 }  // namespace LumCommon::detail

@@ -25,16 +25,43 @@ public:
     UnicodeString readNCNameText();
     /// False when a part of the name is missing.
     bool readQName(QName& name);
+    /// A name seen before that begins at `p` and is followed, before `end`, by what ends a name in most tags; null when
+    /// a look at that does not settle it. Reads nothing.
+    const CachedName* match(const char16_t* p, const char16_t* end) noexcept {
+        if (const CachedName* const guess = last_->following;
+            guess && guess->begins(p, end) && endsName(p[guess->size])) {
+            return last_ = guess;
+        }
+        if (const CachedName* const guess = last_->followingElse;
+            guess && guess->begins(p, end) && endsName(p[guess->size])) {
+            return follow(guess);
+        }
+        return find(p, end);
+    }
     /// A name that lies in the window as a whole; null, and nothing read, when it takes more than a look at the window.
-    const CachedName* readQNameFast();
+    const CachedName* readQNameFast() {
+        XmlCursor& cursor = inputs_.cursor();
+        const CachedName* const name = match(cursor.cur, cursor.end);
+        if (!name) return readNewQName();
+        cursor.cur += name->size;
+        cursor.touch(cursor.cur + 1);
+        return name;
+    }
 
 private:
     void scanNCName();
-    const CachedName* findQName();
+    const CachedName* find(const char16_t* p, const char16_t* end) noexcept;
+    const CachedName* readNewQName();
+    const CachedName* follow(const CachedName* name) noexcept {
+        last_->followingElse = last_->following;
+        last_->following = name;
+        return last_ = name;
+    }
 
     InputStack& inputs_;
     NameCache cache_;
-    const CachedName* last_ = nullptr;
+    const CachedName first_{};  // stands before the first name
+    const CachedName* last_ = &first_;
     UnitBuffer buffer_;
 };
 

@@ -17,7 +17,7 @@ namespace LumCommon::detail {
 
 /// The parts that read everything but tags, each given those before it that it needs. Only their owner sees them all.
 struct ReaderParts {
-    ReaderParts() = default;
+    ReaderParts() { inputs.lendTo(event); }
     ReaderParts(const ReaderParts&) = delete;
     ReaderParts& operator=(const ReaderParts&) = delete;
 
@@ -40,6 +40,24 @@ struct ReaderParts {
         inputs.reset();
         entities.reset();
         declarations.reset();
+    }
+    /// The text of the current event: that of an entity for a reference to it.
+    const UnicodeString& eventText() const {
+        if (!event.isViewed()) {
+            if (event.type == LumXmlParser::ENTITY_REF && !event.entityName.isNull()) {
+                event.viewValue(entities.lookup(EntityKind::General, event.entityName));
+            } else {
+                event.viewText();
+            }
+        }
+        return event.view();
+    }
+    /// Reads what follows "&" as an event of its own.
+    void readReference() {
+        event.next = TokenKind::Unknown;
+        event.type = LumXmlParser::ENTITY_REF;
+        event.entityChar = references.read(event.entityName);
+        if (event.entityName.isNull() && event.entityChar != 0) event.text.units().appendCodePoint(event.entityChar);
     }
     /// Reads the beginning of the document: what tells its encoding, and the XML declaration or instruction there.
     void start() {

@@ -12,9 +12,6 @@ namespace LumCommon::detail {
 
 namespace {
 
-// Longer values are better copied by the library function.
-constexpr std::size_t maxShortValueUnits = 32;
-
 // Bound without a declaration where a document is SVG.
 constexpr char16_t svgNamespace[] = u"http://www.w3.org/2000/svg";
 constexpr char16_t xlinkNamespace[] = u"http://www.w3.org/1999/xlink";
@@ -33,25 +30,66 @@ TagReader::TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, 
       literals_(literals),
       policy_(policy),
       errors_(errors),
-      namespaces_(new NamespaceManager) {}
+      namespaces_(new NamespaceManager) {
+    inputs_.lendTo(*this);
+}
+
+void TagReader::windowMoves() { attributes_.takeOver(); }
 
 void TagReader::reset() {
     isRootSeen_ = false;
     rootName_ = rootNamespace_ = LumName();
     attributes_.clear();
-    openNames_.clear();
     while (namespaces_->popScope()) {
     }
     if (namespaces_->hasNamespace(NAME_xlink)) {  // by bindDocType()
         namespaces_->removeNamespace(LumName(), nameOf(svgNamespace));
         namespaces_->removeNamespace(NAME_xlink, nameOf(xlinkNamespace));
     }
+    open_.resize(1);
+    open_.back().bindings = ++bindingsCount_;
 }
 
 void TagReader::bindDocType(const UnicodeString& publicId) {
     if (!publicId.startsWith(svgPublicId)) return;
-    namespaces_->addNamespace(LumName(), nameOf(svgNamespace));
-    namespaces_->addNamespace(NAME_xlink, nameOf(xlinkNamespace));
+    bind(LumName(), nameOf(svgNamespace));
+    bind(NAME_xlink, nameOf(xlinkNamespace));
+}
+
+void TagReader::bind(LumName prefix, LumName uri) {
+    if (namespaces_->lookupNamespace(prefix) == uri) return;
+    OpenElement& element = open_.back();
+    if (!bindsOwn()) {
+        namespaces_->pushScope();
+        ++element.scopes;
+    }
+    element.bindings = ++bindingsCount_;
+    namespaces_->addNamespace(prefix, uri);
+}
+
+int TagReader::namespaceCount(int depth) const {
+    if (depth < 0 || depth > this->depth()) return 0;
+    const auto i = static_cast<std::size_t>(depth);
+    const int scopes = open_[i].scopes;
+    return i > 0 && scopes == open_[i - 1].scopes ? 0 : namespaces_->getNamespaceCount(scopes);
+}
+
+LumName TagReader::namespacePrefix(int index) const {
+    return bindsOwn() ? namespaces_->getNamespacePrefix(index) : LumName();
+}
+
+LumName TagReader::namespaceUri(int index) const {
+    return bindsOwn() ? namespaces_->getNamespaceUri(index) : LumName();
+}
+
+/// The namespace that the prefix of the name is bound to.
+inline LumName TagReader::namespaceOf(const CachedName& name) const {
+    const std::uint64_t bindings = open_.back().bindings;
+    if (name.bindings != bindings) {
+        name.namespaceUri = namespaces_->lookupNamespace(name.prefix).getEnum();
+        name.bindings = bindings;
+    }
+    return name.namespaceUri;
 }
 
 void TagReader::readStartTag() {
@@ -60,7 +98,7 @@ void TagReader::readStartTag() {
     if (isRootSeen_ && depth() == 0) errors_.report(XmlError::SecondRoot);
     QName name;
     const CachedName* const cached = names_.readQNameFast();
-    if (cached) {
+    if (cached) [[likely]] {
         name = {cached->prefix, cached->localName};
     } else {
         const std::int32_t c = inputs_.readChar();
@@ -72,91 +110,111 @@ void TagReader::readStartTag() {
         if (!names_.readQName(name)) errors_.report(XmlError::StartTagName);
     }
     if (!isRootSeen_) rootName_ = name.localName;
-    namespaces_->pushScope();
-    openNames_.push_back(cached);
+    // The tag has its names once they are resolved.
+    const OpenElement& parent = open_.back();
+    open_.push_back({{}, parent.scopes, cached, parent.bindings});
     attributes_.clear();
-    readAttributes();
-    finishStartTag();
-    if (depth() == 1) bindRootNamespaces(name.localName);
-    const LumName namespaceUri = namespaces_->lookupNamespace(name.prefix);
-    if (!isRootSeen_) rootNamespace_ = namespaceUri;
-    if (namespaceUri.isNull() && !name.prefix.isNull()) {
-        errors_.report(XmlError::UndeclaredPrefix, name.prefix.getString());
+    if (inputs_.isNext(u'>')) {
+        inputs_.readChar();
+    } else {
+        readAttributes();
+        finishStartTag();
     }
-    namespaces_->setElement(name.prefix, name.localName, namespaceUri);
+    if (depth() == 1) bindRootNamespaces(name.localName);
+    const LumName uri = cached ? namespaceOf(*cached) : namespaces_->lookupNamespace(name.prefix);
+    if (!isRootSeen_) rootNamespace_ = uri;
+    if (uri.isNull() && !name.prefix.isNull()) errors_.report(XmlError::UndeclaredPrefix, name.prefix.getString());
+    open_.back().names = {name.prefix, name.localName, uri};
     isRootSeen_ = true;
-    if (!attributes_.empty()) resolveAttributes();
-}
-
-inline bool TagReader::isAtTagEnd() noexcept {
-    const XmlCursor& cursor = inputs_.cursor();
-    return cursor.cur != cursor.end && (*cursor.cur == '>' || *cursor.cur == '/');
+    if (!attributes_.empty() && (hasPrefixes_ || mayRepeat_)) resolveAttributes();
 }
 
 void TagReader::readAttributes() {
-    for (;;) {
-        // Most tags end directly after a name or a value.
-        if (isAtTagEnd()) {
-            inputs_.cursor().touch(inputs_.cursor().cur + 1);
-            return;
-        }
+    ++tagCount_;
+    mayRepeat_ = hasPrefixes_ = false;
+    while (!readPlainAttributes()) {
         if (!inputs_.skipWhitespace()) return;
-        if (isAtTagEnd()) return;
+        if (inputs_.isNext(u'>') || inputs_.isNext(u'/')) return;
         readAttribute();
     }
 }
 
-void TagReader::readAttribute() {
-    Attribute attribute{};
-    if (const CachedName* const name = names_.readQNameFast()) {
-        attribute.name = {name->prefix, name->localName};
-    } else if (!names_.readQName(attribute.name)) {
-        errors_.report(XmlError::AttributeName, literals_.read(LiteralType::Offending));
-    }
-    if (inputs_.isNext(u'=')) {
-        inputs_.readChar();
+inline Attribute& TagReader::addAttribute(const QName& name, const CachedName* written, std::u16string_view value) {
+    if (written && written->lastTag != tagCount_) {
+        written->lastTag = tagCount_;
     } else {
-        inputs_.skipWhitespace();
-        const std::int32_t c = inputs_.readChar();
-        if (c != '=') {
-            inputs_.unreadChar(c);
-            errors_.report(XmlError::AttributeEquals);
-        }
+        mayRepeat_ = true;
     }
-    UnitBuffer& text = attributes_.text();
-    attribute.valueStart = text.size();
-    if (!readValueFast()) {
-        inputs_.skipWhitespace();
-        literals_.read(LiteralType::Attribute, text);
-    }
-    attribute.valueSize = text.size() - attribute.valueStart;
-    const bool isDefault = attribute.name.prefix.isNull() && attribute.name.localName == NAME_xmlns;
-    if (isDefault || attribute.name.prefix == NAME_xmlns) {
-        const LumName uri(internName(text.data() + attribute.valueStart, attribute.valueSize));
-        namespaces_->addNamespace(isDefault ? LumName() : attribute.name.localName, uri);
-        attribute.namespaceUri = NAME_NS_XMLNS;
-    }
-    attributes_.add(attribute);
+    hasPrefixes_ |= !name.prefix.isNull();
+    return attributes_.add(name, value);
 }
 
-bool TagReader::readValueFast() {
+bool TagReader::readPlainAttributes() {
     XmlCursor& cursor = inputs_.cursor();
-    const char16_t* p = cursor.cur;
     const char16_t* const end = cursor.end;
-    if (p == end || (*p != '"' && *p != '\'')) return false;
-    const char16_t delimiter = *p++;
-    const char16_t* const start = p;
-    p = findValueEnd(p, end, delimiter);
-    if (p == end || *p != delimiter) return false;
-    const auto size = static_cast<std::size_t>(p - start);
-    if (size <= maxShortValueUnits && inputs_.hasSlack()) {
-        attributes_.text().appendShort(start, size);
-    } else {
-        attributes_.text().append(start, size);
+    const char16_t* p = cursor.cur;  // after a name or a value
+    const bool lends = inputs_.lends();
+    bool isAtEnd = false;
+    for (;;) {
+        const char16_t* q = p;
+        while (q != end && isXmlSpace(*q)) ++q;
+        if (q == end) break;
+        if (*q == '>' || *q == '/') {
+            p = q;
+            isAtEnd = true;
+            break;
+        }
+        const CachedName* const name = q != p ? names_.match(q, end) : nullptr;
+        if (!name) break;
+        q += name->size;
+        if (*q != '=' || end - q < 2) break;
+        const char16_t delimiter = *++q;
+        if (delimiter != '"' && delimiter != '\'') break;
+        const char16_t* const value = ++q;
+        q = findValueEnd(q, end, delimiter);
+        if (q == end || *q != delimiter) break;
+        Attribute& attribute = addAttribute({name->prefix, name->localName}, name, {value, q});
+        if (!lends) attributes_.takeOver(attribute);
+        p = q + 1;
+        if (name->bindsPrefix) {
+            cursor.cur = p;
+            cursor.touch(p);
+            bindDeclaration(attribute);
+        }
     }
-    cursor.cur = p + 1;
-    cursor.touch(cursor.cur);
-    return true;
+    cursor.cur = p;
+    cursor.touch(p + (isAtEnd ? 1 : 0));
+    return isAtEnd;
+}
+
+void TagReader::readAttribute() {
+    QName name;
+    const CachedName* const cached = names_.readQNameFast();
+    if (cached) {
+        name = {cached->prefix, cached->localName};
+    } else if (!names_.readQName(name)) {
+        errors_.report(XmlError::AttributeName, literals_.read(LiteralType::Offending));
+    }
+    inputs_.skipWhitespace();
+    const std::int32_t c = inputs_.readChar();
+    if (c != '=') {
+        inputs_.unreadChar(c);
+        errors_.report(XmlError::AttributeEquals);
+    }
+    inputs_.skipWhitespace();
+    value_.clear();
+    literals_.read(LiteralType::Attribute, value_);
+    Attribute& attribute = addAttribute(name, cached, {value_.data(), value_.size()});
+    attributes_.takeOver(attribute);
+    if (bindsPrefix(name.prefix.getEnum(), name.localName.getEnum())) bindDeclaration(attribute);
+}
+
+void TagReader::bindDeclaration(Attribute& attribute) {
+    const std::u16string_view value = attributes_.valueOf(attribute);
+    const LumName uri(internName(value.data(), value.size()));
+    bind(attribute.name.prefix.isNull() ? LumName() : attribute.name.localName, uri);
+    attribute.namespaceUri = NAME_NS_XMLNS;
+    hasPrefixes_ = true;  // in effect
 }
 
 void TagReader::finishStartTag() {
@@ -181,14 +239,32 @@ void TagReader::bindRootNamespaces(LumName localName) {
     const bool isSvg = localName == NAME_svg;
     if (!isSvg && localName != NAME_chart) return;
     if (namespaces_->lookupNamespace(LumName()).isNull()) {
-        namespaces_->addNamespace(LumName(), nameOf(isSvg ? svgNamespace : chartNamespace));
+        bind(LumName(), nameOf(isSvg ? svgNamespace : chartNamespace));
     }
     if (namespaces_->lookupNamespace(NAME_xlink).isNull()) {
-        namespaces_->addNamespace(NAME_xlink, nameOf(xlinkNamespace));
+        bind(NAME_xlink, nameOf(xlinkNamespace));
     }
 }
 
 void TagReader::resolveAttributes() {
+    // Different names as written are different attributes, unless two prefixes stand for one namespace.
+    bool needsCheck = mayRepeat_;
+    LumName prefix;  // of the attribute before that is in a namespace
+    LumName uri;
+    for (std::size_t i = 0; i < attributes_.size() && !needsCheck; ++i) {
+        Attribute& attribute = attributes_[i];
+        if (attribute.namespaceUri.isNull()) {
+            if (attribute.name.prefix.isNull()) continue;
+            attribute.namespaceUri = attribute.name.prefix == prefix ? uri : lookupNamespace(attribute.name.prefix);
+        }
+        needsCheck = attribute.namespaceUri.isNull() || (!uri.isNull() && prefix != attribute.name.prefix);
+        prefix = attribute.name.prefix;
+        uri = attribute.namespaceUri;
+    }
+    if (needsCheck) checkAttributes();
+}
+
+void TagReader::checkAttributes() {
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         Attribute& attribute = attributes_[i];
         const LumName prefix = attribute.name.prefix;
@@ -215,21 +291,7 @@ std::size_t TagReader::findAttribute(LumName namespaceUri, LumName localName) co
     return i;
 }
 
-bool TagReader::readEndTagFast() {
-    const CachedName* const open = openNames_.empty() ? nullptr : openNames_.back();
-    XmlCursor& cursor = inputs_.cursor();
-    if (!open || static_cast<std::size_t>(cursor.end - cursor.cur) <= open->size) return false;
-    const char16_t* const end = cursor.cur + open->size;
-    if (*end != '>' || !open->matches(cursor.cur)) return false;
-    cursor.cur = end + 1;
-    cursor.touch(cursor.cur);
-    return true;
-}
-
-void TagReader::readEndTag() {
-    event_.type = LumXmlParser::END_TAG;
-    event_.next = TokenKind::Unknown;
-    if (readEndTagFast()) return;
+void TagReader::readOtherEndTag() {
     std::int32_t c = inputs_.readChar();
     if (isXmlSpace(c)) {
         errors_.report(XmlError::UnexpectedSpace, u"</");
@@ -238,18 +300,13 @@ void TagReader::readEndTag() {
     }
     QName name;
     if (!names_.readQName(name)) errors_.report(XmlError::EndTagName);
-    const NamespaceManager::NSScope& open = namespaces_->getInnermostScope();
+    const TagView& open = element();
     if (name.prefix != open.prefix || name.localName != open.localName) {
         errors_.report(XmlError::EndTagMismatch, name.toString(), QName{open.prefix, open.localName}.toString());
     }
     inputs_.skipWhitespace();
     c = inputs_.readChar();
     if (c != '>') errors_.report(XmlError::UnexpectedChar, charText(c));
-}
-
-void TagReader::closeElement() {
-    namespaces_->popScope();
-    if (!openNames_.empty()) openNames_.pop_back();
 }
 
 }  // namespace LumCommon::detail

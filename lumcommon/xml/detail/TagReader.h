@@ -2,20 +2,21 @@
 
 #include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/xml/detail/AttributeList.h>
+#include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/ParserEvent.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace LumCommon::detail {
 
 class ErrorReporter;
-class InputStack;
 class LiteralReader;
-class ParserEvent;
 class ParserPolicy;
 
 /// Reads start and end tags, and knows the elements that are open and the namespaces that are bound in them.
-class TagReader {
+class TagReader : private WindowBorrower {
 public:
     TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
               const ParserPolicy& policy, ErrorReporter& errors);
@@ -24,9 +25,22 @@ public:
 
     // After "<" and "</".
     void readStartTag();
-    void readEndTag();
+    void readEndTag() {
+        event_.type = LumXmlParser::END_TAG;
+        event_.next = TokenKind::Unknown;
+        // Nearly always it is the name of the start tag as it was written.
+        const CachedName* const open = open_.back().written;
+        XmlCursor& cursor = inputs_.cursor();
+        if (!open || !open->begins(cursor.cur, cursor.end) || cursor.cur[open->size] != '>') return readOtherEndTag();
+        cursor.cur += open->size + 1;
+        cursor.touch(cursor.cur);
+    }
     /// Leaves the innermost element, after its end has been reported.
-    void closeElement();
+    void closeElement() {
+        if (depth() == 0) return;
+        if (bindsOwn()) namespaces_->popScope();
+        open_.pop_back();
+    }
     /// Binds the namespaces that a document type implies outside of all elements.
     void bindDocType(const UnicodeString& publicId);
 
@@ -35,22 +49,43 @@ public:
     std::size_t findAttribute(LumName namespaceUri, LumName localName) const;
     /// Of the last start tag.
     const AttributeList& attributes() const noexcept { return attributes_; }
-    const NamespaceManager& namespaces() const noexcept { return *namespaces_; }
     /// The number of open elements.
-    int depth() const noexcept { return namespaces_->getScopeDepth(); }
+    int depth() const noexcept { return static_cast<int>(open_.size()) - 1; }
+    /// The names of the innermost element; null names outside of all elements.
+    const TagView& element() const noexcept { return open_.back().names; }
+    /// The number of prefixes bound by the element at that depth, and those of the innermost one by index.
+    int namespaceCount(int depth) const;
+    LumName namespacePrefix(int index) const;
+    LumName namespaceUri(int index) const;
+    LumName lookupNamespace(LumName prefix) const { return namespaces_->lookupNamespace(prefix); }
     bool isRootSeen() const noexcept { return isRootSeen_; }
     LumName rootName() const noexcept { return rootName_; }
     LumName rootNamespace() const noexcept { return rootNamespace_; }
 
 private:
-    bool isAtTagEnd() noexcept;
+    struct OpenElement {
+        TagView names;
+        int scopes;                 // of namespaces_ that are open in it
+        const CachedName* written;  // null where the cache does not know the name
+        std::uint64_t bindings;     // a number that no other set of bindings has had
+    };
+
     void readAttributes();
+    bool readPlainAttributes();
     void readAttribute();
-    bool readValueFast();
+    Attribute& addAttribute(const QName& name, const CachedName* written, std::u16string_view borrowedValue);
+    void windowMoves() override;
+    void bindDeclaration(Attribute& attribute);
     void finishStartTag();
+    void bind(LumName prefix, LumName uri);
     void bindRootNamespaces(LumName localName);
+    bool bindsOwn() const noexcept {
+        return open_.size() == 1 || open_.back().scopes != open_[open_.size() - 2].scopes;
+    }
+    LumName namespaceOf(const CachedName& name) const;
     void resolveAttributes();
-    bool readEndTagFast();
+    void checkAttributes();
+    void readOtherEndTag();
 
     ParserEvent& event_;
     InputStack& inputs_;
@@ -60,8 +95,13 @@ private:
     ErrorReporter& errors_;
 
     AttributeList attributes_;
-    LumPtr<NamespaceManager> namespaces_;
-    std::vector<const CachedName*> openNames_;  // as written; null where the cache does not know the name
+    UnitBuffer value_;          // of the attribute being read, where it is not plain
+    bool mayRepeat_ = false;    // two attributes may have the same name as written
+    bool hasPrefixes_ = false;  // some attributes may be in a namespace
+    std::uint64_t tagCount_ = 0;
+    LumPtr<NamespaceManager> namespaces_;  // has a scope for each open element that binds a prefix
+    std::uint64_t bindingsCount_ = 0;
+    std::vector<OpenElement> open_{OpenElement{}};  // after one that stands for the document
     bool isRootSeen_ = false;
     LumName rootName_;
     LumName rootNamespace_;

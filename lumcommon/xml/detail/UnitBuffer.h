@@ -12,8 +12,6 @@ namespace LumCommon::detail {
 /// A growing run of UTF-16 units that keeps its memory when it is emptied, so that filling it again allocates nothing.
 class UnitBuffer {
 public:
-    static constexpr std::size_t slackUnits = 8;
-
     const char16_t* data() const noexcept { return units_.get(); }
     std::size_t size() const noexcept { return size_; }
     bool empty() const noexcept { return size_ == 0; }
@@ -25,16 +23,6 @@ public:
         if (count == 0) return;  // there may be no memory on either side
         if (count > capacity_ - size_) grow(count);
         std::memcpy(units_.get() + size_, units, count * sizeof(char16_t));
-        size_ += count;
-    }
-    /// The same for a short run that lies in memory with at least `slackUnits` readable units after it: copies whole
-    /// vectors without asking for the exact length.
-    void appendShort(const char16_t* units, std::size_t count) {
-        if (count + slackUnits > capacity_ - size_) grow(count + slackUnits);
-        char16_t* const to = units_.get() + size_;
-        for (std::size_t i = 0; i < count; i += slackUnits) {
-            std::memcpy(to + i, units + i, slackUnits * sizeof(char16_t));
-        }
         size_ += count;
     }
     void append(char16_t unit) {
@@ -52,14 +40,6 @@ public:
         }
     }
 
-    /// Lends a part of the run. The string is valid until the buffer changes; a copy of it owns its text.
-    void lend(std::size_t start, std::size_t size, icu::UnicodeString& out) const {
-        if (size == 0) {
-            out.remove();
-        } else {
-            out.setTo(false, units_.get() + start, static_cast<std::int32_t>(size));
-        }
-    }
     icu::UnicodeString toString() const {
         return size_ == 0 ? icu::UnicodeString() : icu::UnicodeString(units_.get(), static_cast<std::int32_t>(size_));
     }

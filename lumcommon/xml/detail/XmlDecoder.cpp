@@ -104,6 +104,55 @@ inline bool decodeUtf32Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     return true;
 }
 
+/// Characters of two and three bytes, with single ones of one byte between them, as text beyond Latin is made of.
+/// Stops before whatever is not as simple as that: a line end, a form that is too long, a surrogate, a fourth ASCII
+/// character in a row, the last few bytes.
+inline void decodeLetters(Bytes& from, Bytes end, char16_t*& to, const char16_t* toEnd) noexcept {
+    Bytes p = from;
+    char16_t* out = to;
+    for (unsigned asciiRun = 0; end - p >= 8 && toEnd - out >= 4;) {
+        std::uint64_t word;
+        std::memcpy(&word, p, sizeof word);
+        const std::uint64_t others = (word & 0xC0E0C0E0C0E0C0E0u) ^ 0x80C080C080C080C0u;
+        if (const int count = std::countr_zero(others) / 16; count > 0) {
+            // Up to four characters of two bytes. Below U+00A0 lie a line end and forms that are too long.
+            const std::uint64_t units = ((word & 0x001F001F001F001Fu) << 6) | ((word >> 8) & 0x003F003F003F003Fu);
+            const std::uint64_t low = ~(units + 0x7F607F607F607F60u) & 0x8000800080008000u;
+            if (std::countr_zero(low) / 16 < count) break;
+            std::memcpy(out, &units, sizeof units);
+            p += 2 * count;
+            out += count;
+            asciiRun = 0;
+            continue;
+        }
+        const auto lead = static_cast<std::uint32_t>(word) & 0xFFu;
+        if (lead < 0x80) {
+            if (lead == '\r' || ++asciiRun > 3) break;
+            *out++ = static_cast<char16_t>(lead);
+            ++p;
+            continue;
+        }
+        if ((word & 0x00C0C0F0u) != 0x008080E0u) break;
+        // Three bytes each. Below U+0800 lie forms that are too long.
+        bool isPlain;
+        auto sequence = static_cast<std::uint32_t>(word);
+        do {
+            const std::uint32_t unit =
+                ((sequence & 0x0Fu) << 12) | ((sequence >> 2) & 0x0FC0u) | ((sequence >> 16) & 0x3Fu);
+            isPlain = unit >= 0x800 && unit != 0x2028 && !U16_IS_SURROGATE(unit);
+            if (!isPlain) break;
+            *out++ = static_cast<char16_t>(unit);
+            p += 3;
+            if (end - p < 4 || out == toEnd) break;
+            std::memcpy(&sequence, p, sizeof sequence);
+        } while ((sequence & 0x00C0C0F0u) == 0x008080E0u);
+        if (!isPlain) break;
+        asciiRun = 0;
+    }
+    from = p;
+    to = out;
+}
+
 }  // namespace
 
 struct XmlDecoder::Run {
@@ -136,8 +185,10 @@ void XmlDecoder::put(Run& run, std::int32_t c) noexcept {
     if (isSecondHalf) return;
     if (c == '\r' || c == 0x85 || c == 0x2028) c = '\n';
     if (c < 0x10000) {
+        if (U16_IS_LEAD(c)) hasSurrogates = true;
         *run.to++ = static_cast<char16_t>(c);
     } else {
+        hasSurrogates = true;
         *run.to++ = U16_LEAD(c);
         *run.to++ = U16_TRAIL(c);
     }
@@ -177,22 +228,10 @@ void XmlDecoder::decodeUtf8(Run& run) noexcept {
             if (from == run.fromEnd || run.toEnd - to < 2) break;
         }
 #endif
-        if (*from >= 0xE2) {
-            // Ideographs and kana come in long runs. Below U+2029 lie a line end and overlong forms of others.
+        if (!isAfterReturn_) {
             const Bytes start = from;
-            while (run.fromEnd - from >= 4 && to != run.toEnd) {
-                std::uint32_t word;
-                std::memcpy(&word, from, sizeof word);
-                if ((word & 0x00C0C0F0u) != 0x008080E0u) break;
-                const std::uint32_t unit = ((word & 0x0Fu) << 12) | ((word >> 2) & 0x0FC0u) | ((word >> 16) & 0x3Fu);
-                if (unit < 0x2029) break;
-                *to++ = static_cast<char16_t>(unit);
-                from += 3;
-            }
-            if (from != start) {
-                isAfterReturn_ = false;
-                continue;
-            }
+            decodeLetters(from, run.fromEnd, to, run.toEnd);
+            if (from != start) continue;
         }
         std::int32_t c;
         if (!decodeUtf8Sequence(from, run.fromEnd, run.isLast, c)) break;

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <istream>
 #include <memory>
-#include <vector>
 
 namespace LumCommon::detail {
 
@@ -52,9 +51,12 @@ public:
     /// From now on decodes whole blocks.
     void unleash() noexcept { isLeashed_ = false; }
 
-    /// The position after the furthest unit read.
-    TextPosition getPosition(const XmlCursor& cursor);
-    void setPosition(TextPosition position) noexcept { position_ = position; }
+    /// The position after the furthest unit read.   Cost: constant on average, wherever it is asked.
+    TextPosition getPosition(const XmlCursor& cursor) {
+        if (!feedsEnd_ || cursor.high < counted_) return countPosition(cursor);
+        while (nextFeed_ != feedsEnd_ && counted_ + *nextFeed_ < cursor.high) ++nextFeed_;
+        return positionBy(nextFeed_, cursor.high);
+    }
 
     /// Reads what follows in another charset than the decoder knows, through ICU's converters. Before detectEncoding()
     /// that holds unless a byte order mark comes. False, and nothing changed, when the charset is unknown.
@@ -75,6 +77,14 @@ private:
     class Remainder;
 
     bool fillBytes();
+    TextPosition countPosition(const XmlCursor& cursor);
+    TextPosition positionBy(const std::uint16_t* nextFeed, const char16_t* high) const noexcept {
+        if (nextFeed == feeds_.get()) {
+            return {position_.line, position_.column + static_cast<std::int32_t>(high - counted_)};
+        }
+        return {position_.line + static_cast<std::int32_t>(nextFeed - feeds_.get()),
+                static_cast<std::int32_t>(high - counted_) - nextFeed[-1] - 1};
+    }
     std::istream* source() noexcept;
     int peekByte(std::size_t index);
     void pushUncounted(XmlCursor& cursor, char16_t unit);
@@ -95,7 +105,11 @@ private:
     XmlDecoder decoder_;
     TextPosition position_;              // of counted_
     const char16_t* counted_ = nullptr;  // in the window; units before it are in position_
-    std::vector<unsigned char> bytes_;
+    // The line feeds of the window after counted_, as distances from it; found once a position is asked for.
+    std::unique_ptr<std::uint16_t[]> feeds_;
+    const std::uint16_t* feedsEnd_ = nullptr;  // null: not looked for, or positions are not that simple
+    const std::uint16_t* nextFeed_ = nullptr;  // the first that has not been read
+    std::unique_ptr<unsigned char[]> bytes_;
     std::size_t byteStart_ = 0;
     std::size_t byteEnd_ = 0;
     std::uint64_t bytesRead_ = 0;
