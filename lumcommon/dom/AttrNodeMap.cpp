@@ -223,6 +223,23 @@ void AttrNodeMap::append(LumAttr* attr) {
     ++count_;
 }
 
+/// As append(), for a map without index and a new attribute without a count.
+void AttrNodeMap::appendFresh(Attr* attr) noexcept {
+    LumNode* const node = attr;
+    node->takeFirstRef();
+    LumNode* const end = link_.node;
+    if (isEmpty()) {
+        node->parent_ = end;
+        node->nextSibling_ = node;
+    } else {
+        node->parent_ = end->parent_;
+        node->nextSibling_ = end->nextSibling_;
+        end->nextSibling_ = node;
+    }
+    link_.node = node;
+    ++count_;
+}
+
 LumPtr<LumNode> AttrNodeMap::setItem(LumNode* node, LumCommonErrorSource source, bool isNodeName) {
     if (!node) throwCommonError(LumErrorCodeLumLIB::NullArgument, source);
     const LumNode* const owner = ownerElement();

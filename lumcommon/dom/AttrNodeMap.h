@@ -39,6 +39,7 @@ public:
     virtual LumPtr<LumAttr> removeAttrNode(LumAttr* attr);
 
 private:
+    friend class LumDocument;
     friend class LumElement;
 
     struct Index;
@@ -52,6 +53,7 @@ private:
     bool buildIndex() const;
     void dropIndex() const noexcept;
     void append(LumAttr* attr);
+    void appendFresh(Attr* attr) noexcept;
     LumPtr<LumNode> setItem(LumNode* node, LumCommonErrorSource source, bool isNodeName);
     LumPtr<LumNode> replaceOrAppend(LumNode* node, bool (*isSame)(const LumNode*, const LumNode*));
     LumPtr<LumNode> remove(LumNode* node);

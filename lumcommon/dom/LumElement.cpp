@@ -5,6 +5,7 @@
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
 #include <lumcommon/dom/detail/Restored.h>
+#include <lumcommon/values/detail/ValueText.h>
 
 #include <utility>
 
@@ -192,22 +193,22 @@ LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, L
 }
 
 void LumElement::setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value) {
-    if (LumAttr* attr = attributeForSetting(namespaceUri, prefix, localName)) attr->setValue(value);
+    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName);
+    if (!attr) return;
+    if (&value == &ownerDocument_->loadedValue_ && (isExactly<AttrNS>(*attr) || isExactly<Attr>(*attr))) {
+        static_cast<Attr*>(attr)->takeValue(detail::ValueText::share(value));
+    } else {
+        attr->setValue(value);
+    }
 }
 
 void LumElement::setAttributeEx(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) {
-    // With the library's own classes nobody can tell whether setAttributeNS and setValue are called, so the value moves
-    // into place without a second copy of the string.
-    if (!isExactly<ElementNS>(*this) && !isExactly<Element>(*this)) {
-        setAttributeNS(namespaceUri, prefix, localName, LumValue(value));
-        return;
-    }
-    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName);
-    if (!attr) return;
-    if (isExactly<AttrNS>(*attr) || isExactly<Attr>(*attr)) {
-        static_cast<Attr*>(attr)->takeValue(LumValue(value));
+    // While it loads, the document has the value already, and the attribute may share the string.
+    const LumValue& loaded = ownerDocument_->loadedValue_;
+    if (&value == loaded.getStringPointer()) {
+        setAttributeNS(namespaceUri, prefix, localName, loaded);
     } else {
-        attr->setValue(LumValue(value));
+        setAttributeNS(namespaceUri, prefix, localName, LumValue(value));
     }
 }
 

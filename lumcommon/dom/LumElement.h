@@ -85,6 +85,8 @@ protected:
     explicit LumElement(LumDocument* ownerDocument);
 
 private:
+    friend class LumDocument;
+
     AttrNodeMap* attributeMap() const;
     LumPtr<LumElement> cloneWithoutChildren() const;
     void copyDescendantsInto(LumNode* copy) const;

@@ -1,7 +1,12 @@
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumTextNode.h>
+#include <lumcommon/values/detail/ValueText.h>
 
 namespace LumCommon {
+
+LumTextNode::LumTextNode(LumDocument* ownerDocument, const Loaded& loaded) : LumNode(ownerDocument) {
+    detail::assignText(text_, loaded.text);
+}
 
 bool LumTextNode::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNode::isA(typeId); }
 

@@ -2,6 +2,8 @@
 
 #include <lumcommon/dom/LumNode.h>
 
+#include <string_view>
+
 namespace LumCommon {
 
 /// A run of character data. Its node name is "#text", its value the text.
@@ -40,6 +42,13 @@ public:
     virtual void setData(const UnicodeString& text);
 
 private:
+    friend class LumDocument;
+
+    struct Loaded {
+        std::u16string_view text;
+    };
+    LumTextNode(LumDocument* ownerDocument, const Loaded& loaded);
+
     UnicodeString text_;
 };
 
