@@ -88,7 +88,7 @@ void AttrNodeMap::forgetOwner() noexcept {
     while (attr) {
         LumNode* const next = attr == lastAttr ? nullptr : attr->nextSibling_;
         attr->parent_ = attr->nextSibling_ = nullptr;
-        attr->releaseRef();
+        if (attr->dropRef()) delete attr;
         attr = next;
     }
 }
