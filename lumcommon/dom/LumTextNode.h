@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/dom/LumNode.h>
+#include <lumcommon/dom/detail/NodeText.h>
 
 #include <string_view>
 
@@ -47,9 +48,9 @@ private:
     struct Loaded {
         std::u16string_view text;
     };
-    LumTextNode(LumDocument* ownerDocument, const Loaded& loaded);
+    LumTextNode(LumDocument* ownerDocument, const Loaded& loaded) : LumNode(ownerDocument), text_(loaded.text) {}
 
-    UnicodeString text_;
+    detail::NodeText text_;
 };
 
 /// A processing instruction; its text is everything between "<?" and "?>", target included. In all but its node
