@@ -12,7 +12,7 @@ inline constexpr std::size_t slabBytes = 65536;
 /// The slabs that no thread uses, for the whole process.
 ///
 /// Memory comes from the system in chunks of 32 slabs and goes back when it has not been used for long: the depot keeps
-/// at most 32 MB of unused slabs, plus up to 4 MB so that it need not ask the system for every slab.
+/// at most 64 MB of unused slabs, plus up to 4 MB so that it need not ask the system for every slab.
 /// Threads: any; a mutex is taken once a slab.
 class SlabDepot {
 public:
@@ -32,7 +32,7 @@ public:
 private:
     static constexpr std::size_t slabsPerChunk = 32;
     static constexpr std::size_t chunkBytes = slabsPerChunk * slabBytes;
-    static constexpr std::size_t keptSlabs = 512;
+    static constexpr std::size_t keptSlabs = 1024;
     static constexpr std::size_t trimStep = 64;
     static constexpr std::uint32_t allSlabs = 0xFFFFFFFFu;
 
