@@ -2,10 +2,13 @@
 #include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/detail/ExactType.h>
+#include <lumcommon/names/detail/UnitHash.h>
 
+#include <bit>
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace LumCommon {
 
@@ -19,13 +22,6 @@ constexpr unsigned indexThreshold = 32;
 std::uint64_t makeKey(LumName namespaceUri, LumName localName) noexcept {
     return std::uint64_t{namespaceUri.getEnum()} << 32 | localName.getEnum();
 }
-
-struct KeyHash {
-    std::size_t operator()(std::uint64_t key) const noexcept {
-        key *= 0x9E3779B97F4A7C15u;
-        return static_cast<std::size_t>(key ^ (key >> 32));
-    }
-};
 
 bool isQualifiedName(const UnicodeString& name, const UnicodeString& prefix, const UnicodeString& local) {
     const int colon = prefix.length();
@@ -43,8 +39,7 @@ bool hasSameNameNS(const LumNode* a, const LumNode* b) {
 
 /// The first attribute of each namespace and local name. It holds only attributes whose two names cannot change.
 struct AttrNodeMap::Index {
-    LumNode* last;
-    std::unordered_map<std::uint64_t, LumNode*, KeyHash> firstByName;
+    explicit Index(unsigned count) : slots_(std::bit_ceil(4 * std::size_t{count})) {}
 
     /// False when the names of `node` may change.
     bool add(LumNode* node) {
@@ -56,9 +51,43 @@ struct AttrNodeMap::Index {
         } else if (!isExactly<Attr>(*node)) {
             return false;
         }
-        firstByName.emplace(makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node);
+        if (2 * ++count_ > slots_.size()) grow();
+        insert({makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node});
         return true;
     }
+    LumNode* find(std::uint64_t key) const noexcept { return slots_[place(key)].node; }
+
+    LumNode* last = nullptr;
+
+private:
+    struct Slot {
+        std::uint64_t key;
+        LumNode* node = nullptr;  // null in a free slot
+    };
+
+    /// Where the key is, or else where it would go: the table always has free slots.
+    std::size_t place(std::uint64_t key) const noexcept {
+        // Keyed, so that nobody can craft names that all go to one place.
+        const detail::HashKey& hashKey = detail::processHashKey();
+        std::size_t at = static_cast<std::size_t>(detail::foldMultiply(key ^ hashKey.seed, hashKey.multiplier));
+        for (;; ++at) {
+            const Slot& slot = slots_[at &= slots_.size() - 1];
+            if (!slot.node || slot.key == key) return at;
+        }
+    }
+    void insert(const Slot& slot) noexcept {
+        Slot& there = slots_[place(slot.key)];
+        if (!there.node) there = slot;
+    }
+    void grow() {
+        const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
+        for (const Slot& slot : old) {
+            if (slot.node) insert(slot);
+        }
+    }
+
+    std::vector<Slot> slots_;  // as many as a power of two
+    std::size_t count_ = 0;
 };
 
 AttrNodeMap::AttrNodeMap(LumElement* ownerElement) noexcept { link_.node = ownerElement; }
@@ -145,9 +174,8 @@ LumNode* AttrNodeMap::findByName(LumName name) const {
 }
 
 bool AttrNodeMap::buildIndex() const {
-    auto index = std::make_unique<Index>();
+    auto index = std::make_unique<Index>(unsigned{count_});
     index->last = last();
-    index->firstByName.reserve(2 * std::size_t{count_});
     for (LumNode* attr = getFirstNode(); attr; attr = getNextNode(attr)) {
         if (index->add(attr)) continue;
         isIndexUseless_ = 1;
@@ -169,9 +197,7 @@ void AttrNodeMap::dropIndex() const noexcept {
 LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) const {
     if (isEmpty()) return nullptr;
     if (isIndexed_ || (count_ > indexThreshold && !isIndexUseless_ && buildIndex())) {
-        const auto& firstByName = link_.index->firstByName;
-        const auto found = firstByName.find(makeKey(namespaceUri, localName));
-        return found == firstByName.end() ? nullptr : found->second;
+        return link_.index->find(makeKey(namespaceUri, localName));
     }
     LumNode* const end = last();
     LumNode* attr = end;
