@@ -17,8 +17,6 @@ namespace {
 using detail::asExactly;
 using detail::isExactly;
 
-constexpr unsigned indexThreshold = 32;
-
 std::uint64_t makeKey(LumName namespaceUri, LumName localName) noexcept {
     return std::uint64_t{namespaceUri.getEnum()} << 32 | localName.getEnum();
 }
@@ -92,6 +90,11 @@ private:
 
 AttrNodeMap::AttrNodeMap(LumElement* ownerElement) noexcept { link_.node = ownerElement; }
 
+AttrNodeMap::AttrNodeMap(LumElement* ownerElement, LumNode* last, unsigned count) noexcept
+    : count_(count & 0x3FFFFFFFu) {
+    link_.node = last ? last : ownerElement;
+}
+
 AttrNodeMap::~AttrNodeMap() { forgetOwner(); }
 
 bool AttrNodeMap::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNamedNodeMap::isA(typeId); }
@@ -113,9 +116,14 @@ void AttrNodeMap::forgetOwner() noexcept {
     dropIndex();
     count_ = 0;
     link_.node = nullptr;
-    LumNode* attr = lastAttr ? lastAttr->nextSibling_ : nullptr;
+    release(lastAttr);
+}
+
+/// Detaches the attributes of an element that is being destroyed and gives up a count of each.
+void AttrNodeMap::release(LumNode* last) noexcept {
+    LumNode* attr = first(last);
     while (attr) {
-        LumNode* const next = attr == lastAttr ? nullptr : attr->nextSibling_;
+        LumNode* const next = after(attr, last);
         attr->parent_ = attr->nextSibling_ = nullptr;
         if (attr->dropRef()) delete attr;
         attr = next;
@@ -150,12 +158,8 @@ LumNode* AttrNodeMap::item(int index) const {
 
 // Finding
 
-LumNode* AttrNodeMap::findByName(LumName name) const {
-    if (isEmpty()) return nullptr;
-    LumNode* const end = last();
-    LumNode* attr = end;
-    do {
-        attr = attr->nextSibling_;
+LumNode* AttrNodeMap::find(LumNode* last, LumName name) {
+    for (LumNode* attr = first(last); attr; attr = after(attr, last)) {
         if (isExactly<Attr>(*attr)) [[likely]] {
             if (static_cast<const Attr*>(attr)->value_.getNameKey() == name.getEnum()) return attr;
         } else if (const AttrNS* attrNS = asExactly<AttrNS>(*attr)) {
@@ -169,7 +173,7 @@ LumNode* AttrNodeMap::findByName(LumName name) const {
         } else if (attr->getNodeName() == name) {
             return attr;
         }
-    } while (attr != end);
+    }
     return nullptr;
 }
 
@@ -199,10 +203,11 @@ LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) cons
     if (isIndexed_ || (count_ > indexThreshold && !isIndexUseless_ && buildIndex())) {
         return link_.index->find(makeKey(namespaceUri, localName));
     }
-    LumNode* const end = last();
-    LumNode* attr = end;
-    do {
-        attr = attr->nextSibling_;
+    return findNS(last(), namespaceUri, localName);
+}
+
+LumNode* AttrNodeMap::findNS(LumNode* last, LumName namespaceUri, LumName localName) {
+    for (LumNode* attr = first(last); attr; attr = after(attr, last)) {
         if (isExactly<Attr>(*attr)) [[likely]] {
             const bool isNamed = static_cast<const Attr*>(attr)->value_.getNameKey() == localName.getEnum();
             if (isNamed && namespaceUri.isNull()) return attr;
@@ -212,11 +217,11 @@ LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) cons
         } else if (attr->getLocalName() == localName && attr->getNamespaceUri() == namespaceUri) {
             return attr;
         }
-    } while (attr != end);
+    }
     return nullptr;
 }
 
-LumNode* AttrNodeMap::getNamedItem(LumName name) const { return findByName(name); }
+LumNode* AttrNodeMap::getNamedItem(LumName name) const { return find(isEmpty() ? nullptr : last(), name); }
 
 LumNode* AttrNodeMap::getNamedItemNS(LumName namespaceUri, LumName localName) const {
     return findByNameNS(namespaceUri, localName);
@@ -231,6 +236,14 @@ void AttrNodeMap::getNamedItemLocal(LumName localName, std::vector<LumPtr<LumNod
 
 // Changing
 
+/// Puts `node` after the last attribute and returns it, as the new last one. The ring takes over one count.
+LumNode* AttrNodeMap::link(LumNode* last, LumNode* node, LumNode* owner) noexcept {
+    node->parent_ = owner;
+    node->nextSibling_ = last ? last->nextSibling_ : node;
+    if (last) last->nextSibling_ = node;
+    return node;
+}
+
 /// Adds an attribute that is not in the map yet, as the last one. The map takes over one count.
 void AttrNodeMap::append(LumAttr* attr) {
     LumNode* const node = attr;
@@ -238,31 +251,8 @@ void AttrNodeMap::append(LumAttr* attr) {
         dropIndex();
         isIndexUseless_ = 1;
     }
-    node->parent_ = ownerElement();
-    if (isEmpty()) {
-        node->nextSibling_ = node;
-    } else {
-        node->nextSibling_ = last()->nextSibling_;
-        last()->nextSibling_ = node;
-    }
-    setLink(node);
-    ++count_;
-}
-
-/// As append(), for a map without index and a new attribute without a count.
-void AttrNodeMap::appendFresh(Attr* attr) noexcept {
-    LumNode* const node = attr;
-    node->takeFirstRef();
-    LumNode* const end = link_.node;
-    if (isEmpty()) {
-        node->parent_ = end;
-        node->nextSibling_ = node;
-    } else {
-        node->parent_ = end->parent_;
-        node->nextSibling_ = end->nextSibling_;
-        end->nextSibling_ = node;
-    }
-    link_.node = node;
+    LumNode* const end = isEmpty() ? nullptr : last();
+    setLink(link(end, node, ownerElement()));
     ++count_;
 }
 
@@ -324,7 +314,7 @@ LumPtr<LumNode> AttrNodeMap::remove(LumNode* node) {
     return LumPtr<LumNode>(node, false);
 }
 
-LumPtr<LumNode> AttrNodeMap::removeNamedItem(LumName name) { return remove(findByName(name)); }
+LumPtr<LumNode> AttrNodeMap::removeNamedItem(LumName name) { return remove(AttrNodeMap::getNamedItem(name)); }
 
 LumPtr<LumNode> AttrNodeMap::removeNamedItemNS(LumName namespaceUri, LumName localName) {
     return remove(findByNameNS(namespaceUri, localName));

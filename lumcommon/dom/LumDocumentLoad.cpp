@@ -1,7 +1,6 @@
 // Loading: turns the parser's events into nodes.
 
 #include <lumcommon/core/LumError.h>
-#include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -150,7 +149,6 @@ LumElement* LumDocument::addOwnElement(LumNode* parent, const XmlParserImpl& par
     made->sourceColumn_ = parser.getColumnNumber();
     // The parser has seen to it that no two attributes have the same name.
     const std::size_t count = parser.attributeViewCount();
-    AttrNodeMap* const map = count > 0 ? made->attributeMap() : nullptr;
     for (std::size_t i = 0; i < count; ++i) {
         const detail::AttributeView view = parser.attributeView(i);
         LumValue value = takeLoadedText(view.value);
@@ -158,7 +156,8 @@ LumElement* LumDocument::addOwnElement(LumNode* parent, const XmlParserImpl& par
                                ? new Attr(this, view.localName)
                                : new AttrNS(this, view.namespaceUri, view.prefix, view.localName);
         attr->takeValue(std::move(value));
-        map->appendFresh(attr);
+        static_cast<LumNode*>(attr)->takeFirstRef();
+        made->appendAttribute(attr);
     }
     parent->linkLast(made);
     static_cast<void>(element.detach());
