@@ -4,21 +4,18 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <latch>
 #include <thread>
 #include <vector>
+
+#include "support/ResidentMemory.h"
 
 namespace {
 
 using LumCommon::detail::allocateBlock;
 using LumCommon::detail::releaseBlock;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool isMemoryTold = false;  // the sanitizers keep memory of their own
-#else
-constexpr bool isMemoryTold = true;
-#endif
+using LumTest::isMemoryTold;
+using LumTest::residentBytes;
 
 constexpr std::size_t sizes[] = {1, 24, 72, 88, 512, 513};
 
@@ -45,12 +42,6 @@ struct Blocks {
         return changed;
     }
 };
-
-std::size_t residentBytes() {
-    std::size_t all = 0, pages = 0;
-    std::ifstream("/proc/self/statm") >> all >> pages;
-    return pages * 4096;
-}
 
 // Catches blocks that overlap, and slabs lost when the thread that releases is not the one that allocated, whether that
 // one goes on, has ended, or ends at the same time.
