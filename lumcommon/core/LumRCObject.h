@@ -49,8 +49,8 @@ public:
     }
     static void operator delete(void* block, std::size_t bytes) noexcept { detail::releaseBlock(block, bytes); }
     static void operator delete(void*, void*) noexcept {}
-    static void operator delete(void* block, std::size_t bytes, std::align_val_t alignment) noexcept {
-        ::operator delete(block, bytes, alignment);
+    static void operator delete(void* block, std::size_t, std::align_val_t alignment) noexcept {
+        ::operator delete(block, alignment);
     }
 
 protected:

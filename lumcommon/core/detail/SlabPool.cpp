@@ -24,7 +24,7 @@ namespace LumCommon::detail {
 
 void* allocateBlock(std::size_t bytes, BlockUse) { return ::operator new(bytes); }
 
-void releaseBlock(void* block, std::size_t bytes) noexcept { ::operator delete(block, bytes); }
+void releaseBlock(void* block, std::size_t) noexcept { ::operator delete(block); }
 
 #else
 
@@ -86,7 +86,7 @@ struct alignas(64) Slab {
         return block;
     }
 };
-static_assert(sizeof(Slab) == SlabDepot::headerBytes);
+static_assert(sizeof(Slab) <= SlabDepot::headerBytes);
 
 Slab* slabOf(void* block) noexcept {
     auto* const bytes = static_cast<std::byte*>(block);
@@ -370,7 +370,7 @@ void* allocateBlock(std::size_t bytes, BlockUse use) {
 
 void releaseBlock(void* block, std::size_t bytes) noexcept {
     if (bytes > maxPooledBytes) {
-        ::operator delete(block, bytes);
+        ::operator delete(block);
         return;
     }
     Slab* const slab = slabOf(block);
