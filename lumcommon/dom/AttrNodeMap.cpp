@@ -2,10 +2,13 @@
 #include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/detail/ExactType.h>
+#include <lumcommon/names/detail/UnitHash.h>
 
+#include <bit>
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace LumCommon {
 
@@ -14,18 +17,9 @@ namespace {
 using detail::asExactly;
 using detail::isExactly;
 
-constexpr unsigned indexThreshold = 32;
-
 std::uint64_t makeKey(LumName namespaceUri, LumName localName) noexcept {
     return std::uint64_t{namespaceUri.getEnum()} << 32 | localName.getEnum();
 }
-
-struct KeyHash {
-    std::size_t operator()(std::uint64_t key) const noexcept {
-        key *= 0x9E3779B97F4A7C15u;
-        return static_cast<std::size_t>(key ^ (key >> 32));
-    }
-};
 
 bool isQualifiedName(const UnicodeString& name, const UnicodeString& prefix, const UnicodeString& local) {
     const int colon = prefix.length();
@@ -43,8 +37,7 @@ bool hasSameNameNS(const LumNode* a, const LumNode* b) {
 
 /// The first attribute of each namespace and local name. It holds only attributes whose two names cannot change.
 struct AttrNodeMap::Index {
-    LumNode* last;
-    std::unordered_map<std::uint64_t, LumNode*, KeyHash> firstByName;
+    explicit Index(unsigned count) : slots_(std::bit_ceil(4 * std::size_t{count})) {}
 
     /// False when the names of `node` may change.
     bool add(LumNode* node) {
@@ -56,12 +49,51 @@ struct AttrNodeMap::Index {
         } else if (!isExactly<Attr>(*node)) {
             return false;
         }
-        firstByName.emplace(makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node);
+        if (2 * ++count_ > slots_.size()) grow();
+        insert({makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node});
         return true;
     }
+    LumNode* find(std::uint64_t key) const noexcept { return slots_[place(key)].node; }
+
+    LumNode* last = nullptr;
+
+private:
+    struct Slot {
+        std::uint64_t key;
+        LumNode* node = nullptr;  // null in a free slot
+    };
+
+    /// Where the key is, or else where it would go: the table always has free slots.
+    std::size_t place(std::uint64_t key) const noexcept {
+        // Keyed, so that nobody can craft names that all go to one place.
+        const detail::HashKey& hashKey = detail::processHashKey();
+        std::size_t at = static_cast<std::size_t>(detail::foldMultiply(key ^ hashKey.seed, hashKey.multiplier));
+        for (;; ++at) {
+            const Slot& slot = slots_[at &= slots_.size() - 1];
+            if (!slot.node || slot.key == key) return at;
+        }
+    }
+    void insert(const Slot& slot) noexcept {
+        Slot& there = slots_[place(slot.key)];
+        if (!there.node) there = slot;
+    }
+    void grow() {
+        const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
+        for (const Slot& slot : old) {
+            if (slot.node) insert(slot);
+        }
+    }
+
+    std::vector<Slot> slots_;  // as many as a power of two
+    std::size_t count_ = 0;
 };
 
 AttrNodeMap::AttrNodeMap(LumElement* ownerElement) noexcept { link_.node = ownerElement; }
+
+AttrNodeMap::AttrNodeMap(LumElement* ownerElement, LumNode* last, unsigned count) noexcept
+    : count_(count & 0x3FFFFFFFu) {
+    link_.node = last ? last : ownerElement;
+}
 
 AttrNodeMap::~AttrNodeMap() { forgetOwner(); }
 
@@ -84,11 +116,16 @@ void AttrNodeMap::forgetOwner() noexcept {
     dropIndex();
     count_ = 0;
     link_.node = nullptr;
-    LumNode* attr = lastAttr ? lastAttr->nextSibling_ : nullptr;
+    release(lastAttr);
+}
+
+/// Detaches the attributes of an element that is being destroyed and gives up a count of each.
+void AttrNodeMap::release(LumNode* last) noexcept {
+    LumNode* attr = first(last);
     while (attr) {
-        LumNode* const next = attr == lastAttr ? nullptr : attr->nextSibling_;
+        LumNode* const next = after(attr, last);
         attr->parent_ = attr->nextSibling_ = nullptr;
-        attr->releaseRef();
+        if (attr->dropRef()) delete attr;
         attr = next;
     }
 }
@@ -121,12 +158,8 @@ LumNode* AttrNodeMap::item(int index) const {
 
 // Finding
 
-LumNode* AttrNodeMap::findByName(LumName name) const {
-    if (isEmpty()) return nullptr;
-    LumNode* const end = last();
-    LumNode* attr = end;
-    do {
-        attr = attr->nextSibling_;
+LumNode* AttrNodeMap::find(LumNode* last, LumName name) {
+    for (LumNode* attr = first(last); attr; attr = after(attr, last)) {
         if (isExactly<Attr>(*attr)) [[likely]] {
             if (static_cast<const Attr*>(attr)->value_.getNameKey() == name.getEnum()) return attr;
         } else if (const AttrNS* attrNS = asExactly<AttrNS>(*attr)) {
@@ -140,14 +173,13 @@ LumNode* AttrNodeMap::findByName(LumName name) const {
         } else if (attr->getNodeName() == name) {
             return attr;
         }
-    } while (attr != end);
+    }
     return nullptr;
 }
 
 bool AttrNodeMap::buildIndex() const {
-    auto index = std::make_unique<Index>();
+    auto index = std::make_unique<Index>(unsigned{count_});
     index->last = last();
-    index->firstByName.reserve(2 * std::size_t{count_});
     for (LumNode* attr = getFirstNode(); attr; attr = getNextNode(attr)) {
         if (index->add(attr)) continue;
         isIndexUseless_ = 1;
@@ -169,14 +201,13 @@ void AttrNodeMap::dropIndex() const noexcept {
 LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) const {
     if (isEmpty()) return nullptr;
     if (isIndexed_ || (count_ > indexThreshold && !isIndexUseless_ && buildIndex())) {
-        const auto& firstByName = link_.index->firstByName;
-        const auto found = firstByName.find(makeKey(namespaceUri, localName));
-        return found == firstByName.end() ? nullptr : found->second;
+        return link_.index->find(makeKey(namespaceUri, localName));
     }
-    LumNode* const end = last();
-    LumNode* attr = end;
-    do {
-        attr = attr->nextSibling_;
+    return findNS(last(), namespaceUri, localName);
+}
+
+LumNode* AttrNodeMap::findNS(LumNode* last, LumName namespaceUri, LumName localName) {
+    for (LumNode* attr = first(last); attr; attr = after(attr, last)) {
         if (isExactly<Attr>(*attr)) [[likely]] {
             const bool isNamed = static_cast<const Attr*>(attr)->value_.getNameKey() == localName.getEnum();
             if (isNamed && namespaceUri.isNull()) return attr;
@@ -186,11 +217,11 @@ LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) cons
         } else if (attr->getLocalName() == localName && attr->getNamespaceUri() == namespaceUri) {
             return attr;
         }
-    } while (attr != end);
+    }
     return nullptr;
 }
 
-LumNode* AttrNodeMap::getNamedItem(LumName name) const { return findByName(name); }
+LumNode* AttrNodeMap::getNamedItem(LumName name) const { return find(isEmpty() ? nullptr : last(), name); }
 
 LumNode* AttrNodeMap::getNamedItemNS(LumName namespaceUri, LumName localName) const {
     return findByNameNS(namespaceUri, localName);
@@ -205,6 +236,14 @@ void AttrNodeMap::getNamedItemLocal(LumName localName, std::vector<LumPtr<LumNod
 
 // Changing
 
+/// Puts `node` after the last attribute and returns it, as the new last one. The ring takes over one count.
+LumNode* AttrNodeMap::link(LumNode* last, LumNode* node, LumNode* owner) noexcept {
+    node->parent_ = owner;
+    node->nextSibling_ = last ? last->nextSibling_ : node;
+    if (last) last->nextSibling_ = node;
+    return node;
+}
+
 /// Adds an attribute that is not in the map yet, as the last one. The map takes over one count.
 void AttrNodeMap::append(LumAttr* attr) {
     LumNode* const node = attr;
@@ -212,14 +251,8 @@ void AttrNodeMap::append(LumAttr* attr) {
         dropIndex();
         isIndexUseless_ = 1;
     }
-    node->parent_ = ownerElement();
-    if (isEmpty()) {
-        node->nextSibling_ = node;
-    } else {
-        node->nextSibling_ = last()->nextSibling_;
-        last()->nextSibling_ = node;
-    }
-    setLink(node);
+    LumNode* const end = isEmpty() ? nullptr : last();
+    setLink(link(end, node, ownerElement()));
     ++count_;
 }
 
@@ -281,7 +314,7 @@ LumPtr<LumNode> AttrNodeMap::remove(LumNode* node) {
     return LumPtr<LumNode>(node, false);
 }
 
-LumPtr<LumNode> AttrNodeMap::removeNamedItem(LumName name) { return remove(findByName(name)); }
+LumPtr<LumNode> AttrNodeMap::removeNamedItem(LumName name) { return remove(AttrNodeMap::getNamedItem(name)); }
 
 LumPtr<LumNode> AttrNodeMap::removeNamedItemNS(LumName namespaceUri, LumName localName) {
     return remove(findByNameNS(namespaceUri, localName));

@@ -43,11 +43,22 @@ private:
 
     struct Index;
 
+    /// Takes over the attributes that the element has without a map.
+    AttrNodeMap(LumElement* ownerElement, LumNode* last, unsigned count) noexcept;
+    // Rings of attributes, with or without a map. `last` is the last attribute, null when there are none.
+    static LumNode* first(LumNode* last) noexcept { return last ? last->nextSibling_ : nullptr; }
+    static LumNode* after(const LumNode* node, const LumNode* last) noexcept {
+        return node == last ? nullptr : node->nextSibling_;
+    }
+    static LumNode* find(LumNode* last, LumName name);
+    static LumNode* findNS(LumNode* last, LumName namespaceUri, LumName localName);
+    static LumNode* link(LumNode* last, LumNode* node, LumNode* owner) noexcept;
+    static void release(LumNode* last) noexcept;
+
     bool isEmpty() const noexcept { return count_ == 0; }
     LumNode* last() const noexcept;
     void setLink(LumNode* link) noexcept;
     LumElement* ownerElement() const noexcept;
-    LumNode* findByName(LumName name) const;
     LumNode* findByNameNS(LumName namespaceUri, LumName localName) const;
     bool buildIndex() const;
     void dropIndex() const noexcept;
@@ -56,6 +67,8 @@ private:
     LumPtr<LumNode> replaceOrAppend(LumNode* node, bool (*isSame)(const LumNode*, const LumNode*));
     LumPtr<LumNode> remove(LumNode* node);
     void forgetOwner() noexcept;
+
+    static constexpr unsigned indexThreshold = 32;
 
     // Documents have many elements, and most have few attributes: one pointer serves three purposes, so that the map
     // stays at three words.

@@ -69,8 +69,10 @@ public:
 
 private:
     friend class AttrNodeMap;
+    friend class LumDocument;
     friend class LumElement;
 
+    /// As setValue(), of a string that need not be copied.
     void takeValue(LumValue&& value) noexcept;
 
     LumValue value_;

@@ -4,6 +4,7 @@
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
+#include <lumcommon/dom/detail/LoadedTexts.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/xml/LumXmlParser.h>

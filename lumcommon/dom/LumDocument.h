@@ -5,9 +5,13 @@
 
 #include <iosfwd>
 #include <memory>
+#include <string_view>
 
 namespace LumCommon {
 
+namespace detail {
+class LoadedTexts;
+}
 class LumAttr;
 class LumDocumentFragment;
 class LumElement;
@@ -16,6 +20,7 @@ class LumPINode;
 class LumTextNode;
 class LumXmlParser;
 class LumXmlSerializer;
+class XmlParserImpl;
 
 /// The root of a tree, the factory of its nodes, its loader and its writer.
 ///
@@ -121,11 +126,16 @@ public:
     void setSerializer(LumXmlSerializer* serializer);
 
 private:
+    friend class LumElement;
     class Reading;
 
     void startLoad(LumNode* target, const UnicodeString& uri);
-    LumNode* readNode(LumXmlParser& parser);
-    LumPtr<LumElement> readElement(LumXmlParser& parser);
+    LumNode* readNode(Reading& reading);
+    LumElement* addOwnElement(LumNode* parent, const XmlParserImpl& parser);
+    LumNode* addOwnText(LumNode* parent, const XmlParserImpl& parser);
+    LumPtr<LumElement> readElement(Reading& reading);
+    void setLoadedAttributes(LumElement* element, const XmlParserImpl& parser);
+    LumValue takeLoadedText(std::u16string_view text);
     static LumNode* closeElement(LumNode* element) noexcept;
     void setCursor(LumNode* node) noexcept;
     void writeAll(LumNode* node, const UnicodeString& comment, const UnicodeString& doctype,
@@ -137,9 +147,11 @@ private:
     LumPtr<LumXmlSerializer> serializer_;
     UnicodeString inputOption_;
     UnicodeString documentUri_;
-    LumNode* loadCursor_ = nullptr;  // the node that receives what is read next
-    LumPtr<LumNode> cursorHolder_;   // holds the cursor between reads, unless it is this document
-    int skipDepth_ = 0;              // non-zero while an element that was not created is skipped
+    LumNode* loadCursor_ = nullptr;                     // the node that receives what is read next
+    LumPtr<LumNode> cursorHolder_;                      // holds the cursor between reads, unless it is this document
+    std::unique_ptr<detail::LoadedTexts> loadedTexts_;  // while attributes are being loaded
+    LumValue loadedValue_;                              // of the attribute that is being set
+    int skipDepth_ = 0;                                 // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
     bool isReading_ = false;
     LumLock loadLock_;

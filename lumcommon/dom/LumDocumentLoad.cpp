@@ -1,11 +1,16 @@
 // Loading: turns the parser's events into nodes.
 
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
+#include <lumcommon/dom/LumTextNode.h>
+#include <lumcommon/dom/detail/ExactType.h>
+#include <lumcommon/dom/detail/LoadedTexts.h>
 #include <lumcommon/dom/detail/StringInput.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/XmlParserImpl.h>
 
 namespace LumCommon {
 
@@ -16,6 +21,8 @@ public:
         : document_(document), lock_(&document.loadLock_), isNested_(document.isReading_) {
         if (isNested_) return;
         parser_ = LumPtr<LumXmlParser>(document.getParser());
+        ownParser_ = detail::asExactly<XmlParserImpl>(*parser_);
+        isOwnDocument_ = ownParser_ && detail::isExactly<LumDocument>(document);
         document.isReading_ = true;
     }
     Reading(const Reading&) = delete;
@@ -32,15 +39,26 @@ public:
     LumNode* readNode() {
         if (isNested_) return nullptr;
         isDone_ = false;
-        LumNode* const node = document_.readNode(*parser_);
+        LumNode* const node = document_.readNode(*this);
         isDone_ = true;
         return node;
+    }
+
+    LumXmlParser& parser() const noexcept { return *parser_; }
+    /// Null when the parser is of somebody else's class.
+    XmlParserImpl* ownParser() const noexcept { return ownParser_; }
+    LumXmlParser::EventType nextEvent() { return ownParser_ ? ownParser_->next() : parser_->next(); }
+    /// Whether nobody can tell how a child gets below `parent`: the classes are all the library's own.
+    bool isOwn(const LumNode* parent) const noexcept {
+        return isOwnDocument_ && (detail::isExactly<ElementNS>(*parent) || parent == &document_);
     }
 
 private:
     LumDocument& document_;
     LumMutex lock_;
     LumPtr<LumXmlParser> parser_;  // held: a hook may replace the document's parser
+    XmlParserImpl* ownParser_ = nullptr;
+    bool isOwnDocument_ = false;
     bool isNested_;
     bool isDone_ = true;
 };
@@ -60,6 +78,7 @@ void LumDocument::setParser(LumXmlParser* parser) {
 void LumDocument::setCursor(LumNode* node) noexcept {
     loadCursor_ = node;
     cursorHolder_ = node == this ? nullptr : node;
+    if (!node) loadedTexts_ = nullptr;
 }
 
 void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
@@ -115,34 +134,88 @@ LumNode* LumDocument::closeElement(LumNode* element) noexcept {
     return parent;
 }
 
+LumValue LumDocument::takeLoadedText(std::u16string_view text) {
+    if (!loadedTexts_) loadedTexts_ = std::make_unique<detail::LoadedTexts>();
+    return loadedTexts_->take(text);
+}
+
+/// Adds the element of the current start tag to the children of `parent`, where all classes are the library's own.
+LumElement* LumDocument::addOwnElement(LumNode* parent, const XmlParserImpl& parser) {
+    const detail::TagView tag = parser.tagView();
+    LumPtr<ElementNS> element = firstPointer(new ElementNS(this, tag.namespaceUri, tag.prefix, tag.localName));
+    LumElement* const made = element.get();
+    static_cast<LumNode*>(made)->flags_ |= FLAG_LOADING;
+    made->sourceLine_ = parser.getLineNumber();
+    made->sourceColumn_ = parser.getColumnNumber();
+    // The parser has seen to it that no two attributes have the same name.
+    const std::size_t count = parser.attributeViewCount();
+    for (std::size_t i = 0; i < count; ++i) {
+        const detail::AttributeView view = parser.attributeView(i);
+        LumValue value = takeLoadedText(view.value);
+        Attr* const attr = view.prefix.isNull() && view.namespaceUri.isNull()
+                               ? new Attr(this, view.localName)
+                               : new AttrNS(this, view.namespaceUri, view.prefix, view.localName);
+        attr->takeValue(std::move(value));
+        static_cast<LumNode*>(attr)->takeFirstRef();
+        made->appendAttribute(attr);
+    }
+    parent->linkLast(made);
+    static_cast<void>(element.detach());
+    return made;
+}
+
+LumNode* LumDocument::addOwnText(LumNode* parent, const XmlParserImpl& parser) {
+    LumNode* const text = firstPointer(new LumTextNode(this, LumTextNode::Loaded{parser.textView()})).detach();
+    parent->linkLast(text);
+    return text;
+}
+
+/// Sets the attributes of the current start tag on an element of any class.
+void LumDocument::setLoadedAttributes(LumElement* element, const XmlParserImpl& parser) {
+    const std::size_t count = parser.attributeViewCount();
+    for (std::size_t i = 0; i < count; ++i) {
+        const detail::AttributeView view = parser.attributeView(i);
+        loadedValue_ = takeLoadedText(view.value);
+        element->setAttributeEx(view.namespaceUri, view.prefix, view.localName, *loadedValue_.getStringPointer());
+    }
+    loadedValue_ = LumValue();
+}
+
 /// The element of the current start tag with its attributes; null when a derived document does not create it.
-LumPtr<LumElement> LumDocument::readElement(LumXmlParser& parser) {
+LumPtr<LumElement> LumDocument::readElement(Reading& reading) {
+    LumXmlParser& parser = reading.parser();
     LumPtr<LumElement> element = createElementNS(parser.getNamespace(), parser.getPrefix(), parser.getName());
     if (!element) return element;
     static_cast<LumNode&>(*element).flags_ |= FLAG_LOADING;
     element->setSourceLineNumber(parser.getLineNumber());
     element->setSourceColumnNumber(parser.getColumnNumber());
-    const int count = parser.getAttributeCount();
-    for (int i = 0; i < count; ++i) {
-        element->setAttributeEx(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
-                                parser.getAttributeName(i), parser.getAttributeValue(i));
+    if (const XmlParserImpl* const own = reading.ownParser()) {
+        setLoadedAttributes(element.get(), *own);
+    } else {
+        const int count = parser.getAttributeCount();
+        for (int i = 0; i < count; ++i) {
+            element->setAttributeEx(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
+                                    parser.getAttributeName(i), parser.getAttributeValue(i));
+        }
     }
     element->finishAttributes();
     return element;
 }
 
-LumNode* LumDocument::readNode(LumXmlParser& parser) {
+LumNode* LumDocument::readNode(Reading& reading) {
     LumNode* parent = loadCursor_;
     // The cursor does not change while hooks run; if it is null afterwards, one of them has called abort().
     while (parent && loadCursor_) {
-        const LumXmlParser::EventType event = parser.next();
+        const LumXmlParser::EventType event = reading.nextEvent();
+        LumXmlParser& parser = reading.parser();
         if (skipDepth_ != 0 && event != LumXmlParser::END_DOCUMENT) {
             if (event == LumXmlParser::END_TAG && parser.getDepth() == skipDepth_) skipDepth_ = 0;
             continue;
         }
         switch (event) {
             case LumXmlParser::START_TAG:
-                if (const LumPtr<LumElement> element = readElement(parser)) {
+                if (reading.isOwn(parent)) return loadCursor_ = addOwnElement(parent, *reading.ownParser());
+                if (const LumPtr<LumElement> element = readElement(reading)) {
                     LumNode* const placed = parent->appendChildEx(element.get());
                     if (loadCursor_) loadCursor_ = placed;
                     return placed;
@@ -150,6 +223,10 @@ LumNode* LumDocument::readNode(LumXmlParser& parser) {
                 skipDepth_ = parser.getDepth();
                 break;
             case LumXmlParser::TEXT:
+                if (reading.isOwn(parent)) {
+                    loadCursor_ = parent;
+                    return addOwnText(parent, *reading.ownParser());
+                }
                 if (LumNode* const text = parent->appendChildText(parser.getText())) {
                     // Nothing is loaded into a text, so loading continues in the parent of the text.
                     const bool isLeaf = text->isText() && !(text->flags_ & FLAG_LOADING);

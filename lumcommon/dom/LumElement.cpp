@@ -5,6 +5,7 @@
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
 #include <lumcommon/dom/detail/Restored.h>
+#include <lumcommon/values/detail/ValueText.h>
 
 #include <utility>
 
@@ -13,9 +14,15 @@ namespace LumCommon {
 LumElement::LumElement(LumDocument* ownerDocument) : LumNode(ownerDocument) {}
 
 LumElement::~LumElement() {
-    if (!attributes_) return;
-    attributes_->forgetOwner();
-    attributes_->releaseRef();
+    const Attributes old = attributes_;
+    attributes_.last = nullptr;
+    if (!hasMap_) {
+        AttrNodeMap::release(old.last);
+        return;
+    }
+    hasMap_ = 0;
+    old.map->forgetOwner();
+    old.map->releaseRef();
 }
 
 bool LumElement::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNode::isA(typeId); }
@@ -27,16 +34,41 @@ int LumElement::getNodeType() const { return ELEMENT_NODE; }
 bool LumElement::isElementNode() const { return true; }
 
 AttrNodeMap* LumElement::attributeMap() const {
-    if (!attributes_) {
-        attributes_ = new AttrNodeMap(const_cast<LumElement*>(this));
-        attributes_->addRef();
+    if (!hasMap_) {
+        auto* const map = new AttrNodeMap(const_cast<LumElement*>(this), attributes_.last, attributeCount_);
+        map->addRef();
+        attributes_.map = map;
+        hasMap_ = 1;
     }
-    return attributes_;
+    return attributes_.map;
+}
+
+LumNode* LumElement::lastAttribute() const noexcept {
+    return hasMap_ ? attributes_.map->AttrNodeMap::getLastNode() : attributes_.last;
+}
+
+LumNode* LumElement::findAttribute(LumName name) const { return AttrNodeMap::find(lastAttribute(), name); }
+
+LumNode* LumElement::findAttributeNS(LumName namespaceUri, LumName localName) const {
+    if (hasMap_ || attributeCount_ > AttrNodeMap::indexThreshold) {
+        return attributeMap()->findByNameNS(namespaceUri, localName);
+    }
+    return AttrNodeMap::findNS(attributes_.last, namespaceUri, localName);
+}
+
+/// Adds an attribute that is not the element's yet, as the last one, and takes over one count.
+void LumElement::appendAttribute(LumAttr* attr) {
+    if (hasMap_) {
+        attributes_.map->append(attr);
+    } else {
+        attributes_.last = AttrNodeMap::link(attributes_.last, attr, this);
+        ++attributeCount_;
+    }
 }
 
 LumNamedNodeMap* LumElement::getAttributes() const { return attributeMap(); }
 
-bool LumElement::hasAttributes() const { return attributes_ && !attributes_->isEmpty(); }
+bool LumElement::hasAttributes() const { return lastAttribute() != nullptr; }
 
 int LumElement::getSourceLineNumber() const { return sourceLine_; }
 
@@ -51,11 +83,9 @@ void LumElement::setSourceColumnNumber(int column) { sourceColumn_ = column; }
 LumPtr<LumElement> LumElement::cloneWithoutChildren() const {
     LumPtr<LumElement> copy = ownerDocument_->createElementNS(getNamespaceUri(), getPrefix(), getLocalName());
     if (!copy) return copy;
-    if (attributes_) {
-        for (const LumNode* attr = attributes_->getFirstNode(); attr; attr = attributes_->getNextNode(attr)) {
-            copy->setAttributeNS(attr->getNamespaceUri(), attr->getPrefix(), attr->getLocalName(),
-                                 attr->getNodeValue());
-        }
+    for (const LumNode* attr = AttrNodeMap::first(lastAttribute()); attr;
+         attr = AttrNodeMap::after(attr, lastAttribute())) {
+        copy->setAttributeNS(attr->getNamespaceUri(), attr->getPrefix(), attr->getLocalName(), attr->getNodeValue());
     }
     copy->setFlags(getFlags());
     return copy;
@@ -154,21 +184,18 @@ LumPtr<LumAttr> asAttr(LumPtr<LumNode>&& node) {
 
 }  // namespace
 
-LumValue LumElement::getAttribute(LumName name) const {
-    return attributes_ ? valueOf(attributes_->findByName(name)) : LumValue::NULL_VALUE;
-}
+LumValue LumElement::getAttribute(LumName name) const { return valueOf(findAttribute(name)); }
 
 LumValue LumElement::getAttributeNS(LumName namespaceUri, LumName localName) const {
-    return attributes_ ? valueOf(attributes_->findByNameNS(namespaceUri, localName)) : LumValue::NULL_VALUE;
+    return valueOf(findAttributeNS(namespaceUri, localName));
 }
 
 void LumElement::setAttribute(LumName name, const LumValue& value) {
-    AttrNodeMap* const map = attributeMap();
-    LumAttr* attr = asAttr(map->findByName(name));
+    LumAttr* attr = asAttr(findAttribute(name));
     if (!attr) {
         LumPtr<LumAttr> made = ownerDocument_->createAttribute(name);
         if (!made) return;
-        map->append(made.get());
+        appendAttribute(made.get());
         attr = made.detach();
     }
     attr->setValue(value);
@@ -181,56 +208,54 @@ void LumElement::setAttributeNS(LumName namespaceUri, LumName qualifiedName, con
 
 /// The attribute of that name, its prefix set to `prefix`, or else a new one. Null when the document creates none.
 LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName) {
-    AttrNodeMap* const map = attributeMap();
-    if (LumAttr* attr = asAttr(map->findByNameNS(namespaceUri, localName))) {
+    if (LumAttr* attr = asAttr(findAttributeNS(namespaceUri, localName))) {
         attr->setPrefix(prefix);
         return attr;
     }
     LumPtr<LumAttr> made = ownerDocument_->createAttributeNS(namespaceUri, prefix, localName);
-    if (made) map->append(made.get());
+    if (made) appendAttribute(made.get());
     return made.detach();
 }
 
 void LumElement::setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value) {
-    if (LumAttr* attr = attributeForSetting(namespaceUri, prefix, localName)) attr->setValue(value);
+    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName);
+    if (!attr) return;
+    if (&value == &ownerDocument_->loadedValue_ && (isExactly<AttrNS>(*attr) || isExactly<Attr>(*attr))) {
+        static_cast<Attr*>(attr)->takeValue(detail::ValueText::share(value));
+    } else {
+        attr->setValue(value);
+    }
 }
 
 void LumElement::setAttributeEx(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) {
-    // With the library's own classes nobody can tell whether setAttributeNS and setValue are called, so the value moves
-    // into place without a second copy of the string.
-    if (!isExactly<ElementNS>(*this) && !isExactly<Element>(*this)) {
-        setAttributeNS(namespaceUri, prefix, localName, LumValue(value));
-        return;
-    }
-    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName);
-    if (!attr) return;
-    if (isExactly<AttrNS>(*attr) || isExactly<Attr>(*attr)) {
-        static_cast<Attr*>(attr)->takeValue(LumValue(value));
+    // While it loads, the document has the value already, and the attribute may share the string.
+    const LumValue& loaded = ownerDocument_->loadedValue_;
+    if (&value == loaded.getStringPointer()) {
+        setAttributeNS(namespaceUri, prefix, localName, loaded);
     } else {
-        attr->setValue(LumValue(value));
+        setAttributeNS(namespaceUri, prefix, localName, LumValue(value));
     }
 }
 
 void LumElement::removeAttribute(LumName name) {
-    if (attributes_) attributes_->removeNamedItem(name);
+    if (lastAttribute()) attributeMap()->removeNamedItem(name);
 }
 
 void LumElement::removeAttributeNS(LumName namespaceUri, LumName localName) {
-    if (attributes_) attributes_->removeNamedItemNS(namespaceUri, localName);
+    if (lastAttribute()) attributeMap()->removeNamedItemNS(namespaceUri, localName);
 }
 
 LumPtr<LumAttr> LumElement::getAttributeNode(LumName name) const {
-    return LumPtr<LumAttr>(attributes_ ? asAttr(attributes_->findByName(name)) : nullptr);
+    return LumPtr<LumAttr>(asAttr(findAttribute(name)));
 }
 
 LumPtr<LumAttr> LumElement::getAttributeNodeNS(LumName namespaceUri, LumName localName) const {
-    return LumPtr<LumAttr>(attributes_ ? asAttr(attributes_->findByNameNS(namespaceUri, localName)) : nullptr);
+    return LumPtr<LumAttr>(asAttr(findAttributeNS(namespaceUri, localName)));
 }
 
 template <class Visit>
 void LumElement::visitLocal(LumName localName, Visit visit) const {
-    if (!attributes_) return;
-    for (LumNode* node = attributes_->getFirstNode(); node; node = attributes_->getNextNode(node)) {
+    for (LumNode* node = AttrNodeMap::first(lastAttribute()); node; node = AttrNodeMap::after(node, lastAttribute())) {
         LumAttr* const attr = node->getLocalName() == localName ? asAttr(node) : nullptr;
         if (attr && !visit(attr)) return;
     }
@@ -264,10 +289,10 @@ LumPtr<LumAttr> LumElement::removeAttributeNode(LumAttr* oldAttr) {
     return attributeMap()->removeAttrNode(oldAttr);
 }
 
-bool LumElement::hasAttribute(LumName name) const { return attributes_ && attributes_->findByName(name); }
+bool LumElement::hasAttribute(LumName name) const { return findAttribute(name) != nullptr; }
 
 bool LumElement::hasAttributeNS(LumName namespaceUri, LumName localName) const {
-    return attributes_ && attributes_->findByNameNS(namespaceUri, localName);
+    return findAttributeNS(namespaceUri, localName) != nullptr;
 }
 
 bool LumElement::hasAttributeLocal(LumName localName) const {

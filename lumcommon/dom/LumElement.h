@@ -30,7 +30,7 @@ public:
     UnicodeString getTypeName() const override;
     int getNodeType() const override;
     bool isElementNode() const override;
-    /// Never null: an AttrNodeMap. Borrowed.
+    /// Never null: an AttrNodeMap, made when it is first asked for. Borrowed.
     LumNamedNodeMap* getAttributes() const override;
     bool hasAttributes() const override;
     /// A copy made by the owner document's createElementNS, with the namespace as it resolves now, all attributes in
@@ -85,16 +85,29 @@ protected:
     explicit LumElement(LumDocument* ownerDocument);
 
 private:
+    friend class LumDocument;
+
     AttrNodeMap* attributeMap() const;
+    LumNode* lastAttribute() const noexcept;
+    LumNode* findAttribute(LumName name) const;
+    LumNode* findAttributeNS(LumName namespaceUri, LumName localName) const;
+    void appendAttribute(LumAttr* attr);
     LumPtr<LumElement> cloneWithoutChildren() const;
     void copyDescendantsInto(LumNode* copy) const;
     LumAttr* attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName);
     template <class Visit>
     void visitLocal(LumName localName, Visit visit) const;
 
-    mutable AttrNodeMap* attributes_ = nullptr;  // one count held; created when first needed
+    // The attributes form a ring. A map of them is made when somebody asks for it, or for its index of many names.
+    union Attributes {
+        LumNode* last;     // null when there are none
+        AttrNodeMap* map;  // when hasMap_: one count held
+    };
+    mutable Attributes attributes_{.last = nullptr};
     int sourceLine_ = -1;
     int sourceColumn_ = -1;
+    mutable unsigned attributeCount_ : 31 = 0;  // without a map
+    mutable unsigned hasMap_ : 1 = 0;
 };
 
 /// An element created from a qualified name. Its namespace is that of its prefix in the tree, looked up at each call,

@@ -144,16 +144,21 @@ LumNode* LumNode::appendChild(LumNode* newChild) {
     if (!newChild) throwCommonError(LumErrorCodeLumLIB::NullArgument, source, u"newChild");
     checkNewChild(newChild, source);
     moveOut(newChild);
-    newChild->parent_ = this;
-    newChild->previousSibling_ = lastChild_;
-    if (lastChild_) {
-        newChild->nextSibling_ = lastChild_->nextSibling_;
-        lastChild_->nextSibling_ = newChild;
-    } else {
-        newChild->nextSibling_ = newChild;
-    }
-    lastChild_ = newChild;
+    linkLast(newChild);
     return newChild;
+}
+
+/// Puts a node without a parent at the end of the children. Its count stays as it is.
+void LumNode::linkLast(LumNode* child) noexcept {
+    child->parent_ = this;
+    child->previousSibling_ = lastChild_;
+    if (lastChild_) {
+        child->nextSibling_ = lastChild_->nextSibling_;
+        lastChild_->nextSibling_ = child;
+    } else {
+        child->nextSibling_ = child;
+    }
+    lastChild_ = child;
 }
 
 LumNode* LumNode::insertBefore(LumNode* newChild, LumNode* refChild) {

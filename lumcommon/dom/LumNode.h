@@ -198,6 +198,7 @@ protected:
 private:
     void checkNewChild(const LumNode* newChild, LumCommonErrorSource source) const;
     static void moveOut(LumNode* newChild);
+    void linkLast(LumNode* child) noexcept;
     void unlinkChild(LumNode* child) noexcept;
     bool isLastChildOfLoading() const noexcept;
     void releaseChildren() noexcept;

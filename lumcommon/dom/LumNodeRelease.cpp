@@ -2,6 +2,8 @@
 
 #include <lumcommon/dom/LumNode.h>
 
+#include <cstdint>
+
 namespace LumCommon {
 
 namespace {
@@ -10,6 +12,19 @@ namespace {
 /// links. A node that dies meanwhile adds its children to the queue instead of deleting them itself, so that the depth
 /// of the tree never becomes depth of the stack, whoever starts the release and whatever derived destructors do.
 constinit thread_local LumNode** condemned = nullptr;
+
+void prefetch([[maybe_unused]] std::uintptr_t address) noexcept {
+#ifdef __GNUC__
+    __builtin_prefetch(reinterpret_cast<const void*>(address), 1);
+#endif
+}
+
+/// Asks for the node some places further on: those of a wide parent mostly lie at equal distances. Any address will do.
+void prefetchFrom(const LumNode* node, const LumNode* next) noexcept {
+    const auto here = reinterpret_cast<std::uintptr_t>(node);
+    const auto there = reinterpret_cast<std::uintptr_t>(next);
+    prefetch(there + 6 * (there - here));
+}
 
 }  // namespace
 
@@ -23,6 +38,7 @@ void LumNode::releaseChildren() noexcept {
     LumNode** end = &chain;
     while (child) {
         LumNode* const previous = child->previousSibling_;
+        prefetchFrom(child, previous);
         child->parent_ = child->nextSibling_ = child->previousSibling_ = nullptr;
         if (child->dropRef()) {
             *end = child;
@@ -40,6 +56,8 @@ void LumNode::releaseChildren() noexcept {
     while (chain) {
         LumNode* const node = chain;
         chain = node->previousSibling_;
+        prefetch(reinterpret_cast<std::uintptr_t>(chain));
+        prefetch(reinterpret_cast<std::uintptr_t>(chain) + 64);
         node->previousSibling_ = nullptr;
         delete node;
     }

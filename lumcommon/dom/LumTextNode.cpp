@@ -9,25 +9,25 @@ UnicodeString LumTextNode::getTypeName() const { return u"LumTextNode"; }
 
 LumName LumTextNode::getLocalName() const { return NAME_HASH_text; }
 
-LumValue LumTextNode::getNodeValue() const { return LumValue(text_); }
+LumValue LumTextNode::getNodeValue() const { return LumValue(text_.toString()); }
 
-void LumTextNode::setNodeValue(const LumValue& value) { text_ = value.toString(); }
+void LumTextNode::setNodeValue(const LumValue& value) { text_.assign(value.toString()); }
 
 int LumTextNode::getNodeType() const { return TEXT_NODE; }
 
 bool LumTextNode::isText() const { return true; }
 
-UnicodeString LumTextNode::getText() const { return text_; }
+UnicodeString LumTextNode::getText() const { return text_.toString(); }
 
-void LumTextNode::setText(const UnicodeString& text) { text_ = text; }
+void LumTextNode::setText(const UnicodeString& text) { text_.assign(text); }
 
-LumPtr<LumNode> LumTextNode::cloneNode(bool) const { return ownerDocument_->createTextNode(text_); }
+LumPtr<LumNode> LumTextNode::cloneNode(bool) const { return ownerDocument_->createTextNode(text_.toString()); }
 
 int LumTextNode::getLength() const { return text_.length(); }
 
-UnicodeString LumTextNode::getData() const { return text_; }
+UnicodeString LumTextNode::getData() const { return text_.toString(); }
 
-void LumTextNode::setData(const UnicodeString& text) { text_ = text; }
+void LumTextNode::setData(const UnicodeString& text) { text_.assign(text); }
 
 bool LumPINode::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumTextNode::isA(typeId); }
 

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <lumcommon/dom/LumNode.h>
+#include <lumcommon/dom/detail/NodeText.h>
+
+#include <string_view>
 
 namespace LumCommon {
 
@@ -40,7 +43,14 @@ public:
     virtual void setData(const UnicodeString& text);
 
 private:
-    UnicodeString text_;
+    friend class LumDocument;
+
+    struct Loaded {
+        std::u16string_view text;
+    };
+    LumTextNode(LumDocument* ownerDocument, const Loaded& loaded) : LumNode(ownerDocument), text_(loaded.text) {}
+
+    detail::NodeText text_;
 };
 
 /// A processing instruction; its text is everything between "<?" and "?>", target included. In all but its node

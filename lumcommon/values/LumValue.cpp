@@ -2,6 +2,7 @@
 #include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/Units.h>
+#include <lumcommon/values/detail/ValueText.h>
 
 #include <cmath>
 #include <limits>
@@ -67,7 +68,7 @@ LumValue::LumValue(LumName name) noexcept : LumValue() {
 }
 
 LumValue::LumValue(const UnicodeString& text) : LumValue() {
-    payload_.string = new UnicodeString(text);
+    payload_.text = detail::ValueText::make(text);
     typeWord_ = KIND_STRING;
 }
 
@@ -100,7 +101,7 @@ LumValue& LumValue::operator=(LumValue&& other) noexcept {
 
 void LumValue::share() {
     if (getKind() == KIND_STRING) {
-        payload_.string = new UnicodeString(*payload_.string);
+        payload_.text = detail::ValueText::make(payload_.text->text());
     } else {
         payload_.object->addRef();
     }
@@ -111,7 +112,7 @@ void LumValue::release() noexcept {
     const LumValueKind kind = getKind();
     typeWord_ &= ~0xFFu;
     if (kind == KIND_STRING) {
-        delete old.string;
+        old.text->releaseRefs(1);
     } else {
         old.object->releaseRef();
     }
@@ -175,7 +176,7 @@ LumNamedValueMap* LumValue::getNamedValueMap() const noexcept {
 }
 
 const UnicodeString* LumValue::getStringPointer() const noexcept {
-    return getKind() == KIND_STRING ? payload_.string : nullptr;
+    return getKind() == KIND_STRING ? &payload_.text->text() : nullptr;
 }
 
 void LumValue::makeCompound() {

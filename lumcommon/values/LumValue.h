@@ -16,6 +16,10 @@ class LumNamedValue;
 class LumNamedValueMap;
 class LumRCObject;
 
+namespace detail {
+class ValueText;
+}
+
 /// What a LumValue holds; bits 0-2 of its type word.
 enum LumValueKind : std::uint32_t {
     KIND_NULL = 0,
@@ -245,12 +249,16 @@ private:
         std::int32_t integer;
         float real;
         LumNameEnum name;
-        UnicodeString* string;
+        detail::ValueText* text;
         LumRCObject* object;
         void* pointer;
     };
 
     friend class LumNamedValueMap;  // takes nested maps out of dying ones
+    friend class detail::ValueText;
+
+    struct Adopted {};
+    LumValue(detail::ValueText* counted, Adopted) noexcept : payload_{.text = counted}, typeWord_(KIND_STRING) {}
 
     /// What +=, -= and %= have in common: operands of one unit and the choice between integers and reals.
     template <class OnIntegers, class OnReals>

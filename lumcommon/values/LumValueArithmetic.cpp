@@ -1,6 +1,7 @@
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/Units.h>
+#include <lumcommon/values/detail/ValueText.h>
 
 #include <cmath>
 #include <cstdint>
@@ -209,7 +210,7 @@ bool operator==(const LumValue& a, const LumValue& b) {
             case KIND_NAME:
                 return a.payload_.name == b.payload_.name;
             case KIND_STRING:
-                return *a.payload_.string == *b.payload_.string;
+                return a.payload_.text->text() == b.payload_.text->text();
             case KIND_COMPOUND:
                 return a.payload_.object == b.payload_.object ||
                        (a.getUnit() == UNIT_COLOR && a.getColorValue() == b.getColorValue());
@@ -241,7 +242,7 @@ bool operator<(const LumValue& a, const LumValue& b) {
             case KIND_NAME:
                 return a.payload_.name < b.payload_.name;
             case KIND_STRING:
-                return *a.payload_.string < *b.payload_.string;
+                return a.payload_.text->text() < b.payload_.text->text();
             case KIND_OBJECT:
             case KIND_COMPOUND:
                 return std::less<>()(a.payload_.object, b.payload_.object);

@@ -5,6 +5,7 @@
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/NumberText.h>
 #include <lumcommon/values/detail/TokenScan.h>
+#include <lumcommon/values/detail/ValueText.h>
 
 #include <cstddef>
 #include <utility>
@@ -97,7 +98,7 @@ private:
 
 UnicodeString LumValue::toString() const {
     // A string is returned as it is, so a bogus one stays bogus.
-    if (getKind() == KIND_STRING) return *payload_.string;
+    if (getKind() == KIND_STRING) return payload_.text->text();
     detail::ValuePrinter printer;
     printer.print(*this);
     return printer.takeText();

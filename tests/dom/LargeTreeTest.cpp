@@ -6,8 +6,11 @@
 
 #include <functional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "dom/CountedDocument.h"
+#include "support/ResidentMemory.h"
 #include "support/Sweeps.h"
 
 namespace LumTest {
@@ -152,6 +155,24 @@ TEST(LargeTree, textsOfADerivedClassTellTheirPositionWithoutStack) {
         for (int i = 0; i < million / 10; ++i) root->appendChildText(u"t");
         EXPECT_EQ(root->getLastChild()->getSourceLineNumber(), 1);
     });
+}
+
+// Catches a survivor that keeps the memory of its neighbours, and nodes that need their document or thread to die.
+TEST(LargeTree, documentsComeAndGoAndLeaveNodesToAnotherThread) {
+    std::string xml = "<r>";
+    for (int i = 0; i < 3000; ++i) xml += "<e a='1' b='" + std::to_string(i) + "'>text</e>";
+    std::vector<LumPtr<LumNode>> survivors;
+    std::size_t before = 0;
+    for (int i = 0; i < 200; ++i) {
+        if (i == 20) before = residentBytes();
+        const LumPtr<LumDocument> document = load(xml + "</r>");
+        LumNode* node = document->getDocumentElement()->getFirstChild();
+        for (int step = 0; step < 7 * i; ++step) node = node->getNextSibling();
+        survivors.emplace_back(node);
+    }
+    EXPECT_TRUE(!isMemoryTold || residentBytes() < before + 4'000'000) << residentBytes() - before;
+    for (const LumPtr<LumNode>& node : survivors) EXPECT_EQ(node->getInnerText(), u"text");
+    std::thread([&survivors] { survivors.clear(); }).join();
 }
 
 TEST(LargeTree, attributesAreSetInLinearTime) {
