@@ -1,11 +1,11 @@
 // Saving: turns nodes into calls to the serializer.
 
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
-#include <lumcommon/dom/LumNamedNodeMap.h>
-#include <lumcommon/dom/LumNodeIterable.h>
+#include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/dom/detail/ExactType.h>
@@ -15,6 +15,7 @@
 #include <lumcommon/values/LumNamedValueMap.h>
 
 #include <sstream>
+#include <typeinfo>
 #include <utility>
 
 namespace LumCommon {
@@ -23,14 +24,178 @@ namespace {
 
 using detail::isExactly;
 
-/// Writes one attribute from its typed value: nothing for a null or an object, one attribute per entry for a compound.
-class AttributeWriter {
+/// Lets the library's serializer gather its output while nothing but the library's own nodes is read, and they are
+/// completely loaded: then nobody can see how much is in the stream.
+class Gathering {
 public:
-    AttributeWriter(LumXmlSerializer& serializer, const LumDocument& document)
-        : serializer_(serializer), document_(document) {}
+    explicit Gathering(XmlSerializerImpl& serializer) : serializer_(serializer) {}
+    Gathering(const Gathering&) = delete;
+    Gathering& operator=(const Gathering&) = delete;
+    ~Gathering() { serializer_.stopGatheringQuietly(); }
+    void set(bool isGathering) { serializer_.setGathering(isGathering); }
 
-    void write(const LumNode& attr) {
-        // The library's own classes lend their value; others are asked for a copy.
+private:
+    XmlSerializerImpl& serializer_;
+};
+
+/// A serializer of the caller's own sees each operation anyway.
+class NoGathering {
+public:
+    explicit NoGathering(LumXmlSerializer&) {}
+    void set(bool) {}
+};
+
+/// Writes nodes to a serializer. Nodes of the library's own classes lend their content; of others, and where an
+/// operation can come to others, every operation is called that a derived class may override.
+template <class Serializer, class Gatherer>
+class NodeWriter {
+public:
+    NodeWriter(Serializer& serializer, const LumDocument& document)
+        : serializer_(serializer), document_(document), gathering_(serializer) {}
+
+    /// @param startTagOnly  ends after the attributes of the first element.
+    void write(LumNode* root, bool startTagOnly) {
+        if (!root) return;
+        walk(root, startTagOnly);
+        gathering_.set(false);
+    }
+
+private:
+    enum class Content { ELEMENT, TEXT, INSTRUCTION, UNKNOWN };
+    struct Visit {
+        LumNode* node;
+        Content own;  // UNKNOWN unless the node's class is the library's own
+        int type;
+    };
+
+    Visit visit(LumNode* node) {
+        if (isExactly<ElementNS>(*node)) return {node, Content::ELEMENT, LumNode::ELEMENT_NODE};
+        if (isExactly<LumTextNode>(*node)) return {node, Content::TEXT, LumNode::TEXT_NODE};
+        if (isExactly<LumPINode>(*node)) return {node, Content::INSTRUCTION, LumNode::PROCESSING_INSTRUCTION_NODE};
+        gathering_.set(false);
+        return {node, Content::UNKNOWN, node->getNodeType()};
+    }
+
+    /// The order is that of a LumTreeIterator that enters and leaves.
+    void walk(LumNode* root, bool startTagOnly) {
+        Visit current = visit(root);
+        bool isLeaving = false;
+        for (;;) {
+            report(current, isLeaving);
+            const bool isElement = current.type == LumNode::ELEMENT_NODE;
+            if (startTagOnly && isElement) return;
+            if (!isLeaving) {
+                if (LumNode* const child = firstChild(current)) {
+                    current = visit(child);
+                    continue;
+                }
+                isLeaving = true;
+                if (isElement) continue;
+            }
+            if (current.node == root) return;
+            if (LumNode* const sibling = nextSibling(current)) {
+                current = visit(sibling);
+                isLeaving = false;
+            } else if (LumNode* const parent = parentOf(current)) {
+                current = visit(parent);
+            } else {
+                return;
+            }
+        }
+    }
+
+    LumNode* firstChild(const Visit& visit) {
+        const LumNode& node = *visit.node;
+        if (visit.own == Content::UNKNOWN) return node.getFirstChild();
+        if (node.getFlags() & LumNode::FLAG_LOADING) gathering_.set(false);
+        return node.LumNode::getFirstChild();
+    }
+
+    LumNode* nextSibling(const Visit& visit) {
+        const LumNode& node = *visit.node;
+        if (visit.own == Content::UNKNOWN) return node.getNextSibling();
+        const LumNode* const parent = node.LumNode::getParentNode();
+        if (parent && (parent->getFlags() & LumNode::FLAG_LOADING)) gathering_.set(false);
+        return node.LumNode::getNextSibling();
+    }
+
+    static LumNode* parentOf(const Visit& visit) {
+        return visit.own == Content::UNKNOWN ? visit.node->getParentNode() : visit.node->LumNode::getParentNode();
+    }
+
+    void report(const Visit& visit, bool isLeaving) {
+        if (visit.own == Content::UNKNOWN) return reportUnknown(*visit.node, visit.type, isLeaving);
+        gathering_.set(true);
+        switch (visit.own) {
+            case Content::ELEMENT: {
+                const ElementNS& element = static_cast<const ElementNS&>(*visit.node);
+                if (isLeaving) {
+                    serializer_.endTag(element.ElementNS::getNamespaceUri(), element.Element::getLocalName());
+                    break;
+                }
+                serializer_.startTag(element.ElementNS::getNamespaceUri(), element.Element::getPrefix(),
+                                     element.Element::getLocalName());
+                if (element.LumElement::hasAttributes()) {
+                    const AttrNodeMap& map = static_cast<const AttrNodeMap&>(*element.LumElement::getAttributes());
+                    for (const LumNode* attr = map.AttrNodeMap::getFirstNode(); attr;
+                         attr = map.AttrNodeMap::getNextNode(attr)) {
+                        writeAttribute(*attr);
+                    }
+                }
+                break;
+            }
+            case Content::TEXT:
+                serializer_.text(static_cast<const LumTextNode&>(*visit.node).peekText());
+                break;
+            default:
+                serializer_.processingInstruction(static_cast<const LumPINode&>(*visit.node).peekText());
+        }
+    }
+
+    void reportUnknown(const LumNode& node, int type, bool isLeaving) {
+        switch (type) {
+            case LumNode::ELEMENT_NODE:
+                if (isLeaving) {
+                    serializer_.endTag(node.getNamespaceUri(), node.getLocalName());
+                    break;
+                }
+                serializer_.startTag(node.getNamespaceUri(), node.getPrefix(), node.getLocalName());
+                if (node.hasAttributes()) {
+                    const LumNamedNodeMap& map = *node.getAttributes();
+                    for (const LumNode* attr = map.getFirstNode(); attr; attr = map.getNextNode(attr)) {
+                        writeAttribute(*attr);
+                        gathering_.set(false);
+                    }
+                }
+                break;
+            case LumNode::TEXT_NODE:
+                serializer_.text(node.getText());
+                break;
+            case LumNode::PROCESSING_INSTRUCTION_NODE:
+                serializer_.processingInstruction(node.getText());
+                break;
+            case LumNode::DOCUMENT_NODE:
+            case LumNode::DOCUMENT_FRAGMENT_NODE:
+                break;
+            default:
+                throwCommonError(LumErrorCodeLumLIB::UnsupportedNodeType, LumCommonErrorSource::DocumentDoSave);
+        }
+    }
+
+    /// Writes an attribute from its typed value: nothing for a null or an object, one attribute per entry for a
+    /// compound.
+    void writeAttribute(const LumNode& attr) {
+        if (isExactly<Attr>(attr)) {
+            const Attr& own = static_cast<const Attr&>(attr);
+            const LumValue& value = own.peekValue();
+            const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
+            if (plain) {
+                gathering_.set(true);
+                serializer_.attribute(LumName(), LumName(), own.Attr::getLocalName(), *plain);
+                return;
+            }
+        }
+        gathering_.set(false);
         if (isExactly<Attr>(attr) || isExactly<AttrNS>(attr)) {
             writeValue(attr, static_cast<const Attr&>(attr).peekValue());
         } else {
@@ -38,19 +203,16 @@ public:
         }
     }
 
-private:
     void writeValue(const LumNode& attr, const LumValue& value) {
         const LumValueKind kind = value.getKind();
         if (kind == KIND_NULL || kind == KIND_OBJECT) return;
-        const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
-        if (plain) {
-            put(attr, attr.getLocalName(), *plain);
-        } else if (value.getUnit() == UNIT_COLOR && (kind == KIND_INTEGER || kind == KIND_COMPOUND)) {
+        if (value.getUnit() == UNIT_COLOR && (kind == KIND_INTEGER || kind == KIND_COMPOUND)) {
             put(attr, attr.getLocalName(), LumColor(value).toString(isSvg()));
         } else if (kind == KIND_COMPOUND) {
             writeEntries(attr, *value.getNamedValueMap());
         } else {
-            put(attr, attr.getLocalName(), value.toString());
+            const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
+            put(attr, attr.getLocalName(), plain ? *plain : value.toString());
         }
     }
 
@@ -82,8 +244,9 @@ private:
         serializer_.attribute(attr.getNamespaceUri(), attr.getPrefix(), name, text);
     }
 
-    LumXmlSerializer& serializer_;
+    Serializer& serializer_;
     const LumDocument& document_;
+    Gatherer gathering_;
     bool isSvg_ = false;
     bool isSvgKnown_ = false;  // determined at the first colour
 };
@@ -129,36 +292,11 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
-    AttributeWriter attributes(serializer, *this);
-    LumTreeIterator walk(node, LumTreeIterator::ENTER_AND_LEAVE);
-    while (const LumNode* current = walk.nextNode()) {
-        switch (current->getNodeType()) {
-            case ELEMENT_NODE:
-                if (walk.isLeaving()) {
-                    serializer.endTag(current->getNamespaceUri(), current->getLocalName());
-                    break;
-                }
-                serializer.startTag(current->getNamespaceUri(), current->getPrefix(), current->getLocalName());
-                if (current->hasAttributes()) {
-                    const LumNamedNodeMap& map = *current->getAttributes();
-                    for (const LumNode* attr = map.getFirstNode(); attr; attr = map.getNextNode(attr)) {
-                        attributes.write(*attr);
-                    }
-                }
-                if (startTagOnly) return;
-                break;
-            case TEXT_NODE:
-                serializer.text(current->getText());
-                break;
-            case PROCESSING_INSTRUCTION_NODE:
-                serializer.processingInstruction(current->getText());
-                break;
-            case DOCUMENT_NODE:
-            case DOCUMENT_FRAGMENT_NODE:
-                break;
-            default:
-                throwCommonError(LumErrorCodeLumLIB::UnsupportedNodeType, LumCommonErrorSource::DocumentDoSave);
-        }
+    if (typeid(serializer) == typeid(XmlSerializerImpl)) {
+        NodeWriter<XmlSerializerImpl, Gathering>(static_cast<XmlSerializerImpl&>(serializer), *this)
+            .write(node, startTagOnly);
+    } else {
+        NodeWriter<LumXmlSerializer, NoGathering>(serializer, *this).write(node, startTagOnly);
     }
 }
 

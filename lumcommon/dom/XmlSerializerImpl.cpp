@@ -35,14 +35,14 @@ class XmlSerializerImpl::Operation {
 public:
     explicit Operation(XmlSerializerImpl& serializer) : writer_(serializer.writer_) { writer_.check(); }
     ~Operation() {
-        if (!isFinished_) writer_.commitQuietly();
+        if (!isFinished_ && !writer_.isGathering()) writer_.commitQuietly();
     }
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
     void finish() {
         isFinished_ = true;
-        writer_.commit();
+        if (!writer_.isGathering()) writer_.commit();
     }
 
 private:
@@ -64,11 +64,6 @@ XmlSerializerImpl::~XmlSerializerImpl() {
 bool XmlSerializerImpl::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumXmlSerializer::isA(typeId); }
 
 UnicodeString XmlSerializerImpl::getTypeName() const { return u"XmlSerializerImpl"; }
-
-NamespaceManager& XmlSerializerImpl::namespaces() const {
-    if (!namespaces_) namespaces_ = new NamespaceManager;
-    return *namespaces_;
-}
 
 void XmlSerializerImpl::setOutput(std::ostream& out, const UnicodeString& encoding) {
     resetForOutput();
@@ -95,8 +90,7 @@ void XmlSerializerImpl::resetForOutput() {
         throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::SerializerCheckStream);
     }
     state_ = STATE_NO_OUTPUT;
-    while (namespaces().popScope()) {
-    }
+    scopes_.reset();
     state_ = STATE_SETTING_OUTPUT;
 }
 
@@ -173,78 +167,44 @@ void XmlSerializerImpl::setPrefix(LumName prefix, LumName namespaceUri) {
         closeStartTag(TagEnd::Content);
         operation.finish();
     }
-    const ElementNames enclosing = innermostElement();
-    openScope();
-    enclosing_ = enclosing;
+    scopes_.openWaiting();
     state_ = STATE_PREFIXES_SET;
-    namespaces_->addNamespace(prefix, namespaceUri);
+    scopes_.declare(prefix, namespaceUri);
 }
 
 LumName XmlSerializerImpl::getPrefix(LumName namespaceUri, bool generate) const {
-    if (namespaceUri.isNull()) return {};
-    NamespaceManager& scopes = namespaces();
-    LumName prefix = scopes.lookupPrefix(namespaceUri);
-    if (prefix.isNull() && generate && namespaceUri != scopes.getDefaultNamespace()) {
-        prefix = LumName::generateID(UnicodeString());
-        scopes.addNamespace(prefix, namespaceUri);
-    }
-    return prefix;
+    return scopes_.getPrefix(namespaceUri, generate);
 }
 
-int XmlSerializerImpl::getDepth() const { return namespaces_ ? namespaces_->getScopeDepth() : 0; }
+int XmlSerializerImpl::getDepth() const { return scopes_.getDepth(); }
 
-LumName XmlSerializerImpl::getNamespace() const { return innermostElement().namespaceUri; }
+LumName XmlSerializerImpl::getNamespace() const { return scopes_.innermost().namespaceUri; }
 
-LumName XmlSerializerImpl::getName() const { return innermostElement().localName; }
-
-/// All null when no element is open.
-XmlSerializerImpl::ElementNames XmlSerializerImpl::innermostElement() const {
-    if (state_ == STATE_PREFIXES_SET) return enclosing_;
-    if (!namespaces_) return {};
-    const NamespaceManager::NSScope& scope = namespaces_->getInnermostScope();
-    return {scope.namespaceUri, scope.prefix, scope.localName};
-}
-
-/// Opens the scope of the next element, unless setPrefix() has.
-void XmlSerializerImpl::openScope() {
-    if (state_ != STATE_PREFIXES_SET) namespaces().pushScope();
-}
+LumName XmlSerializerImpl::getName() const { return scopes_.innermost().localName; }
 
 /// Removes a scope that setPrefix() opened and no element used; it has no tag to close.
 void XmlSerializerImpl::dropPrefixScope() {
-    if (state_ != STATE_PREFIXES_SET) return;
-    namespaces().popScope();
-    state_ = STATE_CONTENT;
+    scopes_.dropWaiting();
+    if (state_ == STATE_PREFIXES_SET) state_ = STATE_CONTENT;
 }
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName localName) {
     Operation operation(*this);
     closeStartTag(TagEnd::Content);
-    openScope();
-    if (namespaceUri.isNull()) undeclareDefaultNamespace();
-    writeStartTag(getPrefix(namespaceUri, true), localName, namespaceUri);
+    scopes_.open(namespaceUri, localName);
+    writeStartTag(scopes_.innermost().prefix, localName);
     operation.finish();
 }
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName prefix, LumName localName) {
     Operation operation(*this);
     closeStartTag(TagEnd::Content);
-    openScope();
-    if (namespaceUri.isNull()) {
-        undeclareDefaultNamespace();
-    } else {
-        namespaces_->addNamespace(prefix, namespaceUri);
-    }
-    writeStartTag(prefix, localName, namespaceUri);
+    scopes_.open(namespaceUri, prefix, localName);
+    writeStartTag(prefix, localName);
     operation.finish();
 }
 
-void XmlSerializerImpl::undeclareDefaultNamespace() {
-    if (!namespaces_->getDefaultNamespace().isNull()) namespaces_->addNamespace(LumName(), LumName());
-}
-
-void XmlSerializerImpl::writeStartTag(LumName prefix, LumName localName, LumName namespaceUri) {
-    namespaces_->setElement(prefix, localName, namespaceUri);
+void XmlSerializerImpl::writeStartTag(LumName prefix, LumName localName) {
     state_ = STATE_TAG_OPEN;
     writer_.ascii("<");
     writer_.qualifiedName(prefix, localName);
@@ -262,7 +222,7 @@ void XmlSerializerImpl::attribute(LumName namespaceUri, LumName prefix, LumName 
     checkAttributeState();
     if (declareNamespace(namespaceUri, prefix, localName, value)) return;
     Operation operation(*this);
-    if (!namespaceUri.isNull() && !prefix.isNull()) namespaces_->addNamespace(prefix, namespaceUri);
+    if (!namespaceUri.isNull() && !prefix.isNull()) scopes_.declareForAttribute(prefix, namespaceUri);
     writeAttribute(prefix, localName, value);
     operation.finish();
 }
@@ -276,7 +236,7 @@ void XmlSerializerImpl::checkAttributeState() const {
 bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, LumName localName,
                                          const UnicodeString& value) {
     if (namespaceUri != NAME_NS_XMLNS && prefix != NAME_xmlns && localName != NAME_xmlns) return false;
-    namespaces_->addNamespace(localName == NAME_xmlns ? LumName() : localName, LumName(value));
+    scopes_.declare(localName == NAME_xmlns ? LumName() : localName, LumName(value));
     return true;
 }
 
@@ -292,7 +252,7 @@ void XmlSerializerImpl::writeAttribute(LumName prefix, LumName localName, const 
 /// Ends a pending start tag, with the namespace declarations of its scope.
 void XmlSerializerImpl::closeStartTag(TagEnd end) {
     if (!isTagOpen()) return;
-    if (const NamespaceMap* declarations = namespaces_->getNamespaceMap()) {
+    if (const NamespaceMap* declarations = scopes_.getDeclarations()) {
         for (const auto& [prefix, uri] : declarations->getEntries()) {
             writer_.ascii(prefix.isNull() ? " xmlns" : " xmlns:");
             writer_.name(prefix);
@@ -318,20 +278,20 @@ void XmlSerializerImpl::writeEndTag() {
     if (isTagOpen()) {
         closeStartTag(TagEnd::Empty);
     } else {
-        const NamespaceManager::NSScope& scope = namespaces_->getInnermostScope();
+        const auto& names = scopes_.innermost();
         writer_.ascii("</");
-        writer_.qualifiedName(scope.prefix, scope.localName);
+        writer_.qualifiedName(names.prefix, names.localName);
         writer_.ascii(">");
         state_ = STATE_END_TAG;
     }
-    namespaces_->popScope();
+    scopes_.close();
 }
 
 void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) const {
-    if (getDepth() == (state_ == STATE_PREFIXES_SET ? 1 : 0)) {
+    if (!scopes_.hasElement()) {
         throwCommonError(LumErrorCodeLumLIB::UnexpectedEndTag, LumCommonErrorSource::SerializerEndTag);
     }
-    const ElementNames open = innermostElement();
+    const detail::OutputScopes::ElementNames open = scopes_.innermost();
     if (open.namespaceUri == namespaceUri && open.localName == localName) return;
     const UnicodeString given = LumXmlUtil::makeNSQNameStr(namespaceUri.getString(), localName.getString());
     const UnicodeString opened =

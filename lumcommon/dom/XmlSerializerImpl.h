@@ -2,8 +2,8 @@
 
 #include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
+#include <lumcommon/dom/detail/OutputScopes.h>
 #include <lumcommon/dom/detail/XmlWriter.h>
-#include <lumcommon/names/NamespaceManager.h>
 
 namespace LumCommon {
 
@@ -49,6 +49,14 @@ public:
     void flush() override;
     void setGenerator(const UnicodeString& generator) override;
 
+    /// While gathering, what operations write need not be in the stream when they return; it is handed over in pieces
+    /// of up to 32 KB. Turning it off hands over the rest; failure: 0x1007.
+    void setGathering(bool isGathering) {
+        if (isGathering != writer_.isGathering()) writer_.setGathering(isGathering);
+    }
+    /// Turns gathering off where nothing may be thrown.
+    void stopGatheringQuietly() noexcept { writer_.stopGatheringQuietly(); }
+
     /// Flushes the output, closes it if it is a file that the serializer opened, and leaves the serializer without an
     /// output.
     void closeStream();
@@ -68,32 +76,24 @@ private:
         STATE_EMPTY_TAG = 10,
     };
     enum class TagEnd { Content, Empty };
-    struct ElementNames {
-        LumName namespaceUri, prefix, localName;
-    };
     class Operation;
 
     bool isTagOpen() const noexcept { return state_ == STATE_TAG_OPEN || state_ == STATE_ATTRIBUTES; }
-    NamespaceManager& namespaces() const;
     void resetForOutput();
     void attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding);
     bool releaseOutput() noexcept;
-    void openScope();
     void dropPrefixScope();
-    void writeStartTag(LumName prefix, LumName localName, LumName namespaceUri);
-    void undeclareDefaultNamespace();
+    void writeStartTag(LumName prefix, LumName localName);
     bool declareNamespace(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value);
     void checkAttributeState() const;
     void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value);
     void closeStartTag(TagEnd end);
     void writeEndTag();
-    ElementNames innermostElement() const;
     void checkEndTag(LumName namespaceUri, LumName localName) const;
     void writeContent(std::string_view before, const UnicodeString& content, unsigned mode, std::string_view after);
 
     int state_ = STATE_NO_OUTPUT;
-    mutable LumPtr<NamespaceManager> namespaces_;  // created by the first operation that needs it
-    ElementNames enclosing_;                       // in STATE_PREFIXES_SET, the element around the waiting scope
+    mutable detail::OutputScopes scopes_;  // getPrefix() may declare a prefix
     MaybeOwned<std::ostream> output_;
     UnicodeString encoding_;
     UnicodeString generator_;

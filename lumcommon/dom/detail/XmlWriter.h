@@ -27,12 +27,11 @@ enum TextMode : unsigned {
 
 /// Encodes and escapes text into the bytes of an output stream.
 ///
-/// Bytes gather in a buffer that holds the pieces of one operation; commit() hands them to the stream's buffer in one
-/// call. Control characters that XML does not allow are dropped. In Shift_JIS a character that the code page lacks
-/// becomes a decimal reference; so does a surrogate pair, as one reference to its character, because references to
-/// its halves would not be well-formed.
-/// Errors: a missing output throws code 0x1005, a failed one 0x1007, even if the failure is an exception of the
-/// stream's buffer.
+/// Bytes gather in a buffer; commit() hands them to the stream's buffer in one call, at the end of each operation
+/// unless the caller gathers the bytes of several. Control characters that XML does not allow are dropped. In Shift_JIS
+/// a character that the code page lacks becomes a decimal reference; so does a surrogate pair, as one reference to its
+/// character, because references to its halves would not be well-formed. Errors: a missing output throws code 0x1005, a
+/// failed one 0x1007, even if the failure is an exception of the stream's buffer.
 class XmlWriter {
 public:
     XmlWriter();
@@ -67,8 +66,18 @@ public:
     void commitQuietly() noexcept;
     /// commit(), then flushes the stream.
     void sync();
-    /// Whether bytes have been handed to the stream since the last sync().
-    bool isDirty() const noexcept { return isDirty_; }
+    /// Whether bytes have been written since the last sync().
+    bool isDirty() const noexcept { return isDirty_ || cursor_ != buffer_.get(); }
+    /// Whether the caller leaves it to the buffer when bytes are handed over.
+    bool isGathering() const noexcept { return isGathering_; }
+    void setGathering(bool isGathering) {
+        isGathering_ = isGathering;
+        if (!isGathering) commit();
+    }
+    void stopGatheringQuietly() noexcept {
+        isGathering_ = false;
+        commitQuietly();
+    }
 
 private:
     // Names recur all the time, so their bytes are cached. 64 bytes per slot; a name that does not fit is encoded each
@@ -99,6 +108,7 @@ private:
     bool isShiftJis_ = false;
     bool isDirty_ = false;
     bool isBroken_ = false;
+    bool isGathering_ = false;
     UConverter* converter_ = nullptr;  // null in UTF-8
     std::array<NameSlot, NAME_SLOTS> slots_{};
 };
