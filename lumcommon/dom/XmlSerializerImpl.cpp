@@ -206,8 +206,7 @@ void XmlSerializerImpl::startTag(LumName namespaceUri, LumName prefix, LumName l
 
 void XmlSerializerImpl::writeStartTag(LumName prefix, LumName localName) {
     state_ = STATE_TAG_OPEN;
-    writer_.ascii("<");
-    writer_.qualifiedName(prefix, localName);
+    writer_.qualifiedName("<", prefix, localName);
 }
 
 void XmlSerializerImpl::attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) {
@@ -242,20 +241,17 @@ bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, L
 
 void XmlSerializerImpl::writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
     state_ = STATE_ATTRIBUTES;
-    writer_.ascii(" ");
-    writer_.qualifiedName(prefix, localName);
+    writer_.qualifiedName(" ", prefix, localName);
     writer_.ascii("=\"");
     writer_.text(value, detail::TEXT_ATTRIBUTE);
     writer_.ascii("\"");
 }
 
-/// Ends a pending start tag, with the namespace declarations of its scope.
-void XmlSerializerImpl::closeStartTag(TagEnd end) {
-    if (!isTagOpen()) return;
+/// Ends the open start tag, with the namespace declarations of its scope.
+void XmlSerializerImpl::finishStartTag(TagEnd end) {
     if (const NamespaceMap* declarations = scopes_.getDeclarations()) {
         for (const auto& [prefix, uri] : declarations->getEntries()) {
-            writer_.ascii(prefix.isNull() ? " xmlns" : " xmlns:");
-            writer_.name(prefix);
+            writer_.qualifiedName(prefix.isNull() ? " xmlns" : " xmlns:", LumName(), prefix);
             writer_.ascii("=\"");
             writer_.text(uri.getString(), detail::TEXT_ATTRIBUTE);
             writer_.ascii("\"");
@@ -279,8 +275,7 @@ void XmlSerializerImpl::writeEndTag() {
         closeStartTag(TagEnd::Empty);
     } else {
         const auto& names = scopes_.innermost();
-        writer_.ascii("</");
-        writer_.qualifiedName(names.prefix, names.localName);
+        writer_.qualifiedName("</", names.prefix, names.localName);
         writer_.ascii(">");
         state_ = STATE_END_TAG;
     }
@@ -332,7 +327,7 @@ void XmlSerializerImpl::docdecl(const UnicodeString& content) {
 
 void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent("", text, detail::TEXT_RAW, ""); }
 
-void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, unsigned mode,
+void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
                                      std::string_view after) {
     Operation operation(*this);
     closeStartTag(TagEnd::Content);

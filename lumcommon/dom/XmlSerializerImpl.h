@@ -87,10 +87,14 @@ private:
     bool declareNamespace(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value);
     void checkAttributeState() const;
     void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value);
-    void closeStartTag(TagEnd end);
+    void closeStartTag(TagEnd end) {
+        if (isTagOpen()) finishStartTag(end);
+    }
+    void finishStartTag(TagEnd end);
     void writeEndTag();
     void checkEndTag(LumName namespaceUri, LumName localName) const;
-    void writeContent(std::string_view before, const UnicodeString& content, unsigned mode, std::string_view after);
+    void writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
+                      std::string_view after);
 
     int state_ = STATE_NO_OUTPUT;
     mutable detail::OutputScopes scopes_;  // getPrefix() may declare a prefix

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <lumcommon/dom/detail/PlainText.h>
 #include <lumcommon/names/LumName.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <ios>
 #include <iosfwd>
 #include <memory>
 #include <string_view>
@@ -13,17 +15,6 @@
 struct UConverter;
 
 namespace LumCommon::detail {
-
-/// What is escaped while text is encoded; a bit set. Any bit also escapes "&", "<" and ">".
-enum TextMode : unsigned {
-    TEXT_RAW = 0,
-    TEXT_ESCAPE_MARKUP = 1,
-    TEXT_ESCAPE_QUOTE = 2,
-    TEXT_ESCAPE_APOSTROPHE = 4,
-    TEXT_ESCAPE_CONTROL = 8,
-    TEXT_CONTENT = TEXT_ESCAPE_MARKUP,
-    TEXT_ATTRIBUTE = TEXT_ESCAPE_MARKUP | TEXT_ESCAPE_QUOTE,
-};
 
 /// Encodes and escapes text into the bytes of an output stream.
 ///
@@ -47,19 +38,27 @@ public:
     void selectShiftJis(bool isShiftJis);
 
     /// Throws unless the stream can be written to.
-    void check();
+    void check() {
+        if (!state_ || state_->fail()) failCheck();  // the bad or the fail bit
+    }
     /// Only for short fixed texts.
     void ascii(std::string_view text) {
         reserve(text.size());
         std::memcpy(cursor_, text.data(), text.size());
         cursor_ += text.size();
     }
-    void text(const char16_t* units, std::size_t count, unsigned mode);
-    void text(const UnicodeString& text, unsigned mode);
-    /// The name's string, unescaped.
-    void name(LumName name);
-    /// "prefix:local", or "local" when the prefix is null.
-    void qualifiedName(LumName prefix, LumName localName);
+    void text(const char16_t* units, std::size_t count, TextMode mode);
+    void text(const UnicodeString& text, TextMode mode);
+    /// `before`, which is short, and then "prefix:local", or "local" when the prefix is null. Names are not escaped.
+    void qualifiedName(std::string_view before, LumName prefix, LumName localName) {
+        ascii(before);
+        NameSlot& slot = slots_[(localName.getEnum() + 31 * prefix.getEnum()) % NAME_SLOTS];
+        if (slot.localName != localName || slot.prefix != prefix) fillSlot(slot, prefix, localName);
+        if (slot.length == NameSlot::TOO_LONG) return encodeName(prefix, localName);
+        reserve(NameSlot::CAPACITY);
+        std::memcpy(cursor_, slot.bytes, NameSlot::CAPACITY);  // a fixed size costs less than a call
+        cursor_ += slot.length;
+    }
     /// Hands the buffered bytes to the stream.
     void commit();
     /// The same, for places where nothing may be thrown.
@@ -83,11 +82,11 @@ private:
     // Names recur all the time, so their bytes are cached. 64 bytes per slot; a name that does not fit is encoded each
     // time.
     struct NameSlot {
-        static constexpr std::size_t CAPACITY = 56;
+        static constexpr std::size_t CAPACITY = 48;
         static constexpr std::uint8_t TOO_LONG = 0xFF;
-        LumNameEnum id = NAME_NULL;
+        LumName prefix, localName;
         std::uint8_t length = 0;
-        char bytes[CAPACITY + 3];
+        char bytes[CAPACITY + 7];
     };
     static constexpr std::size_t NAME_SLOTS = 256;
 
@@ -96,12 +95,17 @@ private:
     }
     void markFailed() noexcept;
     [[noreturn]] void fail();
+    [[noreturn]] void failCheck();
     bool put(const char* bytes, std::size_t count);
-    char* encode(const char16_t* from, const char16_t* end, unsigned mode, char* out);
+    template <TextMode mode>
+    char* encode(const char16_t* from, const char16_t* end, char* out);
+    char* encode(const char16_t* from, const char16_t* end, TextMode mode, char* out);
     char* encodeShiftJis(const char16_t*& from, const char16_t* end, char* out);
-    void fillSlot(NameSlot& slot, LumName name);
+    void fillSlot(NameSlot& slot, LumName prefix, LumName localName);
+    void encodeName(LumName prefix, LumName localName);
 
     std::ostream* stream_ = nullptr;
+    std::ios* state_ = nullptr;  // the stream as its base class, which it takes a look-up to find
     std::unique_ptr<char[]> buffer_;
     char* cursor_;
     char* limit_;
