@@ -9,6 +9,8 @@
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/dom/detail/ExactType.h>
+#include <lumcommon/dom/detail/GatheredOutput.h>
+#include <lumcommon/dom/detail/NodeFields.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
@@ -23,132 +25,118 @@ namespace LumCommon {
 namespace {
 
 using detail::isExactly;
-
-/// Lets the library's serializer gather its output while nothing but the library's own nodes is read, and they are
-/// completely loaded: then nobody can see how much is in the stream.
-class Gathering {
-public:
-    explicit Gathering(XmlSerializerImpl& serializer) : serializer_(serializer) {}
-    Gathering(const Gathering&) = delete;
-    Gathering& operator=(const Gathering&) = delete;
-    ~Gathering() { serializer_.stopGatheringQuietly(); }
-    void set(bool isGathering) { serializer_.setGathering(isGathering); }
-
-private:
-    XmlSerializerImpl& serializer_;
-};
-
-/// A serializer of the caller's own sees each operation anyway.
-class NoGathering {
-public:
-    explicit NoGathering(LumXmlSerializer&) {}
-    void set(bool) {}
-};
+using detail::NodeFields;
 
 /// Writes nodes to a serializer. Nodes of the library's own classes lend their content; of others, and where an
-/// operation can come to others, every operation is called that a derived class may override.
-template <class Serializer, class Gatherer>
+/// operation can come to others, every operation is called that a derived class may override. Output is gathered only
+/// while nothing but the library's own nodes is read, and they are completely loaded.
+template <class Serializer, class Output>
 class NodeWriter {
 public:
     NodeWriter(Serializer& serializer, const LumDocument& document)
-        : serializer_(serializer), document_(document), gathering_(serializer) {}
+        : serializer_(serializer), document_(document), output_(serializer) {}
 
     /// @param startTagOnly  ends after the attributes of the first element.
     void write(LumNode* root, bool startTagOnly) {
         if (!root) return;
         walk(root, startTagOnly);
-        gathering_.set(false);
+        output_.setGathering(false);
     }
 
 private:
-    enum class Content { ELEMENT, TEXT, INSTRUCTION, UNKNOWN };
-    struct Visit {
-        LumNode* node;
-        Content own;  // UNKNOWN unless the node's class is the library's own
-        int type;
-    };
+    enum class Own { ELEMENT, TEXT, INSTRUCTION, NONE };
 
-    Visit visit(LumNode* node) {
-        if (isExactly<ElementNS>(*node)) return {node, Content::ELEMENT, LumNode::ELEMENT_NODE};
-        if (isExactly<LumTextNode>(*node)) return {node, Content::TEXT, LumNode::TEXT_NODE};
-        if (isExactly<LumPINode>(*node)) return {node, Content::INSTRUCTION, LumNode::PROCESSING_INSTRUCTION_NODE};
-        gathering_.set(false);
-        return {node, Content::UNKNOWN, node->getNodeType()};
+    /// What a node is if its class is the library's own.
+    static Own classify(const LumNode& node) noexcept {
+        if (isExactly<ElementNS>(node)) return Own::ELEMENT;
+        if (isExactly<LumTextNode>(node)) return Own::TEXT;
+        return isExactly<LumPINode>(node) ? Own::INSTRUCTION : Own::NONE;
     }
 
     /// The order is that of a LumTreeIterator that enters and leaves.
-    void walk(LumNode* root, bool startTagOnly) {
-        Visit current = visit(root);
-        bool isLeaving = false;
+    void walk(LumNode* node, bool startTagOnly) {
+        const LumNode* const root = node;
         for (;;) {
-            report(current, isLeaving);
-            const bool isElement = current.type == LumNode::ELEMENT_NODE;
+            Own own = classify(*node);
+            const bool isElement = enter(*node, own);
             if (startTagOnly && isElement) return;
-            if (!isLeaving) {
-                if (LumNode* const child = firstChild(current)) {
-                    current = visit(child);
-                    continue;
-                }
-                isLeaving = true;
-                if (isElement) continue;
+            if (LumNode* const child = firstChild(*node, own)) {
+                node = child;
+                continue;
             }
-            if (current.node == root) return;
-            if (LumNode* const sibling = nextSibling(current)) {
-                current = visit(sibling);
-                isLeaving = false;
-            } else if (LumNode* const parent = parentOf(current)) {
-                current = visit(parent);
-            } else {
-                return;
+            if (isElement) leave(*node, own);
+            for (;;) {
+                if (node == root) return;
+                if (LumNode* const sibling = nextSibling(*node, own)) {
+                    node = sibling;
+                    break;
+                }
+                node = own == Own::NONE ? node->getParentNode() : NodeFields::getParent(*node);
+                if (!node) return;
+                own = classify(*node);
+                leave(*node, own);
             }
         }
     }
 
-    LumNode* firstChild(const Visit& visit) {
-        const LumNode& node = *visit.node;
-        if (visit.own == Content::UNKNOWN) return node.getFirstChild();
-        if (node.getFlags() & LumNode::FLAG_LOADING) gathering_.set(false);
-        return node.LumNode::getFirstChild();
+    LumNode* firstChild(const LumNode& node, Own own) {
+        if (own == Own::NONE) return node.getFirstChild();
+        if (LumNode* const child = NodeFields::peekFirstChild(node)) return child;
+        if (!(node.getFlags() & LumNode::FLAG_LOADING)) return nullptr;
+        output_.setGathering(false);
+        return node.getFirstChild();
     }
 
-    LumNode* nextSibling(const Visit& visit) {
-        const LumNode& node = *visit.node;
-        if (visit.own == Content::UNKNOWN) return node.getNextSibling();
-        const LumNode* const parent = node.LumNode::getParentNode();
-        if (parent && (parent->getFlags() & LumNode::FLAG_LOADING)) gathering_.set(false);
-        return node.LumNode::getNextSibling();
+    LumNode* nextSibling(const LumNode& node, Own own) {
+        if (own == Own::NONE) return node.getNextSibling();
+        if (LumNode* const sibling = NodeFields::peekNextSibling(node)) return sibling;
+        const LumNode* const parent = NodeFields::getParent(node);
+        if (!parent || !(parent->getFlags() & LumNode::FLAG_LOADING)) return nullptr;
+        output_.setGathering(false);
+        return node.getNextSibling();
     }
 
-    static LumNode* parentOf(const Visit& visit) {
-        return visit.own == Content::UNKNOWN ? visit.node->getParentNode() : visit.node->LumNode::getParentNode();
-    }
-
-    void report(const Visit& visit, bool isLeaving) {
-        if (visit.own == Content::UNKNOWN) return reportUnknown(*visit.node, visit.type, isLeaving);
-        gathering_.set(true);
-        switch (visit.own) {
-            case Content::ELEMENT: {
-                const ElementNS& element = static_cast<const ElementNS&>(*visit.node);
-                if (isLeaving) {
-                    serializer_.endTag(element.ElementNS::getNamespaceUri(), element.Element::getLocalName());
-                    break;
-                }
-                serializer_.startTag(element.ElementNS::getNamespaceUri(), element.Element::getPrefix(),
-                                     element.Element::getLocalName());
-                if (element.LumElement::hasAttributes()) {
-                    const AttrNodeMap& map = static_cast<const AttrNodeMap&>(*element.LumElement::getAttributes());
-                    for (const LumNode* attr = map.AttrNodeMap::getFirstNode(); attr;
-                         attr = map.AttrNodeMap::getNextNode(attr)) {
-                        writeAttribute(*attr);
-                    }
-                }
-                break;
-            }
-            case Content::TEXT:
-                serializer_.text(static_cast<const LumTextNode&>(*visit.node).peekText());
-                break;
+    /// Returns whether it is an element.
+    bool enter(const LumNode& node, Own own) {
+        output_.setGathering(own != Own::NONE);
+        switch (own) {
+            case Own::ELEMENT:
+                enterElement(static_cast<const ElementNS&>(node));
+                return true;
+            case Own::TEXT:
+                output_.text(NodeFields::getText(static_cast<const LumTextNode&>(node)));
+                return false;
+            case Own::INSTRUCTION:
+                output_.processingInstruction(NodeFields::getText(static_cast<const LumPINode&>(node)));
+                return false;
             default:
-                serializer_.processingInstruction(static_cast<const LumPINode&>(*visit.node).peekText());
+                const int type = node.getNodeType();
+                reportUnknown(node, type, false);
+                return type == LumNode::ELEMENT_NODE;
+        }
+    }
+
+    /// Nodes other than elements are left only if they have children, and are then written again.
+    void leave(const LumNode& node, Own own) {
+        if (own == Own::ELEMENT) {
+            output_.setGathering(true);
+            const ElementNS& element = static_cast<const ElementNS&>(node);
+            output_.endTag(NodeFields::getNamespaceUri(element), NodeFields::getLocalName(element));
+        } else if (own == Own::NONE) {
+            output_.setGathering(false);
+            reportUnknown(node, node.getNodeType(), true);
+        } else {
+            enter(node, own);
+        }
+    }
+
+    void enterElement(const ElementNS& element) {
+        output_.startTag(NodeFields::getNamespaceUri(element), NodeFields::getPrefix(element),
+                         NodeFields::getLocalName(element));
+        if (!element.LumElement::hasAttributes()) return;
+        const AttrNodeMap& map = static_cast<const AttrNodeMap&>(*element.LumElement::getAttributes());
+        for (const LumNode* attr = map.AttrNodeMap::getFirstNode(); attr; attr = map.AttrNodeMap::getNextNode(attr)) {
+            writeAttribute(*attr);
         }
     }
 
@@ -164,7 +152,7 @@ private:
                     const LumNamedNodeMap& map = *node.getAttributes();
                     for (const LumNode* attr = map.getFirstNode(); attr; attr = map.getNextNode(attr)) {
                         writeAttribute(*attr);
-                        gathering_.set(false);
+                        output_.setGathering(false);
                     }
                 }
                 break;
@@ -190,12 +178,12 @@ private:
             const LumValue& value = own.peekValue();
             const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
             if (plain) {
-                gathering_.set(true);
-                serializer_.attribute(LumName(), LumName(), own.Attr::getLocalName(), *plain);
+                output_.setGathering(true);
+                output_.attribute(own.Attr::getLocalName(), *plain);
                 return;
             }
         }
-        gathering_.set(false);
+        output_.setGathering(false);
         if (isExactly<Attr>(attr) || isExactly<AttrNS>(attr)) {
             writeValue(attr, static_cast<const Attr&>(attr).peekValue());
         } else {
@@ -246,7 +234,7 @@ private:
 
     Serializer& serializer_;
     const LumDocument& document_;
-    Gatherer gathering_;
+    Output output_;
     bool isSvg_ = false;
     bool isSvgKnown_ = false;  // determined at the first colour
 };
@@ -293,10 +281,10 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
     if (typeid(serializer) == typeid(XmlSerializerImpl)) {
-        NodeWriter<XmlSerializerImpl, Gathering>(static_cast<XmlSerializerImpl&>(serializer), *this)
+        NodeWriter<XmlSerializerImpl, detail::GatheredOutput>(static_cast<XmlSerializerImpl&>(serializer), *this)
             .write(node, startTagOnly);
     } else {
-        NodeWriter<LumXmlSerializer, NoGathering>(serializer, *this).write(node, startTagOnly);
+        NodeWriter<LumXmlSerializer, detail::DirectOutput>(serializer, *this).write(node, startTagOnly);
     }
 }
 

@@ -116,6 +116,8 @@ public:
     void setPrefix(LumName prefix) override;
 
 private:
+    friend class detail::NodeFields;
+
     LumName prefix_;
     LumName localName_;
 };
@@ -134,6 +136,8 @@ public:
     LumName getNamespaceUri() const override;
 
 private:
+    friend class detail::NodeFields;
+
     LumName namespaceUri_;
 };
 

@@ -39,10 +39,9 @@ public:
     virtual UnicodeString getData() const;
     virtual void setData(const UnicodeString& text);
 
-    /// The text, without copying it. The reference is valid until the text changes or the node dies.
-    const UnicodeString& peekText() const noexcept { return text_; }
-
 private:
+    friend class detail::NodeFields;
+
     UnicodeString text_;
 };
 

@@ -190,23 +190,17 @@ void XmlSerializerImpl::dropPrefixScope() {
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName localName) {
     Operation operation(*this);
-    closeStartTag(TagEnd::Content);
+    const bool closesTag = needsClosing();
     scopes_.open(namespaceUri, localName);
-    writeStartTag(scopes_.innermost().prefix, localName);
+    state_ = STATE_TAG_OPEN;
+    writer_.startTag(closesTag, scopes_.innermost().prefix, localName);
     operation.finish();
 }
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName prefix, LumName localName) {
     Operation operation(*this);
-    closeStartTag(TagEnd::Content);
-    scopes_.open(namespaceUri, prefix, localName);
-    writeStartTag(prefix, localName);
+    writeStartTag(namespaceUri, prefix, localName);
     operation.finish();
-}
-
-void XmlSerializerImpl::writeStartTag(LumName prefix, LumName localName) {
-    state_ = STATE_TAG_OPEN;
-    writer_.qualifiedName("<", prefix, localName);
 }
 
 void XmlSerializerImpl::attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) {
@@ -226,8 +220,8 @@ void XmlSerializerImpl::attribute(LumName namespaceUri, LumName prefix, LumName 
     operation.finish();
 }
 
-void XmlSerializerImpl::checkAttributeState() const {
-    if (!isTagOpen()) throwCommonError(LumErrorCodeLumLIB::AttributeOrder, LumCommonErrorSource::SerializerAttribute);
+void XmlSerializerImpl::failAttribute() const {
+    throwCommonError(LumErrorCodeLumLIB::AttributeOrder, LumCommonErrorSource::SerializerAttribute);
 }
 
 /// Records an attribute that is a namespace declaration; false for any other attribute. The declaration is written
@@ -239,25 +233,17 @@ bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, L
     return true;
 }
 
-void XmlSerializerImpl::writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
-    state_ = STATE_ATTRIBUTES;
-    writer_.qualifiedName(" ", prefix, localName);
-    writer_.ascii("=\"");
-    writer_.text(value, detail::TEXT_ATTRIBUTE);
-    writer_.ascii("\"");
-}
-
 /// Ends the open start tag, with the namespace declarations of its scope.
 void XmlSerializerImpl::finishStartTag(TagEnd end) {
     if (const NamespaceMap* declarations = scopes_.getDeclarations()) {
         for (const auto& [prefix, uri] : declarations->getEntries()) {
-            writer_.qualifiedName(prefix.isNull() ? " xmlns" : " xmlns:", LumName(), prefix);
+            writer_.name(prefix.isNull() ? " xmlns" : " xmlns:", LumName(), prefix);
             writer_.ascii("=\"");
             writer_.text(uri.getString(), detail::TEXT_ATTRIBUTE);
             writer_.ascii("\"");
         }
     }
-    writer_.ascii(end == TagEnd::Empty ? "/>" : ">");
+    writer_.closeTag(end == TagEnd::Empty);
     state_ = end == TagEnd::Empty ? STATE_EMPTY_TAG : STATE_CONTENT;
 }
 
@@ -269,25 +255,11 @@ void XmlSerializerImpl::endTag(LumName namespaceUri, LumName localName) {
     operation.finish();
 }
 
-/// Closes the innermost element.
-void XmlSerializerImpl::writeEndTag() {
-    if (isTagOpen()) {
-        closeStartTag(TagEnd::Empty);
-    } else {
-        const auto& names = scopes_.innermost();
-        writer_.qualifiedName("</", names.prefix, names.localName);
-        writer_.ascii(">");
-        state_ = STATE_END_TAG;
-    }
-    scopes_.close();
-}
-
-void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) const {
+void XmlSerializerImpl::failEndTag(LumName namespaceUri, LumName localName) const {
     if (!scopes_.hasElement()) {
         throwCommonError(LumErrorCodeLumLIB::UnexpectedEndTag, LumCommonErrorSource::SerializerEndTag);
     }
-    const detail::OutputScopes::ElementNames open = scopes_.innermost();
-    if (open.namespaceUri == namespaceUri && open.localName == localName) return;
+    const detail::OutputScopes::ElementNames& open = scopes_.innermost();
     const UnicodeString given = LumXmlUtil::makeNSQNameStr(namespaceUri.getString(), localName.getString());
     const UnicodeString opened =
         open.prefix.isNull() ? LumXmlUtil::makeNSQNameStr(open.namespaceUri.getString(), open.localName.getString())
@@ -295,7 +267,11 @@ void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) con
     throwCommonError(LumErrorCodeLumLIB::EndTagMismatch, LumCommonErrorSource::SerializerEndTag, given, opened);
 }
 
-void XmlSerializerImpl::text(const UnicodeString& text) { writeContent("", text, detail::TEXT_CONTENT, ""); }
+void XmlSerializerImpl::text(const UnicodeString& text) {
+    Operation operation(*this);
+    writeText(text);
+    operation.finish();
+}
 
 /// A null buffer, a negative start or a length below 1 means no text.
 void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length) {

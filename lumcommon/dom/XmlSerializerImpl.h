@@ -7,6 +7,10 @@
 
 namespace LumCommon {
 
+namespace detail {
+class GatheredOutput;
+}
+
 /// The serializer of the library.
 ///
 /// The stream is used while an operation runs, and by a setOutput() that follows an unfinished document, but never by
@@ -49,14 +53,6 @@ public:
     void flush() override;
     void setGenerator(const UnicodeString& generator) override;
 
-    /// While gathering, what operations write need not be in the stream when they return; it is handed over in pieces
-    /// of up to 32 KB. Turning it off hands over the rest; failure: 0x1007.
-    void setGathering(bool isGathering) {
-        if (isGathering != writer_.isGathering()) writer_.setGathering(isGathering);
-    }
-    /// Turns gathering off where nothing may be thrown.
-    void stopGatheringQuietly() noexcept { writer_.stopGatheringQuietly(); }
-
     /// Flushes the output, closes it if it is a file that the serializer opened, and leaves the serializer without an
     /// output.
     void closeStream();
@@ -77,22 +73,65 @@ private:
     };
     enum class TagEnd { Content, Empty };
     class Operation;
+    friend class detail::GatheredOutput;
 
     bool isTagOpen() const noexcept { return state_ == STATE_TAG_OPEN || state_ == STATE_ATTRIBUTES; }
     void resetForOutput();
     void attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding);
     bool releaseOutput() noexcept;
     void dropPrefixScope();
-    void writeStartTag(LumName prefix, LumName localName);
     bool declareNamespace(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value);
-    void checkAttributeState() const;
-    void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value);
+    void checkAttributeState() const {
+        if (!isTagOpen()) failAttribute();
+    }
+    [[noreturn]] void failAttribute() const;
+    /// Whether the start tag before is still open, without declarations. A tag that has some is ended here.
+    bool needsClosing() {
+        if (!isTagOpen()) return false;
+        if (!scopes_.hasDeclarations()) return true;
+        finishStartTag(TagEnd::Content);
+        return false;
+    }
+    void writeStartTag(LumName namespaceUri, LumName prefix, LumName localName) {
+        const bool closesTag = needsClosing();
+        scopes_.open(namespaceUri, prefix, localName);
+        state_ = STATE_TAG_OPEN;
+        writer_.startTag(closesTag, prefix, localName);
+    }
+    void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
+        state_ = STATE_ATTRIBUTES;
+        writer_.attribute(prefix, localName, value);
+    }
+    void writeText(const UnicodeString& text) {
+        const bool closesTag = needsClosing();
+        if (closesTag) state_ = STATE_CONTENT;
+        writer_.content(closesTag, text);
+    }
     void closeStartTag(TagEnd end) {
         if (isTagOpen()) finishStartTag(end);
     }
     void finishStartTag(TagEnd end);
-    void writeEndTag();
-    void checkEndTag(LumName namespaceUri, LumName localName) const;
+    /// Closes the innermost element. No scope may be waiting.
+    void writeEndTag() {
+        if (isTagOpen() && scopes_.hasDeclarations()) {
+            finishStartTag(TagEnd::Empty);
+        } else if (isTagOpen()) {
+            writer_.closeTag(true);
+            state_ = STATE_EMPTY_TAG;
+        } else {
+            const auto& names = scopes_.innermost();
+            writer_.endTag(names.prefix, names.localName);
+            state_ = STATE_END_TAG;
+        }
+        scopes_.close();
+    }
+    void checkEndTag(LumName namespaceUri, LumName localName) const {
+        const auto& open = scopes_.innermost();
+        if (!scopes_.hasElement() || open.namespaceUri != namespaceUri || open.localName != localName) {
+            failEndTag(namespaceUri, localName);
+        }
+    }
+    [[noreturn]] void failEndTag(LumName namespaceUri, LumName localName) const;
     void writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
                       std::string_view after);
 

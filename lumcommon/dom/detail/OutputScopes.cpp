@@ -21,8 +21,7 @@ void OutputScopes::openWaiting() {
     isWaiting_ = true;
 }
 
-void OutputScopes::dropWaiting() {
-    if (!isWaiting_) return;
+void OutputScopes::closeWaiting() {
     popScope();
     isWaiting_ = false;
 }
@@ -97,7 +96,7 @@ LumName OutputScopes::getPrefix(LumName namespaceUri, bool generate) {
 }
 
 const NamespaceMap* OutputScopes::getDeclarations() const {
-    return !elements_.empty() && elements_.back().hasScope ? manager_->getNamespaceMap() : nullptr;
+    return hasDeclarations() ? manager_->getNamespaceMap() : nullptr;
 }
 
 }  // namespace LumCommon::detail

@@ -27,11 +27,13 @@ public:
     int getDepth() const noexcept { return static_cast<int>(elements_.size()) + (isWaiting_ ? 1 : 0); }
     bool hasElement() const noexcept { return !elements_.empty(); }
     /// The innermost element; all null when none is open.
-    ElementNames innermost() const noexcept { return elements_.empty() ? ElementNames() : elements_.back().names; }
+    const ElementNames& innermost() const noexcept { return elements_.empty() ? none : elements_.back().names; }
 
     /// Opens a scope for the next element to use, unless one is waiting.
     void openWaiting();
-    void dropWaiting();
+    void dropWaiting() {
+        if (isWaiting_) closeWaiting();
+    }
     /// Opens an element and declares what its names need.
     void open(LumName namespaceUri, LumName prefix, LumName localName) {
         if (isWaiting_ || !isInScope(namespaceUri, prefix)) return openWithScope(namespaceUri, prefix, localName);
@@ -53,7 +55,9 @@ public:
     }
     /// See LumXmlSerializer::getPrefix().
     LumName getPrefix(LumName namespaceUri, bool generate);
-    /// The declarations of the innermost element, or null.
+    /// Whether the innermost element may have declarations.
+    bool hasDeclarations() const noexcept { return !elements_.empty() && elements_.back().hasScope; }
+    /// Its declarations, or null.
     const NamespaceMap* getDeclarations() const;
 
 private:
@@ -65,6 +69,8 @@ private:
         LumName namespaceUri, prefix;
         std::uint64_t generation = 0;
     };
+
+    static constexpr ElementNames none{};
 
     NamespaceManager& manager();
     /// Whether an element of these names declares nothing and changes no answer.
@@ -79,6 +85,7 @@ private:
     void undeclareDefault();
     void giveScope();
     void popScope();
+    void closeWaiting();
 
     LumPtr<NamespaceManager> manager_;  // created when first needed
     std::vector<OpenElement> elements_;

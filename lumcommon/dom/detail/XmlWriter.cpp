@@ -13,12 +13,10 @@ namespace LumCommon::detail {
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = 32 * 1024;
-// Text is encoded in blocks, so that one check for room serves many units. A unit becomes at most 8 bytes ("&#65535;"),
-// a pair at most 10. Copying may write past the last byte that counts.
+// Text is encoded in blocks, so that one check for room serves many units. Copying may write past the last byte that
+// counts.
 constexpr std::size_t BLOCK_UNITS = 2048;
-constexpr std::size_t BYTES_PER_UNIT = 8;
 constexpr std::size_t STORE_SLACK = plainTextSlack;
-static_assert(BLOCK_UNITS * BYTES_PER_UNIT + STORE_SLACK <= BUFFER_SIZE);
 
 char* append(char* out, std::string_view text) { return std::copy(text.begin(), text.end(), out); }
 
@@ -121,7 +119,21 @@ void XmlWriter::failCheck() {
     fail();
 }
 
+template <TextMode mode>
+char* XmlWriter::encode(const char16_t* from, const char16_t* end, char* out) {
+    for (;;) {
+        out = copyPlain<mode>(from, end, out);
+        if (from == end) return out;
+        if (*from < 0x80) {
+            out = appendSpecial<mode>(out, *from++);
+        } else {
+            out = isShiftJis_ ? encodeShiftJis(from, end, out) : encodeUtf8(from, end, out);
+        }
+    }
+}
+
 void XmlWriter::text(const char16_t* units, std::size_t count, TextMode mode) {
+    static_assert(BLOCK_UNITS * BYTES_PER_UNIT + STORE_SLACK <= BUFFER_SIZE);
     while (count > 0) {
         std::size_t block = std::min(count, BLOCK_UNITS);
         if (block < count && U16_IS_LEAD(units[block - 1])) --block;  // keeps pairs together
@@ -136,12 +148,39 @@ void XmlWriter::text(const UnicodeString& text, TextMode mode) {
     if (text.length() > 0) this->text(text.getBuffer(), static_cast<std::size_t>(text.length()), mode);
 }
 
-void XmlWriter::encodeName(LumName prefix, LumName localName) {
+void XmlWriter::attribute(LumName prefix, LumName localName, const UnicodeString& value) {
+    const NameSlot& name = slot(prefix, localName);
+    const auto count = static_cast<std::size_t>(value.length());
+    if (!name.isCached() || count > SHORT_TEXT) {
+        longName(" ", prefix, localName, "=\"");
+        text(value, TEXT_ATTRIBUTE);
+        return ascii("\"");
+    }
+    char* out = room(SHORT_TEXT * BYTES_PER_UNIT + NameSlot::CAPACITY + STORE_SLACK);
+    *out++ = ' ';
+    out = name.append(out);
+    *out++ = '=';
+    *out++ = '"';
+    const char16_t* const units = value.getBuffer();
+    if (count > 0) out = encode<TEXT_ATTRIBUTE>(units, units + count, out);
+    *out++ = '"';
+    cursor_ = out;
+}
+
+void XmlWriter::longName(std::string_view before, LumName prefix, LumName localName, std::string_view after) {
+    ascii(before);
     if (!prefix.isNull()) {
         text(prefix.getString(), TEXT_RAW);
         ascii(":");
     }
     text(localName.getString(), TEXT_RAW);
+    ascii(after);
+}
+
+/// Whoever gathers does not check the stream before each operation.
+void XmlWriter::makeRoom() {
+    commit();
+    if (isGathering_) check();
 }
 
 void XmlWriter::commit() {
@@ -197,17 +236,8 @@ bool XmlWriter::put(const char* bytes, std::size_t count) {
     }
 }
 
-template <TextMode mode>
-char* XmlWriter::encode(const char16_t* from, const char16_t* end, char* out) {
-    for (;;) {
-        out = copyPlain<mode>(from, end, out);
-        if (from == end) return out;
-        if (*from < 0x80) {
-            out = appendSpecial<mode>(out, *from++);
-        } else {
-            out = isShiftJis_ ? encodeShiftJis(from, end, out) : encodeUtf8(from, end, out);
-        }
-    }
+char* XmlWriter::encodeContent(const char16_t* from, const char16_t* end, char* out) {
+    return encode<TEXT_CONTENT>(from, end, out);
 }
 
 char* XmlWriter::encode(const char16_t* from, const char16_t* end, TextMode mode, char* out) {

@@ -49,16 +49,55 @@ public:
     }
     void text(const char16_t* units, std::size_t count, TextMode mode);
     void text(const UnicodeString& text, TextMode mode);
-    /// `before`, which is short, and then "prefix:local", or "local" when the prefix is null. Names are not escaped.
-    void qualifiedName(std::string_view before, LumName prefix, LumName localName) {
-        ascii(before);
-        NameSlot& slot = slots_[(localName.getEnum() + 31 * prefix.getEnum()) % NAME_SLOTS];
-        if (slot.localName != localName || slot.prefix != prefix) fillSlot(slot, prefix, localName);
-        if (slot.length == NameSlot::TOO_LONG) return encodeName(prefix, localName);
-        reserve(NameSlot::CAPACITY);
-        std::memcpy(cursor_, slot.bytes, NameSlot::CAPACITY);  // a fixed size costs less than a call
-        cursor_ += slot.length;
+    // Of the following, the first byte is the ">" of a start tag before if `closesTag`. A name is written as
+    // "prefix:local", or "local" when the prefix is null, and is not escaped.
+
+    /// "<" and the name.
+    void startTag(bool closesTag, LumName prefix, LumName localName) {
+        const NameSlot& name = slot(prefix, localName);
+        if (!name.isCached()) return longName(closesTag ? "><" : "<", prefix, localName, "");
+        char* out = room(NameSlot::CAPACITY + 2);
+        *out = '>';
+        out += closesTag ? 1 : 0;
+        *out++ = '<';
+        cursor_ = name.append(out);
     }
+    /// "</", the name and ">".
+    void endTag(LumName prefix, LumName localName) {
+        const NameSlot& name = slot(prefix, localName);
+        if (!name.isCached()) return longName("</", prefix, localName, ">");
+        char* out = room(NameSlot::CAPACITY + 3);
+        *out++ = '<';
+        *out++ = '/';
+        out = name.append(out);
+        *out++ = '>';
+        cursor_ = out;
+    }
+    /// A space, the name, "=" and the value in quotes.
+    void attribute(LumName prefix, LumName localName, const UnicodeString& value);
+    /// Escaped as content.
+    void content(bool closesTag, const UnicodeString& text) {
+        const auto count = static_cast<std::size_t>(text.length());
+        if (count > SHORT_TEXT) {
+            if (closesTag) ascii(">");
+            return this->text(text, TEXT_CONTENT);
+        }
+        char* out = room(SHORT_TEXT * BYTES_PER_UNIT + plainTextSlack);
+        *out = '>';
+        out += closesTag ? 1 : 0;
+        const char16_t* const units = text.getBuffer();
+        cursor_ = count > 0 ? encodeContent(units, units + count, out) : out;
+    }
+    /// Ends a start tag.
+    void closeTag(bool isEmpty) {
+        char* const out = room(2);
+        out[0] = isEmpty ? '/' : '>';
+        out[1] = '>';
+        cursor_ = out + (isEmpty ? 2 : 1);
+    }
+    /// `before` and the name.
+    void name(std::string_view before, LumName prefix, LumName localName) { longName(before, prefix, localName, ""); }
+
     /// Hands the buffered bytes to the stream.
     void commit();
     /// The same, for places where nothing may be thrown.
@@ -79,6 +118,10 @@ public:
     }
 
 private:
+    // A unit becomes at most 8 bytes ("&#65535;"), a pair at most 10.
+    static constexpr std::size_t BYTES_PER_UNIT = 8;
+    static constexpr std::size_t SHORT_TEXT = 512;  // units for which one check for room serves all
+
     // Names recur all the time, so their bytes are cached. 64 bytes per slot; a name that does not fit is encoded each
     // time.
     struct NameSlot {
@@ -87,12 +130,30 @@ private:
         LumName prefix, localName;
         std::uint8_t length = 0;
         char bytes[CAPACITY + 7];
+
+        bool isCached() const noexcept { return length != TOO_LONG; }
+        /// Writes CAPACITY bytes, as a fixed size costs less than a call.
+        char* append(char* out) const noexcept {
+            std::memcpy(out, bytes, CAPACITY);
+            return out + length;
+        }
     };
     static constexpr std::size_t NAME_SLOTS = 256;
 
     void reserve(std::size_t byteCount) {
-        if (static_cast<std::size_t>(limit_ - cursor_) < byteCount) commit();
+        if (static_cast<std::size_t>(limit_ - cursor_) < byteCount) makeRoom();
     }
+    void makeRoom();
+    char* room(std::size_t byteCount) {
+        reserve(byteCount);
+        return cursor_;
+    }
+    const NameSlot& slot(LumName prefix, LumName localName) {
+        NameSlot& slot = slots_[(localName.getEnum() + 31 * prefix.getEnum()) % NAME_SLOTS];
+        if (slot.localName != localName || slot.prefix != prefix) fillSlot(slot, prefix, localName);
+        return slot;
+    }
+    void longName(std::string_view before, LumName prefix, LumName localName, std::string_view after);
     void markFailed() noexcept;
     [[noreturn]] void fail();
     [[noreturn]] void failCheck();
@@ -100,9 +161,9 @@ private:
     template <TextMode mode>
     char* encode(const char16_t* from, const char16_t* end, char* out);
     char* encode(const char16_t* from, const char16_t* end, TextMode mode, char* out);
+    char* encodeContent(const char16_t* from, const char16_t* end, char* out);
     char* encodeShiftJis(const char16_t*& from, const char16_t* end, char* out);
     void fillSlot(NameSlot& slot, LumName prefix, LumName localName);
-    void encodeName(LumName prefix, LumName localName);
 
     std::ostream* stream_ = nullptr;
     std::ios* state_ = nullptr;  // the stream as its base class, which it takes a look-up to find
