@@ -5,16 +5,19 @@
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/LumNamedNodeMap.h>
-#include <lumcommon/dom/LumNodeIterable.h>
+#include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/dom/detail/ExactType.h>
+#include <lumcommon/dom/detail/GatheredOutput.h>
+#include <lumcommon/dom/detail/NodeFields.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 
 #include <sstream>
+#include <typeinfo>
 #include <utility>
 
 namespace LumCommon {
@@ -22,15 +25,165 @@ namespace LumCommon {
 namespace {
 
 using detail::isExactly;
+using detail::NodeFields;
 
-/// Writes one attribute from its typed value: nothing for a null or an object, one attribute per entry for a compound.
-class AttributeWriter {
+/// Writes nodes to a serializer. Nodes of the library's own classes lend their content; of others, and where an
+/// operation can come to others, every operation is called that a derived class may override. Output is gathered only
+/// while nothing but the library's own nodes is read, and they are completely loaded.
+template <class Serializer, class Output>
+class NodeWriter {
 public:
-    AttributeWriter(LumXmlSerializer& serializer, const LumDocument& document)
-        : serializer_(serializer), document_(document) {}
+    NodeWriter(Serializer& serializer, const LumDocument& document)
+        : serializer_(serializer), document_(document), output_(serializer) {}
 
-    void write(const LumNode& attr) {
-        // The library's own classes lend their value; others are asked for a copy.
+    /// @param startTagOnly  ends after the attributes of the first element.
+    void write(LumNode* root, bool startTagOnly) {
+        if (!root) return;
+        walk(root, startTagOnly);
+        output_.setGathering(false);
+    }
+
+private:
+    enum class Own { ELEMENT, TEXT, INSTRUCTION, NONE };
+
+    /// What a node is if its class is the library's own.
+    static Own classify(const LumNode& node) noexcept {
+        if (isExactly<ElementNS>(node)) return Own::ELEMENT;
+        if (isExactly<LumTextNode>(node)) return Own::TEXT;
+        return isExactly<LumPINode>(node) ? Own::INSTRUCTION : Own::NONE;
+    }
+
+    /// The order is that of a LumTreeIterator that enters and leaves.
+    void walk(LumNode* node, bool startTagOnly) {
+        const LumNode* const root = node;
+        for (;;) {
+            Own own = classify(*node);
+            const bool isElement = enter(*node, own);
+            if (startTagOnly && isElement) return;
+            if (LumNode* const child = firstChild(*node, own)) {
+                node = child;
+                continue;
+            }
+            if (isElement) leave(*node, own);
+            for (;;) {
+                if (node == root) return;
+                if (LumNode* const sibling = nextSibling(*node, own)) {
+                    node = sibling;
+                    break;
+                }
+                node = own == Own::NONE ? node->getParentNode() : NodeFields::getParent(*node);
+                if (!node) return;
+                own = classify(*node);
+                leave(*node, own);
+            }
+        }
+    }
+
+    LumNode* firstChild(const LumNode& node, Own own) {
+        if (own == Own::NONE) return node.getFirstChild();
+        if (LumNode* const child = NodeFields::peekFirstChild(node)) return child;
+        if (!(node.getFlags() & LumNode::FLAG_LOADING)) return nullptr;
+        output_.setGathering(false);
+        return node.getFirstChild();
+    }
+
+    LumNode* nextSibling(const LumNode& node, Own own) {
+        if (own == Own::NONE) return node.getNextSibling();
+        if (LumNode* const sibling = NodeFields::peekNextSibling(node)) return sibling;
+        const LumNode* const parent = NodeFields::getParent(node);
+        if (!parent || !(parent->getFlags() & LumNode::FLAG_LOADING)) return nullptr;
+        output_.setGathering(false);
+        return node.getNextSibling();
+    }
+
+    /// Returns whether it is an element.
+    bool enter(const LumNode& node, Own own) {
+        output_.setGathering(own != Own::NONE);
+        switch (own) {
+            case Own::ELEMENT:
+                enterElement(static_cast<const ElementNS&>(node));
+                return true;
+            case Own::TEXT:
+                output_.text(static_cast<const LumTextNode&>(node));
+                return false;
+            case Own::INSTRUCTION:
+                output_.processingInstruction(static_cast<const LumPINode&>(node).LumTextNode::getText());
+                return false;
+            default:
+                const int type = node.getNodeType();
+                reportUnknown(node, type, false);
+                return type == LumNode::ELEMENT_NODE;
+        }
+    }
+
+    /// Nodes other than elements are left only if they have children, and are then written again.
+    void leave(const LumNode& node, Own own) {
+        if (own == Own::ELEMENT) {
+            output_.setGathering(true);
+            const ElementNS& element = static_cast<const ElementNS&>(node);
+            output_.endTag(NodeFields::getNamespaceUri(element), NodeFields::getLocalName(element));
+        } else if (own == Own::NONE) {
+            output_.setGathering(false);
+            reportUnknown(node, node.getNodeType(), true);
+        } else {
+            enter(node, own);
+        }
+    }
+
+    void enterElement(const ElementNS& element) {
+        output_.startTag(NodeFields::getNamespaceUri(element), NodeFields::getPrefix(element),
+                         NodeFields::getLocalName(element));
+        LumNode* const last = NodeFields::getLastAttribute(element);
+        for (const LumNode* attr = NodeFields::getFirstAttribute(last); attr;
+             attr = NodeFields::getNextAttribute(*attr, last)) {
+            writeAttribute(*attr);
+        }
+    }
+
+    void reportUnknown(const LumNode& node, int type, bool isLeaving) {
+        switch (type) {
+            case LumNode::ELEMENT_NODE:
+                if (isLeaving) {
+                    serializer_.endTag(node.getNamespaceUri(), node.getLocalName());
+                    break;
+                }
+                serializer_.startTag(node.getNamespaceUri(), node.getPrefix(), node.getLocalName());
+                if (node.hasAttributes()) {
+                    const LumNamedNodeMap& map = *node.getAttributes();
+                    for (const LumNode* attr = map.getFirstNode(); attr; attr = map.getNextNode(attr)) {
+                        writeAttribute(*attr);
+                        output_.setGathering(false);
+                    }
+                }
+                break;
+            case LumNode::TEXT_NODE:
+                serializer_.text(node.getText());
+                break;
+            case LumNode::PROCESSING_INSTRUCTION_NODE:
+                serializer_.processingInstruction(node.getText());
+                break;
+            case LumNode::DOCUMENT_NODE:
+            case LumNode::DOCUMENT_FRAGMENT_NODE:
+                break;
+            default:
+                throwCommonError(LumErrorCodeLumLIB::UnsupportedNodeType, LumCommonErrorSource::DocumentDoSave);
+        }
+    }
+
+    /// Writes an attribute from its typed value: nothing for a null or an object, one attribute per entry for a
+    /// compound.
+    void writeAttribute(const LumNode& attr) {
+        if (isExactly<Attr>(attr)) {
+            const Attr& own = static_cast<const Attr&>(attr);
+            const LumValue& value = own.peekValue();
+            const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
+            if (plain) {
+                output_.setGathering(true);
+                output_.attribute(own.Attr::getLocalName(), *plain);
+                return;
+            }
+        }
+        output_.setGathering(false);
         if (isExactly<Attr>(attr) || isExactly<AttrNS>(attr)) {
             writeValue(attr, static_cast<const Attr&>(attr).peekValue());
         } else {
@@ -38,19 +191,16 @@ public:
         }
     }
 
-private:
     void writeValue(const LumNode& attr, const LumValue& value) {
         const LumValueKind kind = value.getKind();
         if (kind == KIND_NULL || kind == KIND_OBJECT) return;
-        const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
-        if (plain) {
-            put(attr, attr.getLocalName(), *plain);
-        } else if (value.getUnit() == UNIT_COLOR && (kind == KIND_INTEGER || kind == KIND_COMPOUND)) {
+        if (value.getUnit() == UNIT_COLOR && (kind == KIND_INTEGER || kind == KIND_COMPOUND)) {
             put(attr, attr.getLocalName(), LumColor(value).toString(isSvg()));
         } else if (kind == KIND_COMPOUND) {
             writeEntries(attr, *value.getNamedValueMap());
         } else {
-            put(attr, attr.getLocalName(), value.toString());
+            const UnicodeString* const plain = value.getUnit() == UNIT_NONE ? value.getStringPointer() : nullptr;
+            put(attr, attr.getLocalName(), plain ? *plain : value.toString());
         }
     }
 
@@ -82,8 +232,9 @@ private:
         serializer_.attribute(attr.getNamespaceUri(), attr.getPrefix(), name, text);
     }
 
-    LumXmlSerializer& serializer_;
+    Serializer& serializer_;
     const LumDocument& document_;
+    Output output_;
     bool isSvg_ = false;
     bool isSvgKnown_ = false;  // determined at the first colour
 };
@@ -129,36 +280,11 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
-    AttributeWriter attributes(serializer, *this);
-    LumTreeIterator walk(node, LumTreeIterator::ENTER_AND_LEAVE);
-    while (const LumNode* current = walk.nextNode()) {
-        switch (current->getNodeType()) {
-            case ELEMENT_NODE:
-                if (walk.isLeaving()) {
-                    serializer.endTag(current->getNamespaceUri(), current->getLocalName());
-                    break;
-                }
-                serializer.startTag(current->getNamespaceUri(), current->getPrefix(), current->getLocalName());
-                if (current->hasAttributes()) {
-                    const LumNamedNodeMap& map = *current->getAttributes();
-                    for (const LumNode* attr = map.getFirstNode(); attr; attr = map.getNextNode(attr)) {
-                        attributes.write(*attr);
-                    }
-                }
-                if (startTagOnly) return;
-                break;
-            case TEXT_NODE:
-                serializer.text(current->getText());
-                break;
-            case PROCESSING_INSTRUCTION_NODE:
-                serializer.processingInstruction(current->getText());
-                break;
-            case DOCUMENT_NODE:
-            case DOCUMENT_FRAGMENT_NODE:
-                break;
-            default:
-                throwCommonError(LumErrorCodeLumLIB::UnsupportedNodeType, LumCommonErrorSource::DocumentDoSave);
-        }
+    if (typeid(serializer) == typeid(XmlSerializerImpl)) {
+        NodeWriter<XmlSerializerImpl, detail::GatheredOutput>(static_cast<XmlSerializerImpl&>(serializer), *this)
+            .write(node, startTagOnly);
+    } else {
+        NodeWriter<LumXmlSerializer, detail::DirectOutput>(serializer, *this).write(node, startTagOnly);
     }
 }
 

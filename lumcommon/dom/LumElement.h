@@ -86,6 +86,7 @@ protected:
 
 private:
     friend class LumDocument;
+    friend class detail::NodeFields;
 
     AttrNodeMap* attributeMap() const;
     LumNode* lastAttribute() const noexcept;
@@ -129,6 +130,8 @@ public:
     void setPrefix(LumName prefix) override;
 
 private:
+    friend class detail::NodeFields;
+
     LumName prefix_;
     LumName localName_;
 };
@@ -147,6 +150,8 @@ public:
     LumName getNamespaceUri() const override;
 
 private:
+    friend class detail::NodeFields;
+
     LumName namespaceUri_;
 };
 

@@ -12,6 +12,10 @@ class LumNamedNodeMap;
 class LumNodeIterator;
 class LumNodeList;
 
+namespace detail {
+class NodeFields;
+}
+
 /// A node of the document tree.
 ///
 /// A parent owns one count of each child; parent, sibling and owner-document links are plain pointers. So a subtree
@@ -176,6 +180,7 @@ protected:
     /// @param ownerDocument  the document that makes the node; a document passes itself. Not counted.
     explicit LumNode(LumDocument* ownerDocument) noexcept : ownerDocument_(ownerDocument) {}
 
+    friend class detail::NodeFields;
     friend class AttrNodeMap;
     friend class Attr;
     friend class LumDocument;

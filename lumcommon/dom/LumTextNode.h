@@ -44,6 +44,7 @@ public:
 
 private:
     friend class LumDocument;
+    friend class detail::NodeFields;
 
     struct Loaded {
         std::u16string_view text;

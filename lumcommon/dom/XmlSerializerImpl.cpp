@@ -1,5 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/uri/LumUri.h>
@@ -35,14 +36,14 @@ class XmlSerializerImpl::Operation {
 public:
     explicit Operation(XmlSerializerImpl& serializer) : writer_(serializer.writer_) { writer_.check(); }
     ~Operation() {
-        if (!isFinished_) writer_.commitQuietly();
+        if (!isFinished_ && !writer_.isGathering()) writer_.commitQuietly();
     }
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
     void finish() {
         isFinished_ = true;
-        writer_.commit();
+        if (!writer_.isGathering()) writer_.commit();
     }
 
 private:
@@ -64,11 +65,6 @@ XmlSerializerImpl::~XmlSerializerImpl() {
 bool XmlSerializerImpl::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumXmlSerializer::isA(typeId); }
 
 UnicodeString XmlSerializerImpl::getTypeName() const { return u"XmlSerializerImpl"; }
-
-NamespaceManager& XmlSerializerImpl::namespaces() const {
-    if (!namespaces_) namespaces_ = new NamespaceManager;
-    return *namespaces_;
-}
 
 void XmlSerializerImpl::setOutput(std::ostream& out, const UnicodeString& encoding) {
     resetForOutput();
@@ -95,8 +91,7 @@ void XmlSerializerImpl::resetForOutput() {
         throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::SerializerCheckStream);
     }
     state_ = STATE_NO_OUTPUT;
-    while (namespaces().popScope()) {
-    }
+    scopes_.reset();
     state_ = STATE_SETTING_OUTPUT;
 }
 
@@ -173,81 +168,40 @@ void XmlSerializerImpl::setPrefix(LumName prefix, LumName namespaceUri) {
         closeStartTag(TagEnd::Content);
         operation.finish();
     }
-    const ElementNames enclosing = innermostElement();
-    openScope();
-    enclosing_ = enclosing;
+    scopes_.openWaiting();
     state_ = STATE_PREFIXES_SET;
-    namespaces_->addNamespace(prefix, namespaceUri);
+    scopes_.declare(prefix, namespaceUri);
 }
 
 LumName XmlSerializerImpl::getPrefix(LumName namespaceUri, bool generate) const {
-    if (namespaceUri.isNull()) return {};
-    NamespaceManager& scopes = namespaces();
-    LumName prefix = scopes.lookupPrefix(namespaceUri);
-    if (prefix.isNull() && generate && namespaceUri != scopes.getDefaultNamespace()) {
-        prefix = LumName::generateID(UnicodeString());
-        scopes.addNamespace(prefix, namespaceUri);
-    }
-    return prefix;
+    return scopes_.getPrefix(namespaceUri, generate);
 }
 
-int XmlSerializerImpl::getDepth() const { return namespaces_ ? namespaces_->getScopeDepth() : 0; }
+int XmlSerializerImpl::getDepth() const { return scopes_.getDepth(); }
 
-LumName XmlSerializerImpl::getNamespace() const { return innermostElement().namespaceUri; }
+LumName XmlSerializerImpl::getNamespace() const { return scopes_.innermost().namespaceUri; }
 
-LumName XmlSerializerImpl::getName() const { return innermostElement().localName; }
-
-/// All null when no element is open.
-XmlSerializerImpl::ElementNames XmlSerializerImpl::innermostElement() const {
-    if (state_ == STATE_PREFIXES_SET) return enclosing_;
-    if (!namespaces_) return {};
-    const NamespaceManager::NSScope& scope = namespaces_->getInnermostScope();
-    return {scope.namespaceUri, scope.prefix, scope.localName};
-}
-
-/// Opens the scope of the next element, unless setPrefix() has.
-void XmlSerializerImpl::openScope() {
-    if (state_ != STATE_PREFIXES_SET) namespaces().pushScope();
-}
+LumName XmlSerializerImpl::getName() const { return scopes_.innermost().localName; }
 
 /// Removes a scope that setPrefix() opened and no element used; it has no tag to close.
 void XmlSerializerImpl::dropPrefixScope() {
-    if (state_ != STATE_PREFIXES_SET) return;
-    namespaces().popScope();
-    state_ = STATE_CONTENT;
+    scopes_.dropWaiting();
+    if (state_ == STATE_PREFIXES_SET) state_ = STATE_CONTENT;
 }
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName localName) {
     Operation operation(*this);
-    closeStartTag(TagEnd::Content);
-    openScope();
-    if (namespaceUri.isNull()) undeclareDefaultNamespace();
-    writeStartTag(getPrefix(namespaceUri, true), localName, namespaceUri);
+    const bool closesTag = needsClosing();
+    scopes_.open(namespaceUri, localName);
+    state_ = STATE_TAG_OPEN;
+    writer_.startTag(closesTag, scopes_.innermost().prefix, localName);
     operation.finish();
 }
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName prefix, LumName localName) {
     Operation operation(*this);
-    closeStartTag(TagEnd::Content);
-    openScope();
-    if (namespaceUri.isNull()) {
-        undeclareDefaultNamespace();
-    } else {
-        namespaces_->addNamespace(prefix, namespaceUri);
-    }
-    writeStartTag(prefix, localName, namespaceUri);
+    writeStartTag(namespaceUri, prefix, localName);
     operation.finish();
-}
-
-void XmlSerializerImpl::undeclareDefaultNamespace() {
-    if (!namespaces_->getDefaultNamespace().isNull()) namespaces_->addNamespace(LumName(), LumName());
-}
-
-void XmlSerializerImpl::writeStartTag(LumName prefix, LumName localName, LumName namespaceUri) {
-    namespaces_->setElement(prefix, localName, namespaceUri);
-    state_ = STATE_TAG_OPEN;
-    writer_.ascii("<");
-    writer_.qualifiedName(prefix, localName);
 }
 
 void XmlSerializerImpl::attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) {
@@ -262,13 +216,13 @@ void XmlSerializerImpl::attribute(LumName namespaceUri, LumName prefix, LumName 
     checkAttributeState();
     if (declareNamespace(namespaceUri, prefix, localName, value)) return;
     Operation operation(*this);
-    if (!namespaceUri.isNull() && !prefix.isNull()) namespaces_->addNamespace(prefix, namespaceUri);
+    if (!namespaceUri.isNull() && !prefix.isNull()) scopes_.declareForAttribute(prefix, namespaceUri);
     writeAttribute(prefix, localName, value);
     operation.finish();
 }
 
-void XmlSerializerImpl::checkAttributeState() const {
-    if (!isTagOpen()) throwCommonError(LumErrorCodeLumLIB::AttributeOrder, LumCommonErrorSource::SerializerAttribute);
+void XmlSerializerImpl::failAttribute() const {
+    throwCommonError(LumErrorCodeLumLIB::AttributeOrder, LumCommonErrorSource::SerializerAttribute);
 }
 
 /// Records an attribute that is a namespace declaration; false for any other attribute. The declaration is written
@@ -276,32 +230,21 @@ void XmlSerializerImpl::checkAttributeState() const {
 bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, LumName localName,
                                          const UnicodeString& value) {
     if (namespaceUri != NAME_NS_XMLNS && prefix != NAME_xmlns && localName != NAME_xmlns) return false;
-    namespaces_->addNamespace(localName == NAME_xmlns ? LumName() : localName, LumName(value));
+    scopes_.declare(localName == NAME_xmlns ? LumName() : localName, LumName(value));
     return true;
 }
 
-void XmlSerializerImpl::writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
-    state_ = STATE_ATTRIBUTES;
-    writer_.ascii(" ");
-    writer_.qualifiedName(prefix, localName);
-    writer_.ascii("=\"");
-    writer_.text(value, detail::TEXT_ATTRIBUTE);
-    writer_.ascii("\"");
-}
-
-/// Ends a pending start tag, with the namespace declarations of its scope.
-void XmlSerializerImpl::closeStartTag(TagEnd end) {
-    if (!isTagOpen()) return;
-    if (const NamespaceMap* declarations = namespaces_->getNamespaceMap()) {
+/// Ends the open start tag, with the namespace declarations of its scope.
+void XmlSerializerImpl::finishStartTag(TagEnd end) {
+    if (const NamespaceMap* declarations = scopes_.getDeclarations()) {
         for (const auto& [prefix, uri] : declarations->getEntries()) {
-            writer_.ascii(prefix.isNull() ? " xmlns" : " xmlns:");
-            writer_.name(prefix);
+            writer_.name(prefix.isNull() ? " xmlns" : " xmlns:", LumName(), prefix);
             writer_.ascii("=\"");
             writer_.text(uri.getString(), detail::TEXT_ATTRIBUTE);
             writer_.ascii("\"");
         }
     }
-    writer_.ascii(end == TagEnd::Empty ? "/>" : ">");
+    writer_.closeTag(end == TagEnd::Empty);
     state_ = end == TagEnd::Empty ? STATE_EMPTY_TAG : STATE_CONTENT;
 }
 
@@ -313,26 +256,11 @@ void XmlSerializerImpl::endTag(LumName namespaceUri, LumName localName) {
     operation.finish();
 }
 
-/// Closes the innermost element.
-void XmlSerializerImpl::writeEndTag() {
-    if (isTagOpen()) {
-        closeStartTag(TagEnd::Empty);
-    } else {
-        const NamespaceManager::NSScope& scope = namespaces_->getInnermostScope();
-        writer_.ascii("</");
-        writer_.qualifiedName(scope.prefix, scope.localName);
-        writer_.ascii(">");
-        state_ = STATE_END_TAG;
-    }
-    namespaces_->popScope();
-}
-
-void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) const {
-    if (getDepth() == (state_ == STATE_PREFIXES_SET ? 1 : 0)) {
+void XmlSerializerImpl::failEndTag(LumName namespaceUri, LumName localName) const {
+    if (!scopes_.hasElement()) {
         throwCommonError(LumErrorCodeLumLIB::UnexpectedEndTag, LumCommonErrorSource::SerializerEndTag);
     }
-    const ElementNames open = innermostElement();
-    if (open.namespaceUri == namespaceUri && open.localName == localName) return;
+    const detail::OutputScopes::ElementNames& open = scopes_.innermost();
     const UnicodeString given = LumXmlUtil::makeNSQNameStr(namespaceUri.getString(), localName.getString());
     const UnicodeString opened =
         open.prefix.isNull() ? LumXmlUtil::makeNSQNameStr(open.namespaceUri.getString(), open.localName.getString())
@@ -340,7 +268,11 @@ void XmlSerializerImpl::checkEndTag(LumName namespaceUri, LumName localName) con
     throwCommonError(LumErrorCodeLumLIB::EndTagMismatch, LumCommonErrorSource::SerializerEndTag, given, opened);
 }
 
-void XmlSerializerImpl::text(const UnicodeString& text) { writeContent("", text, detail::TEXT_CONTENT, ""); }
+void XmlSerializerImpl::text(const UnicodeString& text) {
+    Operation operation(*this);
+    writeText(detail::viewOf(text));
+    operation.finish();
+}
 
 /// A null buffer, a negative start or a length below 1 means no text.
 void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length) {
@@ -372,7 +304,7 @@ void XmlSerializerImpl::docdecl(const UnicodeString& content) {
 
 void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent("", text, detail::TEXT_RAW, ""); }
 
-void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, unsigned mode,
+void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
                                      std::string_view after) {
     Operation operation(*this);
     closeStartTag(TagEnd::Content);

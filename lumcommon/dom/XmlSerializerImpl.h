@@ -2,10 +2,14 @@
 
 #include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
+#include <lumcommon/dom/detail/OutputScopes.h>
 #include <lumcommon/dom/detail/XmlWriter.h>
-#include <lumcommon/names/NamespaceManager.h>
 
 namespace LumCommon {
+
+namespace detail {
+class GatheredOutput;
+}
 
 /// The serializer of the library.
 ///
@@ -68,32 +72,71 @@ private:
         STATE_EMPTY_TAG = 10,
     };
     enum class TagEnd { Content, Empty };
-    struct ElementNames {
-        LumName namespaceUri, prefix, localName;
-    };
     class Operation;
+    friend class detail::GatheredOutput;
 
     bool isTagOpen() const noexcept { return state_ == STATE_TAG_OPEN || state_ == STATE_ATTRIBUTES; }
-    NamespaceManager& namespaces() const;
     void resetForOutput();
     void attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding);
     bool releaseOutput() noexcept;
-    void openScope();
     void dropPrefixScope();
-    void writeStartTag(LumName prefix, LumName localName, LumName namespaceUri);
-    void undeclareDefaultNamespace();
     bool declareNamespace(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value);
-    void checkAttributeState() const;
-    void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value);
-    void closeStartTag(TagEnd end);
-    void writeEndTag();
-    ElementNames innermostElement() const;
-    void checkEndTag(LumName namespaceUri, LumName localName) const;
-    void writeContent(std::string_view before, const UnicodeString& content, unsigned mode, std::string_view after);
+    void checkAttributeState() const {
+        if (!isTagOpen()) failAttribute();
+    }
+    [[noreturn]] void failAttribute() const;
+    /// Whether the start tag before is still open, without declarations. A tag that has some is ended here.
+    bool needsClosing() {
+        if (!isTagOpen()) return false;
+        if (!scopes_.hasDeclarations()) return true;
+        finishStartTag(TagEnd::Content);
+        return false;
+    }
+    void writeStartTag(LumName namespaceUri, LumName prefix, LumName localName) {
+        const bool closesTag = needsClosing();
+        scopes_.open(namespaceUri, prefix, localName);
+        state_ = STATE_TAG_OPEN;
+        writer_.startTag(closesTag, prefix, localName);
+    }
+    void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
+        state_ = STATE_ATTRIBUTES;
+        writer_.attribute(prefix, localName, value);
+    }
+    void writeText(std::u16string_view text) {
+        const bool closesTag = needsClosing();
+        if (closesTag) state_ = STATE_CONTENT;
+        writer_.content(closesTag, text);
+    }
+    void closeStartTag(TagEnd end) {
+        if (isTagOpen()) finishStartTag(end);
+    }
+    void finishStartTag(TagEnd end);
+    /// Closes the innermost element. No scope may be waiting.
+    void writeEndTag() {
+        if (isTagOpen() && scopes_.hasDeclarations()) {
+            finishStartTag(TagEnd::Empty);
+        } else if (isTagOpen()) {
+            writer_.closeTag(true);
+            state_ = STATE_EMPTY_TAG;
+        } else {
+            const auto& names = scopes_.innermost();
+            writer_.endTag(names.prefix, names.localName);
+            state_ = STATE_END_TAG;
+        }
+        scopes_.close();
+    }
+    void checkEndTag(LumName namespaceUri, LumName localName) const {
+        const auto& open = scopes_.innermost();
+        if (!scopes_.hasElement() || open.namespaceUri != namespaceUri || open.localName != localName) {
+            failEndTag(namespaceUri, localName);
+        }
+    }
+    [[noreturn]] void failEndTag(LumName namespaceUri, LumName localName) const;
+    void writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
+                      std::string_view after);
 
     int state_ = STATE_NO_OUTPUT;
-    mutable LumPtr<NamespaceManager> namespaces_;  // created by the first operation that needs it
-    ElementNames enclosing_;                       // in STATE_PREFIXES_SET, the element around the waiting scope
+    mutable detail::OutputScopes scopes_;  // getPrefix() may declare a prefix
     MaybeOwned<std::ostream> output_;
     UnicodeString encoding_;
     UnicodeString generator_;

@@ -31,7 +31,11 @@ public:
     /// Starts over from the first byte.
     void reset();
 
+    /// Overrides that of std::streambuf: the same bytes, but whole pieces are inflated where the caller wants them.
+    std::streamsize xsgetn(char* to, std::streamsize count) override;
+
 private:
+    std::size_t inflatePieces(std::span<char> room);
     std::size_t refill(std::span<char> room) override;
 
     std::unique_ptr<char[]> copy_;

@@ -28,6 +28,17 @@ char* LumRefillStreamBuf::makeRoom() noexcept {
     return room;
 }
 
+void LumRefillStreamBuf::setRead(std::span<const char> read) noexcept {
+    char* room = makeRoom();
+    const std::size_t lastBytes = read.empty() ? 0 : (read.size() - 1) % blockBytes_ + 1;
+    if (lastBytes < read.size()) {
+        read = read.last(std::min(read.size(), putbackBytes_ + lastBytes));
+        room = block_.get();
+    }
+    char* const end = std::ranges::copy(read, room).out;
+    setg(block_.get(), end, end);
+}
+
 LumRefillStreamBuf::int_type LumRefillStreamBuf::underflow() {
     if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
     if (!block_ || !fillFrom([this](std::span<char> room) { return refill(room); })) return traits_type::eof();

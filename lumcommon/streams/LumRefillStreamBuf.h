@@ -53,6 +53,10 @@ protected:
         return count != 0;
     }
 
+    /// For a derived class that reads past the block: makes the get area what it would be if `read` had come through
+    /// it. The area must be at its end, and there must be a block.
+    void setRead(std::span<const char> read) noexcept;
+
 private:
     char* makeRoom() noexcept;
 

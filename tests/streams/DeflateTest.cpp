@@ -55,6 +55,13 @@ void expectAsZlib(const std::string& data) {
     EXPECT_EQ(copy.get(), delivered(judged).empty() ? EOF : static_cast<unsigned char>(judged.bytes[0]));
     copy.reset();
     EXPECT_TRUE(copy.good() && readAll(*copy.rdbuf()) == delivered(judged)) << "does not start again";
+    LumInflaterStreamBuf direct(data.data(), data.size(), false);
+    std::string read(judged.bytes.size() + 5000, '\0');
+    read.resize(static_cast<std::size_t>(direct.sgetn(read.data(), static_cast<std::streamsize>(read.size()))));
+    EXPECT_TRUE(read == delivered(judged)) << "what is inflated in place differs";
+    for (std::size_t back = 1; back <= std::min<std::size_t>(10, read.size()); ++back) {
+        EXPECT_EQ(direct.sungetc(), static_cast<unsigned char>(read[read.size() - back]));
+    }
     std::ostringstream file;
     EXPECT_EQ(LumTempFile::inflate(file, zlibBytes(data), data.size()), judged.isComplete);
     EXPECT_TRUE(file.str() == judged.bytes) << "what could be made of cut data is lost";

@@ -140,8 +140,10 @@ def check_events():
            "\u00e9")
     undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
     expect("--feature does not reach the parser", undeclared.returncode, 0)
-    lone = events("-", stdin=b"\xff\xfe" + "<a>x".encode("utf-16-le") + b"\x34\xdc" + "y</a>".encode("utf-16-le"))
-    expect("a lone surrogate breaks the line", lone[1]["text"], "x\ufffdy")
+    text = "x\udd1ey\"\\/\t\n\x7f\x80" + "a long run " * 4 + "\u65e5\U0001d11e" + "\udd1e"
+    lone = events("-", stdin=b"\xff\xfe" + f"<a>{text}</a>".encode("utf-16-le", "surrogatepass"))
+    expect("escapes, or a lone surrogate that breaks the line", lone[1]["text"],
+           text.replace("\udd1e", "\ufffd"))
 
 
 DOCUMENT = ('<?xml version="1.0"?><!-- gone --><a xmlns="urn:u" xmlns:p="urn:p" p:b="1&lt;2">\n t &amp; \u65e5'

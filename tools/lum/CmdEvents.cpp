@@ -3,9 +3,12 @@
 
 #include "Command.h"
 #include "Input.h"
+#include "JsonLines.h"
 #include "Output.h"
 
 #include <iostream>
+#include <map>
+#include <string>
 #include <vector>
 
 namespace lum {
@@ -26,34 +29,60 @@ void describe(Syntax& syntax, Arguments& arguments) {
     syntax.required("file", arguments.file, fileHelp);
 }
 
-Json attributesOf(const LumXmlParser& parser) {
-    Json::Array attributes;
-    for (int i = 0; i < parser.getAttributeCount(); ++i) {  // the count is -1 at an end tag
-        attributes.push_back({{"prefix", toUtf8(parser.getAttributePrefix(i))},
-                              {"name", toUtf8(parser.getAttributeName(i))},
-                              {"namespace", toUtf8(parser.getAttributeNamespace(i))},
-                              {"value", toUtf8(parser.getAttributeValue(i))}});
+void addTag(JsonLines& lines, const LumXmlParser& parser, bool isEmptyElement) {
+    lines.add(",\"prefix\":");
+    lines.quote(parser.getPrefix());
+    lines.add(",\"name\":");
+    lines.quote(parser.getName());
+    lines.add(",\"namespace\":");
+    lines.quote(parser.getNamespace());
+    if (isEmptyElement) {
+        lines.add(",\"empty\":true,\"attributes\":[");
+    } else {
+        lines.add(",\"empty\":false,\"attributes\":[");
     }
-    return attributes;
+    const int count = parser.getAttributeCount();  // -1 at an end tag
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) lines.add(",");
+        lines.add("{\"prefix\":");
+        lines.quote(parser.getAttributePrefix(i));
+        lines.add(",\"name\":");
+        lines.quote(parser.getAttributeName(i));
+        lines.add(",\"namespace\":");
+        lines.quote(parser.getAttributeNamespace(i));
+        lines.add(",\"value\":");
+        lines.quote(parser.getAttributeValue(i));
+        lines.add("}");
+    }
+    lines.add("]");
+}
+
+/// How the line of an event begins.
+const std::string& headOf(LumXmlParser::EventType event) {
+    static std::map<LumXmlParser::EventType, std::string> heads;
+    std::string& head = heads[event];
+    if (head.empty()) {
+        head = "{\"event\":" + Json(toUtf8(LumXmlParser::getEventTypeStr(event))).toString() + ",\"depth\":";
+    }
+    return head;
 }
 
 /// @param isEmptyElement  whether a tag is that of an empty element, including the end tag that is made up for it.
-void printEvent(const LumXmlParser& parser, bool isEmptyElement) {
-    const LumXmlParser::EventType event = parser.getEventType();
-    Json line = {{"event", toUtf8(LumXmlParser::getEventTypeStr(event))},
-                 {"depth", parser.getDepth()},
-                 {"line", parser.getLineNumber()},
-                 {"column", parser.getColumnNumber()}};
+void addEvent(JsonLines& lines, const LumXmlParser& parser, LumXmlParser::EventType event, bool isEmptyElement) {
+    lines.add(headOf(event));
+    lines.add(parser.getDepth());
+    lines.add(",\"line\":");
+    lines.add(parser.getLineNumber());
+    lines.add(",\"column\":");
+    lines.add(parser.getColumnNumber());
     if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG) {
-        line.add("prefix", toUtf8(parser.getPrefix()));
-        line.add("name", toUtf8(parser.getName()));
-        line.add("namespace", toUtf8(parser.getNamespace()));
-        line.add("empty", isEmptyElement);
-        line.add("attributes", attributesOf(parser));
+        addTag(lines, parser, isEmptyElement);
     } else {
-        line.add("text", toUtf8(parser.getText()));
+        lines.add(",\"text\":");
+        lines.quote(parser.getText());
     }
-    printJson(line);
+    lines.add("}");
+    lines.endLine();
 }
 
 void run(const Arguments& arguments) {
@@ -64,18 +93,16 @@ void run(const Arguments& arguments) {
     } else {
         parser->setInput(toUri(arguments.file), fromArgument(arguments.encoding), {});
     }
+    JsonLines lines;
     LumXmlParser::EventType event;
     bool isEmptyElement = false;
     do {
         event = arguments.isTokens ? parser->nextToken() : parser->next();
-        if (event == LumXmlParser::START_TAG) {
-            isEmptyElement = parser->isEmptyElementTag();
-            printEvent(*parser, isEmptyElement);
-        } else {
-            printEvent(*parser, isEmptyElement);
-            isEmptyElement = false;
-        }
+        if (event == LumXmlParser::START_TAG) isEmptyElement = parser->isEmptyElementTag();
+        addEvent(lines, *parser, event, isEmptyElement);
+        if (event != LumXmlParser::START_TAG) isEmptyElement = false;
     } while (event != LumXmlParser::END_DOCUMENT);
+    lines.flush();
 }
 
 }  // namespace

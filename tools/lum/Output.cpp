@@ -33,10 +33,12 @@ std::string toUtf8(const UnicodeString& text) {
 
 std::string toUtf8(LumName name) { return toUtf8(name.getString()); }
 
-void printLine(const std::string& text) {
-    std::cout << text << '\n';
+void print(std::string_view text) {
+    std::cout << text;
     checkOutput();
 }
+
+void printLine(const std::string& text) { print(text + '\n'); }
 
 void printJson(const Json& object) { printLine(object.toString()); }
 

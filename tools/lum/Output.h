@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include "Json.h"
 
@@ -17,8 +18,9 @@ LumCommon::UnicodeString fromArgument(const std::string& argument);
 std::string toUtf8(const LumCommon::UnicodeString& text);
 std::string toUtf8(LumCommon::LumName name);
 
-/// Writes a line to standard output.
-/// Failure: LumError 0x1007 if it cannot be written.
+/// Writes to standard output.
+/// Failure: LumError 0x1007 if it cannot be written; so for a line.
+void print(std::string_view text);
 void printLine(const std::string& text);
 /// Writes the object on one line.
 void printJson(const Json& object);

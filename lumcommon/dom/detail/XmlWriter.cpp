@@ -6,38 +6,17 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <ostream>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace LumCommon::detail {
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = 32 * 1024;
-// Text is encoded in blocks, so that one check for room serves many units. A unit becomes at most 8 bytes ("&#65535;"),
-// a pair at most 10. Vector stores may reach 16 bytes past the last byte that counts.
+// Text is encoded in blocks, so that one check for room serves many units. Copying may write past the last byte that
+// counts.
 constexpr std::size_t BLOCK_UNITS = 2048;
-constexpr std::size_t BYTES_PER_UNIT = 8;
-constexpr std::size_t STORE_SLACK = 16;
-static_assert(BLOCK_UNITS * BYTES_PER_UNIT + STORE_SLACK <= BUFFER_SIZE);
-
-constexpr unsigned ANY_MODE = 0x0F;
-constexpr unsigned DROPPED = 0x10;  // always special: dropped unless the mode escapes it
-
-/// For each ASCII character the modes in which it cannot be copied as it is.
-constexpr std::array<std::uint8_t, 128> specialTable = [] {
-    std::array<std::uint8_t, 128> table{};
-    for (unsigned c = 0; c < 32; ++c) table[c] = TEXT_ESCAPE_CONTROL | DROPPED;
-    table['\t'] = table['\n'] = table['\r'] = TEXT_ESCAPE_CONTROL;
-    table['&'] = table['<'] = table['>'] = ANY_MODE;
-    table['"'] = TEXT_ESCAPE_QUOTE;
-    table['\''] = TEXT_ESCAPE_APOSTROPHE;
-    return table;
-}();
+constexpr std::size_t STORE_SLACK = plainTextSlack;
 
 char* append(char* out, std::string_view text) { return std::copy(text.begin(), text.end(), out); }
 
@@ -48,10 +27,10 @@ char* appendReference(char* out, UChar32 c) {
     return out;
 }
 
-/// Writes an ASCII character at which copying stopped: one that specialTable marks for the mode, or a control
-/// character, as the vector code stops at every one except the line feed.
-char* appendSpecial(char* out, char16_t c, unsigned mode) {
-    if (!(specialTable[c] & (mode | DROPPED))) {
+/// Writes an ASCII character at which copying stopped. A control character that is not plain is dropped.
+template <TextMode mode>
+char* appendSpecial(char* out, char16_t c) {
+    if (isPlain(c, mode)) {
         *out++ = static_cast<char>(c);
         return out;
     }
@@ -65,77 +44,8 @@ char* appendSpecial(char* out, char16_t c, unsigned mode) {
         case u'"':
             return append(out, "&quot;");
         default:
-            break;
+            return out;
     }
-    const bool isWritten = c >= 32 || (mode & TEXT_ESCAPE_CONTROL);
-    return isWritten ? appendReference(out, c) : out;
-}
-
-#if defined(__SSE2__)
-/// Finds the bytes of a packed run that cannot be copied as they are. Packing with saturation turns units from U+0100
-/// to U+7FFF into 0xFF and those above into 0, so that one signed comparison with the space finds everything that is
-/// not ASCII along with the control characters.
-class SpecialFinder {
-public:
-    explicit SpecialFinder(unsigned mode)
-        // '&' is 0x26 and '"' is 0x22: with the differing bit masked out, one comparison finds both. A mask of 0 can
-        // never give 0xFF, so that raw text finds neither.
-        : ampMask_(_mm_set1_epi8(static_cast<char>(mode == TEXT_RAW             ? 0
-                                                   : (mode & TEXT_ESCAPE_QUOTE) ? 0xFB
-                                                                                : 0xFF))),
-          amp_(_mm_set1_epi8(static_cast<char>(mode == TEXT_RAW             ? 0xFF
-                                               : (mode & TEXT_ESCAPE_QUOTE) ? 0x22
-                                                                            : 0x26))),
-          // '<' is 0x3C and '>' is 0x3E.
-          angleMask_(_mm_set1_epi8(static_cast<char>(mode == TEXT_RAW ? 0 : 0xFD))),
-          angle_(_mm_set1_epi8(static_cast<char>(mode == TEXT_RAW ? 0xFF : 0x3C))) {}
-
-    unsigned operator()(__m128i bytes) const {
-        const __m128i low =
-            _mm_andnot_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')), _mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')));
-        const __m128i amp = _mm_cmpeq_epi8(_mm_and_si128(bytes, ampMask_), amp_);
-        const __m128i angle = _mm_cmpeq_epi8(_mm_and_si128(bytes, angleMask_), angle_);
-        return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(low, _mm_or_si128(amp, angle))));
-    }
-
-private:
-    __m128i ampMask_, amp_, angleMask_, angle_;
-};
-
-__m128i load(const char16_t* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
-#endif
-
-/// Copies ASCII characters up to the first that needs more than copying.
-char* copyPlain(const char16_t*& position, const char16_t* end, unsigned mode, char* out) {
-    const char16_t* from = position;
-#if defined(__SSE2__)
-    if (!(mode & ~static_cast<unsigned>(TEXT_ATTRIBUTE))) {
-        const SpecialFinder findSpecial(mode);
-        while (end - from >= 16) {
-            const __m128i bytes = _mm_packus_epi16(load(from), load(from + 8));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
-            const int plain = std::countr_zero(findSpecial(bytes) | 0x10000u);
-            from += plain;
-            out += plain;
-            if (plain < 16) {
-                position = from;
-                return out;
-            }
-        }
-        if (end - from >= 8) {
-            const __m128i units = load(from);
-            const __m128i bytes = _mm_packus_epi16(units, units);
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
-            const int plain = std::countr_zero((findSpecial(bytes) & 0xFFu) | 0x100u);
-            from += plain;
-            out += plain;
-        }
-    }
-#endif
-    const unsigned stops = mode | DROPPED;
-    while (from != end && *from < 0x80 && !(specialTable[*from] & stops)) *out++ = static_cast<char>(*from++);
-    position = from;
-    return out;
 }
 
 /// Encodes up to the next ASCII character. An unpaired surrogate is encoded in three bytes, as if it were a character.
@@ -189,6 +99,7 @@ XmlWriter::~XmlWriter() { ucnv_close(converter_); }
 
 void XmlWriter::setStream(std::ostream* stream) noexcept {
     stream_ = stream;
+    state_ = stream;
     cursor_ = buffer_.get();
     isDirty_ = false;
     isBroken_ = false;
@@ -203,12 +114,26 @@ void XmlWriter::selectShiftJis(bool isShiftJis) {
     slots_.fill(NameSlot{});
 }
 
-void XmlWriter::check() {
+void XmlWriter::failCheck() {
     if (!stream_) throwCommonError(LumErrorCodeIO::NoOutput, LumCommonErrorSource::SerializerCheckStream);
-    if (stream_->fail()) fail();  // the bad or the fail bit
+    fail();
 }
 
-void XmlWriter::text(const char16_t* units, std::size_t count, unsigned mode) {
+template <TextMode mode>
+char* XmlWriter::encode(const char16_t* from, const char16_t* end, char* out) {
+    for (;;) {
+        out = copyPlain<mode>(from, end, out);
+        if (from == end) return out;
+        if (*from < 0x80) {
+            out = appendSpecial<mode>(out, *from++);
+        } else {
+            out = isShiftJis_ ? encodeShiftJis(from, end, out) : encodeUtf8(from, end, out);
+        }
+    }
+}
+
+void XmlWriter::text(const char16_t* units, std::size_t count, TextMode mode) {
+    static_assert(BLOCK_UNITS * BYTES_PER_UNIT + STORE_SLACK <= BUFFER_SIZE);
     while (count > 0) {
         std::size_t block = std::min(count, BLOCK_UNITS);
         if (block < count && U16_IS_LEAD(units[block - 1])) --block;  // keeps pairs together
@@ -219,25 +144,43 @@ void XmlWriter::text(const char16_t* units, std::size_t count, unsigned mode) {
     }
 }
 
-void XmlWriter::text(const UnicodeString& text, unsigned mode) {
+void XmlWriter::text(const UnicodeString& text, TextMode mode) {
     if (text.length() > 0) this->text(text.getBuffer(), static_cast<std::size_t>(text.length()), mode);
 }
 
-void XmlWriter::name(LumName name) {
-    NameSlot& slot = slots_[name.getEnum() % NAME_SLOTS];
-    if (slot.id != name.getEnum()) fillSlot(slot, name);
-    if (slot.length == NameSlot::TOO_LONG) return text(name.getString(), TEXT_RAW);
-    reserve(NameSlot::CAPACITY);
-    std::memcpy(cursor_, slot.bytes, NameSlot::CAPACITY);  // a fixed size costs less than a call
-    cursor_ += slot.length;
+void XmlWriter::attribute(LumName prefix, LumName localName, const UnicodeString& value) {
+    const NameSlot& name = slot(prefix, localName);
+    const auto count = static_cast<std::size_t>(value.length());
+    if (!name.isCached() || count > SHORT_TEXT) {
+        longName(" ", prefix, localName, "=\"");
+        text(value, TEXT_ATTRIBUTE);
+        return ascii("\"");
+    }
+    char* out = room(SHORT_TEXT * BYTES_PER_UNIT + NameSlot::CAPACITY + STORE_SLACK);
+    *out++ = ' ';
+    out = name.append(out);
+    *out++ = '=';
+    *out++ = '"';
+    const char16_t* const units = value.getBuffer();
+    if (count > 0) out = encode<TEXT_ATTRIBUTE>(units, units + count, out);
+    *out++ = '"';
+    cursor_ = out;
 }
 
-void XmlWriter::qualifiedName(LumName prefix, LumName localName) {
+void XmlWriter::longName(std::string_view before, LumName prefix, LumName localName, std::string_view after) {
+    ascii(before);
     if (!prefix.isNull()) {
-        name(prefix);
+        text(prefix.getString(), TEXT_RAW);
         ascii(":");
     }
-    name(localName);
+    text(localName.getString(), TEXT_RAW);
+    ascii(after);
+}
+
+/// Whoever gathers does not check the stream before each operation.
+void XmlWriter::makeRoom() {
+    commit();
+    if (isGathering_) check();
 }
 
 void XmlWriter::commit() {
@@ -293,15 +236,18 @@ bool XmlWriter::put(const char* bytes, std::size_t count) {
     }
 }
 
-char* XmlWriter::encode(const char16_t* from, const char16_t* end, unsigned mode, char* out) {
-    for (;;) {
-        out = copyPlain(from, end, mode, out);
-        if (from == end) return out;
-        if (*from < 0x80) {
-            out = appendSpecial(out, *from++, mode);
-        } else {
-            out = isShiftJis_ ? encodeShiftJis(from, end, out) : encodeUtf8(from, end, out);
-        }
+char* XmlWriter::encodeContent(const char16_t* from, const char16_t* end, char* out) {
+    return encode<TEXT_CONTENT>(from, end, out);
+}
+
+char* XmlWriter::encode(const char16_t* from, const char16_t* end, TextMode mode, char* out) {
+    switch (mode) {
+        case TEXT_CONTENT:
+            return encode<TEXT_CONTENT>(from, end, out);
+        case TEXT_ATTRIBUTE:
+            return encode<TEXT_ATTRIBUTE>(from, end, out);
+        default:
+            return encode<TEXT_RAW>(from, end, out);
     }
 }
 
@@ -333,10 +279,12 @@ char* XmlWriter::encodeShiftJis(const char16_t*& position, const char16_t* end, 
     return out;
 }
 
-void XmlWriter::fillSlot(NameSlot& slot, LumName name) {
-    const UnicodeString& string = name.getString();
+void XmlWriter::fillSlot(NameSlot& slot, LumName prefix, LumName localName) {
+    const UnicodeString& name = localName.getString();
+    UnicodeString string = prefix.isNull() ? name : prefix.getString() + u':' + name;
     const auto count = static_cast<std::size_t>(string.length());
-    slot.id = name.getEnum();
+    slot.prefix = prefix;
+    slot.localName = localName;
     slot.length = NameSlot::TOO_LONG;
     if (count > NameSlot::CAPACITY) return;
     char bytes[NameSlot::CAPACITY * BYTES_PER_UNIT + STORE_SLACK];

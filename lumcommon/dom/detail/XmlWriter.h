@@ -1,11 +1,13 @@
 #pragma once
 
+#include <lumcommon/dom/detail/PlainText.h>
 #include <lumcommon/names/LumName.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <ios>
 #include <iosfwd>
 #include <memory>
 #include <string_view>
@@ -14,25 +16,13 @@ struct UConverter;
 
 namespace LumCommon::detail {
 
-/// What is escaped while text is encoded; a bit set. Any bit also escapes "&", "<" and ">".
-enum TextMode : unsigned {
-    TEXT_RAW = 0,
-    TEXT_ESCAPE_MARKUP = 1,
-    TEXT_ESCAPE_QUOTE = 2,
-    TEXT_ESCAPE_APOSTROPHE = 4,
-    TEXT_ESCAPE_CONTROL = 8,
-    TEXT_CONTENT = TEXT_ESCAPE_MARKUP,
-    TEXT_ATTRIBUTE = TEXT_ESCAPE_MARKUP | TEXT_ESCAPE_QUOTE,
-};
-
 /// Encodes and escapes text into the bytes of an output stream.
 ///
-/// Bytes gather in a buffer that holds the pieces of one operation; commit() hands them to the stream's buffer in one
-/// call. Control characters that XML does not allow are dropped. In Shift_JIS a character that the code page lacks
-/// becomes a decimal reference; so does a surrogate pair, as one reference to its character, because references to
-/// its halves would not be well-formed.
-/// Errors: a missing output throws code 0x1005, a failed one 0x1007, even if the failure is an exception of the
-/// stream's buffer.
+/// Bytes gather in a buffer; commit() hands them to the stream's buffer in one call, at the end of each operation
+/// unless the caller gathers the bytes of several. Control characters that XML does not allow are dropped. In Shift_JIS
+/// a character that the code page lacks becomes a decimal reference; so does a surrogate pair, as one reference to its
+/// character, because references to its halves would not be well-formed. Errors: a missing output throws code 0x1005, a
+/// failed one 0x1007, even if the failure is an exception of the stream's buffer.
 class XmlWriter {
 public:
     XmlWriter();
@@ -48,57 +38,140 @@ public:
     void selectShiftJis(bool isShiftJis);
 
     /// Throws unless the stream can be written to.
-    void check();
+    void check() {
+        if (!state_ || state_->fail()) failCheck();  // the bad or the fail bit
+    }
     /// Only for short fixed texts.
     void ascii(std::string_view text) {
         reserve(text.size());
         std::memcpy(cursor_, text.data(), text.size());
         cursor_ += text.size();
     }
-    void text(const char16_t* units, std::size_t count, unsigned mode);
-    void text(const UnicodeString& text, unsigned mode);
-    /// The name's string, unescaped.
-    void name(LumName name);
-    /// "prefix:local", or "local" when the prefix is null.
-    void qualifiedName(LumName prefix, LumName localName);
+    void text(const char16_t* units, std::size_t count, TextMode mode);
+    void text(const UnicodeString& text, TextMode mode);
+    // Of the following, the first byte is the ">" of a start tag before if `closesTag`. A name is written as
+    // "prefix:local", or "local" when the prefix is null, and is not escaped.
+
+    /// "<" and the name.
+    void startTag(bool closesTag, LumName prefix, LumName localName) {
+        const NameSlot& name = slot(prefix, localName);
+        if (!name.isCached()) return longName(closesTag ? "><" : "<", prefix, localName, "");
+        char* out = room(NameSlot::CAPACITY + 2);
+        *out = '>';
+        out += closesTag ? 1 : 0;
+        *out++ = '<';
+        cursor_ = name.append(out);
+    }
+    /// "</", the name and ">".
+    void endTag(LumName prefix, LumName localName) {
+        const NameSlot& name = slot(prefix, localName);
+        if (!name.isCached()) return longName("</", prefix, localName, ">");
+        char* out = room(NameSlot::CAPACITY + 3);
+        *out++ = '<';
+        *out++ = '/';
+        out = name.append(out);
+        *out++ = '>';
+        cursor_ = out;
+    }
+    /// A space, the name, "=" and the value in quotes.
+    void attribute(LumName prefix, LumName localName, const UnicodeString& value);
+    /// Escaped as content.
+    void content(bool closesTag, std::u16string_view text) {
+        if (text.size() > SHORT_TEXT) {
+            if (closesTag) ascii(">");
+            return this->text(text.data(), text.size(), TEXT_CONTENT);
+        }
+        char* out = room(SHORT_TEXT * BYTES_PER_UNIT + plainTextSlack);
+        *out = '>';
+        out += closesTag ? 1 : 0;
+        cursor_ = text.empty() ? out : encodeContent(text.data(), text.data() + text.size(), out);
+    }
+    /// Ends a start tag.
+    void closeTag(bool isEmpty) {
+        char* const out = room(2);
+        out[0] = isEmpty ? '/' : '>';
+        out[1] = '>';
+        cursor_ = out + (isEmpty ? 2 : 1);
+    }
+    /// `before` and the name.
+    void name(std::string_view before, LumName prefix, LumName localName) { longName(before, prefix, localName, ""); }
+
     /// Hands the buffered bytes to the stream.
     void commit();
     /// The same, for places where nothing may be thrown.
     void commitQuietly() noexcept;
     /// commit(), then flushes the stream.
     void sync();
-    /// Whether bytes have been handed to the stream since the last sync().
-    bool isDirty() const noexcept { return isDirty_; }
+    /// Whether bytes have been written since the last sync().
+    bool isDirty() const noexcept { return isDirty_ || cursor_ != buffer_.get(); }
+    /// Whether the caller leaves it to the buffer when bytes are handed over.
+    bool isGathering() const noexcept { return isGathering_; }
+    void setGathering(bool isGathering) {
+        isGathering_ = isGathering;
+        if (!isGathering) commit();
+    }
+    void stopGatheringQuietly() noexcept {
+        isGathering_ = false;
+        commitQuietly();
+    }
 
 private:
+    // A unit becomes at most 8 bytes ("&#65535;"), a pair at most 10.
+    static constexpr std::size_t BYTES_PER_UNIT = 8;
+    static constexpr std::size_t SHORT_TEXT = 512;  // units for which one check for room serves all
+
     // Names recur all the time, so their bytes are cached. 64 bytes per slot; a name that does not fit is encoded each
     // time.
     struct NameSlot {
-        static constexpr std::size_t CAPACITY = 56;
+        static constexpr std::size_t CAPACITY = 48;
         static constexpr std::uint8_t TOO_LONG = 0xFF;
-        LumNameEnum id = NAME_NULL;
+        LumName prefix, localName;
         std::uint8_t length = 0;
-        char bytes[CAPACITY + 3];
+        char bytes[CAPACITY + 7];
+
+        bool isCached() const noexcept { return length != TOO_LONG; }
+        /// Writes CAPACITY bytes, as a fixed size costs less than a call.
+        char* append(char* out) const noexcept {
+            std::memcpy(out, bytes, CAPACITY);
+            return out + length;
+        }
     };
     static constexpr std::size_t NAME_SLOTS = 256;
 
     void reserve(std::size_t byteCount) {
-        if (static_cast<std::size_t>(limit_ - cursor_) < byteCount) commit();
+        if (static_cast<std::size_t>(limit_ - cursor_) < byteCount) makeRoom();
     }
+    void makeRoom();
+    char* room(std::size_t byteCount) {
+        reserve(byteCount);
+        return cursor_;
+    }
+    const NameSlot& slot(LumName prefix, LumName localName) {
+        NameSlot& slot = slots_[(localName.getEnum() + 31 * prefix.getEnum()) % NAME_SLOTS];
+        if (slot.localName != localName || slot.prefix != prefix) fillSlot(slot, prefix, localName);
+        return slot;
+    }
+    void longName(std::string_view before, LumName prefix, LumName localName, std::string_view after);
     void markFailed() noexcept;
     [[noreturn]] void fail();
+    [[noreturn]] void failCheck();
     bool put(const char* bytes, std::size_t count);
-    char* encode(const char16_t* from, const char16_t* end, unsigned mode, char* out);
+    template <TextMode mode>
+    char* encode(const char16_t* from, const char16_t* end, char* out);
+    char* encode(const char16_t* from, const char16_t* end, TextMode mode, char* out);
+    char* encodeContent(const char16_t* from, const char16_t* end, char* out);
     char* encodeShiftJis(const char16_t*& from, const char16_t* end, char* out);
-    void fillSlot(NameSlot& slot, LumName name);
+    void fillSlot(NameSlot& slot, LumName prefix, LumName localName);
 
     std::ostream* stream_ = nullptr;
+    std::ios* state_ = nullptr;  // the stream as its base class, which it takes a look-up to find
     std::unique_ptr<char[]> buffer_;
     char* cursor_;
     char* limit_;
     bool isShiftJis_ = false;
     bool isDirty_ = false;
     bool isBroken_ = false;
+    bool isGathering_ = false;
     UConverter* converter_ = nullptr;  // null in UTF-8
     std::array<NameSlot, NAME_SLOTS> slots_{};
 };
