@@ -8,6 +8,9 @@ LUM_PACKAGES="$LUM_LIBRARY_PACKAGES g++-multilib clang libclang-rt-14-dev ccache
 binutils python3 libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
 libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip doxygen locales"
 
+# Further libraries that scripts/bench measures beside ours; what is missing of them is not measured.
+LUM_BENCH_PACKAGES="libxerces-c-dev qtbase5-dev"
+
 # Installs the packages named that are missing. Without root it names the command that does so, and stops.
 install_missing() {
     missing=""

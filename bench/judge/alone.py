@@ -1,0 +1,76 @@
+"""Questions in which we are measured against ourselves: threads, growth, the tool, documents larger than memory."""
+import os
+import random
+import subprocess
+
+from contest import OURS, Contender
+from inputs import GROWTH
+from results import Result
+
+TWO_THREADS = [("events", "20M", "FO"), ("tree", "20M", "FO"), ("events", "95K", "FO"), ("tree", "95K", "FO"),
+               ("save", "20M", "FO"), ("names", "", "built-in names"), ("names", "", "other names")]
+
+
+def ask_threads(field, files, rounds, wanted):
+    """How much more two threads do than one, each with a document of its own. Wall time, so the machine must be idle."""
+    for asked, size, kind in TWO_THREADS:
+        if not wanted("two threads", asked, kind):
+            continue
+        labels = [label for label in field.labels(asked) if label in (OURS, "libxml2 SAX2", "libxml2")]
+        measured = field.measure(asked, files.of(asked, kind, size), rounds, labels, "pair")
+        yield Result("two threads", "", "", "two threads", f"{asked} {kind} {size}".strip(), "times one",
+                     {label: times[""] for label, times in measured.items()})
+
+
+def ask_growth(field, files, rounds, wanted):
+    """The time for 2n over that for n."""
+    for asked, part in (("events", ""), ("tree", "build+free")):
+        program = field.programs[asked, OURS]
+        for direction in GROWTH:
+            if not wanted("growth", asked, direction):
+                continue
+            paths = files.growth(direction)
+            pair = [Contender(program, asked, OURS, path) for path in paths]
+            for contender in pair:
+                contender.read_answer()
+            for _ in range(rounds):
+                for contender in random.sample(pair, 2):
+                    contender.take_turn("go")
+            for contender in pair:
+                contender.stop()
+            one, two = ([time * path.stat().st_size for time in contender.times[part]]
+                        for contender, path in zip(pair, paths))
+            yield Result("growth", "", "", "growth from n to 2n", f"{asked}, {direction}", "times",
+                         {OURS: [b / a for a, b in zip(one, two)]})
+
+
+def cpu_seconds(command):
+    """Of a program whose output is thrown away."""
+    with open(os.devnull, "w", encoding="utf-8") as nowhere:
+        process = subprocess.Popen(command, stdout=nowhere)
+        _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        raise RuntimeError(f"{command} failed")
+    return usage.ru_utime + usage.ru_stime
+
+
+def ask_tool(field, files, rounds, tool):
+    """`lum events` against the parser alone; the lines that it writes are many times as long as the document."""
+    file = files.document("FO", "20M")
+    contender = field.start("events", file, [OURS])[0]
+    tool_times = []
+    for _ in range(rounds):
+        contender.take_turn("go")
+        tool_times.append(1e9 * cpu_seconds([tool, "events", file]) / file.stat().st_size)
+    contender.stop()
+    yield Result("lum events", "", "20M", "`lum events`", "FO", "ns a byte",
+                 {OURS: tool_times, "parser": contender.times[""]})
+
+
+def ask_stream(folder, rounds, megabytes):
+    """Deferred loading and saving in pieces of a document of that size."""
+    told = [subprocess.run([folder / "bench_stream", str(megabytes)], capture_output=True, text=True, check=True)
+            .stdout.split() for _ in range(rounds)]
+    for meaning, unit, column in (("deferred load and save in pieces", "MB/s", 0), ("its memory at most", "MB", 1)):
+        yield Result("stream", unit, f"{megabytes} MB", meaning, "FO", unit, {OURS: [float(row[column]) for row in told]})
