@@ -1,4 +1,4 @@
-"""Questions in which we are measured against ourselves: threads, growth, the tool, documents larger than memory."""
+"""Questions in which we are measured against ourselves: ways of use, threads, growth, the tool, endless documents."""
 import os
 import random
 import subprocess
@@ -9,6 +9,18 @@ from results import Result
 
 TWO_THREADS = [("events", "20M", "FO"), ("tree", "20M", "FO"), ("events", "95K", "FO"), ("tree", "95K", "FO"),
                ("save", "20M", "FO"), ("names", "", "built-in names"), ("names", "", "other names")]
+
+USES = {"use-events": ("events", "FO", "20M"), "use-tree": ("a tree", "FO", "20M"),
+        "use-element": ("every element", "attributes", "95K")}
+
+
+def ask_uses(field, files, rounds, wanted):
+    """Ways to the same end; the first of each question is what the others are compared with."""
+    for asked, (meaning, kind, size) in USES.items():
+        if wanted("uses", asked, meaning):
+            measured = field.measure(asked, files.of(asked, kind, size), rounds)
+            yield Result(asked, "", size, meaning, kind, "ns a byte",
+                         {label: times[""] for label, times in measured.items()})
 
 
 def ask_threads(field, files, rounds, wanted):

@@ -51,9 +51,9 @@ class Field:
                 self.programs[question, label] = program
 
     def labels(self, question):
-        """Ours first."""
+        """Ours first; ways of use in the order in which they are told."""
         found = [label for asked, label in self.programs if asked == question]
-        return sorted(found, key=lambda label: (label != OURS, label.lower()))
+        return sorted(found, key=lambda label: (label != OURS, label.lower())) if OURS in found else found
 
     def start(self, question, file, labels):
         """Contenders that have given equal answers. One after the other: the checks would disturb each other."""

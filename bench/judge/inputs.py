@@ -128,13 +128,18 @@ KINDS = {  # name in files and tables: (what makes it, encoding)
     "Russian": (repeated_file("charsets/ru.xml"), "utf-8"),
 }
 
-# Documents that grow in one direction, n and 2n: the time should double.
-GROWTH = {
-    "attributes of one element": (10_000, lambda n: "<r>" + "<e" + "".join(f' a{i}="{i}"' for i in range(n)) + "/></r>"),
-    "namespaces of one element": (5_000, lambda n: "<r" + "".join(f' xmlns:p{i}="urn:{i}"' for i in range(n)) + ">"
-                                  + "".join(f"<p{i}:e/>" for i in range(n)) + "</r>"),
-    "namespaces one in another": (5_000, lambda n: "".join(f'<p{i}:e xmlns:p{i}="urn:{i}">' for i in range(n))
-                                  + "".join(f"</p{i}:e>" for i in reversed(range(n)))),
+
+def numbered(form, count):
+    return "".join(map(form.format, range(count)))
+
+
+# Documents that grow in one direction, n and 2n: the time should double. Numbers have six digits, so that bytes do double.
+GROWTH = {  # direction: (n, what makes the document)
+    "attributes of one element": (10_000, lambda n: "<r><e" + numbered(' a{0:06}="{0:06}"', n) + "/></r>"),
+    "namespaces of one element": (5_000, lambda n: "<r" + numbered(' xmlns:p{0:06}="urn:{0:06}"', n) + ">"
+                                  + numbered("<p{0:06}:e/>", n) + "</r>"),
+    "namespaces one in another": (5_000, lambda n: numbered('<p{0:06}:e xmlns:p{0:06}="urn:{0:06}">', n)
+                                  + "".join(f"</p{i:06}:e>" for i in reversed(range(n)))),
     "depth": (100_000, lambda n: "<e>" * n + "</e>" * n),
     "children": (200_000, lambda n: "<r>" + "<e/>" * n + "</r>"),
 }

@@ -72,6 +72,7 @@ def measure(options, field, files):
     is_wanted = wanted(options.only)
     yield from ask_contenders(field, files, options.rounds, is_wanted)
     yield from ask_memory(field, files, options.rounds, is_wanted)
+    yield from alone.ask_uses(field, files, options.rounds, is_wanted)
     yield from alone.ask_threads(field, files, options.rounds, is_wanted)
     yield from alone.ask_growth(field, files, options.rounds, is_wanted)
     if is_wanted("lum events"):
@@ -92,9 +93,10 @@ def sorted_by_question(found):
 
 def check(field, files):
     for question in questions.QUESTIONS:
-        size = "95K" if question.size else ""
         for kind in question.kinds:
-            field.compare(question.asked, files.of(question.asked, kind, size))
+            field.compare(question.asked, files.of(question.asked, kind, "95K"))
+    for asked in alone.USES:
+        field.compare(asked, files.of(asked, "FO", "95K"))
     print("equal answers")
 
 
@@ -113,19 +115,22 @@ def main():
         about, found = results.describe_run(options.rounds), sorted_by_question(measure(options, field, files))
     if options.store:
         results.store(options.store, about, found)
+    uses = [result for result in found if result.is_use()]
+    contests = [result for result in found if not result.is_use()]
     print(about + "\n")
+    shown = []
     if not options.targets:
-        for group in tables.grouped(found):
-            print(tables.times_table(group) + "\n")
+        shown += [tables.times_table(group) for group in tables.grouped(contests)]
         if not options.stored:
-            print(others.values_table(options.folder, options.rounds, options.only))
-    print(tables.text_table(tables.ratio_rows(found, questions.ALL, with_goals=options.targets)))
-    if options.targets:
-        print("\n" + tables.text_table(tables.other_rows(found)))
+            shown.append(others.values_table(options.folder, options.rounds, options.only))
+        shown.append(tables.text_table(tables.use_rows(uses)))
+    shown.append(tables.text_table(tables.ratio_rows(contests, questions.ALL, with_goals=options.targets)))
+    shown.append(tables.text_table(tables.other_rows(contests)))
+    print("\n\n".join(filter(None, shown)))
     if options.plot:
-        options.plot.write_text(plot.draw(found), encoding="utf-8")
+        options.plot.write_text(plot.draw(contests), encoding="utf-8")
     if options.pages:
-        pages.rewrite(about, found)
+        pages.rewrite(about, contests, uses)
     if not options.only and not options.stored and not options.targets:
         print(flush=True)
         subprocess.run([options.folder / "bench_ole"], check=True)

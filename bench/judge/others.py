@@ -54,4 +54,4 @@ def values_table(folder, rounds, only):
             row += ([f"{statistics.median(times):.2f}", f"{1e3 / statistics.median(times):.1f}",
                      f"{min(allocations):.2f}"] if times else [""] * 3)
         rows.append(row)
-    return text_table(rows) + "\nmemory: allocations a value\n"
+    return text_table(rows) + "\nmemory: allocations a value"

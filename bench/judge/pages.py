@@ -3,7 +3,7 @@ import pathlib
 
 import plot
 import questions
-from tables import markdown_table, other_rows, ratio_rows
+from tables import markdown_table, other_rows, ratio_rows, use_rows
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PICTURE = ROOT / "docs/performance.svg"
@@ -22,7 +22,7 @@ def between(page, name, body):
     return f"{before}{begin}\n{body}\n{END}{after}"
 
 
-def rewrite(about, results):
+def rewrite(about, results, uses):
     path = ROOT / "README.md"
     short = [result for result in results if (result.asked, result.part, result.size) in IN_README]
     page = between(path.read_text(encoding="utf-8"), "ratios",
@@ -32,5 +32,6 @@ def rewrite(about, results):
     page = between(path.read_text(encoding="utf-8"), "ratios",
                    f"{about}.\n\n" + markdown_table(ratio_rows(results, questions.ALL)))
     page = between(page, "others", markdown_table(other_rows(results)))
+    page = between(page, "uses", markdown_table(use_rows(uses)))
     path.write_text(page, encoding="utf-8")
     PICTURE.write_text(plot.draw(results), encoding="utf-8")

@@ -18,6 +18,8 @@ SHOWN = [  # what is drawn, in this order: (asked, part, size), title
 ]
 LEAST, MOST = 0.125, 16
 LEFT, WIDTH, ROW, TITLE_ROW = 170, 760, 20, 30
+CAPTION = ("Bar: geometric mean over five inputs; line: from the least to the most favourable input. "
+           "To the right of 1, LumCommon is faster or smaller.")
 
 STYLE = """<style>
   text { font: 13px sans-serif; fill: #24292f }
@@ -63,12 +65,13 @@ def draw(results):
         for peer in labels_of(group):
             body += bar(y, peer, [result.ratio(peer, OURS) for result in group if peer in result.times])
             y += ROW
+    body.append(f'<text x="8" y="{y + 22}" class="axis">{escape(CAPTION)}</text>')
     axis = []
     for power in range(round(math.log2(LEAST)), round(math.log2(MOST)) + 1):
         x, shown = place(2.0**power), f"{2**power}" if power >= 0 else f"1/{2**-power}"
         axis.append(f'<path d="M{x:.1f} 26V{y + 6}" class="{"one" if power == 0 else "grid"}"/>'
                     f'<text x="{x:.1f}" y="18" text-anchor="middle" class="axis">{shown}</text>')
-    return "\n".join([f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {y + 14}" width="{WIDTH}" '
-                      f'height="{y + 14}">', "<!-- Drawn by scripts/bench with the option plot. Do not edit. -->",
+    return "\n".join([f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {y + 32}" width="{WIDTH}" '
+                      f'height="{y + 32}">', "<!-- Drawn by scripts/bench with the option plot. Do not edit. -->",
                       "<title>How many times as long, or as much memory, other libraries take as LumCommon</title>", STYLE,
                       *axis, *body, "</svg>"]) + "\n"

@@ -21,6 +21,10 @@ class Result:
     def median(self, label):
         return statistics.median(self.times[label])
 
+    def is_use(self):
+        """Whether it compares ways of use, and not contenders."""
+        return self.asked.startswith("use-")
+
     def middle(self, label):
         """The middle half of the rounds."""
         values = self.times[label]

@@ -6,6 +6,9 @@ from questions import ALL, BOUNDS, GOALS
 
 
 def text_table(rows):
+    """Empty when there is nothing below the head."""
+    if len(rows) < 2:
+        return ""
     widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
     lines = ["  ".join([row[0].ljust(widths[0])] + [c.rjust(w) for c, w in zip(row[1:], widths[1:])]) for row in rows]
     return "\n".join(line.rstrip() for line in lines)
@@ -94,4 +97,14 @@ def other_rows(results):
             beside = "; ".join(f"{peer} {shown_ratio(result, peer)} times ours" for peer in peers)
         rows.append([f"{result.meaning}, {result.size}".rstrip(", "), result.kind,
                      f"{result.median(OURS):.2f}{'!' if missed else ''}", result.unit, beside, goal])
+    return rows
+
+
+def use_rows(results):
+    """Ways of use: how many times as long as the first one of its group."""
+    rows = [["", "", "ns a byte", "times the first"]]
+    for result in results:
+        first = next(iter(result.times), None)
+        rows += [[f"{result.meaning} ({result.kind}, {result.size})", label, f"{result.median(label):.2f}", f"{result.ratio(label, first):.2f}"]
+                 for label in result.times]
     return rows

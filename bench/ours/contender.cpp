@@ -3,6 +3,7 @@
 #include "OwnDocument.h"
 #include "Parse.h"
 #include "Tree.h"
+#include "Uses.h"
 
 namespace LumBench {
 
@@ -10,7 +11,7 @@ using OurTree = Tree<lum::LumDocument>;
 
 std::vector<Entry> entries() {
     constexpr const char* label = "lumcommon";
-    return {
+    std::vector<Entry> all{
         {"events", label, make<EventsTrial<Parse, false>>},
         {"events-kept", label, make<EventsTrial<Parse, true>>},
         {"tree", label, make<TreeTrial<OurTree>>},
@@ -21,6 +22,8 @@ std::vector<Entry> entries() {
         {"names", label, make<NamesTrial>},
         {"inflate", label, make<InflateTrial>},
     };
+    for (const Entry& entry : useEntries()) all.push_back(entry);
+    return all;
 }
 
 }  // namespace LumBench
