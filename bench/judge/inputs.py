@@ -49,6 +49,15 @@ def sentence(sequence, words):
     return " ".join(sequence.one_of(WORDS) for _ in range(words)).capitalize() + "."
 
 
+def typeset(sequence, words):
+    """With what books have beyond ASCII, here and there: quotation marks, dashes, accents."""
+    chosen = [sequence.one_of(WORDS) for _ in range(words)]
+    for special in (f"\u201c{chosen[0]}\u201d", "\u2014", "caf\u00e9"):
+        if sequence.below(4) == 0:
+            chosen[sequence.below(words)] = special
+    return " ".join(chosen).capitalize() + "."
+
+
 def fo(size):
     """A book, again and again; identifiers differ from one copy to the next, as they would in a longer book.
 
@@ -85,14 +94,14 @@ def attributes(size):
     return filled('<?xml version="1.0"?>\n<items xmlns="urn:items">\n', element, "</items>\n", size)
 
 
-def text(size):
+def text(size, make=typeset):
     """Paragraphs of 500 to 3000 letters, with a reference now and then."""
     sequence = Sequence()
 
     def paragraph(number):
         lines = []
         for _ in range(6 + sequence.below(30)):
-            lines.append(sentence(sequence, 10 + sequence.below(4)))
+            lines.append(make(sequence, 10 + sequence.below(4)))
         lines.insert(sequence.below(len(lines)), "This &amp; that.")
         return f'<p id="p{number}">' + "\n".join(lines) + "</p>\n"
     return filled('<?xml version="1.0"?>\n<text>\n', paragraph, "</text>\n", size)
@@ -124,6 +133,7 @@ KINDS = {  # name in files and tables: (what makes it, encoding)
     "text": (text, "utf-8"),
     "markup": (markup, "utf-8"),
     "FO in UTF-16": (lambda size: fo(size // 2), "utf-16-le"),
+    "ASCII text": (lambda size: text(size, sentence), "utf-8"),
     "Chinese": (repeated_file("cjk/help.utf8.xml"), "utf-8"),
     "Russian": (repeated_file("charsets/ru.xml"), "utf-8"),
 }

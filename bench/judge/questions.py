@@ -2,7 +2,7 @@
 import dataclasses
 
 FIVE = ["FO", "attributes", "text", "markup", "FO in UTF-16"]
-ALL = FIVE + ["Chinese", "Russian"]
+ALL = FIVE + ["ASCII text", "Chinese", "Russian"]
 
 
 @dataclasses.dataclass(frozen=True)
