@@ -24,7 +24,7 @@ def ask_uses(field, files, rounds, wanted):
 
 
 def ask_threads(field, files, rounds, wanted):
-    """How much more two threads do than one, each with a document of its own. Wall time, so the machine must be idle."""
+    """How much more two threads do than one, each with its own document. Wall time: the machine must be idle."""
     for asked, size, kind in TWO_THREADS:
         if not wanted("two threads", asked, kind):
             continue
@@ -85,4 +85,5 @@ def ask_stream(folder, rounds, megabytes):
     told = [subprocess.run([folder / "bench_stream", str(megabytes)], capture_output=True, text=True, check=True)
             .stdout.split() for _ in range(rounds)]
     for meaning, unit, column in (("deferred load and save in pieces", "MB/s", 0), ("its memory at most", "MB", 1)):
-        yield Result("stream", unit, f"{megabytes} MB", meaning, "FO", unit, {OURS: [float(row[column]) for row in told]})
+        yield Result("stream", unit, f"{megabytes} MB", meaning, "FO", unit,
+                     {OURS: [float(row[column]) for row in told]})

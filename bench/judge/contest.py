@@ -40,11 +40,15 @@ class Contender:
 
 
 class Field:
-    """All contenders that are installed, by question."""
+    """All contenders that could be built, by question."""
 
     def __init__(self, folder):
+        self.missing = [name for name in (folder / "missing-peers.txt").read_text(encoding="utf-8").strip().split(";")
+                        if name]
         self.programs = {}  # (question, label): program
-        for program in sorted(folder.iterdir()):
+        for program in sorted((folder / "contenders").iterdir()):
+            if program.name in self.missing:
+                continue  # built before its library went away
             listed = subprocess.run([program], capture_output=True, text=True, check=True).stdout
             for line in listed.splitlines():
                 question, label = line.split("\t")

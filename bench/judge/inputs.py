@@ -87,7 +87,8 @@ def attributes(size):
 
     def element(number):
         names = ATTRIBUTES[: 6 + sequence.below(15)]
-        values = [str(sequence.below(100_000) / 100) if i < 4 else sequence.one_of(FO_VALUES) for i in range(len(names))]
+        values = [str(sequence.below(100_000) / 100) if i < 4 else sequence.one_of(FO_VALUES)
+                  for i in range(len(names))]
         if number % 8 == 0:
             values[-1] = sentence(sequence, 8)
         return f'<item id="i{number}" ' + " ".join(f'{n}="{v}"' for n, v in zip(names, values)) + "/>\n"
@@ -143,7 +144,7 @@ def numbered(form, count):
     return "".join(map(form.format, range(count)))
 
 
-# Documents that grow in one direction, n and 2n: the time should double. Numbers have six digits, so that bytes do double.
+# Documents that grow in one direction, n and 2n: the time should double. Numbers have six digits: so do the bytes.
 GROWTH = {  # direction: (n, what makes the document)
     "attributes of one element": (10_000, lambda n: "<r><e" + numbered(' a{0:06}="{0:06}"', n) + "/></r>"),
     "namespaces of one element": (5_000, lambda n: "<r" + numbered(' xmlns:p{0:06}="urn:{0:06}"', n) + ">"

@@ -27,7 +27,8 @@ def options_of(arguments):
                                      prog="scripts/bench")
     parser.add_argument("folder", type=pathlib.Path, help=argparse.SUPPRESS)
     parser.add_argument("--rounds", type=int, default=7)
-    parser.add_argument("--only", default="", metavar="WORD", help="questions, sizes and inputs that WORD occurs in")
+    parser.add_argument("--only", default="", metavar="WORDS",
+                        help="only what all these words occur in: questions, sizes, inputs")
     parser.add_argument("--targets", action="store_true", help="print the ratios only, with what we aim at")
     parser.add_argument("--plot", type=pathlib.Path, metavar="FILE", help="draw the ratios as SVG")
     parser.add_argument("--pages", action="store_true",
@@ -41,7 +42,7 @@ def options_of(arguments):
 
 
 def wanted(only):
-    return lambda *words: only.lower() in " ".join(words).lower()
+    return lambda *told: all(word in " ".join(told).lower() for word in only.lower().split())
 
 
 def ask_contenders(field, files, rounds, is_wanted):
@@ -102,13 +103,12 @@ def check(field, files):
 
 def main():
     options = options_of(sys.argv[1:])
-    field = contest.Field(options.folder / "contenders")
+    field = contest.Field(options.folder)
     files = inputs.Inputs(options.folder / "inputs")
     if options.check:
         return check(field, files)
-    missing = (options.folder / "missing-peers.txt").read_text(encoding="utf-8").strip()
-    if missing:
-        print(f"Not installed, so not measured: {missing.replace(';', ', ')}")
+    if field.missing:
+        print(f"Not installed, so not measured: {', '.join(field.missing)}")
     if options.stored:
         about, found = results.read(options.stored)
     else:

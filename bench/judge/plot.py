@@ -16,12 +16,13 @@ SHOWN = [  # what is drawn, in this order: (asked, part, size), title
     (("walk", "", "20M"), "walking a tree"),
     (("attribute", "", "20M"), "getting attributes by name"),
 ]
-LEAST, MOST = 0.125, 16
+LEAST, MOST = 1 / 16, 32
 LEFT, WIDTH, ROW, TITLE_ROW = 170, 760, 20, 30
-CAPTION = ("Bar: geometric mean over five inputs; line: from the least to the most favourable input. "
-           "To the right of 1, LumCommon is faster or smaller.")
+CAPTION = ["Bar and number: geometric mean over five inputs; line: from the least to the most favourable input.",
+           "To the right of 1, LumCommon is faster or smaller."]
 
 STYLE = """<style>
+  .ground { fill: #ffffff }
   text { font: 13px sans-serif; fill: #24292f }
   .title { font-weight: bold }
   .axis { font-size: 11px; fill: #57606a }
@@ -31,7 +32,8 @@ STYLE = """<style>
   .slower { fill: #d4762a }
   .range { stroke: #24292f }
   @media (prefers-color-scheme: dark) {
-    text { fill: #e6edf3 } .axis { fill: #9da7b3 } .one { stroke: #9da7b3 } .range { stroke: #e6edf3 }
+    .ground { fill: #0d1117 } text { fill: #e6edf3 } .axis { fill: #9da7b3 }
+    .one { stroke: #9da7b3 } .range { stroke: #e6edf3 }
   }
 </style>"""
 
@@ -65,13 +67,17 @@ def draw(results):
         for peer in labels_of(group):
             body += bar(y, peer, [result.ratio(peer, OURS) for result in group if peer in result.times])
             y += ROW
-    body.append(f'<text x="8" y="{y + 22}" class="axis">{escape(CAPTION)}</text>')
+    end = y + 6
+    for line in CAPTION:
+        y += 18
+        body.append(f'<text x="8" y="{y + 6}" class="axis">{escape(line)}</text>')
+    height = y + 18
     axis = []
     for power in range(round(math.log2(LEAST)), round(math.log2(MOST)) + 1):
         x, shown = place(2.0**power), f"{2**power}" if power >= 0 else f"1/{2**-power}"
-        axis.append(f'<path d="M{x:.1f} 26V{y + 6}" class="{"one" if power == 0 else "grid"}"/>'
+        axis.append(f'<path d="M{x:.1f} 26V{end}" class="{"one" if power == 0 else "grid"}"/>'
                     f'<text x="{x:.1f}" y="18" text-anchor="middle" class="axis">{shown}</text>')
-    return "\n".join([f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {y + 32}" width="{WIDTH}" '
-                      f'height="{y + 32}">', "<!-- Drawn by scripts/bench with the option plot. Do not edit. -->",
+    return "\n".join([f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height}" width="{WIDTH}" '
+                      f'height="{height}">', "<!-- Drawn by scripts/bench with the option plot. Do not edit. -->",
                       "<title>How many times as long, or as much memory, other libraries take as LumCommon</title>", STYLE,
-                      *axis, *body, "</svg>"]) + "\n"
+                      f'<rect width="{WIDTH}" height="{height}" class="ground"/>', *axis, *body, "</svg>"]) + "\n"

@@ -2,6 +2,7 @@
 import dataclasses
 import json
 import pathlib
+import shutil
 import statistics
 import subprocess
 
@@ -48,8 +49,8 @@ def describe_run(rounds):
     cpu = [line.split(":")[1].strip() for line in pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines()
            if line.startswith("model name")]
     compiler = subprocess.run(["c++", "-dumpfullversion"], capture_output=True, text=True).stdout.strip()
-    commit = subprocess.run(["git", "describe", "--always", "--dirty"], capture_output=True, text=True,
-                            cwd=pathlib.Path(__file__).parent).stdout.strip()
+    commit = shutil.which("git") and subprocess.run(["git", "describe", "--always", "--dirty"], capture_output=True,
+                                                    text=True, cwd=pathlib.Path(__file__).parent).stdout.strip()
     return (f"{rounds} rounds; {len(cpu)} cores, {cpu[0] if cpu else 'of an unknown kind'}; compiler {compiler}"
             + (f"; source {commit}" if commit else ""))
 

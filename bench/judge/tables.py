@@ -105,6 +105,6 @@ def use_rows(results):
     rows = [["", "", "ns a byte", "times the first"]]
     for result in results:
         first = next(iter(result.times), None)
-        rows += [[f"{result.meaning} ({result.kind}, {result.size})", label, f"{result.median(label):.2f}", f"{result.ratio(label, first):.2f}"]
-                 for label in result.times]
+        rows += [[f"{result.meaning} ({result.kind}, {result.size})", label, f"{result.median(label):.2f}",
+                  f"{result.ratio(label, first):.2f}"] for label in result.times]
     return rows
