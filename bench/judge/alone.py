@@ -1,9 +1,8 @@
 """Questions in which we are measured against ourselves: ways of use, threads, growth, the tool, endless documents."""
 import os
-import random
 import subprocess
 
-from contest import OURS, Contender
+from contest import OURS, Contender, take_turns
 from inputs import GROWTH
 from results import Result
 
@@ -45,9 +44,7 @@ def ask_growth(field, files, rounds, wanted):
             pair = [Contender(program, asked, OURS, path) for path in paths]
             for contender in pair:
                 contender.read_answer()
-            for _ in range(rounds):
-                for contender in random.sample(pair, 2):
-                    contender.take_turn("go")
+            take_turns(pair, rounds)
             for contender in pair:
                 contender.stop()
             one, two = ([time * path.stat().st_size for time in contender.times[part]]

@@ -19,7 +19,7 @@ TREE_PARTS = {"build": "building", "free": "freeing", "build+free": "building an
 QUESTIONS = [
     Question("events", "20M", "events"),
     Question("events", "95K", "events, a fresh parser"),
-    Question("events-kept", "95K", "events, a parser used before"),
+    Question("events-kept", "95K", "events, the parser kept"),
     Question("tree", "20M", "tree", TREE_PARTS),
     Question("tree", "95K", "tree of a small file", TREE_PARTS),
     Question("tree-own", "20M", "tree of the caller's classes", TREE_PARTS),
