@@ -7,7 +7,7 @@ from inputs import GROWTH
 from results import Result
 
 TWO_THREADS = [("events", "20M", "FO"), ("tree", "20M", "FO"), ("events", "95K", "FO"), ("tree", "95K", "FO"),
-               ("save", "20M", "FO"), ("names", "", "built-in names"), ("names", "", "other names")]
+               ("save", "20M", "FO"), ("inflate", "20M", "FO"), ("names", "", "built-in names"), ("names", "", "other names")]
 
 USES = {"use-events": ("events", "FO", "20M"), "use-tree": ("a tree", "FO", "20M"),
         "use-element": ("every element", "attributes", "95K")}
@@ -27,7 +27,7 @@ def ask_threads(field, files, rounds, wanted):
     for asked, size, kind in TWO_THREADS:
         if not wanted("two threads", asked, kind):
             continue
-        labels = [label for label in field.labels(asked) if label in (OURS, "libxml2 SAX2", "libxml2")]
+        labels = [label for label in field.labels(asked) if label in (OURS, "libxml2 SAX2", "libxml2", "zlib")]
         measured = field.measure(asked, files.of(asked, kind, size), rounds, labels, "pair")
         yield Result("two threads", "", "", "two threads", f"{asked} {kind} {size}".strip(), "times one",
                      {label: times[""] for label, times in measured.items()})
