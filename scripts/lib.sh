@@ -3,10 +3,16 @@
 # What a program needs that uses the library.
 LUM_LIBRARY_PACKAGES="g++ cmake ninja-build pkg-config libicu-dev zlib1g-dev uuid-dev"
 
-# What the tests, checks and benchmarks need besides.
-LUM_PACKAGES="$LUM_LIBRARY_PACKAGES g++-multilib clang libclang-rt-14-dev ccache clang-format clang-tidy
-binutils python3 libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libexpat1-dev libpugixml-dev libxml2-dev
-libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip doxygen locales"
+# What the preset release needs besides: the tests and the benchmarks.
+LUM_RELEASE_PACKAGES="$LUM_LIBRARY_PACKAGES ccache python3 libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev
+libexpat1-dev libpugixml-dev libxml2-dev"
+
+# What all tests and checks need.
+LUM_PACKAGES="$LUM_RELEASE_PACKAGES g++-multilib clang libclang-rt-14-dev clang-format clang-tidy binutils libxml2-utils
+xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip doxygen locales"
+
+# Further libraries that scripts/bench measures beside ours; what is missing of them is not measured.
+LUM_BENCH_PACKAGES="libxerces-c-dev qtbase5-dev"
 
 # Installs the packages named that are missing. Without root it names the command that does so, and stops.
 install_missing() {

@@ -1,21 +1,15 @@
 #pragma once
 
 #include <cstddef>
-#include <ostream>
 #include <string_view>
 
 namespace LumBench {
 
-/// What every contender must find in a document before anything is timed.
+/// What every contender must find in an input before anything is timed.
 struct Answer {
     std::size_t elements = 0;
     std::size_t attributes = 0;  ///< without namespace declarations: some parsers hide them
     std::size_t textUnits = 0;   ///< of character data, in UTF-16 code units
-
-    friend bool operator==(const Answer&, const Answer&) = default;
-    friend std::ostream& operator<<(std::ostream& out, const Answer& a) {
-        return out << a.elements << " elements, " << a.attributes << " attributes, " << a.textUnits << " text units";
-    }
 };
 
 /// The number of UTF-16 units of a well-formed UTF-8 text: one per character, two beyond the basic plane.
