@@ -66,7 +66,7 @@ private:
 /// The qualified names that one parser has met: a name seen before costs one hash and one compare and takes no lock.
 ///
 /// The identifiers in it stay good while the parser's namespace manager holds the shared name table.
-/// Memory: about 40 bytes and the text for each different name.
+/// Memory: about 120 bytes and the text for each different name.
 class NameCache {
 public:
     NameCache();
