@@ -8,11 +8,11 @@
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include <support/CountedMemory.h>
-#include <support/PropertyText.h>
 
 namespace {
 
@@ -32,8 +32,9 @@ Group groupOf(const UnicodeString& text) {
 }
 
 bool readGroups() {
-    for (const LumTest::PropertyText& row : LumTest::readPropertyTexts(LUM_BENCH_DATA "/values/properties.tsv")) {
-        const UnicodeString text = UnicodeString::fromUTF8(row.text);
+    std::ifstream in(LUM_BENCH_DATA "/values/properties.txt");
+    for (std::string row; std::getline(in, row);) {
+        const UnicodeString text = UnicodeString::fromUTF8(row.substr(0, row.find('|'))).trim().unescape();
         groups[groupOf(text)].push_back(text);
         groups[all].push_back(text);
     }

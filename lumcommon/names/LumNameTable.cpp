@@ -6,7 +6,9 @@
 #include <lumcommon/names/detail/BuiltinNames.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/names/detail/NameStore.h>
+#include <lumcommon/names/detail/RecentNames.h>
 
+#include <atomic>
 #include <new>
 
 namespace LumCommon {
@@ -15,6 +17,8 @@ namespace {
 
 constinit detail::NeverDestroyed<detail::NameStore> sharedStore;
 constinit LumNameTable* sharedTable = nullptr;  // guarded by sharedLock()
+/// Changes when the names of the shared table are lost.
+constinit std::atomic<std::uint32_t> sharedGeneration{0};
 
 LumLock* sharedLock() {
     static detail::NeverDestroyed<LumLock> lock;
@@ -47,6 +51,7 @@ LumNameTable::~LumNameTable() {
     if (store_ != &*sharedStore) return;
     LumMutex guard(sharedLock());  // already held, unless somebody counts the shared table with a LumPtr
     store_->clear();
+    sharedGeneration.fetch_add(1, std::memory_order_release);
     sharedTable = nullptr;
 }
 
@@ -56,10 +61,18 @@ UnicodeString LumNameTable::getTypeName() const { return UnicodeString(u"LumName
 
 LumNameEnum detail::internName(const char16_t* text, std::size_t units) {
     if (units == 0) return NAME_NULL;
-    const LumNameEnum builtin = findBuiltinName(text, units);
-    if (builtin != NAME_NULL) return builtin;
-    LumMutex guard(sharedLock());
-    return LumNameTable::Shared::table().store_->intern(text, units);
+    std::uint32_t generation = sharedGeneration.load(std::memory_order_acquire);
+    RecentNames* const recent = RecentNames::ofThread();
+    LumNameEnum name = recent ? recent->find(text, units, generation) : NAME_NULL;
+    if (name != NAME_NULL) return name;
+    name = findBuiltinName(text, units);
+    if (name == NAME_NULL) {
+        LumMutex guard(sharedLock());
+        name = LumNameTable::Shared::table().store_->intern(text, units);
+        generation = sharedGeneration.load(std::memory_order_relaxed);
+    }
+    if (recent) recent->keep(text, units, generation, name);
+    return name;
 }
 
 LumNameEnum LumNameTable::internNumbered(const UnicodeString& prefix) {

@@ -21,8 +21,9 @@ LumNameEnum internName(const char16_t* text, std::size_t units);
 /// lock.
 ///
 /// Threads: the static operations may be called from any thread, except setupSharedNameTable() and cleanup(). Built-in
-/// names are looked up and read without a lock. Interning a run-time name takes the table's lock. Reading the string of
-/// a run-time name takes none: strings never move, and an identifier is published only after its string is in place.
+/// names are looked up and read without a lock. Interning a run-time name takes the table's lock, unless the thread has
+/// interned it lately: each thread remembers short names. Reading the string of a run-time name takes none: strings
+/// never move, and an identifier is published only after its string is in place.
 class LUM_API LumNameTable : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0x31FB5B85u;
@@ -35,7 +36,8 @@ public:
     UnicodeString getTypeName() const override;
 
     /// Interns `text` in the shared table. The empty string gives 0. Throws code 0x801 when 2^24 - 1 names are in use.
-    /// Cost: one hash and compare; a lock for run-time names.
+    /// Cost: one hash and compare for a name that the thread has interned lately; else another hash, and a lock for
+    /// run-time names.
     static LumNameEnum getSharedNameEnum(const UnicodeString& text);
     /// The string of a name, empty when `id` is not in use.
     /// Ownership: a built-in string lives until cleanup(), a run-time string as long as the shared table.

@@ -120,19 +120,6 @@ TEST(LumZipFile, everyPrefixGivesThePrefixOfEachMember) {
     });
 }
 
-TEST(LumZipFile, findsTheFirstOfItsNameExactly) {
-    std::istringstream in(ZipMember{.name = "word/a.xml", .data = "1"}.bytes() + ZipMember{.name = "x"}.bytes() +
-                          ZipMember{.name = "word/a.xml", .data = "2"}.bytes());
-    const LumZipFile zip(&in, false);
-    EXPECT_EQ(zip.getFileEntry(u"word/a.xml"), zip.getFileEntry(0u));
-    for (const char16_t* other : {u"word/A.xml", u"/word/a.xml", u"word/a.xm", u""}) {
-        EXPECT_EQ(zip.getFileEntry(other), nullptr);
-    }
-    EXPECT_EQ(zip.getFileEntry(UnicodeString(u"x").getTerminatedBuffer()), zip.getFileEntry(1u));
-    EXPECT_EQ(zip.getFileEntry(3u), nullptr);
-    EXPECT_EQ(zip.getFileEntry(~0u), nullptr);
-}
-
 TEST(LumZipFile, rewindsItsOwnStreamsAndLetsFreshOnesGo) {
     auto zip = std::make_unique<LumZipFile>(
         new std::istringstream(ZipMember{.name = "s", .data = text}.bytes() + deflatedMember("d", text).bytes() +
@@ -152,7 +139,8 @@ TEST(LumZipFile, rewindsItsOwnStreamsAndLetsFreshOnesGo) {
         fresh.emplace_back(entry->getUncompressedStream(true));
         EXPECT_EQ(contentOf(fresh.back().get()), text) << "a fresh stream shares a position";
         EXPECT_EQ(contentOf(entry->getUncompressedStream(false)), text) << "not rewound from the middle";
-        EXPECT_EQ(contentOf(entry->getCompressedStream(false)), i == 0 ? text : LumTest::deflated(text));
+        EXPECT_EQ(contentOf(entry->getCompressedStream(false)),
+                  i == 0 ? text : LumTest::deflated(text, LumTest::Wrapper::RAW));
         entries.emplace_back(entry);
     }
     entries.emplace_back(zip->getFileEntry(2u));
@@ -169,7 +157,9 @@ TEST(LumZipFile, opensAnotherArchiveInPlaceOfTheFirst) {
     LumZipFile zip(&first, false);
     zip.open(&second, false);
     EXPECT_EQ(membersOf(zip), (Members{{"b", ""}}));
-    EXPECT_EQ(zip.getFileEntry(u"a"), nullptr);
+    EXPECT_EQ(zip.getFileEntry(UnicodeString(u"b").getTerminatedBuffer()), zip.getFileEntry(0u));
+    for (const char16_t* other : {u"a", u"B", u"/b", u"bb", u""}) EXPECT_EQ(zip.getFileEntry(other), nullptr);
+    EXPECT_EQ(zip.getFileEntry(~0u), nullptr);
     auto* const owned = new std::istringstream(ZipMember{.name = "c"}.bytes());
     zip.open(owned, true);
     owned->clear();
@@ -283,7 +273,7 @@ TEST(LumZipEntry, readsRecordsFieldByField) {
 
     in.str(std::string("PK\1\2\x0A\0", 6) + memberFields +
            std::string("\2\0\3\0\4\0\5\0\6\0\7\0\0\x87\x08\0\0\x98", 18) + "nmextcomm|" +
-           LumTest::descriptor(7, 0x89000009u) + "PK\5\6" +
+           std::string("PK\7\10crc4\7\0\0\0\x09\0\0\x89PK\5\6", 20) +
            std::string("\1\0\2\0\3\0\4\0\5\0\0\x85\6\0\0\x86\7\0|", 19));
     const LumZipDirectoryEntry file(in);
     EXPECT_EQ(file.getSignature(), LumZipEntry::SIGNATURE_DIRECTORY);

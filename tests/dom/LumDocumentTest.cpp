@@ -2,12 +2,12 @@
 
 #include <atomic>
 #include <sstream>
-#include <thread>
 
 #include "dom/CountedDocument.h"
 #include "support/EscapedRows.h"
 #include "support/ExpectError.h"
 #include "support/LoopbackServer.h"
+#include "support/OnThreads.h"
 #include "support/PieceStream.h"
 #include "support/TempFolder.h"
 
@@ -59,42 +59,17 @@ TEST_F(LumDocumentTest, buildsTheTreesOfTheRows) {
                 [&] { document->loadXml(UnicodeString()); });
 }
 
-TEST_F(LumDocumentTest, uriAndTargetAreKeptApart) {
-    std::istringstream in("<n>t</n>");
-    document->loadXml(u"<r><old/></r>");
-    LumElement* const root = document->getDocumentElement();
-    document->load(UnicodeString(LUM_TEST_DATA "/fo/manpage.fo"), root);
-    EXPECT_EQ(utf8(document->getDocumentUri()), "") << "a part does not give the document its URI";
-    EXPECT_EQ(root->getChildNodeCount(), 1) << "old children stay";
-    document->load(UnicodeString(LUM_TEST_DATA "/fo/manpage.fo"));
-    EXPECT_EQ(utf8(document->getDocumentUri()), LUM_TEST_DATA "/fo/manpage.fo");
+TEST_F(LumDocumentTest, aStreamOrAParserMayBeWhatIsLoaded) {
+    std::istringstream in("<n>t</n>"), rest("<a><b/><c/></a>");
     const LumPtr<LumDocumentFragment> fragment = document->createDocumentFragment();
     document->load(in, fragment.get());
     EXPECT_EQ(utf8(document->saveXml(fragment.get())), "<n>t</n>");
     EXPECT_EQ(fragment->getFlags(), unsigned{LumNode::FLAG_COMPLETE});
-    EXPECT_NE(utf8(document->getDocumentUri()), "");
-    document->setParser(document->getParser());
-    EXPECT_EQ(utf8(document->getDocumentUri()), "") << "a new parser has read nothing yet";
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    std::istringstream rest("<a><b/><c/></a>");
     parser->setInput(rest, UnicodeString(), UnicodeString());
     document->setParser(parser.get());
     document->load();
     EXPECT_EQ(xmlOf(*document), "<a><b/><c/></a>");
-}
-
-TEST_F(LumDocumentTest, anErrorBeforeReadingEndsTheOlderLoadAndSoDoesTheEndOfTheDocument) {
-    const UnicodeString xml(u"<r><a/><b/></r>");
-    document->setDeferredLoad(true);
-    document->loadXml(xml);
-    document->getDocumentElement();
-    EXPECT_THROW(document->load(UnicodeString(u"/no/such/file")), LumError);
-    EXPECT_EQ(xmlOf(*document), "<r/>");
-    document->loadXml(xml);
-    const LumPtr<LumNode> root(document->getDocumentElement());
-    EXPECT_EQ(utf8(root->getFirstChild()->getNodeName().getString()), "a");
-    document = nullptr;
-    EXPECT_EQ(root->getLastChild(), root->getFirstChild()) << "a node asks its dead document for more";
 }
 
 TEST_F(LumDocumentTest, nullDropsTextsAndWhatACopyWouldMake) {
@@ -208,51 +183,19 @@ TEST_F(LumDocumentTest, loadNextNodeGivesEachNodeToOneThread) {
     document->setDeferredLoad(true);
     document->loadXml(xml);
     std::atomic<int> nodes = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            while (document->loadNextNode()) ++nodes;
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    onThreads(4, [&](unsigned) {
+        while (document->loadNextNode()) ++nodes;
+    });
     EXPECT_EQ(nodes, childCount + 1);
     EXPECT_EQ(document->getDocumentElement()->getChildNodeCount(), childCount);
 }
 
-TEST_F(LumDocumentTest, eachFormWritesItsProlog) {
-    document->loadXml(u"<r><a>\u00E9</a></r>");
-    LumNode* const a = document->getDocumentElement()->getFirstChild();
-    const auto saved = [](auto save) {
-        const auto out = std::make_unique<std::ostringstream>();  // dies before the next output is set
-        save(*out);
-        return out->str();
-    };
-    EXPECT_EQ(saved([&](auto& out) { document->save(out, nullptr, UnicodeString()); }),
-              "<?xml version=\"1.0\"?><r><a>\xC3\xA9</a></r>")
-        << "an encoding is declared";
-    EXPECT_EQ(saved([&](auto& out) { document->save(out, a, u"utf-8"); }),
-              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a>\xC3\xA9</a>")
-        << "the node is not the one asked for";
-    EXPECT_EQ(saved([&](auto& out) { document->save(out, nullptr, u"", u"pi x"); }),
-              "<?xml version=\"1.0\"?><?pi x?><r><a>\xC3\xA9</a></r>")
-        << "the instruction is lost";
-    EXPECT_EQ(saved([&](auto& out) { document->save(u" c ", u"r SYSTEM \"r.dtd\"", out, nullptr, u"UTF-8"); }),
-              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><!-- c --><!DOCTYPE r SYSTEM \"r.dtd\"><r><a>\xC3\xA9</a></r>")
-        << "comment and document type change places";
-    EXPECT_EQ(saved([&](auto& out) { document->save(u"", u"", out, a, u""); }),
-              "<?xml version=\"1.0\"?><a>\xC3\xA9</a>")
-        << "empty parts are written";
-    EXPECT_EQ(utf8(document->saveXml()), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><r><a>\xC3\xA9</a></r>");
-    EXPECT_EQ(utf8(document->saveXml(a)), "<a>\xC3\xA9</a>") << "an element has no declaration";
-    const TempFolder folder;
+TEST_F(LumDocumentTest, aFailedOutputHarmsOnlyItsOwnSaving) {
     document->loadXml(u"<r/>");
+    const TempFolder folder;
     document->save(text(folder.getPath() + "a.xml"));
     EXPECT_EQ(readFile(folder.getPath() + "a.xml"), "<?xml version=\"1.0\"?><r/>")
         << "saving ends before the file does";
-}
-
-TEST_F(LumDocumentTest, aFailedOutputHarmsOnlyItsOwnSaving) {
-    document->loadXml(u"<r/>");
     auto broken = std::make_unique<std::ostringstream>();
     broken->setstate(std::ios::badbit);
     expectError(0x1007, "Output stream error.", "LumCommon::XmlSerializerImpl::checkStream",
@@ -261,14 +204,9 @@ TEST_F(LumDocumentTest, aFailedOutputHarmsOnlyItsOwnSaving) {
     std::ostringstream out;
     document->save(out, nullptr, UnicodeString());
     EXPECT_EQ(out.str(), "<?xml version=\"1.0\"?><r/>");
-    const LumPtr<LumAttr> attr = document->createAttribute(NAME_id);
-    expectError(0x812, "SYSTEM ERROR: Unsupported node type.", "LumCommon::LumDocument::doSave",
-                [&] { document->save(out, attr.get(), UnicodeString()); });
 }
 
 TEST_F(LumDocumentTest, attributesAreWrittenFromTheirValues) {
-    LumValue compound(1.5f, UNIT_PT);
-    compound.setNamedItem(LumName(u"maximum"), LumValue(2.0f, UNIT_CM));
     LumValue color(0x00FF00);
     color.setUnit(UNIT_COLOR);
     const auto written = [&](const LumValue& value) {
@@ -279,41 +217,10 @@ TEST_F(LumDocumentTest, attributesAreWrittenFromTheirValues) {
     EXPECT_EQ(written(LumValue()), "<e/>") << "a null value is written";
     EXPECT_EQ(written(LumValue(static_cast<LumRCObject*>(document.get()))), "<e/>") << "an object is written";
     EXPECT_EQ(written(LumValue(UnicodeString())), "<e v=\"\"/>") << "an empty string is left out";
-    EXPECT_EQ(written(LumValue(u"a\"<&")), "<e v=\"a&quot;&lt;&amp;\"/>") << "a string is not escaped";
-    EXPECT_EQ(written(LumValue(1.5f, UNIT_PT)), "<e v=\"1.5pt\"/>") << "a number loses its unit";
-    EXPECT_EQ(written(LumValue(LumName(u"auto"))), "<e v=\"auto\"/>") << "a name is not written";
-    EXPECT_EQ(written(compound), "<e v=\"1.5pt\" v.maximum=\"2cm\"/>") << "a compound is one attribute";
     EXPECT_EQ(written(color), "<e v=\"#00FF00\"/>") << "a colour is written as a number";
-    EXPECT_EQ(written(LumValue(LumColor(LumColor(0, 255, 0), u"Gold", 0.5f))),
-              "<e v=\"rgb-icc(0,255,0,#SEPARATION,&quot;Gold&quot;,0.5)\"/>")
-        << "a print colour is written as its entries";
-    EXPECT_EQ(written(LumValue::parse(u"'a'")), "<e v=\"a\"/>") << "a quoted string keeps its quotes";
     EXPECT_EQ(written(LumTokenizer(u"url(a.png)").nextTokenValueFunc()), "<e v=\"a.png\"/>")
         << "an address gets a wrapper";
     EXPECT_EQ(written(LumTokenizer(u"(").nextTokenValue()), "<e v=\"(\"/>") << "a delimiter is written as its code";
-}
-
-// The syntax of colours is that of the whole document, wherever saving begins.
-TEST_F(LumDocumentTest, aDrawingHasItsOwnSyntaxOfColours) {
-    const LumValue plain(LumColor(0, 255, 0));
-    const LumValue print(LumColor(LumColor(0, 255, 0), 0.0f, 1.0f, 0.5f, 0.0f));
-    LumValue compound(plain);
-    compound.setNamedItem(NAME_maximum, plain);
-    const std::pair<const char16_t*, const char*> cases[] = {
-        {u"<svg xmlns='http://www.w3.org/2000/svg'><g/></svg>",
-         "<g a=\"lime\" b=\"lime icc-color(#CMYK,0,1,0.5,0)\" c=\"#00FF00\" c.maximum=\"#00FF00\""},
-        {u"<r><g xmlns='http://www.w3.org/2000/svg'/></r>",  // a drawing inside another document
-         "<g a=\"#00FF00\" b=\"rgb-icc(0,255,0,#CMYK,0,1,0.5,0)\" c=\"#00FF00\" c.maximum=\"#00FF00\""},
-    };
-    for (const auto& [xml, written] : cases) {
-        document->loadXml(xml);
-        auto* const element = static_cast<LumElement*>(document->getDocumentElement()->getFirstChild());
-        element->setAttribute(LumName(u"a"), plain);
-        element->setAttribute(LumName(u"b"), print);
-        element->setAttribute(LumName(u"c"), compound);
-        EXPECT_EQ(utf8(document->saveXml(element)), written + std::string(" xmlns=\"http://www.w3.org/2000/svg\"/>"));
-        EXPECT_NE(utf8(document->saveXml()).find(written), std::string::npos);
-    }
 }
 
 TEST_F(LumDocumentTest, textsKeepEvenHalfASurrogatePair) {

@@ -38,34 +38,14 @@ TEST_F(LumXmlUtilTest, tellsTheRootOfStreamsAndFiles) {
     }
 }
 
-TEST_F(LumXmlUtilTest, leavesTheParserOnTheRoot) {
-    std::istringstream in("<!-- c --><a x='1'><b/></a>");
-    const LumPtr<LumXmlParser> parser = LumXmlUtil::getRootParser(in, u"Text/HTML", u".HTM");
-    ASSERT_TRUE(parser);
-    EXPECT_EQ(parser->getEventType(), LumXmlParser::START_TAG);
-    EXPECT_EQ(utf8(parser->getAttributeValue(0)), "1");
-    EXPECT_TRUE(parser->isHtmlType()) << "the stream's types have not reached the parser";
-    EXPECT_EQ(parser->next(), LumXmlParser::START_TAG);
-    EXPECT_EQ(utf8(parser->getName().getString()), "b");
-}
-
 TEST_F(LumXmlUtilTest, passesErrorsOn) {
     LumName localName(NAME_block);
-    std::istringstream empty, broken("<a b='1' b='2'/>");
+    std::istringstream empty;
     expectError(0x1004, "Unexpected end of input stream.", "LumCommon::XmlParserImpl::checkStream",
                 [&] { LumXmlUtil::getRootName(localName, empty); });
     EXPECT_TRUE(localName.isNull()) << "a name from before the call survives an error";
-    expectParserError(0x1808, "Duplicate attribute: b", "START_TAG, Line 1, Col 15.",
-                      [&] { (void)LumXmlUtil::getRootParser(broken); });
     expectError(0x1003, "Cannot open file: no/such/file.xml", "LumCommon::XmlParserImpl::setInput",
                 [&] { LumXmlUtil::getXSLStylesheetNamespace(localName, u"no/such/file.xml"); });
-}
-
-TEST_F(LumXmlUtilTest, qualifiesNamesForMessages) {
-    for (const std::vector<std::string>& row : readEscapedRows("dom/qualified.txt", 4)) {
-        SCOPED_TRACE(row[3]);
-        EXPECT_EQ(utf8(LumXmlUtil::makeNSQNameStr(text(row[0]), text(row[1]))), row[2]);
-    }
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <unicode/rbnf.h>
 #include <unicode/uchar.h>
 
-#include <lumcommon/format/LumUtil.h>
+#include <lumcommon/lumcommon.h>
 #include <support/CommaLocale.h>
 #include <support/DataRows.h>
 #include <support/OnThreads.h>
@@ -11,7 +11,7 @@
 
 #include <climits>
 #include <cstdio>
-#include <fstream>
+#include <random>
 #include <set>
 #include <sstream>
 #include <string>
@@ -91,12 +91,21 @@ std::string hebrew(const Fields& fields) {
     return utf8(text);
 }
 
+std::string inPlace(const Fields& fields) {
+    UnicodeString text = fields[0];
+    const char16_t* const begin = text.getTerminatedBuffer();
+    const char16_t* end = nullptr;
+    const std::string result = utf8(LumUtil::parseString(begin, end, quotingOf(fields[1])));
+    return result + " " + std::to_string(end - begin);
+}
+
 TEST(LumUtil, readsAndWritesTextsInEveryLocale) {
     const LumTest::CommaLocale locale;
     if (!locale.isActive()) GTEST_LOG_(WARNING) << "no locale with a decimal comma, and none could be compiled";
     LumTest::checkRows(
         "format/texts.txt",
         {{"quote", [](const Fields& f) { return utf8(LumUtil::quoteString(f[0], quotingOf(f[1]))); }},
+         {"inPlace", inPlace},
          {"unquote", [](const Fields& f) { return utf8(LumUtil::unquoteString(f[0], quotingOf(f[1]))); }},
          {"quoteUri", [](const Fields& f) { return utf8(LumUtil::quoteUri(f[0])); }},
          {"unquoteUri", [](const Fields& f) { return utf8(LumUtil::unquoteUri(f[0])); }},
@@ -116,17 +125,6 @@ TEST(LumUtil, readsAndWritesTextsInEveryLocale) {
     UnicodeString text(u"|");
     LumUtil::toString64Sub(text, 18446744073709551615u);
     EXPECT_EQ(utf8(text), "|18446744073709551615");
-}
-
-TEST(LumUtil, parsesStringsInPlace) {
-    const char16_t* const source = u"'a' b";
-    const char16_t* end = nullptr;
-    EXPECT_EQ(utf8(LumUtil::parseString(source, end, LumUtil::QUOTE_SINGLE)), "a");
-    EXPECT_EQ(end, source + 3);
-    EXPECT_EQ(utf8(LumUtil::parseString(source, end, LumUtil::QUOTE_DOUBLE)), "(bogus)");
-    EXPECT_EQ(end, source);
-    EXPECT_EQ(utf8(LumUtil::parseString(source, end, 0)), "'a' b");
-    EXPECT_EQ(end, source + 5);
 }
 
 TEST(LumUtil, base64TakesBlocksOfEverySize) {
@@ -159,58 +157,9 @@ std::string formatted(const Fields& fields) {
     return utf8(all.trim());
 }
 
-TEST(LumUtilNumbers, areWhatTheFileSays) { LumTest::checkRows("format/numbers.txt", {{"format", formatted}}); }
-
-struct Alphabet {
-    UnicodeString token;
-    std::string language;
-    UnicodeString letters;
-};
-
-/// Every alphabet of the list, with each token that counts in it.
-std::vector<Alphabet> readAlphabets() {
-    const UnicodeString latin(u"Aa");
-    std::vector<Alphabet> alphabets;
-    std::ifstream in(LUM_TEST_DATA "/../../lumcommon/format/alphabets.txt");
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream fields(line);
-        std::string name, script, count, upper, lowerCount, lower;
-        fields >> name >> script >> count >> upper >> lowerCount >> lower;
-        if (name.empty() || name == "#") continue;
-        if (upper.empty()) {  // a line of name, count and letters only
-            const UnicodeString letters = UnicodeString::fromUTF8(count);
-            const bool hasToken = name.find("DIGITS") == std::string::npos;
-            if (hasToken) alphabets.push_back({UnicodeString(letters[0]), "", letters});
-            continue;
-        }
-        const UnicodeString own = script == "greek" ? u"\u0391\u03B1" : script == "cyrillic" ? u"\u0410\u0430" : latin;
-        for (const UnicodeString& tokens : std::set{latin, own}) {
-            const bool isWithoutUpper = upper == "-";
-            alphabets.push_back(
-                {tokens[0], name, UnicodeString::fromUTF8(isWithoutUpper ? "ABCDEFGHIJKLMNOPQRSTUVWXYZ" : upper)});
-            alphabets.push_back({tokens[1], name, UnicodeString::fromUTF8(lower)});
-        }
-    }
-    return alphabets;
-}
-
-// The judge reads the letters back: bijective base N has one number for each sequence of letters.
-TEST(LumUtilNumbers, everyAlphabetCountsBijectively) {
-    const std::vector<Alphabet> alphabets = readAlphabets();
-    ASSERT_EQ(alphabets.size(), 15u + 2 * (36 + 9));
-    for (const Alphabet& alphabet : alphabets) {
-        SCOPED_TRACE(utf8(alphabet.token) + " " + alphabet.language);
-        const LumLang language(alphabet.language.c_str());
-        for (int number = 1; number <= 20000; ++number) {
-            const UnicodeString text = LumUtil::formatNumber(number, alphabet.token, UnicodeString(), 0, language);
-            int read = 0;
-            for (std::int32_t i = 0; i < text.length(); ++i) {
-                const std::int32_t index = alphabet.letters.indexOf(text[i]);
-                ASSERT_GE(index, 0) << number << ": " << utf8(text);
-                read = read * alphabet.letters.length() + index + 1;
-            }
-            ASSERT_EQ(read, number) << utf8(text);
-        }
+TEST(LumUtilNumbers, areWhatTheFilesSay) {
+    for (const char* file : {"format/numbers.txt", "format/alphabets.txt"}) {
+        LumTest::checkRows(file, {{"format", formatted}});
     }
 }
 
@@ -317,6 +266,75 @@ TEST(LumUtilNumbers, digitsOfEveryScriptHaveTheirValues) {
         }
     }
     EXPECT_EQ(written, ours);
+}
+
+std::string readable(const std::string& digits) {
+    return utf8(LumUtil::convertKansuji(UnicodeString::fromUTF8(digits), NAME_readable, NAME_kanji, u"", u""));
+}
+
+std::string inStyle(const Fields& f) {
+    return utf8(LumUtil::convertKansuji(f[3], LumName(f[0]), LumName(f[1]), f[2], u"ignored"));
+}
+
+TEST(Kansuji, writesRunsOfDigitsInEachStyle) { LumTest::checkRows("format/kansuji.txt", {{"kansuji", inStyle}}); }
+
+TEST(Kansuji, writesNumbersAsTheirDecimalText) {
+    for (const int number : {0, 7, -15, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(utf8(LumUtil::convertKansuji(number, NAME_readable, NAME_kanji)), readable(std::to_string(number)));
+}
+
+TEST(Kansuji, convertsSingleCharacters) {
+    Kansuji table;
+    const UnicodeString converted(
+        u"\uFF0B\u3001\uFF0D\u30FB\uFF0F\u3007\u4E00\u4E8C\u4E09\u56DB\u4E94\u516D\u4E03\u516B\u4E5D\uFF1A");
+    for (UChar32 c = 0; c < 0x10000; ++c) {
+        const UChar32 expected = c >= u'+' && c <= u':' ? converted[c - u'+'] : c > 0x20 && c < 0x7F ? c + 0xFEE0 : c;
+        ASSERT_EQ(table.toKansuji(c), expected) << std::hex << c;
+    }
+    table.setDigitLatin();
+    EXPECT_EQ(table.toKansuji(u'7'), u'\uFF17');
+    table.setDigitKanji();
+    EXPECT_EQ(table.toKansuji(u'7'), u'\u4E03');
+    EXPECT_EQ(table.getCharacter(-1), 0xFFFD);
+    EXPECT_EQ(table.getCharacter(Kansuji::COUNT), 0xFFFD);
+}
+
+/// ICU's Japanese spellout and the readable form agree on every number below 10^18, where ICU's rules end: there is no
+/// difference to list.
+TEST(Kansuji, readsAsIcuSpellsNumbersOut) {
+    UErrorCode error = U_ZERO_ERROR;
+    const icu::RuleBasedNumberFormat judge(icu::URBNF_SPELLOUT, icu::Locale::getJapanese(), error);
+    ASSERT_TRUE(U_SUCCESS(error));
+    const Kansuji table;
+    const auto compare = [&](std::int64_t number) {
+        if (HasFailure()) return;
+        UnicodeString expected;
+        judge.format(number, expected);
+        const UnicodeString got =
+            table.convert(LumUtil::toString(static_cast<long long>(number)), Kansuji::STYLE_READABLE);
+        ASSERT_EQ(got, expected) << number << ": " << utf8(got) << ", ICU " << utf8(expected);
+    };
+    constexpr std::int64_t endOfIcu = 1'000'000'000'000'000'000;
+    for (int number = 0; number < 100'000'000; number += number < 30'000 ? 1 : 991) compare(number);
+    for (std::int64_t power = 1; power < endOfIcu; power *= 10)
+        for (const std::int64_t number : {power - 1, power, power + 1, 9 * power, 10 * power - 1}) compare(number);
+    std::mt19937_64 random(5);
+    for (int i = 0; i < 30'000; ++i) compare(static_cast<std::int64_t>((random() >> (random() % 60)) % endOfIcu));
+}
+
+TEST(Kansuji, longRunsAreReadToTheirEnd) {
+    const std::string million(1'000'000, '0');
+    EXPECT_EQ(readable(million + "20"), "\u4E8C\u5341");
+    const UnicodeString ones = UnicodeString(1'000'052, u'1', 1'000'052);
+    const UnicodeString read = LumUtil::convertKansuji(ones, NAME_readable, NAME_kanji);
+    EXPECT_EQ(utf8(read.tempSubString(999'999, 6)), "\u4E00\u5343\u767E\u5341\u4E00\u6975");
+    EXPECT_EQ(read.length(), 1'000'000 + 13 * 4 + 12);
+    const UnicodeString grouped =
+        LumUtil::convertKansuji(UnicodeString::fromUTF8("1" + million), NAME_grouping, NAME_kanji);
+    EXPECT_EQ(grouped.length(), 1'000'001 - 48 + 1);
+    UnicodeString bogus;
+    bogus.setToBogus();
+    EXPECT_TRUE(LumUtil::convertKansuji(bogus, NAME_grouping, NAME_kanji).isBogus());
 }
 
 }  // namespace

@@ -14,6 +14,9 @@
 namespace LumCommon {
 namespace {
 
+using LumTest::Fields;
+using LumTest::utf8;
+
 UnicodeString text(const std::string& ascii) { return UnicodeString::fromUTF8(ascii); }
 
 LumNameEnum nameOf(unsigned id) { return static_cast<LumNameEnum>(id); }
@@ -87,52 +90,40 @@ TEST_F(SharedNames, everyNameOfAVocabularyIsFoundAndNoNeighbourOfIt) {
         [](int id) { return MathMLName(static_cast<MathMLNameEnum>(id)).toName().getString(); });
 }
 
-TEST_F(SharedNames, tellingNamesHaveTheirIdentifiers) {
+/// From a text that changes afterwards.
+std::string intern(const Fields& fields) {
+    std::u16string buffer(fields[0].getBuffer(), static_cast<std::size_t>(fields[0].length()));
+    UnicodeString alias(false, buffer.data(), fields[0].length());
+    if (fields[0] == u"(bogus)") alias.setToBogus();
+    const unsigned id = LumNameTable::getSharedNameEnum(alias);
+    buffer.assign(buffer.size(), u'?');
+    return std::to_string(id);
+}
+
+TEST_F(SharedNames, areGivenOutKeptAndForgottenAsTheRowsTell) {
+    LumNameTable own;
+    const auto id = [](const Fields& f) { return nameOf(static_cast<unsigned>(std::stoul(utf8(f[0]), nullptr, 0))); };
+    const auto doing = [](auto action) { return [action](const Fields&) { return action(), std::string(); }; };
     LumTest::checkRows(
         "names/names.txt",
-        {{"builtin", [](const LumTest::Fields& f) { return std::to_string(LumNameTable::getBuiltinNameEnum(f[0])); }},
-         {"vocabularies", [](const LumTest::Fields& f) {
-              const LumName name(f[0]);
-              return std::to_string(SVGName(name).getEnum()) + " " + std::to_string(MathMLName(name).getEnum());
-          }}});
-}
-
-TEST_F(SharedNames, newNamesAreNumberedFrom1598) {
-    std::u16string buffer = u"Block";  // the table must not keep an alias of it
-    const UnicodeString first(u"Block"), second(u"name that nobody else uses, longer than a short string holds");
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(UnicodeString(false, buffer.data(), 5)), 1598u);
-    buffer = u"?????";
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(second), 1599u);
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(first), 1598u);
-    UnicodeString bogus;
-    bogus.setToBogus();
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(UnicodeString()) + LumNameTable::getSharedNameEnum(bogus), 0u);
-    EXPECT_EQ(last(), 1599u);
-    EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(1598)), first);
-    EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(1599)), second);
-    // Not in use: none, one past the last, of a chunk that does not exist, beyond 24 bits, all bits.
-    const LumNameTable own;
-    for (const unsigned id : {0u, 1600u, 1598u + 5000, 0x1000000u, 0xFFFFFFFFu}) {
-        EXPECT_TRUE(LumNameTable::getSharedNameString(nameOf(id)).isEmpty()) << id;
-        EXPECT_TRUE(own.getNameString(nameOf(id)).isEmpty()) << id;
-    }
-    EXPECT_TRUE(own.getNameString(nameOf(1598)).isEmpty()) << "reads the shared table's names";
-}
-
-TEST_F(SharedNames, lookingUpAddsNothing) {
-    const UnicodeString unknown(u"unknown"), known(u"known");
-    LumNameTable table;
-    EXPECT_EQ(table.lookupName(unknown), 0u) << "an empty table";
-    EXPECT_EQ(table.getNameEnum(known), 1598u);
-    EXPECT_EQ(table.lookupName(known), 1598u);
-    EXPECT_EQ(table.lookupName(unknown), 0u);
-    EXPECT_EQ(table.lookupName(UnicodeString(u"zoom")), 1597u);
-    EXPECT_EQ(table.lookupName(UnicodeString()), 0u);
-    EXPECT_EQ(table.getLastNameEnum(), 1598u);
-    EXPECT_EQ(table.getNameEnum(u"zoom"), 1597u);
-    EXPECT_EQ(table.getNonBuiltinNameEnumMutexed(u"zoom"), 1599u) << "this entry passes over the built-in names";
-    EXPECT_EQ(table.getNonBuiltinNameEnumMutexed(UnicodeString()), 0u);
-    EXPECT_EQ(last(), 1597u) << "the table of its own filled the shared one";
+        {{"builtin", [](const Fields& f) { return std::to_string(LumNameTable::getBuiltinNameEnum(f[0])); }},
+         {"svg", [](const Fields& f) { return std::to_string(SVGName(LumName(f[0])).getEnum()); }},
+         {"mathml", [](const Fields& f) { return std::to_string(MathMLName(LumName(f[0])).getEnum()); }},
+         {"intern", intern},
+         {"text", [&](const Fields& f) { return utf8(LumNameTable::getSharedNameString(id(f))); }},
+         {"last", [](const Fields&) { return std::to_string(last()); }},
+         {"ownIntern", [&](const Fields& f) { return std::to_string(own.getNameEnum(f[0])); }},
+         {"ownIntern2", [&](const Fields& f) { return std::to_string(own.getNonBuiltinNameEnumMutexed(f[0])); }},
+         {"ownLookup", [&](const Fields& f) { return std::to_string(own.lookupName(f[0])); }},
+         {"ownText", [&](const Fields& f) { return utf8(own.getNameString(id(f))); }},
+         {"ownLast", [&](const Fields&) { return std::to_string(own.getLastNameEnum()); }},
+         {"hold", doing([] { EXPECT_EQ(LumNameTable::addRefSharedNameTable(), LumNameTable::getSharedNameTable()); })},
+         {"release", doing(LumNameTable::releaseSharedNameTable)},
+         {"setup", doing(LumNameTable::setupSharedNameTable)},
+         {"cleanup", doing(LumNameTable::cleanup)},
+         {"fill", doing([] {
+              for (unsigned i = 0; i < 3000; ++i) LumNameTable::getSharedNameEnum(text("filled " + std::to_string(i)));
+          })}});
 }
 
 TEST_F(SharedNames, aNameIsItsIdentifierAndAValueItsNameElseItsText) {
@@ -165,37 +156,6 @@ TEST_F(SharedNames, aGeneratedNameTellsItsIdentifierAndIsNew) {
         EXPECT_EQ(fresh.getEnum(), 1600u + taken.size() - 1) << i;
     }
     EXPECT_EQ(LumName::generateID(UnicodeString(u"x")).getString(), UnicodeString(u"x-1900")) << "a clash moved it";
-}
-
-TEST(LumNameTableLifetime, namesGoWithTheLastHolder) {
-    const UnicodeString first(u"first long run-time name, to be freed"), second(u"second"), third(u"third");
-    LumNameTable::addRefSharedNameTable();
-    EXPECT_EQ(LumNameTable::addRefSharedNameTable(), LumNameTable::getSharedNameTable());
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(first), 1598u);
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(second), 1599u);
-    LumNameTable::releaseSharedNameTable();
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(second), 1599u) << "gone although it is still held";
-    LumNameTable::releaseSharedNameTable();
-
-    EXPECT_TRUE(LumNameTable::getSharedNameString(nameOf(1598)).isEmpty());
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(third), 1598u);
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(second), 1599u) << "the index still knows an old name";
-    EXPECT_EQ(LumNameTable::getSharedNameString(nameOf(1598)), third);
-
-    // Interning alone makes a table that nobody holds: one release too many ends it, the next finds none.
-    LumNameTable::releaseSharedNameTable();
-    EXPECT_TRUE(LumNameTable::getSharedNameString(nameOf(1598)).isEmpty());
-    LumNameTable::releaseSharedNameTable();
-
-    // Its end by cleanup is the end of many names, and a holder may still let go.
-    LumNameTable::setupSharedNameTable();
-    LumNameTable::addRefSharedNameTable();
-    for (unsigned i = 0; i < 3000; ++i) LumNameTable::getSharedNameEnum(text("to be cleaned up " + std::to_string(i)));
-    LumNameTable::cleanup();
-    LumNameTable::releaseSharedNameTable();
-    EXPECT_TRUE(LumNameTable::getSharedNameString(nameOf(1598)).isEmpty());
-    EXPECT_EQ(LumNameTable::getSharedNameEnum(third), 1598u);
-    LumNameTable::releaseSharedNameTable();
 }
 
 // Takes 1.3 GB and some seconds, so it runs only where LUM_TEST_LARGE is set, as the preset `release` does.

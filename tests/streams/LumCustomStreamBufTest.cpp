@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "support/Deflated.h"
+
 using LumCommon::LumCustomStreamBuf;
 
 namespace {
@@ -37,15 +39,9 @@ public:
     }
 };
 
-std::string pattern(std::size_t size) {
-    std::string bytes(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7 + i / 256);
-    return bytes;
-}
-
 TEST(LumCustomStreamBuf, readsTheSameInAnyPieces) {
     Controller controller;
-    const std::string bytes = pattern(20000);
+    const std::string bytes = LumTest::compressible(20000);
     for (const std::size_t atOnce : {1, 5, 8192, 1 << 20}) {
         SCOPED_TRACE(atOnce);
         controller.source = bytes;
@@ -77,7 +73,7 @@ TEST(LumCustomStreamBuf, handsOverFullBuffersAndTheRestAtTheEnd) {
     for (const std::size_t size : {8201, 8203}) {  // just no full one, and one with a byte after it
         for (const bool bytewise : {false, true}) {
             SCOPED_TRACE(size);
-            const std::string bytes = pattern(size);
+            const std::string bytes = LumTest::compressible(size);
             Controller controller;
             {
                 LumCustomStreamBuf buffer(&controller);
@@ -95,7 +91,7 @@ TEST(LumCustomStreamBuf, handsOverFullBuffersAndTheRestAtTheEnd) {
 TEST(LumCustomStreamBuf, aShortWriteFailsAndKeepsTheBytes) {
     Controller controller;
     controller.refused = 1;
-    const std::string bytes = pattern(30000);
+    const std::string bytes = LumTest::compressible(30000);
     {
         LumCustomStreamBuf buffer(&controller);
         // Asked again and again, a put area that stands past its end would be written outside the buffer.

@@ -1,12 +1,10 @@
 // Streams that convert charsets, in both directions.
 
 #include <gtest/gtest.h>
-#include <lumcommon/streams/LumKobOStreamBuf.h>
-#include <lumcommon/streams/LumKobStream.h>
+#include <lumcommon/lumcommon.h>
 
 #include <algorithm>
 #include <iterator>
-#include <ostream>
 #include <sstream>
 #include <string>
 #include <string_view>

@@ -8,11 +8,11 @@
 #include <filesystem>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "support/Deflated.h"
 #include "support/ExpectError.h"
+#include "support/OnThreads.h"
 #include "support/TempFolder.h"
 #include "support/Utf8.h"
 
@@ -62,13 +62,9 @@ TEST(LumTempFile, namesHaveProcessAndCount) {
 TEST(LumTempFileThreads, neverGetTheSameName) {
     const TempFolder folder;
     std::vector<std::vector<std::string>> names(8);
-    std::vector<std::thread> threads;
-    for (auto& mine : names) {
-        threads.emplace_back([&mine, &folder] {
-            for (int i = 0; i < 1000; ++i) mine.push_back(newName(folder));
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    onThreads(8, [&](unsigned self) {
+        for (int i = 0; i < 1000; ++i) names[self].push_back(newName(folder));
+    });
     std::set<std::string> all;
     for (const auto& mine : names) all.insert(mine.begin(), mine.end());
     EXPECT_EQ(all.size(), 8000u);

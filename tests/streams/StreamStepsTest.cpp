@@ -1,9 +1,7 @@
 // Streams over bytes in memory and in files: rows of steps, and what only code can ask.
 
 #include <gtest/gtest.h>
-#include <lumcommon/streams/JZIOobj.h>
-#include <lumcommon/streams/LumMemStream.h>
-#include <lumcommon/streams/LumStrStream.h>
+#include <lumcommon/lumcommon.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "support/EscapedRows.h"
+#include "support/ExpectError.h"
 #include "support/PieceStream.h"
 
 namespace LumTest {
@@ -30,7 +31,6 @@ using LumCommon::UnicodeString;
 inline UnicodeString fromUtf8(std::string_view text) {
     return UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
 }
-inline std::string toUtf8(const UnicodeString& text) { return utf8(text); }
 inline std::string hexadecimal(unsigned number) {
     char digits[16];
     std::snprintf(digits, sizeof digits, "%04X", number);
@@ -69,9 +69,9 @@ struct EventRecord {
 };
 
 inline std::string showName(LumName prefix, LumName name, LumName uri) {
-    std::string shown = uri.isNull() ? "" : "{" + toUtf8(uri.getString()) + "}";
-    if (!prefix.isNull()) shown += toUtf8(prefix.getString()) + ":";
-    return shown + toUtf8(name.getString());
+    std::string shown = uri.isNull() ? "" : "{" + utf8(uri.getString()) + "}";
+    if (!prefix.isNull()) shown += utf8(prefix.getString()) + ":";
+    return shown + utf8(name.getString());
 }
 
 /// The event as text: type, depth and data, for instance
@@ -80,34 +80,21 @@ inline std::string showName(LumName prefix, LumName name, LumName uri) {
 ///     ENTITY_REF 1 amp "&#38;"
 inline std::string describe(const LumXmlParser& parser) {
     const LumXmlParser::EventType type = parser.getEventType();
-    std::string shown = toUtf8(LumXmlParser::getEventTypeStr(type)) + " " + std::to_string(parser.getDepth());
-    switch (type) {
-        case LumXmlParser::START_TAG:
-        case LumXmlParser::END_TAG:
-            shown += " " + showName(parser.getPrefix(), parser.getName(), parser.getNamespace());
-            for (int i = 0; i < parser.getAttributeCount(); ++i) {
-                shown += " " +
-                         showName(parser.getAttributePrefix(i), parser.getAttributeName(i),
-                                  parser.getAttributeNamespace(i)) +
-                         "=" + escape(parser.getAttributeValue(i));
-            }
-            if (type == LumXmlParser::START_TAG && parser.isEmptyElementTag()) shown += " /";
-            break;
-        case LumXmlParser::TEXT:
-        case LumXmlParser::CDSECT:
-        case LumXmlParser::IGNORABLE_WHITESPACE:
-            shown += " " + escape(parser.getText()) + (parser.isWhitespace() ? " ws" : "");
-            break;
-        case LumXmlParser::ENTITY_REF:
-            shown += " " + toUtf8(parser.getName().getString()) + " " + escape(parser.getText());
-            break;
-        case LumXmlParser::PROCESSING_INSTRUCTION:
-        case LumXmlParser::COMMENT:
-        case LumXmlParser::DOCDECL:
-            shown += " " + escape(parser.getText());
-            break;
-        default:
-            break;
+    std::string shown = utf8(LumXmlParser::getEventTypeStr(type)) + " " + std::to_string(parser.getDepth());
+    if (type == LumXmlParser::START_TAG || type == LumXmlParser::END_TAG) {
+        shown += " " + showName(parser.getPrefix(), parser.getName(), parser.getNamespace());
+        for (int i = 0; i < parser.getAttributeCount(); ++i) {
+            shown +=
+                " " +
+                showName(parser.getAttributePrefix(i), parser.getAttributeName(i), parser.getAttributeNamespace(i)) +
+                "=" + escape(parser.getAttributeValue(i));
+        }
+        if (type == LumXmlParser::START_TAG && parser.isEmptyElementTag()) shown += " /";
+    } else if (type != LumXmlParser::START_DOCUMENT && type != LumXmlParser::END_DOCUMENT) {
+        if (type == LumXmlParser::ENTITY_REF) shown += " " + utf8(parser.getName().getString());
+        shown += " " + escape(parser.getText());
+        const bool isText = type == LumXmlParser::TEXT || type == LumXmlParser::CDSECT;
+        if ((isText || type == LumXmlParser::IGNORABLE_WHITESPACE) && parser.isWhitespace()) shown += " ws";
     }
     return shown;
 }
@@ -152,8 +139,8 @@ inline ParserSetup readSetup(const std::string& words) {
     return setup;
 }
 
-inline LumPtr<LumXmlParser> openParser(std::istream& in, const ParserSetup& setup = {}) {
-    LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+inline LumPtr<LumXmlParser> openParser(std::istream& in, const ParserSetup& setup = {},
+                                       LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser()) {
     for (const LumXmlParser::Feature feature : setup.features) parser->setFeature(feature, true);
     parser->setCallbackError(setup.onError, setup.onErrorData);
     parser->setInput(in, fromUtf8(setup.encoding), fromUtf8(setup.baseUri));
@@ -162,38 +149,36 @@ inline LumPtr<LumXmlParser> openParser(std::istream& in, const ParserSetup& setu
     return parser;
 }
 
-/// All events up to the end of the document; an error is the last record, with the position in its message. Where the
-/// parser goes on, its errors are records too, by their codes.
+/// All events up to the end of the document; an error is the last record. Where the parser goes on, its errors are
+/// records too, with the event and the position that the parser tells at the time.
 inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how, ParserSetup setup = {},
                                              std::size_t pieceBytes = wholeInput) {
     constexpr std::size_t tooManyRecords = 1000000;
-    std::vector<EventRecord> records;
+    struct Story {
+        std::vector<EventRecord> records;
+        LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    } story;
     if (setup.goesOn) {
-        setup.onErrorData = &records;
+        setup.onErrorData = &story;
         setup.onError = [](const LumError& error, void* data) {
-            auto& told = *static_cast<std::vector<EventRecord>*>(data);
-            told.push_back({"told " + hexadecimal(static_cast<unsigned>(error.code)), {}});
-            if (told.size() > 1000) throw LumError(error);
+            auto& [records, parser] = *static_cast<Story*>(data);
+            const std::string event = utf8(LumXmlParser::getEventTypeStr(parser->getEventType()));
+            records.push_back({"told " + describe(error) + ", " + event, getPosition(*parser)});
+            if (records.size() > 1000) throw LumError(error);
         };
     }
     PieceStream in(document, pieceBytes);
     try {
-        const LumPtr<LumXmlParser> parser = openParser(in, setup);
+        openParser(in, setup, story.parser);
         LumXmlParser::EventType type = LumXmlParser::START_DOCUMENT;
-        while (type != LumXmlParser::END_DOCUMENT && records.size() < tooManyRecords) {
-            type = pull(*parser, how);
-            records.push_back({describe(*parser), getPosition(*parser)});
+        while (type != LumXmlParser::END_DOCUMENT && story.records.size() < tooManyRecords) {
+            type = pull(*story.parser, how);
+            story.records.push_back({describe(*story.parser), getPosition(*story.parser)});
         }
     } catch (const LumError& error) {
-        records.push_back({"error " + toUtf8(error.getMessage()), {}});
+        story.records.push_back({"error " + describe(error), {}});
     }
-    return records;
-}
-
-inline std::vector<std::string> getDescriptions(const std::vector<EventRecord>& records) {
-    std::vector<std::string> events;
-    for (const EventRecord& record : records) events.push_back(record.event);
-    return events;
+    return story.records;
 }
 
 /// Tags and text as they are read, without declarations of namespaces; an error by its code:
@@ -205,7 +190,7 @@ inline std::string tell(std::string_view document, const ParserSetup& setup = {}
         const LumPtr<LumXmlParser> parser = openParser(in, setup);
         for (LumXmlParser::EventType type; (type = parser->next()) != LumXmlParser::END_DOCUMENT;) {
             const std::string name = showName(LumName(), parser->getName(), parser->getNamespace());
-            if (type == LumXmlParser::TEXT) told += toUtf8(parser->getText());
+            if (type == LumXmlParser::TEXT) told += utf8(parser->getText());
             if (type == LumXmlParser::END_TAG) told += "</" + name + ">";
             if (type != LumXmlParser::START_TAG) continue;
             told += "<" + name;
@@ -213,7 +198,7 @@ inline std::string tell(std::string_view document, const ParserSetup& setup = {}
                 const LumName uri = parser->getAttributeNamespace(i);
                 if (uri == LumName(LumCommon::NAME_NS_XMLNS)) continue;
                 told += " " + showName(LumName(), parser->getAttributeName(i), uri) + "='" +
-                        toUtf8(parser->getAttributeValue(i)) + "'";
+                        utf8(parser->getAttributeValue(i)) + "'";
             }
             told += ">";
         }
@@ -230,31 +215,24 @@ struct MarkedDocument {
     Position end;
 };
 
-/// Cuts out the carets and counts characters and lines up to each.
-/// A "<" at the very start does not count: it was read to recognise the encoding, not as a character.
+/// Cuts out the carets and counts characters and lines up to each; lines end with line feeds, or the row tells
+/// positions in numbers. A "<" at the very start does not count: it was read to recognise the encoding, not as a
+/// character.
 inline MarkedDocument readMarks(std::string_view marked) {
     MarkedDocument document;
-    Position here{1, marked.substr(0, 1) == "<" ? -1 : 0};
-    bool afterReturn = false;
-    for (std::size_t i = 0; i < marked.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(marked[i]);
+    document.end = {1, marked.starts_with("<") ? -1 : 0};
+    for (const char byte : marked) {
         if (byte == '^') {
-            document.positions.push_back(here);
+            document.positions.push_back(document.end);
             continue;
         }
-        document.bytes += marked[i];
-        const bool nextLine = byte == 0x85 && i > 0 && static_cast<unsigned char>(marked[i - 1]) == 0xC2;
-        const bool lineSeparator = byte == 0xA8 && i > 1 && marked.substr(i - 2, 2) == "\xE2\x80";
-        const bool completesReturn = afterReturn && (byte == '\n' || nextLine);
-        if (byte == '\r' || ((byte == '\n' || nextLine || lineSeparator) && !completesReturn)) {
-            here = {here.line + 1, 0};
-        } else if (!completesReturn && (byte & 0xC0) != 0x80 && !(byte == 0xC2 && marked.substr(i + 1, 1) == "\x85") &&
-                   marked.substr(i, 3) != "\xE2\x80\xA8") {
-            ++here.column;
+        document.bytes += byte;
+        if (byte == '\n') {
+            document.end = {document.end.line + 1, 0};
+        } else if ((static_cast<unsigned char>(byte) & 0xC0) != 0x80) {
+            ++document.end.column;
         }
-        afterReturn = byte == '\r' || (afterReturn && byte == 0xC2);
     }
-    document.end = here;
     return document;
 }
 

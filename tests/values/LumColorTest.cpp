@@ -1,13 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/values/LumColor.h>
-#include <lumcommon/values/LumValue.h>
+#include <lumcommon/lumcommon.h>
 #include <support/Utf8.h>
 
-#include <algorithm>
 #include <cmath>
-#include <random>
 #include <set>
 #include <string>
 
@@ -19,30 +15,19 @@ using LumTest::utf8;
 const LumColor red(255, 0, 0);
 
 TEST(LumColor, convertsBetweenModels) {
-    const struct {
-        const char* fault;
-        std::uint32_t rgb, expected;
-    } cases[] = {
-        {"black", LumColor::cmyk2rgb(0, 0, 0, 1), 0},
-        {"cyan", LumColor::cmyk2rgb(1, 0, 0, 0), 0x00FFFF},
-        {"beyond 1", LumColor::cmyk2rgb(2, -1, 0, 0), 0x00FFFF},
-        {"half of gray rounded down", LumColor(0.5f).getRGB(), 0x808080},
-        {"gray beyond 1", LumColor(7.0f).getRGB(), 0xFFFFFF},
-        {"gray of no number", LumColor(std::nanf("")).getRGB(), 0},
-        {"channels clamped", LumColor(300, -5, 10).getRGB(), 0xFF000A},
-        {"dark", LumColor::fromRGB(0xFFFFFF).getDark().getRGB(), 0xAAAAAA},
-        {"light", LumColor().getLight().getRGB(), 0x808080},
-        {"tint as gray", LumColor(u"Gold", 0.5f).getRGB(), 0x808080},
-        {"tint of the alternative", LumColor(u"Gold", 0.5f, 1, 0, 0, 0).getSeparationRGB(), 0x80FFFF},
-        {"tint of the fallback", LumColor(red, u"Gold", 0.5f).getSeparationRGB(), 0xFF8080},
-        {"full tint", LumColor(red, u"Gold", 1.0f, 1, 0, 0, 0).getSeparationRGB(), 0xFF0000},
-        {"value with white space", LumValue(u" red ").getColorValue().getRGB(), 0xFF0000},
-        {"name as a value", LumValue(NAME_red).getColorValue().getRGB(), 0xFF0000},
-        {"number as a value", LumValue(5).getColorValue().getRGB(), LumColor::RGB_INVALID},
-    };
-    for (const auto& c : cases) EXPECT_EQ(c.rgb, c.expected) << c.fault;
-    const LumColor orange = LumColor::rgb2cmyk(0xFF8000);
-    EXPECT_FLOAT_EQ(orange.getComponent(0), 0);
+    EXPECT_EQ(LumColor::cmyk2rgb(2, -1, 0, 0), 0x00FFFFu) << "beyond 1";
+    EXPECT_EQ(LumColor(7.0f).getRGB(), 0xFFFFFFu) << "gray beyond 1";
+    EXPECT_EQ(LumColor(std::nanf("")).getRGB(), 0u) << "gray of no number";
+    EXPECT_EQ(LumColor::fromRGB(0x3060C0).getDark().getRGB(), 0x204080u);
+    EXPECT_EQ(LumColor::fromRGB(0x3060C0).getLight().getRGB(), 0x98B0E0u);
+    EXPECT_EQ(LumColor(u"Gold", 0.5f, 1, 0, 0, 0).getSeparationRGB(), 0x80FFFFu) << "tint of the alternative";
+    EXPECT_EQ(LumColor(red, u"Gold", 0.5f).getSeparationRGB(), 0xFF8080u) << "tint of the fallback";
+    EXPECT_EQ(LumColor(red, u"Gold", 1.0f, 1, 0, 0, 0).getSeparationRGB(), 0xFF0000u) << "full tint";
+    EXPECT_EQ(LumValue(u" red ").getColorValue().getRGB(), 0xFF0000u);
+    EXPECT_EQ(LumValue(NAME_red).getColorValue().getRGB(), 0xFF0000u);
+    EXPECT_EQ(LumValue(5).getColorValue().getRGB(), LumColor::RGB_INVALID);
+    const LumColor orange = LumColor::rgb2cmyk(0xFF8040);
+    EXPECT_NEAR(orange.getComponent(2), 0.749, 0.001);
     EXPECT_NEAR(orange.getComponent(1), 0.498, 0.001);
     EXPECT_FLOAT_EQ(orange.getComponent(3), 0);
 }
@@ -73,41 +58,6 @@ TEST(LumColor, componentsAreItemsOfTheValue) {
 
 LumColor readBack(const LumColor& color, bool svgForm) {
     return LumColor(LumValue::parseColor(color.toString(svgForm), svgForm));
-}
-
-TEST(LumColor, readsWhatItPrintsOrLosesHalfAMillionth) {
-    std::mt19937 random(20);
-    const auto component = [&random] { return static_cast<float>(random()) / static_cast<float>(random.max()); };
-    constexpr const char16_t* names[] = {u"Gold", u"all", u"ALL", u"Deep 'Blue'", u"a, b)", u"#1", u"12pt", u"\u91D1"};
-    float worst = 0;
-    for (int i = 0; i < 5'000; ++i) {
-        const LumColor fallback = LumColor::fromRGB(random() % 2 ? random() & 0xFFFFFF : 0xD3D3D3);
-        const UnicodeString name(names[random() % std::size(names)]);
-        const float c = component(), m = component(), y = component(), k = component(), tint = component();
-        for (const LumColor& color :
-             {fallback, LumColor(c), LumColor(fallback, c), LumColor(c, m, y, k), LumColor(fallback, c, m, y, k),
-              LumColor(name, tint), LumColor(fallback, name, tint), LumColor(name, tint, c, m, y, k),
-              LumColor(fallback, name, tint, c, m, y, k), LumColor(fallback, name, 1, 0, 0.25f, 0.5f, 1)}) {
-            ASSERT_TRUE(LumColor{LumValue(color)} == color);
-            for (const bool svgForm : {false, true}) {
-                SCOPED_TRACE(utf8(color.toString(svgForm)));
-                const LumColor read = readBack(color, svgForm);
-                ASSERT_EQ(read.getColorSpace(), color.getColorSpace());
-                // In the second form the RGB stands in front whether it was given or not.
-                ASSERT_EQ(read.isRgbGiven(), color.isRgbGiven() || (svgForm && color.isTintGiven()));
-                ASSERT_EQ(read.isTintGiven(), color.isTintGiven());
-                ASSERT_EQ(read.isCmykGiven(), color.isCmykGiven());
-                ASSERT_TRUE(readBack(read, svgForm) == read);
-                // Where no RGB is printed, the gray of the tint may fall on the other side of a half.
-                ASSERT_NEAR(read.getRGB() & 0xFF, color.getRGB() & 0xFF, 1);
-                for (int j = 0; j < (color.isTintGiven() && !color.isCmykGiven() ? 1 : 5); ++j) {
-                    worst = std::max(worst, std::abs(read.getComponent(j) - color.getComponent(j)));
-                }
-            }
-        }
-    }
-    EXPECT_LE(worst, 5.1e-7f);
-    EXPECT_GT(worst, 4e-7f) << "nothing was lost, so the test says nothing";
 }
 
 TEST(LumColor, aValueKeepsWhatNoTextCanSay) {

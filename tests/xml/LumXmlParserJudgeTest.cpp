@@ -117,7 +117,7 @@ TEST(LumXmlParserJudge, realDefinitionsDeclareWhatAnotherParserFinds) {
             std::size_t compared = 0;
             while (parser->nextToken() != LumXmlParser::END_DOCUMENT) {
                 if (parser->getEventType() != LumXmlParser::ENTITY_REF) continue;
-                const std::string name = toUtf8(parser->getName().getString());
+                const std::string name = utf8(parser->getName().getString());
                 ++compared;
                 EXPECT_EQ(utf8(parser->getText()), entities.at(name)) << name;
             }

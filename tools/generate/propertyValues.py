@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Generates tests/data/values/properties.tsv: attribute values of real documents and what each must become.
+"""Generates tests/data/values/properties.txt: attribute values of real documents and what each must become.
 
 Source: the attribute values of tests/data/fo (the compressed book included) and tests/data/svg; declarations of a
 style attribute count one by one as well. An attribute name gives at most two values that differ only in digits
 (coordinates) and 16 of the same tokens (identifiers). The results are worked out here, from the rules and not by the
 library, so that the two can disagree.
 
-A row has four columns; "\\t", "\\n" and "\\\\" stand for tab, line end and backslash in the first two:
+A row has four fields between bars, with escapes as in C for what a field cannot hold:
   text    the attribute value
   value   kind, unit and printed form of LumValue::parse; "=" for the plain string of the whole text
   color   LumColor::toString(false) of LumValue::parseColor(text, true), "-" where it is not a colour
@@ -22,7 +22,7 @@ import xml.etree.ElementTree as ElementTree
 from lib.generator import ROOT, run
 
 DATA = ROOT / "tests/data"
-TARGET = DATA / "values/properties.tsv"
+TARGET = DATA / "values/properties.txt"
 LONGEST_UNITS = 160
 EACH_SHAPE = 2
 EACH_KIND = 16
@@ -168,10 +168,12 @@ def token_kinds(text):
 
 
 def row_of(text):
-    def escape(column):
-        return column.replace("\\", "\\\\").replace("\t", "\\t").replace("\n", "\\n")
+    def escape(field):
+        field = re.sub(r"[\\|]|^ | $", lambda found: f"\\x{ord(found.group()):02X}", field)
+        return field.replace("\t", "\\t").replace("\n", "\\n")
 
-    return "\t".join([escape(text), escape(value_of(text)), color_of(text), token_kinds(text)])
+    row = " | ".join(escape(field) for field in (text, value_of(text), color_of(text), token_kinds(text))).rstrip()
+    return "\\x23" + row[1:] if row.startswith("#") else row
 
 
 def read_documents():

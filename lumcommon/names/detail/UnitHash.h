@@ -48,6 +48,20 @@ constexpr std::uint64_t loadFourUnits(const char16_t* text) noexcept {
            static_cast<std::uint64_t>(text[2]) << 32 | static_cast<std::uint64_t>(text[3]) << 48;
 }
 
+/// Whether two texts of `units` units are equal: for short texts, without a call.
+constexpr bool equalUnits(const char16_t* a, const char16_t* b, std::size_t units) noexcept {
+    if (units < 4) {
+        for (std::size_t i = 0; i < units; ++i) {
+            if (a[i] != b[i]) return false;
+        }
+        return true;
+    }
+    for (std::size_t i = 0; i + 4 < units; i += 4) {
+        if (loadFourUnits(a + i) != loadFourUnits(b + i)) return false;
+    }
+    return loadFourUnits(a + units - 4) == loadFourUnits(b + units - 4);
+}
+
 /// Hash of UTF-16 text, eight units per multiplication. `text` may be null when `units` is 0.
 constexpr std::uint64_t hashUnits(const char16_t* text, std::size_t units, const HashKey& key) noexcept {
     // The length is part of the state, so that the overlapping last words cannot make two lengths look alike.

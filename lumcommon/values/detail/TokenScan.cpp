@@ -1,6 +1,7 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/XmlNameRanges.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/values/detail/TokenScan.h>
 #include <lumcommon/values/detail/Units.h>
@@ -12,12 +13,6 @@
 namespace LumCommon::detail {
 
 namespace {
-
-constexpr bool isWideNameStart(char16_t c) noexcept {
-    return (c >= 0xC0 && c <= 0x2FF) || (c >= 0x370 && c <= 0x37D) || (c >= 0x37F && c <= 0x1FFF) || c == 0x200C ||
-           c == 0x200D || (c >= 0x2070 && c <= 0x218F) || (c >= 0x2C00 && c <= 0x2FEF) ||
-           (c >= 0x3001 && c <= 0xD7FF) || c >= 0xF900;
-}
 
 constexpr std::uint8_t startBit = 1;
 constexpr std::uint8_t nameBit = 2;
@@ -32,12 +27,14 @@ constexpr auto asciiClasses = [] {
 }();
 
 constexpr bool isNameStart(char16_t c) noexcept {
-    return c < asciiClasses.size() ? (asciiClasses[c] & startBit) != 0 : isWideNameStart(c);
+    if (c < asciiClasses.size()) return (asciiClasses[c] & startBit) != 0;
+    const XmlNameRange* const range = findXmlNameRange(c);
+    return range && range->isStart;
 }
 
 constexpr bool isNameUnit(char16_t c) noexcept {
     if (c < asciiClasses.size()) return (asciiClasses[c] & nameBit) != 0;
-    return isWideNameStart(c) || c == 0xB7 || (c >= 0x300 && c <= 0x36F) || c == 0x203F || c == 0x2040;
+    return findXmlNameRange(c) != nullptr;
 }
 
 /// A hash colour of one to three digits has one digit per channel; doubling the digit gives the byte.

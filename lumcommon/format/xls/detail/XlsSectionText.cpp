@@ -12,8 +12,9 @@ namespace {
 
 using Kind = XlsPieceKind;
 
-/// The letter of a field of the calendar or the clock; 0 for other pieces.
-char16_t letterOf(Kind kind) {
+/// The character that a piece repeats: a letter for a field of the calendar or the clock, a sign for a piece of a
+/// number or for a text; 0 for pieces that are written in another way.
+char16_t repeatedUnitOf(Kind kind) {
     switch (kind) {
         case Kind::YEAR:
             return u'y';
@@ -31,14 +32,6 @@ char16_t letterOf(Kind kind) {
             return u'g';
         case Kind::ERA_YEAR:
             return u'e';
-        default:
-            return 0;
-    }
-}
-
-/// The character that stands for a piece of a number or for a text; 0 for other pieces.
-char16_t signOf(Kind kind) {
-    switch (kind) {
         case Kind::FORCED_DIGIT:
             return u'0';
         case Kind::OPTIONAL_DIGIT:
@@ -68,10 +61,6 @@ public:
     void piece(const XlsPiece& piece);
 
 private:
-    void letters(char16_t letter, std::int32_t count) {
-        separate(letter);
-        repeat(letter, count);
-    }
     void repeat(char16_t unit, std::int32_t count) {
         for (std::int32_t i = 0; i < count; ++i) out_.append(unit);
     }
@@ -106,8 +95,10 @@ void SectionText::literal(const XlsPiece& piece) {
 }
 
 void SectionText::piece(const XlsPiece& piece) {
-    if (const char16_t letter = letterOf(piece.kind)) return letters(letter, piece.count);
-    if (const char16_t sign = signOf(piece.kind)) return repeat(sign, piece.count);
+    if (const char16_t unit = repeatedUnitOf(piece.kind)) {
+        if (isAsciiLetter(unit)) separate(unit);
+        return repeat(unit, piece.count);
+    }
     switch (piece.kind) {
         case Kind::LITERAL:
             return literal(piece);
@@ -137,7 +128,7 @@ void SectionText::piece(const XlsPiece& piece) {
         case Kind::ELAPSED_SECONDS:
             return elapsed(u's', piece.count);
         default:
-            return;  // unreachable: the others have a letter or a sign
+            return;  // unreachable: the others repeat a character
     }
 }
 
