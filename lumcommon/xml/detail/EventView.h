@@ -15,7 +15,7 @@ struct TagView {
     LumName namespaceUri;
 };
 
-/// One attribute. Unlike element names, a namespace without a prefix is always null.
+/// One attribute of a start tag; declarations of namespaces are attributes too.
 struct AttributeView {
     LumName prefix;
     LumName localName;

@@ -43,30 +43,16 @@ struct CachedName {
         const auto length = static_cast<std::size_t>(end - text);
         if (length <= size) return false;
         if (length < 4) return equals(text);
-        return ((loadFourUnits(text) ^ head) & headMask) == 0 && (size <= 4 || equalsAfterHead(text));
+        return ((loadFourUnits(text) ^ head) & headMask) == 0 && (size <= 4 || equals(text));
     }
     /// Whether `size` units at `text` are this name.
-    bool equals(const char16_t* text) const noexcept {
-        if (size >= 4) return loadFourUnits(text) == head && equalsAfterHead(text);
-        for (std::uint32_t i = 0; i < size; ++i) {
-            if (units[i] != text[i]) return false;
-        }
-        return true;
-    }
-
-private:
-    bool equalsAfterHead(const char16_t* text) const noexcept {
-        for (std::uint32_t i = 4; i + 4 < size; i += 4) {
-            if (loadFourUnits(units + i) != loadFourUnits(text + i)) return false;
-        }
-        return loadFourUnits(units + size - 4) == loadFourUnits(text + size - 4);
-    }
+    bool equals(const char16_t* text) const noexcept { return equalUnits(units, text, size); }
 };
 
 /// The qualified names that one parser has met: a name seen before costs one hash and one compare and takes no lock.
 ///
 /// The identifiers in it stay good while the parser's namespace manager holds the shared name table.
-/// Memory: about 40 bytes and the text for each different name.
+/// Memory: about 120 bytes and the text for each different name.
 class NameCache {
 public:
     NameCache();
