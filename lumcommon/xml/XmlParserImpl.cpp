@@ -2,12 +2,9 @@
 #include <lumcommon/xml/XmlParserImpl.h>
 #include <lumcommon/xml/detail/ExternalDtdReader.h>
 
-#include <cstdio>
-
 namespace LumCommon {
 
 namespace XmlError = detail::XmlError;
-using detail::EntityKind;
 using Declaration = detail::MarkupReader::Declaration;
 using detail::TokenKind;
 
@@ -38,26 +35,11 @@ bool XmlParserImpl::isWhitespace() const {
     return parts_.event.isWhitespace();
 }
 
-const UnicodeString& XmlParserImpl::getText() const {
-    if (!parts_.event.isViewed()) {
-        if (parts_.event.type == ENTITY_REF && !parts_.event.entityName.isNull()) {
-            parts_.event.viewValue(parts_.entities.lookup(EntityKind::General, parts_.event.entityName));
-        } else {
-            parts_.event.viewText();
-        }
-    }
-    return parts_.event.view();
-}
-
 LumName XmlParserImpl::getNamespace() const { return isTag() ? tags_.element().namespaceUri : LumName(); }
 
 LumName XmlParserImpl::getName() const {
     if (isTag()) return tags_.element().localName;
-    if (parts_.event.type != ENTITY_REF) return LumName();
-    if (!parts_.event.entityName.isNull()) return parts_.event.entityName;
-    char name[16];
-    const int size = std::snprintf(name, sizeof name, "#x%X", static_cast<unsigned>(parts_.event.entityChar));
-    return LumName(UnicodeString(name, size, US_INV));
+    return parts_.event.type == ENTITY_REF ? parts_.event.referenceName() : LumName();
 }
 
 LumName XmlParserImpl::getPrefix() const { return isTag() ? tags_.element().prefix : LumName(); }
@@ -131,20 +113,12 @@ bool XmlParserImpl::readToken(bool isTextPending) {
                 if (readDeclaration() || isTextPending) return true;
                 break;
             case TokenKind::Reference:
-                readReference();
+                parts_.readReference();
                 return true;
             default:
                 return false;
         }
     }
-}
-
-void XmlParserImpl::readReference() {
-    parts_.event.next = TokenKind::Unknown;
-    parts_.event.type = ENTITY_REF;
-    parts_.event.entityChar = parts_.references.read(parts_.event.entityName);
-    if (parts_.event.entityName.isNull() && parts_.event.entityChar != 0)
-        parts_.event.text.units().appendCodePoint(parts_.event.entityChar);
 }
 
 bool XmlParserImpl::readDeclaration() {
@@ -195,12 +169,38 @@ bool XmlParserImpl::endsText(TokenKind following) {
     return true;
 }
 
+inline bool XmlParserImpl::readPlainEvent(bool& isTextPending) {
+    detail::ParserEvent& event = parts_.event;
+    if (event.next == TokenKind::EmptyTag || !(isTag() || (event.type == TEXT && isLookedUp(event.next)))) return false;
+    const TokenKind kind = parts_.markup.lookAtWindow();
+    if (kind < TokenKind::StartTag || kind > TokenKind::Text) return false;
+    const bool closes = event.type == END_TAG;
+    if (kind == TokenKind::Text && getDepth() <= (closes ? 1 : 0)) return false;
+    event.setTextStart(0);
+    event.entityName = LumName();
+    if (closes) tags_.closeElement();
+    if (kind == TokenKind::StartTag) {
+        tags_.readStartTag();
+    } else if (kind == TokenKind::EndTag) {
+        tags_.readEndTag();
+    } else {
+        parts_.markup.readText();
+        isTextPending = !endsText(parts_.markup.lookAhead());
+    }
+    return !isTextPending;
+}
+
 LumXmlParser::EventType XmlParserImpl::next() {
     parts_.event.text.clear();
     bool isTextPending = false;
+    // Nearly always a tag follows a tag, or text does that the next tag ends.
+    return readPlainEvent(isTextPending) ? parts_.event.type : readJoinedEvent(isTextPending);
+}
+
+LumXmlParser::EventType XmlParserImpl::readJoinedEvent(bool isTextPending) {
     for (;;) {
         parts_.event.textStart = parts_.event.text.size();
-        if (parts_.event.next == TokenKind::Reference && getDepth() > 0) {
+        if (parts_.event.next == TokenKind::Reference && parts_.event.type == TEXT && getDepth() > 0) {
             // The character that such a reference stands for is text, whatever it is.
             if (const std::int32_t c = parts_.references.readSimple(); c >= 0) {
                 parts_.event.text.units().appendCodePoint(c);

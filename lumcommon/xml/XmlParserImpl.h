@@ -51,7 +51,7 @@ public:
     int getLineNumber() const override { return parts_.inputs.position().line; }
     int getColumnNumber() const override { return parts_.inputs.position().column; }
     bool isWhitespace() const override;
-    const UnicodeString& getText() const override;
+    const UnicodeString& getText() const override { return parts_.eventText(); }
     LumName getNamespace() const override;
     LumName getName() const override;
     LumName getPrefix() const override;
@@ -90,9 +90,10 @@ private:
     // `isTextPending`: next() holds text, which a construct that makes no event joins with the text after it. Such a
     // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
     EventType readEvent(bool isTextPending);
+    bool readPlainEvent(bool& isTextPending);  // false: there is more to it
+    EventType readJoinedEvent(bool isTextPending);
     bool readToken(bool isTextPending);  // false at the end of the input
-    void readReference();
-    bool readDeclaration();  // whether there is an event to report
+    bool readDeclaration();              // whether there is an event to report
     void readDocType();
     bool endsText(detail::TokenKind following);
 

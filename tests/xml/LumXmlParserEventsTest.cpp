@@ -131,4 +131,23 @@ TEST(LumXmlParserErrors, stopWhenTheCallbackThrowsAndAreThrownAgainWithoutIt) {
                       [&] { parser->next(); });
 }
 
+// What a listener has been shown goes away when the text or the values grow.
+TEST(LumXmlParserErrors, letAListenerLookAtWhatIsBeingRead) {
+    struct Seen {
+        LumPtr<LumXmlParser> parser;
+        std::string text;
+    } seen;
+    const std::string more(1000, 'x');
+    const std::string document = "<a b='v' c='<' d='" + more + "<'>t]]>" + more + "]]></a>";
+    PieceStream in(document);
+    const auto look = [](const LumError&, void* data) {
+        auto& [parser, text] = *static_cast<Seen*>(data);
+        const bool isTag = parser->getEventType() == LumXmlParser::START_TAG;
+        text += utf8(isTag ? parser->getAttributeValue(0) : parser->getText()) + "|";
+    };
+    seen.parser = openParser(in, {.onError = look, .onErrorData = &seen});
+    while (seen.parser->next() != LumXmlParser::END_DOCUMENT) continue;
+    EXPECT_EQ(seen.text, "v|v|t]]|t]]|");
+}
+
 }  // namespace

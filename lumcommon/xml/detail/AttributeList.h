@@ -16,9 +16,8 @@ struct Attribute {
     QName name;
     LumName namespaceUri;
     std::uint32_t valueSize;
-    const char16_t* value;      // where it was read; null: in the text of the list
-    std::uint32_t valueStart;   // there
-    const CachedName* written;  // null where the cache does not know the name
+    const char16_t* value;     // where it was read; null: in the text of the list
+    std::uint32_t valueStart;  // there
 };
 
 /// The attributes of one start tag. Plain values stay in the window as long as it stays; the others lie one after the
@@ -32,9 +31,9 @@ public:
         viewCount_ = 0;
     }
     /// @param value  stays where it is until takeOver() is called.
-    Attribute& add(const QName& name, const CachedName* written, std::u16string_view value) {
+    Attribute& add(const QName& name, std::u16string_view value) {
         return attributes_.emplace_back(
-            Attribute{name, LumName(), static_cast<std::uint32_t>(value.size()), value.data(), 0, written});
+            Attribute{name, LumName(), static_cast<std::uint32_t>(value.size()), value.data(), 0});
     }
     /// Copies the value of an attribute.
     void takeOver(Attribute& attribute);

@@ -222,7 +222,7 @@ TextPosition InputStack::positionOf(std::size_t frameIndex) const {
     if (frame.kind == Frame::Stream) return frame.input->getPosition(cursor);
     // A literal is read a second time: counting continues from its end.
     TextPosition position = positionOf(frameIndex - 1);
-    position.advance(frame.start, cursor.high);
+    position.advance(frame.start, cursor.high, true);
     return position;
 }
 

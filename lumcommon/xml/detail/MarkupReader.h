@@ -21,6 +21,8 @@ public:
 
     /// The kind of the next token, whose beginning is then read, except for a start tag's name and text.
     TokenKind lookAhead();
+    /// The same where a look at the window tells; Unknown, and nothing read, otherwise.
+    TokenKind lookAtWindow();
 
     void readText();
     /// Outside of all elements: white space is a separate event, and other text is wrong.
@@ -51,19 +53,18 @@ private:
     ErrorReporter& errors_;
 };
 
-inline TokenKind MarkupReader::lookAhead() {
+inline TokenKind MarkupReader::lookAtWindow() {
     if (isLookedUp(event_.next)) return event_.next;
-    // Nearly always a look at the window is enough.
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const start = cursor.cur;
-    if (cursor.end - start < 2 || U16_IS_SURROGATE(start[0]) || start[0] == notACharacter) return lookAheadSlow();
+    if (cursor.end - start < 2 || U16_IS_SURROGATE(start[0]) || start[0] == notACharacter) return TokenKind::Unknown;
     if (start[0] != '<') {
         cursor.touch(start + 1);
         if (start[0] != '&') return event_.next = TokenKind::Text;
         cursor.cur = start + 1;
         return event_.next = TokenKind::Reference;
     }
-    if (U16_IS_SURROGATE(start[1])) return lookAheadSlow();
+    if (U16_IS_SURROGATE(start[1])) return TokenKind::Unknown;
     cursor.touch(start + 2);
     cursor.cur = start + 2;
     switch (start[1]) {
@@ -77,6 +78,11 @@ inline TokenKind MarkupReader::lookAhead() {
             cursor.cur = start + 1;
             return event_.next = TokenKind::StartTag;
     }
+}
+
+inline TokenKind MarkupReader::lookAhead() {
+    const TokenKind kind = lookAtWindow();
+    return kind == TokenKind::Unknown ? lookAheadSlow() : kind;
 }
 
 }  // namespace LumCommon::detail

@@ -17,7 +17,7 @@ constexpr std::u16string_view entityTexts[] = {
 };
 
 constexpr std::size_t placeCount = std::size(entityTexts);
-static_assert(placeCount == mathMLEntityCount + 1);
+static_assert(placeCount == 2086 + 1);
 
 constexpr Vocabulary<placeCount>::Rows entityNames = {{
     {},
@@ -33,11 +33,6 @@ constinit const Vocabulary<placeCount> vocabulary{entityNames};
 
 std::u16string_view findMathMLEntity(std::u16string_view name) noexcept {
     return entityTexts[vocabulary.find(name.data(), name.size())];
-}
-
-MathMLEntity getMathMLEntity(std::size_t index) noexcept {
-    if (index >= mathMLEntityCount) return {};
-    return {vocabulary.at(index + 1), entityTexts[index + 1]};
 }
 
 }  // namespace LumCommon::detail

@@ -6,7 +6,7 @@ namespace LumCommon::detail {
 
 namespace {
 
-constexpr std::size_t initialSlots = 512;
+constexpr std::size_t initialSlots = 256;
 constexpr std::size_t blockUnits = 4096;
 
 }  // namespace
@@ -43,11 +43,15 @@ const CachedName* NameCache::add(const char16_t* text, std::size_t size, LumName
         }
     }
     const char16_t* const kept = keep(text, size);
-    names_.push_back({.units = kept,
-                      .size = static_cast<std::uint32_t>(size),
-                      .prefix = prefix,
-                      .localName = localName,
-                      .bindsPrefix = bindsPrefix(prefix, localName)});
+    CachedName& name = names_.emplace_back(CachedName{.units = kept,
+                                                      .size = static_cast<std::uint32_t>(size),
+                                                      .prefix = prefix,
+                                                      .localName = localName,
+                                                      .bindsPrefix = bindsPrefix(prefix, localName)});
+    for (unsigned i = 0; i < std::min<std::size_t>(size, 4); ++i) {
+        name.head |= std::uint64_t{text[i]} << (16 * i);
+        name.headMask |= std::uint64_t{0xFFFF} << (16 * i);
+    }
     insert({hash(text, size), &names_.back()});
     return &names_.back();
 }

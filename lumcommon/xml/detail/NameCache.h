@@ -24,24 +24,39 @@ struct CachedName {
     LumNameEnum prefix;
     LumNameEnum localName;
     bool bindsPrefix;
-    // The name that came after this one last time. Documents repeat themselves: comparing with a good guess is cheaper
-    // than finding the end of a name and hashing it.
+    // The name that came after this one last time, and another that has. Documents repeat themselves: comparing with a
+    // good guess is cheaper than finding the end of a name and hashing it.
     mutable const CachedName* following = nullptr;
+    mutable const CachedName* followingElse = nullptr;
     // Notes of the reader of tags: the namespace of the prefix while the bindings are those of that number, and the
     // last tag that had an attribute of this name.
     mutable std::uint64_t bindings = 0;
     mutable std::uint64_t lastTag = 0;
     mutable LumNameEnum namespaceUri = NAME_NULL;
 
+    // The first four units, the first in the lowest bits, and a mask of those that there are.
+    std::uint64_t head = 0;
+    std::uint64_t headMask = 0;
+
+    /// Whether text begins with this name, and does not end with it.
+    bool begins(const char16_t* text, const char16_t* end) const noexcept {
+        const auto length = static_cast<std::size_t>(end - text);
+        if (length <= size) return false;
+        if (length < 4) return equals(text);
+        return ((loadFourUnits(text) ^ head) & headMask) == 0 && (size <= 4 || equalsAfterHead(text));
+    }
     /// Whether `size` units at `text` are this name.
-    bool matches(const char16_t* text) const noexcept {
-        if (size < 4) {
-            for (std::uint32_t i = 0; i < size; ++i) {
-                if (units[i] != text[i]) return false;
-            }
-            return true;
+    bool equals(const char16_t* text) const noexcept {
+        if (size >= 4) return loadFourUnits(text) == head && equalsAfterHead(text);
+        for (std::uint32_t i = 0; i < size; ++i) {
+            if (units[i] != text[i]) return false;
         }
-        for (std::uint32_t i = 0; i + 4 < size; i += 4) {
+        return true;
+    }
+
+private:
+    bool equalsAfterHead(const char16_t* text) const noexcept {
+        for (std::uint32_t i = 4; i + 4 < size; i += 4) {
             if (loadFourUnits(units + i) != loadFourUnits(text + i)) return false;
         }
         return loadFourUnits(units + size - 4) == loadFourUnits(text + size - 4);
@@ -62,7 +77,7 @@ public:
         for (std::uint32_t i = h & mask_;; i = (i + 1) & mask_) {
             const Slot& slot = slots_[i];
             if (!slot.name) return nullptr;
-            if (slot.hash == h && slot.name->size == size && slot.name->matches(text)) return slot.name;
+            if (slot.hash == h && slot.name->size == size && slot.name->equals(text)) return slot.name;
         }
     }
 

@@ -1,5 +1,6 @@
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
 #include <unicode/utf16.h>
@@ -75,14 +76,16 @@ bool NameReader::readQName(QName& name) {
     return !name.localName.isNull();
 }
 
-const CachedName* NameReader::readQNameFast() {
+const CachedName* NameReader::find(const char16_t* p, const char16_t* end) noexcept {
+    const char16_t* const nameEnd = findNameEnd(p, end);
+    if (nameEnd == end) return nullptr;
+    const CachedName* const name = cache_.find(p, static_cast<std::size_t>(nameEnd - p));
+    return name ? follow(name) : nullptr;
+}
+
+const CachedName* NameReader::readNewQName() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const start = cursor.cur;
-    if (const CachedName* const name = match(start, cursor.end)) {
-        cursor.cur = start + name->size;
-        cursor.touch(cursor.cur + 1);
-        return name;
-    }
     const char16_t* p = start;
     while (p != cursor.end && isQNameUnit(*p)) ++p;
     if (p == cursor.end || U16_IS_SURROGATE(*p) || p == start) return nullptr;

@@ -29,21 +29,31 @@ public:
     /// a look at that does not settle it. Reads nothing.
     const CachedName* match(const char16_t* p, const char16_t* end) noexcept {
         if (const CachedName* const guess = last_->following;
-            guess && static_cast<std::size_t>(end - p) > guess->size && guess->matches(p)) {
-            const char16_t next = p[guess->size];
-            if (next == '=' || next == '>' || next == '/' || next <= ' ') return last_ = guess;
+            guess && guess->begins(p, end) && endsName(p[guess->size])) {
+            return last_ = guess;
         }
-        const char16_t* const nameEnd = findNameEnd(p, end);
-        if (nameEnd == end) return nullptr;
-        const CachedName* const name = cache_.find(p, static_cast<std::size_t>(nameEnd - p));
-        return name ? follow(name) : nullptr;
+        if (const CachedName* const guess = last_->followingElse;
+            guess && guess->begins(p, end) && endsName(p[guess->size])) {
+            return follow(guess);
+        }
+        return find(p, end);
     }
     /// A name that lies in the window as a whole; null, and nothing read, when it takes more than a look at the window.
-    const CachedName* readQNameFast();
+    const CachedName* readQNameFast() {
+        XmlCursor& cursor = inputs_.cursor();
+        const CachedName* const name = match(cursor.cur, cursor.end);
+        if (!name) return readNewQName();
+        cursor.cur += name->size;
+        cursor.touch(cursor.cur + 1);
+        return name;
+    }
 
 private:
     void scanNCName();
+    const CachedName* find(const char16_t* p, const char16_t* end) noexcept;
+    const CachedName* readNewQName();
     const CachedName* follow(const CachedName* name) noexcept {
+        last_->followingElse = last_->following;
         last_->following = name;
         return last_ = name;
     }

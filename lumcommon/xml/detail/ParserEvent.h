@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 
 namespace LumCommon::detail {
@@ -65,6 +66,14 @@ public:
     bool isWhitespace() const noexcept {
         const std::u16string_view units = textView();
         return std::all_of(units.begin(), units.end(), [](char16_t unit) { return isXmlSpace(unit); });
+    }
+
+    /// Of a reference: "#x" and a number for a character.
+    LumName referenceName() const {
+        if (!entityName.isNull()) return entityName;
+        char name[16];
+        const int size = std::snprintf(name, sizeof name, "#x%X", static_cast<unsigned>(entityChar));
+        return LumName(UnicodeString(name, size, US_INV));
     }
 
     /// The text as a string, once one of the functions below has made it.

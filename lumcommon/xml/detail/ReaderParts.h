@@ -41,6 +41,24 @@ struct ReaderParts {
         entities.reset();
         declarations.reset();
     }
+    /// The text of the current event: that of an entity for a reference to it.
+    const UnicodeString& eventText() const {
+        if (!event.isViewed()) {
+            if (event.type == LumXmlParser::ENTITY_REF && !event.entityName.isNull()) {
+                event.viewValue(entities.lookup(EntityKind::General, event.entityName));
+            } else {
+                event.viewText();
+            }
+        }
+        return event.view();
+    }
+    /// Reads what follows "&" as an event of its own.
+    void readReference() {
+        event.next = TokenKind::Unknown;
+        event.type = LumXmlParser::ENTITY_REF;
+        event.entityChar = references.read(event.entityName);
+        if (event.entityName.isNull() && event.entityChar != 0) event.text.units().appendCodePoint(event.entityChar);
+    }
     /// Reads the beginning of the document: what tells its encoding, and the XML declaration or instruction there.
     void start() {
         inputs.start();

@@ -56,10 +56,6 @@ void TagReader::bindDocType(const UnicodeString& publicId) {
     bind(NAME_xlink, nameOf(xlinkNamespace));
 }
 
-inline bool TagReader::bindsOwn() const noexcept {
-    return open_.size() == 1 || open_.back().scopes != open_[open_.size() - 2].scopes;
-}
-
 void TagReader::bind(LumName prefix, LumName uri) {
     if (namespaces_->lookupNamespace(prefix) == uri) return;
     OpenElement& element = open_.back();
@@ -102,7 +98,7 @@ void TagReader::readStartTag() {
     if (isRootSeen_ && depth() == 0) errors_.report(XmlError::SecondRoot);
     QName name;
     const CachedName* const cached = names_.readQNameFast();
-    if (cached) {
+    if (cached) [[likely]] {
         name = {cached->prefix, cached->localName};
     } else {
         const std::int32_t c = inputs_.readChar();
@@ -116,17 +112,21 @@ void TagReader::readStartTag() {
     if (!isRootSeen_) rootName_ = name.localName;
     // The tag has its names once they are resolved.
     const OpenElement& parent = open_.back();
-    open_.push_back({{}, cached, parent.scopes, parent.bindings});
+    open_.push_back({{}, parent.scopes, cached, parent.bindings});
     attributes_.clear();
-    readAttributes();
-    finishStartTag();
+    if (inputs_.isNext(u'>')) {
+        inputs_.readChar();
+    } else {
+        readAttributes();
+        finishStartTag();
+    }
     if (depth() == 1) bindRootNamespaces(name.localName);
     const LumName uri = cached ? namespaceOf(*cached) : namespaces_->lookupNamespace(name.prefix);
     if (!isRootSeen_) rootNamespace_ = uri;
     if (uri.isNull() && !name.prefix.isNull()) errors_.report(XmlError::UndeclaredPrefix, name.prefix.getString());
     open_.back().names = {name.prefix, name.localName, uri};
     isRootSeen_ = true;
-    if (hasPrefixes_ || mayRepeat_) resolveAttributes();
+    if (!attributes_.empty() && (hasPrefixes_ || mayRepeat_)) resolveAttributes();
 }
 
 void TagReader::readAttributes() {
@@ -146,7 +146,7 @@ inline Attribute& TagReader::addAttribute(const QName& name, const CachedName* w
         mayRepeat_ = true;
     }
     hasPrefixes_ |= !name.prefix.isNull();
-    return attributes_.add(name, written, value);
+    return attributes_.add(name, value);
 }
 
 bool TagReader::readPlainAttributes() {
@@ -249,15 +249,17 @@ void TagReader::bindRootNamespaces(LumName localName) {
 void TagReader::resolveAttributes() {
     // Different names as written are different attributes, unless two prefixes stand for one namespace.
     bool needsCheck = mayRepeat_;
-    const Attribute* qualified = nullptr;
+    LumName prefix;  // of the attribute before that is in a namespace
+    LumName uri;
     for (std::size_t i = 0; i < attributes_.size() && !needsCheck; ++i) {
         Attribute& attribute = attributes_[i];
         if (attribute.namespaceUri.isNull()) {
             if (attribute.name.prefix.isNull()) continue;
-            attribute.namespaceUri = namespaceOf(*attribute.written);
+            attribute.namespaceUri = attribute.name.prefix == prefix ? uri : lookupNamespace(attribute.name.prefix);
         }
-        needsCheck = attribute.namespaceUri.isNull() || (qualified && qualified->name.prefix != attribute.name.prefix);
-        qualified = &attribute;
+        needsCheck = attribute.namespaceUri.isNull() || (!uri.isNull() && prefix != attribute.name.prefix);
+        prefix = attribute.name.prefix;
+        uri = attribute.namespaceUri;
     }
     if (needsCheck) checkAttributes();
 }
@@ -289,21 +291,7 @@ std::size_t TagReader::findAttribute(LumName namespaceUri, LumName localName) co
     return i;
 }
 
-bool TagReader::readEndTagFast() {
-    const CachedName* const open = open_.back().written;
-    XmlCursor& cursor = inputs_.cursor();
-    if (!open || static_cast<std::size_t>(cursor.end - cursor.cur) <= open->size) return false;
-    const char16_t* const end = cursor.cur + open->size;
-    if (*end != '>' || !open->matches(cursor.cur)) return false;
-    cursor.cur = end + 1;
-    cursor.touch(cursor.cur);
-    return true;
-}
-
-void TagReader::readEndTag() {
-    event_.type = LumXmlParser::END_TAG;
-    event_.next = TokenKind::Unknown;
-    if (readEndTagFast()) return;
+void TagReader::readOtherEndTag() {
     std::int32_t c = inputs_.readChar();
     if (isXmlSpace(c)) {
         errors_.report(XmlError::UnexpectedSpace, u"</");
@@ -319,12 +307,6 @@ void TagReader::readEndTag() {
     inputs_.skipWhitespace();
     c = inputs_.readChar();
     if (c != '>') errors_.report(XmlError::UnexpectedChar, charText(c));
-}
-
-void TagReader::closeElement() {
-    if (depth() == 0) return;
-    if (bindsOwn()) namespaces_->popScope();
-    open_.pop_back();
 }
 
 }  // namespace LumCommon::detail

@@ -4,6 +4,7 @@
 #include <lumcommon/xml/detail/AttributeList.h>
 #include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/ParserEvent.h>
 
 #include <cstdint>
 #include <vector>
@@ -11,9 +12,7 @@
 namespace LumCommon::detail {
 
 class ErrorReporter;
-class InputStack;
 class LiteralReader;
-class ParserEvent;
 class ParserPolicy;
 
 /// Reads start and end tags, and knows the elements that are open and the namespaces that are bound in them.
@@ -26,9 +25,22 @@ public:
 
     // After "<" and "</".
     void readStartTag();
-    void readEndTag();
+    void readEndTag() {
+        event_.type = LumXmlParser::END_TAG;
+        event_.next = TokenKind::Unknown;
+        // Nearly always it is the name of the start tag as it was written.
+        const CachedName* const open = open_.back().written;
+        XmlCursor& cursor = inputs_.cursor();
+        if (!open || !open->begins(cursor.cur, cursor.end) || cursor.cur[open->size] != '>') return readOtherEndTag();
+        cursor.cur += open->size + 1;
+        cursor.touch(cursor.cur);
+    }
     /// Leaves the innermost element, after its end has been reported.
-    void closeElement();
+    void closeElement() {
+        if (depth() == 0) return;
+        if (bindsOwn()) namespaces_->popScope();
+        open_.pop_back();
+    }
     /// Binds the namespaces that a document type implies outside of all elements.
     void bindDocType(const UnicodeString& publicId);
 
@@ -53,8 +65,8 @@ public:
 private:
     struct OpenElement {
         TagView names;
-        const CachedName* written;  // null where the cache does not know the name
         int scopes;                 // of namespaces_ that are open in it
+        const CachedName* written;  // null where the cache does not know the name
         std::uint64_t bindings;     // a number that no other set of bindings has had
     };
 
@@ -67,11 +79,13 @@ private:
     void finishStartTag();
     void bind(LumName prefix, LumName uri);
     void bindRootNamespaces(LumName localName);
-    bool bindsOwn() const noexcept;
+    bool bindsOwn() const noexcept {
+        return open_.size() == 1 || open_.back().scopes != open_[open_.size() - 2].scopes;
+    }
     LumName namespaceOf(const CachedName& name) const;
     void resolveAttributes();
     void checkAttributes();
-    bool readEndTagFast();
+    void readOtherEndTag();
 
     ParserEvent& event_;
     InputStack& inputs_;

@@ -2,12 +2,36 @@
 
 #include <lumcommon/xml/detail/XmlChars.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
-/// Searches for the few units at which a scanner has to stop, eight units a step where the processor can.
+/// Searches for the few units at which a scanner has to stop, sixteen units a step where the processor can.
 namespace LumCommon::detail {
+
+#if defined(__SSE2__)
+namespace scan {
+
+/// Sixteen units as bytes. Those above U+00FF become 0xFF, and 0 from U+8000, which the tests below must tolerate.
+inline __m128i loadNarrow(const char16_t* p) noexcept {
+    return _mm_packus_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
+                            _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8)));
+}
+inline __m128i isEqual(__m128i units, char c) noexcept { return _mm_cmpeq_epi8(units, _mm_set1_epi8(c)); }
+inline __m128i isAtMost(__m128i units, char c) noexcept {
+    return _mm_cmpeq_epi8(_mm_min_epu8(units, _mm_set1_epi8(c)), units);
+}
+/// The place of the first hit; 16 when there is none.
+inline std::size_t firstHit(__m128i hits) noexcept {
+    const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits));
+    return static_cast<std::size_t>(__builtin_ctz(mask | 0x10000u));
+}
+
+}  // namespace scan
+#endif
 
 /// The first unit that equals `wanted`; `end` when there is none.
 inline const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t wanted) noexcept {
@@ -24,39 +48,44 @@ inline const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t
     return p;
 }
 
-/// The first unit that ends a name in a tag of the usual form: "=", ">", "/", a blank or a control character; `end`
-/// when there is none. What stands before it need not be a name.
+/// Whether a unit ends a name in a tag of the usual form: "=", ">", "/", a blank or a control character.
+inline bool endsName(char16_t unit) noexcept {
+    constexpr std::uint64_t ends = (std::uint64_t{2} << ' ') - 1 + (std::uint64_t{1} << '/') +
+                                   (std::uint64_t{1} << '=') + (std::uint64_t{1} << '>');
+    return unit < 64 && (ends >> unit & 1) != 0;
+}
+
+/// The first unit that ends a name; `end` when there is none. What stands before it need not be a name.
 inline const char16_t* findNameEnd(const char16_t* p, const char16_t* end) noexcept {
 #if defined(__SSE2__)
-    const __m128i slash = _mm_set1_epi16('/');
-    const __m128i equals = _mm_set1_epi16('=');
-    const __m128i greater = _mm_set1_epi16('>');
-    const __m128i blank = _mm_set1_epi16(' ');
-    const __m128i zero = _mm_setzero_si128();
-    for (; end - p >= 8; p += 8) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const __m128i isSpace = _mm_cmpeq_epi16(_mm_subs_epu16(v, blank), zero);
-        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, equals), _mm_cmpeq_epi16(v, greater)),
-                                          _mm_or_si128(_mm_cmpeq_epi16(v, slash), isSpace));
-        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits))) return p + __builtin_ctz(mask) / 2;
+    while (end - p >= 16) {
+        const __m128i units = scan::loadNarrow(p);
+        const std::size_t place =
+            scan::firstHit(_mm_or_si128(_mm_or_si128(scan::isEqual(units, '='), scan::isEqual(units, '>')),
+                                        _mm_or_si128(scan::isEqual(units, '/'), scan::isAtMost(units, ' '))));
+        p += place;
+        if (place == 16) continue;
+        if (*p < 0x8000) return p;
+        ++p;
     }
 #endif
-    while (p != end && *p != '=' && *p != '>' && *p != '/' && *p > ' ') ++p;
+    while (p != end && !endsName(*p)) ++p;
     return p;
 }
 
 /// The first unit that ends a run of text: "<", "&", "]" or U+FFFF; `end` when there is none.
 inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexcept {
 #if defined(__SSE2__)
-    const __m128i lessThan = _mm_set1_epi16('<');
-    const __m128i ampersand = _mm_set1_epi16('&');
-    const __m128i bracket = _mm_set1_epi16(']');
     const __m128i noCharacter = _mm_set1_epi16(static_cast<short>(notACharacter));
-    for (; end - p >= 8; p += 8) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, lessThan), _mm_cmpeq_epi16(v, ampersand)),
-                                          _mm_or_si128(_mm_cmpeq_epi16(v, bracket), _mm_cmpeq_epi16(v, noCharacter)));
-        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits))) return p + __builtin_ctz(mask) / 2;
+    for (; end - p >= 16; p += 16) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+        const __m128i units = _mm_packus_epi16(a, b);
+        const __m128i none = _mm_packs_epi16(_mm_cmpeq_epi16(a, noCharacter), _mm_cmpeq_epi16(b, noCharacter));
+        const std::size_t place =
+            scan::firstHit(_mm_or_si128(_mm_or_si128(scan::isEqual(units, '<'), scan::isEqual(units, '&')),
+                                        _mm_or_si128(scan::isEqual(units, ']'), none)));
+        if (place != 16) return p + place;
     }
 #endif
     while (p != end && *p != '<' && *p != '&' && *p != ']' && *p != notACharacter) ++p;
@@ -65,6 +94,7 @@ inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexc
 
 /// The first unit at which an attribute value stops being plain text: the delimiter, "&", "<", or a unit below
 /// U+0020; `end` when there is none.
+/// @param delimiter  an ASCII character.
 inline const char16_t* findValueEnd(const char16_t* p, const char16_t* end, char16_t delimiter) noexcept {
 #if defined(__SSE2__)
     const __m128i quote = _mm_set1_epi16(static_cast<short>(delimiter));

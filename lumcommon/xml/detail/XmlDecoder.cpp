@@ -185,8 +185,10 @@ void XmlDecoder::put(Run& run, std::int32_t c) noexcept {
     if (isSecondHalf) return;
     if (c == '\r' || c == 0x85 || c == 0x2028) c = '\n';
     if (c < 0x10000) {
+        if (U16_IS_LEAD(c)) hasSurrogates = true;
         *run.to++ = static_cast<char16_t>(c);
     } else {
+        hasSurrogates = true;
         *run.to++ = U16_LEAD(c);
         *run.to++ = U16_TRAIL(c);
     }

@@ -27,6 +27,8 @@ enum class XmlEncoding : int {
 class XmlDecoder {
 public:
     XmlEncoding encoding = XmlEncoding::Undecided;
+    /// Set when a high surrogate is written: only then can two units be one character.
+    bool hasSurrogates = false;
 
     /// Decodes from [from, fromEnd) to [to, toEnd), which takes at least 32 units.
     /// @param isLast    no bytes follow: what is incomplete becomes U+FFFD.

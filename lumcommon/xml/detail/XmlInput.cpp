@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace LumCommon::detail {
 
@@ -11,7 +12,8 @@ namespace {
 
 constexpr std::size_t blockBytes = 32768;
 constexpr std::size_t windowUnits = 8192;  // small enough to stay in the first-level cache while it is scanned
-constexpr std::size_t putBackUnits = 16;   // more than any look-ahead pushes back
+constexpr std::ptrdiff_t maxNotedUnits = 256;
+constexpr std::size_t putBackUnits = 16;  // more than any look-ahead pushes back
 
 /// Leaves the state that an extraction would leave, except where the stream is set to throw for it: there it has not
 /// failed.
@@ -49,7 +51,10 @@ private:
     std::vector<unsigned char> block_;
 };
 
-XmlInput::XmlInput() : bytes_(blockBytes), window_(new char16_t[putBackUnits + windowUnits]()) {
+XmlInput::XmlInput()
+    : bytes_(new unsigned char[blockBytes]),  // without clearing either: small documents would feel it
+      window_(new char16_t[putBackUnits + windowUnits]) {
+    std::fill_n(window_.get(), putBackUnits, u'\0');
     counted_ = window_.get() + putBackUnits;
 }
 
@@ -70,7 +75,7 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
     }
     std::string name;
     charset.toUTF8String(name);
-    auto remainder = std::make_unique<Remainder>(*stream_, bytes_.data() + byteStart_, bytes_.data() + byteEnd_);
+    auto remainder = std::make_unique<Remainder>(*stream_, bytes_.get() + byteStart_, bytes_.get() + byteEnd_);
     auto converted = std::make_unique<LumKobStream>(&remainder->stream, name.c_str());
     if (!converted->is_open()) return false;
     remainder_ = std::move(remainder);
@@ -91,19 +96,19 @@ std::istream* XmlInput::source() noexcept { return converted_ ? converted_.get()
 bool XmlInput::fillBytes() {
     if (isAtEnd_) return false;
     if (byteStart_ > 0) {
-        std::memmove(bytes_.data(), bytes_.data() + byteStart_, byteEnd_ - byteStart_);
+        std::memmove(bytes_.get(), bytes_.get() + byteStart_, byteEnd_ - byteStart_);
         byteEnd_ -= byteStart_;
         byteStart_ = 0;
     }
     std::istream* const in = source();
     std::streambuf* const buffer = in->rdbuf();
-    const std::size_t room = bytes_.size() - byteEnd_;
+    const std::size_t room = blockBytes - byteEnd_;
     std::streamsize count = 0;
     try {
         if (buffer && !in->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
             // A buffer that cannot tell what it holds has at least the byte just looked at.
             const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
-            count = buffer->sgetn(reinterpret_cast<char*>(bytes_.data() + byteEnd_),
+            count = buffer->sgetn(reinterpret_cast<char*>(bytes_.get() + byteEnd_),
                                   std::min(available, static_cast<std::streamsize>(room)));
         }
     } catch (const abi::__forced_unwind&) {
@@ -135,36 +140,37 @@ bool XmlInput::refill(XmlCursor& cursor) {
         if (feedsEnd_) {
             position_ = positionBy(feedsEnd_, cursor.end);
         } else {
-            position_.advance(counted_, cursor.end);
+            position_.advance(counted_, cursor.end, decoder_.hasSurrogates);
         }
         // Units that were pushed back into the window before it was first filled lie in front of `base` too.
         const std::size_t kept =
             std::min<std::size_t>(putBackUnits, static_cast<std::size_t>(cursor.cur - window_.get()));
         std::memmove(base - kept, cursor.cur - kept, kept * sizeof(char16_t));
     }
+    decoder_.hasSurrogates = false;
     char16_t* to = base;
     char16_t* const toEnd = base + windowUnits;
     do {
-        const unsigned char* from = bytes_.data() + byteStart_;
-        const unsigned char* const fromEnd = bytes_.data() + byteEnd_;
+        const unsigned char* from = bytes_.get() + byteStart_;
+        const unsigned char* const fromEnd = bytes_.get() + byteEnd_;
         if (from != fromEnd) decoder_.decode(from, fromEnd, isAtEnd_, to, toEnd, isLeashed_);
-        byteStart_ = static_cast<std::size_t>(from - bytes_.data());
+        byteStart_ = static_cast<std::size_t>(from - bytes_.get());
     } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
     counted_ = base;
     feedsEnd_ = nullptr;
-    hasLooked_ = false;
     cursor = {base, to, base};
     return to != base;
 }
 
 TextPosition XmlInput::countPosition(const XmlCursor& cursor) {
     if (!cursor.cur) return position_;
-    if (cursor.high > counted_) {
-        position_.advance(counted_, cursor.high);
+    const std::ptrdiff_t distance = cursor.high - counted_;
+    if (distance > 0) {
+        position_.advance(counted_, cursor.high, decoder_.hasSurrogates);
         counted_ = cursor.high;
     }
-    if (hasLooked_) return position_;
-    hasLooked_ = true;
+    // Long ways are counted as fast as they would be noted.
+    if (distance > maxNotedUnits || decoder_.hasSurrogates) return position_;
     if (!feeds_) feeds_.reset(new std::uint16_t[windowUnits]);
     feedsEnd_ = findLineFeeds(counted_, cursor.end, feeds_.get());
     nextFeed_ = feeds_.get();
@@ -181,7 +187,6 @@ void XmlInput::pushUncounted(XmlCursor& cursor, char16_t unit) {
     cursor.high = cursor.end;
     counted_ = cursor.end;
     feedsEnd_ = nullptr;
-    hasLooked_ = false;
 }
 
 void XmlInput::detected(XmlEncoding encoding, const char16_t* name, bool isMarked, std::size_t bytesTaken) {

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <istream>
 #include <memory>
-#include <vector>
 
 namespace LumCommon::detail {
 
@@ -109,9 +108,8 @@ private:
     // The line feeds of the window after counted_, as distances from it; found once a position is asked for.
     std::unique_ptr<std::uint16_t[]> feeds_;
     const std::uint16_t* feedsEnd_ = nullptr;  // null: not looked for, or positions are not that simple
-    bool hasLooked_ = false;
     const std::uint16_t* nextFeed_ = nullptr;  // the first that has not been read
-    std::vector<unsigned char> bytes_;
+    std::unique_ptr<unsigned char[]> bytes_;
     std::size_t byteStart_ = 0;
     std::size_t byteEnd_ = 0;
     std::uint64_t bytesRead_ = 0;
