@@ -206,6 +206,37 @@ TEST_F(LumDocumentTest, aFailedOutputHarmsOnlyItsOwnSaving) {
     EXPECT_EQ(out.str(), "<?xml version=\"1.0\"?><r/>");
 }
 
+/// A node of a caller's class that looks at the output, and may end the saving.
+class Watcher : public LumTextNode {
+public:
+    Watcher(LumDocument* document, const std::ostringstream& out) : LumTextNode(document, UnicodeString()), out_(out) {}
+    UnicodeString getText() const override {
+        seen = out_.str();
+        if (throws) throw std::runtime_error("enough");
+        return u"w";
+    }
+    mutable std::string seen;
+    bool throws = false;
+
+private:
+    const std::ostringstream& out_;
+};
+
+TEST_F(LumDocumentTest, callersNodesFindInTheOutputWhatWasWrittenBeforeThem) {
+    document->loadXml(u"<r a='1'>t<b xmlns='urn:b'/></r>");
+    std::ostringstream out;
+    const LumPtr<Watcher> watcher(new Watcher(document.get(), out));
+    document->getDocumentElement()->appendChild(watcher.get());
+    document->save(out, nullptr, UnicodeString());
+    const std::string before = R"(<?xml version="1.0"?><r a="1">t<b xmlns="urn:b"/>)";
+    EXPECT_EQ(watcher->seen, before) << "what the library's own nodes wrote is held back";
+    EXPECT_EQ(out.str(), before + "w</r>");
+    out.str("");
+    watcher->throws = true;
+    EXPECT_THROW(document->save(out, nullptr, UnicodeString()), std::runtime_error);
+    EXPECT_EQ(out.str(), before) << "an exception loses what was written";
+}
+
 TEST_F(LumDocumentTest, attributesAreWrittenFromTheirValues) {
     LumValue color(0x00FF00);
     color.setUnit(UNIT_COLOR);
