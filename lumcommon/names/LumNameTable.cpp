@@ -68,7 +68,10 @@ LumNameEnum detail::internName(const char16_t* text, std::size_t units) {
     name = findBuiltinName(text, units);
     if (name == NAME_NULL) {
         LumMutex guard(sharedLock());
-        name = LumNameTable::Shared::table().store_->intern(text, units);
+        NameStore& store = *LumNameTable::Shared::table().store_;
+        const LumNameEnum last = store.lastName();
+        name = store.intern(text, units);
+        if (name > last) return name;  // new; most of many new names come only once
         generation = sharedGeneration.load(std::memory_order_relaxed);
     }
     if (recent) recent->keep(text, units, generation, name);

@@ -56,17 +56,19 @@ void NamespaceMap::addNamespace(LumName prefix, LumName uri) {
 
 /// @param entry  the entry of the prefix, which has a different URI; the end when there is none.
 void NamespaceMap::insert(Entries::iterator entry, LumName prefix, LumName uri) {
-    // The set is extended first, and restored if the map cannot grow, so that a failure leaves both as they were.
-    const auto added = prefix.isNull() ? prefixesByUri_.end() : prefixesByUri_.insert(std::pair(uri, prefix)).first;
+    // The set is extended first, and restored if the map cannot grow, so that a failure leaves both as they were. New
+    // prefixes mostly have the greatest identifiers, which belong at the end.
+    const auto end = prefixesByUri_.end();
+    const auto added = prefix.isNull() ? end : prefixesByUri_.emplace_hint(end, uri, prefix);
     if (entry != entries_.end()) {
         if (!prefix.isNull()) prefixesByUri_.erase({entry->second, prefix});
         entry->second = uri;
         return;
     }
     try {
-        entries_.emplace(prefix, uri);
+        entries_.emplace_hint(entries_.end(), prefix, uri);
     } catch (...) {
-        if (added != prefixesByUri_.end()) prefixesByUri_.erase(added);
+        if (added != end) prefixesByUri_.erase(added);
         throw;
     }
     cursor_ = entries_.end();
