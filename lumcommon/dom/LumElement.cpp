@@ -184,7 +184,10 @@ LumPtr<LumAttr> asAttr(LumPtr<LumNode>&& node) {
 
 }  // namespace
 
-LumValue LumElement::getAttribute(LumName name) const { return valueOf(findAttribute(name)); }
+LumValue LumElement::getAttribute(LumName name) const {
+    if (!lastAttribute()) return LumValue();
+    return valueOf(findAttribute(name));
+}
 
 LumValue LumElement::getAttributeNS(LumName namespaceUri, LumName localName) const {
     return valueOf(findAttributeNS(namespaceUri, localName));
