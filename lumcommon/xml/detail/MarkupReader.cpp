@@ -45,24 +45,6 @@ TokenKind MarkupReader::lookAheadSlow() {
     }
 }
 
-void MarkupReader::readText() {
-    event_.next = TokenKind::Unknown;
-    event_.type = LumXmlParser::TEXT;
-    XmlCursor& cursor = inputs_.cursor();
-    const char16_t* const start = cursor.cur;
-    if (!inputs_.lends() || !event_.text.empty()) return readJoinedText(start);
-    const char16_t* found = findTextEnd(start, cursor.end);
-    while (found != cursor.end && *found == ']') {
-        // A bracket alone is text like any other.
-        if (found + 1 == cursor.end || found[1] == ']') return readJoinedText(found);
-        found = findTextEnd(found + 1, cursor.end);
-    }
-    if (found == cursor.end) return readJoinedText(found);
-    event_.text.borrow({start, static_cast<std::size_t>(found - start)});
-    cursor.cur = found;
-    cursor.touch(found + 1);
-}
-
 void MarkupReader::readJoinedText(const char16_t* plainEnd) {
     UnitBuffer& text = event_.text.units();
     XmlCursor& cursor = inputs_.cursor();
