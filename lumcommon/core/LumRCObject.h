@@ -2,7 +2,6 @@
 
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/LumObjectBase.h>
-#include <lumcommon/core/detail/SlabPool.h>
 
 #include <atomic>
 #include <cstddef>
@@ -20,9 +19,9 @@ class LumPtr;
 /// object may be copied and destroyed on several threads; nothing else about the object is protected.
 ///
 /// Memory: objects up to 512 bytes, those of derived classes included, lie in slabs that the library shares among
-/// objects of the same size (core/detail/SlabPool.h says what that costs); larger ones, arrays and classes that need
-/// more alignment than new gives come from the global heap. There is no form with std::nothrow. A derived
-/// class may have operators of its own.
+/// objects of the same size: allocating and releasing is a few instructions, and a mutex once in 64 KB. Larger ones,
+/// arrays and classes that need more alignment than new gives come from the global heap. There is no form with
+/// std::nothrow. A derived class may have operators of its own.
 class LUM_API LumRCObject : public LumObjectBase {
 public:
     static constexpr unsigned int TYPE_ID = 0x90AF0240u;
@@ -42,12 +41,12 @@ public:
 
     ~LumRCObject() override;
 
-    static void* operator new(std::size_t bytes) { return detail::allocateBlock(bytes); }
+    static void* operator new(std::size_t bytes);
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void* operator new(std::size_t bytes, std::align_val_t alignment) {
         return ::operator new(bytes, alignment);
     }
-    static void operator delete(void* block, std::size_t bytes) noexcept { detail::releaseBlock(block, bytes); }
+    static void operator delete(void* block, std::size_t bytes) noexcept;
     static void operator delete(void*, void*) noexcept {}
     static void operator delete(void* block, std::size_t, std::align_val_t alignment) noexcept {
         ::operator delete(block, alignment);

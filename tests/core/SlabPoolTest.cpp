@@ -1,4 +1,4 @@
-#include <lumcommon/core/detail/SlabPool.h>
+#include <lumcommon/core/LumRCObject.h>
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,7 @@
 
 namespace {
 
-using LumCommon::detail::allocateBlock;
-using LumCommon::detail::releaseBlock;
+using LumCommon::LumRCObject;
 using LumTest::isMemoryTold;
 using LumTest::residentBytes;
 
@@ -26,7 +25,7 @@ struct Blocks {
     void allocate(std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t bytes = sizes[i % std::size(sizes)];
-            blocks.push_back(static_cast<unsigned char*>(allocateBlock(bytes)));
+            blocks.push_back(static_cast<unsigned char*>(LumRCObject::operator new(bytes)));
             std::memset(blocks.back(), static_cast<int>(i % 251), bytes);
         }
     }
@@ -37,7 +36,7 @@ struct Blocks {
             const std::size_t bytes = sizes[i % std::size(sizes)];
             const auto isOther = [i](unsigned char byte) { return byte != i % 251; };
             changed += std::any_of(blocks[i], blocks[i] + bytes, isOther) ? 1 : 0;
-            releaseBlock(blocks[i], bytes);
+            LumRCObject::operator delete(blocks[i], bytes);
         }
         return changed;
     }
@@ -75,12 +74,12 @@ TEST(SlabPool, ThreadsGiveBackWhatOthersAllocated) {
 TEST(SlabPool, FillsHolesAndGivesBackWhatIsUnused) {
     if (!isMemoryTold) GTEST_SKIP();
     std::vector<void*> blocks(1'600'000);
-    for (void*& block : blocks) block = std::memset(allocateBlock(80), 1, 80);
+    for (void*& block : blocks) block = std::memset(LumRCObject::operator new(80), 1, 80);
     const std::size_t most = residentBytes();
-    for (std::size_t i = 1; i < blocks.size(); i += 2) releaseBlock(blocks[i], 80);
-    for (std::size_t i = 1; i < blocks.size(); i += 2) blocks[i] = allocateBlock(80);
+    for (std::size_t i = 1; i < blocks.size(); i += 2) LumRCObject::operator delete(blocks[i], 80);
+    for (std::size_t i = 1; i < blocks.size(); i += 2) blocks[i] = LumRCObject::operator new(80);
     EXPECT_LT(residentBytes(), most + 1'000'000);
-    for (void* block : blocks) releaseBlock(block, 80);
+    for (void* block : blocks) LumRCObject::operator delete(block, 80);
     EXPECT_LT(residentBytes(), most - 40'000'000);
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <lumcommon/core/Api.h>
-
 #include <cstddef>
 #include <new>
 
@@ -29,8 +27,8 @@ enum class BlockUse : unsigned { ORDINARY = 0, LONG_LIVED = 1 };
 inline constexpr std::size_t maxPooledBytes = 512;
 
 /// @param bytes  a multiple of the alignment that the object needs, as sizeof is.
-LUM_API void* allocateBlock(std::size_t bytes, BlockUse use = BlockUse::ORDINARY);
+void* allocateBlock(std::size_t bytes, BlockUse use = BlockUse::ORDINARY);
 /// @param bytes  what the block was allocated with.
-LUM_API void releaseBlock(void* block, std::size_t bytes) noexcept;
+void releaseBlock(void* block, std::size_t bytes) noexcept;
 
 }  // namespace LumCommon::detail

@@ -48,7 +48,7 @@ private:
     static RecentNames* makeForThread() noexcept;
 
     Entry& entryFor(const char16_t* text, std::size_t units) const noexcept {
-        return entries_[hashUnits(text, units, key_) & mask_];
+        return entries_[static_cast<std::size_t>(hashUnits(text, units, key_)) & mask_];
     }
     void grow() noexcept;
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <lumcommon/core/Api.h>
 #include <lumcommon/core/Text.h>
 #include <lumcommon/core/detail/SlabPool.h>
 
@@ -17,7 +16,7 @@ namespace detail {
 /// The string of a value, and how many values have it. Copying a value makes a string of its own; only loading gives
 /// one string to several attributes.
 /// Threads: counted like objects; the string itself never changes.
-class LUM_API ValueText {
+class ValueText {
 public:
     /// The first count is the caller's. Throw std::bad_alloc.
     static ValueText* make(const UnicodeString& text);
@@ -50,7 +49,7 @@ private:
 };
 
 /// Copies `text` into the empty string `to`, which becomes no longer than that. Throws std::bad_alloc.
-LUM_API void assignText(UnicodeString& to, std::u16string_view text);
+void assignText(UnicodeString& to, std::u16string_view text);
 
 }  // namespace detail
 

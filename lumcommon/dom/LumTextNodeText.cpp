@@ -1,43 +1,43 @@
 #include <lumcommon/core/detail/SlabPool.h>
-#include <lumcommon/dom/detail/NodeText.h>
+#include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/values/detail/ValueText.h>
 
-namespace LumCommon::detail {
+namespace LumCommon {
 
-void NodeText::release() noexcept {
+void LumTextNode::Text::release() noexcept {
     if (length_ > maxInBlock) {
-        pointer<ValueText>()->releaseRefs(1);
+        pointer<detail::ValueText>()->releaseRefs(1);
     } else if (length_ > maxHere) {
-        releaseBlock(pointer<void>(), static_cast<std::size_t>(length_) * sizeof(char16_t));
+        detail::releaseBlock(pointer<void>(), static_cast<std::size_t>(length_) * sizeof(char16_t));
     }
 }
 
-void NodeText::setPointer(const void* pointer, std::int32_t length) noexcept {
+void LumTextNode::Text::setPointer(const void* pointer, std::int32_t length) noexcept {
     release();
     std::memcpy(units_, &pointer, sizeof pointer);
     length_ = length;
 }
 
-void NodeText::assign(const UnicodeString& text) {
+void LumTextNode::Text::assign(const UnicodeString& text) {
     if (text.isBogus()) {
         release();
         length_ = bogus;
     } else if (text.length() > maxInBlock) {
-        setPointer(ValueText::make(text), text.length());
+        setPointer(detail::ValueText::make(text), text.length());
     } else {
         assign(std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length())));
     }
 }
 
-void NodeText::assign(std::u16string_view text) {
+void LumTextNode::Text::assign(std::u16string_view text) {
     const auto length = static_cast<std::int32_t>(text.size());
     if (length > maxInBlock) {
-        setPointer(ValueText::make(text, BlockUse::ORDINARY), length);
+        setPointer(detail::ValueText::make(text, detail::BlockUse::ORDINARY), length);
         return;
     }
     const std::size_t bytes = text.size() * sizeof(char16_t);
     if (length > maxHere) {
-        void* const block = allocateBlock(bytes);
+        void* const block = detail::allocateBlock(bytes);
         std::memcpy(block, text.data(), bytes);
         setPointer(block, length);
         return;
@@ -47,15 +47,15 @@ void NodeText::assign(std::u16string_view text) {
     length_ = length;
 }
 
-std::u16string_view NodeText::view() const noexcept {
-    const char16_t* const units = length_ > maxInBlock ? pointer<ValueText>()->text().getBuffer()
+std::u16string_view LumTextNode::Text::view() const noexcept {
+    const char16_t* const units = length_ > maxInBlock ? pointer<detail::ValueText>()->text().getBuffer()
                                   : length_ > maxHere  ? pointer<char16_t>()
                                                        : units_;
     return {units, static_cast<std::size_t>(length())};
 }
 
-UnicodeString NodeText::toString() const {
-    if (length_ > maxInBlock) return pointer<ValueText>()->text();
+UnicodeString LumTextNode::Text::toString() const {
+    if (length_ > maxInBlock) return pointer<detail::ValueText>()->text();
     UnicodeString text;
     if (length_ == bogus) {
         text.setToBogus();
@@ -66,4 +66,4 @@ UnicodeString NodeText::toString() const {
     return text;
 }
 
-}  // namespace LumCommon::detail
+}  // namespace LumCommon
