@@ -72,15 +72,14 @@ TEST(SlabPool, ThreadsGiveBackWhatOthersAllocated) {
 
 // Catches holes that are not used again, so that one live block costs a slab, and memory that stays with the process.
 TEST(SlabPool, FillsHolesAndGivesBackWhatIsUnused) {
-    if (!isMemoryTold) GTEST_SKIP();
     std::vector<void*> blocks(1'600'000);
     for (void*& block : blocks) block = std::memset(LumRCObject::operator new(80), 1, 80);
     const std::size_t most = residentBytes();
     for (std::size_t i = 1; i < blocks.size(); i += 2) LumRCObject::operator delete(blocks[i], 80);
     for (std::size_t i = 1; i < blocks.size(); i += 2) blocks[i] = LumRCObject::operator new(80);
-    EXPECT_LT(residentBytes(), most + 1'000'000);
+    EXPECT_TRUE(!isMemoryTold || residentBytes() < most + 1'000'000);
     for (void* block : blocks) LumRCObject::operator delete(block, 80);
-    EXPECT_LT(residentBytes(), most - 40'000'000);
+    EXPECT_TRUE(!isMemoryTold || residentBytes() < most - 40'000'000);
 }
 
 }  // namespace

@@ -141,7 +141,7 @@ public:
         words_.resize(6, "-");
         std::string answered;
         try {
-            answered = answer(*find(words_[0]), words_[1]);
+            answered = answer(find(words_[0]).get(), words_[1]);
         } catch (const LumError& error) {
             answered = describe(error);
         }
@@ -187,10 +187,13 @@ private:
         return out->str();
     }
 
-    std::string answer(LumNode& node, const std::string& question) {
+    /// @param found  null after the document has been dropped, and where there is no such node.
+    std::string answer(LumNode* found, const std::string& question) {
         const auto number = [](int value) { return std::to_string(value); };
+        if (question == "is") return keep(found);
+        if (question == "live") return number(counter_.live);
+        LumNode& node = *found;
         auto& document = static_cast<LumDocument&>(node);
-        if (question == "is") return keep(&node);
         if (question == "uriOf") return show(node.lookupNamespaceUri(named(2)));
         if (question == "prefixOf") return show(node.lookupPrefix(named(2)));
         if (question == "isDefault") return node.isDefaultNamespace(named(2)) ? "yes" : "no";
@@ -213,7 +216,6 @@ private:
         if (question == "common") return label(node.getCommonAncestor(nodeAt(2).get()));
         if (question == "flags") return number(static_cast<int>(node.getFlags()));
         if (question == "refs") return number(node.getRefCount() - 1);
-        if (question == "live") return number(counter_.live);
         if (question == "children") return show(*node.getChildNodes());
         if (question == "descendants") return show(*node.getDescendantNodes());
         if (question == "tags") return show(*node.getElementsByTagName(named(2)));
