@@ -29,7 +29,7 @@ void LoadedTexts::forget(Entry& entry) noexcept {
 LumValue LoadedTexts::take(std::u16string_view text) {
     if (text.size() > maxUnits) return ValueText::toValue(ValueText::make(text, BlockUse::ORDINARY));
     const std::uint64_t hash = hashUnits(text.data(), text.size(), processHashKey());
-    Entry& entry = entries_[hash >> (64 - indexBits)];
+    Entry& entry = entries_[static_cast<std::size_t>(hash >> (64 - indexBits))];
     if (entry.hash != static_cast<std::uint32_t>(hash)) {
         forget(entry);
         entry.hash = static_cast<std::uint32_t>(hash);
