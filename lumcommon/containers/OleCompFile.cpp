@@ -3,8 +3,8 @@
 #include <lumcommon/containers/detail/OleRecords.h>
 #include <lumcommon/containers/detail/SectorChain.h>
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/CodePoints.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/streams/JZIOobj.h>
 
 #include <algorithm>

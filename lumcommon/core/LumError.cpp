@@ -1,7 +1,7 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/core/detail/ErrorText.h>
-#include <lumcommon/core/detail/TextView.h>
 
 #include <iterator>
 #include <string>

@@ -1,6 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CaseMapping.h>
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/uri/LumUri.h>

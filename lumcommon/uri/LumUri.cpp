@@ -1,8 +1,8 @@
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/LumStrings.h>
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/uri/detail/UriText.h>

@@ -1,5 +1,5 @@
 #include <lumcommon/core/detail/AsciiText.h>
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/uri/detail/UriText.h>
 

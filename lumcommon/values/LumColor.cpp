@@ -1,7 +1,7 @@
 #include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/DecimalText.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumValue.h>

@@ -1,4 +1,4 @@
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/detail/NumberScan.h>

@@ -1,4 +1,4 @@
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/LumXmlParser.h>
 #include <lumcommon/xml/detail/MathMLEntities.h>
 

@@ -1,7 +1,7 @@
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/containers/detail/PackageRelationships.h>
 #include <lumcommon/containers/office/detail/PackagePartReader.h>
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/LumUriSub.h>
 

@@ -1,5 +1,5 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/ErrorText.h>
-#include <lumcommon/core/detail/TextView.h>
 
 #include <algorithm>
 #include <cstddef>

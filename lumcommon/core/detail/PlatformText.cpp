@@ -1,5 +1,5 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
-#include <lumcommon/core/detail/TextView.h>
 
 #include <unicode/localpointer.h>
 #include <unicode/ucnv.h>

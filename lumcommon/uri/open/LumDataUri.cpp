@@ -1,4 +1,4 @@
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumDataUri.h>
 #include <lumcommon/uri/LumUriSub.h>
 #include <lumcommon/values/LumTokenizer.h>

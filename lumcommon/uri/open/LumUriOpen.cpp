@@ -1,6 +1,6 @@
 #include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/open/LumUriStream.h>

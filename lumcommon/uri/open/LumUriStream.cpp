@@ -1,7 +1,7 @@
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/core/detail/PlatformText.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/uri/open/LumUriStream.h>
 #include <lumcommon/uri/open/detail/HttpHead.h>
 #include <lumcommon/uri/open/detail/TcpSocket.h>

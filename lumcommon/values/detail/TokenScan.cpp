@@ -1,6 +1,6 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/HexText.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/core/detail/XmlNameRanges.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/values/detail/TokenScan.h>

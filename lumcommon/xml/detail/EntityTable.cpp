@@ -1,5 +1,5 @@
 #include <lumcommon/core/LumStrings.h>
-#include <lumcommon/core/detail/TextView.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 #include <lumcommon/xml/detail/MathMLEntities.h>
 #include <lumcommon/xml/detail/ParserPolicy.h>

@@ -1,6 +1,6 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/DecimalText.h>
-#include <lumcommon/core/detail/TextView.h>
 #include <lumcommon/format/xls/detail/XlsSectionText.h>
 #include <lumcommon/format/xls/detail/XlsTables.h>
 
