@@ -1,5 +1,6 @@
 #include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/lang/LumScript.h>
 #include <lumcommon/names/LumNameTable.h>
 
@@ -81,6 +82,7 @@ std::int32_t getCodeFromIcu(const UnicodeString& text) {
     std::array<UScriptCode, 16> codes;
     UErrorCode error = U_ZERO_ERROR;
     const int count = uscript_getCode(bytes.c_str(), codes.data(), static_cast<int>(codes.size()), &error);
+    if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     return U_SUCCESS(error) && count > 0 ? static_cast<std::int32_t>(codes[0]) : LumScript::UNKNOWN;
 }
 
@@ -128,7 +130,7 @@ LumScript::LumScript(LumName name) : LumScript(name.getString()) {}
 LumName LumScript::getScriptCode() const {
     if (const Script* known = findScript(code_)) return known->name;
     const char* name = code_ > 0 ? uscript_getShortName(static_cast<UScriptCode>(code_)) : nullptr;
-    return name ? LumName(UnicodeString(name, -1, US_INV)) : LumName();
+    return name ? LumName(detail::checked(UnicodeString(name, -1, US_INV))) : LumName();
 }
 
 UnicodeString LumScript::getA() const {
