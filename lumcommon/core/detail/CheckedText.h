@@ -2,6 +2,8 @@
 
 #include <lumcommon/core/Text.h>
 
+#include <unicode/utypes.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -29,8 +31,9 @@ inline UnicodeString checked(UnicodeString&& text) {
     return std::move(text);
 }
 
-/// The same after an operation that has changed `text`.
-inline UnicodeString& checked(UnicodeString& text) {
+/// The same after an operation that has changed `text`, or of a copy that another object has made.
+template <class Text>
+Text& checked(Text& text) {
     if (text.isBogus()) throw std::bad_alloc();
     return text;
 }
@@ -38,6 +41,11 @@ inline UnicodeString& checked(UnicodeString& text) {
 inline std::int32_t checkedLength(std::size_t units) {
     if (units > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) throw std::bad_alloc();
     return static_cast<std::int32_t>(units);
+}
+
+/// After a call of ICU: throws when memory ran out in it. Other errors are the caller's.
+inline void checkMemory(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
 }
 
 /// A copy of its own.
@@ -64,6 +72,7 @@ inline UnicodeString& append(UnicodeString& to, std::u16string_view text) {
     return checked(to.append(text.data(), checkedLength(text.size())));
 }
 inline UnicodeString& append(UnicodeString& to, const char16_t* text) { return append(to, std::u16string_view(text)); }
+/// A bogus `text` counts as empty.
 inline UnicodeString& append(UnicodeString& to, const UnicodeString& text) { return checked(to.append(text)); }
 inline UnicodeString& append(UnicodeString& to, char16_t unit) { return checked(to.append(unit)); }
 inline UnicodeString& append(UnicodeString& to, char32_t codePoint) {
