@@ -51,7 +51,7 @@ private:
     bool isFinished_ = false;
 };
 
-XmlSerializerImpl::XmlSerializerImpl() : generator_(defaultGenerator) {}
+XmlSerializerImpl::XmlSerializerImpl() : generator_(detail::textOf(defaultGenerator)) {}
 
 XmlSerializerImpl::~XmlSerializerImpl() {
     if (!output_.isOwned()) return;

@@ -2,6 +2,8 @@
 
 #include <lumcommon/core/Text.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace LumTest {
@@ -10,6 +12,11 @@ namespace LumTest {
 inline std::string utf8(const icu::UnicodeString& text) {
     std::string bytes;
     return text.isBogus() ? "(bogus)" : text.toUTF8String(bytes);
+}
+
+/// A string that only refers to the literal: making it needs no memory, a copy of it does.
+inline icu::UnicodeString operator""_text(const char16_t* units, std::size_t length) {
+    return icu::UnicodeString(false, units, static_cast<std::int32_t>(length));
 }
 
 }  // namespace LumTest
