@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <istream>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -34,6 +36,20 @@ void forEveryFailure(Make make, Use use) {
 template <class Operation>
 void forEveryFailure(Operation operation) {
     MemoryLaw{[] {}, operation, [] {}}.hold();
+}
+
+/// What a stream delivers; a failure when it is null or bad.
+inline std::string contentOrFailure(std::istream* in) {
+    if (!in) throw std::bad_alloc();
+    std::string content;
+    do {
+        const std::size_t before = content.size();
+        content.resize(before + 512);
+        in->read(content.data() + before, 512);
+        content.resize(before + static_cast<std::size_t>(in->gcount()));
+    } while (in->good());
+    if (in->bad()) throw std::bad_alloc();
+    return content;
 }
 
 }  // namespace LumTest

@@ -79,4 +79,17 @@ inline UnicodeString& append(UnicodeString& to, char32_t codePoint) {
     return checked(to.append(static_cast<UChar32>(codePoint)));
 }
 
+/// The texts, one after the other: strings, views, literals and single units.
+template <class... Texts>
+UnicodeString joined(const Texts&... texts) {
+    UnicodeString whole;
+    (append(whole, texts), ...);
+    return whole;
+}
+
+/// Malformed bytes become U+FFFD.
+inline UnicodeString fromUtf8(std::string_view bytes) {
+    return checked(UnicodeString::fromUTF8(icu::StringPiece(bytes.data(), checkedLength(bytes.size()))));
+}
+
 }  // namespace LumCommon::detail

@@ -65,7 +65,7 @@ UnicodeString fromPlatformText(const char* bytes) {
         checkMemory(status);
         if (U_SUCCESS(status)) return result;
     }
-    return checked(UnicodeString::fromUTF8(icu::StringPiece(text.data(), sizeBytes)));
+    return fromUtf8(text);
 }
 
 }  // namespace LumCommon::detail
