@@ -37,12 +37,7 @@ const Code* findCode(std::u16string_view code) {
     return found != std::end(CODES) && found->bibliographic == code ? found : nullptr;
 }
 
-std::string toBytes(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
-std::string toLocaleId(const UnicodeString& tag) { return toBytes(ISO639Bibliographic::get(tag)); }
+std::string toLocaleId(const UnicodeString& tag) { return detail::utf8Of(ISO639Bibliographic::get(tag)); }
 
 /// Whether ICU can parse the identifier; if so, a locale that is bogus nevertheless has found no memory.
 bool isReadable(const std::string& id) {
@@ -78,7 +73,7 @@ LumLang::LumLang(const UnicodeString& tag) : icu::Locale(makeLocale(toLocaleId(t
 LumLang::LumLang(const char* tag) : LumLang(detail::checked(UnicodeString::fromUTF8(tag ? tag : ""))) {}
 
 LumLang::LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode)
-    : icu::Locale(makeLocale(toLocaleId(languageCode), toBytes(countryCode))) {}
+    : icu::Locale(makeLocale(toLocaleId(languageCode), detail::utf8Of(countryCode))) {}
 
 LumLang::LumLang(const LumLang& other) : icu::Locale(other) {
     // ICU copies what it has memory for and says nothing.
