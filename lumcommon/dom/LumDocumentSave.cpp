@@ -1,6 +1,7 @@
 // Saving: turns nodes into calls to the serializer.
 
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -210,8 +211,9 @@ private:
             const LumNamedValue entry = entries.next();
             LumName name = attr.getLocalName();
             if (!entry.getName().isNull()) {
-                UnicodeString compound(name.getString());
-                compound.append(u'.').append(entry.getName().getString());
+                UnicodeString compound = detail::copyOf(name.getString());
+                detail::append(compound, u'.');
+                detail::append(compound, entry.getName().getString());
                 name = LumName(compound);
             }
             put(attr, name, entry.toString());

@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/detail/XmlWriter.h>
 
 #include <cxxabi.h>  // abi::__forced_unwind
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <ostream>
 
 namespace LumCommon::detail {
@@ -85,7 +87,8 @@ UConverter* openShiftJis() {
     if (U_SUCCESS(status)) ucnv_setFromUCallBack(converter, stopAtUnmappable, nullptr, nullptr, nullptr, &status);
     if (U_SUCCESS(status)) return converter;
     ucnv_close(converter);  // accepts null
-    return nullptr;         // then every character beyond ASCII becomes a reference
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    return nullptr;  // then every character beyond ASCII becomes a reference
 }
 
 }  // namespace
@@ -213,7 +216,7 @@ void XmlWriter::markFailed() noexcept {
     isBroken_ = true;
     try {
         stream_->setstate(std::ios_base::badbit);
-    } catch (const std::ios_base::failure&) {  // the stream has exceptions enabled; our own error says more
+    } catch (...) {  // the stream has exceptions enabled, which may even want memory; our own error says more
     }
 }
 
@@ -281,14 +284,21 @@ char* XmlWriter::encodeShiftJis(const char16_t*& position, const char16_t* end, 
 
 void XmlWriter::fillSlot(NameSlot& slot, LumName prefix, LumName localName) {
     const UnicodeString& name = localName.getString();
-    UnicodeString string = prefix.isNull() ? name : prefix.getString() + u':' + name;
-    const auto count = static_cast<std::size_t>(string.length());
+    const auto count = static_cast<std::size_t>(name.length() + (prefix.isNull() ? 0 : prefix.getString().length() + 1));
     slot.prefix = prefix;
     slot.localName = localName;
     slot.length = NameSlot::TOO_LONG;
     if (count > NameSlot::CAPACITY) return;
     char bytes[NameSlot::CAPACITY * BYTES_PER_UNIT + STORE_SLACK];
-    const char* const end = encode(string.getBuffer(), string.getBuffer() + count, TEXT_RAW, bytes);
+    char* end = bytes;
+    const auto write = [this, &end](std::u16string_view text) {
+        end = encode(text.data(), text.data() + text.size(), TEXT_RAW, end);
+    };
+    if (!prefix.isNull()) {
+        write(viewOf(prefix.getString()));
+        *end++ = ':';
+    }
+    write(viewOf(name));
     const auto length = static_cast<std::size_t>(end - bytes);
     if (length > NameSlot::CAPACITY) return;
     std::memcpy(slot.bytes, bytes, length);
