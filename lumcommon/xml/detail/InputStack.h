@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/names/detail/UnitHash.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
 #include <lumcommon/xml/detail/UnitScan.h>
@@ -183,7 +184,7 @@ private:
     bool isStarted_ = false;
     std::vector<WindowBorrower*> borrowers_;
 
-    std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
+    std::unordered_set<std::uint32_t, KeyedHash> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;
     std::uint64_t allowedUnits_ = 0;  // by the bytes read when they were counted last
     std::uint64_t closedBytes_ = 0;   // read from inputs that are closed by now
