@@ -1,6 +1,5 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
-#include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
 #include <cstdio>
@@ -28,6 +27,16 @@ void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const Un
     if (isDropped()) throw Dropped();
     message.append(u'\n').append(describePosition());
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+}
+
+void ErrorReporter::inputFailed() {
+    if (isDropped()) throw Dropped();
+    try {
+        throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
+    } catch (LumError& error) {
+        error.message.append(u'\n').append(describePosition());
+        throw;
+    }
 }
 
 bool ErrorReporter::isDropped() const noexcept { return inputs_.streamCount() > droppedAbove_; }
