@@ -16,8 +16,13 @@ class LumError;
 ///     parser->setInput(in, UnicodeString(), UnicodeString());
 ///     while (parser->next() != LumXmlParser::END_DOCUMENT) ...
 ///
-/// Errors: malformed input throws a LumError with a code from 0x1801 to 0x1839 whose message ends with the position,
-/// unless a callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
+/// Errors: malformed input throws a LumError with a code from 0x1801 on whose message ends with the position, unless a
+/// callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
+/// An input that ends because it cannot be read any further is error 0x1006 with the position, wherever that is and
+/// whether or not a callback is installed: its stream has badbit set, or its buffer has thrown, or is a LumRefillStreamBuf
+/// that has failed (a connection that breaks, a body shorter than announced, damaged gzip data). This also holds for
+/// external entities and the external DTD, but not where a feature forgives what goes wrong in them. A stream that merely
+/// has failbit set has ended.
 /// Positions: line and column of the furthest character read so far, which may lie a character or two after the
 /// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
 /// the line. Replacement text of entities does not count, nor do the first characters of an input where they served
