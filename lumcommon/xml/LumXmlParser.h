@@ -28,6 +28,9 @@ class LumError;
 /// but not the caller. An XML declaration after a mark that names another one of the built-in encodings is a conflict,
 /// error 0x1839. With a mark too, an unknown name is error 0x1835, and so is every name that is not built in when
 /// FEATURE_BUILTIN_ENCODINGS_ONLY is on.
+/// Characters: U+FFFF is error 0x1834 wherever it stands: in text, CDATA sections, comments, processing instructions,
+/// values and other literals. Everything else is let through as it is, U+FFFE, control characters and halves of
+/// surrogate pairs included; only a character reference must name a character of XML (error 0x1833).
 /// Borrowed references (texts, values) are valid until the next call of next(), nextToken() or setInput().
 /// Threads: one at a time.
 class LUM_API LumXmlParser : public LumRCObject {
