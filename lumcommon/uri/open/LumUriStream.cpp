@@ -40,8 +40,7 @@ using Duration = std::chrono::steady_clock::duration;
 class Wait {
 public:
     explicit Wait(Duration& left)
-        : left_(left),
-          deadline_(std::min<Duration>(std::chrono::milliseconds(LumUriStreamBuf::getTimeout()), left)) {}
+        : left_(left), deadline_(std::min<Duration>(std::chrono::milliseconds(LumUriStreamBuf::getTimeout()), left)) {}
     ~Wait() { left_ -= std::min(left_, std::chrono::steady_clock::now() - start_); }
     Wait(const Wait&) = delete;
     Wait& operator=(const Wait&) = delete;

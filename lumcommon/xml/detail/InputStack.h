@@ -114,7 +114,7 @@ public:
     bool pull();
     /// Whether there was any.
     bool skipWhitespace();
-    /// Copies what comes before the next `mark`, which is then the next character. False at the end of input.
+    /// Copies what comes before the next `mark` or U+FFFF, which is then the next character. False at the end of input.
     bool copyUpTo(char16_t mark, UnitBuffer& out) {
         do {
             const char16_t* const start = cursor_.cur;
