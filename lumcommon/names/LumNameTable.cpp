@@ -78,6 +78,8 @@ LumNameEnum detail::internName(const char16_t* text, std::size_t units) {
     return name;
 }
 
+bool detail::isNameTableFull() noexcept { return sharedStore->lastName() >= NameStore::greatestName; }
+
 LumNameEnum LumNameTable::internNumbered(const UnicodeString& prefix) {
     LumMutex guard(sharedLock());
     detail::NameStore& store = *Shared::table().store_;

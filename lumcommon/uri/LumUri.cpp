@@ -72,8 +72,7 @@ UnicodeString withUtf8Escapes(const UnicodeString& uri) {
             continue;
         }
         const UnicodeString text = detail::fromUtf8(bytes);
-        std::string again;
-        if (text.toUTF8String(again) != bytes) return uri;
+        if (detail::utf8Of(text) != bytes) return uri;
         append(result, text);
     }
     return result;

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -51,6 +52,14 @@ inline void checkMemory(UErrorCode status) {
 /// A copy of its own.
 inline UnicodeString textOf(std::u16string_view text) {
     return checked(UnicodeString(text.data(), checkedLength(text.size())));
+}
+
+/// The text in UTF-8.
+inline std::string utf8Of(const UnicodeString& text) {
+    std::string bytes;
+    text.toUTF8String(bytes);
+    if (bytes.empty() && !text.isEmpty()) throw std::bad_alloc();
+    return bytes;
 }
 
 /// A copy, bogus when `text` is.

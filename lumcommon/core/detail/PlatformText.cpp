@@ -45,7 +45,7 @@ std::optional<std::string> toPlatformPath(const UnicodeString& path) {
             bytes.clear();
         }
     }
-    return path.toUTF8String(bytes);
+    return utf8Of(path);
 }
 
 UnicodeString fromPlatformText(const char* bytes) {
