@@ -8,6 +8,7 @@
 #include <clocale>
 #include <cstdio>
 #include <iostream>
+#include <new>
 
 namespace lum {
 #define LUM_COMMAND(name) Command make##name##Command();
@@ -49,7 +50,7 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     std::setlocale(LC_ALL, "");
     std::ios_base::sync_with_stdio(false);
     LumCommon::LumUri::setFindsForeignFileUris(true);
@@ -58,4 +59,7 @@ int main(int argc, char** argv) {
     LumCommon::LumNameTable::releaseSharedNameTable();
     LumCommon::cleanup();
     return result;
+} catch (const std::bad_alloc&) {  // before or after everything else
+    std::fputs("lum: out of memory\n", stderr);
+    return exitFailure;
 }
