@@ -241,6 +241,22 @@ private:
     bool isSvgKnown_ = false;  // determined at the first colour
 };
 
+/// Has the serializer check what it writes while this lives, where the document wants that.
+class CheckScope {
+public:
+    CheckScope(LumXmlSerializer& serializer, bool wantsCheck)
+        : serializer_(&serializer), wasChecked_(serializer.isChecked()) {
+        if (wantsCheck) serializer.setChecked(true);
+    }
+    CheckScope(const CheckScope&) = delete;
+    CheckScope& operator=(const CheckScope&) = delete;
+    ~CheckScope() { serializer_->setChecked(wasChecked_); }
+
+private:
+    const LumPtr<LumXmlSerializer> serializer_;  // held: a node's operation may replace that of the document
+    const bool wasChecked_;
+};
+
 /// Makes the serializer release its output however the saving ends: the caller may destroy it before setting another.
 class OutputScope {
 public:
@@ -282,6 +298,7 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
+    const CheckScope checks(serializer, isSaveChecked_);
     if (typeid(serializer) == typeid(XmlSerializerImpl)) {
         NodeWriter<XmlSerializerImpl, detail::GatheredOutput>(static_cast<XmlSerializerImpl&>(serializer), *this)
             .write(node, startTagOnly);
@@ -294,6 +311,7 @@ void LumDocument::doSave(LumNode* node, bool startTagOnly) {
 void LumDocument::writeAll(LumNode* node, const UnicodeString& comment, const UnicodeString& doctype,
                            const UnicodeString& processingInstruction) {
     LumXmlSerializer* const serializer = getSerializer();
+    const CheckScope checks(*serializer, isSaveChecked_);
     serializer->startDocument(UnicodeString(), UnicodeString());
     if (!comment.isEmpty()) serializer->comment(comment);
     if (!doctype.isEmpty()) serializer->docdecl(doctype);
@@ -340,6 +358,7 @@ UnicodeString LumDocument::saveXml(LumNode* node) {
     std::ostringstream bytes;
     OutputScope output(getSerializer());
     output->setOutput(bytes, u"UTF-8");
+    const CheckScope checks(*getSerializer(), isSaveChecked_);
     if (!node || node == this) output->startDocument(UnicodeString(), UnicodeString());
     doSave(node ? node : this, false);
     output->endDocument();
@@ -349,12 +368,14 @@ UnicodeString LumDocument::saveXml(LumNode* node) {
 
 void LumDocument::saveDocumentElement(const UnicodeString& uri) {
     getSerializer()->setOutput(uri, UnicodeString());
+    const CheckScope checks(*serializer_, isSaveChecked_);
     serializer_->startDocument(UnicodeString(), UnicodeString());
     doSave(getDocumentElement(), true);
 }
 
 void LumDocument::saveDocumentElement(std::ostream& out) {
     getSerializer()->setOutput(out, UnicodeString());
+    const CheckScope checks(*serializer_, isSaveChecked_);
     serializer_->startDocument(UnicodeString(), UnicodeString());
     doSave(getDocumentElement(), true);
 }

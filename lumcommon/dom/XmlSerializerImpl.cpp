@@ -2,6 +2,7 @@
 #include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
+#include <lumcommon/dom/detail/WritableText.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/uri/LumUri.h>
 
@@ -132,6 +133,10 @@ void XmlSerializerImpl::startDocument(const UnicodeString& encoding, const Unico
     writer_.selectShiftJis(encoding_ == u"SHIFT_JIS");
 
     Operation operation(*this);
+    if (isChecked()) {
+        if (!standalone.isEmpty()) detail::checkStandalone(detail::viewOf(standalone));
+        detail::checkComment(detail::viewOf(generator_));
+    }
     writer_.ascii("<?xml version=\"1.0\"");
     if (!encoding_.isEmpty()) {
         writer_.ascii(" encoding=\"");
@@ -163,6 +168,7 @@ void XmlSerializerImpl::endDocument() {
 }
 
 void XmlSerializerImpl::setPrefix(LumName prefix, LumName namespaceUri) {
+    writer_.checkPrefix(prefix);
     if (isTagOpen()) {
         Operation operation(*this);
         closeStartTag(TagEnd::Content);
@@ -191,6 +197,7 @@ void XmlSerializerImpl::dropPrefixScope() {
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName localName) {
     Operation operation(*this);
+    if (isChecked()) detail::checkNCName(detail::viewOf(localName.getString()));
     const bool closesTag = needsClosing();
     scopes_.open(namespaceUri, localName);
     state_ = STATE_TAG_OPEN;
@@ -216,8 +223,8 @@ void XmlSerializerImpl::attribute(LumName namespaceUri, LumName prefix, LumName 
     checkAttributeState();
     if (declareNamespace(namespaceUri, prefix, localName, value)) return;
     Operation operation(*this);
+    writeAttribute(prefix, localName, value);  // a name that is refused declares nothing
     if (!namespaceUri.isNull() && !prefix.isNull()) scopes_.declareForAttribute(prefix, namespaceUri);
-    writeAttribute(prefix, localName, value);
     operation.finish();
 }
 
@@ -230,7 +237,9 @@ void XmlSerializerImpl::failAttribute() const {
 bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, LumName localName,
                                          const UnicodeString& value) {
     if (namespaceUri != NAME_NS_XMLNS && prefix != NAME_xmlns && localName != NAME_xmlns) return false;
-    scopes_.declare(localName == NAME_xmlns ? LumName() : localName, LumName(value));
+    const LumName declared = localName == NAME_xmlns ? LumName() : localName;
+    writer_.checkPrefix(declared);
+    scopes_.declare(declared, LumName(value));
     return true;
 }
 
@@ -285,15 +294,25 @@ void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length
     operation.finish();
 }
 
-void XmlSerializerImpl::cdsect(const UnicodeString& text) { writeContent("<![CDATA[", text, detail::TEXT_RAW, "]]>"); }
+void XmlSerializerImpl::cdsect(const UnicodeString& text) {
+    if (isChecked()) detail::checkCData(detail::viewOf(text));
+    writeContent("<![CDATA[", text, detail::TEXT_RAW, "]]>");
+}
 
-void XmlSerializerImpl::entityRef(const UnicodeString& name) { writeContent("&", name, detail::TEXT_RAW, ";"); }
+void XmlSerializerImpl::entityRef(const UnicodeString& name) {
+    if (isChecked()) detail::checkNCName(detail::viewOf(name));
+    writeContent("&", name, detail::TEXT_RAW, ";");
+}
 
 void XmlSerializerImpl::processingInstruction(const UnicodeString& content) {
+    if (isChecked()) detail::checkInstruction(detail::viewOf(content));
     writeContent("<?", content, detail::TEXT_RAW, "?>");
 }
 
-void XmlSerializerImpl::comment(const UnicodeString& text) { writeContent("<!--", text, detail::TEXT_RAW, "-->"); }
+void XmlSerializerImpl::comment(const UnicodeString& text) {
+    if (isChecked()) detail::checkComment(detail::viewOf(text));
+    writeContent("<!--", text, detail::TEXT_RAW, "-->");
+}
 
 void XmlSerializerImpl::docdecl(const UnicodeString& content) {
     if (state_ != STATE_PROLOG) {
@@ -302,7 +321,10 @@ void XmlSerializerImpl::docdecl(const UnicodeString& content) {
     writeContent("<!DOCTYPE ", content, detail::TEXT_RAW, ">");
 }
 
-void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent("", text, detail::TEXT_RAW, ""); }
+void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) {
+    if (isChecked()) detail::checkSpace(detail::viewOf(text));
+    writeContent("", text, detail::TEXT_RAW, "");
+}
 
 void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
                                      std::string_view after) {
@@ -321,8 +343,6 @@ void XmlSerializerImpl::flush() {
     writer_.sync();
 }
 
-void XmlSerializerImpl::setGenerator(const UnicodeString& generator) {
-    detail::assign(generator_, generator);
-}
+void XmlSerializerImpl::setGenerator(const UnicodeString& generator) { detail::assign(generator_, generator); }
 
 }  // namespace LumCommon

@@ -268,13 +268,15 @@ LumValue LumValue::parseInternalDestination(const UnicodeString& text, int flag)
             break;
         default: {
             const UnicodeString trimmed = detail::checked(detail::copyOf(text).trim());
-            if (trimmed.startsWith(u'#')) return parseView(detail::checked(UnicodeString(trimmed, 1)), LumValue(), flag);
+            if (trimmed.startsWith(u'#'))
+                return parseView(detail::checked(UnicodeString(trimmed, 1)), LumValue(), flag);
             result = LumValue();
             result.setNamedItem(NAME_nameddest, makeName(trimmed));
             return result;
         }
     }
-    if (tokens.skipSeparator(u'#')) result = parseView(detail::checked(UnicodeString(text, tokens.getPosition())), result, 1);
+    if (tokens.skipSeparator(u'#'))
+        result = parseView(detail::checked(UnicodeString(text, tokens.getPosition())), result, 1);
     return result;
 }
 

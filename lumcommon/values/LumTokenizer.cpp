@@ -32,9 +32,9 @@ void LumTokenizer::setCursor(const UnitCursor& cursor) noexcept {
     if (cursor.get()) position_ = static_cast<int>(cursor.get() - source_.getBuffer());
 }
 
-void LumTokenizer::setText(std::u16string_view text) { 
+void LumTokenizer::setText(std::u16string_view text) {
     detail::checked(text_.setTo(text.data(), detail::checkedLength(text.size())));
- }
+}
 
 int LumTokenizer::nextToken() {
     if (isPushedBack_) {
@@ -134,7 +134,8 @@ LumValue LumTokenizer::nextTokenValueFunc() {
     const bool isUrl = text == UnicodeString(u"url");
     const bool isRgb = text == UnicodeString(u"rgb");
     skipGroup();
-    detail::append(text, detail::viewOf(source_).substr(static_cast<std::size_t>(groupStart), static_cast<std::size_t>(position_ - groupStart)));
+    detail::append(text, detail::viewOf(source_).substr(static_cast<std::size_t>(groupStart),
+                                                        static_cast<std::size_t>(position_ - groupStart)));
     if (isRgb) return LumValue::parseColor(text, false);
     if (!isUrl) return LumValue(text);
     value = LumValue(LumUri(text).toString());

@@ -22,7 +22,8 @@ using namespace LumCommon;
 using LumTest::utf8;
 using LumTest::operator""_text;
 
-/// Texts and values of all lengths, repeated values, prefixes, an instruction, an entity, an element of many attributes.
+/// Texts and values of all lengths, repeated values, prefixes, an instruction, an entity, an element of many
+/// attributes.
 std::string makeSource() {
     std::string source =
         "<?xml version='1.0'?><!DOCTYPE root [<!ENTITY words 'an entity of more words than the object has room for'>]>"
@@ -120,7 +121,8 @@ TEST(DomMemory, changesFailAloud) {
     LumTest::forEveryFailure(makeLoaded, [](LumPtr<LumDocument>& document) {
         LumElement* const root = document->getDocumentElement();
         LumNode* const many = root->getChildNodeByName(LumName(u"many"_text));
-        const LumPtr<LumElement> made = document->createElement(LumName(u"p:an-element-with-a-prefix-and-a-long-name"_text));
+        const LumPtr<LumElement> made =
+            document->createElement(LumName(u"p:an-element-with-a-prefix-and-a-long-name"_text));
         LumValue compound(u"a value in a compound that is too long for the object"_text);
         compound.setNamedItem(LumName(u"an-item-of-the-compound-with-a-long-name"_text), LumValue(1.5f, UNIT_PT));
         const auto set = [&](const LumName& name, const LumValue& value) {

@@ -18,7 +18,9 @@ using LumTest::operator""_text;
 
 const UnicodeString longText = u"words that need more memory than the string object has inside it"_text;
 
-std::string tell(const LumValue& value) { return utf8(value.toString()) + "|" + std::to_string(value.getTypeWord() & 0xFF); }
+std::string tell(const LumValue& value) {
+    return utf8(value.toString()) + "|" + std::to_string(value.getTypeWord() & 0xFF);
+}
 
 struct Row {
     const char* fault;
@@ -55,8 +57,8 @@ const Row rows[] = {
          const LumColor copy(profile);
          return tell(spot) + utf8(spot.toString()) + utf8(copy.toString(true)) + tell(LumValue(copy)) +
                 utf8(LumValue(spot).getColorValue().toString()) +
-                tell(LumValue::parseColor(u"rgb-icc(1, 2, 3, #Separation, 'an ink of many long words', .5, 1, 0, 0, .1)"_text,
-                                          true)) +
+                tell(LumValue::parseColor(
+                    u"rgb-icc(1, 2, 3, #Separation, 'an ink of many long words', .5, 1, 0, 0, .1)"_text, true)) +
                 utf8(LumColor(LumValue(u"LightGoldenRodYellow"_text)).toString());
      }},
     {"a link lacks a part",
@@ -68,12 +70,14 @@ const Row rows[] = {
                 tell(LumValue::parseInternalDestination(u"#view=fith,100&viewrect=1,2,3,4&nameddest=x"_text, 0)) +
                 tell(LumValue::parseDestinationType(u"xyz-left-top 150% 1cm 2.5in"_text)) +
                 tell(LumValue::parseExcelOpenParameters(u"a.xls#sheet=3&chart=4"_text)) +
-                tell(LumValue::parseUriFragmentParameters(u"http://host/a/long/path#A%20Long%20Key%20With%20Escapes=and a value%21"_text, true));
+                tell(LumValue::parseUriFragmentParameters(
+                    u"http://host/a/long/path#A%20Long%20Key%20With%20Escapes=and a value%21"_text, true));
      }},
     {"a token is cut",
      [] {
-         LumTokenizer tokens(u"name 'a quoted text that is long enough to need memory' f(a long group (of) parentheses, 1) "
-                             u"url('http://host/a/long/path/of/a/file') rgb(1,2,3) -1.5e2 12suffix-that-is-no-unit-at-all-x"_text);
+         LumTokenizer tokens(
+             u"name 'a quoted text that is long enough to need memory' f(a long group (of) parentheses, 1) "
+             u"url('http://host/a/long/path/of/a/file') rgb(1,2,3) -1.5e2 12suffix-that-is-no-unit-at-all-x"_text);
          std::string told;
          for (;;) {
              const LumValue value = tokens.nextTokenValueFunc();

@@ -57,9 +57,10 @@ const Row rows[] = {
     {"a name is none, or that of another",
      "<svg><" + longName + ":a xmlns:" + longName + "='urn:" + longName + "' " + longName + ":b='1'/><chart/></svg>"},
     {"the root has no namespace", "<chart><x xlink:href='a'/></chart>"},
-    {"a declared entity is empty",
-     "<!DOCTYPE a [<!ENTITY e 'text" + longWords + "'><!ENTITY % p '<!ENTITY f \"&e;" + longWords + "\">'>%p;]>"
-     "<a b='&e;&f;&#233;'>&e;&f;&lt;</a>"},
+    {"a declared entity is empty", "<!DOCTYPE a [<!ENTITY e 'text" + longWords + "'><!ENTITY % p '<!ENTITY f \"&e;" +
+                                       longWords +
+                                       "\">'>%p;]>"
+                                       "<a b='&e;&f;&#233;'>&e;&f;&lt;</a>"},
     {"a text, a comment or an instruction is cut",
      "<a><!--" + longWords + "--><?pi " + longWords + "?><![CDATA[" + longWords + "]]>" + longWords + "&amp;</a>"},
     {"bytes are decoded in another charset",
@@ -82,10 +83,12 @@ TEST(XmlMemory, eventsFailAloud) {
 // An external entity or definition is left out.
 TEST(XmlMemory, externalInputsFailAloud) {
     const LumTest::TempFolder folder;
-    LumTest::writeFile(folder.getPath() + "an-entity-with-a-long-name.xml", "<?xml encoding='UTF-8'?><x>" + longWords + "</x>");
+    LumTest::writeFile(folder.getPath() + "an-entity-with-a-long-name.xml",
+                       "<?xml encoding='UTF-8'?><x>" + longWords + "</x>");
     LumTest::writeFile(folder.getPath() + "a.dtd", "<!ENTITY d 'defined" + longWords + "'><!ENTITY o SYSTEM 'o'>");
     const UnicodeString base = UnicodeString::fromUTF8(folder.getPath());
-    const std::string source = "<!DOCTYPE a SYSTEM 'a.dtd' [<!ENTITY e SYSTEM 'an-entity-with-a-long-name.xml'>]><a>&e;&d;</a>";
+    const std::string source =
+        "<!DOCTYPE a SYSTEM 'a.dtd' [<!ENTITY e SYSTEM 'an-entity-with-a-long-name.xml'>]><a>&e;&d;</a>";
     for (const bool forgives : {false, true}) {
         LumTest::forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
             parser->setFeature(LumXmlParser::FEATURE_IGNORE_EXTERNAL_DTD_ERRORS, forgives);
@@ -103,8 +106,9 @@ TEST(XmlMemory, externalInputsFailAloud) {
 
 // The message lacks what was read, or the resource.
 TEST(XmlMemory, errorsFailAloud) {
-    for (const std::string& source : {"<a><" + longName + "></b></a>", "<a>&" + longName + ";</a>", "<a>&#x" + std::string(60, '1') + ";</a>",
-                                      "<" + longName + " a='1' a='2'/>", "<!DOCTYPE a [<!ENTITY " + longName + " " + longName + ">]><a/>"}) {
+    for (const std::string& source :
+         {"<a><" + longName + "></b></a>", "<a>&" + longName + ";</a>", "<a>&#x" + std::string(60, '1') + ";</a>",
+          "<" + longName + " a='1' a='2'/>", "<!DOCTYPE a [<!ENTITY " + longName + " " + longName + ">]><a/>"}) {
         SCOPED_TRACE(source);
         LumTest::forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
             try {

@@ -20,6 +20,8 @@ public:
     RawInflater& operator=(const RawInflater&) = delete;
 
     void restart() noexcept;
+    /// Whether the data have come to their proper end.
+    bool hasEnded() const noexcept { return hasEnded_; }
 
     /// Inflates from the front of `data` into the front of `room` and removes what was used from both. Empty `data`
     /// means that no more will come: what is held back is delivered, and data that do not end there are broken.

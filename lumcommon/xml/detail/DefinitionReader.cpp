@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/DefinitionReader.h>
 #include <lumcommon/xml/detail/EntityExpander.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
@@ -135,12 +136,13 @@ void DefinitionReader::copyCharacters() {
 // What these miss at the end of input is told by the token that comes next.
 
 void DefinitionReader::copyLiteral(char16_t quote) {
-    if (inputs_.copyUpTo(quote, event_.text.units())) event_.text.units().appendCodePoint(inputs_.readChar());
+    if (copyContent(inputs_, errors_, quote, event_.text.units()))
+        event_.text.units().appendCodePoint(inputs_.readChar());
 }
 
 void DefinitionReader::copyThrough(std::u16string_view end) {
     do {
-        if (!inputs_.copyUpTo(end.back(), event_.text.units())) return;
+        if (!copyContent(inputs_, errors_, end.back(), event_.text.units())) return;
         event_.text.units().appendCodePoint(inputs_.readChar());
     } while (!endsWith(event_.text.units(), end));
 }

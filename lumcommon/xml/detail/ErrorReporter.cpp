@@ -1,7 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
-#include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
 #include <cstdio>
@@ -29,6 +28,16 @@ void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const Un
     if (isDropped()) throw Dropped();
     append(append(message, u'\n'), describePosition());
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+}
+
+void ErrorReporter::inputFailed() {
+    if (isDropped()) throw Dropped();
+    try {
+        throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
+    } catch (LumError& error) {
+        error.message.append(u'\n').append(describePosition());
+        throw;
+    }
 }
 
 bool ErrorReporter::isDropped() const noexcept { return inputs_.streamCount() > droppedAbove_; }

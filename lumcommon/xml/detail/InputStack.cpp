@@ -62,6 +62,7 @@ bool InputStack::pull() {
         if (isStream) {
             endLoans();
             if (frame.input->refill(cursor_)) return true;
+            if (frame.input->hasFailed()) watcher_->inputFailed();
         }
         if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();

@@ -40,9 +40,7 @@ public:
         }
     }
 
-    icu::UnicodeString toString() const {
-        return textOf({units_.get(), size_});
-    }
+    icu::UnicodeString toString() const { return textOf({units_.get(), size_}); }
 
 private:
     void grow(std::size_t count) {

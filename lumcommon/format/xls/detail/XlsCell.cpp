@@ -56,8 +56,8 @@ int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLO
 /// A code with nothing but text sections shows a number as the text that General makes of it.
 int showAsText(const FMT2& code, const XlsDecimal& value, int generalChars, UnicodeString& text, int& color) {
     const std::string general = (value.isNegative() ? "-" : "") + xlsGeneral(value.abs(), generalChars);
-    return showXlsText(code, checked(UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV)), text,
-                       color);
+    return showXlsText(code, checked(UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV)),
+                       text, color);
 }
 
 }  // namespace

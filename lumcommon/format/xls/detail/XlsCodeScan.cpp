@@ -200,7 +200,7 @@ bool XlsCodeScan::color(std::u16string_view content) {
         appendBracketed(raw().prefix, xlsKeyword(number - 1));
     } else {
         appendBracketed(raw().prefix, std::u16string(word) + static_cast<char16_t>('0' + number / 10) +
-                                  static_cast<char16_t>('0' + number % 10));
+                                          static_cast<char16_t>('0' + number % 10));
     }
     return true;
 }
