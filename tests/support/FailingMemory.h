@@ -20,8 +20,8 @@ struct MemoryLaw {
 };
 
 /// The law of memory, for each allocation of `use`: when it fails, alone or with all after it, `use` still gives what
-/// it gives otherwise or throws std::bad_alloc, or LumError 0x801; then the object gives the same when used again, and
-/// nothing has leaked.
+/// it gives otherwise or throws std::bad_alloc, or LumError 0x801 (0x1006, 0x1007 for a stream that is bad); then the
+/// object gives the same when used again, and nothing has leaked.
 /// @param make  makes what is used, with memory enough; what it returns is destroyed after each round.
 /// @param use   (object&) tells in a string everything that it got from the object. When an operation says in another
 ///              way that it failed (null, the bad state of a stream), `use` throws std::bad_alloc. It starts with what

@@ -61,7 +61,8 @@ bool OleCompFile::isOLEUri(const LumUri& uri) {
 int OleCompFile::detectOLEDocument(std::istream& s) {
     JZStreamIOobj io(&s);
     OleCompFile file;
-    return file.OLEopen(&io) ? file.getDocumentKind() : static_cast<int>(DocumentKind::NONE);
+    file.io_ = {&io, false};
+    return file.readTables() ? file.getDocumentKind() : static_cast<int>(DocumentKind::NONE);
 }
 
 int OleCompFile::getDocumentKind() { return static_cast<int>(kindOf(*this)); }

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
 #include <lumcommon/streams/detail/CharsetSample.h>
 #include <unicode/ucsdet.h>
@@ -77,10 +78,12 @@ const char* guessByStatistics(std::string_view sample) {
     constexpr std::int32_t leastConfidence = 15;
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UCharsetDetector, DetectorCloser> detector(ucsdet_open(&status));
+    checkMemory(status);
     ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &status);
     ucsdet_enableInputFilter(detector.get(), true);
     std::int32_t count = 0;
     const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &status);
+    checkMemory(status);
     for (std::int32_t i = 0; U_SUCCESS(status) && i < count; ++i) {
         if (ucsdet_getConfidence(matches[i], &status) < leastConfidence) break;
         const char* const name = ucsdet_getName(matches[i], &status);
@@ -94,7 +97,7 @@ const char* guessByStatistics(std::string_view sample) {
 
 }  // namespace
 
-CharsetGuess guessCharset(std::string_view sample) noexcept {
+CharsetGuess guessCharset(std::string_view sample) {
     constexpr std::size_t largestSample = 2048;
     sample = sample.substr(0, largestSample);
     if (sample.empty()) return {};
