@@ -13,6 +13,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 SKIPPED = {"CheckedText.h"}
 STRING = re.compile(r"\bUnicodeString&?\s+(\w+)(?=\s*[;=({,)])")
 CHANGES = r"append|setTo|insert|replace|findAndReplace|trim|toLower|toUpper|toTitle|foldCase|setCharAt|reverse|padLeading"
+BYTES = re.compile(r"\bstd::string&?\s+(\w+)")
 # What needs no memory: an alias, and the state without text.
 HARMLESS = re.compile(r"setTo\(false,|setToBogus\(")
 # (what it is, expression; {names} stands for the strings of the file)
@@ -28,7 +29,7 @@ RULES = [
 
 
 def findings(name, text, declared=""):
-    names = set(STRING.findall(declared + text)) - {"operator"}
+    names = set(STRING.findall(declared + text)) - set(BYTES.findall(text)) - {"operator"}
     lines = text.splitlines()
     for number, line in enumerate(lines):
         code = line.split("//")[0]
