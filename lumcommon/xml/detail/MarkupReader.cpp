@@ -87,8 +87,7 @@ void MarkupReader::readTopLevelText() {
             char code[24];
             const int size = std::snprintf(code, sizeof code, "U+%04X (", static_cast<unsigned>(c));
             UnicodeString place = checked(UnicodeString(code, size, US_INV));
-            errors_.report(XmlError::TopLevelText,
-                           append(append(place, static_cast<char32_t>(c)), u')'));
+            errors_.report(XmlError::TopLevelText, append(append(place, static_cast<char32_t>(c)), u')'));
         }
         event_.text.units().appendCodePoint(c);
     }

@@ -92,9 +92,7 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
     return true;
 }
 
-bool XmlInput::isCharset(const UnicodeString& name) {
-    return LumKobStreamBuf(nullptr, utf8Of(name).c_str()).is_open();
-}
+bool XmlInput::isCharset(const UnicodeString& name) { return LumKobStreamBuf(nullptr, utf8Of(name).c_str()).is_open(); }
 
 std::istream* XmlInput::source() noexcept { return converted_ ? converted_.get() : stream_; }
 
