@@ -8,6 +8,7 @@
 #include <clocale>
 #include <cstdio>
 #include <iostream>
+#include <new>
 
 namespace lum {
 #define LUM_COMMAND(name) Command make##name##Command();
