@@ -7,6 +7,7 @@
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/LoadedTexts.h>
+#include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/StringInput.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
@@ -71,6 +72,7 @@ LumXmlParser* LumDocument::getParser() {
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
     documentUri_.remove();
+    input_ = nullptr;
 }
 
 /// Sets the node at which loading continues, and holds it, because the caller may take it out of the tree before the
@@ -84,6 +86,7 @@ void LumDocument::setCursor(LumNode* node) noexcept {
 void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
     // An older load must not continue when the new input cannot be opened.
     abort();
+    input_ = nullptr;
     if (!target || target == this) documentUri_ = uri;
     getParser();
 }
@@ -91,6 +94,7 @@ void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
 void LumDocument::load(const UnicodeString& uri, LumNode* target) {
     startLoad(target, uri);
     parser_->setInput(uri, UnicodeString(), inputOption_);
+    input_ = std::make_unique<detail::FileIdentity>(detail::FileIdentity::ofResource(uri));
     doLoad(target, isLoadDeferred_);
 }
 

@@ -10,7 +10,9 @@
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/GatheredOutput.h>
+#include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/NodeFields.h>
+#include <lumcommon/dom/detail/ReplacingFile.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
@@ -326,10 +328,25 @@ void LumDocument::save(const UnicodeString& uri, LumNode* node, const UnicodeStr
 
 void LumDocument::save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
                        const UnicodeString& processingInstruction) {
+    checkOutput(uri);
     OutputScope output(getSerializer());
     output->setOutput(uri, encoding);
     writeAll(node, UnicodeString(), UnicodeString(), processingInstruction);
     output.close();
+}
+
+/// Refuses the file that is still being read.
+void LumDocument::checkOutput(const UnicodeString& uri) const {
+    if (!loadCursor_ || !input_ || !(detail::FileIdentity::ofResource(uri) == *input_)) return;
+    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::SerializerSetOutput,
+                     uri + u" (it is still being read)");
+}
+
+void LumDocument::saveReplacing(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
+                                const UnicodeString& processingInstruction) {
+    detail::ReplacingFile file(uri);
+    save(file.stream(), node, encoding, processingInstruction);
+    file.replace();
 }
 
 void LumDocument::save(std::ostream& out, LumNode* node, const UnicodeString& encoding) {
@@ -365,6 +382,7 @@ UnicodeString LumDocument::saveXml(LumNode* node) {
 }
 
 void LumDocument::saveDocumentElement(const UnicodeString& uri) {
+    checkOutput(uri);
     getSerializer()->setOutput(uri, UnicodeString());
     const CheckScope checks(*serializer_, isSaveChecked_);
     serializer_->startDocument(UnicodeString(), UnicodeString());
