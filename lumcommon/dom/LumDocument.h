@@ -88,7 +88,7 @@ public:
     void setDeferredLoad(bool deferred) noexcept { isLoadDeferred_ = deferred; }
     bool isDeferredLoad() const noexcept { return isLoadDeferred_; }
     /// The base URI handed to the parser with the next input; empty in a new document.
-    void setInputOption(const UnicodeString& option) { inputOption_ = option; }
+    void setInputOption(const UnicodeString& option);
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }

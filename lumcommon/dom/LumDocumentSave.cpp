@@ -1,6 +1,7 @@
 // Saving: turns nodes into calls to the serializer.
 
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -212,8 +213,9 @@ private:
             const LumNamedValue entry = entries.next();
             LumName name = attr.getLocalName();
             if (!entry.getName().isNull()) {
-                UnicodeString compound(name.getString());
-                compound.append(u'.').append(entry.getName().getString());
+                UnicodeString compound = detail::copyOf(name.getString());
+                detail::append(compound, u'.');
+                detail::append(compound, entry.getName().getString());
                 name = LumName(compound);
             }
             put(attr, name, entry.toString());
@@ -338,8 +340,9 @@ void LumDocument::save(const UnicodeString& uri, LumNode* node, const UnicodeStr
 /// Refuses the file that is still being read.
 void LumDocument::checkOutput(const UnicodeString& uri) const {
     if (!loadCursor_ || !input_ || !(detail::FileIdentity::ofResource(uri) == *input_)) return;
+    UnicodeString told = detail::copyOf(uri);
     throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::SerializerSetOutput,
-                     uri + u" (it is still being read)");
+                     detail::append(told, u" (it is still being read)"));
 }
 
 void LumDocument::saveReplacing(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,

@@ -24,7 +24,7 @@ constexpr char16_t defaultGenerator[] =
 
 /// The form in which an encoding is declared; empty for one that cannot be declared.
 UnicodeString declarableEncoding(const UnicodeString& encoding) {
-    const UnicodeString name = detail::toUpperCase(UnicodeString(encoding).trim());
+    const UnicodeString name = detail::toUpperCase(detail::copyOf(encoding).trim());
     if (name == u"SHIFT-JIS" || name == u"SHIFT_JIS") return u"SHIFT_JIS";
     return name == u"UTF-8" ? name : UnicodeString();
 }
@@ -52,7 +52,7 @@ private:
     bool isFinished_ = false;
 };
 
-XmlSerializerImpl::XmlSerializerImpl() : generator_(defaultGenerator) {}
+XmlSerializerImpl::XmlSerializerImpl() : generator_(detail::textOf(defaultGenerator)) {}
 
 XmlSerializerImpl::~XmlSerializerImpl() {
     if (!output_.isOwned()) return;
@@ -99,7 +99,7 @@ void XmlSerializerImpl::resetForOutput() {
 void XmlSerializerImpl::attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding) {
     output_ = std::move(out);
     writer_.setStream(output_.get());
-    encoding_ = encoding;
+    detail::assign(encoding_, encoding);
     writer_.selectShiftJis(false);  // startDocument() decides
     state_ = STATE_OUTPUT_SET;
 }
@@ -273,7 +273,7 @@ void XmlSerializerImpl::failEndTag(LumName namespaceUri, LumName localName) cons
     const UnicodeString given = LumXmlUtil::makeNSQNameStr(namespaceUri.getString(), localName.getString());
     const UnicodeString opened =
         open.prefix.isNull() ? LumXmlUtil::makeNSQNameStr(open.namespaceUri.getString(), open.localName.getString())
-                             : open.prefix.getString() + u":" + open.localName.getString();
+                             : detail::checked(open.prefix.getString() + u":" + open.localName.getString());
     throwCommonError(LumErrorCodeLumLIB::EndTagMismatch, LumCommonErrorSource::SerializerEndTag, given, opened);
 }
 
@@ -343,6 +343,6 @@ void XmlSerializerImpl::flush() {
     writer_.sync();
 }
 
-void XmlSerializerImpl::setGenerator(const UnicodeString& generator) { generator_ = generator; }
+void XmlSerializerImpl::setGenerator(const UnicodeString& generator) { detail::assign(generator_, generator); }
 
 }  // namespace LumCommon

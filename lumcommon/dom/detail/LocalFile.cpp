@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/uri/LumUri.h>
@@ -17,7 +18,7 @@ std::optional<std::string> findLocalFile(const UnicodeString& uri) {
 FileIdentity FileIdentity::ofResource(const UnicodeString& uri) {
     constexpr char16_t jarScheme[] = u"jar:";
     constexpr char16_t memberMark[] = u"!/";
-    UnicodeString file(uri);
+    UnicodeString file = copyOf(uri);
     if (LumUri(uri).isJarScheme()) {
         file.remove(0, static_cast<int32_t>(std::size(jarScheme)) - 1);
         if (const int32_t end = file.indexOf(memberMark); end >= 0) file.truncate(end);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <ostream>
 
 namespace LumCommon::detail {
@@ -93,7 +94,8 @@ UConverter* openShiftJis() {
     if (U_SUCCESS(status)) ucnv_setFromUCallBack(converter, stopAtUnmappable, nullptr, nullptr, nullptr, &status);
     if (U_SUCCESS(status)) return converter;
     ucnv_close(converter);  // accepts null
-    return nullptr;         // then every character beyond ASCII becomes a reference
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    return nullptr;  // then every character beyond ASCII becomes a reference
 }
 
 }  // namespace
@@ -221,7 +223,7 @@ void XmlWriter::markFailed() noexcept {
     isBroken_ = true;
     try {
         stream_->setstate(std::ios_base::badbit);
-    } catch (const std::ios_base::failure&) {  // the stream has exceptions enabled; our own error says more
+    } catch (...) {  // the stream has exceptions enabled, which may even want memory; our own error says more
     }
 }
 

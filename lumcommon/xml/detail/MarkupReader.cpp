@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
@@ -6,8 +7,6 @@
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 #include <lumcommon/xml/detail/XmlDeclReader.h>
-
-#include <unicode/locid.h>
 
 #include <cstdio>
 
@@ -181,7 +180,7 @@ bool MarkupReader::readInstruction() {
 
 void MarkupReader::readInstruction(const UnicodeString& target) {
     event_.type = LumXmlParser::PROCESSING_INSTRUCTION;
-    if (UnicodeString(target).toLower(icu::Locale::getRoot()) == UnicodeString(xmlDeclTarget)) {
+    if (toLowerCase(target) == UnicodeString(xmlDeclTarget)) {
         errors_.report(XmlError::PiXmlCase, target);
     }
     event_.text.units().append(target);
