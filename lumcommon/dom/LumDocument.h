@@ -140,6 +140,7 @@ public:
     void save(const UnicodeString& comment, const UnicodeString& doctype, std::ostream& out, LumNode* node,
               const UnicodeString& encoding);
     /// The XML text of `node`; only that of the document has an XML declaration.
+    /// Errors: also 0x1007 for a text of more than 2^31-1 units, which no string can hold.
     UnicodeString saveXml(LumNode* node = nullptr);
     /// Walks the subtree of `node` and drives the serializer.
     void doSave(LumNode* node);

@@ -19,7 +19,7 @@
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 
-#include <sstream>
+#include <ostream>
 #include <typeinfo>
 #include <utility>
 
@@ -373,15 +373,16 @@ void LumDocument::save(const UnicodeString& comment, const UnicodeString& doctyp
 }
 
 UnicodeString LumDocument::saveXml(LumNode* node) {
-    std::ostringstream bytes;
+    detail::Utf8Output text;
+    std::ostream out(&text);
     OutputScope output(getSerializer());
-    output->setOutput(bytes, u"UTF-8");
+    output->setOutput(out, u"UTF-8");
     const CheckScope checks(*getSerializer(), isSaveChecked_);
     if (!node || node == this) output->startDocument(UnicodeString(), UnicodeString());
     doSave(node ? node : this, false);
     output->endDocument();
     output.close();
-    return detail::decodeUtf8(bytes.view());
+    return text.decode();
 }
 
 void LumDocument::saveDocumentElement(const UnicodeString& uri) {

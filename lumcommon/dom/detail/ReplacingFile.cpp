@@ -93,14 +93,13 @@ bool Descriptor::close() noexcept {
 ReplacingFile::ReplacingFile(const UnicodeString& uri) : buffer_(file_), stream_(&buffer_) {
     const std::optional<std::string> path = findLocalFile(uri);
     if (path && openTarget(*path)) return;
-    removeTemporary();
     throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::SerializerSetOutput, uri);
 }
 
-ReplacingFile::~ReplacingFile() { removeTemporary(); }
+ReplacingFile::~ReplacingFile() = default;
 
-void ReplacingFile::removeTemporary() noexcept {
-    if (!temporary_.empty()) ::unlinkat(folder_.get(), temporary_.c_str(), 0);
+ReplacingFile::Temporary::~Temporary() {
+    if (!name.empty()) ::unlinkat(folder.get(), name.c_str(), 0);
 }
 
 /// Follows links by hand, as the file that they lead to is the one to be replaced.
@@ -117,17 +116,18 @@ bool ReplacingFile::openTarget(std::string path) {
         const std::string folder = slash == std::string::npos ? "./" : path.substr(0, slash + 1);
         name_ = path.substr(slash + 1);  // all of it where there is no slash
         if (name_.empty() || name_ == "." || name_ == "..") return false;
-        folder_ = Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!folder_.isOpen()) folder_ = Descriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        temporary_.folder = Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!temporary_.folder.isOpen())
+            temporary_.folder = Descriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         struct stat status = {};
-        if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (::fstatat(temporary_.folder.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
             return errno == ENOENT && !isThere && openBeside(rightsOfAll);
         }
         if (!S_ISLNK(status.st_mode)) {
             const bool isSeen = isThere && status.st_ino == seen.st_ino && status.st_dev == seen.st_dev;
             return isSeen && openBeside(rightsOfOwner) && takeRights();
         }
-        const std::optional<std::string> target = readLink(folder_, name_);
+        const std::optional<std::string> target = readLink(temporary_.folder, name_);
         if (!target) return false;
         path = target->front() == '/' ? *target : folder + *target;
     }
@@ -138,10 +138,10 @@ bool ReplacingFile::openBeside(mode_t rights) {
     for (int attempt = 0; attempt < creationAttempts; ++attempt) {
         std::string name = makeTemporaryName();
         constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-        file_ = Descriptor(
-            withoutInterruption([&] { return ::openat(folder_.get(), name.c_str(), flags | O_LARGEFILE, rights); }));
+        file_ = Descriptor(withoutInterruption(
+            [&] { return ::openat(temporary_.folder.get(), name.c_str(), flags | O_LARGEFILE, rights); }));
         if (file_.isOpen()) {
-            temporary_ = std::move(name);
+            temporary_.name = std::move(name);
             return true;
         }
         if (errno != EEXIST) return false;
@@ -152,8 +152,8 @@ bool ReplacingFile::openBeside(mode_t rights) {
 /// Gives the new file owner, group and rights of the old one, as far as the system lets. Whoever could not read the old
 /// one cannot read the new one. False if the old one may not be written.
 bool ReplacingFile::takeRights() {
-    const Descriptor target(
-        withoutInterruption([&] { return ::openat(folder_.get(), name_.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW); }));
+    const Descriptor target(withoutInterruption(
+        [&] { return ::openat(temporary_.folder.get(), name_.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW); }));
     struct stat old = {}, made = {};
     if (!target.isOpen() || ::fstat(target.get(), &old) != 0 || ::fstat(file_.get(), &made) != 0) return false;
     mode_t rights = old.st_mode & 0777u;
@@ -169,11 +169,12 @@ bool ReplacingFile::takeRights() {
 void ReplacingFile::replace() {
     bool isDone = stream_.flush().good() && synchronise(file_);
     isDone = file_.close() && isDone;
-    if (isDone && !temporary_.empty()) {
-        isDone = ::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name_.c_str()) == 0;
+    if (isDone && !temporary_.name.empty()) {
+        isDone =
+            ::renameat(temporary_.folder.get(), temporary_.name.c_str(), temporary_.folder.get(), name_.c_str()) == 0;
         if (isDone) {
-            temporary_.clear();
-            isDone = synchronise(folder_);
+            temporary_.name.clear();
+            isDone = synchronise(temporary_.folder);
         }
     }
     if (!isDone) throwCommonError(LumErrorCodeIO::OutputFailed, LumCommonErrorSource::SerializerCheckStream);

@@ -66,12 +66,18 @@ private:
     bool openTarget(std::string path);
     bool openBeside(mode_t rights);
     bool takeRights();
-    void removeTemporary() noexcept;
+
+    /// The name of a file in a folder, removed in the end.
+    struct Temporary {
+        ~Temporary();
+
+        Descriptor folder;
+        std::string name;  // empty: none
+    };
 
     Descriptor file_;
-    Descriptor folder_;
-    std::string name_;       // of the target in the folder
-    std::string temporary_;  // its name in the folder; empty when there is none
+    Temporary temporary_;
+    std::string name_;  // of the target, in the same folder
     Buffer buffer_;
     std::ostream stream_;
 };
