@@ -8,6 +8,7 @@
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/LoadedTexts.h>
+#include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/StringInput.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
@@ -72,6 +73,7 @@ LumXmlParser* LumDocument::getParser() {
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
     documentUri_.remove();
+    input_ = nullptr;
 }
 
 void LumDocument::setInputOption(const UnicodeString& option) { detail::assign(inputOption_, option); }
@@ -87,6 +89,7 @@ void LumDocument::setCursor(LumNode* node) noexcept {
 void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
     // An older load must not continue when the new input cannot be opened.
     abort();
+    input_ = nullptr;
     if (!target || target == this) detail::assign(documentUri_, uri);
     getParser();
 }
@@ -94,6 +97,7 @@ void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
 void LumDocument::load(const UnicodeString& uri, LumNode* target) {
     startLoad(target, uri);
     parser_->setInput(uri, UnicodeString(), inputOption_);
+    input_ = std::make_unique<detail::FileIdentity>(detail::FileIdentity::ofResource(uri));
     doLoad(target, isLoadDeferred_);
 }
 

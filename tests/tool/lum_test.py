@@ -170,6 +170,18 @@ def check_save():
         expect("an error is not told", (broken.returncode, broken.stderr[:18]), (1, b"lum: error 0x1806:"))
     expect("a second save differs", run("save", "--no-generator", FOLDER / "o u t.xml").stdout.decode(),
            '<?xml version="1.0"?>' + SAVED)
+    link, rights = FOLDER / "link.xml", 0o640
+    link.symlink_to(path.name)
+    path.chmod(rights)
+    prints("onto its own input", ["save", "--no-generator", path, link], "")
+    expect("the file behind the link", path.read_text(encoding="utf-8"), '<?xml version="1.0"?>' + SAVED)
+    expect("link or rights are lost", (link.is_symlink(), path.stat().st_mode & 0o777), (True, rights))
+    full = {"restore_signals": False, "preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (10, 10))}
+    done = run("save", path, path, **full)
+    expect("a full disk is not told", (done.returncode, done.stderr), (1, b"lum: error 0x1007: Output stream error.\n"))
+    expect("a full disk loses the document", path.read_text(encoding="utf-8"), '<?xml version="1.0"?>' + SAVED)
+    expect("a full disk leaves a file", list(FOLDER.glob(".lum-*")), [])
+    path.write_text(DOCUMENT, encoding="utf-8")
     expect("--lazy onto its own input", run("save", "--lazy", path, path).returncode, 2)
     expect("the refused input is changed", path.read_text(encoding="utf-8"), DOCUMENT)
 
