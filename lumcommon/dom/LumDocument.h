@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/dom/LumNode.h>
+#include <lumcommon/xml/LumXmlLimits.h>
 
 #include <iosfwd>
 #include <memory>
@@ -95,6 +96,11 @@ public:
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
     void setParser(LumXmlParser* parser);
+    /// The limits of what is loaded from now on, see LumXmlLimits: handed to the parser, to every one that the document
+    /// makes and to every one that it is given. Before the first call a parser keeps its own.
+    void setLimits(const LumXmlLimits& limits);
+    /// Those that were set, else those of the parser, else the defaults.
+    LumXmlLimits getLimits() const;
 
     /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8 without an
     /// encoding declaration. A processing instruction is written before the node, unless it is empty.
@@ -143,6 +149,7 @@ private:
 
     LumNameTable* nameTable_;                    // one reference held
     std::unique_ptr<std::istream> stringInput_;  // over the string of loadXml; outlives the parser's use of it
+    std::unique_ptr<LumXmlLimits> limits_;       // null: those of the parser
     LumPtr<LumXmlParser> parser_;
     LumPtr<LumXmlSerializer> serializer_;
     UnicodeString inputOption_;

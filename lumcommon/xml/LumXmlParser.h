@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/LumXmlLimits.h>
 
 #include <iosfwd>
 
@@ -16,12 +17,12 @@ class LumError;
 ///     parser->setInput(in, UnicodeString(), UnicodeString());
 ///     while (parser->next() != LumXmlParser::END_DOCUMENT) ...
 ///
-/// Errors: malformed input throws a LumError with a code from 0x1801 to 0x1839 whose message ends with the position,
+/// Errors: malformed input throws a LumError with a code from 0x1801 on whose message ends with the position,
 /// unless a callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
 /// Positions: line and column of the furthest character read so far, which may lie a character or two after the
 /// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
-/// the line. Replacement text of entities does not count, nor do the first characters of an input where they served
-/// to recognise its encoding.
+/// the line; one that an int does not hold is told as the greatest int, and as it is in messages. Replacement text of
+/// entities does not count, nor do the first characters of an input where they served to recognise its encoding.
 /// Encodings: a byte order mark tells what the bytes are. They are read by it even where the document, the text
 /// declaration of an external entity or the caller names a charset that needs a converter (windows-1252, say), as
 /// converting would only spoil them. Without a mark the zero bytes of UTF-16 and UTF-32 overrule such a declaration,
@@ -147,6 +148,12 @@ public:
     /// Whether the document read so far is XHTML or HTML: by its document kind, its root, or its stream type.
     virtual bool isXhtmlType() const = 0;
     virtual bool isHtmlType() const = 0;
+
+    /// The limits of the documents that follow, from the next setInput() on. A parser of another class may have none:
+    /// it then ignores them.
+    virtual void setLimits(const LumXmlLimits& limits);
+    /// Those that were set, else the defaults.
+    virtual LumXmlLimits getLimits() const;
 };
 
 }  // namespace LumCommon

@@ -46,10 +46,8 @@ struct KeyedHash {
         return static_cast<std::size_t>(foldMultiply(number ^ key.seed, key.multiplier));
     }
     template <class Name>
-        requires requires(const Name& name) { name.getEnum(); }
-    std::size_t operator()(const Name& name) const noexcept {
-        return (*this)(std::uint64_t{name.getEnum()});
-    }
+    requires requires(const Name& name) { name.getEnum(); }
+    std::size_t operator()(const Name& name) const noexcept { return (*this)(std::uint64_t{name.getEnum()}); }
 };
 
 /// Four units as one word, the first in the lowest bits.
