@@ -37,12 +37,26 @@ protected:
     ~WindowBorrower() = default;
 };
 
+/// Who says that an input has failed: it has ended, but not where its text ends.
+class InputWatcher {
+public:
+    InputWatcher() = default;
+    InputWatcher(const InputWatcher&) = delete;
+    InputWatcher& operator=(const InputWatcher&) = delete;
+
+    /// Called while the input is the one being read. Does not return: it throws.
+    [[noreturn]] virtual void inputFailed() = 0;
+
+protected:
+    ~InputWatcher() = default;
+};
+
 /// What is being read: open inputs, replacement texts of entities, and the raw text of a literal that is being looked
 /// through. The scanners read the window of the topmost frame; frames that are used up are popped when the next
 /// character is asked for, so that markup may begin in a replacement text and end after it.
 ///
-/// It knows where the parser is, and reports no errors itself: whoever asks is told. A limit that is exceeded while an
-/// input is read is thrown by pull() as LimitExceeded.
+/// It knows where the parser is, and reports no errors itself: whoever asks is told, and the watcher where an input
+/// fails. A limit that is exceeded while an input is read is thrown by pull() as LimitExceeded.
 class InputStack {
 public:
     /// @param isExternal  whether the first input counts as one that a document names.
@@ -114,7 +128,7 @@ public:
         cursor_.cur = end;
         cursor_.touch(end);
     }
-    /// Copies what comes before the next `mark`, which is then the next character. False at the end of input.
+    /// Copies what comes before the next `mark` or U+FFFF, which is then the next character. False at the end of input.
     bool copyUpTo(char16_t mark, UnitBuffer& out) {
         do {
             const char16_t* const found = findUnit(cursor_.cur, cursor_.end, mark);
@@ -126,6 +140,7 @@ public:
     /// Whether what has been read from the window may be kept hold of.
     bool lends() const noexcept { return topStream_ != nullptr; }
     void lendTo(WindowBorrower& borrower) { borrowers_.push_back(&borrower); }
+    void watchFor(InputWatcher& watcher) noexcept { watcher_ = &watcher; }
 
     // Frames
 
@@ -194,6 +209,7 @@ private:
     int streamCount_ = 0;
     bool isStarted_ = false;
     std::vector<WindowBorrower*> borrowers_;
+    InputWatcher* watcher_ = nullptr;
 
     InputMeter& meter_;
     const bool isExternal_;

@@ -18,10 +18,10 @@ namespace LumCommon::detail {
 
 /// The parts that read everything but tags, each given those before it that it needs. Only their owner sees them all.
 struct ReaderParts {
-    ReaderParts() : meter(ownMeter_), inputs(meter, false) { inputs.lendTo(event); }
+    ReaderParts() : meter(ownMeter_), inputs(meter, false) { connect(); }
     /// For an external definition, which counts as an input of its document.
     explicit ReaderParts(InputMeter& ofDocument) : meter(ofDocument), inputs(meter, true) {
-        inputs.lendTo(event);
+        connect();
         startReading();
     }
     ReaderParts(const ReaderParts&) = delete;
@@ -74,6 +74,10 @@ struct ReaderParts {
     }
 
 private:
+    void connect() {
+        inputs.lendTo(event);
+        inputs.watchFor(errors);
+    }
     void startReading() {
         const LumXmlLimits& limits = meter.limits();
         event.text.setLimit(limits.textUnits);

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/XmlParserError.h>
-
-#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -62,9 +61,7 @@ public:
         }
     }
 
-    icu::UnicodeString toString() const {
-        return size_ == 0 ? icu::UnicodeString() : icu::UnicodeString(units_.get(), static_cast<std::int32_t>(size_));
-    }
+    icu::UnicodeString toString() const { return textOf({units_.get(), size_}); }
 
 private:
     void grow(std::size_t count) {

@@ -1,3 +1,4 @@
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/xml/detail/OpenInput.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
@@ -5,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <vector>
 
 namespace LumCommon::detail {
@@ -40,9 +42,13 @@ private:
         block_.resize(blockBytes);
         char* const start = reinterpret_cast<char*>(block_.data());
         const std::streamsize count = input_.readMetered(*input_.stream_, start, blockBytes);
-        if (count <= 0) return traits_type::eof();
+        if (count <= 0) return end();
         setg(start, start, start + count);
         return traits_type::to_int_type(*start);
+    }
+    int_type end() {
+        if (isBroken(*input_.stream_)) stream.setstate(std::ios::badbit);
+        return traits_type::eof();
     }
 
     XmlInput& input_;
@@ -136,12 +142,16 @@ bool XmlInput::fillBytes() {
         count = converted_ ? readConverted(to, room) : readMetered(*in, to, room);
     } catch (const abi::__forced_unwind&) {
         throw;  // the thread is being cancelled
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         // As with every extraction from a stream: what its buffer throws ends the input.
+        hasFailed_ = true;
         setState(*in, std::ios::badbit);
     }
     if (count <= 0) {
         isAtEnd_ = true;
+        if (isBroken(*in)) hasFailed_ = true;
         setState(*in, std::ios::eofbit);
         return false;
     }
