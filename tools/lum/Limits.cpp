@@ -13,26 +13,27 @@ using LumCommon::LumXmlLimits;
 namespace {
 
 struct Limit {
-    std::string_view name;
+    const char* name;
     std::uint64_t LumXmlLimits::*value;
+    unsigned code;  // 0 where another limit has the same
 };
 
 constexpr Limit namedLimits[] = {
-    {"depth", &LumXmlLimits::depth},
-    {"attributes", &LumXmlLimits::attributes},
-    {"textUnits", &LumXmlLimits::textUnits},
-    {"nameUnits", &LumXmlLimits::nameUnits},
-    {"valueUnits", &LumXmlLimits::valueUnits},
-    {"expansionFactor", &LumXmlLimits::expansionFactor},
-    {"expansionThreshold", &LumXmlLimits::expansionThreshold},
-    {"openInputs", &LumXmlLimits::openInputs},
-    {"externalInputs", &LumXmlLimits::externalInputs},
-    {"externalBytes", &LumXmlLimits::externalBytes},
-    {"inflatedBytes", &LumXmlLimits::inflatedBytes},
-    {"inflationRatio", &LumXmlLimits::inflationRatio},
-    {"totalBytes", &LumXmlLimits::totalBytes},
-    {"timeMs", &LumXmlLimits::timeMs},
-    {"names", &LumXmlLimits::names},
+    {"depth", &LumXmlLimits::depth, 0x183B},
+    {"attributes", &LumXmlLimits::attributes, 0x183C},
+    {"textUnits", &LumXmlLimits::textUnits, 0x183D},
+    {"nameUnits", &LumXmlLimits::nameUnits, 0x183E},
+    {"valueUnits", &LumXmlLimits::valueUnits, 0x183F},
+    {"expansionFactor", &LumXmlLimits::expansionFactor, 0},
+    {"expansionThreshold", &LumXmlLimits::expansionThreshold, 0x1837},
+    {"openInputs", &LumXmlLimits::openInputs, 0x1838},
+    {"externalInputs", &LumXmlLimits::externalInputs, 0x1840},
+    {"externalBytes", &LumXmlLimits::externalBytes, 0x1841},
+    {"inflatedBytes", &LumXmlLimits::inflatedBytes, 0x1842},
+    {"inflationRatio", &LumXmlLimits::inflationRatio, 0x1843},
+    {"totalBytes", &LumXmlLimits::totalBytes, 0x1844},
+    {"timeMs", &LumXmlLimits::timeMs, 0x1845},
+    {"names", &LumXmlLimits::names, 0x1846},
 };
 static_assert(sizeof(LumXmlLimits) == std::size(namedLimits) * sizeof(std::uint64_t), "a limit has no name");
 
@@ -63,6 +64,13 @@ LumXmlLimits readLimits(const std::vector<std::string>& limits, LumXmlLimits bef
         before.*(limit->value) = number;
     }
     return before;
+}
+
+const char* findLimitName(unsigned code) {
+    for (const Limit& limit : namedLimits) {
+        if (limit.code == code) return limit.name;
+    }
+    return nullptr;
 }
 
 }  // namespace lum
