@@ -16,6 +16,10 @@ constexpr const char16_t* eventNames[] = {
 
 bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
 
+void LumXmlParser::setLimits(const LumXmlLimits&) {}
+
+LumXmlLimits LumXmlParser::getLimits() const { return {}; }
+
 UnicodeString LumXmlParser::getEventTypeStr(int eventType) {
     if (eventType < 0 || eventType >= static_cast<int>(std::size(eventNames))) return UnicodeString();
     return eventNames[eventType];

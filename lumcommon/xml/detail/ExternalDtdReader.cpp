@@ -44,12 +44,16 @@ bool read(ReaderParts& parts, const LumUri& resource, const UnicodeString& baseU
 }
 
 std::shared_ptr<const ExternalDtd> readExternalDtd(const LumUri& resource, const UnicodeString& baseUri,
-                                                   bool forgivesErrors) {
-    ReaderParts parts;
-    parts.reset();
+                                                   bool forgivesErrors, InputMeter& meter) {
+    meter.countExternalInput();
+    if (!meter.expandByInput()) throw LimitExceeded{XmlError::ExpansionLimit};
+    ReaderParts parts(meter);
     bool isWhole = false;
     try {
         isWhole = read(parts, resource, baseUri);
+    } catch (const LimitExceeded& limit) {
+        meter.note(limit.code);
+        parts.errors.report(limit.code);
     } catch (const LumError&) {
         if (!forgivesErrors) throw;
     }
@@ -62,7 +66,7 @@ std::shared_ptr<const ExternalDtd> readExternalDtd(const LumUri& resource, const
 }  // namespace
 
 void addExternalDtd(EntityTable& entities, const UnicodeString& systemId, const UnicodeString& baseUri,
-                    bool forgivesErrors) {
+                    bool forgivesErrors, InputMeter& meter) {
     const LumUri resource(LumUri(baseUri), systemId);
     const UnicodeString uri = resource.toString();
     if (uri.startsWith(mathMLAddress)) {
@@ -71,7 +75,8 @@ void addExternalDtd(EntityTable& entities, const UnicodeString& systemId, const 
     }
     std::shared_ptr<const ExternalDtd> dtd = ExternalDtdCache::find(uri);
     if (!dtd) {
-        dtd = readExternalDtd(resource, LumUri(systemId).isAbsolute() ? UnicodeString() : baseUri, forgivesErrors);
+        dtd =
+            readExternalDtd(resource, LumUri(systemId).isAbsolute() ? UnicodeString() : baseUri, forgivesErrors, meter);
     }
     entities.declare(*dtd);
 }
