@@ -70,7 +70,13 @@ LumXmlParser* LumDocument::getParser() {
 
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
+    if (parser && isUntrusted_) parser->setUntrusted();
     documentUri_.remove();
+}
+
+void LumDocument::setUntrusted() {
+    getParser()->setUntrusted();
+    isUntrusted_ = true;
 }
 
 /// Sets the node at which loading continues, and holds it, because the caller may take it out of the tree before the

@@ -102,12 +102,12 @@ std::string findFreePath(const char* dir, const char* prefix, const char* suffix
 
 }  // namespace
 
-UnicodeString stGetTempDirectory() { return detail::fromPlatformText(tempDirectory().c_str()); }
+UnicodeString stGetTempDirectory() { return detail::fromPlatformPath(tempDirectory()); }
 
 UnicodeString LumTempFile::getTempDirectory() { return stGetTempDirectory(); }
 
 UnicodeString LumTempFile::getTempFile(const char* dir, const char* prefix, const char* suffix) {
-    return detail::fromPlatformText(findFreePath(dir, prefix, suffix).c_str());
+    return detail::fromPlatformPath(findFreePath(dir, prefix, suffix));
 }
 
 LumTempFile::LumTempFile(const char* dir, const char* prefix, const char* suffix) {
@@ -119,7 +119,7 @@ LumTempFile::~LumTempFile() {
 }
 
 void LumTempFile::hold(const std::string& path) {
-    fileName_ = detail::fromPlatformText(path.c_str());
+    fileName_ = detail::fromPlatformPath(path);
     path_ = path;
 }
 

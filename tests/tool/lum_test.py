@@ -260,7 +260,7 @@ def check_failures():
         ("missing argument", ["resolve", "a"], 2, None),
         ("too many arguments", ["name", "a", "b"], 2, None),
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
-        ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
+        ("feature out of range", ["events", "--feature", "6", "doc.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
         ("number out of range", ["number", "1", "2147483648"], 2, None),
         ("text where a number is due", ["xlsformat", "0", "5x"], 2, None),

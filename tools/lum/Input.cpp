@@ -6,7 +6,6 @@
 
 #include "Output.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
 
@@ -16,25 +15,7 @@ using namespace LumCommon;
 
 namespace {
 
-/// The file: URI of a path. URIs are trimmed and their percent escapes decoded, so white space, control characters and
-/// "%" are escaped; other characters are kept, as an escape can only stand for a byte.
-UnicodeString pathToUri(const std::string& path) {
-    std::error_code error;
-    std::string absolute = std::filesystem::absolute(path, error).string();
-    if (error) absolute = path;
-    std::string uri = "file://";
-    for (const char c : absolute) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte <= 0x20 || c == '%') {
-            char escape[4];
-            std::snprintf(escape, sizeof escape, "%%%02X", unsigned{byte});
-            uri += escape;
-        } else {
-            uri += c;
-        }
-    }
-    return fromArgument(uri);
-}
+UnicodeString pathToUri(const std::string& path) { return LumUri::fromLocalPath(path).toString(); }
 
 }  // namespace
 

@@ -8,6 +8,8 @@ namespace LumCommon::detail {
 
 namespace {
 
+constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
+
 /// Appends a decimal number that does not depend on the locale.
 void appendNumber(UnicodeString& text, int number) {
     char digits[16];
@@ -18,15 +20,22 @@ void appendNumber(UnicodeString& text, int number) {
 }  // namespace
 
 void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const UnicodeString& b) {
-    UnicodeString message = makeXmlErrorMessage(code, a, b);
-    static constexpr char16_t source[] = u"LumCommon::XmlParserImpl";
+    const UnicodeString message = makeXmlErrorMessage(code, a, b);
     if (listener_) {
-        tellListener(LumError(code, message, source, -1, -1, UnicodeString()));
+        tellListener(LumError(code, message, errorSource, -1, -1, UnicodeString()));
         return;
     }
     if (isDropped()) throw Dropped();
+    raise(code, message);
+}
+
+void ErrorReporter::raise(XmlError::Code code, UnicodeString message) const {
     message.append(u'\n').append(describePosition());
-    throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+    throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, errorSource, -1, -1, UnicodeString());
+}
+
+void ErrorReporter::raiseRefused(const UnicodeString& uri) const {
+    raise(XmlError::ExternalRefused, makeXmlErrorMessage(XmlError::ExternalRefused, uri, UnicodeString()));
 }
 
 void ErrorReporter::inputFailed() {

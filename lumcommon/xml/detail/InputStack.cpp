@@ -26,24 +26,32 @@ void InputStack::reset() {
     baseUri_.remove();
 }
 
-void InputStack::open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
-                      const UnicodeString& baseUri) {
-    input->setStream(in, ownsStream);
+void InputStack::open(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& baseUri) {
+    input->setStream(&in, false);
+    openDocument(std::move(input), in, UnicodeString(), baseUri);
+}
+
+InputStack::Opening InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri,
+                                     const UnicodeString& baseUri) {
+    const LumUri resource(uri);
+    bool isRefused = false;
+    std::unique_ptr<std::istream> in = openInput(resource, isRefused);
+    if (!in) return isRefused ? Opening::Refused : Opening::Impossible;
+    std::istream& stream = *in;
+    input->setStream(in.release(), true);
+    const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
+    openDocument(std::move(input), stream, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
+    return Opening::Done;
+}
+
+void InputStack::openDocument(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& systemId,
+                              const UnicodeString& baseUri) {
     systemId_ = systemId;
     baseUri_ = baseUri;
     input->systemId = systemId;
     input->baseUri = baseUri;
-    checkInput(*in);
+    checkInput(in);
     pushStream(std::move(input));
-}
-
-bool InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri) {
-    const LumUri resource(uri);
-    std::unique_ptr<std::istream> in = openInput(resource);
-    if (!in) return false;
-    const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    open(std::move(input), in.release(), true, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
-    return true;
 }
 
 void InputStack::close() {
