@@ -23,10 +23,10 @@ class StreamInflater;
 /// Reads gzip data (RFC 1952); anything else is passed through unchanged.
 ///
 /// From a file, all members are read, one after another, and checked. From a stream, only the first member is read,
-/// without checking its checksum and length unless setChecksTrailer() is on; anything after it is ignored. Up to 10 bytes that were read can be put
-/// back. Seeking is not supported. Memory: constant, whatever the data claim.
-/// Failure: nothing is thrown. Corrupt or truncated data end early: from a stream, the piece of 4096 bytes in which the
-/// fault shows is not delivered, all pieces before it are. hasFailed() and the badbit of a LumGzipStream then tell so, as
+/// without checking its checksum and length unless setChecksTrailer() is on; anything after it is ignored. Up to 10
+/// bytes that were read can be put back. Seeking is not supported. Memory: constant, whatever the data claim. Failure:
+/// nothing is thrown. Corrupt or truncated data end early: from a stream, the piece of 4096 bytes in which the fault
+/// shows is not delivered, all pieces before it are. hasFailed() and the badbit of a LumGzipStream then tell so, as
 /// they do when the file or stream itself breaks.
 /// Threads: one at a time.
 class LUM_API LumGzipStreamBuf : public LumRefillStreamBuf {

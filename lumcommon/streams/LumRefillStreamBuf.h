@@ -14,9 +14,8 @@ namespace LumCommon {
 ///
 /// The last bytes before the read position are kept in front of each new block, so that they can be put back. A read at
 /// the end asks the derived class again. Seeking is not supported.
-/// Failure: a source that breaks ends the reading, and hasFailed() tells that end from the true one. Exceptions thrown by
-/// refill() propagate; the get area is then at its end.
-/// Threads: one at a time.
+/// Failure: a source that breaks ends the reading, and hasFailed() tells that end from the true one. Exceptions thrown
+/// by refill() propagate; the get area is then at its end. Threads: one at a time.
 class LUM_API LumRefillStreamBuf : public std::streambuf {
 public:
     LumRefillStreamBuf(const LumRefillStreamBuf&) = delete;
@@ -28,8 +27,8 @@ public:
 
     /// Whether reading has ended because the source is broken: what has been read is not all there is.
     bool hasFailed() const noexcept { return hasFailed_; }
-    /// Names the stream over this buffer whose badbit is to tell of a failure too; null: none. The streams of the library
-    /// name themselves. It is not owned, and must live as long as it is named.
+    /// Names the stream over this buffer whose badbit is to tell of a failure too; null: none. The streams of the
+    /// library name themselves. It is not owned, and must live as long as it is named.
     void tellFailuresTo(std::ios* stream) noexcept { stream_ = stream; }
 
 protected:

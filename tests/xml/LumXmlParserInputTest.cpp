@@ -174,7 +174,8 @@ TEST(LumXmlParserInput, aFailedReadIsAnErrorWhereverItComes) {
     const std::string start = "<!--a-->" + std::string(140000, ' '), whole = start + "<!--b-->";
     const auto acceptAll = [](const LumError&, void*) {};
     for (const Pull how : {Pull::events, Pull::tokens}) {
-        for (void (*onError)(const LumError&, void*) : {static_cast<void (*)(const LumError&, void*)>(nullptr), +acceptAll}) {
+        for (void (*onError)(const LumError&, void*) :
+             {static_cast<void (*)(const LumError&, void*)>(nullptr), +acceptAll}) {
             for (const std::string encoding : {"UTF-8", "windows-1252"}) {
                 std::string converted = document;
                 converted.replace(converted.find("ENCODING"), 8, encoding);

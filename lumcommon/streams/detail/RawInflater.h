@@ -8,8 +8,8 @@ struct z_stream_s;
 
 namespace LumCommon::detail {
 
-/// Inflates raw deflate data (RFC 1951) step by step. What cannot be inflated, even for lack of memory, is
-/// BROKEN.
+/// Inflates raw deflate data (RFC 1951) step by step. What cannot be inflated is BROKEN.
+/// Failure: std::bad_alloc, from the constructor and from each step until restart().
 class RawInflater {
 public:
     enum class Outcome { MORE, END, BROKEN };
@@ -27,7 +27,7 @@ public:
     /// means that no more will come: what is held back is delivered, and data that do not end there are broken.
     /// @param room  not empty.
     /// @return MORE if `data` is used up or `room` is full. After END, always END.
-    Outcome step(std::span<const char>& data, std::span<char>& room) noexcept;
+    Outcome step(std::span<const char>& data, std::span<char>& room);
 
     /// Inflates until `room` is full or the data end, and returns the number of bytes produced. If the data turn out to
     /// be broken, returns 0, whatever was produced before.

@@ -40,8 +40,7 @@ using Duration = std::chrono::steady_clock::duration;
 class Wait {
 public:
     explicit Wait(Duration& left)
-        : left_(left),
-          deadline_(std::min<Duration>(std::chrono::milliseconds(LumUriStreamBuf::getTimeout()), left)) {}
+        : left_(left), deadline_(std::min<Duration>(std::chrono::milliseconds(LumUriStreamBuf::getTimeout()), left)) {}
     ~Wait() { left_ -= std::min(left_, std::chrono::steady_clock::now() - start_); }
     Wait(const Wait&) = delete;
     Wait& operator=(const Wait&) = delete;
@@ -71,9 +70,9 @@ std::string toRequestBytes(const UnicodeString& uri) {
     UnicodeString escaped;
     for (const char16_t unit : detail::viewOf(uri)) {
         if (unit > 0x20 && unit != 0x7F) {
-            escaped.append(unit);
+            detail::append(escaped, unit);
         } else {
-            detail::appendHexByte(escaped.append(u'%'), static_cast<std::uint8_t>(unit));
+            detail::appendHexByte(detail::append(escaped, u'%'), static_cast<std::uint8_t>(unit));
         }
     }
     return detail::toPlatformPath(escaped).value_or(std::string());
@@ -152,10 +151,10 @@ bool LumUriStreamBuf::exchange(UnicodeString uri) {
             // A head that breaks off after its first line still tells why there is no resource, but not where to look
             // for it or what it is.
             if (isComplete || !(isSuccess(status_) || isRedirection(status_))) {
-                errorMessage_ = UnicodeString(u"HTTP status is ").append(fromResponse(*text));
+                errorMessage_ = detail::joined(u"HTTP status is ", fromResponse(*text));
             }
         } else if (isComplete) {
-            errorMessage_ = u"HTTP status is unknown: the response is not HTTP";
+            errorMessage_ = detail::textOf(u"HTTP status is unknown: the response is not HTTP");
         }
         if (!isComplete) return false;
         if (isSuccess(status_)) {
@@ -229,15 +228,15 @@ bool LumUriStreamBuf::readHead(HttpHead& head) {
     const Deadline& deadline = wait.deadline();
     for (;;) {
         if (gptr() == egptr() && !receiveMore(deadline)) {
-            errorMessage_ = deadline.isOver() ? u"HTTP status is unknown: the response takes too long"
-                                              : u"HTTP status is unknown: the response ends early";
+            errorMessage_ = detail::textOf(deadline.isOver() ? u"HTTP status is unknown: the response takes too long"
+                                                             : u"HTTP status is unknown: the response ends early");
             return false;
         }
         const char byte = *gptr();
         gbump(1);
         const HttpHead::Progress progress = head.take(byte);
         if (progress == HttpHead::Progress::TooLong) {
-            errorMessage_ = u"HTTP status is unknown: the head of the response is too long";
+            errorMessage_ = detail::textOf(u"HTTP status is unknown: the head of the response is too long");
             return false;
         }
         if (progress == HttpHead::Progress::Complete) {

@@ -1,8 +1,10 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace LumCommon::detail {
 
@@ -14,23 +16,23 @@ constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
 void appendNumber(UnicodeString& text, int number) {
     char digits[16];
     const int size = std::snprintf(digits, sizeof digits, "%d", number);
-    text.append(UnicodeString(digits, size, US_INV));
+    append(text, UnicodeString(digits, size, US_INV));
 }
 
 }  // namespace
 
 void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const UnicodeString& b) {
-    const UnicodeString message = makeXmlErrorMessage(code, a, b);
+    UnicodeString message = makeXmlErrorMessage(code, a, b);
     if (listener_) {
         tellListener(LumError(code, message, errorSource, -1, -1, UnicodeString()));
         return;
     }
     if (isDropped()) throw Dropped();
-    raise(code, message);
+    raise(code, std::move(message));
 }
 
 void ErrorReporter::raise(XmlError::Code code, UnicodeString message) const {
-    message.append(u'\n').append(describePosition());
+    append(append(message, u'\n'), describePosition());
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, errorSource, -1, -1, UnicodeString());
 }
 
@@ -43,7 +45,7 @@ void ErrorReporter::inputFailed() {
     try {
         throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
     } catch (LumError& error) {
-        error.message.append(u'\n').append(describePosition());
+        append(append(error.message, u'\n'), describePosition());
         throw;
     }
 }
@@ -69,17 +71,18 @@ UnicodeString ErrorReporter::describePosition() const {
     UnicodeString description = LumXmlParser::getEventTypeStr(event_.type);
     const UnicodeString& systemId = inputs_.systemId();
     const UnicodeString& place = systemId.isEmpty() ? inputs_.baseUri() : systemId;
-    if (!place.isEmpty()) description.append(u", '").append(place).append(u'\'');
+    if (!place.isEmpty()) append(append(append(description, u", '"), place), u'\'');
     const TextPosition position = inputs_.position();
     if (position.line != -1) {
-        description.append(u", Line ");
+        append(description, u", Line ");
         appendNumber(description, position.line);
     }
     if (position.column != -1) {
-        description.append(u", Col ");
+        append(description, u", Col ");
         appendNumber(description, position.column);
     }
-    return description.append(u'.');
+    append(description, u'.');
+    return description;
 }
 
 }  // namespace LumCommon::detail

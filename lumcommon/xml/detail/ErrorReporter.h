@@ -16,8 +16,8 @@ namespace LumCommon::detail {
 class ParserEvent;
 
 /// Where the readers report what is wrong with the input. Without a listener an error is thrown; a listener that
-/// returns has accepted it, and the reader continues as best it can. An input that cannot be read any further is thrown in
-/// any case, as there is nothing to continue with.
+/// returns has accepted it, and the reader continues as best it can. An input that cannot be read any further is thrown
+/// in any case, as there is nothing to continue with.
 class ErrorReporter final : public InputWatcher {
 public:
     using Listener = void (*)(const LumError&, void*);

@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/OpenInput.h>
@@ -40,16 +41,16 @@ InputStack::Opening InputStack::open(std::unique_ptr<XmlInput> input, const Unic
     std::istream& stream = *in;
     input->setStream(in.release(), true);
     const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    openDocument(std::move(input), stream, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
+    openDocument(std::move(input), stream, uri, isBaseFromUri ? resource.getBaseString() : copyOf(baseUri));
     return Opening::Done;
 }
 
 void InputStack::openDocument(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& systemId,
                               const UnicodeString& baseUri) {
-    systemId_ = systemId;
-    baseUri_ = baseUri;
-    input->systemId = systemId;
-    input->baseUri = baseUri;
+    assign(systemId_, systemId);
+    assign(baseUri_, baseUri);
+    assign(input->systemId, systemId);
+    assign(input->baseUri, baseUri);
     checkInput(in);
     pushStream(std::move(input));
 }
@@ -180,7 +181,7 @@ bool InputStack::pushReplacement(LumName entity, const UnicodeString& text, bool
     }
     keys.push_back(key);
     Frame& frame = pushFrame(Frame::Replacement);
-    frame.text = text;
+    assign(frame.text, text);
     frame.entityKeys = std::move(keys);
     openEntities_.insert(key);
     const char16_t* const start = frame.text.getBuffer();

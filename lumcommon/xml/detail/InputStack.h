@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/names/detail/UnitHash.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
 #include <lumcommon/xml/detail/UnitScan.h>
@@ -114,7 +115,7 @@ public:
     bool pull();
     /// Whether there was any.
     bool skipWhitespace();
-    /// Copies what comes before the next `mark`, which is then the next character. False at the end of input.
+    /// Copies what comes before the next `mark` or U+FFFF, which is then the next character. False at the end of input.
     bool copyUpTo(char16_t mark, UnitBuffer& out) {
         do {
             const char16_t* const start = cursor_.cur;
@@ -203,7 +204,7 @@ private:
     std::vector<WindowBorrower*> borrowers_;
     InputWatcher* watcher_ = nullptr;
 
-    std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
+    std::unordered_set<std::uint32_t, KeyedHash> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;
     std::uint64_t allowedUnits_ = 0;  // by the bytes read when they were counted last
     std::uint64_t closedBytes_ = 0;   // read from inputs that are closed by now

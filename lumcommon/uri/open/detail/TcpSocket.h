@@ -29,8 +29,8 @@ int makeTcpSocket() noexcept;
 bool connectTcp(int socket, const std::string& host, unsigned short port, const Deadline& deadline);
 /// Sends all bytes. False if the connection breaks or the deadline passes.
 bool sendTcp(int socket, std::string_view bytes, const Deadline& deadline);
-/// Waits for bytes and takes those available, up to the size of `room`. Returns their number, 0 at the end; nullopt if the
-/// connection breaks or the deadline passes.
+/// Waits for bytes and takes those available, up to the size of `room`. Returns their number, 0 at the end; nullopt if
+/// the connection breaks or the deadline passes.
 std::optional<std::size_t> receiveTcp(int socket, std::span<char> room, const Deadline& deadline);
 
 }  // namespace LumCommon::detail
