@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace LumCommon {
 
@@ -31,6 +32,8 @@ LumKobStreamBuf::~LumKobStreamBuf() { term(); }
 
 bool LumKobStreamBuf::init(const char* encoding, bool bom) {
     term();
+    allocateBlock();
+    auto input = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
     CConvOptions options;
     options.sourceHasMark = bom;
     if (cconvInitConvert(context_, options, "UTF-16") != 0 ||
@@ -38,8 +41,7 @@ bool LumKobStreamBuf::init(const char* encoding, bool bom) {
         term();
         return false;
     }
-    allocateBlock();
-    input_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
+    input_ = std::move(input);
     context_.input = input_.get();
     context_.inputConsumed = context_.inputAvailable = 0;
     context_.isLastInput = false;

@@ -13,8 +13,11 @@ namespace LumCommon {
 using detail::readBytes;
 
 LumMemStreamBuf::LumMemStreamBuf(std::istream* source, unsigned growBytes, bool ownSource)
+    : LumMemStreamBuf(MaybeOwned<std::istream>(source, ownSource), growBytes) {}
+
+LumMemStreamBuf::LumMemStreamBuf(MaybeOwned<std::istream> source, unsigned growBytes)
     : growBytes_(growBytes == 0 ? defaultGrowBytes : growBytes) {
-    if (source) sources_.emplace_back(source, ownSource);
+    if (source) sources_.push_back(std::move(source));
 }
 
 LumMemStreamBuf::LumMemStreamBuf(const LumMemStreamBuf& other)
@@ -111,7 +114,10 @@ void LumMemStreamBuf::fillFromSources() {
         std::istream& source = *sources_.front();
         lastBlockFill_ += readBytes(source, {blocks_.back().get() + lastBlockFill_, growBytes_ - lastBlockFill_});
         // A short read means that the source has ended or failed; it would not yield anything more.
-        if (lastBlockFill_ < growBytes_) dropFrontSource();
+        if (lastBlockFill_ < growBytes_) {
+            if (detail::isBroken(source)) hasFailed_ = true;
+            dropFrontSource();
+        }
     }
 }
 
@@ -127,8 +133,9 @@ void LumMemStreamBuf::setGrowBytes(unsigned growBytes) noexcept {
 
 void LumMemStreamBuf::setSource(std::istream* source, bool own) {
     if (!source) return;
+    MaybeOwned<std::istream> taken(source, own);
     flushBuffer();
-    sources_.emplace_back(source, own);
+    sources_.push_back(std::move(taken));
     // A reader at the end of a full block gets the new bytes when it asks for the next block, which is soon enough.
     if (blocks_.empty() || lastBlockFill_ == growBytes_) return;
     fillFromSources();
@@ -453,7 +460,10 @@ void LumMemStreamBuf::seekEOL() {
 // The stream.
 
 LumMemStream::LumMemStream(std::istream* source, unsigned growBytes, bool ownSource)
-    : std::iostream(nullptr), buffer_(source, growBytes, ownSource) {
+    : LumMemStream(MaybeOwned<std::istream>(source, ownSource), growBytes) {}
+
+LumMemStream::LumMemStream(MaybeOwned<std::istream> source, unsigned growBytes)
+    : std::iostream(nullptr), buffer_(std::move(source), growBytes) {
     std::iostream::rdbuf(&buffer_);
 }
 

@@ -41,8 +41,8 @@ std::unique_ptr<std::istream> openInput(const std::string& file) {
     std::unique_ptr<std::istream> in(LumUri(toUri(file)).getStream());
     if (!in) failToOpen(file);
     if (in->tellg() != std::istream::pos_type(-1)) return in;
-    auto seekable = std::make_unique<LumMemStream>(in.get(), blockBytes, true);
-    static_cast<void>(in.release());  // the other stream owns it now
+    auto seekable = std::make_unique<LumMemStream>(nullptr, blockBytes);
+    seekable->rdbuf()->setSource(in.release(), true);
     return seekable;
 }
 

@@ -3,6 +3,7 @@
 #include <lumcommon/core/detail/NeverDestroyed.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/open/LumUriStream.h>
 
@@ -79,8 +80,7 @@ OwnedStream openRemote(const UnicodeString& uri, UnicodeString* contentType, Uni
 /// A seekable stream for the zip reader. Bytes are copied only as far as it reads or seeks.
 OwnedStream makeSeekable(OwnedStream in) {
     auto copy = std::make_unique<LumMemStream>();
-    copy->rdbuf()->setSource(in.get(), true);
-    static_cast<void>(in.release());
+    copy->rdbuf()->setSource(in.release(), true);
     return copy;
 }
 
@@ -92,7 +92,9 @@ OwnedStream openMember(OwnedStream archive, View path) {
     LumZipFileEntry* entry = zip.getFileEntry(name);
     // A URI cannot contain a blank, so a name that does arrives escaped.
     if (!entry) entry = zip.getFileEntry(LumUri::unescape(name));
-    return OwnedStream(entry ? entry->getUncompressedStream(true) : nullptr);
+    OwnedStream member(entry ? entry->getUncompressedStream(true) : nullptr);
+    // Where reading the archive has failed, the member may be shorter than it is.
+    return detail::isBroken(*archive) ? nullptr : std::move(member);
 }
 
 /// Takes the text before the next mark off `rest`, or all of it if there is no mark.
