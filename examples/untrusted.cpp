@@ -2,19 +2,21 @@
 // [untrusted]
 #include <lumcommon/lumcommon.h>
 
+#include <fstream>
 #include <iostream>
 
 using namespace LumCommon;
 
 int main(int, char* argv[]) {
+    std::ifstream in(argv[1], std::ios::binary);
     LumPtr<LumDocument> document(new LumDocument);
-    document->setUntrusted();
+    document->setUntrusted();  // before it loads
     try {
-        document->load(LumUri::fromLocalPath(argv[1]).toString());
+        document->load(in);
         std::cout << "loaded\n";
     } catch (const LumError& error) {
         std::string message;
-        std::cout << error.message.toUTF8String(message) << '\n';
+        std::cout << error.getMessage().toUTF8String(message) << '\n';
     }
 }
 // [untrusted]

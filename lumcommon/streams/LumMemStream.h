@@ -32,7 +32,8 @@ public:
 
     /// @param source     the first source; null for none. Nothing is read yet.
     /// @param growBytes  the size of a block in bytes; 0 stands for the default.
-    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
+    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction; also when
+    /// this
     ///                   throws.
     explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
                              bool ownSource = false);
@@ -55,7 +56,8 @@ public:
 
     /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
     /// and a reader at its end sees the new bytes.
-    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this throws.
+    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
+    /// throws.
     void setSource(std::istream* source, bool own);
     /// Whether a source has ended because it is broken: what the buffer holds is not all there is.
     bool hasFailed() const noexcept { return hasFailed_; }

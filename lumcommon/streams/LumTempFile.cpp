@@ -73,8 +73,8 @@ bool mayExist(const char* path) {
                      detail::fromPlatformText(path.c_str()) + reason);
 }
 
-/// Creates a file that was not there, for its owner alone; -1 if it cannot be created. A link that somebody puts there in
-/// the meantime does not lead to another file.
+/// Creates a file that was not there, for its owner alone; -1 if it cannot be created. A link that somebody puts there
+/// in the meantime does not lead to another file.
 int openNew(const char* path) noexcept { return open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); }
 
 /// Checks that a file of this name can be created and removed. False if it cannot be created; errno says why.

@@ -17,6 +17,10 @@ constexpr const char16_t* eventNames[] = {
 
 bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
 
+void LumXmlParser::setLimits(const LumXmlLimits&) {}
+
+LumXmlLimits LumXmlParser::getLimits() const { return {}; }
+
 UnicodeString LumXmlParser::getEventTypeStr(int eventType) {
     if (eventType < 0 || eventType >= static_cast<int>(std::size(eventNames))) return UnicodeString();
     return eventNames[eventType];
@@ -26,7 +30,10 @@ UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString& name) {
     return detail::textOf(detail::findMathMLEntity(detail::viewOf(name)));
 }
 
-void LumXmlParser::setUntrusted() { setFeature(FEATURE_NO_EXTERNAL, true); }
+void LumXmlParser::setUntrusted() {
+    setFeature(FEATURE_NO_EXTERNAL, true);
+    setLimits(LumXmlLimits::untrusted());
+}
 
 void LumXmlParser::clearDefinitionCache() { detail::ExternalDtdCache::clear(); }
 

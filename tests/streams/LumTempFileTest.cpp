@@ -162,9 +162,9 @@ TEST(LumTempFile, inflatesIntoTheFile) {
     // What somebody else can put in its place leads nowhere.
     const std::string victim = folder.getPath() + "victim";
     writeFile(victim, "mine");
-    for (const auto put : {+[](const char* to, const char* at) { return symlink(to, at); },
-                           +[](const char* to, const char* at) { return link(to, at); },
-                           +[](const char*, const char* at) { return mkfifo(at, 0600); }}) {
+    for (const auto put : {+[](const char*to, const char*at) { return symlink(to, at); },
+                           +[](const char*to, const char*at) { return link(to, at); },
+                           +[](const char*, const char*at) { return mkfifo(at, 0600); }}) {
         file.remove();
         ASSERT_EQ(put(victim.c_str(), path.c_str()), 0);
         EXPECT_FALSE(file.inflate(zlibBytes(data), data.size()));

@@ -92,7 +92,8 @@ TEST(LumXmlParserDtd, whatIsKeptHasOneKeyAndALimit) {
     const auto told = [](const std::string& uri, const std::string& base = {}) {
         return tell("<!DOCTYPE a SYSTEM '" + uri + "'><a>&e;</a>", {.baseUri = base});
     };
-    const std::string host = "//library.invalid" + library.getBase().substr(library.getBase().rfind('/', library.getBase().size() - 2));
+    const std::string host =
+        "//library.invalid" + library.getBase().substr(library.getBase().rfind('/', library.getBase().size() - 2));
     library.add("x.dtd", define("kept"));
     writeFile(file, define("kept"));
     std::filesystem::create_directory(path + "d");
@@ -102,7 +103,7 @@ TEST(LumXmlParserDtd, whatIsKeptHasOneKeyAndALimit) {
     library.add("x.dtd", define("read again"));
     writeFile(file, define("read again"));
     for (const std::string& uri : {"HTTP:" + host + "x.dtd", "http://Library.Invalid:80" + host.substr(17) + "x.dtd",
-                                  "file://" + path + "./x.dtd", path + "d/../x.dtd", path + "link/x.dtd"}) {
+                                   "file://" + path + "./x.dtd", path + "d/../x.dtd", path + "link/x.dtd"}) {
         EXPECT_EQ(told(uri), "<a>kept</a>") << uri;
     }
     EXPECT_EQ(told("x.dtd", path), "<a>kept</a>");

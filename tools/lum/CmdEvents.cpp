@@ -4,6 +4,7 @@
 #include "Command.h"
 #include "Input.h"
 #include "JsonLines.h"
+#include "Limits.h"
 #include "Output.h"
 
 #include <iostream>
@@ -19,12 +20,14 @@ using namespace LumCommon;
 struct Arguments {
     bool isTokens = false;
     std::vector<int> features;
+    std::vector<std::string> limits;
     std::string encoding, file;
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
     syntax.flag("--tokens", arguments.isTokens, "Report every token as a separate event");
     syntax.option("--feature", arguments.features, 0, 7, "Turn on the parser feature of that number; may be repeated");
+    addLimitOptions(syntax, arguments.limits);
     syntax.option("--encoding", arguments.encoding, "The encoding, if known from outside the document");
     syntax.required("file", arguments.file, fileHelp);
 }
@@ -88,6 +91,7 @@ void run(const Arguments& arguments) {
         parser->setFeature(feature, true);
         if (!parser->getFeature(feature)) throw UsageError("--feature: there is none of this number");
     }
+    parser->setLimits(readLimits(arguments.limits, parser->getLimits()));
     if (arguments.file == "-") {
         parser->setInput(std::cin, fromArgument(arguments.encoding), {});
     } else {

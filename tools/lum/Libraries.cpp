@@ -39,6 +39,9 @@ public:
     void option(const char* name, std::vector<int>& values, int least, int most, const char* help) override {
         app_.add_option(name, values, help)->check(CLI::Range(least, most))->allow_extra_args(false)->type_name("N");
     }
+    void option(const char* name, std::vector<std::string>& values, const char* help) override {
+        app_.add_option(name, values, help)->allow_extra_args(false);
+    }
     void required(const char* name, std::string& value, const char* help) override {
         app_.add_option(name, value, help)->required();
     }

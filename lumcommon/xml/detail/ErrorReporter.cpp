@@ -13,9 +13,9 @@ namespace {
 constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
 
 /// Appends a decimal number that does not depend on the locale.
-void appendNumber(UnicodeString& text, int number) {
-    char digits[16];
-    const int size = std::snprintf(digits, sizeof digits, "%d", number);
+void appendNumber(UnicodeString& text, std::int64_t number) {
+    char digits[24];
+    const int size = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(number));
     append(text, UnicodeString(digits, size, US_INV));
 }
 

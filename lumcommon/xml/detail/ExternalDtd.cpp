@@ -17,8 +17,9 @@ std::size_t bytesOf(const ExternalDtd& dtd) {
     for (const auto* definitions :
          {&dtd.generalEntities, &dtd.parameterEntities, &dtd.generalExternals, &dtd.parameterExternals}) {
         for (const auto& [name, value] : *definitions) {
-            bytes += sizeof(ExternalDtd::Definitions::value_type) +
-                     sizeof(char16_t) * (static_cast<std::size_t>(name.length()) + static_cast<std::size_t>(value.length()));
+            bytes +=
+                sizeof(ExternalDtd::Definitions::value_type) +
+                sizeof(char16_t) * (static_cast<std::size_t>(name.length()) + static_cast<std::size_t>(value.length()));
         }
     }
     return bytes;

@@ -56,12 +56,17 @@ bool read(ReaderParts& parts, const LumUri& resource, const UnicodeString& baseU
 }
 
 std::shared_ptr<const ExternalDtd> readExternalDtd(const UnicodeString& key, const LumUri& resource,
-                                                   const UnicodeString& baseUri, bool forgivesErrors) {
-    ReaderParts parts;
-    parts.reset();
+                                                   const UnicodeString& baseUri, bool forgivesErrors,
+                                                   InputMeter& meter) {
+    meter.countExternalInput();
+    if (!meter.expandByInput()) throw LimitExceeded{XmlError::ExpansionLimit};
+    ReaderParts parts(meter);
     bool isWhole = false;
     try {
         isWhole = read(parts, resource, baseUri);
+    } catch (const LimitExceeded& limit) {
+        meter.note(limit.code);
+        parts.errors.report(limit.code);
     } catch (const LumError&) {
         if (!forgivesErrors) throw;
     }
@@ -102,10 +107,10 @@ ExternalDtdSource::ExternalDtdSource(const UnicodeString& systemId, const Unicod
 
 bool ExternalDtdSource::isBuiltIn() const { return uri().startsWith(mathMLAddress); }
 
-void ExternalDtdSource::declareIn(EntityTable& entities, bool forgivesErrors) const {
+void ExternalDtdSource::declareIn(EntityTable& entities, bool forgivesErrors, InputMeter& meter) const {
     const UnicodeString key = cacheKey(resource_);
     std::shared_ptr<const ExternalDtd> dtd = ExternalDtdCache::find(key);
-    if (!dtd) dtd = readExternalDtd(key, resource_, baseInside_, forgivesErrors);
+    if (!dtd) dtd = readExternalDtd(key, resource_, baseInside_, forgivesErrors, meter);
     entities.declare(*dtd);
 }
 
