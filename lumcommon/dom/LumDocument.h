@@ -93,6 +93,9 @@ public:
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
+    /// For documents from strangers: LumXmlParser::setUntrusted() for the parser and for each that replaces it, and
+    /// setLimits(LumXmlLimits::untrusted()). What is loaded by a path or URI is still opened; what it names is not.
+    void setUntrusted();
     /// The parser, created if there is none. Borrowed.
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
@@ -193,6 +196,7 @@ private:
     LumValue loadedValue_;                               // of the attribute that is being set
     int skipDepth_ = 0;                                  // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
+    bool isUntrusted_ = false;
     bool isSaveChecked_ = true;
     bool isReading_ = false;
     LumLock loadLock_;

@@ -75,6 +75,7 @@ LumXmlParser* LumDocument::getParser() {
 
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
+    if (parser_ && isUntrusted_) parser_->setUntrusted();
     if (parser_ && limits_) parser_->setLimits(*limits_);
     documentUri_.remove();
     input_ = nullptr;
@@ -83,6 +84,12 @@ void LumDocument::setParser(LumXmlParser* parser) {
 void LumDocument::setLimits(const LumXmlLimits& limits) {
     limits_ = std::make_unique<LumXmlLimits>(limits);
     if (parser_) parser_->setLimits(limits);
+}
+
+void LumDocument::setUntrusted() {
+    getParser()->setUntrusted();
+    isUntrusted_ = true;
+    setLimits(LumXmlLimits::untrusted());
 }
 
 LumXmlLimits LumDocument::getLimits() const {

@@ -140,6 +140,15 @@ def check_events():
            "\u00e9")
     undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
     expect("--feature does not reach the parser", undeclared.returncode, 0)
+    strange = b"<!DOCTYPE a [<!ENTITY x SYSTEM '/etc/hostname'>]><a>&x;</a>"
+    refused = [run(*command, "-", stdin=strange)
+               for command in (["--untrusted", "events"], ["events", "--untrusted"], ["save", "--untrusted"])]
+    expect("what a document names is opened", [(d.returncode, b"0x183A" in d.stderr) for d in refused], [(1, True)] * 3)
+    deep = run("--untrusted", "save", "-", stdin=b"<a>" * 10001)
+    expect("--untrusted has no limits", b"0x183B" in deep.stderr, True)
+    os.mkfifo(FOLDER / "waits")  # whoever opens it waits for ever
+    (FOLDER / "names.xml").write_text("<!DOCTYPE a [<!ENTITY % p SYSTEM 'waits'>%p;]><a/>")
+    expect("kind opens what the file names", json.loads(run("kind", "names.xml").stdout)["root"]["name"], "a")
     limited = [run(*command, "--limit", "depth=off", "--limit", "depth=1", "-", stdin=b"<a><b/></a>")
                for command in (["events"], ["save"], ["save", "--lazy"])]
     expect("--limit does not reach the parser, or is not told", [(d.returncode, d.stderr[-19:]) for d in limited],
@@ -292,7 +301,7 @@ def check_failures():
         ("missing argument", ["resolve", "a"], 2, None),
         ("too many arguments", ["name", "a", "b"], 2, None),
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
-        ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
+        ("feature out of range", ["events", "--feature", "6", "doc.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
         ("unknown limit", ["events", "--limit", "width=1", "doc.xml"], 2, None),
         ("limit without a value", ["save", "--limit", "depth", "doc.xml"], 2, None),

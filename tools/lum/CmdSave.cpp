@@ -105,6 +105,7 @@ bool isSameFile(const std::string& a, const std::string& b) {
 
 void run(const Arguments& arguments) {
     const LumPtr<LumDocument> document(new LumDocument);
+    if (commonOptions().isUntrusted) document->setUntrusted();
     document->setLimits(readLimits(arguments.limits, document->getLimits()));
     if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
     if (!arguments.isLazy) return saveWhole(*document, arguments);
