@@ -1,11 +1,12 @@
 #include <lumcommon/core/LumCStr.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <unicode/localpointer.h>
 #include <unicode/ucnv.h>
 
 namespace LumCommon {
 
-LumCStr::LumCStr(const UnicodeString& text) : UnicodeString(text) {}
+LumCStr::LumCStr(const UnicodeString& text) : UnicodeString(detail::copyOf(text)) {}
 
 const std::string& LumCStr::getMBString(const char* codepage) {
     const bool isSameCodepage = codepage ? codepage_ == codepage : !codepage_.has_value();
@@ -21,6 +22,7 @@ const std::string& LumCStr::makeMBString(const char* codepage) {
 
     UErrorCode status = U_ZERO_ERROR;
     const icu::LocalUConverterPointer converter(ucnv_open(name ? name->c_str() : nullptr, &status));
+    detail::checkMemory(status);
     if (U_SUCCESS(status)) {
         const int32_t sizeBytes = extract(nullptr, 0, converter.getAlias(), status);
         // The measuring call reports the lack of room as its status, or, for an empty text, the missing terminator.
@@ -28,13 +30,14 @@ const std::string& LumCStr::makeMBString(const char* codepage) {
             status = U_ZERO_ERROR;
             bytes.resize(static_cast<std::size_t>(sizeBytes));
             extract(bytes.data(), sizeBytes, converter.getAlias(), status);
+            detail::checkMemory(status);
             if (U_FAILURE(status)) bytes.clear();
         }
     }
 
+    detail::assign(converted_, *this);
     narrow_ = std::move(bytes);
     codepage_ = std::move(name);
-    converted_ = *this;
     isMade_ = true;
     return narrow_;
 }

@@ -12,7 +12,10 @@ namespace {
 
 using detail::append;
 using detail::appendDecimal;
+using detail::assign;
+using detail::copyOf;
 using detail::ErrorRow;
+using detail::textOf;
 using detail::viewOf;
 
 constexpr ErrorRow errorRows[] = {
@@ -46,7 +49,7 @@ UnicodeString makeMessage(std::u16string_view text, const UnicodeString& arg1, c
 
 UnicodeString textOfException(const std::exception& exception) {
     UnicodeString text(u"C++ exception: ");
-    if (const char* const what = exception.what()) text.append(UnicodeString(what));
+    if (const char* const what = exception.what()) append(text, detail::checked(UnicodeString(what)));
     return text;
 }
 
@@ -54,7 +57,12 @@ UnicodeString textOfException(const std::exception& exception) {
 
 LumError::LumError(std::uint16_t errorCode, const UnicodeString& text, const UnicodeString& raisedBy,
                    std::int32_t lineNumber, std::int32_t columnNumber, const UnicodeString& where)
-    : code(errorCode), message(text), source(raisedBy), line(lineNumber), column(columnNumber), location(where) {}
+    : code(errorCode),
+      message(copyOf(text)),
+      source(copyOf(raisedBy)),
+      line(lineNumber),
+      column(columnNumber),
+      location(copyOf(where)) {}
 
 LumError::LumError(const std::bad_alloc&, const UnicodeString& raisedBy)
     : LumError(static_cast<std::uint16_t>(LumErrorCodeLumLIB::OutOfMemory), UnicodeString(u"Out of memory."), raisedBy,
@@ -69,7 +77,7 @@ UnicodeString LumError::getMessage() const {
     if (position.isEmpty()) return message;
     // Appending to a bogus string leaves it bogus, so the text starts from an empty one.
     UnicodeString text;
-    return text.append(message).append(u'\n').append(position);
+    return append(append(append(text, message), u'\n'), position);
 }
 
 UnicodeString LumError::getPositionDescription() const {
@@ -84,25 +92,31 @@ UnicodeString LumError::getPositionDescription() const {
         appendDecimal(text, column);
         append(text, u", ");
     }
-    return text.append(location);
+    return append(text, location);
 }
 
 void LumError::setMessage(const UnicodeString& text) {
-    message = text;
-    UnicodeString position = getPositionDescription();
-    if (position.isEmpty()) return;
-    position.insert(0, u'\n');
-    if (message.endsWith(position)) message.truncate(message.length() - position.length());
+    const UnicodeString position = getPositionDescription();
+    std::u16string_view kept = viewOf(text);
+    if (!position.isEmpty() && kept.ends_with(viewOf(position))) {
+        kept.remove_suffix(viewOf(position).size());
+        if (kept.ends_with(u'\n')) {
+            message = textOf(kept.substr(0, kept.size() - 1));
+            return;
+        }
+    }
+    assign(message, text);
 }
 
 void LumError::appendMessage(const UnicodeString& text) {
     if (text.isEmpty()) return;
-    const UnicodeString addition(text);  // `text` may be this error's own message
     if (message.isEmpty()) {
-        message = addition;
-    } else {
-        message.append(u'\n').append(addition);
+        assign(message, text);
+        return;
     }
+    UnicodeString whole;  // the message stays as it is when memory runs out
+    append(append(append(whole, message), u'\n'), text);
+    message.swap(whole);
 }
 
 UnicodeString getCommonErrorSource(LumCommonErrorSource source) {

@@ -26,6 +26,7 @@ enum class LumErrorCodeLumLIB : std::uint16_t {
     EndTagMismatch = 0x80F,
     UnexpectedDocDecl = 0x810,
     UnsupportedNodeType = 0x812,
+    NotWritable = 0x813,  ///< what XML cannot hold, where LumXmlSerializer checks; each message tells what
 };
 
 /// Codes of input and output, family 0x10xx.

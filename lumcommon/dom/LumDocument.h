@@ -87,7 +87,7 @@ public:
     void setDeferredLoad(bool deferred) noexcept { isLoadDeferred_ = deferred; }
     bool isDeferredLoad() const noexcept { return isLoadDeferred_; }
     /// The base URI handed to the parser with the next input; empty in a new document.
-    void setInputOption(const UnicodeString& option) { inputOption_ = option; }
+    void setInputOption(const UnicodeString& option);
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
@@ -95,6 +95,14 @@ public:
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
     void setParser(LumXmlParser* parser);
+
+    /// Whether saving refuses what a parser would refuse or take for other markup, with error 0x813: a name that is
+    /// none (a compound value's name such as "x><evil" among them), "?>" in a processing instruction, "--" in a
+    /// comment, U+FFFF in a text; see LumXmlSerializer::setChecked(). On in a new document. What was loaded passes, and
+    /// what has passed can be loaded again, unless the tree misses what makes a document: one root, a declaration for
+    /// every prefix, attributes with different names. Off, the serializer's own setting holds.
+    void setSaveChecked(bool isChecked) noexcept { isSaveChecked_ = isChecked; }
+    bool isSaveChecked() const noexcept { return isSaveChecked_; }
 
     /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8 without an
     /// encoding declaration. A processing instruction is written before the node, unless it is empty.
@@ -153,6 +161,7 @@ private:
     LumValue loadedValue_;                              // of the attribute that is being set
     int skipDepth_ = 0;                                 // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
+    bool isSaveChecked_ = true;
     bool isReading_ = false;
     LumLock loadLock_;
 };

@@ -1,6 +1,7 @@
 // Loading: turns the parser's events into nodes.
 
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -73,6 +74,8 @@ void LumDocument::setParser(LumXmlParser* parser) {
     documentUri_.remove();
 }
 
+void LumDocument::setInputOption(const UnicodeString& option) { detail::assign(inputOption_, option); }
+
 /// Sets the node at which loading continues, and holds it, because the caller may take it out of the tree before the
 /// next step. A document must not hold itself, or it would never be destroyed.
 void LumDocument::setCursor(LumNode* node) noexcept {
@@ -84,7 +87,7 @@ void LumDocument::setCursor(LumNode* node) noexcept {
 void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
     // An older load must not continue when the new input cannot be opened.
     abort();
-    if (!target || target == this) documentUri_ = uri;
+    if (!target || target == this) detail::assign(documentUri_, uri);
     getParser();
 }
 

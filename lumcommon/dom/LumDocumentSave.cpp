@@ -1,6 +1,7 @@
 // Saving: turns nodes into calls to the serializer.
 
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -210,8 +211,9 @@ private:
             const LumNamedValue entry = entries.next();
             LumName name = attr.getLocalName();
             if (!entry.getName().isNull()) {
-                UnicodeString compound(name.getString());
-                compound.append(u'.').append(entry.getName().getString());
+                UnicodeString compound = detail::copyOf(name.getString());
+                detail::append(compound, u'.');
+                detail::append(compound, entry.getName().getString());
                 name = LumName(compound);
             }
             put(attr, name, entry.toString());
@@ -237,6 +239,22 @@ private:
     Output output_;
     bool isSvg_ = false;
     bool isSvgKnown_ = false;  // determined at the first colour
+};
+
+/// Has the serializer check what it writes while this lives, where the document wants that.
+class CheckScope {
+public:
+    CheckScope(LumXmlSerializer& serializer, bool wantsCheck)
+        : serializer_(&serializer), wasChecked_(serializer.isChecked()) {
+        if (wantsCheck) serializer.setChecked(true);
+    }
+    CheckScope(const CheckScope&) = delete;
+    CheckScope& operator=(const CheckScope&) = delete;
+    ~CheckScope() { serializer_->setChecked(wasChecked_); }
+
+private:
+    const LumPtr<LumXmlSerializer> serializer_;  // held: a node's operation may replace that of the document
+    const bool wasChecked_;
 };
 
 /// Makes the serializer release its output however the saving ends: the caller may destroy it before setting another.
@@ -280,6 +298,7 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
+    const CheckScope checks(serializer, isSaveChecked_);
     if (typeid(serializer) == typeid(XmlSerializerImpl)) {
         NodeWriter<XmlSerializerImpl, detail::GatheredOutput>(static_cast<XmlSerializerImpl&>(serializer), *this)
             .write(node, startTagOnly);
@@ -292,6 +311,7 @@ void LumDocument::doSave(LumNode* node, bool startTagOnly) {
 void LumDocument::writeAll(LumNode* node, const UnicodeString& comment, const UnicodeString& doctype,
                            const UnicodeString& processingInstruction) {
     LumXmlSerializer* const serializer = getSerializer();
+    const CheckScope checks(*serializer, isSaveChecked_);
     serializer->startDocument(UnicodeString(), UnicodeString());
     if (!comment.isEmpty()) serializer->comment(comment);
     if (!doctype.isEmpty()) serializer->docdecl(doctype);
@@ -338,6 +358,7 @@ UnicodeString LumDocument::saveXml(LumNode* node) {
     std::ostringstream bytes;
     OutputScope output(getSerializer());
     output->setOutput(bytes, u"UTF-8");
+    const CheckScope checks(*getSerializer(), isSaveChecked_);
     if (!node || node == this) output->startDocument(UnicodeString(), UnicodeString());
     doSave(node ? node : this, false);
     output->endDocument();
@@ -347,12 +368,14 @@ UnicodeString LumDocument::saveXml(LumNode* node) {
 
 void LumDocument::saveDocumentElement(const UnicodeString& uri) {
     getSerializer()->setOutput(uri, UnicodeString());
+    const CheckScope checks(*serializer_, isSaveChecked_);
     serializer_->startDocument(UnicodeString(), UnicodeString());
     doSave(getDocumentElement(), true);
 }
 
 void LumDocument::saveDocumentElement(std::ostream& out) {
     getSerializer()->setOutput(out, UnicodeString());
+    const CheckScope checks(*serializer_, isSaveChecked_);
     serializer_->startDocument(UnicodeString(), UnicodeString());
     doSave(getDocumentElement(), true);
 }

@@ -66,6 +66,32 @@ void LumElement::appendAttribute(LumAttr* attr) {
     }
 }
 
+/// Removes and releases the last attribute. Needs no memory.
+void LumElement::takeBack(LumNode* last) noexcept {
+    if (hasMap_) {
+        attributes_.map->remove(last);
+        return;
+    }
+    LumNode* previous = last;
+    while (previous->nextSibling_ != last) previous = previous->nextSibling_;
+    previous->nextSibling_ = last->nextSibling_;
+    attributes_.last = previous == last ? nullptr : previous;
+    --attributeCount_;
+    last->parent_ = last->nextSibling_ = nullptr;
+    last->releaseRef();
+}
+
+/// Calls `setValue`; when it throws, an attribute that has just been added does not stay without its value.
+template <class SetValue>
+void LumElement::setValueOf(LumAttr* attr, bool isNew, SetValue setValue) {
+    try {
+        setValue();
+    } catch (...) {
+        if (isNew && lastAttribute() == attr) takeBack(attr);
+        throw;
+    }
+}
+
 LumNamedNodeMap* LumElement::getAttributes() const { return attributeMap(); }
 
 bool LumElement::hasAttributes() const { return lastAttribute() != nullptr; }
@@ -195,13 +221,14 @@ LumValue LumElement::getAttributeNS(LumName namespaceUri, LumName localName) con
 
 void LumElement::setAttribute(LumName name, const LumValue& value) {
     LumAttr* attr = asAttr(findAttribute(name));
-    if (!attr) {
+    const bool isNew = !attr;
+    if (isNew) {
         LumPtr<LumAttr> made = ownerDocument_->createAttribute(name);
         if (!made) return;
         appendAttribute(made.get());
         attr = made.detach();
     }
-    attr->setValue(value);
+    setValueOf(attr, isNew, [&] { attr->setValue(value); });
 }
 
 void LumElement::setAttributeNS(LumName namespaceUri, LumName qualifiedName, const LumValue& value) {
@@ -210,8 +237,10 @@ void LumElement::setAttributeNS(LumName namespaceUri, LumName qualifiedName, con
 }
 
 /// The attribute of that name, its prefix set to `prefix`, or else a new one. Null when the document creates none.
-LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName) {
-    if (LumAttr* attr = asAttr(findAttributeNS(namespaceUri, localName))) {
+LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName, bool& isNew) {
+    LumAttr* const attr = asAttr(findAttributeNS(namespaceUri, localName));
+    isNew = !attr;
+    if (attr) {
         attr->setPrefix(prefix);
         return attr;
     }
@@ -221,12 +250,13 @@ LumAttr* LumElement::attributeForSetting(LumName namespaceUri, LumName prefix, L
 }
 
 void LumElement::setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value) {
-    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName);
+    bool isNew = false;
+    LumAttr* const attr = attributeForSetting(namespaceUri, prefix, localName, isNew);
     if (!attr) return;
     if (&value == &ownerDocument_->loadedValue_ && (isExactly<AttrNS>(*attr) || isExactly<Attr>(*attr))) {
         static_cast<Attr*>(attr)->takeValue(detail::ValueText::share(value));
     } else {
-        attr->setValue(value);
+        setValueOf(attr, isNew, [&] { attr->setValue(value); });
     }
 }
 

@@ -95,7 +95,10 @@ private:
     void appendAttribute(LumAttr* attr);
     LumPtr<LumElement> cloneWithoutChildren() const;
     void copyDescendantsInto(LumNode* copy) const;
-    LumAttr* attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName);
+    void takeBack(LumNode* last) noexcept;
+    LumAttr* attributeForSetting(LumName namespaceUri, LumName prefix, LumName localName, bool& isNew);
+    template <class SetValue>
+    void setValueOf(LumAttr* attr, bool isNew, SetValue setValue);
     template <class Visit>
     void visitLocal(LumName localName, Visit visit) const;
 

@@ -1,5 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumNode.h>
 #include <lumcommon/dom/LumNodeIterable.h>
@@ -17,8 +18,9 @@ UnicodeString LumNode::getTypeName() const { return u"LumNode"; }
 LumName LumNode::getNodeName() const {
     const LumName prefix = getPrefix();
     if (prefix.isNull()) return getLocalName();
-    UnicodeString qualified(prefix.getString());
-    qualified.append(u':').append(getLocalName().getString());
+    UnicodeString qualified = detail::copyOf(prefix.getString());
+    detail::append(qualified, u':');
+    detail::append(qualified, getLocalName().getString());
     return LumName(qualified);
 }
 

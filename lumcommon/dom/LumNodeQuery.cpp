@@ -1,5 +1,6 @@
 // Questions about a node's place in its tree.
 
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumNode.h>
 #include <lumcommon/dom/LumNodeIterable.h>
 #include <lumcommon/dom/detail/Restored.h>
@@ -154,7 +155,7 @@ UnicodeString LumNode::getInnerText() const {
     UnicodeString text;
     LumTreeIterator walk(const_cast<LumNode*>(this), LumTreeIterator::ENTER);
     while (const LumNode* node = walk.nextNode()) {
-        if (node != this && node->isText()) text.append(node->getText());
+        if (node != this && node->isText()) detail::append(text, node->getText());
     }
     return text;
 }

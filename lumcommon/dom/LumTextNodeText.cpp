@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/SlabPool.h>
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/values/detail/ValueText.h>
@@ -61,7 +62,7 @@ UnicodeString LumTextNode::Text::toString() const {
         text.setToBogus();
     } else {
         const std::u16string_view units = view();
-        text.setTo(units.data(), length_);
+        detail::checked(text.setTo(units.data(), length_));
     }
     return text;
 }

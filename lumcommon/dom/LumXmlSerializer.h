@@ -11,9 +11,9 @@ namespace LumCommon {
 /// declares namespaces where they are needed and makes up prefixes when asked to.
 ///
 /// Order: setOutput, startDocument, (docdecl), elements and content, endDocument.
-/// Errors: calls out of order throw 0x80C to 0x810; no output 0x1005, a failed one 0x1007. What was written before
-/// stays. When an operation returns or throws, what it wrote is in the stream.
-/// Threads: one at a time.
+/// Errors: calls out of order throw 0x80C to 0x810; no output 0x1005, a failed one 0x1007; what is not XML, where that
+/// is checked (see setChecked), 0x813. What was written before stays. When an operation returns or throws, what it
+/// wrote is in the stream. Threads: one at a time.
 class LUM_API LumXmlSerializer : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0xB2E73DE2u;
@@ -57,7 +57,8 @@ public:
     /// becomes a decimal reference; a surrogate pair becomes a single one.
     virtual void text(const UnicodeString& text) = 0;
     virtual void text(const unsigned short* buffer, int start, int length) = 0;
-    /// The following are written as they are: the caller must make sure that "--", "?>" and "]]>" do not occur inside.
+    /// The following are written as they are, names as well: the caller must make sure that "--", "?>" and "]]>" do not
+    /// occur inside, or have it checked.
     virtual void cdsect(const UnicodeString& text) = 0;
     virtual void entityRef(const UnicodeString& name) = 0;
     virtual void processingInstruction(const UnicodeString& content) = 0;
@@ -69,6 +70,19 @@ public:
     virtual void flush() = 0;
     /// The text of the generator comment; empty for none.
     virtual void setGenerator(const UnicodeString& generator) = 0;
+
+    /// Whether what a parser would take for other markup, or refuse, is refused here, with error 0x813. Off in a new
+    /// serializer; LumDocument turns it on while it saves. Then
+    /// - a name must be one of XML, or two with a colon between them, and the encoding must have all its characters;
+    /// - a comment, and the generator, must not hold "--" or end with "-", a CDATA section must not hold "]]>";
+    /// - a processing instruction must begin with a name other than "xml", and must not hold "?>";
+    /// - `standalone` must be "yes" or "no", and ignorable white space must be white space;
+    /// - no text may hold U+FFFF, which the library's parser refuses everywhere. In Shift_JIS that goes for U+FFFE and
+    ///   halves of surrogate pairs as well, because a reference to them is not well-formed.
+    /// The content of docdecl() is not checked.   Cost: next to none: names are remembered.
+    /// A serializer of a caller's class need not check; this one ignores the wish.
+    virtual void setChecked(bool isChecked);
+    virtual bool isChecked() const;
 };
 
 }  // namespace LumCommon

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
@@ -95,12 +96,18 @@ LumName LumXmlUtil::getXSLStylesheetNamespace(LumName& localName, const UnicodeS
 }
 
 UnicodeString LumXmlUtil::makeNSQNameStr(const UnicodeString& namespaceUri, const UnicodeString& localName) {
-    if (namespaceUri.isEmpty()) return localName;
-    if (namespaceUri == LumName(NAME_NS_XML).getString()) return u"xml:" + localName;
-    if (namespaceUri == LumName(NAME_NS_XMLNS).getString()) {
-        return localName == u"xmlns" ? localName : u"xmlns:" + localName;
+    UnicodeString name;
+    if (namespaceUri == LumName(NAME_NS_XML).getString()) {
+        detail::append(name, u"xml:");
+    } else if (namespaceUri == LumName(NAME_NS_XMLNS).getString()) {
+        if (localName != u"xmlns") detail::append(name, u"xmlns:");
+    } else if (!namespaceUri.isEmpty()) {
+        detail::append(name, u'{');
+        detail::append(name, namespaceUri);
+        detail::append(name, u"}:");
     }
-    return u"{" + namespaceUri + u"}:" + localName;
+    detail::append(name, localName);
+    return name;
 }
 
 }  // namespace LumCommon

@@ -2,6 +2,7 @@
 #include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/XmlSerializerImpl.h>
+#include <lumcommon/dom/detail/WritableText.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/uri/LumUri.h>
 
@@ -23,7 +24,7 @@ constexpr char16_t defaultGenerator[] =
 
 /// The form in which an encoding is declared; empty for one that cannot be declared.
 UnicodeString declarableEncoding(const UnicodeString& encoding) {
-    const UnicodeString name = detail::toUpperCase(UnicodeString(encoding).trim());
+    const UnicodeString name = detail::toUpperCase(detail::copyOf(encoding).trim());
     if (name == u"SHIFT-JIS" || name == u"SHIFT_JIS") return u"SHIFT_JIS";
     return name == u"UTF-8" ? name : UnicodeString();
 }
@@ -51,7 +52,7 @@ private:
     bool isFinished_ = false;
 };
 
-XmlSerializerImpl::XmlSerializerImpl() : generator_(defaultGenerator) {}
+XmlSerializerImpl::XmlSerializerImpl() : generator_(detail::textOf(defaultGenerator)) {}
 
 XmlSerializerImpl::~XmlSerializerImpl() {
     if (!output_.isOwned()) return;
@@ -98,7 +99,7 @@ void XmlSerializerImpl::resetForOutput() {
 void XmlSerializerImpl::attach(MaybeOwned<std::ostream> out, const UnicodeString& encoding) {
     output_ = std::move(out);
     writer_.setStream(output_.get());
-    encoding_ = encoding;
+    detail::assign(encoding_, encoding);
     writer_.selectShiftJis(false);  // startDocument() decides
     state_ = STATE_OUTPUT_SET;
 }
@@ -132,6 +133,10 @@ void XmlSerializerImpl::startDocument(const UnicodeString& encoding, const Unico
     writer_.selectShiftJis(encoding_ == u"SHIFT_JIS");
 
     Operation operation(*this);
+    if (isChecked()) {
+        if (!standalone.isEmpty()) detail::checkStandalone(detail::viewOf(standalone));
+        detail::checkComment(detail::viewOf(generator_));
+    }
     writer_.ascii("<?xml version=\"1.0\"");
     if (!encoding_.isEmpty()) {
         writer_.ascii(" encoding=\"");
@@ -163,6 +168,7 @@ void XmlSerializerImpl::endDocument() {
 }
 
 void XmlSerializerImpl::setPrefix(LumName prefix, LumName namespaceUri) {
+    writer_.checkPrefix(prefix);
     if (isTagOpen()) {
         Operation operation(*this);
         closeStartTag(TagEnd::Content);
@@ -191,6 +197,7 @@ void XmlSerializerImpl::dropPrefixScope() {
 
 void XmlSerializerImpl::startTag(LumName namespaceUri, LumName localName) {
     Operation operation(*this);
+    if (isChecked()) detail::checkNCName(detail::viewOf(localName.getString()));
     const bool closesTag = needsClosing();
     scopes_.open(namespaceUri, localName);
     state_ = STATE_TAG_OPEN;
@@ -216,8 +223,8 @@ void XmlSerializerImpl::attribute(LumName namespaceUri, LumName prefix, LumName 
     checkAttributeState();
     if (declareNamespace(namespaceUri, prefix, localName, value)) return;
     Operation operation(*this);
+    writeAttribute(prefix, localName, value);  // a name that is refused declares nothing
     if (!namespaceUri.isNull() && !prefix.isNull()) scopes_.declareForAttribute(prefix, namespaceUri);
-    writeAttribute(prefix, localName, value);
     operation.finish();
 }
 
@@ -230,7 +237,9 @@ void XmlSerializerImpl::failAttribute() const {
 bool XmlSerializerImpl::declareNamespace(LumName namespaceUri, LumName prefix, LumName localName,
                                          const UnicodeString& value) {
     if (namespaceUri != NAME_NS_XMLNS && prefix != NAME_xmlns && localName != NAME_xmlns) return false;
-    scopes_.declare(localName == NAME_xmlns ? LumName() : localName, LumName(value));
+    const LumName declared = localName == NAME_xmlns ? LumName() : localName;
+    writer_.checkPrefix(declared);
+    scopes_.declare(declared, LumName(value));
     return true;
 }
 
@@ -264,7 +273,7 @@ void XmlSerializerImpl::failEndTag(LumName namespaceUri, LumName localName) cons
     const UnicodeString given = LumXmlUtil::makeNSQNameStr(namespaceUri.getString(), localName.getString());
     const UnicodeString opened =
         open.prefix.isNull() ? LumXmlUtil::makeNSQNameStr(open.namespaceUri.getString(), open.localName.getString())
-                             : open.prefix.getString() + u":" + open.localName.getString();
+                             : detail::checked(open.prefix.getString() + u":" + open.localName.getString());
     throwCommonError(LumErrorCodeLumLIB::EndTagMismatch, LumCommonErrorSource::SerializerEndTag, given, opened);
 }
 
@@ -285,15 +294,25 @@ void XmlSerializerImpl::text(const unsigned short* buffer, int start, int length
     operation.finish();
 }
 
-void XmlSerializerImpl::cdsect(const UnicodeString& text) { writeContent("<![CDATA[", text, detail::TEXT_RAW, "]]>"); }
+void XmlSerializerImpl::cdsect(const UnicodeString& text) {
+    if (isChecked()) detail::checkCData(detail::viewOf(text));
+    writeContent("<![CDATA[", text, detail::TEXT_RAW, "]]>");
+}
 
-void XmlSerializerImpl::entityRef(const UnicodeString& name) { writeContent("&", name, detail::TEXT_RAW, ";"); }
+void XmlSerializerImpl::entityRef(const UnicodeString& name) {
+    if (isChecked()) detail::checkNCName(detail::viewOf(name));
+    writeContent("&", name, detail::TEXT_RAW, ";");
+}
 
 void XmlSerializerImpl::processingInstruction(const UnicodeString& content) {
+    if (isChecked()) detail::checkInstruction(detail::viewOf(content));
     writeContent("<?", content, detail::TEXT_RAW, "?>");
 }
 
-void XmlSerializerImpl::comment(const UnicodeString& text) { writeContent("<!--", text, detail::TEXT_RAW, "-->"); }
+void XmlSerializerImpl::comment(const UnicodeString& text) {
+    if (isChecked()) detail::checkComment(detail::viewOf(text));
+    writeContent("<!--", text, detail::TEXT_RAW, "-->");
+}
 
 void XmlSerializerImpl::docdecl(const UnicodeString& content) {
     if (state_ != STATE_PROLOG) {
@@ -302,7 +321,10 @@ void XmlSerializerImpl::docdecl(const UnicodeString& content) {
     writeContent("<!DOCTYPE ", content, detail::TEXT_RAW, ">");
 }
 
-void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) { writeContent("", text, detail::TEXT_RAW, ""); }
+void XmlSerializerImpl::ignorableWhitespace(const UnicodeString& text) {
+    if (isChecked()) detail::checkSpace(detail::viewOf(text));
+    writeContent("", text, detail::TEXT_RAW, "");
+}
 
 void XmlSerializerImpl::writeContent(std::string_view before, const UnicodeString& content, detail::TextMode mode,
                                      std::string_view after) {
@@ -321,6 +343,6 @@ void XmlSerializerImpl::flush() {
     writer_.sync();
 }
 
-void XmlSerializerImpl::setGenerator(const UnicodeString& generator) { generator_ = generator; }
+void XmlSerializerImpl::setGenerator(const UnicodeString& generator) { detail::assign(generator_, generator); }
 
 }  // namespace LumCommon

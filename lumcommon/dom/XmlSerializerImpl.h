@@ -52,6 +52,8 @@ public:
     void ignorableWhitespace(const UnicodeString& text) override;
     void flush() override;
     void setGenerator(const UnicodeString& generator) override;
+    void setChecked(bool isChecked) override { writer_.setChecked(isChecked); }
+    bool isChecked() const override { return writer_.isChecked(); }
 
     /// Flushes the output, closes it if it is a file that the serializer opened, and leaves the serializer without an
     /// output.
@@ -93,10 +95,9 @@ private:
         return false;
     }
     void writeStartTag(LumName namespaceUri, LumName prefix, LumName localName) {
-        const bool closesTag = needsClosing();
+        writer_.startTag(needsClosing(), prefix, localName);  // a name that is refused opens nothing
         scopes_.open(namespaceUri, prefix, localName);
         state_ = STATE_TAG_OPEN;
-        writer_.startTag(closesTag, prefix, localName);
     }
     void writeAttribute(LumName prefix, LumName localName, const UnicodeString& value) {
         state_ = STATE_ATTRIBUTES;

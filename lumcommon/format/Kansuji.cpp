@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/CodePoints.h>
 #include <lumcommon/format/Kansuji.h>
 
@@ -103,7 +104,7 @@ private:
     }
 
     void writeDigit(char16_t digit) { write(Kansuji::INDEX_DIGIT + (digit - u'0')); }
-    void write(int index) { text_.append(table_.getCharacter(index)); }
+    void write(int index) { detail::append(text_, static_cast<char32_t>(table_.getCharacter(index))); }
 
     const Kansuji& table_;
     UnicodeString& text_;
@@ -149,7 +150,7 @@ UnicodeString Kansuji::convert(const UnicodeString& text, Style style) const {
     };
     for (std::size_t i = 0; i < units.size();) {
         const std::size_t run = endOf(i, false);
-        result.append(units.data() + i, 0, static_cast<std::int32_t>(run - i));
+        detail::append(result, units.substr(i, run - i));
         i = endOf(run, true);
         if (i > run) writer.write(units.substr(run, i - run), style);
     }

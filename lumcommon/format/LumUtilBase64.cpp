@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/LumUtil.h>
 
 #include <algorithm>
@@ -41,7 +42,7 @@ void appendBase64(UnicodeString& text, const char* bytes, std::size_t count) {
         digits[used++] = here > 1 ? alphabet[(bits >> 6) & 63u] : padding;
         digits[used++] = here > 2 ? alphabet[bits & 63u] : padding;
     }
-    text.append(digits.data(), static_cast<int>(used));
+    detail::append(text, std::u16string_view(digits.data(), used));
 }
 
 /// Collects decoded bytes and writes them in blocks.
@@ -84,9 +85,11 @@ UnicodeString LumUtil::encodeBase64(std::istream& in, int length) {
 UnicodeString LumUtil::encodeBase64(std::istream& in, int length, const UnicodeString& mediaType,
                                     const UnicodeString& parameters) {
     UnicodeString uri(u"data:", 5);
-    uri.append(mediaType);
-    if (!parameters.isEmpty()) uri.append(u';').append(parameters);
-    return uri.append(u";base64,", 8).append(encodeBase64(in, length));
+    detail::append(uri, mediaType);
+    if (!parameters.isEmpty()) detail::append(detail::append(uri, u';'), parameters);
+    detail::append(uri, u";base64,");
+    detail::append(uri, encodeBase64(in, length));
+    return uri;
 }
 
 bool LumUtil::decodeBase64(const UnicodeString& text, int length, std::ostream& out) {

@@ -1,5 +1,6 @@
 // Numbers as text: only the public functions; detail/ and core/ do the work.
 
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/format/LumUtil.h>
 #include <lumcommon/format/detail/NumberFormat.h>
@@ -30,7 +31,7 @@ UnicodeString LumUtil::toString(int number) {
 UnicodeString LumUtil::toString(long long number) {
     UnicodeString text;
     const auto bits = static_cast<unsigned long long>(number);
-    if (number < 0) text.append(u'-');
+    if (number < 0) detail::append(text, u'-');
     toString64Sub(text, number < 0 ? 0 - bits : bits);
     return text;
 }

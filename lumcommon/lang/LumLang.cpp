@@ -1,8 +1,15 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/lang/LumLang.h>
 
+#include <unicode/uloc.h>
+
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
 #include <iterator>
+#include <new>
 #include <string>
 
 namespace LumCommon {
@@ -30,12 +37,22 @@ const Code* findCode(std::u16string_view code) {
     return found != std::end(CODES) && found->bibliographic == code ? found : nullptr;
 }
 
-std::string toBytes(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
+std::string toLocaleId(const UnicodeString& tag) { return detail::utf8Of(ISO639Bibliographic::get(tag)); }
+
+/// Whether ICU can parse the identifier; if so, a locale that is bogus nevertheless has found no memory.
+bool isReadable(const std::string& id) {
+    std::array<char, ULOC_FULLNAME_CAPACITY + 1> name{};
+    UErrorCode error = U_ZERO_ERROR;
+    uloc_getName(id.c_str(), name.data(), ULOC_FULLNAME_CAPACITY, &error);
+    if (U_FAILURE(error) && error != U_BUFFER_OVERFLOW_ERROR) return error == U_MEMORY_ALLOCATION_ERROR;
+    return std::strcspn(name.data(), "_@.") < ULOC_LANG_CAPACITY;
 }
 
-std::string toLocaleId(const UnicodeString& tag) { return toBytes(ISO639Bibliographic::get(tag)); }
+icu::Locale makeLocale(const std::string& language, const std::string& country = {}) {
+    icu::Locale locale(language.c_str(), country.empty() ? nullptr : country.c_str());
+    if (locale.isBogus() && isReadable(country.empty() ? language : language + '_' + country)) throw std::bad_alloc();
+    return locale;
+}
 
 }  // namespace
 
@@ -45,17 +62,26 @@ UnicodeString ISO639Bibliographic::get(const UnicodeString& tag) {
     const bool endsEarly = tag.length() > CODE_LENGTH && !detail::isAsciiLetter(tag[CODE_LENGTH]);
     const std::int32_t length = endsEarly ? CODE_LENGTH : tag.length();
     const Code* found = findCode({tag.getBuffer(), static_cast<std::size_t>(length)});
-    if (!found) return tag;
-    const std::u16string_view code = found->terminology;
-    return UnicodeString(tag).replace(0, length, code.data(), static_cast<std::int32_t>(code.size()));
+    if (!found) return detail::copyOf(tag);
+    UnicodeString result = detail::textOf(found->terminology);
+    detail::append(result, detail::viewOf(tag).substr(static_cast<std::size_t>(length)));
+    return result;
 }
 
-LumLang::LumLang(const UnicodeString& tag) : icu::Locale(toLocaleId(tag).c_str()) {}
+LumLang::LumLang(const UnicodeString& tag) : icu::Locale(makeLocale(toLocaleId(tag))) {}
 
-LumLang::LumLang(const char* tag) : LumLang(UnicodeString::fromUTF8(tag ? tag : "")) {}
+LumLang::LumLang(const char* tag) : LumLang(detail::checked(UnicodeString::fromUTF8(tag ? tag : ""))) {}
 
 LumLang::LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode)
-    : icu::Locale(toLocaleId(languageCode).c_str(), toBytes(countryCode).c_str()) {}
+    : icu::Locale(makeLocale(toLocaleId(languageCode), detail::utf8Of(countryCode))) {}
+
+LumLang::LumLang(const LumLang& other) : icu::Locale(other) {
+    // ICU copies what it has memory for and says nothing.
+    const bool isComplete = (getName() || !other.getName()) && (getBaseName() || !other.getBaseName());
+    if (!isComplete || isBogus() != other.isBogus()) throw std::bad_alloc();
+}
+
+LumLang& LumLang::operator=(const LumLang& other) { return *this = LumLang(other); }
 
 LumLang::LumLang(LumName name) : LumLang(name.getString()) {}
 

@@ -32,7 +32,8 @@ extern LUM_API const ISO639Bibliographic s_ISO639Bibliographic;
 /// Equality is that of the locale. The order (operator<) compares the language alone, so that a map keyed by LumLang
 /// finds the entry for "sv" when asked for "sv-SE".
 ///
-/// Failure: a tag that ICU cannot parse gives a locale whose language is empty; nothing is thrown.
+/// Failure: a tag that ICU cannot parse gives a locale whose language is empty; nothing is thrown except
+/// std::bad_alloc when memory runs out.
 /// Threads: a value.
 class LUM_API LumLang : public icu::Locale {
 public:
@@ -46,6 +47,10 @@ public:
     /// The name's text as a tag; NAME_none and the null name are the empty language.
     explicit LumLang(LumName name);
     explicit LumLang(LumNameEnum name) : LumLang(LumName(name)) {}  // an enum converts to a character, too
+    LumLang(const LumLang& other);
+    LumLang(LumLang&& other) noexcept = default;
+    LumLang& operator=(const LumLang& other);
+    LumLang& operator=(LumLang&& other) noexcept = default;
 
     /// Whether the language is empty.
     bool isEmpty() const { return *getLanguage() == '\0'; }

@@ -1,8 +1,10 @@
 #include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/lang/LumScript.h>
 #include <lumcommon/names/LumNameTable.h>
 
+#include <unicode/uloc.h>
 #include <unicode/uscript.h>
 #include <unicode/utf16.h>
 
@@ -73,15 +75,26 @@ std::int32_t getCodeOfTag(const UnicodeString& lowered) {
     return UNDECIDED;
 }
 
+std::int32_t getFirstCodeFromIcu(const char* text) {
+    std::array<UScriptCode, 16> codes;
+    UErrorCode error = U_ZERO_ERROR;
+    const int count = uscript_getCode(text, codes.data(), static_cast<int>(codes.size()), &error);
+    detail::checkMemory(error);
+    return U_SUCCESS(error) && count > 0 ? static_cast<std::int32_t>(codes[0]) : LumScript::UNKNOWN;
+}
+
 /// The first of the scripts that ICU lists for a script's name or code, or for a locale.
 std::int32_t getCodeFromIcu(const UnicodeString& text) {
     if (text.indexOf(u'\0') >= 0) return LumScript::UNKNOWN;  // ICU would read only what comes before it
-    std::string bytes;
-    text.toUTF8String(bytes);
-    std::array<UScriptCode, 16> codes;
+    const std::string bytes = detail::utf8Of(text);
+    std::int32_t code = getFirstCodeFromIcu(bytes.c_str());
+    if (code != LumScript::UNKNOWN) return code;
+    // It does not say whether it knows no script or found no memory to look for one.
+    std::array<char, ULOC_FULLNAME_CAPACITY> likely;
     UErrorCode error = U_ZERO_ERROR;
-    const int count = uscript_getCode(bytes.c_str(), codes.data(), static_cast<int>(codes.size()), &error);
-    return U_SUCCESS(error) && count > 0 ? static_cast<std::int32_t>(codes[0]) : LumScript::UNKNOWN;
+    uloc_addLikelySubtags(bytes.c_str(), likely.data(), static_cast<int>(likely.size()), &error);
+    detail::checkMemory(error);
+    return getFirstCodeFromIcu(bytes.c_str());
 }
 
 std::int32_t getCodeOfText(const UnicodeString& text) {
@@ -128,7 +141,7 @@ LumScript::LumScript(LumName name) : LumScript(name.getString()) {}
 LumName LumScript::getScriptCode() const {
     if (const Script* known = findScript(code_)) return known->name;
     const char* name = code_ > 0 ? uscript_getShortName(static_cast<UScriptCode>(code_)) : nullptr;
-    return name ? LumName(UnicodeString(name, -1, US_INV)) : LumName();
+    return name ? LumName(detail::checked(UnicodeString(name, -1, US_INV))) : LumName();
 }
 
 UnicodeString LumScript::getA() const {

@@ -78,15 +78,15 @@ LumNameEnum detail::internName(const char16_t* text, std::size_t units) {
     return name;
 }
 
+bool detail::isNameTableFull() noexcept { return sharedStore->lastName() >= NameStore::greatestName; }
+
 LumNameEnum LumNameTable::internNumbered(const UnicodeString& prefix) {
     LumMutex guard(sharedLock());
     detail::NameStore& store = *Shared::table().store_;
     std::uint64_t number = std::uint64_t{store.lastName()} + 1;
     for (unsigned tries = 0;; ++tries) {
-        UnicodeString text(prefix);
-        text.append(u'-');
+        UnicodeString text = detail::joined(prefix, u'-');
         detail::appendDecimal(text, number);
-        if (text.isBogus()) throw LumError(std::bad_alloc(), UnicodeString());
         // A text that is already a name would not be unique: it may be a prefix that the document itself uses.
         if (detail::findBuiltinName(text.getBuffer(), unitsOf(text)) == NAME_NULL &&
             store.find(text.getBuffer(), unitsOf(text)) == NAME_NULL) {

@@ -30,6 +30,7 @@ LumCustomStreamBuf::~LumCustomStreamBuf() {
 
 std::size_t LumCustomStreamBuf::refill(std::span<char> room) {
     const int count = controller_->read(room.data(), static_cast<int>(room.size()));
+    if (count < 0) fail();
     return count <= 0 || static_cast<std::size_t>(count) > room.size() ? 0 : static_cast<std::size_t>(count);
 }
 

@@ -7,6 +7,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -32,6 +33,12 @@ public:
         const int count = gzread(file_, room.data(), static_cast<unsigned>(room.size()));
         return count > 0 ? static_cast<std::size_t>(count) : 0;
     }
+    /// Whether the last read met an error, or a file that is cut short.
+    bool isBroken() const noexcept {
+        int error = Z_OK;
+        gzerror(file_, &error);
+        return error != Z_OK && error != Z_STREAM_END;
+    }
 
 private:
     gzFile file_;
@@ -41,14 +48,42 @@ private:
 class StreamInflater {
 public:
     std::size_t read(std::istream& source, std::span<char> room) {
-        return inflater_.fill(
-            rest_, room, [this, &source] { return std::span<const char>(input_.data(), readBytes(source, input_)); });
+        const std::size_t count = inflater_.fill(rest_, room, [this, &source] { return readInput(source); });
+        if (checksTrailer_) {
+            sum_ = crc32_z(sum_, reinterpret_cast<const Bytef*>(room.data()), count);
+            size_ += static_cast<std::uint32_t>(count);
+        }
+        return count;
+    }
+    void checkTrailer(bool checks) noexcept { checksTrailer_ = checks; }
+    /// Whether the data, of which there are no more, are whole. May read the trailer.
+    bool isWhole(std::istream& source) {
+        if (!inflater_.hasEnded()) return false;
+        if (!checksTrailer_) return true;
+        checksTrailer_ = false;  // it is read once
+        return readNumber(source) == sum_ && readNumber(source) == size_;
     }
 
 private:
+    std::span<const char> readInput(std::istream& source) { return {input_.data(), readBytes(source, input_)}; }
+    /// Four bytes after the data, low byte first; a value that no sum has where they are missing.
+    std::uint64_t readNumber(std::istream& source) {
+        std::uint64_t number = 0;
+        for (int shift = 0; shift < 32; shift += 8) {
+            if (rest_.empty()) rest_ = readInput(source);
+            if (rest_.empty()) return ~std::uint64_t{0};
+            number |= std::uint64_t{static_cast<unsigned char>(rest_.front())} << shift;
+            rest_ = rest_.subspan(1);
+        }
+        return number;
+    }
+
     RawInflater inflater_;
     std::array<char, refillBytes> input_;
     std::span<const char> rest_;
+    bool checksTrailer_ = false;
+    std::uint64_t sum_ = 0;   // CRC-32
+    std::uint32_t size_ = 0;  // modulo 2^32, as in the trailer
 };
 
 /// Produces one gzip member.
@@ -193,9 +228,25 @@ bool LumGzipStreamBuf::checkHeader(std::istream& s) {
     }
 }
 
+void LumGzipStreamBuf::setChecksTrailer(bool checks) noexcept {
+    if (member_) member_->checkTrailer(checks);
+}
+
 std::size_t LumGzipStreamBuf::refill(std::span<char> room) {
-    if (file_) return file_->read(room);
-    return member_ ? member_->read(*source_, room) : detail::readBytes(*source_, room);
+    std::size_t count = 0;
+    if (file_) {
+        count = file_->read(room);
+    } else {
+        count = member_ ? member_->read(*source_, room) : detail::readBytes(*source_, room);
+    }
+    if (count == 0 && isBroken()) fail();
+    return count;
+}
+
+bool LumGzipStreamBuf::isBroken() {
+    if (file_) return file_->isBroken();
+    if (member_) return !member_->isWhole(*source_);
+    return detail::isBroken(*source_);
 }
 
 LumGzipStream::LumGzipStream(const char* path) : LumGzipStream(std::make_unique<LumGzipStreamBuf>(path)) {}
@@ -207,7 +258,9 @@ LumGzipStream::LumGzipStream(std::istream& s) : LumGzipStream(std::make_unique<L
 LumGzipStream::LumGzipStream(LumGzipStreamBuf* buffer) : LumGzipStream(std::unique_ptr<LumGzipStreamBuf>(buffer)) {}
 
 LumGzipStream::LumGzipStream(std::unique_ptr<LumGzipStreamBuf> buffer)
-    : std::istream(buffer.get()), buffer_(std::move(buffer)) {}
+    : std::istream(buffer.get()), buffer_(std::move(buffer)) {
+    if (buffer_) buffer_->tellFailuresTo(this);
+}
 
 LumGzipStream::~LumGzipStream() = default;
 

@@ -23,10 +23,11 @@ class StreamInflater;
 /// Reads gzip data (RFC 1952); anything else is passed through unchanged.
 ///
 /// From a file, all members are read, one after another, and checked. From a stream, only the first member is read,
-/// without checking its checksum and length; anything after it is ignored. Up to 10 bytes that were read can be put
-/// back. Seeking is not supported. Memory: constant, whatever the data claim.
-/// Failure: nothing is thrown. Corrupt or truncated data end early: from a stream, the piece of 4096 bytes in which the
-/// fault shows is not delivered, all pieces before it are.
+/// without checking its checksum and length unless setChecksTrailer() is on; anything after it is ignored. Up to 10
+/// bytes that were read can be put back. Seeking is not supported. Memory: constant, whatever the data claim. Failure:
+/// nothing is thrown. Corrupt or truncated data end early: from a stream, the piece of 4096 bytes in which the fault
+/// shows is not delivered, all pieces before it are. hasFailed() and the badbit of a LumGzipStream then tell so, as
+/// they do when the file or stream itself breaks.
 /// Threads: one at a time.
 class LUM_API LumGzipStreamBuf : public LumRefillStreamBuf {
 public:
@@ -48,8 +49,13 @@ public:
     /// with `s` back at its old position unless it can neither seek nor put back.
     static bool checkHeader(std::istream& s);
 
+    /// Whether the checksum and the length after the data of a stream are checked: where they are wrong or missing, the
+    /// reading fails at the end, after all bytes. Off at first; to be set before the first read.
+    void setChecksTrailer(bool checks) noexcept;
+
 private:
     std::size_t refill(std::span<char> room) override;
+    bool isBroken();
 
     std::unique_ptr<detail::FileInflater> file_;  // or source_, with member_ if that is gzip data
     std::unique_ptr<detail::StreamInflater> member_;

@@ -25,12 +25,16 @@ LumInflaterStreamBuf::~LumInflaterStreamBuf() = default;
 
 void LumInflaterStreamBuf::reset() {
     inflater_->restart();
+    forgetFailure();
     rest_ = data_;
     setg(nullptr, nullptr, nullptr);
 }
 
 std::size_t LumInflaterStreamBuf::refill(std::span<char> room) {
-    return inflater_->fill(rest_, room, [] { return std::span<const char>(); });
+    const std::size_t count = inflater_->fill(rest_, room, [] { return std::span<const char>(); });
+    // Some archives hold nothing at all for an empty member.
+    if (count == 0 && !inflater_->hasEnded() && !data_.empty()) fail();
+    return count;
 }
 
 /// Fills `room`, a number of whole pieces, and returns the number of bytes; fewer at the end. The piece in which a
@@ -54,7 +58,10 @@ std::streamsize LumInflaterStreamBuf::xsgetn(char* to, std::streamsize count) {
         } else if (const std::size_t rest = room.size() - done; rest >= detail::refillBytes) {
             piece = inflatePieces(room.subspan(done, rest - rest % detail::refillBytes));
             setRead(room.subspan(done, piece));
-            if (piece == 0) break;
+            if (piece == 0) {
+                if (!inflater_->hasEnded() && !data_.empty()) fail();
+                break;
+            }
         } else if (underflow() == traits_type::eof()) {
             break;
         }
@@ -70,7 +77,9 @@ LumInflaterStream::LumInflaterStream(LumInflaterStreamBuf* buffer)
     : LumInflaterStream(std::unique_ptr<LumInflaterStreamBuf>(buffer)) {}
 
 LumInflaterStream::LumInflaterStream(std::unique_ptr<LumInflaterStreamBuf> buffer)
-    : std::istream(buffer.get()), buffer_(std::move(buffer)) {}
+    : std::istream(buffer.get()), buffer_(std::move(buffer)) {
+    if (buffer_) buffer_->tellFailuresTo(this);
+}
 
 LumInflaterStream::~LumInflaterStream() = default;
 

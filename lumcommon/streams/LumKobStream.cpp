@@ -5,6 +5,7 @@ namespace LumCommon {
 LumKobStream::LumKobStream(std::istream* source, const char* encoding)
     : std::istream(nullptr), buffer_(source, encoding) {
     std::istream::rdbuf(&buffer_);
+    buffer_.tellFailuresTo(this);
     if (!is_open()) setstate(std::ios_base::failbit);
 }
 

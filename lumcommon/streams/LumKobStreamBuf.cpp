@@ -1,6 +1,7 @@
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 
 #include <algorithm>
 #include <cstring>
@@ -42,6 +43,8 @@ bool LumKobStreamBuf::init(const char* encoding, bool bom) {
     context_.input = input_.get();
     context_.inputConsumed = context_.inputAvailable = 0;
     context_.isLastInput = false;
+    hasSourceFailed_ = false;
+    forgetFailure();
     isOpen_ = true;
     return true;
 }
@@ -56,6 +59,7 @@ std::size_t LumKobStreamBuf::refill(std::span<char> room) {
     if (!input_) return 0;
     if (convert(room)) return context_.outputProduced;
     term();
+    if (hasSourceFailed_) fail();
     return 0;
 }
 
@@ -79,9 +83,11 @@ void LumKobStreamBuf::fill() noexcept {
             }
         }
     } catch (...) {
-        // A source that throws counts as ended.
+        // A source that throws ends there.
         context_.isLastInput = true;
+        hasSourceFailed_ = true;
     }
+    if (context_.isLastInput && in_ && detail::isBroken(*in_)) hasSourceFailed_ = true;
     context_.inputConsumed = 0;
     context_.inputAvailable = static_cast<unsigned>(filled);
 }

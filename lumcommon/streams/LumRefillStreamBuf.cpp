@@ -17,6 +17,12 @@ void LumRefillStreamBuf::allocateBlock() {
 void LumRefillStreamBuf::releaseBlock() noexcept {
     setg(nullptr, nullptr, nullptr);
     block_.reset();
+    hasFailed_ = false;
+}
+
+void LumRefillStreamBuf::fail() {
+    hasFailed_ = true;
+    if (stream_) stream_->setstate(std::ios_base::badbit);
 }
 
 /// Moves the bytes that can be put back to the front of the block and returns the place after them.

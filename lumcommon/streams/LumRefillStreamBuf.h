@@ -3,6 +3,7 @@
 #include <lumcommon/core/Api.h>
 
 #include <cstddef>
+#include <ios>
 #include <memory>
 #include <span>
 #include <streambuf>
@@ -13,8 +14,8 @@ namespace LumCommon {
 ///
 /// The last bytes before the read position are kept in front of each new block, so that they can be put back. A read at
 /// the end asks the derived class again. Seeking is not supported.
-/// Failure: exceptions thrown by refill() propagate; the get area is then at its end.
-/// Threads: one at a time.
+/// Failure: a source that breaks ends the reading, and hasFailed() tells that end from the true one. Exceptions thrown
+/// by refill() propagate; the get area is then at its end. Threads: one at a time.
 class LUM_API LumRefillStreamBuf : public std::streambuf {
 public:
     LumRefillStreamBuf(const LumRefillStreamBuf&) = delete;
@@ -24,6 +25,12 @@ public:
     // Overrides of std::streambuf, public so that they can also be called directly.
     int_type underflow() override;
 
+    /// Whether reading has ended because the source is broken: what has been read is not all there is.
+    bool hasFailed() const noexcept { return hasFailed_; }
+    /// Names the stream over this buffer whose badbit is to tell of a failure too; null: none. The streams of the
+    /// library name themselves. It is not owned, and must live as long as it is named.
+    void tellFailuresTo(std::ios* stream) noexcept { stream_ = stream; }
+
 protected:
     /// There is nothing to read before allocateBlock().
     /// @param blockBytes    how many bytes are asked for at a time.
@@ -31,12 +38,15 @@ protected:
     LumRefillStreamBuf(std::size_t blockBytes, std::size_t putbackBytes) noexcept;
 
     /// Puts the next bytes into `room`, as many as are available up to its size, and returns their number; 0 at the
-    /// end.
+    /// end, and after fail().
     virtual std::size_t refill(std::span<char> room) = 0;
 
     /// Allocates the block unless there is one. Failure: std::bad_alloc.
     void allocateBlock();
-    /// Frees the block; the get area is empty afterwards.
+    /// Marks the end that is being reached as a failure. Throws where the stream is set to throw for its badbit.
+    void fail();
+    void forgetFailure() noexcept { hasFailed_ = false; }
+    /// Frees the block and forgets a failure; the get area is empty afterwards.
     void releaseBlock() noexcept;
     bool hasBlock() const noexcept { return block_ != nullptr; }
     /// The whole block, the bytes for putting back included; null before allocateBlock().
@@ -63,6 +73,8 @@ private:
     std::unique_ptr<char[]> block_;
     std::size_t blockBytes_;
     std::size_t putbackBytes_;
+    std::ios* stream_ = nullptr;
+    bool hasFailed_ = false;
 };
 
 }  // namespace LumCommon

@@ -20,6 +20,8 @@ namespace LumCommon {
 namespace {
 
 using detail::append;
+using detail::checked;
+using detail::copyOf;
 using detail::textOf;
 using detail::viewOf;
 using View = std::u16string_view;
@@ -48,9 +50,9 @@ bool isPathThere(const UnicodeString& localPath) {
 UnicodeString withoutLocalHost(const UnicodeString& uri) {
     constexpr View start = u"file://localhost/";
     constexpr View host = u"localhost";
-    UnicodeString result(uri);
+    UnicodeString result = copyOf(uri);
     if (detail::startsWithIgnoringAsciiCase(viewOf(uri), start)) {
-        result.remove(static_cast<int32_t>(start.find(host)), static_cast<int32_t>(host.size()));
+        checked(result.remove(static_cast<int32_t>(start.find(host)), static_cast<int32_t>(host.size())));
     }
     return result;
 }
@@ -65,14 +67,13 @@ UnicodeString withUtf8Escapes(const UnicodeString& uri) {
             bytes += static_cast<char>(byte);
         }
         if (bytes.empty()) {
-            result.append(rest.front());
+            append(result, rest.front());
             rest.remove_prefix(1);
             continue;
         }
-        const UnicodeString text = UnicodeString::fromUTF8(bytes);
-        std::string again;
-        if (text.toUTF8String(again) != bytes) return uri;
-        result.append(text);
+        const UnicodeString text = detail::fromUtf8(bytes);
+        if (detail::utf8Of(text) != bytes) return uri;
+        append(result, text);
     }
     return result;
 }
@@ -124,7 +125,7 @@ UnicodeString LumUri::findLocalPath() const {
 }
 
 UnicodeString LumUri::unescape(const UnicodeString& s) {
-    UnicodeString result(s);
+    UnicodeString result = copyOf(s);
     LumUriSub::unescapeHH(result);
     return result;
 }
@@ -137,20 +138,20 @@ bool LumUri::isRemote() const { return false; }
 
 UnicodeString LumUri::getScheme() const {
     const int colon = LumUriSub::checkScheme(uri_);
-    return colon == -1 ? UnicodeString() : UnicodeString(uri_, 0, colon);
+    return colon == -1 ? UnicodeString() : textOf(viewOf(uri_).substr(0, static_cast<std::size_t>(colon)));
 }
 
 UnicodeString LumUri::removeFragment() {
-    const int32_t hash = uri_.indexOf(u'#');
-    if (hash == -1) return UnicodeString();
-    const UnicodeString fragment(uri_, hash);
-    uri_.truncate(hash);
+    const std::size_t hash = viewOf(uri_).find(u'#');
+    if (hash == npos) return UnicodeString();
+    UnicodeString fragment = textOf(viewOf(uri_).substr(hash));
+    uri_.truncate(static_cast<int32_t>(hash));
     return fragment;
 }
 
 UnicodeString LumUri::toDirectory(UnicodeString& s, char16_t separator) {
-    if (!viewOf(s).ends_with(separator)) s.append(separator);
-    return s;
+    if (!viewOf(s).ends_with(separator)) append(s, separator);
+    return copyOf(s);
 }
 
 UnicodeString LumUri::getFileName() const { return textOf(viewOf(uri_).substr(directoryOf(viewOf(uri_)).size())); }
@@ -162,10 +163,11 @@ UnicodeString LumUri::getExtension() const {
 
 UnicodeString LumUri::setExtension(const UnicodeString* extension) {
     if (viewOf(uri_).ends_with(u'/')) return LumBogusString();
-    const UnicodeString addition = extension ? *extension : UnicodeString();  // may be what toString() returned
-    const UnicodeString old = getExtension();
-    uri_.truncate(uri_.length() - old.length());
-    uri_.append(addition);
+    UnicodeString old = getExtension();
+    // `extension` may be what toString() returned.
+    const View kept = viewOf(uri_).substr(0, viewOf(uri_).size() - viewOf(old).size());
+    UnicodeString changed = detail::joined(kept, extension ? viewOf(*extension) : View());
+    uri_.swap(changed);
     return old;
 }
 

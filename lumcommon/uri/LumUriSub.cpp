@@ -12,6 +12,9 @@ namespace LumCommon {
 namespace {
 
 using detail::append;
+using detail::checked;
+using detail::copyOf;
+using detail::joined;
 using detail::startsWithIgnoringAsciiCase;
 using detail::textOf;
 using detail::viewOf;
@@ -63,13 +66,13 @@ struct Base {
 };
 
 Base prepareBase(const UnicodeString& base) {
-    Base prepared{base, 0};
+    Base prepared{copyOf(base), 0};
     UnicodeString& text = prepared.text;
     const std::size_t colon = schemeEnd(viewOf(text));
     if (colon == npos) return prepared;
     for (std::size_t i = 0; i < colon; ++i) {
         const auto index = static_cast<int32_t>(i);
-        text.setCharAt(index, detail::toLowerAscii(text.charAt(index)));
+        checked(text.setCharAt(index, detail::toLowerAscii(text.charAt(index))));
     }
 
     const View scheme = viewOf(text).substr(0, colon);
@@ -81,7 +84,7 @@ Base prepareBase(const UnicodeString& base) {
         return prepared;
     }
     constexpr View localhost = u"file://localhost/";
-    if (viewOf(text).starts_with(localhost)) text.replace(0, static_cast<int32_t>(localhost.size()), u"file:///", 8);
+    if (viewOf(text).starts_with(localhost)) text = joined(u"file:///", viewOf(text).substr(localhost.size()));
     if (hasAuthority) {
         prepared.rootLimit = colon + 3;
     } else if (viewOf(text).starts_with(u"jar:")) {
@@ -153,11 +156,11 @@ void appendResolved(UnicodeString& to, const UnicodeString& base, View r) {
 
 UnicodeString LumUriSub::unquoteUri(const UnicodeString& s, int& specType, int strType) {
     specType = strType == 1 || strType == 3 ? URISPEC_2 : URISPEC_0;
-    UnicodeString result(s);
+    UnicodeString result = copyOf(s);
     if (strType != 2 && strType != 3) return result;
     if (viewOf(s).starts_with(u"url(") && viewOf(s).ends_with(u')')) {
         result = textOf(viewOf(s).substr(4, viewOf(s).size() - 5));
-        result.trim();
+        checked(result.trim());
         specType = URISPEC_0;
     }
     const View inner = viewOf(result);
@@ -190,7 +193,7 @@ void LumUriSub::escapeHH(UnicodeString& s) {
         space = rest.find(u' ');
     }
     append(escaped, rest);
-    s = escaped;
+    s.swap(escaped);
 }
 
 void LumUriSub::unescapeHH(UnicodeString& s) {
@@ -198,7 +201,7 @@ void LumUriSub::unescapeHH(UnicodeString& s) {
     if (first == npos) return;
     const auto length = static_cast<std::size_t>(s.length());
     char16_t* const units = s.getBuffer(-1);
-    if (!units) return;
+    if (!units) throw std::bad_alloc();
     std::size_t written = first;
     for (std::size_t read = first; read < length; ++read) {
         char16_t unit = units[read];
@@ -212,8 +215,8 @@ void LumUriSub::unescapeHH(UnicodeString& s) {
 }
 
 UnicodeString LumUriSub::makeUriSub(const UnicodeString& s) {
-    UnicodeString result(s);
-    result.trim();
+    UnicodeString result = copyOf(s);
+    checked(result.trim());
     if (!isDataScheme(result)) escapeHH(result);
     return result;
 }
@@ -222,9 +225,10 @@ UnicodeString LumUriSub::makeUriFromPath(const UnicodeString& path, int) {
     if (path.isEmpty()) return UnicodeString();
     UnicodeString uri = makeUriSub(path);
     if (viewOf(uri).starts_with(u"//")) {
-        uri.insert(0, u"file:", 5);
-    } else if (viewOf(uri).starts_with(u'/')) {
-        uri.insert(0, u"file://", 7);
+        return joined(u"file:", uri);
+    }
+    if (viewOf(uri).starts_with(u'/')) {
+        return joined(u"file://", uri);
     }
     return uri;
 }
@@ -253,7 +257,7 @@ UnicodeString LumUriSub::makeLocalPathFromUri(const UnicodeString& uri) {
         // Three or more slashes contain an empty host: the "//" before the path.
         if (path.starts_with(u"///")) path.remove_prefix(2);
     } else if (schemeEnd(path) != npos) {
-        return uri;
+        return copyOf(uri);
     }
     UnicodeString local = textOf(path);
     unescapeHH(local);

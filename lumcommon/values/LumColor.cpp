@@ -122,7 +122,7 @@ LumColor::LumColor(const UnicodeString& name, float tint) : LumColor(name, tint,
 LumColor::LumColor(const UnicodeString& name, float tint, float c, float m, float y, float k)
     : rgb_(makeGrayRGB(1 - clampUnit(tint))),
       colorSpace_(NAME_HASH_SEPARATION),
-      name_(name.isEmpty() ? getRegistrationName() : name),
+      name_(name.isEmpty() ? getRegistrationName() : detail::copyOf(name)),
       isTintGiven_(true),
       isCmykGiven_(true) {
     setComponents({tint, c, m, y, k});
@@ -142,7 +142,7 @@ LumColor::LumColor(const LumColor& fallback, const UnicodeString& name, float ti
 }
 
 LumColor::LumColor(const LumColor& fallback, const UnicodeString& name, float c0, float c1, float c2, float c3)
-    : rgb_(fallback.rgb_), colorSpace_(NAME_icc_color), name_(name) {
+    : rgb_(fallback.rgb_), colorSpace_(NAME_icc_color), name_(detail::copyOf(name)) {
     setComponents({c0, c1, c2, c3});
 }
 
@@ -199,13 +199,13 @@ constexpr char16_t argumentSeparator = u',';
 void appendChannels(UnicodeString& text, std::uint32_t rgb) {
     for (int shift = 16; shift >= 0; shift -= 8) {
         detail::appendDecimal(text, getChannel(rgb, shift));
-        text.append(argumentSeparator);
+        detail::append(text, argumentSeparator);
     }
 }
 
 void appendArguments(UnicodeString& text, const float* begin, int count) {
     for (int i = 0; i < count; ++i) {
-        text.append(argumentSeparator);
+        detail::append(text, argumentSeparator);
         detail::appendReal(text, static_cast<double>(begin[i]));
     }
 }
@@ -214,9 +214,12 @@ void appendArguments(UnicodeString& text, const float* begin, int count) {
 
 void LumColor::appendSeparation(UnicodeString& text) const {
     if (isRegistrationName()) {
-        text.append(LumName(NAME_HASH_REGISTRATION).getString());
+        detail::append(text, LumName(NAME_HASH_REGISTRATION).getString());
     } else {
-        text.append(colorSpace_.getString()).append(u",\"", 2).append(name_).append(u'"');
+        detail::append(text, colorSpace_.getString());
+        detail::append(text, u",\"");
+        detail::append(text, name_);
+        detail::append(text, u'"');
     }
     if (!isTintGiven_) return;
     appendArguments(text, components_.data(), isCmykGiven_ ? 5 : 1);
@@ -233,21 +236,22 @@ UnicodeString LumColor::toString(bool svgForm) const {
         if (keyword.isNull()) {
             detail::appendHexColor(text, rgb_);
         } else {
-            text.append(keyword.getString());
+            detail::append(text, keyword.getString());
         }
         if (colorSpace_.isNull()) return text;
-        text.append(u" icc-color(", 11);
+        detail::append(text, u" icc-color(");
     } else {
-        text.append(u"rgb-icc(", 8);
+        detail::append(text, u"rgb-icc(");
         if (colorSpace_ != NAME_HASH_SEPARATION || isRgbGiven_) appendChannels(text, rgb_);
     }
     if (colorSpace_ == NAME_HASH_SEPARATION) {
         appendSeparation(text);
     } else {
-        text.append(colorSpace_ == NAME_icc_color ? name_ : colorSpace_.getString());
+        detail::append(text, colorSpace_ == NAME_icc_color ? name_ : colorSpace_.getString());
         appendArguments(text, components_.data(), colorSpace_ == NAME_HASH_GRAYSCALE ? 1 : 4);
     }
-    return text.append(u')');
+    detail::append(text, u')');
+    return text;
 }
 
 }  // namespace LumCommon

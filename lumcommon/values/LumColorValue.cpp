@@ -1,6 +1,7 @@
 // Colours as values: what a LumValue holds for a colour, how it is read back, and how property text becomes one.
 
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
@@ -227,7 +228,7 @@ std::optional<LumValue> ColorReader::readIccList(const LumColor* fallback) {
     const bool hasHash = tokenizer_.skipSeparator(u'#');
     if (tokenizer_.nextToken() != LumTokenizer::TOKEN_NAME || !hasHash) return std::nullopt;
     UnicodeString name(u'#');
-    name.append(tokenizer_.getText());
+    append(name, tokenizer_.getText());
     const LumNameEnum space = LumNameTable::getBuiltinNameEnum(detail::toUpperCase(name));
     if (!readIccArguments() || !isAtEnd()) return std::nullopt;
     std::optional<LumColor> color = makeIccColor(space, fallback);

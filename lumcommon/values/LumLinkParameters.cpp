@@ -1,6 +1,8 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/values/LumLength.h>
 #include <lumcommon/values/LumNamedValueMap.h>
@@ -22,6 +24,7 @@ LumName makeName(const UnicodeString& text) {
     try {
         return LumName(LumNameTable::getSharedNameEnum(text));
     } catch (const LumError&) {
+        if (!detail::isNameTableFull()) throw;  // out of memory
         return LumName();
     }
 }
@@ -36,8 +39,8 @@ struct Parameter {
 bool splitParameter(const UnicodeString& item, Parameter& parameter) {
     const int equals = item.indexOf(u'=');
     if (equals <= 0) return false;
-    parameter.key.setTo(item, 0, equals);
-    parameter.value.setTo(item, equals + 1);
+    detail::checked(parameter.key.setTo(item, 0, equals));
+    detail::checked(parameter.value.setTo(item, equals + 1));
     return true;
 }
 
@@ -203,8 +206,8 @@ LumValue LumValue::parsePDFOpenParameters(const UnicodeString& link) {
     if (hash < 0) {
         result.setNamedItem(NAME_uri, link);
     } else {
-        result.setNamedItem(NAME_uri, UnicodeString(link, 0, hash));
-        result = parseView(UnicodeString(link, hash + 1), result, 0);
+        result.setNamedItem(NAME_uri, detail::checked(UnicodeString(link, 0, hash)));
+        result = parseView(detail::checked(UnicodeString(link, hash + 1)), result, 0);
     }
     addDefaults(result);
     return result;
@@ -236,9 +239,9 @@ LumValue LumValue::parseXlinkHref(const UnicodeString& text) {
     if (text.isEmpty()) return result;
     const int hash = text.indexOf(u'#');
     if (hash < 0) result.setNamedItem(NAME_uri, text);
-    if (hash > 0) result.setNamedItem(NAME_uri, UnicodeString(text, 0, hash));
+    if (hash > 0) result.setNamedItem(NAME_uri, detail::checked(UnicodeString(text, 0, hash)));
     if (hash >= 0) {
-        const UnicodeString fragment(text, hash + 1);
+        const UnicodeString fragment = detail::checked(UnicodeString(text, hash + 1));
         LumTokenizer tokens(fragment);
         const LumValue first = tokens.nextTokenValue();
         if (tokens.getKind() == LumTokenizer::TOKEN_NAME && tokens.scanSeparator(u'=')) {
@@ -264,21 +267,23 @@ LumValue LumValue::parseInternalDestination(const UnicodeString& text, int flag)
             result.setNamedItem(NAME_page, result.getIntegerValue());
             break;
         default: {
-            const UnicodeString trimmed = UnicodeString(text).trim();
-            if (trimmed.startsWith(u'#')) return parseView(UnicodeString(trimmed, 1), LumValue(), flag);
+            const UnicodeString trimmed = detail::checked(detail::copyOf(text).trim());
+            if (trimmed.startsWith(u'#'))
+                return parseView(detail::checked(UnicodeString(trimmed, 1)), LumValue(), flag);
             result = LumValue();
             result.setNamedItem(NAME_nameddest, makeName(trimmed));
             return result;
         }
     }
-    if (tokens.skipSeparator(u'#')) result = parseView(UnicodeString(text, tokens.getPosition()), result, 1);
+    if (tokens.skipSeparator(u'#'))
+        result = parseView(detail::checked(UnicodeString(text, tokens.getPosition())), result, 1);
     return result;
 }
 
 LumValue LumValue::parseExcelOpenParameters(const UnicodeString& link) {
     const int hash = link.indexOf(u'#');
     if (hash < 0) return NULL_VALUE;
-    LumTokenizer items(UnicodeString(link, hash + 1));
+    LumTokenizer items(detail::checked(UnicodeString(link, hash + 1)));
     LumValue result;
     Parameter parameter;
     for (;;) {
@@ -296,18 +301,18 @@ LumValue LumValue::parseUriFragmentParameters(const UnicodeString& text, bool lo
     const int hash = text.indexOf(u'#');
     if (hash < 0) return text;
     LumValue result;
-    if (hash > 0) result = UnicodeString(text, 0, hash);
-    LumTokenizer items(UnicodeString(text, hash + 1));
+    if (hash > 0) result = detail::checked(UnicodeString(text, 0, hash));
+    LumTokenizer items(detail::checked(UnicodeString(text, hash + 1)));
     std::vector<LumNamedValue> entries;
     Parameter parameter;
     for (;;) {
         const UnicodeString item = items.nextSeparatedValue(u'&');
         if (item.isEmpty()) break;
         if (!splitParameter(item, parameter)) continue;
-        UnicodeString key = LumUri::unescape(parameter.key).trim();
+        const UnicodeString key = detail::checked(LumUri::unescape(parameter.key).trim());
         const LumName name = makeName(lowerKeys ? detail::toLowerCase(key) : key);
         // Under the null name the value would take the place of the text before the "#".
-        if (!name.isNull()) entries.emplace_back(name, LumUri::unescape(parameter.value).trim());
+        if (!name.isNull()) entries.emplace_back(name, detail::checked(LumUri::unescape(parameter.value).trim()));
     }
     // Sorted by name, each entry is appended at the end of the map; in the order of a hostile text, each could move all
     // the others. The sort is stable, so the last of equal names still wins.

@@ -14,7 +14,7 @@ namespace {
 
 UnicodeString cutAtNul(const UnicodeString& text) {
     const int nul = text.indexOf(u'\0');
-    return nul < 0 ? text : UnicodeString(text, 0, nul);
+    return nul < 0 ? detail::copyOf(text) : detail::checked(UnicodeString(text, 0, nul));
 }
 
 }  // namespace
@@ -32,7 +32,9 @@ void LumTokenizer::setCursor(const UnitCursor& cursor) noexcept {
     if (cursor.get()) position_ = static_cast<int>(cursor.get() - source_.getBuffer());
 }
 
-void LumTokenizer::setText(std::u16string_view text) { text_.setTo(text.data(), static_cast<int>(text.size())); }
+void LumTokenizer::setText(std::u16string_view text) {
+    detail::checked(text_.setTo(text.data(), detail::checkedLength(text.size())));
+}
 
 int LumTokenizer::nextToken() {
     if (isPushedBack_) {
@@ -132,7 +134,8 @@ LumValue LumTokenizer::nextTokenValueFunc() {
     const bool isUrl = text == UnicodeString(u"url");
     const bool isRgb = text == UnicodeString(u"rgb");
     skipGroup();
-    text.append(source_, groupStart, position_ - groupStart);
+    detail::append(text, detail::viewOf(source_).substr(static_cast<std::size_t>(groupStart),
+                                                        static_cast<std::size_t>(position_ - groupStart)));
     if (isRgb) return LumValue::parseColor(text, false);
     if (!isUrl) return LumValue(text);
     value = LumValue(LumUri(text).toString());
@@ -172,7 +175,7 @@ UnicodeString LumTokenizer::nextSeparatedValue(char16_t separator) {
             cursor.skipTokenSpace();
             break;
         }
-        text_.append(u' ');
+        detail::append(text_, u' ');
     }
     setCursor(cursor);
     return text_;
@@ -188,7 +191,7 @@ void LumTokenizer::appendItemPart(UnitCursor& cursor, char16_t separator) {
         if (isQuoted ? c == quote : c == separator || detail::isTokenSpace(c)) break;
         cursor.advance();
     }
-    text_.append(start, static_cast<int>(cursor.get() - start));
+    detail::append(text_, std::u16string_view(start, cursor.get()));
     if (isQuoted && !cursor.isAtEnd()) cursor.advance();
 }
 

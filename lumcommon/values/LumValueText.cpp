@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
@@ -19,7 +20,7 @@ namespace detail {
 class ValuePrinter {
 public:
     void print(const LumValue& value) {
-        append(value);
+        printValue(value);
         while (!open_.empty()) printNextItem();
     }
     UnicodeString takeText() { return std::move(text_); }
@@ -36,54 +37,55 @@ private:
         const auto& entries = top.map->entries_;
         while (top.next < entries.size() && entries[top.next].isNull()) ++top.next;
         if (top.next == entries.size()) {
-            text_.append(u'}');
+            append(text_, u'}');
             open_.pop_back();
             return;
         }
         const LumNamedValue& entry = entries[top.next++];
-        if (top.hasItems) text_.append(u"; ", 2);
+        if (top.hasItems) text_.append(u"; ");
         top.hasItems = true;
         if (entry.getName().isNull()) {
-            text_.append(u'.');
+            append(text_, u'.');
         } else {
-            text_.append(entry.getName().getString());
+            append(text_, entry.getName().getString());
         }
-        text_.append(u": ", 2);
-        append(entry);  // may open a map, which invalidates `top`
+        append(text_, u": ");
+        printValue(entry);  // may open a map, which invalidates `top`
     }
 
-    void append(const LumValue& value) {
+    void printValue(const LumValue& value) {
         switch (value.getKind()) {
             case KIND_NULL:
                 break;
             case KIND_INTEGER:
                 if (value.getUnit() == UNIT_CHAR) {
-                    text_.append(static_cast<char16_t>(value.getIntegerValue()));
+                    append(text_, static_cast<char16_t>(value.getIntegerValue()));
                 } else if (value.getUnit() == UNIT_COLOR) {
-                    text_.append(value.getColorValue().toString(false));
+                    append(text_, value.getColorValue().toString(false));
                 } else {
                     detail::appendDecimal(text_, value.getIntegerValue());
-                    text_.append(LumValue::getUnitString(value.getUnit()));
+                    append(text_, LumValue::getUnitString(value.getUnit()));
                 }
                 break;
             case KIND_REAL:
                 appendReal(text_, static_cast<double>(value.getRealValue(UNIT_NONE)));
-                text_.append(LumValue::getUnitString(value.getUnit()));
+                append(text_, LumValue::getUnitString(value.getUnit()));
                 break;
             case KIND_NAME:
-                text_.append(value.getNameValue().getString());
+                append(text_, value.getNameValue().getString());
                 break;
             case KIND_STRING:
-                text_.append(*value.getStringPointer());
+                append(text_, *value.getStringPointer());
                 break;
             case KIND_OBJECT:
-                text_.append(u"##", 2).append(value.getRCObject()->getTypeName());
+                append(text_, u"##");
+                append(text_, value.getRCObject()->getTypeName());
                 break;
             case KIND_COMPOUND:
                 if (value.getUnit() == UNIT_COLOR) {
-                    text_.append(value.getColorValue().toString(false));
+                    append(text_, value.getColorValue().toString(false));
                 } else {
-                    text_.append(u'{');
+                    append(text_, u'{');
                     open_.push_back({value.getNamedValueMap(), 0, false});
                 }
                 break;
@@ -98,7 +100,7 @@ private:
 
 UnicodeString LumValue::toString() const {
     // A string is returned as it is, so a bogus one stays bogus.
-    if (getKind() == KIND_STRING) return payload_.text->text();
+    if (getKind() == KIND_STRING) return detail::copyOf(payload_.text->text());
     detail::ValuePrinter printer;
     printer.print(*this);
     return printer.takeText();

@@ -16,20 +16,25 @@ class LumError;
 ///     parser->setInput(in, UnicodeString(), UnicodeString());
 ///     while (parser->next() != LumXmlParser::END_DOCUMENT) ...
 ///
-/// Errors: malformed input throws a LumError with a code from 0x1801 to 0x1839 whose message ends with the position,
-/// unless a callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
-/// Positions: line and column of the furthest character read so far, which may lie a character or two after the
-/// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
-/// the line. Replacement text of entities does not count, nor do the first characters of an input where they served
-/// to recognise its encoding.
-/// Encodings: a byte order mark tells what the bytes are. They are read by it even where the document, the text
-/// declaration of an external entity or the caller names a charset that needs a converter (windows-1252, say), as
-/// converting would only spoil them. Without a mark the zero bytes of UTF-16 and UTF-32 overrule such a declaration,
-/// but not the caller. An XML declaration after a mark that names another one of the built-in encodings is a conflict,
-/// error 0x1839. With a mark too, an unknown name is error 0x1835, and so is every name that is not built in when
-/// FEATURE_BUILTIN_ENCODINGS_ONLY is on.
-/// Borrowed references (texts, values) are valid until the next call of next(), nextToken() or setInput().
-/// Threads: one at a time.
+/// Errors: malformed input throws a LumError with a code from 0x1801 on whose message ends with the position, unless a
+/// callback is installed; wrong use of an accessor throws code 0x80B or 0x804.
+/// An input that ends because it cannot be read any further is error 0x1006 with the position, wherever that is and
+/// whether or not a callback is installed: its stream has badbit set, or its buffer has thrown, or is a
+/// LumRefillStreamBuf that has failed (a connection that breaks, a body shorter than announced, damaged gzip data).
+/// This also holds for external entities and the external DTD, but not where a feature forgives what goes wrong in
+/// them. A stream that merely has failbit set has ended. Positions: line and column of the furthest character read so
+/// far, which may lie a character or two after the event, as telling its end takes looking ahead. Lines count from 1;
+/// the column is the number of characters read on the line. Replacement text of entities does not count, nor do the
+/// first characters of an input where they served to recognise its encoding. Encodings: a byte order mark tells what
+/// the bytes are. They are read by it even where the document, the text declaration of an external entity or the caller
+/// names a charset that needs a converter (windows-1252, say), as converting would only spoil them. Without a mark the
+/// zero bytes of UTF-16 and UTF-32 overrule such a declaration, but not the caller. An XML declaration after a mark
+/// that names another one of the built-in encodings is a conflict, error 0x1839. With a mark too, an unknown name is
+/// error 0x1835, and so is every name that is not built in when FEATURE_BUILTIN_ENCODINGS_ONLY is on. Characters:
+/// U+FFFF is error 0x1834 wherever it stands: in text, CDATA sections, comments, processing instructions, values and
+/// other literals. Everything else is let through as it is, U+FFFE, control characters and halves of surrogate pairs
+/// included; only a character reference must name a character of XML (error 0x1833). Borrowed references (texts,
+/// values) are valid until the next call of next(), nextToken() or setInput(). Threads: one at a time.
 class LUM_API LumXmlParser : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0x07416767u;

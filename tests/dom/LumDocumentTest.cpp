@@ -254,6 +254,34 @@ TEST_F(LumDocumentTest, attributesAreWrittenFromTheirValues) {
     EXPECT_EQ(written(LumTokenizer(u"(").nextTokenValue()), "<e v=\"(\"/>") << "a delimiter is written as its code";
 }
 
+TEST_F(LumDocumentTest, whatIsSavedCanBeLoadedAgainOrSavingSaysWhyNot) {
+    const LumPtr<LumElement> element = document->createElement(LumName(u"e"));
+    element->setAttribute(LumName(u"l"), LumValue::parseUriFragmentParameters(u"#x><evil=1", false));
+    document->appendChild(element.get());
+    const std::string message = "SYSTEM ERROR: 'l.x><evil' is not a name of XML.";
+    const std::string source = "LumCommon::XmlSerializerImpl::checkText";
+    std::ostringstream out;
+    expectError(0x813, message, source, [&] { document->save(out, nullptr, UnicodeString()); });
+    expectError(0x813, message, source, [&] { document->saveXml(); });
+    out.str("");
+    expectError(0x813, message, source, [&] { document->saveDocumentElement(out); });
+    EXPECT_FALSE(document->getSerializer()->isChecked()) << "the caller's own use is checked from then on";
+    document->setSaveChecked(false);
+    EXPECT_EQ(xmlOf(*document), "<e l.x><evil=\"1\"/>");
+    document->setSaveChecked(true);
+    // Everything that the parser lets through, loaded, saved, and loaded again.
+    std::string xml = "<e a='\xEF\xBF\xBE\xED\xA0\x80\x7F'><![CDATA[\xEF\xBF\xBE<\xED\xB0\x80]]>\xED\xA0\x80</e>";
+    const std::string content = "\"\xEF\xBF\xBE\xED\xA0\x80\x7F\">\xEF\xBF\xBE&lt;\xED\xB0\x80\xED\xA0\x80</";
+    for (int round = 0; round < 2; ++round) {
+        std::istringstream in(xml);
+        document->load(in);
+        out.str("");
+        document->save(out, nullptr, UnicodeString());
+        xml = out.str();
+        EXPECT_NE(xml.find(content), std::string::npos) << xml;
+    }
+}
+
 TEST_F(LumDocumentTest, textsKeepEvenHalfASurrogatePair) {
     const char16_t half[] = {u'x', 0xD834, u'y', 0xDD1E, 0xD7FF, 0};
     const LumPtr<LumElement> element = document->createElement(LumName(u"e"));

@@ -35,6 +35,7 @@ void perform(LumXmlSerializer& s, const std::string& calls) {
     const auto number = [&next] { return std::stoi(utf8(next())); };
     for (std::string what; words >> what;) {
         if (what == "in" || what == "output") next();  // the runner's
+        if (what == "checked") s.setChecked(true);
         if (what == "generator") s.setGenerator(next());
         if (what == "text") s.text(next());
         if (what == "null") s.text(nullptr, 0, number());
@@ -97,6 +98,7 @@ protected:
     }
     void startDocument(const std::string& encoding = "") {
         serializer->setGenerator({});
+        serializer->setChecked(false);
         reopen();
         serializer->startDocument(UnicodeString::fromUTF8(encoding), {});
         written();
@@ -129,6 +131,7 @@ TEST_F(XmlSerializerTest, writesWhatTheRowsTell) {
         EXPECT_EQ(written(), unescape(row[1]));
         EXPECT_EQ(serializer->getDepth(), 0);
     }
+    EXPECT_FALSE(LumXmlUtil::createXmlSerializer()->isChecked()) << "a serializer alone checks unasked";
     expectError(0x810, "SYSTEM ERROR: Unexpected docdecl().", "",
                 [] { LumXmlUtil::createXmlSerializer()->docdecl(u"a"); });
 }

@@ -50,6 +50,7 @@ void expectAsZlib(const std::string& data) {
     auto exact = std::make_unique<std::vector<char>>(data.begin(), data.end());  // for the sanitizer
     LumInflaterStreamBuf buffer(exact->data(), exact->size(), false);
     EXPECT_TRUE(readAll(buffer) == delivered(judged));
+    EXPECT_EQ(buffer.hasFailed(), !judged.isComplete && !data.empty()) << "cut data end like whole ones";
     LumInflaterStream copy(exact->data(), exact->size(), true);
     exact.reset();
     EXPECT_EQ(copy.get(), delivered(judged).empty() ? EOF : static_cast<unsigned char>(judged.bytes[0]));
@@ -59,6 +60,7 @@ void expectAsZlib(const std::string& data) {
     std::string read(judged.bytes.size() + 5000, '\0');
     read.resize(static_cast<std::size_t>(direct.sgetn(read.data(), static_cast<std::streamsize>(read.size()))));
     EXPECT_TRUE(read == delivered(judged)) << "what is inflated in place differs";
+    EXPECT_EQ(direct.hasFailed(), buffer.hasFailed());
     for (std::size_t back = 1; back <= std::min<std::size_t>(10, read.size()); ++back) {
         EXPECT_EQ(direct.sungetc(), static_cast<unsigned char>(read[read.size() - back]));
     }
@@ -130,6 +132,7 @@ TEST(LumGzipStreamBuf, readsNoFurtherThanItIsAskedAndEndsWhereTheSourceFails) {
     const std::string got = readAll(buffer);
     EXPECT_GE(got.size(), 4096u);
     EXPECT_EQ(got, compressible(90000).substr(0, got.size()));
+    EXPECT_TRUE(buffer.hasFailed());
 }
 
 TEST(LumGzipStreamBuf, opensFiles) {

@@ -26,6 +26,7 @@ public:
         std::vector<std::string> pieces;
         int pauseMilliseconds = 20;  // long enough for the reader to see the pieces apart
         bool isKeptOpen = false;     // the connection stays as it is until the server goes
+        bool isReset = false;        // it breaks instead of closing
     };
     /// @param request  all that the client sent, up to the empty line.
     using Answerer = std::function<Answer(const std::string& request)>;
@@ -114,6 +115,10 @@ private:
         for (std::size_t i = 0; i < answer.pieces.size(); ++i) {
             if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(answer.pauseMilliseconds));
             send(client, answer.pieces[i].data(), answer.pieces[i].size(), MSG_NOSIGNAL);
+        }
+        if (answer.isReset) {
+            const linger now{1, 0};
+            setsockopt(client, SOL_SOCKET, SO_LINGER, &now, sizeof now);
         }
         return answer.isKeptOpen;
     }

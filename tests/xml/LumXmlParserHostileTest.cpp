@@ -1,6 +1,10 @@
 // Inputs made to exhaust the reader: depth, width, length, expansion, and everything that ends too early.
 
 #include <gtest/gtest.h>
+#include <lumcommon/names/NamespaceManager.h>
+
+#include <cstdint>
+#include <unordered_set>
 
 #include "support/Sweeps.h"
 #include "support/XmlEvents.h"
@@ -49,6 +53,31 @@ TEST(LumXmlParserHostile, namesMadeToShareAHash) {
         return secondsOf([&] { EXPECT_TRUE(tell(document + "</r>").ends_with("</r>")); });
     };
     EXPECT_LT(secondsFor("\xE8\x81\xA1", "e"), 2.5 * secondsFor("\xE8\x81\xA2", "f") + 0.2);
+}
+
+// Names are numbered as they come, so an author chooses what a table that hashes the numbers as they are makes of them.
+TEST(LumXmlParserHostile, attributesMadeToShareABucket) {
+    const LumPtr<LumCommon::NamespaceManager> holder(new LumCommon::NamespaceManager);  // of the names' numbers
+    constexpr std::uint64_t count = 24000;
+    std::vector<std::uint64_t> uris, names;
+    for (std::uint64_t i = 0; i < count; ++i) uris.push_back(LumName(fromUtf8("u" + std::to_string(i))).getEnum());
+    for (std::uint64_t i = 0; i < count; ++i) names.push_back(LumName(fromUtf8("n" + std::to_string(i))).getEnum());
+    std::unordered_set<std::uint64_t> table;
+    for (std::uint64_t i = 0; i < 3 * count / 2; ++i) table.insert(i);
+    const std::uint64_t buckets = table.bucket_count();
+    std::string declarations = "<a", crafted, harmless;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        const std::string prefix = "p" + std::to_string(i);
+        declarations += " xmlns:" + prefix + "='u" + std::to_string(i) + "'";
+        const std::uint64_t name = (2 * buckets - (uris[i] << 32) % buckets - names[0] % buckets) % buckets;
+        if (name >= count) continue;
+        crafted += " " + prefix + ":n" + std::to_string(name) + "=''";
+        harmless += " " + prefix + ":n" + std::to_string(count - 1 - i) + "=''";
+    }
+    const auto secondsFor = [&](const std::string& attributes) {
+        return secondsOf([&] { EXPECT_TRUE(tell(declarations + attributes + "/>").ends_with("</a>")); });
+    };
+    EXPECT_LT(secondsFor(crafted), 2.5 * secondsFor(harmless) + 0.02);
 }
 
 // Each text is inside all those before it; so are the elements that begin in it.

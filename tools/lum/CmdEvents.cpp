@@ -30,12 +30,8 @@ void describe(Syntax& syntax, Arguments& arguments) {
 }
 
 void addTag(JsonLines& lines, const LumXmlParser& parser, bool isEmptyElement) {
-    lines.add(",\"prefix\":");
-    lines.quote(parser.getPrefix());
-    lines.add(",\"name\":");
-    lines.quote(parser.getName());
-    lines.add(",\"namespace\":");
-    lines.quote(parser.getNamespace());
+    lines.add(",");
+    lines.addNames(parser.getPrefix(), parser.getName(), parser.getNamespace());
     if (isEmptyElement) {
         lines.add(",\"empty\":true,\"attributes\":[");
     } else {
@@ -43,13 +39,12 @@ void addTag(JsonLines& lines, const LumXmlParser& parser, bool isEmptyElement) {
     }
     const int count = parser.getAttributeCount();  // -1 at an end tag
     for (int i = 0; i < count; ++i) {
-        if (i > 0) lines.add(",");
-        lines.add("{\"prefix\":");
-        lines.quote(parser.getAttributePrefix(i));
-        lines.add(",\"name\":");
-        lines.quote(parser.getAttributeName(i));
-        lines.add(",\"namespace\":");
-        lines.quote(parser.getAttributeNamespace(i));
+        if (i > 0) {
+            lines.add(",{");
+        } else {
+            lines.add("{");
+        }
+        lines.addNames(parser.getAttributePrefix(i), parser.getAttributeName(i), parser.getAttributeNamespace(i));
         lines.add(",\"value\":");
         lines.quote(parser.getAttributeValue(i));
         lines.add("}");

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "Output.h"
@@ -20,15 +21,45 @@ constexpr std::size_t bytesPerUnit = 6;  // "\u0001"
 
 constexpr bool isPlain(char16_t c) { return c >= 0x20 && c < 0x80 && c != u'"' && c != u'\\'; }
 
-/// Copies a run of plain characters. The compiler turns both inner loops into vector instructions.
-char* copyPlain(const char16_t*& from, const char16_t* end, char* out) {
-    constexpr std::ptrdiff_t step = 16;
-    for (; end - from >= step; from += step, out += step) {
-        unsigned special = 0;
-        for (std::ptrdiff_t i = 0; i < step; ++i) special |= isPlain(from[i]) ? 0 : 1;
-        if (special) break;
-        for (std::ptrdiff_t i = 0; i < step; ++i) out[i] = static_cast<char>(from[i]);
+/// Copies `count` characters if all are plain; else what is at `out` means nothing. The compiler turns both loops into
+/// vector instructions.
+template <std::ptrdiff_t count>
+bool copyBlock(const char16_t* from, char* out) {
+    unsigned special = 0;
+    for (std::ptrdiff_t i = 0; i < count; ++i) special |= isPlain(from[i]) ? 0 : 1;
+    for (std::ptrdiff_t i = 0; i < count; ++i) out[i] = static_cast<char>(from[i]);
+    return special == 0;
+}
+
+/// Four characters in one word.
+template <>
+bool copyBlock<4>(const char16_t* from, char* out) {
+    constexpr std::uint64_t each = 0x0001000100010001, top = 0x8000 * each;
+    std::uint64_t units;
+    std::memcpy(&units, from, sizeof units);
+    // With its highest bit set, a unit keeps it unless it is less than what is subtracted.
+    const std::uint64_t plain =
+        ((units | top) - 0x20 * each) & (((units ^ '"' * each) | top) - each) & (((units ^ '\\' * each) | top) - each);
+    if ((units & 0xFF80 * each) != 0 || (plain & top) != top) return false;
+    units = (units | units >> 8) & 0x0000FFFF0000FFFF;
+    const auto bytes = static_cast<std::uint32_t>(units | units >> 16);
+    std::memcpy(out, &bytes, sizeof bytes);
+    return true;
+}
+
+/// The same for any number of characters from 4 on: the last block may have some that were copied before.
+bool copyShort(const char16_t* from, const char16_t* end, char* out) {
+    for (; end - from > 4; from += 4, out += 4) {
+        if (!copyBlock<4>(from, out)) return false;
     }
+    const std::ptrdiff_t again = 4 - (end - from);
+    return copyBlock<4>(from - again, out - again);
+}
+
+/// Copies a run of plain characters.
+char* copyPlain(const char16_t*& from, const char16_t* end, char* out) {
+    for (; end - from >= 16 && copyBlock<16>(from, out); from += 16) out += 16;
+    for (; end - from >= 4 && copyBlock<4>(from, out); from += 4) out += 4;
     while (from != end && isPlain(*from)) *out++ = static_cast<char>(*from++);
     return out;
 }
@@ -85,19 +116,30 @@ void JsonLines::quote(const UnicodeString& text) {
     char* const start = room(bytesPerUnit * units + 2);
     char* out = start;
     *out++ = '"';
-    if (units > 0) out = appendText(out, text.getBuffer(), text.getBuffer() + units);
+    const char16_t* const from = text.getBuffer();
+    const char16_t* const end = from + units;
+    if (units >= 4 && units < 16 && copyShort(from, end, out)) {
+        out += units;
+    } else if (units > 0) {
+        out = appendText(out, from, end);
+    }
     *out++ = '"';
     used_ += static_cast<std::size_t>(out - start);
 }
 
-void JsonLines::quoteNew(NameSlot& slot, LumName name) {
+void JsonLines::addNewNames(NamesSlot& slot, const Names& names) {
     const std::size_t before = used_;
-    quote(name.getString());
+    add("\"prefix\":");
+    quote(names.prefix.getString());
+    add(",\"name\":");
+    quote(names.name.getString());
+    add(",\"namespace\":");
+    quote(names.namespaceUri.getString());
     const std::size_t length = used_ - before;
     if (length > sizeof(slot.json)) return;
     std::memcpy(slot.json, buffer_.data() + before, length);
-    slot.length = static_cast<std::uint8_t>(length);
-    slot.name = name;
+    slot.length = static_cast<std::uint32_t>(length);
+    slot.names = names;
 }
 
 void JsonLines::flush() {

@@ -33,9 +33,11 @@ public:
     void add(int number);
     /// As a quoted string.
     void quote(const LumCommon::UnicodeString& text);
-    void quote(LumCommon::LumName name) {
-        NameSlot& slot = names_[name.getEnum() % names_.size()];
-        if (slot.name != name || slot.length == 0) return quoteNew(slot, name);
+    /// The members "prefix", "name" and "namespace" of an object.
+    void addNames(LumCommon::LumName prefix, LumCommon::LumName name, LumCommon::LumName namespaceUri) {
+        NamesSlot& slot = names_[(name.getEnum() + 31 * prefix.getEnum()) % names_.size()];
+        const Names names{prefix, name, namespaceUri};
+        if (slot.names != names || slot.length == 0) return addNewNames(slot, names);
         std::memcpy(room(sizeof(slot.json)), slot.json, sizeof(slot.json));
         used_ += slot.length;
     }
@@ -50,22 +52,26 @@ public:
 private:
     static constexpr std::size_t blockBytes = 64 * 1024;
 
-    /// The quoted form of a name that fits.
-    struct NameSlot {
-        LumCommon::LumName name;
-        std::uint8_t length = 0;  // 0: none
-        char json[32];
+    struct Names {
+        LumCommon::LumName prefix, name, namespaceUri;
+        bool operator==(const Names&) const = default;
+    };
+    /// The members of names met before, if their JSON fits: a constant size is copied without a call.
+    struct NamesSlot {
+        Names names;
+        std::uint32_t length = 0;  // 0: none
+        char json[112];
     };
 
     char* room(std::size_t byteCount) {
         if (buffer_.size() - used_ < byteCount) buffer_.resize(2 * buffer_.size() + byteCount);
         return buffer_.data() + used_;
     }
-    void quoteNew(NameSlot& slot, LumCommon::LumName name);
+    void addNewNames(NamesSlot& slot, const Names& names);
 
     std::vector<char> buffer_;
     std::size_t used_ = 0;
-    std::array<NameSlot, 256> names_;
+    std::array<NamesSlot, 256> names_;
 };
 
 }  // namespace lum

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <iostream>
+#include <new>
 
 namespace lum {
 
@@ -28,7 +29,9 @@ UnicodeString fromArgument(const std::string& argument) {
 
 std::string toUtf8(const UnicodeString& text) {
     std::string bytes;
-    return text.toUTF8String(bytes);
+    text.toUTF8String(bytes);
+    if (bytes.empty() && !text.isEmpty()) throw std::bad_alloc();  // nothing else tells
+    return bytes;
 }
 
 std::string toUtf8(LumName name) { return toUtf8(name.getString()); }

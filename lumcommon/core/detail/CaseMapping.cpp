@@ -1,17 +1,16 @@
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <unicode/locid.h>
 
 namespace LumCommon::detail {
 
-UnicodeString toLowerCase(UnicodeString text) {
-    text.toLower(icu::Locale::getRoot());
-    return text;
+UnicodeString toLowerCase(const UnicodeString& text) {
+    return text.isBogus() ? text : checked(copyOf(text).toLower(icu::Locale::getRoot()));
 }
 
-UnicodeString toUpperCase(UnicodeString text) {
-    text.toUpper(icu::Locale::getRoot());
-    return text;
+UnicodeString toUpperCase(const UnicodeString& text) {
+    return text.isBogus() ? text : checked(copyOf(text).toUpper(icu::Locale::getRoot()));
 }
 
 }  // namespace LumCommon::detail

@@ -2,10 +2,13 @@
 
 #include <lumcommon/core/Text.h>
 
+#include <unicode/utypes.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -29,8 +32,9 @@ inline UnicodeString checked(UnicodeString&& text) {
     return std::move(text);
 }
 
-/// The same after an operation that has changed `text`.
-inline UnicodeString& checked(UnicodeString& text) {
+/// The same after an operation that has changed `text`, or of a copy that another object has made.
+template <class Text>
+Text& checked(Text& text) {
     if (text.isBogus()) throw std::bad_alloc();
     return text;
 }
@@ -40,9 +44,22 @@ inline std::int32_t checkedLength(std::size_t units) {
     return static_cast<std::int32_t>(units);
 }
 
+/// After a call of ICU: throws when memory ran out in it. Other errors are the caller's.
+inline void checkMemory(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+}
+
 /// A copy of its own.
 inline UnicodeString textOf(std::u16string_view text) {
     return checked(UnicodeString(text.data(), checkedLength(text.size())));
+}
+
+/// The text in UTF-8.
+inline std::string utf8Of(const UnicodeString& text) {
+    std::string bytes;
+    text.toUTF8String(bytes);
+    if (bytes.empty() && !text.isEmpty()) throw std::bad_alloc();
+    return bytes;
 }
 
 /// A copy, bogus when `text` is.
@@ -64,10 +81,24 @@ inline UnicodeString& append(UnicodeString& to, std::u16string_view text) {
     return checked(to.append(text.data(), checkedLength(text.size())));
 }
 inline UnicodeString& append(UnicodeString& to, const char16_t* text) { return append(to, std::u16string_view(text)); }
+/// A bogus `text` counts as empty.
 inline UnicodeString& append(UnicodeString& to, const UnicodeString& text) { return checked(to.append(text)); }
 inline UnicodeString& append(UnicodeString& to, char16_t unit) { return checked(to.append(unit)); }
 inline UnicodeString& append(UnicodeString& to, char32_t codePoint) {
     return checked(to.append(static_cast<UChar32>(codePoint)));
+}
+
+/// The texts, one after the other: strings, views, literals and single units.
+template <class... Texts>
+UnicodeString joined(const Texts&... texts) {
+    UnicodeString whole;
+    (append(whole, texts), ...);
+    return whole;
+}
+
+/// Malformed bytes become U+FFFD.
+inline UnicodeString fromUtf8(std::string_view bytes) {
+    return checked(UnicodeString::fromUTF8(icu::StringPiece(bytes.data(), checkedLength(bytes.size()))));
 }
 
 }  // namespace LumCommon::detail

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <lumcommon/core/Text.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <algorithm>
 #include <charconv>
@@ -24,7 +24,7 @@ char16_t* writeDecimal(char16_t* out, Number number) noexcept {
 template <std::integral Number>
 UnicodeString& appendDecimal(UnicodeString& text, Number number) {
     char16_t units[longestDecimal<Number>];
-    return text.append(units, static_cast<int32_t>(writeDecimal(units, number) - units));
+    return append(text, std::u16string_view(units, writeDecimal(units, number)));
 }
 
 }  // namespace LumCommon::detail

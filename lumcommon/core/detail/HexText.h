@@ -1,7 +1,7 @@
 #pragma once
 
-#include <lumcommon/core/Text.h>
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <cstdint>
 
@@ -20,7 +20,7 @@ constexpr char16_t hexDigit(std::uint32_t value) noexcept { return u"0123456789A
 
 /// Appends the two digits of a byte.
 inline UnicodeString& appendHexByte(UnicodeString& text, std::uint8_t byte) {
-    return text.append(hexDigit(byte >> 4)).append(hexDigit(byte));
+    return append(append(text, hexDigit(byte >> 4)), hexDigit(byte));
 }
 
 }  // namespace LumCommon::detail

@@ -14,6 +14,7 @@ namespace {
 icu::LocalUConverterPointer openStrictConverter() {
     UErrorCode status = U_ZERO_ERROR;
     icu::LocalUConverterPointer converter(ucnv_open(nullptr, &status));
+    checkMemory(status);
     if (U_FAILURE(status)) return icu::LocalUConverterPointer();
     ucnv_setFromUCallBack(converter.getAlias(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
     ucnv_setToUCallBack(converter.getAlias(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
@@ -44,7 +45,7 @@ std::optional<std::string> toPlatformPath(const UnicodeString& path) {
             bytes.clear();
         }
     }
-    return path.toUTF8String(bytes);
+    return utf8Of(path);
 }
 
 UnicodeString fromPlatformText(const char* bytes) {
@@ -57,13 +58,14 @@ UnicodeString fromPlatformText(const char* bytes) {
         const int32_t capacityUnits = 2 * sizeBytes;
         UErrorCode status = U_ZERO_ERROR;
         char16_t* const units = result.getBuffer(capacityUnits);
-        if (!units) return UnicodeString();
+        if (!units) throw std::bad_alloc();
         const int32_t length =
             ucnv_toUChars(converter.getAlias(), units, capacityUnits, text.data(), sizeBytes, &status);
         result.releaseBuffer(U_SUCCESS(status) ? length : 0);
+        checkMemory(status);
         if (U_SUCCESS(status)) return result;
     }
-    return UnicodeString::fromUTF8(icu::StringPiece(text.data(), sizeBytes));
+    return fromUtf8(text);
 }
 
 }  // namespace LumCommon::detail

@@ -72,6 +72,7 @@ void* SlabDepot::take() noexcept {
     if (chunk->touched & bit) --touchedSlabs_;
     chunk->touched &= ~bit;
     if (chunk->unused == 0) unlink(chunk);
+    ++usedSlabs_;
     return startOf(chunk) + static_cast<std::size_t>(index) * slabBytes;
 }
 
@@ -82,13 +83,14 @@ void SlabDepot::giveBack(void* slab) noexcept {
     if (chunk->unused == 0) link(chunk);
     chunk->unused |= std::uint32_t{1} << index;
     chunk->touched |= std::uint32_t{1} << index;
-    if (++touchedSlabs_ >= keptSlabs + trimStep) trim();
+    --usedSlabs_;
+    if (++touchedSlabs_ >= mostKept() + trimStep) trim();
 }
 
-/// Gives memory back to the system until no more than `keptSlabs` unused slabs occupy any: whole chunks first, then
+/// Gives memory back to the system until no more unused slabs occupy any than may be kept: whole chunks first, then
 /// slabs of chunks that are in use.
 void SlabDepot::trim() noexcept {
-    for (Chunk *chunk = withUnused_, *next; chunk && touchedSlabs_ > keptSlabs; chunk = next) {
+    for (Chunk *chunk = withUnused_, *next; chunk && touchedSlabs_ > mostKept(); chunk = next) {
         next = chunk->next;
         if (chunk->unused != allSlabs) continue;
         touchedSlabs_ -= static_cast<std::size_t>(std::popcount(chunk->touched));
@@ -96,7 +98,7 @@ void SlabDepot::trim() noexcept {
         unlink(chunk);
         ::munmap(startOf(chunk), chunkBytes);
     }
-    for (Chunk* chunk = withUnused_; chunk && touchedSlabs_ > keptSlabs; chunk = chunk->next) {
+    for (Chunk* chunk = withUnused_; chunk && touchedSlabs_ > mostKept(); chunk = chunk->next) {
         while (chunk->touched != 0) {
             const int first = std::countr_zero(chunk->touched);
             const int count = std::countr_one(chunk->touched >> first);

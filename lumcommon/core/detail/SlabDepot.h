@@ -11,8 +11,8 @@ inline constexpr std::size_t slabBytes = 65536;
 
 /// The slabs that no thread uses, for the whole process.
 ///
-/// Memory comes from the system in chunks of 32 slabs and goes back when it has not been used for long: the depot keeps
-/// at most 64 MB of unused slabs, plus up to 4 MB so that it need not ask the system for every slab.
+/// Memory comes from the system in chunks of 32 slabs and goes back when much is unused: the depot keeps at most 64 MB
+/// more than there is in use, plus up to 4 MB so that it need not ask the system for every slab.
 /// Threads: any; a mutex is taken once a slab.
 class SlabDepot {
 public:
@@ -49,11 +49,13 @@ private:
     Chunk* mapChunk() noexcept;
     void link(Chunk* chunk) noexcept;
     void unlink(Chunk* chunk) noexcept;
+    std::size_t mostKept() const noexcept { return keptSlabs + usedSlabs_; }
     void trim() noexcept;
 
     std::mutex mutex_;
     Chunk* withUnused_ = nullptr;
     std::size_t chunks_ = 0;
+    std::size_t usedSlabs_ = 0;
     std::size_t touchedSlabs_ = 0;  // unused ones that occupy memory
 };
 

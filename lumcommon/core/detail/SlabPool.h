@@ -11,7 +11,8 @@
 ///
 /// Cost: allocating and releasing is constant: a few instructions, and a mutex once a slab. A block has no overhead but
 /// the rounding of its size to 8 bytes. A thread keeps one slab for each size that it uses; unused slabs of the
-/// process are kept up to 64 MB. One live block keeps its slab, whose holes serve only blocks of the same size.
+/// process are kept up to 64 MB more than are in use. One live block keeps its slab, whose holes serve only blocks of
+/// the same size.
 /// Failure: std::bad_alloc when memory runs out.
 /// Threads: a block may be released on any thread. On another thread than the one that allocated it, that takes two
 /// atomic instructions, and the memory is used again when the thread that allocated it next needs a slab. The slabs of

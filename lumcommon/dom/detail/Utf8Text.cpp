@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
 
 #include <unicode/stringpiece.h>
@@ -21,7 +22,13 @@ void appendRun(UnicodeString& text, std::string_view run) {
             length = longestPiece;
             while (U8_IS_TRAIL(run[length]) && length > 1) --length;
         }
-        text.append(UnicodeString::fromUTF8(icu::StringPiece(run.data(), static_cast<int32_t>(length))));
+        UnicodeString piece =
+            checked(UnicodeString::fromUTF8(icu::StringPiece(run.data(), static_cast<int32_t>(length))));
+        if (text.isEmpty()) {
+            text.swap(piece);
+        } else {
+            append(text, piece);
+        }
         run.remove_prefix(length);
     }
 }
@@ -40,7 +47,7 @@ UnicodeString decodeUtf8(std::string_view bytes) {
         appendRun(text, bytes.substr(done, at - done));
         UChar32 surrogate = 0;
         U8_NEXT_UNSAFE(bytes, at, surrogate);
-        text.append(static_cast<char16_t>(surrogate));
+        append(text, static_cast<char16_t>(surrogate));
         done = at;
     }
     appendRun(text, bytes.substr(done));

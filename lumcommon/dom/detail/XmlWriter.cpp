@@ -1,4 +1,6 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/dom/detail/WritableText.h>
 #include <lumcommon/dom/detail/XmlWriter.h>
 
 #include <cxxabi.h>  // abi::__forced_unwind
@@ -7,6 +9,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <ostream>
 
 namespace LumCommon::detail {
@@ -49,25 +52,31 @@ char* appendSpecial(char* out, char16_t c) {
 }
 
 /// Encodes up to the next ASCII character. An unpaired surrogate is encoded in three bytes, as if it were a character.
-char* encodeUtf8(const char16_t*& position, const char16_t* end, char* out) {
+/// @param isChecked  refuses U+FFFF.
+char* encodeUtf8(const char16_t*& position, const char16_t* end, bool isChecked, char* out) {
     const char16_t* from = position;
     const auto byte = [](std::uint32_t value) { return static_cast<char>(value); };
     while (from != end && *from >= 0x80) {
         const std::uint32_t c = *from++;
         if (c < 0x800) {
             *out++ = byte(0xC0 | (c >> 6));
-        } else if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) {
-            const auto pair = static_cast<std::uint32_t>(U16_GET_SUPPLEMENTARY(c, *from));
-            ++from;
-            *out++ = byte(0xF0 | (pair >> 18));
-            *out++ = byte(0x80 | ((pair >> 12) & 0x3F));
-            *out++ = byte(0x80 | ((pair >> 6) & 0x3F));
-            *out++ = byte(0x80 | (pair & 0x3F));
+            *out++ = byte(0x80 | (c & 0x3F));
             continue;
-        } else {
-            *out++ = byte(0xE0 | (c >> 12));
-            *out++ = byte(0x80 | ((c >> 6) & 0x3F));
         }
+        if (c >= 0xD800) {
+            if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) {
+                const auto pair = static_cast<std::uint32_t>(U16_GET_SUPPLEMENTARY(c, *from));
+                ++from;
+                *out++ = byte(0xF0 | (pair >> 18));
+                *out++ = byte(0x80 | ((pair >> 12) & 0x3F));
+                *out++ = byte(0x80 | ((pair >> 6) & 0x3F));
+                *out++ = byte(0x80 | (pair & 0x3F));
+                continue;
+            }
+            if (c == 0xFFFF && isChecked) failCharacter(0xFFFF);
+        }
+        *out++ = byte(0xE0 | (c >> 12));
+        *out++ = byte(0x80 | ((c >> 6) & 0x3F));
         *out++ = byte(0x80 | (c & 0x3F));
     }
     position = from;
@@ -85,7 +94,8 @@ UConverter* openShiftJis() {
     if (U_SUCCESS(status)) ucnv_setFromUCallBack(converter, stopAtUnmappable, nullptr, nullptr, nullptr, &status);
     if (U_SUCCESS(status)) return converter;
     ucnv_close(converter);  // accepts null
-    return nullptr;         // then every character beyond ASCII becomes a reference
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    return nullptr;  // then every character beyond ASCII becomes a reference
 }
 
 }  // namespace
@@ -127,7 +137,7 @@ char* XmlWriter::encode(const char16_t* from, const char16_t* end, char* out) {
         if (*from < 0x80) {
             out = appendSpecial<mode>(out, *from++);
         } else {
-            out = isShiftJis_ ? encodeShiftJis(from, end, out) : encodeUtf8(from, end, out);
+            out = isShiftJis_ ? encodeShiftJis(from, end, out) : encodeUtf8(from, end, isChecked_, out);
         }
     }
 }
@@ -213,7 +223,7 @@ void XmlWriter::markFailed() noexcept {
     isBroken_ = true;
     try {
         stream_->setstate(std::ios_base::badbit);
-    } catch (const std::ios_base::failure&) {  // the stream has exceptions enabled; our own error says more
+    } catch (...) {  // the stream has exceptions enabled, which may even want memory; our own error says more
     }
 }
 
@@ -259,6 +269,7 @@ char* XmlWriter::encodeShiftJis(const char16_t*& position, const char16_t* end, 
         if (U16_IS_SURROGATE(*from)) {
             UChar32 c = *from++;
             if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) c = U16_GET_SUPPLEMENTARY(c, *from++);
+            if (isChecked_ && U_IS_SURROGATE(c)) failCharacter(static_cast<char16_t>(c));
             out = appendReference(out, c);
             continue;
         }
@@ -272,6 +283,7 @@ char* XmlWriter::encodeShiftJis(const char16_t*& position, const char16_t* end, 
             if (U_SUCCESS(status)) continue;
             if (converter_) ucnv_resetFromUnicode(converter_);
             if (from == start) ++from;
+            if (isChecked_ && from[-1] >= 0xFFFE) failCharacter(from[-1]);
             out = appendReference(out, from[-1]);
         }
     }
@@ -279,20 +291,50 @@ char* XmlWriter::encodeShiftJis(const char16_t*& position, const char16_t* end, 
     return out;
 }
 
+/// The slot of a name that is not in the first of its four, or the one that it is given. Were there no others, names
+/// with one slot would drive each other out wherever they take turns.
+const XmlWriter::NameSlot& XmlWriter::findSlot(std::size_t place, LumName prefix, LumName localName) {
+    // Names that are used together often have identifiers in a row, so the four are far apart.
+    constexpr std::size_t stride = NAME_SLOTS / 4;
+    std::size_t given = place ^ (stride * (nextVictim_++ % 4));
+    for (std::size_t i = 4; i-- > 0;) {
+        const std::size_t other = place ^ (stride * i);
+        if (slots_[other].isOf(prefix, localName)) return slots_[other];
+        if (slots_[other].prefix == NameSlot::NOBODY) given = other;
+    }
+    fillSlot(slots_[given], prefix, localName);
+    return slots_[given];
+}
+
 void XmlWriter::fillSlot(NameSlot& slot, LumName prefix, LumName localName) {
-    const UnicodeString& name = localName.getString();
-    UnicodeString string = prefix.isNull() ? name : prefix.getString() + u':' + name;
-    const auto count = static_cast<std::size_t>(string.length());
+    slot.prefix = NameSlot::NOBODY;  // whatever is thrown from here on
+    slot.length = NameSlot::TOO_LONG;
+    UnicodeString string;
+    if (!prefix.isNull()) append(append(string, prefix.getString()), u':');
+    const std::u16string_view name = viewOf(append(string, localName.getString()));
+    char room[NameSlot::CAPACITY * BYTES_PER_UNIT + STORE_SLACK];
+    std::unique_ptr<char[]> largeRoom;
+    if (name.size() > NameSlot::CAPACITY) {
+        largeRoom = std::make_unique_for_overwrite<char[]>(name.size() * BYTES_PER_UNIT + STORE_SLACK);
+    }
+    char* const bytes = largeRoom ? largeRoom.get() : room;
+    const char* const end = encode(name.data(), name.data() + name.size(), TEXT_RAW, bytes);
+    // A name has no "&", so one in its bytes begins a reference to a character that the encoding lacks.
+    if (!isQualifiedName(name) || std::find(bytes, bytes + (end - bytes), '&') != end) {
+        if (isChecked_) failName(name);
+        return;
+    }
     slot.prefix = prefix;
     slot.localName = localName;
-    slot.length = NameSlot::TOO_LONG;
-    if (count > NameSlot::CAPACITY) return;
-    char bytes[NameSlot::CAPACITY * BYTES_PER_UNIT + STORE_SLACK];
-    const char* const end = encode(string.getBuffer(), string.getBuffer() + count, TEXT_RAW, bytes);
     const auto length = static_cast<std::size_t>(end - bytes);
     if (length > NameSlot::CAPACITY) return;
     std::memcpy(slot.bytes, bytes, length);
     slot.length = static_cast<std::uint8_t>(length);
+}
+
+void XmlWriter::checkDeclared(LumName prefix) {
+    checkNCName(viewOf(prefix.getString()));
+    slot(LumName(), prefix);
 }
 
 }  // namespace LumCommon::detail

@@ -22,7 +22,8 @@ namespace LumCommon::detail {
 /// unless the caller gathers the bytes of several. Control characters that XML does not allow are dropped. In Shift_JIS
 /// a character that the code page lacks becomes a decimal reference; so does a surrogate pair, as one reference to its
 /// character, because references to its halves would not be well-formed. Errors: a missing output throws code 0x1005, a
-/// failed one 0x1007, even if the failure is an exception of the stream's buffer.
+/// failed one 0x1007, even if the failure is an exception of the stream's buffer; where names and characters are
+/// checked, 0x813.
 class XmlWriter {
 public:
     XmlWriter();
@@ -36,6 +37,10 @@ public:
     bool isBroken() const noexcept { return isBroken_; }
     /// Selects Shift_JIS with the flag, UTF-8 without it.
     void selectShiftJis(bool isShiftJis);
+    /// Whether names are refused that are none, or that the encoding has no bytes for, and characters that no parser
+    /// takes: U+FFFF, and in Shift_JIS those whose reference would not be well-formed.
+    void setChecked(bool isChecked) noexcept { isChecked_ = isChecked; }
+    bool isChecked() const noexcept { return isChecked_; }
 
     /// Throws unless the stream can be written to.
     void check() {
@@ -84,7 +89,8 @@ public:
         char* out = room(SHORT_TEXT * BYTES_PER_UNIT + plainTextSlack);
         *out = '>';
         out += closesTag ? 1 : 0;
-        cursor_ = text.empty() ? out : encodeContent(text.data(), text.data() + text.size(), out);
+        cursor_ = out;  // whatever becomes of the text
+        if (!text.empty()) cursor_ = encodeContent(text.data(), text.data() + text.size(), out);
     }
     /// Ends a start tag.
     void closeTag(bool isEmpty) {
@@ -93,8 +99,12 @@ public:
         out[1] = '>';
         cursor_ = out + (isEmpty ? 2 : 1);
     }
-    /// `before` and the name.
+    /// `before` and the name, unchecked.
     void name(std::string_view before, LumName prefix, LumName localName) { longName(before, prefix, localName, ""); }
+    /// Refuses what cannot be declared as a prefix, where names are checked. Null is the default.
+    void checkPrefix(LumName prefix) {
+        if (isChecked_ && !prefix.isNull()) checkDeclared(prefix);
+    }
 
     /// Hands the buffered bytes to the stream.
     void commit();
@@ -120,15 +130,17 @@ private:
     static constexpr std::size_t BYTES_PER_UNIT = 8;
     static constexpr std::size_t SHORT_TEXT = 512;  // units for which one check for room serves all
 
-    // Names recur all the time, so their bytes are cached. 64 bytes per slot; a name that does not fit is encoded each
-    // time.
+    // Names recur all the time, so their bytes are cached, of those alone that pass the check: a name that is found
+    // needs none. 64 bytes per slot; a name that does not fit is encoded each time.
     struct NameSlot {
         static constexpr std::size_t CAPACITY = 48;
         static constexpr std::uint8_t TOO_LONG = 0xFF;
-        LumName prefix, localName;
+        static constexpr LumNameEnum NOBODY{0xFFFFFFFF};  // no name has this identifier
+        LumName prefix = NOBODY, localName;
         std::uint8_t length = 0;
         char bytes[CAPACITY + 7];
 
+        bool isOf(LumName namePrefix, LumName name) const noexcept { return localName == name && prefix == namePrefix; }
         bool isCached() const noexcept { return length != TOO_LONG; }
         /// Writes CAPACITY bytes, as a fixed size costs less than a call.
         char* append(char* out) const noexcept {
@@ -147,10 +159,11 @@ private:
         return cursor_;
     }
     const NameSlot& slot(LumName prefix, LumName localName) {
-        NameSlot& slot = slots_[(localName.getEnum() + 31 * prefix.getEnum()) % NAME_SLOTS];
-        if (slot.localName != localName || slot.prefix != prefix) fillSlot(slot, prefix, localName);
-        return slot;
+        const std::size_t place = (localName.getEnum() + 31 * prefix.getEnum()) % NAME_SLOTS;
+        const NameSlot& slot = slots_[place];
+        return slot.isOf(prefix, localName) ? slot : findSlot(place, prefix, localName);
     }
+    const NameSlot& findSlot(std::size_t place, LumName prefix, LumName localName);
     void longName(std::string_view before, LumName prefix, LumName localName, std::string_view after);
     void markFailed() noexcept;
     [[noreturn]] void fail();
@@ -161,6 +174,7 @@ private:
     char* encode(const char16_t* from, const char16_t* end, TextMode mode, char* out);
     char* encodeContent(const char16_t* from, const char16_t* end, char* out);
     char* encodeShiftJis(const char16_t*& from, const char16_t* end, char* out);
+    void checkDeclared(LumName prefix);
     void fillSlot(NameSlot& slot, LumName prefix, LumName localName);
 
     std::ostream* stream_ = nullptr;
@@ -172,7 +186,9 @@ private:
     bool isDirty_ = false;
     bool isBroken_ = false;
     bool isGathering_ = false;
+    bool isChecked_ = false;
     UConverter* converter_ = nullptr;  // null in UTF-8
+    unsigned nextVictim_ = 0;
     std::array<NameSlot, NAME_SLOTS> slots_{};
 };
 

@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/format/detail/NumberFormat.h>
 
@@ -34,7 +35,7 @@ template <class LetterAt>
 bool appendLetterSequence(UnicodeString& text, int number, int base, LetterAt letterAt) {
     char16_t letters[longestLetterSequence];
     const char16_t* const end = writeLetters(letters, number, base, letterAt);
-    text.append(letters, static_cast<std::int32_t>(end - letters));
+    append(text, std::u16string_view(static_cast<const char16_t*>(letters), end));
     return end != letters;
 }
 
@@ -77,7 +78,7 @@ template <const RomanNumerals& numerals>
 bool appendRoman(UnicodeString& text, int number, std::string_view) {
     char16_t letters[longestRoman];
     const char16_t* const end = writeRoman(letters, number, numerals);
-    text.append(letters, static_cast<std::int32_t>(end - letters));
+    append(text, std::u16string_view(static_cast<const char16_t*>(letters), end));
     return end != letters;
 }
 
@@ -162,11 +163,12 @@ UnicodeString toDigits(int number, std::int32_t width, const char16_t* digits) {
     const char16_t* const end = writeDecimal(units, number);
     UnicodeString text;
     char16_t* position = units;
-    if (number < 0) text.append(*position++);
+    if (number < 0) append(text, *position++);
     std::transform(position, units + (end - units), position, [digits](char16_t c) { return digits[c - u'0']; });
     const auto padding = width - static_cast<std::int32_t>(end - units);
-    if (padding > 0) text.append(UnicodeString(padding, digits[0], padding));
-    return text.append(position, static_cast<std::int32_t>(end - position));
+    if (padding > 0) append(text, checked(UnicodeString(padding, static_cast<UChar32>(digits[0]), padding)));
+    append(text, std::u16string_view(static_cast<const char16_t*>(position), end));
+    return text;
 }
 
 UnicodeString toDecimal(int number) {
@@ -184,7 +186,7 @@ bool isWide(UChar32 c) {
 bool appendCycle(UnicodeString& text, int number) {
     if (number < 1 || number > 60) return false;
     for (const Letters letters : {getSequence(Sequence::STEMS), getSequence(Sequence::BRANCHES)}) {
-        text.append(letters[static_cast<std::size_t>(number - 1) % letters.size()]);
+        append(text, letters[static_cast<std::size_t>(number - 1) % letters.size()]);
     }
     return true;
 }
@@ -194,7 +196,9 @@ bool appendInToken(UnicodeString& text, int number, const UnicodeString& token, 
     int indexes[longestLetterSequence];
     const int* const end =
         writeLetters(static_cast<int*>(indexes), number, characters, [](int index) { return index; });
-    for (const int* index = indexes; index != end; ++index) text.append(token.char32At(token.moveIndex32(0, *index)));
+    for (const int* index = indexes; index != end; ++index) {
+        append(text, static_cast<char32_t>(token.char32At(token.moveIndex32(0, *index))));
+    }
     return end != indexes;
 }
 
@@ -223,18 +227,23 @@ UnicodeString toGroups(int number, const Token& token, const DigitTable& table, 
 
 UnicodeString formatByToken(int number, const NumberFormat& how) {
     const Token token(how.format);
+    const std::u16string_view format = viewOf(how.format);
     UnicodeString text;
-    if (token.begin > 0) text.append(how.format, 0, token.begin);
+    append(text, format.substr(0, static_cast<std::size_t>(token.begin)));
     const TokenRow* const row = findToken(token);
     const DigitTable table = row ? DigitTable{} : findDigits(token);
     const bool isWritten = row ? row->append(text, number, how.language)
                                : !table.isThere && appendInCharacters(text, number, token, how.format);
     if (!isWritten) {
         const UnicodeString digits = toGroups(number, token, table, how);
-        text.append(digits);
-        if (digits.isBogus()) text.setToBogus();
+        const std::int64_t length = std::int64_t{text.length()} + digits.length() + how.format.length() - token.end;
+        if (digits.isBogus() || length > INT32_MAX) {
+            text.setToBogus();
+            return text;
+        }
+        append(text, digits);
     }
-    if (token.end < how.format.length()) text.append(how.format, token.end, how.format.length() - token.end);
+    append(text, format.substr(static_cast<std::size_t>(token.end)));
     return text;
 }
 

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/detail/Numerals.h>
 
 #include <iterator>
@@ -35,10 +36,6 @@ constexpr std::u16string_view hebrewThousands = u" \u05D0\u05DC\u05E4\u05D9";
 constexpr char16_t hebrewPluralEnd = u'\u05DD';
 constexpr int highestHebrewLevel = 9;
 
-void append(UnicodeString& text, std::u16string_view units) {
-    text.append(units.data(), static_cast<std::int32_t>(units.size()));
-}
-
 /// @param row  0: units, 1: tens, 2: hundreds.   @param digit  0 to 9; 0 writes nothing.
 void appendHebrewDigit(UnicodeString& text, int row, int digit) {
     if (digit > 0) append(text, HEBREW[row * 9 + digit - 1].letters);
@@ -67,7 +64,7 @@ void appendHebrew(UnicodeString& text, int number, int level) {
     for (; number % 1000 == 0; number /= 1000) ++thousands;
     if (number > 999) {
         appendHebrew(text, number / 1000, level + thousands + 1);  // at most three deep: an int has ten digits
-        text.append(u' ');
+        append(text, u' ');
     }
     const int rest = number % 1000;
     if (thousands > 0) thousands += level;
@@ -79,7 +76,7 @@ void appendHebrew(UnicodeString& text, int number, int level) {
     }
     if (thousands == 0) return;
     for (int i = 0; i < thousands; ++i) append(text, hebrewThousands);
-    text.append(hebrewPluralEnd);
+    append(text, hebrewPluralEnd);
 }
 
 bool appendHebrewNumber(UnicodeString& text, int number) {
@@ -90,7 +87,7 @@ bool appendHebrewNumber(UnicodeString& text, int number) {
     } else if (number % million == 2000) {
         if (number >= million) {
             appendHebrew(text, number / million, 2);
-            text.append(u' ');
+            append(text, u' ');
         }
         append(text, hebrewTwoThousand);
     } else {
@@ -100,7 +97,7 @@ bool appendHebrewNumber(UnicodeString& text, int number) {
 }
 
 UnicodeString groupDigits(const UnicodeString& digits, const UnicodeString& separator, int size) {
-    if (separator.isEmpty() || size < 1 || digits.isEmpty()) return digits;
+    if (separator.isEmpty() || size < 1 || digits.isEmpty()) return copyOf(digits);
     const std::int32_t characters = digits.countChar32();
     const std::int64_t separators = (characters - 1) / size;
     const std::int64_t length = digits.length() + separators * separator.length();
@@ -109,13 +106,14 @@ UnicodeString groupDigits(const UnicodeString& digits, const UnicodeString& sepa
         result.setToBogus();
         return result;
     }
-    result = UnicodeString(static_cast<std::int32_t>(length), 0, 0);
+    result = checked(UnicodeString(static_cast<std::int32_t>(length), 0, 0));
+    const std::u16string_view units = viewOf(digits);
     std::int32_t position = 0;
     for (std::int32_t group = (characters - 1) % size + 1;; group = size) {
         const std::int32_t next = digits.moveIndex32(position, group);
-        result.append(digits, position, next - position);
+        append(result, units.substr(static_cast<std::size_t>(position), static_cast<std::size_t>(next - position)));
         if (next == digits.length()) return result;
-        result.append(separator);
+        append(result, separator);
         position = next;
     }
 }

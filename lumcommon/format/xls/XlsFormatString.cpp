@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/XlsFormat.h>
 #include <lumcommon/format/xls/XlsFormatString.h>
 #include <lumcommon/format/xls/detail/XlsCell.h>
@@ -58,9 +59,12 @@ private:
     bool fits(const UnicodeString& text) const { return measure_(context_, text, width_, first_, second_); }
 
     UnicodeString filled(const UnicodeString& text, int count) const {
-        UnicodeString result(text, 0, fill_.at);
-        for (int i = 0; i < count; ++i) result.append(fill_.character);
-        return result.append(text, fill_.at, text.length() - fill_.at);
+        const auto units = detail::viewOf(text);
+        const auto at = static_cast<std::size_t>(fill_.at);
+        UnicodeString result = detail::textOf(units.substr(0, at));
+        for (int i = 0; i < count; ++i) detail::append(result, static_cast<char32_t>(fill_.character));
+        detail::append(result, units.substr(at));
+        return result;
     }
 
     /// Repeats the fill as often as it fits.
@@ -223,8 +227,10 @@ UnicodeString XlsFormatString::fmtnumD(std::string_view digits, const FMT& secti
 }
 
 UnicodeString XlsFormatString::sethanzenNumS(const UnicodeString& text, int style) {
-    UnicodeString result(text);
+    UnicodeString result = detail::copyOf(text);
     if (style < 1 || style > 3) return result;
+    // Owns its units from here on, so that none of the changes below needs memory.
+    if (!result.isEmpty()) detail::checked(result.setCharAt(0, result.charAt(0)));
     for (std::int32_t i = 0; i < result.length(); ++i) {
         const char16_t c = result.charAt(i);
         if (detail::isAsciiDigit(c)) result.setCharAt(i, detail::xlsNumeral(c - '0', style));

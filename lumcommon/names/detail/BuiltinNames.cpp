@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/NeverDestroyed.h>
 #include <lumcommon/names/detail/BuiltinNames.h>
 #include <lumcommon/names/detail/Vocabulary.h>
@@ -23,17 +24,14 @@ constinit const Vocabulary<rowCount> builtinNames{builtinRows};
 struct BuiltinStrings {
     std::array<UnicodeString, rowCount> ofName;
 
-    BuiltinStrings() noexcept {
-        for (std::size_t id = 0; id < rowCount; ++id) {
-            const std::u16string_view text = builtinRows[id];
-            // An alias of static text: nothing is copied or freed.
-            if (!text.empty()) ofName[id].setTo(true, text.data(), static_cast<std::int32_t>(text.size()));
-        }
+    // Not aliases of the static text: a copy of an alias needs memory, and is empty without a word when there is none.
+    BuiltinStrings() {
+        for (std::size_t id = 0; id < rowCount; ++id) ofName[id] = textOf(builtinRows[id]);
     }
 };
 
 /// Kept out of its caller, so that asking for the strings once they exist costs a test and a load.
-[[gnu::noinline]] const UnicodeString* makeStrings() noexcept {
+[[gnu::noinline]] const UnicodeString* makeStrings() {
     static NeverDestroyed<BuiltinStrings> strings;
     return strings->ofName.data();
 }
@@ -44,7 +42,7 @@ LumNameEnum findBuiltinName(const char16_t* text, std::size_t units) noexcept {
     return static_cast<LumNameEnum>(builtinNames.find(text, units));
 }
 
-const UnicodeString* builtinNameStrings() noexcept {
+const UnicodeString* builtinNameStrings() {
     static const UnicodeString* const strings = makeStrings();
     return strings;
 }

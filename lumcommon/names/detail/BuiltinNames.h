@@ -11,6 +11,6 @@ namespace LumCommon::detail {
 LumNameEnum findBuiltinName(const char16_t* text, std::size_t units) noexcept;
 
 /// The strings of the names 0 (empty) to 1597. They are created on the first call and never destroyed.   Threads: any.
-const UnicodeString* builtinNameStrings() noexcept;
+const UnicodeString* builtinNameStrings();
 
 }  // namespace LumCommon::detail

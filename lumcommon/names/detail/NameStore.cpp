@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/names/detail/NameStore.h>
 
@@ -81,8 +82,7 @@ LumNameEnum NameStore::intern(const char16_t* text, std::size_t units) {
         // Everything that can fail comes before the first visible change.
         const std::uint32_t used = last + 1 - firstName;
         if (used + 1 > slotCount_ / 3 * 2) growIndex();
-        UnicodeString copy(text, static_cast<std::int32_t>(units));
-        if (copy.isBogus()) throwOutOfMemory();
+        UnicodeString copy = textOf({text, units});
         const Place place = placeOf(used);
         UnicodeString* strings = chunks_[place.chunk].load(std::memory_order_relaxed);
         if (strings == nullptr) strings = makeChunk(place.chunk);

@@ -38,23 +38,34 @@ void RecentNames::keep(const char16_t* text, std::size_t units, std::uint32_t ge
         std::fill_n(entries_.get(), mask_ + 1, Entry());
         generation_ = generation;
     }
-    if (entryFor(text, units).units != 0 && ++evictions_ > mask_ / 4 && mask_ + 1 < mostEntries) grow();
-    Entry& entry = entryFor(text, units);
-    entry.name = name;
-    entry.units = static_cast<std::uint32_t>(units);
+    Entry entry{name, static_cast<std::uint32_t>(units), {}};
     std::copy_n(text, units, entry.text);
+    put(entry);
+    if (evictions_ > mask_ / 8 && mask_ + 1 < mostEntries) grow();
+}
+
+/// At the first place of the name; what is there moves to the second, and what is there as well is forgotten.
+void RecentNames::put(const Entry& entry) noexcept {
+    Entry& first = entryFor(entry.text, entry.units);
+    if (first.units != 0) {
+        Entry& second = *otherOf(&first);
+        if (second.units != 0) ++evictions_;
+        second = first;
+    }
+    first = entry;
 }
 
 void RecentNames::grow() noexcept {
     const std::size_t oldCount = mask_ + 1;
-    std::unique_ptr<Entry[]> grown(new (std::nothrow) Entry[2 * oldCount]());
     evictions_ = 0;
+    std::unique_ptr<Entry[]> grown(new (std::nothrow) Entry[2 * oldCount]());
     if (!grown) return;
     entries_.swap(grown);
     mask_ = 2 * oldCount - 1;
     for (const Entry& entry : std::span(grown.get(), oldCount)) {
-        if (entry.units != 0) entryFor(entry.text, entry.units) = entry;
+        if (entry.units != 0) put(entry);
     }
+    evictions_ = 0;
 }
 
 }  // namespace LumCommon::detail

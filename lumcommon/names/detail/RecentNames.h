@@ -24,8 +24,11 @@ public:
 
     /// The name of the text; the null name when it is not here. `units` is at least 1.
     LumNameEnum find(const char16_t* text, std::size_t units, std::uint32_t generation) const noexcept {
-        const Entry& entry = entryFor(text, units);
-        return generation == generation_ && entry.matches(text, units) ? entry.name : NAME_NULL;
+        if (generation != generation_) return NAME_NULL;
+        const Entry* const entry = &entryFor(text, units);
+        if (entry->matches(text, units)) return entry->name;
+        const Entry& other = *otherOf(entry);
+        return other.matches(text, units) ? other.name : NAME_NULL;
     }
     /// Long texts are not kept.
     void keep(const char16_t* text, std::size_t units, std::uint32_t generation, LumNameEnum name) noexcept;
@@ -50,6 +53,11 @@ private:
     Entry& entryFor(const char16_t* text, std::size_t units) const noexcept {
         return entries_[static_cast<std::size_t>(hashUnits(text, units, key_)) & mask_];
     }
+    /// The second place for what belongs to the first.
+    Entry* otherOf(const Entry* entry) const noexcept {
+        return &entries_[static_cast<std::size_t>(entry - entries_.get()) ^ 1];
+    }
+    void put(const Entry& entry) noexcept;
     void grow() noexcept;
 
     // In the thread's static block, which is found without a call. Libraries that are loaded late get a few bytes
@@ -59,7 +67,7 @@ private:
     const HashKey key_;
     std::size_t mask_;
     std::unique_ptr<Entry[]> entries_;
-    std::size_t evictions_ = 0;  // since the last growth
+    std::size_t evictions_ = 0;  // since the last growth; the table grows when too many names want the same two places
     std::uint32_t generation_ = 0;
 };
 

@@ -61,9 +61,7 @@ private:
         return std::uint64_t{kind} << 32 | std::uint64_t{name.getEnum()};
     }
     /// Seeded, because a document chooses which of its names become prefixes.
-    std::size_t placeOf(std::uint64_t key) const noexcept {
-        return static_cast<std::size_t>(foldMultiply(key ^ hashKey_.seed, hashKey_.multiplier));
-    }
+    std::size_t placeOf(std::uint64_t key) const noexcept { return hash_(key); }
     std::uint32_t find(Kind kind, LumName name) const noexcept {
         const Recent& recent = recent_[kind];
         return recent.question != none && recent.name == name ? recent.question : findInIndex(kind, name);
@@ -72,7 +70,7 @@ private:
     void growIndex();
     bool isChangedInScope(const Question& question) const noexcept { return question.lastChange > scopeStarts_.back(); }
 
-    HashKey hashKey_ = processHashKey();
+    KeyedHash hash_;
     std::vector<Question> questions_;
     std::vector<std::uint32_t> index_ = std::vector<std::uint32_t>(32, none);  // a power of two, at most half full
     // The last question of each kind: successive elements mostly share their prefix and namespace.

@@ -37,6 +37,19 @@ constexpr std::uint64_t foldMultiply(std::uint64_t a, std::uint64_t b) noexcept 
 #endif
 }
 
+/// The hash of numbers and names for the tables of the standard library. Names too are chosen by whoever writes a
+/// document, by the order in which they come.
+struct KeyedHash {
+    HashKey key = processHashKey();
+
+    std::size_t operator()(std::uint64_t number) const noexcept {
+        return static_cast<std::size_t>(foldMultiply(number ^ key.seed, key.multiplier));
+    }
+    template <class Name>
+    requires requires(const Name& name) { name.getEnum(); }
+    std::size_t operator()(const Name& name) const noexcept { return (*this)(std::uint64_t{name.getEnum()}); }
+};
+
 /// Four units as one word, the first in the lowest bits.
 constexpr std::uint64_t loadFourUnits(const char16_t* text) noexcept {
     if (!std::is_constant_evaluated() && std::endian::native == std::endian::little) {

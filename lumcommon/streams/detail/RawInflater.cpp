@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
 namespace LumCommon::detail {
 namespace {
@@ -15,7 +16,9 @@ constexpr std::size_t mostAtOnce = std::numeric_limits<uInt>::max();
 }  // namespace
 
 RawInflater::RawInflater() : stream_(std::make_unique<z_stream>()) {
-    isReady_ = inflateInit2(stream_.get(), rawDeflate) == Z_OK;
+    const int result = inflateInit2(stream_.get(), rawDeflate);
+    if (result == Z_MEM_ERROR) throw std::bad_alloc();
+    isReady_ = result == Z_OK;
 }
 
 RawInflater::~RawInflater() {
@@ -27,7 +30,7 @@ void RawInflater::restart() noexcept {
     if (isReady_) inflateReset(stream_.get());
 }
 
-RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<char>& room) noexcept {
+RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<char>& room) {
     if (!isReady_) return Outcome::BROKEN;
     z_stream& z = *stream_;
     const auto given = static_cast<uInt>(std::min(data.size(), mostAtOnce));
@@ -37,6 +40,7 @@ RawInflater::Outcome RawInflater::step(std::span<const char>& data, std::span<ch
     z.next_out = reinterpret_cast<Bytef*>(room.data());
     z.avail_out = free;
     const int result = ::inflate(&z, Z_NO_FLUSH);
+    if (result == Z_MEM_ERROR) throw std::bad_alloc();
     data = data.subspan(given - z.avail_in);
     room = room.subspan(free - z.avail_out);
     hasEnded_ = result == Z_STREAM_END;

@@ -8,8 +8,8 @@ struct z_stream_s;
 
 namespace LumCommon::detail {
 
-/// Inflates raw deflate data (RFC 1951) step by step. What cannot be inflated, even for lack of memory, is
-/// BROKEN.
+/// Inflates raw deflate data (RFC 1951) step by step. What cannot be inflated is BROKEN.
+/// Failure: std::bad_alloc, from the constructor and from each step until restart().
 class RawInflater {
 public:
     enum class Outcome { MORE, END, BROKEN };
@@ -20,12 +20,14 @@ public:
     RawInflater& operator=(const RawInflater&) = delete;
 
     void restart() noexcept;
+    /// Whether the data have come to their proper end.
+    bool hasEnded() const noexcept { return hasEnded_; }
 
     /// Inflates from the front of `data` into the front of `room` and removes what was used from both. Empty `data`
     /// means that no more will come: what is held back is delivered, and data that do not end there are broken.
     /// @param room  not empty.
     /// @return MORE if `data` is used up or `room` is full. After END, always END.
-    Outcome step(std::span<const char>& data, std::span<char>& room) noexcept;
+    Outcome step(std::span<const char>& data, std::span<char>& room);
 
     /// Inflates until `room` is full or the data end, and returns the number of bytes produced. If the data turn out to
     /// be broken, returns 0, whatever was produced before.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lumcommon/streams/LumRefillStreamBuf.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <istream>
@@ -7,6 +9,13 @@
 #include <vector>
 
 namespace LumCommon::detail {
+
+/// Whether a stream that has no more bytes is broken instead of at its end.
+inline bool isBroken(const std::istream& in) noexcept {
+    if (in.bad()) return true;
+    const auto* const buffer = dynamic_cast<const LumRefillStreamBuf*>(in.rdbuf());
+    return buffer && buffer->hasFailed();
+}
 
 /// Reads up to `room.size()` bytes and returns their number. An exception, from the stream's buffer or because of its
 /// exception mask, counts as the end and shows in the stream's state.

@@ -8,7 +8,7 @@ namespace {
 
 using View = std::u16string_view;
 
-constexpr int32_t schemeUnits = 5;  // data:
+constexpr std::size_t schemeUnits = 5;  // data:
 
 bool isNumber(const LumValue& value) {
     return value.isNumeric() && value.getUnit() != UNIT_CHAR && value.getUnit() != UNIT_COLOR;
@@ -29,16 +29,15 @@ void LumDataUri::init() {
     mediaType_.remove();
     if (!isDataScheme()) return;
     if (!isDecoded_) {
-        UnicodeString rest(uri_, schemeUnits);
-        LumUriSub::unescapeHH(rest);
-        uri_.truncate(schemeUnits);
-        uri_.append(rest);
+        UnicodeString decoded = detail::copyOf(uri_);
+        LumUriSub::unescapeHH(decoded);  // the scheme has no escapes
+        uri_.swap(decoded);
         isDecoded_ = true;
     }
     const View uri = detail::viewOf(uri_);
     std::size_t end = uri.find_first_of(u";,", schemeUnits);
     if (end == View::npos) return;
-    mediaType_ = detail::textOf(uri.substr(schemeUnits, end - schemeUnits)).trim();
+    mediaType_ = detail::checked(detail::textOf(uri.substr(schemeUnits, end - schemeUnits)).trim());
     hasParameters_ = uri[end] == u';';
     while (uri[end] == u';') {
         const std::size_t start = end + 1;

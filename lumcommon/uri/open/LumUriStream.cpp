@@ -10,9 +10,14 @@
 
 #include <algorithm>
 #include <atomic>
+#include <charconv>
+#include <chrono>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 
 namespace LumCommon {
 namespace {
@@ -26,6 +31,38 @@ constexpr int maxRequests = 100;
 constexpr std::string_view userAgent = "Lumset V3.9 R1 for Linux (3,9,2006,0901)";
 
 std::atomic<int> s_timeoutMilliseconds{LumUriStreamBuf::defaultTimeoutMilliseconds};
+std::atomic<int> s_totalTimeoutMilliseconds{LumUriStreamBuf::defaultTotalTimeoutMilliseconds};
+
+using Duration = std::chrono::steady_clock::duration;
+
+/// One wait for the server: it ends when this wait, or all of them together, have taken too long. What it took is
+/// subtracted from what is left for all.
+class Wait {
+public:
+    explicit Wait(Duration& left)
+        : left_(left), deadline_(std::min<Duration>(std::chrono::milliseconds(LumUriStreamBuf::getTimeout()), left)) {}
+    ~Wait() { left_ -= std::min(left_, std::chrono::steady_clock::now() - start_); }
+    Wait(const Wait&) = delete;
+    Wait& operator=(const Wait&) = delete;
+
+    const Deadline& deadline() const noexcept { return deadline_; }
+
+private:
+    Duration& left_;
+    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    const Deadline deadline_;
+};
+
+/// The length of the body that the head announces; nullopt if it announces none, or something that is no length.
+std::optional<std::uint64_t> bodyLength(const HttpHead& head) {
+    const auto lengths = head.getValues("content-length");
+    if (lengths.empty()) return std::nullopt;
+    const std::string_view text = lengths.back();
+    std::uint64_t length = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return length;
+}
 
 /// The URL as it is sent. Blanks and control characters are escaped: a line end in the URL would let its author inject
 /// lines into the request.
@@ -33,9 +70,9 @@ std::string toRequestBytes(const UnicodeString& uri) {
     UnicodeString escaped;
     for (const char16_t unit : detail::viewOf(uri)) {
         if (unit > 0x20 && unit != 0x7F) {
-            escaped.append(unit);
+            detail::append(escaped, unit);
         } else {
-            detail::appendHexByte(escaped.append(u'%'), static_cast<std::uint8_t>(unit));
+            detail::appendHexByte(detail::append(escaped, u'%'), static_cast<std::uint8_t>(unit));
         }
     }
     return detail::toPlatformPath(escaped).value_or(std::string());
@@ -44,9 +81,10 @@ std::string toRequestBytes(const UnicodeString& uri) {
 /// Text from a server, decoded from the charset in which requests are written.
 UnicodeString fromResponse(std::string_view bytes) { return detail::fromPlatformText(std::string(bytes).c_str()); }
 
-/// The value of HTTP_PROXY; empty if it is not set.
+/// The value of HTTP_PROXY; empty if it is not set, or set by a stranger.
 std::string getProxy() {
     LumMutex guard;
+    if (std::getenv("REQUEST_METHOD")) return std::string();
     const char* const value = std::getenv("HTTP_PROXY");
     return value ? value : "";
 }
@@ -77,18 +115,27 @@ int LumUriStreamBuf::setTimeout(int milliseconds) noexcept {
                                           std::memory_order_relaxed);
 }
 
+int LumUriStreamBuf::getTotalTimeout() noexcept { return s_totalTimeoutMilliseconds.load(std::memory_order_relaxed); }
+
+int LumUriStreamBuf::setTotalTimeout(int milliseconds) noexcept {
+    return s_totalTimeoutMilliseconds.exchange(milliseconds > 0 ? milliseconds : defaultTotalTimeoutMilliseconds,
+                                               std::memory_order_relaxed);
+}
+
 bool LumUriStreamBuf::open(const UnicodeString& uri) {
     close();
     releaseBlock();
     status_ = 0;
     contentType_.remove();
     errorMessage_.remove();
+    waitLeft_ = std::chrono::milliseconds(getTotalTimeout());
     try {
         if (exchange(uri)) return true;
+        close();
     } catch (...) {
+        close();
         errorMessage_ = u"Unknown exception";
     }
-    close();
     return false;
 }
 
@@ -104,16 +151,17 @@ bool LumUriStreamBuf::exchange(UnicodeString uri) {
             // A head that breaks off after its first line still tells why there is no resource, but not where to look
             // for it or what it is.
             if (isComplete || !(isSuccess(status_) || isRedirection(status_))) {
-                errorMessage_ = UnicodeString(u"HTTP status is ").append(fromResponse(*text));
+                errorMessage_ = detail::joined(u"HTTP status is ", fromResponse(*text));
             }
         } else if (isComplete) {
-            errorMessage_ = u"HTTP status is unknown: the response is not HTTP";
+            errorMessage_ = detail::textOf(u"HTTP status is unknown: the response is not HTTP");
         }
         if (!isComplete) return false;
         if (isSuccess(status_)) {
             const auto types = head.getValues("content-type");
             if (!types.empty()) contentType_ = fromResponse(types.back());
             setg(gptr(), gptr(), egptr());  // the head cannot be put back
+            expectBody(head);
             return true;
         }
         if (!isRedirection(status_)) return false;
@@ -154,7 +202,7 @@ bool LumUriStreamBuf::request(const UnicodeString& uri) {
     text.append(" HTTP/1.0\r\nUser-Agent: ").append(userAgent).append("\r\n");
     text.append(hostLine).append("Accept: */*\r\n\r\n");
     // A server may answer and close before it has read everything; its answer counts, so the result is ignored.
-    static_cast<void>(detail::sendTcp(socket_, text, Deadline(getTimeout())));
+    static_cast<void>(detail::sendTcp(socket_, text, Wait(waitLeft_).deadline()));
     return true;
 }
 
@@ -168,7 +216,7 @@ bool LumUriStreamBuf::connect(const std::string& host, unsigned short port) {
         errorMessage_ = u"Cannot create socket";
         return false;
     }
-    return detail::connectTcp(socket_, host, port, Deadline(getTimeout()));
+    return detail::connectTcp(socket_, host, port, Wait(waitLeft_).deadline());
 }
 
 /// Reads the response up to the body. False, with a message, if that is not reached.
@@ -176,18 +224,19 @@ bool LumUriStreamBuf::readHead(HttpHead& head) {
     allocateBlock();
     // One deadline for the whole head: a server that sends a byte now and then must not keep the caller waiting
     // forever.
-    const Deadline deadline(getTimeout());
+    const Wait wait(waitLeft_);
+    const Deadline& deadline = wait.deadline();
     for (;;) {
         if (gptr() == egptr() && !receiveMore(deadline)) {
-            errorMessage_ = deadline.isOver() ? u"HTTP status is unknown: the response takes too long"
-                                              : u"HTTP status is unknown: the response ends early";
+            errorMessage_ = detail::textOf(deadline.isOver() ? u"HTTP status is unknown: the response takes too long"
+                                                             : u"HTTP status is unknown: the response ends early");
             return false;
         }
         const char byte = *gptr();
         gbump(1);
         const HttpHead::Progress progress = head.take(byte);
         if (progress == HttpHead::Progress::TooLong) {
-            errorMessage_ = u"HTTP status is unknown: the head of the response is too long";
+            errorMessage_ = detail::textOf(u"HTTP status is unknown: the head of the response is too long");
             return false;
         }
         if (progress == HttpHead::Progress::Complete) {
@@ -197,17 +246,33 @@ bool LumUriStreamBuf::readHead(HttpHead& head) {
     }
 }
 
-std::size_t LumUriStreamBuf::refill(std::span<char> room) { return receive(room, Deadline(getTimeout())); }
+void LumUriStreamBuf::expectBody(const HttpHead& head) {
+    bodyLeft_ = bodyLength(head);
+    const auto arrived = static_cast<std::uint64_t>(egptr() - gptr());
+    if (bodyLeft_) *bodyLeft_ -= std::min(*bodyLeft_, arrived);
+}
+
+std::size_t LumUriStreamBuf::refill(std::span<char> room) {
+    const Wait wait(waitLeft_);
+    const auto received = receive(room, wait.deadline());
+    const std::size_t count = received.value_or(0);
+    if (bodyLeft_) *bodyLeft_ -= std::min<std::uint64_t>(*bodyLeft_, count);
+    // Where the length is known, it does not matter how the connection ends.
+    if (count == 0 && (bodyLeft_ ? *bodyLeft_ > 0 : !received)) fail();
+    return count;
+}
 
 /// Fills the get area with the next bytes. False if there are none; the get area is then at its end.
 bool LumUriStreamBuf::receiveMore(const Deadline& deadline) {
-    return fillFrom([this, &deadline](std::span<char> room) { return receive(room, deadline); });
+    return fillFrom([this, &deadline](std::span<char> room) { return receive(room, deadline).value_or(0); });
 }
 
-std::size_t LumUriStreamBuf::receive(std::span<char> room, const Deadline& deadline) {
+/// The number of bytes received, 0 at the end; nullopt if the connection breaks or the deadline passes.
+std::optional<std::size_t> LumUriStreamBuf::receive(std::span<char> room, const Deadline& deadline) {
     if (isEnded_ || socket_ == -1) return 0;
-    const std::size_t received = detail::receiveTcp(socket_, room, deadline);
-    isEnded_ = received == 0;
+    // A server that always has something to send keeps nobody waiting, so its end comes here.
+    const auto received = deadline.isOver() ? std::nullopt : detail::receiveTcp(socket_, room, deadline);
+    isEnded_ = received.value_or(0) == 0;
     return received;
 }
 
@@ -215,16 +280,19 @@ void LumUriStreamBuf::close() noexcept {
     if (socket_ != -1) ::close(socket_);
     socket_ = -1;
     isEnded_ = false;
+    bodyLeft_.reset();
     setg(nullptr, nullptr, nullptr);
 }
 
 LumUriStream::LumUriStream(const UnicodeString& uri) : std::istream(nullptr), buffer_(uri) {
     std::istream::rdbuf(&buffer_);
+    buffer_.tellFailuresTo(this);
     if (!is_open()) setstate(failbit);
 }
 
 LumUriStream::LumUriStream(const char* uri) : std::istream(nullptr), buffer_(uri) {
     std::istream::rdbuf(&buffer_);
+    buffer_.tellFailuresTo(this);
     if (!is_open()) setstate(failbit);
 }
 

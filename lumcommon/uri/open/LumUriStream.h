@@ -4,8 +4,11 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/streams/LumRefillStreamBuf.h>
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <istream>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -20,21 +23,24 @@ struct HttpUrl;
 /// Reads the body of an http: resource as it arrives.
 ///
 /// The resource is fetched with an HTTP/1.0 GET over IPv4. If its host cannot be reached, the request goes through the
-/// proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme). The statuses 301, 302, 303
-/// and 305 are followed if they come with a location, which must be a complete http: URI; no more than 100 requests are
-/// made in total. Up to 16 bytes that were read can be put back. Seeking is not supported; a LumMemStream can
-/// add it.
+/// proxy that the environment variable HTTP_PROXY names ("host" or "host:port", no scheme); but not where
+/// REQUEST_METHOD is set too: there a web server has started the program, and HTTP_PROXY is the "Proxy" header of a
+/// stranger's request. The statuses 301, 302, 303 and 305 are followed if they come with a location, which must be a
+/// complete http: URI; no more than 100 requests are made in total. Up to 16 bytes that were read can be put back.
+/// Seeking is not supported; a LumMemStream can add it.
 ///
 /// Limits: a response head is at most 64 KiB. Connecting, sending, reading the whole head and each read of the body may
-/// each take as long as getTimeout() says; looking up the name of a host takes as long as the system's resolver does.
-/// Memory: constant, whatever the server sends.
-/// Failure: nothing is thrown. The buffer is then closed and getErrorMessage() has the reason. A body that ends early,
-/// a connection that breaks and a read that takes too long all end the stream; the length that the server announced is
-/// not checked. SIGPIPE is never raised.
-/// Threads: one at a time; any number of buffers can be open at once.
+/// each take as long as getTimeout() says, and all of them together, redirections included, as long as
+/// getTotalTimeout() says. Time that the caller spends between reads does not count. Looking up the name of a host
+/// takes as long as the system's resolver does. Memory: constant, whatever the server sends. Failure: nothing is
+/// thrown. When opening fails, the buffer is closed and getErrorMessage() has the reason. A body that is shorter than
+/// the length that the server announced, a connection that breaks and a read that takes too long all end the reading;
+/// hasFailed() and the badbit of a LumUriStream then tell so. SIGPIPE is never raised. Threads: one at a time; any
+/// number of buffers can be open at once.
 class LUM_API LumUriStreamBuf : public LumRefillStreamBuf {
 public:
     static constexpr int defaultTimeoutMilliseconds = 30000;
+    static constexpr int defaultTotalTimeoutMilliseconds = 15 * 60 * 1000;
 
     /// Opens the resource.
     explicit LumUriStreamBuf(const UnicodeString& uri);
@@ -63,6 +69,11 @@ public:
     static int getTimeout() noexcept;
     /// Sets it and returns the previous value. A value that is not positive stands for the default.
     static int setTimeout(int milliseconds) noexcept;
+    /// How long a server may keep the reader of one resource waiting in all, from connecting to the end of the body, in
+    /// milliseconds, for the whole process. A change does not affect resources that are open. Threads: any.
+    static int getTotalTimeout() noexcept;
+    /// Sets it and returns the previous value. A value that is not positive stands for the default.
+    static int setTotalTimeout(int milliseconds) noexcept;
 
 private:
     std::size_t refill(std::span<char> room) override;
@@ -71,14 +82,17 @@ private:
     bool connect(const std::string& host, unsigned short port);
     bool readHead(detail::HttpHead& head);
     bool receiveMore(const detail::Deadline& deadline);
-    std::size_t receive(std::span<char> room, const detail::Deadline& deadline);
+    std::optional<std::size_t> receive(std::span<char> room, const detail::Deadline& deadline);
+    void expectBody(const detail::HttpHead& head);
     void close() noexcept;
 
     int status_ = 0;
     UnicodeString contentType_;
     UnicodeString errorMessage_;
     int socket_ = -1;
-    bool isEnded_ = false;  // no more bytes come; asking again would only wait
+    bool isEnded_ = false;                            // no more bytes come; asking again would only wait
+    std::chrono::steady_clock::duration waitLeft_{};  // of getTotalTimeout()
+    std::optional<std::uint64_t> bodyLeft_;           // bytes that the server has announced and not sent yet
 };
 
 /// An input stream with its own LumUriStreamBuf. Threads: one at a time.

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/values/detail/NumberText.h>
 
@@ -18,14 +19,14 @@ void appendReal(UnicodeString& text, double number) {
     char digits[32];
     const char* const end =
         std::to_chars(digits, digits + sizeof digits, number, std::chars_format::general, significantDigits).ptr;
-    for (const char* digit = digits; digit != end; ++digit) text.append(static_cast<char16_t>(*digit));
+    for (const char* digit = digits; digit != end; ++digit) append(text, static_cast<char16_t>(*digit));
 }
 
 void appendHexColor(UnicodeString& text, std::uint32_t rgb) {
-    text.append(u'#');
+    append(text, u'#');
     const int shownDigits = std::max(6, (static_cast<int>(std::bit_width(rgb)) + 3) / 4);
     for (int shift = 4 * (shownDigits - 1); shift >= 0; shift -= 4) {
-        text.append(hexDigit(rgb >> shift));
+        append(text, hexDigit(rgb >> shift));
     }
 }
 

@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/CodePoints.h>
 #include <lumcommon/core/detail/HexText.h>
 #include <lumcommon/values/detail/Quoting.h>
@@ -49,21 +50,22 @@ void appendCssEscaped(UnicodeString& result, const UnicodeString& text, char16_t
         const char16_t c = text.charAt(i);
         const char16_t* const escape = getCssEscape(c, quote);
         if (!escape) {
-            result.append(c);
+            append(result, c);
             continue;
         }
-        result.append(u'\\').append(escape, -1);
+        append(result, u'\\');
+        append(result, escape);
         const bool hasNext = i + 1 < text.length();
         const char16_t next = hasNext ? text.charAt(i + 1) : u'\0';
-        if (isCssSpace(next) || hexDigitValue(next) >= 0) result.append(u' ');
+        if (isCssSpace(next) || hexDigitValue(next) >= 0) append(result, u' ');
     }
 }
 
 void appendDoubled(UnicodeString& result, const UnicodeString& text, char16_t quote) {
     for (int i = 0; i < text.length(); ++i) {
         const char16_t c = text.charAt(i);
-        result.append(c);
-        if (c == quote) result.append(c);
+        append(result, c);
+        if (c == quote) append(result, c);
     }
 }
 
@@ -74,16 +76,16 @@ void appendUnescaped(UnicodeString& result, UnitCursor& cursor) {
         constexpr int mostDigits = 6;
         const auto code = static_cast<UChar32>(scanHexNumber(cursor, mostDigits));
         if (isCssSpace(cursor.peek())) cursor.advance();
-        result.append(code != 0 && isUnicodeCharacter(code) ? code : UChar32{replacementCharacter});
+        append(result, static_cast<char32_t>(code != 0 && isUnicodeCharacter(code) ? code : replacementCharacter));
         return;
     }
     if (cursor.isAtEnd()) {
-        result.append(u'\\');
+        append(result, u'\\');
         return;
     }
     cursor.advance();
     if (c == u'\r' && cursor.peek() == u'\n') cursor.advance();
-    if (c != u'\r' && c != u'\n' && c != u'\f') result.append(c);
+    if (c != u'\r' && c != u'\n' && c != u'\f') append(result, c);
 }
 
 bool isQuoteOfMode(char16_t c, unsigned mode) noexcept {
@@ -95,15 +97,15 @@ bool isQuoteOfMode(char16_t c, unsigned mode) noexcept {
 UnicodeString quoteString(const UnicodeString& text, unsigned mode) {
     const char16_t quote = chooseQuote(text, mode);
     UnicodeString result;
-    if (quote != noQuote) result.append(quote);
+    if (quote != noQuote) append(result, quote);
     if (mode & QUOTE_BIT_CSS) {
         appendCssEscaped(result, text, quote);
     } else if ((mode & QUOTE_BIT_DOUBLING) && quote != noQuote) {
         appendDoubled(result, text, quote);
     } else {
-        result.append(text);
+        append(result, text);
     }
-    if (quote != noQuote) result.append(quote);
+    if (quote != noQuote) append(result, quote);
     return result;
 }
 
@@ -126,11 +128,11 @@ UnicodeString scanString(UnitCursor& cursor, unsigned mode) {
         if (c == quote) {
             if (!(mode & QUOTE_BIT_DOUBLING) || scan.peek() != quote) break;
             scan.advance();
-            result.append(c);
+            append(result, c);
         } else if (c == u'\\' && (mode & QUOTE_BIT_CSS)) {
             appendUnescaped(result, scan);
         } else {
-            result.append(c);
+            append(result, c);
         }
     }
     cursor = scan;
@@ -138,7 +140,7 @@ UnicodeString scanString(UnitCursor& cursor, unsigned mode) {
 }
 
 UnicodeString unquoteString(const UnicodeString& text, unsigned mode) {
-    UnicodeString trimmed(text);
+    UnicodeString trimmed = copyOf(text);
     trimmed.trim();
     const int length = trimmed.length();
     const char16_t* const start = trimmed.getBuffer();
@@ -150,7 +152,7 @@ UnicodeString unquoteString(const UnicodeString& text, unsigned mode) {
     // Without doubling or escapes, a quote inside is an ordinary character.
     const bool isPlain = !(mode & (QUOTE_BIT_DOUBLING | QUOTE_BIT_CSS));
     if (isPlain && length >= 2 && trimmed.charAt(0) == trimmed.charAt(length - 1)) {
-        return UnicodeString(trimmed, 1, length - 2);
+        return textOf(viewOf(trimmed).substr(1, static_cast<std::size_t>(length - 2)));
     }
     return LumBogusString::BOGUS_VALUE;
 }
@@ -159,12 +161,13 @@ UnicodeString quoteUri(const UnicodeString& uri) {
     UnicodeString result(u"url(\"", 5);
     for (int i = 0; i < uri.length(); ++i) {
         if (uri.charAt(i) == u'"') {
-            result.append(u"%22", 3);
+            append(result, u"%22");
         } else {
-            result.append(uri.charAt(i));
+            append(result, uri.charAt(i));
         }
     }
-    return result.append(u"\")", 2);
+    append(result, u"\")");
+    return result;
 }
 
 }  // namespace LumCommon::detail

@@ -104,7 +104,8 @@ LumValue makeNameValue(std::u16string_view name) {
     try {
         return withUnit(LumName(internName(name.data(), name.size())), UNIT_IDENT);
     } catch (const LumError&) {
-        return LumValue(textOf(name));  // the name table is full
+        if (!isNameTableFull()) throw;  // out of memory
+        return LumValue(textOf(name));
     }
 }
 

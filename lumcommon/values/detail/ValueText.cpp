@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/detail/ValueText.h>
 
@@ -7,7 +8,10 @@
 namespace LumCommon::detail {
 
 ValueText* ValueText::make(const UnicodeString& text) {
-    return ::new (allocateBlock(sizeof(ValueText))) ValueText(text);
+    auto* const made = ::new (allocateBlock(sizeof(ValueText))) ValueText(text);
+    if (!made->text_.isBogus() || text.isBogus()) return made;
+    made->destroy();
+    throw std::bad_alloc();
 }
 
 ValueText* ValueText::make(std::u16string_view text, BlockUse use) {
@@ -35,7 +39,7 @@ LumValue ValueText::share(const LumValue& value) noexcept {
 
 void assignText(UnicodeString& to, std::u16string_view text) {
     // Appending would reserve room for more.
-    const auto length = static_cast<std::int32_t>(text.size());
+    const std::int32_t length = checkedLength(text.size());
     char16_t* const units = to.getBuffer(length);
     if (!units) throw std::bad_alloc();
     if (length > 0) std::memcpy(units, text.data(), text.size() * sizeof(char16_t));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/names/detail/UnitHash.h>
 #include <lumcommon/xml/detail/EventView.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
@@ -64,10 +65,10 @@ private:
     std::vector<Attribute> attributes_;
     std::size_t ownCount_ = 0;  // so many, and perhaps some more, have their values in text_
     UnitBuffer text_;
-    mutable std::vector<UnicodeString> views_;  // of the values
-    mutable std::size_t viewCount_ = 0;         // views_ before this are valid
-    mutable const char16_t* viewed_ = nullptr;  // where text_ lay when they were made
-    std::unordered_set<std::uint64_t> keys_;    // for tags with many attributes
+    mutable std::vector<UnicodeString> views_;           // of the values
+    mutable std::size_t viewCount_ = 0;                  // views_ before this are valid
+    mutable const char16_t* viewed_ = nullptr;           // where text_ lay when they were made
+    std::unordered_set<std::uint64_t, KeyedHash> keys_;  // for tags with many attributes
 };
 
 }  // namespace LumCommon::detail

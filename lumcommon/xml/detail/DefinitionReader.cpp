@@ -1,3 +1,5 @@
+#include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/DefinitionReader.h>
 #include <lumcommon/xml/detail/EntityExpander.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
@@ -26,7 +28,7 @@ bool endsWith(const UnitBuffer& text, std::u16string_view end) {
     return std::u16string_view(text.data(), text.size()).ends_with(end);
 }
 
-UnicodeString quoted(const UnicodeString& text) { return UnicodeString(u"\"").append(text).append(u'"'); }
+void appendQuoted(UnicodeString& to, const UnicodeString& text) { append(append(append(to, u" \""), text), u'"'); }
 
 }  // namespace
 
@@ -37,7 +39,7 @@ ExternalId DefinitionReader::readDocType() {
     if (!names_.readQName(qName)) errors_.report(XmlError::DocTypeName);
     const UnicodeString name = qName.toString();
     event_.text.units().append(name);
-    start.append(u' ').append(name);
+    append(append(start, u' '), name);
     const bool hasSpace = readSpace();
     const std::int32_t c = inputs_.peekChar();
     ExternalId id;
@@ -134,12 +136,13 @@ void DefinitionReader::copyCharacters() {
 // What these miss at the end of input is told by the token that comes next.
 
 void DefinitionReader::copyLiteral(char16_t quote) {
-    if (inputs_.copyUpTo(quote, event_.text.units())) event_.text.units().appendCodePoint(inputs_.readChar());
+    if (copyContent(inputs_, errors_, quote, event_.text.units()))
+        event_.text.units().appendCodePoint(inputs_.readChar());
 }
 
 void DefinitionReader::copyThrough(std::u16string_view end) {
     do {
-        if (!inputs_.copyUpTo(end.back(), event_.text.units())) return;
+        if (!copyContent(inputs_, errors_, end.back(), event_.text.units())) return;
         event_.text.units().appendCodePoint(inputs_.readChar());
     } while (!endsWith(event_.text.units(), end));
 }
@@ -169,7 +172,8 @@ void DefinitionReader::readReference(bool isInDeclaration) {
         return;
     }
     if (c != ';') {
-        errors_.report(XmlError::EntityRefChar, UnicodeString(u"%").append(name.getString()).append(charText(c)));
+        UnicodeString read(u'%');
+        errors_.report(XmlError::EntityRefChar, append(append(read, name.getString()), charText(c)));
     }
     const UnicodeString value = entities_.lookup(EntityKind::Parameter, name);
     if (!value.isBogus()) {
@@ -186,13 +190,13 @@ void DefinitionReader::readEntityDecl() {
     const EntityKind kind = c == '%' ? EntityKind::Parameter : EntityKind::General;
     if (kind == EntityKind::Parameter) {
         event_.text.units().append(u'%');
-        requireSpace(UnicodeString(start).append(u" %"));
+        requireSpace(checked(start + u" %"));
     } else {
         inputs_.unreadChar(c);
     }
     const LumName name = readName();
     if (name.isNull()) errors_.report(XmlError::EntityDeclName, u"!ENTITY ");
-    start.append(u' ').append(name.getString());
+    append(append(start, u' '), name.getString());
     requireSpace(start);
     if (isQuote(inputs_.peekChar())) {
         entities_.declareInternal(kind, name, readEntityValue());
@@ -228,26 +232,26 @@ ExternalId DefinitionReader::readExternalId(const UnicodeString& start) {
         errors_.report(XmlError::DeclExternalId, start);
         return id;
     }
-    after.append(u' ').append(keyword.getString());
+    append(append(after, u' '), keyword.getString());
     if (keyword == NAME_PUBLIC) {
         requireSpace(after);
         id.publicId = readLiteral(XmlError::DeclPublicId, after);
-        after.append(u' ').append(quoted(id.publicId));
+        appendQuoted(after, id.publicId);
     }
     requireSpace(after);
-    id.systemId = readLiteral(XmlError::DeclSystemId, UnicodeString(start).append(u" SYSTEM|PUBLIC"));
+    id.systemId = readLiteral(XmlError::DeclSystemId, checked(start + u" SYSTEM|PUBLIC"));
     return id;
 }
 
 void DefinitionReader::readNotation(const UnicodeString& start, const UnicodeString& systemId) {
     if (inputs_.peekChar() == '>') return;
-    UnicodeString after(start);
-    after.append(u" ... ").append(quoted(systemId));
+    UnicodeString after = checked(start + u" ...");
+    appendQuoted(after, systemId);
     if (readName() != NAME_NDATA) {
         errors_.report(XmlError::EntityDeclNData, after);
         return;
     }
-    requireSpace(after.append(u" NDATA"));
+    requireSpace(append(after, u" NDATA"));
     readName();
 }
 

@@ -22,7 +22,7 @@ void EntityTable::reset() {
     general_.external.clear();
     parameter_.internal.clear();
     parameter_.external.clear();
-    for (const auto& [name, text] : forNext_) general_.internal[name] = text;
+    for (const auto& [name, text] : forNext_) assign(general_.internal[name], text);
     forNext_.clear();
 }
 
@@ -39,16 +39,16 @@ void EntityTable::loadPredefined() {
 }
 
 void EntityTable::define(LumName name, const UnicodeString& text, bool isForNext) {
-    (isForNext ? forNext_ : general_.internal)[name] = text;
+    assign((isForNext ? forNext_ : general_.internal)[name], text);
     isPredefinedIntact_ = false;
 }
 
 void EntityTable::declareInternal(EntityKind kind, LumName name, const UnicodeString& text) {
-    if (!isDefined(kind, name)) of(kind).internal[name] = text;
+    if (!isDefined(kind, name)) of(kind).internal.emplace(name, copyOf(text));
 }
 
 void EntityTable::declareExternal(EntityKind kind, LumName name, const UnicodeString& systemId) {
-    if (!isDefined(kind, name)) of(kind).external[name] = systemId;
+    if (!isDefined(kind, name)) of(kind).external.emplace(name, copyOf(systemId));
 }
 
 void EntityTable::declare(const ExternalDtd& dtd) {
@@ -62,7 +62,7 @@ ExternalDtd EntityTable::getDeclared() const {
     const auto collect = [](const Map& from) {
         ExternalDtd::Definitions to;
         to.reserve(from.size());
-        for (const auto& [name, text] : from) to.emplace_back(name.getString(), text);
+        for (const auto& [name, text] : from) to.emplace_back(copyOf(name.getString()), text);
         return to;
     };
     return {collect(general_.internal), collect(parameter_.internal), collect(general_.external),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/names/detail/UnitHash.h>
 #include <lumcommon/xml/detail/ExternalDtd.h>
 
 #include <unordered_map>
@@ -38,7 +39,7 @@ public:
     bool isPredefinedIntact() const noexcept { return isPredefinedIntact_; }
 
 private:
-    using Map = std::unordered_map<LumName, UnicodeString>;
+    using Map = std::unordered_map<LumName, UnicodeString, KeyedHash>;
     struct Declarations {
         Map internal;  // to the replacement text
         Map external;  // to the system identifier

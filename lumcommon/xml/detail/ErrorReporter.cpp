@@ -1,6 +1,6 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
-#include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace {
 void appendNumber(UnicodeString& text, int number) {
     char digits[16];
     const int size = std::snprintf(digits, sizeof digits, "%d", number);
-    text.append(UnicodeString(digits, size, US_INV));
+    append(text, UnicodeString(digits, size, US_INV));
 }
 
 }  // namespace
@@ -26,8 +26,18 @@ void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const Un
         return;
     }
     if (isDropped()) throw Dropped();
-    message.append(u'\n').append(describePosition());
+    append(append(message, u'\n'), describePosition());
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+}
+
+void ErrorReporter::inputFailed() {
+    if (isDropped()) throw Dropped();
+    try {
+        throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
+    } catch (LumError& error) {
+        error.message.append(u'\n').append(describePosition());
+        throw;
+    }
 }
 
 bool ErrorReporter::isDropped() const noexcept { return inputs_.streamCount() > droppedAbove_; }
@@ -51,17 +61,18 @@ UnicodeString ErrorReporter::describePosition() const {
     UnicodeString description = LumXmlParser::getEventTypeStr(event_.type);
     const UnicodeString& systemId = inputs_.systemId();
     const UnicodeString& place = systemId.isEmpty() ? inputs_.baseUri() : systemId;
-    if (!place.isEmpty()) description.append(u", '").append(place).append(u'\'');
+    if (!place.isEmpty()) append(append(append(description, u", '"), place), u'\'');
     const TextPosition position = inputs_.position();
     if (position.line != -1) {
-        description.append(u", Line ");
+        append(description, u", Line ");
         appendNumber(description, position.line);
     }
     if (position.column != -1) {
-        description.append(u", Col ");
+        append(description, u", Col ");
         appendNumber(description, position.column);
     }
-    return description.append(u'.');
+    append(description, u'.');
+    return description;
 }
 
 }  // namespace LumCommon::detail

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/core/Text.h>
+#include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/XmlParserError.h>
 
 #include <cstdint>
@@ -12,12 +13,12 @@ class LumError;
 
 namespace LumCommon::detail {
 
-class InputStack;
 class ParserEvent;
 
 /// Where the readers report what is wrong with the input. Without a listener an error is thrown; a listener that
-/// returns has accepted it, and the reader continues as best it can.
-class ErrorReporter {
+/// returns has accepted it, and the reader continues as best it can. An input that cannot be read any further is thrown
+/// in any case, as there is nothing to continue with.
+class ErrorReporter final : public InputWatcher {
 public:
     using Listener = void (*)(const LumError&, void*);
 
@@ -32,6 +33,8 @@ public:
     /// @param a,b  the arguments of the message.
     void report(XmlError::Code code, const UnicodeString& a = UnicodeString(),
                 const UnicodeString& b = UnicodeString());
+    /// Throws error 0x1006 with the position, or Dropped.
+    [[noreturn]] void inputFailed() override;
 
     /// Thrown by report() in place of an error that is dropped. It is caught where the scope was set up.
     struct Dropped {};

@@ -1,8 +1,8 @@
+#include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/xml/detail/InputEncoding.h>
 #include <lumcommon/xml/detail/ParserPolicy.h>
-
-#include <unicode/locid.h>
 
 namespace LumCommon::detail {
 
@@ -65,10 +65,9 @@ bool findEncoding(LumNameEnum name, XmlEncoding& current) {
 
 bool selectEncoding(XmlInput& input, const UnicodeString& name, const ParserPolicy& policy) {
     const UnicodeString knownName = input.encodingName;
-    input.encodingName = name;
+    assign(input.encodingName, name);
     if (name.isEmpty() || input.isConverted()) return true;
-    UnicodeString key(name);
-    key.trim().toUpper(icu::Locale::getRoot());
+    const UnicodeString key = toUpperCase(checked(copyOf(name).trim()));
     XmlEncoding encoding = input.getEncoding();
     if (findEncoding(LumNameTable::getBuiltinNameEnum(key), encoding)) {
         input.setEncoding(encoding);

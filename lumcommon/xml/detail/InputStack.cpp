@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/OpenInput.h>
@@ -29,10 +30,10 @@ void InputStack::reset() {
 void InputStack::open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
                       const UnicodeString& baseUri) {
     input->setStream(in, ownsStream);
-    systemId_ = systemId;
-    baseUri_ = baseUri;
-    input->systemId = systemId;
-    input->baseUri = baseUri;
+    assign(systemId_, systemId);
+    assign(baseUri_, baseUri);
+    assign(input->systemId, systemId);
+    assign(input->baseUri, baseUri);
     checkInput(*in);
     pushStream(std::move(input));
 }
@@ -42,7 +43,8 @@ bool InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri,
     std::unique_ptr<std::istream> in = openInput(resource);
     if (!in) return false;
     const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    open(std::move(input), in.release(), true, uri, isBaseFromUri ? resource.getBaseString() : baseUri);
+    const UnicodeString base = isBaseFromUri ? resource.getBaseString() : copyOf(baseUri);
+    open(std::move(input), in.release(), true, uri, base);
     return true;
 }
 
@@ -60,6 +62,7 @@ bool InputStack::pull() {
         if (isStream) {
             endLoans();
             if (frame.input->refill(cursor_)) return true;
+            if (frame.input->hasFailed()) watcher_->inputFailed();
         }
         if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();
@@ -171,7 +174,7 @@ bool InputStack::pushReplacement(LumName entity, const UnicodeString& text, bool
     }
     keys.push_back(key);
     Frame& frame = pushFrame(Frame::Replacement);
-    frame.text = text;
+    assign(frame.text, text);
     frame.entityKeys = std::move(keys);
     openEntities_.insert(key);
     const char16_t* const start = frame.text.getBuffer();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/names/detail/UnitHash.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
 #include <lumcommon/xml/detail/UnitScan.h>
@@ -35,11 +36,26 @@ protected:
     ~WindowBorrower() = default;
 };
 
+/// Who says that an input has failed: it has ended, but not where its text ends.
+class InputWatcher {
+public:
+    InputWatcher() = default;
+    InputWatcher(const InputWatcher&) = delete;
+    InputWatcher& operator=(const InputWatcher&) = delete;
+
+    /// Called while the input is the one being read. Does not return: it throws.
+    [[noreturn]] virtual void inputFailed() = 0;
+
+protected:
+    ~InputWatcher() = default;
+};
+
 /// What is being read: open inputs, replacement texts of entities, and the raw text of a literal that is being looked
 /// through. The scanners read the window of the topmost frame; frames that are used up are popped when the next
 /// character is asked for, so that markup may begin in a replacement text and end after it.
 ///
-/// It knows where the parser is and how much entities may expand, and reports no errors itself: whoever asks is told.
+/// It knows where the parser is and how much entities may expand, and reports no errors itself: whoever asks is told,
+/// and the watcher where an input fails.
 class InputStack {
 public:
     InputStack() = default;
@@ -98,7 +114,7 @@ public:
     bool pull();
     /// Whether there was any.
     bool skipWhitespace();
-    /// Copies what comes before the next `mark`, which is then the next character. False at the end of input.
+    /// Copies what comes before the next `mark` or U+FFFF, which is then the next character. False at the end of input.
     bool copyUpTo(char16_t mark, UnitBuffer& out) {
         do {
             const char16_t* const start = cursor_.cur;
@@ -113,6 +129,7 @@ public:
     /// Whether what has been read from the window may be kept hold of.
     bool lends() const noexcept { return topStream_ != nullptr; }
     void lendTo(WindowBorrower& borrower) { borrowers_.push_back(&borrower); }
+    void watchFor(InputWatcher& watcher) noexcept { watcher_ = &watcher; }
 
     // Frames
 
@@ -182,8 +199,9 @@ private:
     int streamCount_ = 0;
     bool isStarted_ = false;
     std::vector<WindowBorrower*> borrowers_;
+    InputWatcher* watcher_ = nullptr;
 
-    std::unordered_set<std::uint32_t> openEntities_;  // whose replacement text is being read
+    std::unordered_set<std::uint32_t, KeyedHash> openEntities_;  // whose replacement text is being read
     std::uint64_t expandedUnits_ = 0;
     std::uint64_t allowedUnits_ = 0;  // by the bytes read when they were counted last
     std::uint64_t closedBytes_ = 0;   // read from inputs that are closed by now

@@ -1,3 +1,4 @@
+#include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
@@ -36,7 +37,7 @@ void LiteralReader::read(LiteralType type, UnitBuffer& out) {
 
 bool LiteralReader::readRaw(char16_t delimiter) {
     raw_.clear();
-    if (!inputs_.copyUpTo(delimiter, raw_)) return false;
+    if (!copyContent(inputs_, errors_, delimiter, raw_)) return false;
     inputs_.readChar();
     return true;
 }

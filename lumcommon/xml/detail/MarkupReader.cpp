@@ -1,3 +1,5 @@
+#include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/MarkupReader.h>
@@ -5,8 +7,6 @@
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 #include <lumcommon/xml/detail/XmlDeclReader.h>
-
-#include <unicode/locid.h>
 
 #include <cstdio>
 
@@ -128,7 +128,7 @@ MarkupReader::Declaration MarkupReader::readDeclaration() {
 
 void MarkupReader::readCData() {
     event_.type = LumXmlParser::CDSECT;
-    while (inputs_.copyUpTo(u']', event_.text.units())) {
+    while (copyContent(inputs_, errors_, u']', event_.text.units())) {
         std::size_t brackets = 0;
         std::int32_t c;
         while ((c = inputs_.readChar()) == ']') {
@@ -146,7 +146,7 @@ void MarkupReader::readCData() {
 
 void MarkupReader::readComment() {
     event_.type = LumXmlParser::COMMENT;
-    while (inputs_.copyUpTo(u'-', event_.text.units())) {
+    while (copyContent(inputs_, errors_, u'-', event_.text.units())) {
         inputs_.readChar();
         std::int32_t c = inputs_.readChar();
         if (c == '-') {
@@ -180,7 +180,7 @@ bool MarkupReader::readInstruction() {
 
 void MarkupReader::readInstruction(const UnicodeString& target) {
     event_.type = LumXmlParser::PROCESSING_INSTRUCTION;
-    if (UnicodeString(target).toLower(icu::Locale::getRoot()) == UnicodeString(xmlDeclTarget)) {
+    if (toLowerCase(target) == UnicodeString(xmlDeclTarget)) {
         errors_.report(XmlError::PiXmlCase, target);
     }
     event_.text.units().append(target);
@@ -191,7 +191,7 @@ void MarkupReader::readInstruction(const UnicodeString& target) {
         inputs_.unreadChar(c);
         errors_.report(XmlError::PiSpace, target);
     }
-    while (inputs_.copyUpTo(u'?', event_.text.units())) {
+    while (copyContent(inputs_, errors_, u'?', event_.text.units())) {
         inputs_.readChar();
         c = inputs_.readChar();
         if (c == '>') return;
@@ -208,6 +208,7 @@ void MarkupReader::skipSection() {
             errors_.report(XmlError::CDataUnterminated);
             return;
         }
+        if (c == notACharacter) errors_.report(XmlError::InvalidChar);
         const bool isBracket = c == ']';
         c = inputs_.readChar();
         if (isBracket && c == '>') return;

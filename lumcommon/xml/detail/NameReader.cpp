@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/UnitScan.h>
@@ -31,8 +32,10 @@ bool splitQName(const char16_t* text, std::size_t size, std::size_t& colon) {
 }  // namespace
 
 UnicodeString QName::toString() const {
-    if (prefix.isNull()) return localName.getString();
-    return UnicodeString(prefix.getString()).append(u':').append(localName.getString());
+    UnicodeString name;
+    if (!prefix.isNull()) append(append(name, prefix.getString()), u':');
+    append(name, localName.getString());
+    return name;
 }
 
 void NameReader::scanNCName() {

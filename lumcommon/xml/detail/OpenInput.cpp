@@ -21,7 +21,14 @@ struct SourceOwner {
 class GzipInput : private SourceOwner, public LumGzipStream {
 public:
     explicit GzipInput(std::unique_ptr<std::istream> compressed)
-        : SourceOwner{std::move(compressed)}, LumGzipStream(*source) {}
+        : SourceOwner{std::move(compressed)}, LumGzipStream(makeBuffer(*source)) {}
+
+private:
+    static LumGzipStreamBuf* makeBuffer(std::istream& compressed) {
+        auto* const buffer = new LumGzipStreamBuf(compressed);
+        buffer->setChecksTrailer(true);
+        return buffer;
+    }
 };
 
 }  // namespace
@@ -31,7 +38,7 @@ std::unique_ptr<std::istream> openInput(const LumUri& resource) {
     if (in) in->exceptions(std::ios::goodbit);  // a resolver may have set it to throw
     if (!in || in->peek() != gzipFirstByte) {
         // Looking at an empty stream must leave no more trace than opening it.
-        if (in && in->eof()) in->clear();
+        if (in && in->eof() && !in->bad()) in->clear();
         return in;
     }
     return std::make_unique<GzipInput>(std::move(in));
@@ -45,7 +52,7 @@ void checkInput(std::istream& in) {
     } catch (...) {
         // A stream that is set to throw tells by its state too what is wrong.
     }
-    if (in.fail() && !in.eof()) {
+    if (in.bad() || (in.fail() && !in.eof())) {
         throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
     }
     if (in.eof()) throwCommonError(LumErrorCodeIO::UnexpectedEnd, LumCommonErrorSource::ParserCheckStream);

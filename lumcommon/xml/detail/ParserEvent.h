@@ -85,14 +85,14 @@ public:
         if (size == 0) {
             view_.remove();
         } else if (next == TokenKind::InCallback) {
-            view_ = UnicodeString(units.data(), size);  // the text is being read, and may grow and move
+            view_ = textOf(units);  // the text is being read, and may grow and move
         } else {
             view_.setTo(false, units.data(), size);
         }
         isViewed_ = true;
     }
     void viewValue(const UnicodeString& value) const {
-        view_ = value;
+        assign(view_, value);
         isViewed_ = true;
     }
 

@@ -17,7 +17,10 @@ namespace LumCommon::detail {
 
 /// The parts that read everything but tags, each given those before it that it needs. Only their owner sees them all.
 struct ReaderParts {
-    ReaderParts() { inputs.lendTo(event); }
+    ReaderParts() {
+        inputs.lendTo(event);
+        inputs.watchFor(errors);
+    }
     ReaderParts(const ReaderParts&) = delete;
     ReaderParts& operator=(const ReaderParts&) = delete;
 

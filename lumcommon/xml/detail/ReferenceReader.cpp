@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/NameReader.h>
@@ -30,19 +31,19 @@ std::int32_t ReferenceReader::readCharacter() {
     std::int32_t c = inputs_.readChar();
     const bool isHexadecimal = c == 'x';
     if (isHexadecimal) {
-        read.append(u'x');
+        append(read, u'x');
         c = inputs_.readChar();
     }
     std::int32_t value = 0;
     bool hasDigits = false;
     for (int digit; (digit = digitValue(c, isHexadecimal)) >= 0; c = inputs_.readChar()) {
         hasDigits = true;
-        read.append(static_cast<char16_t>(c));
+        append(read, static_cast<char16_t>(c));
         // Beyond the last code point more digits make it no better, and must not make it wrap around.
         if (value <= lastCodePoint) value = value * (isHexadecimal ? 16 : 10) + digit;
     }
     if (!hasDigits || c != ';') {
-        if (c >= 0) read.append(c);
+        if (c >= 0) append(read, static_cast<char32_t>(c));
         errors_.report(isXmlSpace(c) ? XmlError::CharRefSpace : XmlError::CharRefDigit, read);
         return 0;
     }
@@ -63,8 +64,8 @@ std::int32_t ReferenceReader::read(LumName& name) {
     c = inputs_.readChar();
     if (c != ';') {
         UnicodeString read(u"&");
-        read.append(name.getString());
-        if (c >= 0) read.append(c);
+        append(read, name.getString());
+        if (c >= 0) append(read, static_cast<char32_t>(c));
         errors_.report(XmlError::EntityRefChar, read);
     }
     return 0;

@@ -1,18 +1,16 @@
+#include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/StreamType.h>
-
-#include <unicode/locid.h>
 
 namespace LumCommon::detail {
 
 void StreamType::set(const UnicodeString& mediaType, const UnicodeString& extension) {
-    mediaType_ = mediaType;
-    mediaType_.toLower(icu::Locale::getRoot());
-    extension_ = extension;
-    extension_.toLower(icu::Locale::getRoot());
+    mediaType_ = toLowerCase(mediaType);
+    extension_ = toLowerCase(extension);
 }
 
 bool StreamType::isXhtml(LumName rootName, LumName rootNamespace) const {
-    if (rootName == NAME_html && rootNamespace.getString() == UnicodeString(u"http://www.w3.org/1999/xhtml")) {
+    if (rootName == NAME_html && viewOf(rootNamespace.getString()) == u"http://www.w3.org/1999/xhtml") {
         return true;
     }
     if (!mediaType_.isEmpty()) return mediaType_ == UnicodeString(u"application/xhtml+xml");

@@ -18,7 +18,7 @@ constexpr char16_t xlinkNamespace[] = u"http://www.w3.org/1999/xlink";
 constexpr char16_t chartNamespace[] = u"http://ns.diagrix.example/names/Diagrix";
 constexpr char16_t svgPublicId[] = u"-//W3C//DTD SVG";
 
-LumName nameOf(const char16_t* text) { return LumName(UnicodeString(text)); }
+LumName nameOf(std::u16string_view text) { return LumName(internName(text.data(), text.size())); }
 
 }  // namespace
 

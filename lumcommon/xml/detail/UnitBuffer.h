@@ -1,6 +1,6 @@
 #pragma once
 
-#include <unicode/unistr.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -40,9 +40,7 @@ public:
         }
     }
 
-    icu::UnicodeString toString() const {
-        return size_ == 0 ? icu::UnicodeString() : icu::UnicodeString(units_.get(), static_cast<std::int32_t>(size_));
-    }
+    icu::UnicodeString toString() const { return textOf({units_.get(), size_}); }
 
 private:
     void grow(std::size_t count) {

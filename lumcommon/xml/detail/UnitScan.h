@@ -33,18 +33,18 @@ inline std::size_t firstHit(__m128i hits) noexcept {
 }  // namespace scan
 #endif
 
-/// The first unit that equals `wanted`; `end` when there is none.
+/// The first unit that equals `wanted` or U+FFFF; `end` when there is none.
 inline const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t wanted) noexcept {
 #if defined(__SSE2__)
     const __m128i wantedUnits = _mm_set1_epi16(static_cast<short>(wanted));
+    const __m128i noCharacter = _mm_set1_epi16(static_cast<short>(notACharacter));
     for (; end - p >= 8; p += 8) {
         const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(v, wantedUnits)))) {
-            return p + __builtin_ctz(mask) / 2;
-        }
+        const __m128i hits = _mm_or_si128(_mm_cmpeq_epi16(v, wantedUnits), _mm_cmpeq_epi16(v, noCharacter));
+        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits))) return p + __builtin_ctz(mask) / 2;
     }
 #endif
-    while (p != end && *p != wanted) ++p;
+    while (p != end && *p != wanted && *p != notACharacter) ++p;
     return p;
 }
 
@@ -92,25 +92,27 @@ inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexc
     return p;
 }
 
-/// The first unit at which an attribute value stops being plain text: the delimiter, "&", "<", or a unit below
-/// U+0020; `end` when there is none.
+/// The first unit at which an attribute value stops being plain text: the delimiter, "&", "<", a unit below
+/// U+0020, or U+FFFF; `end` when there is none.
 /// @param delimiter  an ASCII character.
 inline const char16_t* findValueEnd(const char16_t* p, const char16_t* end, char16_t delimiter) noexcept {
 #if defined(__SSE2__)
     const __m128i quote = _mm_set1_epi16(static_cast<short>(delimiter));
     const __m128i ampersand = _mm_set1_epi16('&');
     const __m128i lessThan = _mm_set1_epi16('<');
-    const __m128i lastControl = _mm_set1_epi16(0x1F);
+    const __m128i one = _mm_set1_epi16(1);
+    const __m128i controls = _mm_set1_epi16(0x20);
     const __m128i zero = _mm_setzero_si128();
     for (; end - p >= 8; p += 8) {
         const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const __m128i isControl = _mm_cmpeq_epi16(_mm_subs_epu16(v, lastControl), zero);
+        // One more than a unit is at most 0x20 for control characters, and 0 for U+FFFF.
+        const __m128i isControl = _mm_cmpeq_epi16(_mm_subs_epu16(_mm_add_epi16(v, one), controls), zero);
         const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, quote), _mm_cmpeq_epi16(v, ampersand)),
                                           _mm_or_si128(_mm_cmpeq_epi16(v, lessThan), isControl));
         if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits))) return p + __builtin_ctz(mask) / 2;
     }
 #endif
-    while (p != end && *p != delimiter && *p != '&' && *p != '<' && *p >= 0x20) ++p;
+    while (p != end && *p != delimiter && *p != '&' && *p != '<' && *p >= 0x20 && *p != notACharacter) ++p;
     return p;
 }
 

@@ -28,7 +28,9 @@ bool isOrderedUtf32(XmlEncoding encoding) {
 }  // namespace
 
 void XmlDeclReader::detectEncoding(XmlInput& input) {
-    if (!input.detectEncoding(inputs_.cursor())) errors_.report(XmlError::InvalidChar);
+    if (input.detectEncoding(inputs_.cursor())) return;
+    if (input.hasFailed()) errors_.inputFailed();
+    errors_.report(XmlError::InvalidChar);
 }
 
 void XmlDeclReader::setEncoding(XmlInput& input, const UnicodeString& name) {

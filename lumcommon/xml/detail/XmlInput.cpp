@@ -1,9 +1,11 @@
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
 #include <cxxabi.h>
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <vector>
 
 namespace LumCommon::detail {
@@ -37,14 +39,18 @@ public:
 private:
     int_type underflow() override {
         std::streambuf* const buffer = rest_.rdbuf();
-        if (!buffer || rest_.bad() || buffer->sgetc() == traits_type::eof()) return traits_type::eof();
+        if (!buffer || rest_.bad() || buffer->sgetc() == traits_type::eof()) return end();
         block_.resize(blockBytes);
         char* const start = reinterpret_cast<char*>(block_.data());
         const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
         const std::streamsize count = buffer->sgetn(start, std::min<std::streamsize>(available, blockBytes));
-        if (count <= 0) return traits_type::eof();
+        if (count <= 0) return end();
         setg(start, start, start + count);
         return traits_type::to_int_type(*start);
+    }
+    int_type end() {
+        if (isBroken(rest_)) stream.setstate(std::ios::badbit);
+        return traits_type::eof();
     }
 
     std::istream& rest_;
@@ -113,12 +119,16 @@ bool XmlInput::fillBytes() {
         }
     } catch (const abi::__forced_unwind&) {
         throw;  // the thread is being cancelled
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         // As with every extraction from a stream: what its buffer throws ends the input.
+        hasFailed_ = true;
         setState(*in, std::ios::badbit);
     }
     if (count <= 0) {
         isAtEnd_ = true;
+        if (isBroken(*in)) hasFailed_ = true;
         setState(*in, std::ios::eofbit);
         return false;
     }

@@ -47,6 +47,8 @@ public:
     /// Makes more units available when the cursor is at the end of the window. The last few units before the cursor
     /// stay in front of it. False at the end of the input.
     bool refill(XmlCursor& cursor);
+    /// Whether the input has ended because it could not be read any further.
+    bool hasFailed() const noexcept { return hasFailed_; }
 
     /// From now on decodes whole blocks.
     void unleash() noexcept { isLeashed_ = false; }
@@ -102,6 +104,7 @@ private:
     bool isDetected_ = false;     // detectEncoding() has looked at the first bytes
     bool isLeashed_ = true;
     bool isAtEnd_ = false;  // the stream has no more bytes
+    bool hasFailed_ = false;
     XmlDecoder decoder_;
     TextPosition position_;              // of counted_
     const char16_t* counted_ = nullptr;  // in the window; units before it are in position_

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/XmlParserError.h>
 
 #include <algorithm>
@@ -36,10 +37,12 @@ UnicodeString makeXmlErrorMessage(std::uint16_t code, const UnicodeString& a, co
     UnicodeString message;
     std::u16string_view rest = row->text;
     for (std::size_t brace = rest.find(u'{'); brace != rest.npos; brace = rest.find(u'{')) {
-        message.append(rest.data(), static_cast<std::int32_t>(brace)).append(rest[brace + 1] == u'A' ? a : b);
+        append(message, rest.substr(0, brace));
+        append(message, rest[brace + 1] == u'A' ? a : b);
         rest.remove_prefix(brace + 3);
     }
-    return message.append(rest.data(), static_cast<std::int32_t>(rest.size()));
+    append(message, rest);
+    return message;
 }
 
 }  // namespace LumCommon::detail

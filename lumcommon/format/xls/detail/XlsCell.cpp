@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/XlsFormat.h>
 #include <lumcommon/format/xls/detail/XlsCell.h>
 #include <lumcommon/format/xls/detail/XlsRender.h>
@@ -55,8 +56,8 @@ int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLO
 /// A code with nothing but text sections shows a number as the text that General makes of it.
 int showAsText(const FMT2& code, const XlsDecimal& value, int generalChars, UnicodeString& text, int& color) {
     const std::string general = (value.isNegative() ? "-" : "") + xlsGeneral(value.abs(), generalChars);
-    return showXlsText(code, UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV), text,
-                       color);
+    return showXlsText(code, checked(UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV)),
+                       text, color);
 }
 
 }  // namespace
@@ -95,7 +96,7 @@ int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, U
     color = XlsFormat::NO_COLOR;
     fill = XlsFill();
     if (!std::isfinite(value)) {
-        text.append(u"#NUM!", -1);
+        append(text, u"#NUM!");
         return XlsFormat::NO_SECTION;
     }
     const NumberSections usable(code);
@@ -110,6 +111,7 @@ int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, U
     } else if (!renderXlsDate(chosen, XlsDecimal::exact(value), style.is1904, writer)) {
         return XlsFormat::NOT_A_DATE;
     }
+    writer.flush();
     color = colorOf(chosen);
     fill = {writer.fillAt(), writer.fillCharacter()};
     return section;
@@ -121,12 +123,13 @@ int showXlsText(const FMT2& code, const UnicodeString& value, UnicodeString& tex
     if (section < 0 && code.count == 4) section = 3;
     color = section < 0 ? XlsFormat::NO_COLOR : colorOf(at(code, section));
     if (section < 0) {
-        text = value;
+        assign(text, value);
         return section;
     }
     text.remove();
     XlsWriter writer(text);
     renderXlsText(at(code, section), value, writer);
+    writer.flush();
     return section;
 }
 

@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/XlsFormat.h>
 #include <lumcommon/format/xls/detail/XlsCodeParser.h>
 #include <lumcommon/format/xls/detail/XlsCodeScan.h>
@@ -108,7 +109,7 @@ void SectionParser::literal(std::int32_t begin, std::int32_t end) {
         put(Kind::LITERAL, 0).start = out_.literals.length();
     }
     out_.pieces.back().count += length;
-    out_.literals.append(code_.data() + begin, 0, length);
+    append(out_.literals, code_.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(length)));
 }
 
 /// Handles the pieces that mean the same in every kind of section; false for other pieces.

@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/detail/XlsCodeScan.h>
 #include <lumcommon/format/xls/detail/XlsTables.h>
 
@@ -23,8 +24,10 @@ std::string toAscii(std::u16string_view text) {
     return result;
 }
 
-UnicodeString bracketed(std::u16string_view content) {
-    return UnicodeString(u'[').append(content.data(), 0, static_cast<std::int32_t>(content.size())).append(u']');
+void appendBracketed(UnicodeString& text, std::u16string_view content) {
+    append(text, u'[');
+    append(text, content);
+    append(text, u']');
 }
 
 }  // namespace
@@ -194,10 +197,10 @@ bool XlsCodeScan::color(std::u16string_view content) {
     if (current().color != 0) return true;
     current().color = number;
     if (number <= XLS_CYAN + 1) {
-        raw().prefix += bracketed(xlsKeyword(number - 1));
+        appendBracketed(raw().prefix, xlsKeyword(number - 1));
     } else {
-        raw().prefix += bracketed(std::u16string(word) + static_cast<char16_t>('0' + number / 10) +
-                                  static_cast<char16_t>('0' + number % 10));
+        appendBracketed(raw().prefix, std::u16string(word) + static_cast<char16_t>('0' + number / 10) +
+                                          static_cast<char16_t>('0' + number % 10));
     }
     return true;
 }
@@ -216,7 +219,7 @@ bool XlsCodeScan::condition(std::u16string_view content) {
         current().operand = operand;
         char text[32];
         const auto last = std::to_chars(text, text + sizeof text, operand).ptr;
-        raw().prefix += bracketed(std::u16string(word) + std::u16string(text, last));
+        appendBracketed(raw().prefix, std::u16string(word) + std::u16string(text, last));
         return true;
     }
     return false;
@@ -227,7 +230,7 @@ bool XlsCodeScan::styleBracket(std::u16string_view content) {
         if (!equalsIgnoringAsciiCase(content, xlsKeyword(keyword))) continue;
         if (current().dbNum != 0) return true;
         current().dbNum = keyword - XLS_DBNUM1 + 1;
-        raw().prefix += bracketed(xlsKeyword(keyword));
+        appendBracketed(raw().prefix, xlsKeyword(keyword));
         return true;
     }
     return false;
@@ -253,7 +256,7 @@ void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
     current().locale = language;
     char digits[8];
     const auto last = std::to_chars(digits, digits + sizeof digits, language, 16).ptr;
-    raw().prefix += bracketed(u"$-" + std::u16string(digits, last));
+    appendBracketed(raw().prefix, u"$-" + std::u16string(digits, last));
 }
 
 }  // namespace LumCommon::detail

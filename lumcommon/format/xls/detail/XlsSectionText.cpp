@@ -62,16 +62,16 @@ public:
 
 private:
     void repeat(char16_t unit, std::int32_t count) {
-        for (std::int32_t i = 0; i < count; ++i) out_.append(unit);
+        for (std::int32_t i = 0; i < count; ++i) append(out_, unit);
     }
     /// Keeps two runs of the same letter apart.
     void separate(char16_t letter) {
-        if (!out_.isEmpty() && toLowerAscii(out_.charAt(out_.length() - 1)) == letter) out_.append(u"\"\"", 2);
+        if (!out_.isEmpty() && toLowerAscii(out_.charAt(out_.length() - 1)) == letter) append(out_, u"\"\"");
     }
     void elapsed(char16_t letter, std::int32_t count) {
-        out_.append(u'[');
+        append(out_, u'[');
         repeat(letter, count);
-        out_.append(u']');
+        append(out_, u']');
     }
     void literal(const XlsPiece& piece);
     void word(std::u16string_view text) { append(out_, text); }
@@ -85,13 +85,13 @@ void SectionText::literal(const XlsPiece& piece) {
     for (std::int32_t i = piece.start; i < piece.start + piece.count; ++i) {
         const char16_t c = section_.literals.charAt(i);
         if ((c == '"') == isOpen) {
-            out_.append(u'"');
+            append(out_, u'"');
             isOpen = !isOpen;
         }
-        if (c == '"') out_.append(u'\\');
-        out_.append(c);
+        if (c == '"') append(out_, u'\\');
+        append(out_, c);
     }
-    if (isOpen) out_.append(u'"');
+    if (isOpen) append(out_, u'"');
 }
 
 void SectionText::piece(const XlsPiece& piece) {
@@ -104,11 +104,12 @@ void SectionText::piece(const XlsPiece& piece) {
             return literal(piece);
         case Kind::SKIP:
         case Kind::FILL:
-            out_.append(piece.kind == Kind::SKIP ? u'_' : u'*');
-            out_.append(static_cast<UChar32>(piece.unit));
+            append(out_, piece.kind == Kind::SKIP ? u'_' : u'*');
+            append(out_, piece.unit);
             return;
         case Kind::EXPONENT:
-            out_.append(u'E').append(static_cast<char16_t>(piece.unit));
+            append(out_, u'E');
+            append(out_, static_cast<char16_t>(piece.unit));
             return;
         case Kind::FIXED_DENOMINATOR:
             appendDecimal(out_, section_.fixedDenominator);
@@ -117,7 +118,7 @@ void SectionText::piece(const XlsPiece& piece) {
             separate(u'g');
             return word(u"General");
         case Kind::SECOND_FRACTION:
-            out_.append(u'.');
+            append(out_, u'.');
             return repeat(u'0', piece.count);
         case Kind::AM_PM:
             return word(xlsAmPm(piece.count));
@@ -135,14 +136,14 @@ void SectionText::piece(const XlsPiece& piece) {
 }  // namespace
 
 void setXlsSectionText(FMT& section, const UnicodeString& prefix) {
-    section.text = prefix;
+    assign(section.text, prefix);
     const auto has = [&](Kind kind) {
         return std::ranges::find(section.pieces, kind, &XlsPiece::kind) != section.pieces.end();
     };
     // "e" is a year only in a Japanese code, so the code must be marked as one.
     constexpr unsigned japanese = 0x411;
     if (section.locale != japanese && has(Kind::ERA_YEAR) && !has(Kind::ERA)) {
-        section.text.append(u"[$-411]", -1);
+        append(section.text, u"[$-411]");
         if (section.locale == 0) section.locale = japanese;
     }
     SectionText writer(section, section.text);

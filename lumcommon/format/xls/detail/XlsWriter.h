@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/Text.h>
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/detail/XlsNumerals.h>
 
 #include <cstdint>
@@ -16,7 +17,6 @@ public:
     explicit XlsWriter(UnicodeString& out) : out_(out) {}
     XlsWriter(const XlsWriter&) = delete;
     XlsWriter& operator=(const XlsWriter&) = delete;
-    ~XlsWriter() { flush(); }
 
     void setStyle(int style) { style_ = style; }
 
@@ -45,7 +45,7 @@ public:
     void text(const UnicodeString& source, std::int32_t start, std::int32_t length) {
         if (length > capacity) {
             flush();
-            out_.append(source, start, length);
+            append(out_, viewOf(source).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length)));
             return;
         }
         for (std::int32_t i = start; i < start + length; ++i) put(source.charAt(i));
@@ -57,8 +57,9 @@ public:
         fillAt_ = out_.length();
         fillCharacter_ = static_cast<UChar32>(character);
     }
+    /// To be called at the end as well: only this can tell that memory ran out.
     void flush() {
-        out_.append(buffer_, 0, count_);
+        append(out_, std::u16string_view(buffer_, static_cast<std::size_t>(count_)));
         count_ = 0;
     }
 

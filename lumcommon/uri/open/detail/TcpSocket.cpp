@@ -82,11 +82,11 @@ bool sendTcp(int socket, std::string_view bytes, const Deadline& deadline) {
     return true;
 }
 
-std::size_t receiveTcp(int socket, std::span<char> room, const Deadline& deadline) {
+std::optional<std::size_t> receiveTcp(int socket, std::span<char> room, const Deadline& deadline) {
     for (;;) {
         const ssize_t received = recv(socket, room.data(), room.size(), 0);
         if (received >= 0) return static_cast<std::size_t>(received);
-        if (!isTransient(errno) || !waitFor(socket, POLLIN, deadline)) return 0;
+        if (!isTransient(errno) || !waitFor(socket, POLLIN, deadline)) return std::nullopt;
     }
 }
 

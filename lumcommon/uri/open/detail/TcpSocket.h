@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,8 +12,7 @@ namespace LumCommon::detail {
 /// The moment at which waiting ends.
 class Deadline {
 public:
-    explicit Deadline(int milliseconds)
-        : end_(std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds)) {}
+    explicit Deadline(std::chrono::steady_clock::duration wait) : end_(std::chrono::steady_clock::now() + wait) {}
 
     bool isOver() const { return std::chrono::steady_clock::now() >= end_; }
     /// What is left in milliseconds, rounded up, so that a wait of that length does not end before the deadline.
@@ -29,8 +29,8 @@ int makeTcpSocket() noexcept;
 bool connectTcp(int socket, const std::string& host, unsigned short port, const Deadline& deadline);
 /// Sends all bytes. False if the connection breaks or the deadline passes.
 bool sendTcp(int socket, std::string_view bytes, const Deadline& deadline);
-/// Waits for bytes and takes those available, up to the size of `room`. Returns their number; 0 at the end, on failure
-/// and after the deadline.
-std::size_t receiveTcp(int socket, std::span<char> room, const Deadline& deadline);
+/// Waits for bytes and takes those available, up to the size of `room`. Returns their number, 0 at the end; nullopt if
+/// the connection breaks or the deadline passes.
+std::optional<std::size_t> receiveTcp(int socket, std::span<char> room, const Deadline& deadline);
 
 }  // namespace LumCommon::detail
