@@ -36,6 +36,7 @@ public:
 
     /// Reads up to `n` bytes. Returns the number read, which is less than `n` at the end and where the chain or the
     /// file is broken.
+    /// Failure: std::bad_alloc; the position does not change. So it is with OLEseek() and GetStreamChainIndex().
     /// Cost: a run of adjacent sectors is read at once.
     unsigned OLEread(unsigned char* buf, unsigned n);
     /// Moves to `offset` bytes from the start, the current position or the end (SEEK_SET, SEEK_CUR, SEEK_END). Returns

@@ -1,5 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/streams/LumCustomStreamBuf.h>
 #include <lumcommon/streams/LumTempFile.h>
@@ -70,7 +71,7 @@ bool mayExist(const char* path) {
 
 [[noreturn]] void throwCannotCreate(const std::string& path, const char16_t* reason) {
     throwCommonError(LumErrorCodeIO::CannotCreateTempFile, LumCommonErrorSource::TempFile,
-                     detail::fromPlatformText(path.c_str()) + reason);
+                     detail::joined(detail::fromPlatformText(path.c_str()), reason));
 }
 
 /// Creates a file that was not there, for its owner alone; -1 if it cannot be created. A link that somebody puts there
@@ -162,8 +163,9 @@ LumTempFile::~LumTempFile() {
 }
 
 void LumTempFile::hold(const std::string& path) {
-    fileName_ = detail::fromPlatformPath(path);
+    UnicodeString fileName = detail::fromPlatformPath(path);
     path_ = path;
+    fileName_.swap(fileName);
 }
 
 void LumTempFile::setFileName(const char* name) {

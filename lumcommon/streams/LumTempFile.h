@@ -63,7 +63,7 @@ public:
     /// under one name and no link: anybody can guess the name of a temporary file and put something in its place.
     /// @return false if no file is held, it cannot be written, or the data are null, corrupt or truncated; the file may
     /// then hold a part of them.
-    /// Memory: constant.
+    /// Failure: std::bad_alloc, with the same left behind.   Memory: constant.
     [[nodiscard]] bool inflate(const unsigned char* data, std::size_t length) const;
     /// The same into a stream.
     [[nodiscard]] static bool inflate(std::ostream& out, const unsigned char* data, std::size_t length);

@@ -16,7 +16,7 @@ constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
 void appendNumber(UnicodeString& text, std::int64_t number) {
     char digits[24];
     const int size = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(number));
-    append(text, UnicodeString(digits, size, US_INV));
+    append(text, checked(UnicodeString(digits, size, US_INV)));
 }
 
 }  // namespace
