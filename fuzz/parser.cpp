@@ -1,8 +1,8 @@
 // Any bytes may claim to be an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
-// depth rises and falls by one with start and end tags; parsing also ends if a callback continues after errors; after
-// an error the parser may be asked again and given another document; nothing outside is opened where that is refused;
-// bytes that cannot be read to their end are no whole document.
+// depth rises and falls by one with start and end tags; limits change nothing of that; parsing also ends if a callback
+// continues after errors; after an error the parser may be asked again and given another document; nothing outside is
+// opened where that is refused; bytes that cannot be read to their end are no whole document.
 
 #include <lumcommon/lumcommon.h>
 
@@ -25,6 +25,7 @@ struct Setting {
     bool useTokens = false;
     bool goOnAfterErrors = false;
     bool defineEntity = false;
+    bool isLimited = false;
     bool touchOnlyTags = false;  // an accessor that fills a cache must not change what comes after
 };
 
@@ -121,6 +122,21 @@ void askOn(LumXmlParser& parser, Setting setting) {
     FUZZ_LAW(parser.next() == LumXmlParser::TEXT && parser.getText() == UnicodeString(u"x"));
 }
 
+/// Limits that small documents exceed.
+LumXmlLimits smallLimits() {
+    LumXmlLimits limits;
+    limits.depth = limits.attributes = limits.openInputs = limits.externalInputs = 4;
+    limits.textUnits = 60;
+    limits.nameUnits = 12;
+    limits.valueUnits = 40;
+    limits.expansionFactor = 0;  // times the bytes that have been read, which depends on the pieces
+    limits.expansionThreshold = 20000;
+    limits.externalBytes = 700;
+    limits.totalBytes = 900;
+    limits.names = 20;
+    return limits;
+}
+
 /// The code of the error for expanding entities beyond the limit.
 constexpr unsigned expansionError = 0x1837;
 
@@ -132,6 +148,10 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     for (int feature = 0; feature < 8; ++feature) {
         parser->setFeature(static_cast<LumXmlParser::Feature>(feature), (setting.features >> feature & 1u) != 0);
+    }
+    if (setting.isLimited) {
+        parser->setLimits(smallLimits());
+        parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);  // it counts only when it is first read
     }
     Reports reports;
     if (setting.goOnAfterErrors) parser->setCallbackError(onError, &reports);
@@ -159,7 +179,7 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
         FUZZ_LAW(error.code >= 0x0800 && error.code < 0x2000 && !error.message.isEmpty());
         digest.add(error.code);
         digest.add(error.message);
-        isCostly = isCostly || error.code == expansionError;
+        isCostly = isCostly || (error.code == expansionError && !setting.isLimited);
         if (!isCostly) askOn(*parser, setting);
     }
     digest.add(static_cast<std::uint64_t>(reports.count));
@@ -208,6 +228,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     setting.goOnAfterErrors = (how & 2u) != 0;
     setting.defineEntity = (how & 4u) != 0;
     setting.touchOnlyTags = (how & 8u) != 0;
+    setting.isLimited = (how & 16u) != 0;
     const std::size_t firstPiece = input.byte();
     const std::size_t secondPiece = input.byte();
     bool isCostly = false;

@@ -147,8 +147,8 @@ private:
     std::size_t getBlock_ = 0;                    // the block of the get area, while there is one
     std::size_t putBlock_ = 0;                    // the block of the put area, while there is one
     std::size_t lastBlockFill_ = 0;               // valid bytes of the last block
-    std::deque<MaybeOwned<std::istream>>
-        sources_;  // the front one is read first; none waits while the last block has room
+    // The front one is read first; none waits while the last block has room.
+    std::deque<MaybeOwned<std::istream>> sources_;
     unsigned growBytes_;
     bool keepMemory_ = true;
     bool hasFailed_ = false;

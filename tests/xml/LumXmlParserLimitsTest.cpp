@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <functional>
+#include <limits>
 #include <regex>
 #include <thread>
 
@@ -270,6 +272,30 @@ TEST(LumXmlParserLimits, aTrickleEndsByItsTimeOrItsBytes) {
         (byTime ? limits.timeMs : limits.totalBytes) = 50;
         EXPECT_EQ(readUnder(limits, in, "", false).substr(0, 4), byTime ? "1845" : "1844");
     }
+}
+
+/// "<a", then blanks without end, a block at a time.
+class Blanks : public std::streambuf {
+    int_type underflow() override {
+        setg(block_.data(), block_.data(), block_.data() + block_.size());
+        if (given_++ > 0) block_.assign(block_.size(), ' ');
+        return given_ > blocks ? traits_type::eof() : traits_type::to_int_type(block_[0]);
+    }
+    static constexpr int blocks = 2049;
+    std::string block_ = "<a" + std::string((1 << 20) - 2, ' ');
+    int given_ = 0;
+};
+
+// Takes some seconds, so it runs only where LUM_TEST_LARGE is set, as the preset `release` does.
+TEST(LumXmlParserLimits, columnsCountOnWhereAnIntDoesNotHoldThem) {
+    if (std::getenv("LUM_TEST_LARGE") == nullptr) GTEST_SKIP() << "needs LUM_TEST_LARGE";
+    Blanks blanks;
+    std::istream in(&blanks);
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    parser->setInput(in, {}, {});
+    expectParserError(0x1809, "Invalid attribute name: ", "START_TAG, Line 1, Col 2148532223.",
+                      [&] { parser->next(); });
+    EXPECT_EQ(parser->getColumnNumber(), std::numeric_limits<int>::max());
 }
 
 }  // namespace

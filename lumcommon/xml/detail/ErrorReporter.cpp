@@ -1,9 +1,9 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
-#include <cstdio>
 #include <utility>
 
 namespace LumCommon::detail {
@@ -11,13 +11,6 @@ namespace LumCommon::detail {
 namespace {
 
 constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
-
-/// Appends a decimal number that does not depend on the locale.
-void appendNumber(UnicodeString& text, std::int64_t number) {
-    char digits[24];
-    const int size = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(number));
-    append(text, checked(UnicodeString(digits, size, US_INV)));
-}
 
 }  // namespace
 
@@ -75,11 +68,11 @@ UnicodeString ErrorReporter::describePosition() const {
     const TextPosition position = inputs_.position();
     if (position.line != -1) {
         append(description, u", Line ");
-        appendNumber(description, position.line);
+        appendDecimal(description, position.line);
     }
     if (position.column != -1) {
         append(description, u", Col ");
-        appendNumber(description, position.column);
+        appendDecimal(description, position.column);
     }
     append(description, u'.');
     return description;

@@ -160,6 +160,9 @@ bool TagReader::readPlainAttributes() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const end = cursor.end;
     const char16_t* p = cursor.cur;  // after a name or a value
+    const auto units = static_cast<std::size_t>(end - p);
+    // Where what may come in the window can exceed a limit, attributes are read one by one; each takes four units.
+    if (units > value_.limit() || attributes_.size() + units / 4 >= mostAttributes_) return false;
     const bool lends = inputs_.lends();
     bool isAtEnd = false;
     for (;;) {
@@ -180,7 +183,6 @@ bool TagReader::readPlainAttributes() {
         const char16_t* const value = ++q;
         q = findValueEnd(q, end, delimiter);
         if (q == end || *q != delimiter) break;
-        if (attributes_.size() >= mostAttributes_ || static_cast<std::size_t>(q - value) > value_.limit()) break;
         Attribute& attribute = addAttribute({name->prefix, name->localName}, name, {value, q});
         if (!lends) attributes_.takeOver(attribute);
         p = q + 1;
