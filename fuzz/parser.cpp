@@ -1,11 +1,15 @@
 // Any bytes may claim to be an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
 // depth rises and falls by one with start and end tags; limits change nothing of that; parsing also ends if a callback
-// continues after errors; after an error the parser may be asked again and given another document.
+// continues after errors; after an error the parser may be asked again and given another document; nothing outside is
+// opened where that is refused; bytes that cannot be read to their end are no whole document.
 
 #include <lumcommon/lumcommon.h>
 
 #include <sstream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
 
 #include "FuzzSupport.h"
 
@@ -85,7 +89,10 @@ void addEvent(const LumXmlParser& parser, const Setting& setting, Digest& digest
 /// subset, and entities that include each other endlessly.
 class Outside : public LumUriReferenceResolver {
 public:
+    int opened = 0;
+
     std::istream* getStream(const UnicodeString& uri) override {
+        ++opened;
         if (uri.endsWith(u"dtd")) {
             return new std::istringstream(
                 "<?xml version='1.0' encoding='UTF-8'?><!ENTITY outer 'from <b>outside</b>'><!ENTITY % p "
@@ -139,7 +146,7 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
     PieceBuffer buffer(document.data(), document.size(), firstPiece, secondPiece);
     std::istream in(&buffer);
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    for (int feature = 0; feature < 6; ++feature) {
+    for (int feature = 0; feature < 8; ++feature) {
         parser->setFeature(static_cast<LumXmlParser::Feature>(feature), (setting.features >> feature & 1u) != 0);
     }
     if (setting.isLimited) {
@@ -180,6 +187,34 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
     return digest;
 }
 
+/// The bytes, and then a failure instead of an end.
+class BreakingBuffer : public std::streambuf {
+public:
+    explicit BreakingBuffer(const Choices& document) : bytes_(document.data(), document.data() + document.size()) {
+        setg(bytes_.data(), bytes_.data(), bytes_.data() + bytes_.size());
+    }
+
+private:
+    int_type underflow() override { throw std::runtime_error("broken"); }
+
+    std::string bytes_;
+};
+
+void breakOff(const Choices& document, bool useTokens) {
+    BreakingBuffer buffer(document);
+    std::istream in(&buffer);
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    try {
+        parser->setUntrusted();
+        parser->setInput(in, UnicodeString(), UnicodeString());
+        while ((useTokens ? parser->nextToken() : parser->next()) != LumXmlParser::END_DOCUMENT) {
+        }
+    } catch (const LumError&) {
+        return;
+    }
+    FUZZ_LAW(false);  // it ends like a whole document
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -197,7 +232,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t firstPiece = input.byte();
     const std::size_t secondPiece = input.byte();
     bool isCostly = false;
+    const int openedBefore = outside.opened;
+    breakOff(input, setting.useTokens);
     const Digest whole = parse(input, setting, size + 1, size + 1, isCostly);
+    const bool refuses = (setting.features >> LumXmlParser::FEATURE_NO_EXTERNAL & 1u) != 0;
+    FUZZ_LAW(!refuses || outside.opened == openedBefore);
     if (isCostly) return 0;
     FUZZ_LAW(whole == parse(input, setting, firstPiece, secondPiece, isCostly));
     FUZZ_LAW(whole == parse(input, setting, 1, 1, isCostly));

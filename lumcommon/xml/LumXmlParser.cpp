@@ -1,5 +1,6 @@
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/detail/ExternalDtd.h>
 #include <lumcommon/xml/detail/MathMLEntities.h>
 
 #include <iterator>
@@ -28,5 +29,20 @@ UnicodeString LumXmlParser::getEventTypeStr(int eventType) {
 UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString& name) {
     return detail::textOf(detail::findMathMLEntity(detail::viewOf(name)));
 }
+
+void LumXmlParser::setUntrusted() {
+    setFeature(FEATURE_NO_EXTERNAL, true);
+    setLimits(LumXmlLimits::untrusted());
+}
+
+void LumXmlParser::clearDefinitionCache() { detail::ExternalDtdCache::clear(); }
+
+std::size_t LumXmlParser::getDefinitionCacheLimit() { return detail::ExternalDtdCache::limitBytes(); }
+
+std::size_t LumXmlParser::setDefinitionCacheLimit(std::size_t bytes) {
+    return detail::ExternalDtdCache::setLimitBytes(bytes);
+}
+
+std::size_t LumXmlParser::getDefinitionCacheSize() { return detail::ExternalDtdCache::sizeBytes(); }
 
 }  // namespace LumCommon

@@ -4,6 +4,7 @@
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/xml/LumXmlLimits.h>
 
+#include <cstddef>
 #include <iosfwd>
 
 namespace LumCommon {
@@ -62,6 +63,10 @@ public:
     };
 
     /// All features are off in a new parser; other values are ignored and read as false.
+    /// With FEATURE_NO_EXTERNAL the parser reads the document that it is given and nothing else: an external entity
+    /// that is referred to, general or parameter, and the external DTD are error 0x183A, even where the process keeps
+    /// the definitions of that DTD. The built-in entities of MathML are not external. A DTD that another feature skips
+    /// or whose errors it forgives is left out without an error, as is a parameter entity whose errors are forgiven.
     enum Feature : int {
         FEATURE_SKIP_EXTERNAL_DTD = 0,            ///< the external DTD is not read
         FEATURE_IGNORE_UNDEFINED_ENTITIES = 1,    ///< an undefined entity is empty text
@@ -69,6 +74,7 @@ public:
         FEATURE_IGNORE_EXTERNAL_DTD_ERRORS = 3,   ///< an error ends the external DTD; what stood before it holds
         FEATURE_IGNORE_UNSUPPORTED_ENCODING = 4,  ///< bytes in an unknown encoding are read as they are
         FEATURE_BUILTIN_ENCODINGS_ONLY = 5,       ///< any encoding but the built-in ones is an error
+        FEATURE_NO_EXTERNAL = 7,                  ///< nothing that the document names is opened
     };
 
     bool isA(unsigned int typeId) const override;
@@ -77,6 +83,24 @@ public:
     static UnicodeString getEventTypeStr(int eventType);
     /// The replacement text of a MathML 2.0 entity; empty for an unknown name.
     static UnicodeString getMathMLEntity(const UnicodeString& name);
+
+    /// What external DTDs declare is kept for the whole process, so that each is read once: under the URI in one form
+    /// however it is written, for a file the path without links and relative parts. A DTD that has changed is not read
+    /// again unless clearDefinitionCache() lets go of what is kept; neither a resolver nor the file system is then
+    /// asked. Threads: any.
+    static void clearDefinitionCache();
+    static constexpr std::size_t unlimitedDefinitions = static_cast<std::size_t>(-1);
+    /// How many bytes of definitions are kept at most: those that were not used for longest go. No limit at first; with
+    /// 0 none are kept.
+    static std::size_t getDefinitionCacheLimit();
+    /// Sets it, which may let go of some at once, and returns the limit before.
+    static std::size_t setDefinitionCacheLimit(std::size_t bytes);
+    /// How many bytes are kept: of names, values and the tables that hold them.
+    static std::size_t getDefinitionCacheSize();
+
+    /// For documents from strangers: FEATURE_NO_EXTERNAL and the limits LumXmlLimits::untrusted(). They hold for all
+    /// documents that this parser opens from then on; each can be changed afterwards.
+    void setUntrusted();
 
     virtual void setFeature(Feature feature, bool value) = 0;
     virtual bool getFeature(Feature feature) const = 0;
@@ -93,8 +117,9 @@ public:
     /// 0x1835 for an unknown encoding, before the stream is looked at.
     virtual void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// The same for a resource that the parser opens, and decompresses when it is compressed with gzip. An empty base
-    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened; an unknown
-    /// encoding is told first.
+    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened, and 0x183A when
+    /// the resolver refuses it (LumUriReferenceResolver::refusal()), which no callback can accept; an unknown encoding
+    /// is told first.
     virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// Lets go of the input; streams that the parser opened are closed. Position, base and encoding that are told from
     /// then on are those of the document, also when an external entity was being read.

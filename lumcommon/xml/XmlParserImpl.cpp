@@ -9,12 +9,18 @@ using Declaration = detail::MarkupReader::Declaration;
 using detail::TokenKind;
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    parts_.inputs.open(prepareInput(encoding), &in, false, UnicodeString(), baseUri);
+    parts_.inputs.open(prepareInput(encoding), in, baseUri);
 }
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    if (parts_.inputs.open(prepareInput(encoding), uri, baseUri)) return;
-    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
+    switch (parts_.inputs.open(prepareInput(encoding), uri, baseUri)) {
+        case detail::InputStack::Opening::Done:
+            return;
+        case detail::InputStack::Opening::Refused:
+            parts_.errors.raiseRefused(uri);
+        default:
+            throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
+    }
 }
 
 std::unique_ptr<detail::XmlInput> XmlParserImpl::prepareInput(const UnicodeString& encoding) {
@@ -133,16 +139,24 @@ void XmlParserImpl::readDocType() {
     if (isDocTypeSeen_) parts_.errors.report(XmlError::SecondDocType);
     const detail::ExternalId id = parts_.definitions.readDocType();
     tags_.bindDocType(id.publicId);
-    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) {
+    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) addExternalDtd(id.systemId);
+    isDocTypeSeen_ = true;
+}
+
+void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
+    const detail::ExternalDtdSource source(systemId, getBaseUri());
+    if (source.isBuiltIn()) {
+        parts_.entities.addMathML();
+    } else if (parts_.policy.opensExternals()) {
         try {
-            detail::addExternalDtd(parts_.entities, id.systemId, getBaseUri(),
-                                   parts_.policy.forgivesExternalDtdErrors(), parts_.meter);
+            source.declareIn(parts_.entities, parts_.policy.forgivesExternalDtdErrors(), parts_.meter);
         } catch (const LumError&) {
             if (parts_.meter.isExceeded()) cutOff();
             throw;
         }
+    } else if (!parts_.policy.forgivesExternalDtdErrors()) {
+        parts_.errors.report(XmlError::ExternalRefused, source.uri());
     }
-    isDocTypeSeen_ = true;
 }
 
 LumXmlParser::EventType XmlParserImpl::nextToken() {

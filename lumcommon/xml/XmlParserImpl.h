@@ -28,8 +28,6 @@ public:
     bool isA(unsigned int typeId) const override { return typeId == TYPE_ID || LumXmlParser::isA(typeId); }
     UnicodeString getTypeName() const override { return u"XmlParserImpl"; }
 
-    /// From now on no external entity can be opened.
-    void refuseExternalInputs() noexcept { parts_.policy.refuseExternalInputs(); }
     void setFeature(Feature feature, bool value) override { parts_.policy.set(feature, value); }
     bool getFeature(Feature feature) const override { return parts_.policy.get(feature); }
     void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) override {
@@ -106,6 +104,7 @@ private:
     bool readToken(bool isTextPending);  // false at the end of the input
     bool readDeclaration();              // whether there is an event to report
     void readDocType();
+    void addExternalDtd(const UnicodeString& systemId);
     bool endsText(detail::TokenKind following);
 
     LumXmlLimits limits_;

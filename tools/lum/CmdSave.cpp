@@ -30,7 +30,8 @@ void describe(Syntax& syntax, Arguments& arguments) {
     addLimitOptions(syntax, arguments.limits);
     syntax.option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
     syntax.required("file", arguments.file, fileHelp);
-    syntax.optional("out", arguments.output, "The file to write; standard output if omitted");
+    syntax.optional("out", arguments.output,
+                    "The file to write, which may be FILE: replaced once all is written; standard output if omitted");
 }
 
 void load(LumDocument& document, const std::string& file) {
@@ -93,7 +94,7 @@ void saveWhole(LumDocument& document, const Arguments& arguments) {
     if (arguments.output == "-") {
         document.save(std::cout, nullptr, encoding);
     } else {
-        document.save(toOutputUri(arguments.output), nullptr, encoding);
+        document.saveReplacing(toOutputUri(arguments.output), nullptr, encoding);
     }
 }
 
@@ -104,6 +105,7 @@ bool isSameFile(const std::string& a, const std::string& b) {
 
 void run(const Arguments& arguments) {
     const LumPtr<LumDocument> document(new LumDocument);
+    if (commonOptions().isUntrusted) document->setUntrusted();
     document->setLimits(readLimits(arguments.limits, document->getLimits()));
     if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
     if (!arguments.isLazy) return saveWhole(*document, arguments);

@@ -69,6 +69,12 @@ Command makeCommand(const char* name, const char* summary, void (*describe)(Synt
             {}};
 }
 
+/// What the command line says for all commands.
+struct CommonOptions {
+    bool isUntrusted = false;  ///< documents are read by LumXmlParser::setUntrusted()
+};
+CommonOptions& commonOptions();
+
 /// Thrown for arguments that cannot be used, or not in this combination.
 class UsageError : public std::runtime_error {
 public:

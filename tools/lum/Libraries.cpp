@@ -82,8 +82,16 @@ std::string Json::toString() const {
     return std::visit(ToLibrary(), value_).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
+CommonOptions& commonOptions() {
+    static CommonOptions options;
+    return options;
+}
+
 bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands) {
     CLI::App app("Shows the LumCommon library at work. \"-\" means standard input; \"--\" ends the options.", "lum");
+    app.fallthrough();  // what holds for all commands may also stand after the command
+    app.add_flag("--untrusted", commonOptions().isUntrusted,
+                 "XML documents come from strangers: open nothing that they name");
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {

@@ -63,11 +63,11 @@ void EntityExpander::openExternal(const UnicodeString& systemId, bool isOptional
 }
 
 std::unique_ptr<std::istream> EntityExpander::openStream(const LumUri& resource, bool isOptional) const {
-    std::unique_ptr<std::istream> in;
-    try {
-        if (policy_.opensExternalInputs()) in = openInput(resource);
-    } catch (const LumError&) {  // of a resolver
-        if (!isOptional) throw;
+    bool isRefused = !policy_.opensExternals();
+    std::unique_ptr<std::istream> in = isRefused ? nullptr : openInput(resource, isRefused);
+    if (isRefused) {
+        errors_.report(XmlError::ExternalRefused, resource.toString());
+        return nullptr;
     }
     if (!in && !isOptional && resource.isFile()) {
         throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());

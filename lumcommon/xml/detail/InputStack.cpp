@@ -24,25 +24,32 @@ void InputStack::reset() {
     baseUri_.remove();
 }
 
-void InputStack::open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
-                      const UnicodeString& baseUri) {
-    input->setStream(in, ownsStream);
+void InputStack::open(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& baseUri) {
+    input->setStream(&in, false);
+    openDocument(std::move(input), in, UnicodeString(), baseUri);
+}
+
+InputStack::Opening InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri,
+                                     const UnicodeString& baseUri) {
+    const LumUri resource(uri);
+    bool isRefused = false;
+    std::unique_ptr<std::istream> in = openInput(resource, isRefused);
+    if (!in) return isRefused ? Opening::Refused : Opening::Impossible;
+    std::istream& stream = *in;
+    input->setStream(in.release(), true);
+    const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
+    openDocument(std::move(input), stream, uri, isBaseFromUri ? resource.getBaseString() : copyOf(baseUri));
+    return Opening::Done;
+}
+
+void InputStack::openDocument(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& systemId,
+                              const UnicodeString& baseUri) {
     assign(systemId_, systemId);
     assign(baseUri_, baseUri);
     assign(input->systemId, systemId);
     assign(input->baseUri, baseUri);
-    checkInput(*in);
+    checkInput(in);
     pushStream(std::move(input));
-}
-
-bool InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri) {
-    const LumUri resource(uri);
-    std::unique_ptr<std::istream> in = openInput(resource);
-    if (!in) return false;
-    const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    const UnicodeString base = isBaseFromUri ? resource.getBaseString() : copyOf(baseUri);
-    open(std::move(input), in.release(), true, uri, base);
-    return true;
 }
 
 void InputStack::close() {

@@ -71,11 +71,12 @@ public:
     /// Forgets the document before; its inputs are closed by now.
     void reset();
     /// Opens the document. Position, base and encoding are those of this input until it is closed.
+    /// @param in  must outlive the reading.
     /// Errors: those of checkInput(), after which nothing is open.
-    void open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
-              const UnicodeString& baseUri);
-    /// The same for a resource, whose own base holds where `baseUri` is empty. False when it cannot be opened.
-    [[nodiscard]] bool open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri);
+    void open(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& baseUri);
+    enum class Opening { Done, Impossible, Refused };
+    /// The same for a resource, whose own base holds where `baseUri` is empty.
+    [[nodiscard]] Opening open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri);
     /// Closes every input. What stays is the place in the document; entities that are open are left.
     void close();
     bool isOpen() const noexcept { return frameCount_ > 0; }
@@ -192,6 +193,8 @@ private:
         const char16_t* start = nullptr;        // Literal: its first unit
     };
 
+    void openDocument(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& systemId,
+                      const UnicodeString& baseUri);
     void endLoans() const {
         for (WindowBorrower* const borrower : borrowers_) borrower->windowMoves();
     }

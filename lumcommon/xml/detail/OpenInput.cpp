@@ -80,8 +80,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<std::istream> openInput(const LumUri& resource) {
-    std::unique_ptr<std::istream> in(resource.getStream());
+std::unique_ptr<std::istream> openInput(const LumUri& resource, bool& isRefused) {
+    std::unique_ptr<std::istream> in(resource.getStream(nullptr, nullptr, &isRefused));
     if (in) in->exceptions(std::ios::goodbit);  // a resolver may have set it to throw
     if (!in || in->peek() != gzipFirstByte) {
         // Looking at an empty stream must leave no more trace than opening it.

@@ -25,7 +25,8 @@ protected:
 /// Opens a resource that is to be parsed: LumUri::getStream(), and what is compressed with gzip is decompressed. (No
 /// XML document begins with the byte that gzip data begin with.)
 /// Null when the resource cannot be opened.
-std::unique_ptr<std::istream> openInput(const LumUri& resource);
+/// @param isRefused  receives whether that is because the resolver refuses it.
+std::unique_ptr<std::istream> openInput(const LumUri& resource, bool& isRefused);
 
 /// Errors: 0x1004 for an empty stream, 0x1006 for one that has failed.
 void checkInput(std::istream& in);

@@ -65,6 +65,7 @@ enum Code : std::uint16_t {
     ExpansionLimit = 0x1837,  ///< entities expand to far more than what was read
     NestingLimit = 0x1838,    ///< too many external inputs are open at once
     EncodingConflict = 0x1839,
+    ExternalRefused = 0x183A,  ///< a resource that must not be opened, by the feature or the resolver
     // Of struct LumXmlLimits, in its order; they have no messages of their own.
     DepthLimit = 0x183B,
     AttributesLimit = 0x183C,
