@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
@@ -25,8 +26,7 @@ LumKobStreamBuf::LumKobStreamBuf(std::istream* in, const char* encoding)
     UnicodeString detected;
     bool bom = false;
     if (!LumKobStream::detectEncoding(in, detected, bom)) return;
-    std::string name;
-    init(detected.toUTF8String(name).c_str(), bom);
+    init(detail::utf8Of(detected).c_str(), bom);
 }
 
 LumKobStreamBuf::~LumKobStreamBuf() { term(); }

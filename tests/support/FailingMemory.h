@@ -1,7 +1,12 @@
 #pragma once
 
+#include <gtest/gtest.h>
+#include <lumcommon/names/LumNameTable.h>
+
+#include <cstddef>
 #include <functional>
 #include <istream>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -36,6 +41,24 @@ void forEveryFailure(Make make, Use use) {
 template <class Operation>
 void forEveryFailure(Operation operation) {
     MemoryLaw{[] {}, operation, [] {}}.hold();
+}
+
+struct MemoryRow {
+    const char* fault;  // what it catches
+    std::string (*operation)();
+};
+
+/// The same for each row. Names that an operation has interned are gone when it runs again.
+template <std::size_t count>
+void forEveryFailure(const MemoryRow (&rows)[count]) {
+    struct Names {
+        LumCommon::LumNameTable* table = LumCommon::LumNameTable::addRefSharedNameTable();
+        ~Names() { LumCommon::LumNameTable::releaseSharedNameTable(); }
+    };
+    for (const MemoryRow& row : rows) {
+        SCOPED_TRACE(row.fault);
+        forEveryFailure([] { return std::make_unique<Names>(); }, [&row](auto&) { return row.operation(); });
+    }
 }
 
 /// What a stream delivers; a failure when it is null or bad.

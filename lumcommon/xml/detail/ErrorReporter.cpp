@@ -13,7 +13,7 @@ namespace {
 void appendNumber(UnicodeString& text, int number) {
     char digits[16];
     const int size = std::snprintf(digits, sizeof digits, "%d", number);
-    append(text, UnicodeString(digits, size, US_INV));
+    append(text, checked(UnicodeString(digits, size, US_INV)));
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ void ErrorReporter::inputFailed() {
     try {
         throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
     } catch (LumError& error) {
-        error.message.append(u'\n').append(describePosition());
+        append(append(error.message, u'\n'), describePosition());
         throw;
     }
 }

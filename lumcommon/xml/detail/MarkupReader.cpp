@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
@@ -85,8 +86,8 @@ void MarkupReader::readTopLevelText() {
             isSpace = false;
             char code[24];
             const int size = std::snprintf(code, sizeof code, "U+%04X (", static_cast<unsigned>(c));
-            errors_.report(XmlError::TopLevelText,
-                           UnicodeString(code, size, US_INV).append(static_cast<UChar32>(c)).append(u')'));
+            UnicodeString place = checked(UnicodeString(code, size, US_INV));
+            errors_.report(XmlError::TopLevelText, append(append(place, static_cast<char32_t>(c)), u')'));
         }
         event_.text.units().appendCodePoint(c);
     }

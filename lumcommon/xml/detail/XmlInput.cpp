@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
@@ -79,8 +80,7 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
         givenCharset_ = charset;
         return true;
     }
-    std::string name;
-    charset.toUTF8String(name);
+    const std::string name = utf8Of(charset);
     auto remainder = std::make_unique<Remainder>(*stream_, bytes_.get() + byteStart_, bytes_.get() + byteEnd_);
     auto converted = std::make_unique<LumKobStream>(&remainder->stream, name.c_str());
     if (!converted->is_open()) return false;
@@ -92,10 +92,7 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
     return true;
 }
 
-bool XmlInput::isCharset(const UnicodeString& name) {
-    std::string charset;
-    return LumKobStreamBuf(nullptr, name.toUTF8String(charset).c_str()).is_open();
-}
+bool XmlInput::isCharset(const UnicodeString& name) { return LumKobStreamBuf(nullptr, utf8Of(name).c_str()).is_open(); }
 
 std::istream* XmlInput::source() noexcept { return converted_ ? converted_.get() : stream_; }
 
