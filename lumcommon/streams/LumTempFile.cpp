@@ -1,5 +1,6 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/streams/detail/RawInflater.h>
@@ -69,7 +70,7 @@ bool mayExist(const char* path) {
 
 [[noreturn]] void throwCannotCreate(const std::string& path, const char16_t* reason) {
     throwCommonError(LumErrorCodeIO::CannotCreateTempFile, LumCommonErrorSource::TempFile,
-                     detail::fromPlatformText(path.c_str()) + reason);
+                     detail::joined(detail::fromPlatformText(path.c_str()), reason));
 }
 
 /// Checks that a file of this name can be created and removed. False if it cannot be created; errno says why.
@@ -119,8 +120,9 @@ LumTempFile::~LumTempFile() {
 }
 
 void LumTempFile::hold(const std::string& path) {
-    fileName_ = detail::fromPlatformText(path.c_str());
+    UnicodeString fileName = detail::fromPlatformText(path.c_str());
     path_ = path;
+    fileName_.swap(fileName);
 }
 
 void LumTempFile::setFileName(const char* name) {

@@ -61,7 +61,7 @@ public:
     /// Inflates `length` bytes of raw deflate data (RFC 1951) into the file held, which is truncated first.
     /// @return false if no file is held, it cannot be written, or the data are null, corrupt or truncated; the file may
     /// then hold a part of them.
-    /// Memory: constant.
+    /// Failure: std::bad_alloc, with the same left behind.   Memory: constant.
     [[nodiscard]] bool inflate(const unsigned char* data, std::size_t length) const;
     /// The same into a stream.
     [[nodiscard]] static bool inflate(std::ostream& out, const unsigned char* data, std::size_t length);

@@ -209,6 +209,22 @@ class Handler(http.server.BaseHTTPRequestHandler):
 ARCHIVE = io.BytesIO()
 
 
+def check_scarce_memory():
+    """Under any limit a save is whole, or says that it is not."""
+    write("scarce.xml", "<r>" + f"<e a='{'v' * 9000}'>{'t' * 40000}</e>" * 150 + "</r>")
+    whole = run("save", "scarce.xml").stdout
+    outcomes = set()
+    for megabytes in range(24, 400, 4):
+        limit = megabytes << 20
+        done = run("save", "scarce.xml", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+        if done.returncode not in (0, 1):
+            continue  # not even the libraries have room, or a sanitizer's tables
+        outcomes.add((done.returncode, done.stdout == whole or done.stderr))
+        if done.returncode == 0:
+            break
+    expect("a document is lost without a word", outcomes <= {(0, True), (1, b"lum: error 0x0801: Out of memory.\n")}, True)
+
+
 def check_resources():
     inner = io.BytesIO()
     with zipfile.ZipFile(inner, "w", zipfile.ZIP_DEFLATED) as archive:
@@ -290,7 +306,8 @@ def check_failures():
                (1, b"lum: error 0x1007: Output stream error.\n"))
 
 
-for check in (check_small_commands, check_file_names, check_events, check_save, check_resources, check_failures, check_bounded_memory):
+for check in (check_small_commands, check_file_names, check_events, check_save, check_resources, check_failures, check_bounded_memory,
+              check_scarce_memory):
     check()
 print("\n".join(failures) or "all as expected")
 sys.exit(1 if failures else 0)

@@ -8,7 +8,6 @@
 #include <clocale>
 #include <cstdio>
 #include <iostream>
-#include <new>
 
 namespace lum {
 #define LUM_COMMAND(name) Command make##name##Command();
@@ -40,26 +39,34 @@ int run(int argc, char** argv) {
     } catch (const LumCommon::LumError& error) {
         lum::flushOutputQuietly();
         return report(error);
-    } catch (const std::bad_alloc& error) {
-        return report(LumCommon::LumError(error, {}));
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         return report(LumCommon::LumError(error, {}));
     }
     return 0;
 }
 
+/// Like report(), without any memory.
+int reportOutOfMemory() noexcept {
+    std::fputs("lum: error 0x0801: Out of memory.\n", stderr);
+    return exitFailure;
+}
+
 }  // namespace
 
-int main(int argc, char** argv) try {
-    std::setlocale(LC_ALL, "");
-    std::ios_base::sync_with_stdio(false);
-    LumCommon::LumUri::setFindsForeignFileUris(true);
-    LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
-    const int result = run(argc, argv);
-    LumCommon::LumNameTable::releaseSharedNameTable();
-    LumCommon::cleanup();
+int main(int argc, char** argv) {
+    int result = exitFailure;
+    try {
+        std::setlocale(LC_ALL, "");
+        std::ios_base::sync_with_stdio(false);
+        LumCommon::LumUri::setFindsForeignFileUris(true);
+        LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
+        result = run(argc, argv);
+        LumCommon::LumNameTable::releaseSharedNameTable();
+        LumCommon::cleanup();
+    } catch (const std::bad_alloc&) {
+        result = reportOutOfMemory();
+    }
     return result;
-} catch (const std::bad_alloc&) {  // before or after everything else
-    std::fputs("lum: out of memory\n", stderr);
-    return exitFailure;
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 namespace LumCommon::detail {
 
@@ -76,6 +77,9 @@ bool isUtf8(std::string_view sample) {
 const char* guessByStatistics(std::string_view sample) {
     // Below this, the detector has found no evidence for a charset except that no byte rules it out.
     constexpr std::int32_t leastConfidence = 15;
+    // ICU does not check one of the allocations when it opens a detector. There must be room for more than it takes.
+    constexpr std::size_t detectorBytes = std::size_t{64} * 1024;
+    ::operator delete(::operator new(detectorBytes));
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UCharsetDetector, DetectorCloser> detector(ucsdet_open(&status));
     checkMemory(status);
