@@ -35,32 +35,45 @@ bool hasSameNameNS(const LumNode* a, const LumNode* b) {
 
 }  // namespace
 
-/// The first attribute of each namespace and local name. It holds only attributes whose two names cannot change.
+/// The first attribute of each namespace and local name. It holds attributes whose two names cannot change, and, by the
+/// local name alone, those whose namespace is looked up in the tree when it is asked for.
 struct AttrNodeMap::Index {
     explicit Index(unsigned count) : slots_(std::bit_ceil(4 * std::size_t{count})) {}
 
-    /// False when the names of `node` may change.
+    /// False when the names of `node` may change, or when two attributes of one local name have a namespace that is
+    /// looked up.
     bool add(LumNode* node) {
         LumName namespaceUri;
         if (const AttrNS* attr = asExactly<AttrNS>(*node)) {
-            namespaceUri = attr->getNamespaceUri();
-            // A namespace that is not stored is looked up in the tree.
-            if (attr->namespaceUri_.isNull()) return false;
+            namespaceUri = attr->namespaceUri_.isNull() ? lookedUp : attr->namespaceUri_;
         } else if (!isExactly<Attr>(*node)) {
             return false;
         }
         if (2 * ++count_ > slots_.size()) grow();
-        insert({makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node});
-        return true;
+        const bool isFirst =
+            insert({makeKey(namespaceUri, static_cast<const Attr*>(node)->value_.getNameKey()), node, count_});
+        hasLookedUp_ |= namespaceUri == lookedUp;
+        return isFirst || namespaceUri != lookedUp;
     }
-    LumNode* find(std::uint64_t key) const noexcept { return slots_[place(key)].node; }
+    LumNode* find(LumName namespaceUri, LumName localName) const {
+        const Slot& stored = slots_[place(makeKey(namespaceUri, localName))];
+        if (!hasLookedUp_) [[likely]] {
+            return stored.node;
+        }
+        const Slot& open = slots_[place(makeKey(lookedUp, localName))];
+        const bool isBefore = open.node && (!stored.node || open.number < stored.number);
+        return isBefore && open.node->getNamespaceUri() == namespaceUri ? open.node : stored.node;
+    }
 
     LumNode* last = nullptr;
 
 private:
+    static constexpr LumName lookedUp{LumNameEnum{0xFFFFFFFF}};  // in place of a namespace; no name has this identifier
+
     struct Slot {
         std::uint64_t key;
         LumNode* node = nullptr;  // null in a free slot
+        std::size_t number = 0;   // in the order of the attributes
     };
 
     /// Where the key is, or else where it would go: the table always has free slots.
@@ -73,9 +86,12 @@ private:
             if (!slot.node || slot.key == key) return at;
         }
     }
-    void insert(const Slot& slot) noexcept {
+    /// False when there is an attribute of that key.
+    bool insert(const Slot& slot) noexcept {
         Slot& there = slots_[place(slot.key)];
-        if (!there.node) there = slot;
+        if (there.node) return false;
+        there = slot;
+        return true;
     }
     void grow() {
         const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
@@ -86,6 +102,7 @@ private:
 
     std::vector<Slot> slots_;  // as many as a power of two
     std::size_t count_ = 0;
+    bool hasLookedUp_ = false;
 };
 
 AttrNodeMap::AttrNodeMap(LumElement* ownerElement) noexcept { link_.node = ownerElement; }
@@ -201,7 +218,7 @@ void AttrNodeMap::dropIndex() const noexcept {
 LumNode* AttrNodeMap::findByNameNS(LumName namespaceUri, LumName localName) const {
     if (isEmpty()) return nullptr;
     if (isIndexed_ || (count_ > indexThreshold && !isIndexUseless_ && buildIndex())) {
-        return link_.index->find(makeKey(namespaceUri, localName));
+        return link_.index->find(namespaceUri, localName);
     }
     return findNS(last(), namespaceUri, localName);
 }

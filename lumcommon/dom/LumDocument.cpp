@@ -5,6 +5,7 @@
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/LumXmlSerializer.h>
 #include <lumcommon/dom/detail/LoadedTexts.h>
+#include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/xml/LumXmlParser.h>

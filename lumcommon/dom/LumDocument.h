@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/dom/LumNode.h>
+#include <lumcommon/xml/LumXmlLimits.h>
 
 #include <iosfwd>
 #include <memory>
@@ -10,8 +11,9 @@
 namespace LumCommon {
 
 namespace detail {
+class FileIdentity;
 class LoadedTexts;
-}
+}  // namespace detail
 class LumAttr;
 class LumDocumentFragment;
 class LumElement;
@@ -91,10 +93,18 @@ public:
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
+    /// For documents from strangers: LumXmlParser::setUntrusted() for the parser and for each that replaces it, and
+    /// setLimits(LumXmlLimits::untrusted()). What is loaded by a path or URI is still opened; what it names is not.
+    void setUntrusted();
     /// The parser, created if there is none. Borrowed.
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
     void setParser(LumXmlParser* parser);
+    /// The limits of what is loaded from now on, see LumXmlLimits: handed to the parser, to every one that the document
+    /// makes and to every one that it is given. Before the first call a parser keeps its own.
+    void setLimits(const LumXmlLimits& limits);
+    /// Those that were set, else those of the parser, else the defaults.
+    LumXmlLimits getLimits() const;
 
     /// Whether saving refuses what a parser would refuse or take for other markup, with error 0x813: a name that is
     /// none (a compound value's name such as "x><evil" among them), "?>" in a processing instruction, "--" in a
@@ -104,13 +114,34 @@ public:
     void setSaveChecked(bool isChecked) noexcept { isSaveChecked_ = isChecked; }
     bool isSaveChecked() const noexcept { return isSaveChecked_; }
 
-    /// Write `node` (null: the document) to a file. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8 without an
-    /// encoding declaration. A processing instruction is written before the node, unless it is empty.
+    /// Write `node` (null: the document) to a file, which is created or truncated: a save that fails leaves a torso,
+    /// and saveReplacing() does not. Encodings: "UTF-8" and "Shift_JIS"; others give UTF-8 without an encoding
+    /// declaration. A processing instruction is written before the node, unless it is empty. Errors: those of the
+    /// serializer and of setSaveChecked(). 0x1003 also for the file that this document is still being read from (a
+    /// deferred load that has not ended), by whatever path: it would be emptied before it is read. That is known of
+    /// what load(uri) opened, an archive in a jar: URI included, but not of a stream of the caller's.
     void save(const UnicodeString& uri, LumNode* node = nullptr);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
-    /// The same, to a stream that the caller keeps.
+    /// The same in two steps, so that at any time either what was there or all that is new stands in the file: writes a
+    /// new file beside it (".lum-....tmp", created exclusively), has the system put it on the disk, and renames it.
+    /// Whatever fails, what was there stays and the new file is removed. A document may replace the file that it is
+    /// still being read from.
+    /// - Symbolic links are followed: the file that they lead to is replaced, or created. Of a file with several names
+    ///   (hard links) only this one gets the new content.
+    /// - A file that exists must allow writing, and its folder must allow new files. The new one gets its rights and
+    /// its
+    ///   access control list, and its owner and group where the system lets; another group gets the rights of others.
+    ///   Until it has them, only its owner can open it. A new file gets the rights of any new file (0666 less the
+    ///   umask).
+    /// - What is no regular file (a device, a pipe) holds nothing that could be kept, and is written as save() does.
+    /// Errors: 0x1003 if the file cannot be replaced or created; 0x1007 if it cannot be written or renamed, also when
+    /// the folder cannot be put on the disk after that, so that the new name may not outlast a power failure.
+    void saveReplacing(const UnicodeString& uri, LumNode* node = nullptr,
+                       const UnicodeString& encoding = UnicodeString(),
+                       const UnicodeString& processingInstruction = UnicodeString());
+    /// save() to a stream that the caller keeps.
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding);
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
@@ -118,6 +149,7 @@ public:
     void save(const UnicodeString& comment, const UnicodeString& doctype, std::ostream& out, LumNode* node,
               const UnicodeString& encoding);
     /// The XML text of `node`; only that of the document has an XML declaration.
+    /// Errors: also 0x1007 for a text of more than 2^31-1 units, which no string can hold.
     UnicodeString saveXml(LumNode* node = nullptr);
     /// Walks the subtree of `node` and drives the serializer.
     void doSave(LumNode* node);
@@ -144,6 +176,7 @@ private:
     LumPtr<LumElement> readElement(Reading& reading);
     void setLoadedAttributes(LumElement* element, const XmlParserImpl& parser);
     LumValue takeLoadedText(std::u16string_view text);
+    void checkOutput(const UnicodeString& uri) const;
     static LumNode* closeElement(LumNode* element) noexcept;
     void setCursor(LumNode* node) noexcept;
     void writeAll(LumNode* node, const UnicodeString& comment, const UnicodeString& doctype,
@@ -151,16 +184,19 @@ private:
 
     LumNameTable* nameTable_;                    // one reference held
     std::unique_ptr<std::istream> stringInput_;  // over the string of loadXml; outlives the parser's use of it
+    std::unique_ptr<LumXmlLimits> limits_;       // null: those of the parser
     LumPtr<LumXmlParser> parser_;
     LumPtr<LumXmlSerializer> serializer_;
     UnicodeString inputOption_;
     UnicodeString documentUri_;
-    LumNode* loadCursor_ = nullptr;                     // the node that receives what is read next
-    LumPtr<LumNode> cursorHolder_;                      // holds the cursor between reads, unless it is this document
-    std::unique_ptr<detail::LoadedTexts> loadedTexts_;  // while attributes are being loaded
-    LumValue loadedValue_;                              // of the attribute that is being set
-    int skipDepth_ = 0;                                 // non-zero while an element that was not created is skipped
+    std::unique_ptr<const detail::FileIdentity> input_;  // the file that is being loaded; null: no file
+    LumNode* loadCursor_ = nullptr;                      // the node that receives what is read next
+    LumPtr<LumNode> cursorHolder_;                       // holds the cursor between reads, unless it is this document
+    std::unique_ptr<detail::LoadedTexts> loadedTexts_;   // while attributes are being loaded
+    LumValue loadedValue_;                               // of the attribute that is being set
+    int skipDepth_ = 0;                                  // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
+    bool isUntrusted_ = false;
     bool isSaveChecked_ = true;
     bool isReading_ = false;
     LumLock loadLock_;

@@ -8,6 +8,7 @@
 #include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/LoadedTexts.h>
+#include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/StringInput.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
@@ -65,13 +66,35 @@ private:
 };
 
 LumXmlParser* LumDocument::getParser() {
-    if (!parser_) parser_ = LumXmlUtil::createXmlParser();
+    if (!parser_) {
+        parser_ = LumXmlUtil::createXmlParser();
+        if (limits_) parser_->setLimits(*limits_);
+    }
     return parser_.get();
 }
 
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
+    if (parser_ && isUntrusted_) parser_->setUntrusted();
+    if (parser_ && limits_) parser_->setLimits(*limits_);
     documentUri_.remove();
+    input_ = nullptr;
+}
+
+void LumDocument::setLimits(const LumXmlLimits& limits) {
+    limits_ = std::make_unique<LumXmlLimits>(limits);
+    if (parser_) parser_->setLimits(limits);
+}
+
+void LumDocument::setUntrusted() {
+    getParser()->setUntrusted();
+    isUntrusted_ = true;
+    setLimits(LumXmlLimits::untrusted());
+}
+
+LumXmlLimits LumDocument::getLimits() const {
+    if (limits_) return *limits_;
+    return parser_ ? parser_->getLimits() : LumXmlLimits();
 }
 
 void LumDocument::setInputOption(const UnicodeString& option) { detail::assign(inputOption_, option); }
@@ -87,6 +110,7 @@ void LumDocument::setCursor(LumNode* node) noexcept {
 void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
     // An older load must not continue when the new input cannot be opened.
     abort();
+    input_ = nullptr;
     if (!target || target == this) detail::assign(documentUri_, uri);
     getParser();
 }
@@ -94,6 +118,7 @@ void LumDocument::startLoad(LumNode* target, const UnicodeString& uri) {
 void LumDocument::load(const UnicodeString& uri, LumNode* target) {
     startLoad(target, uri);
     parser_->setInput(uri, UnicodeString(), inputOption_);
+    input_ = std::make_unique<detail::FileIdentity>(detail::FileIdentity::ofResource(uri));
     doLoad(target, isLoadDeferred_);
 }
 

@@ -11,13 +11,15 @@
 #include <lumcommon/dom/XmlSerializerImpl.h>
 #include <lumcommon/dom/detail/ExactType.h>
 #include <lumcommon/dom/detail/GatheredOutput.h>
+#include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/NodeFields.h>
+#include <lumcommon/dom/detail/ReplacingFile.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 
-#include <sstream>
+#include <ostream>
 #include <typeinfo>
 #include <utility>
 
@@ -328,10 +330,26 @@ void LumDocument::save(const UnicodeString& uri, LumNode* node, const UnicodeStr
 
 void LumDocument::save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
                        const UnicodeString& processingInstruction) {
+    checkOutput(uri);
     OutputScope output(getSerializer());
     output->setOutput(uri, encoding);
     writeAll(node, UnicodeString(), UnicodeString(), processingInstruction);
     output.close();
+}
+
+/// Refuses the file that is still being read.
+void LumDocument::checkOutput(const UnicodeString& uri) const {
+    if (!loadCursor_ || !input_ || !(detail::FileIdentity::ofResource(uri) == *input_)) return;
+    UnicodeString told = detail::copyOf(uri);
+    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::SerializerSetOutput,
+                     detail::append(told, u" (it is still being read)"));
+}
+
+void LumDocument::saveReplacing(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
+                                const UnicodeString& processingInstruction) {
+    detail::ReplacingFile file(uri);
+    save(file.stream(), node, encoding, processingInstruction);
+    file.replace();
 }
 
 void LumDocument::save(std::ostream& out, LumNode* node, const UnicodeString& encoding) {
@@ -355,18 +373,20 @@ void LumDocument::save(const UnicodeString& comment, const UnicodeString& doctyp
 }
 
 UnicodeString LumDocument::saveXml(LumNode* node) {
-    std::ostringstream bytes;
+    detail::Utf8Output text;
+    std::ostream out(&text);
     OutputScope output(getSerializer());
-    output->setOutput(bytes, u"UTF-8");
+    output->setOutput(out, u"UTF-8");
     const CheckScope checks(*getSerializer(), isSaveChecked_);
     if (!node || node == this) output->startDocument(UnicodeString(), UnicodeString());
     doSave(node ? node : this, false);
     output->endDocument();
     output.close();
-    return detail::decodeUtf8(bytes.view());
+    return text.decode();
 }
 
 void LumDocument::saveDocumentElement(const UnicodeString& uri) {
+    checkOutput(uri);
     getSerializer()->setOutput(uri, UnicodeString());
     const CheckScope checks(*serializer_, isSaveChecked_);
     serializer_->startDocument(UnicodeString(), UnicodeString());

@@ -4,6 +4,7 @@
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/LumNamedNodeMap.h>
+#include <lumcommon/names/detail/UnitHash.h>
 
 #include <unordered_set>
 
@@ -77,7 +78,7 @@ LumName LumNode::lookupPrefix(LumName namespaceUri) const {
     if (namespaceUri.isNull()) return LumName();
     // A prefix maps back to the namespace exactly when the binding found is the innermost one of the prefix, so it is
     // enough to remember the prefixes bound further in.
-    std::unordered_set<LumName> bound;
+    std::unordered_set<LumName, detail::KeyedHash> bound;
     LumName found;
     for (const LumNode* element = lookupStart(this); element; element = parentElement(element)) {
         const LumName own = ownNamespace(element);

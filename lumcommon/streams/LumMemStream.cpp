@@ -13,8 +13,11 @@ namespace LumCommon {
 using detail::readBytes;
 
 LumMemStreamBuf::LumMemStreamBuf(std::istream* source, unsigned growBytes, bool ownSource)
+    : LumMemStreamBuf(MaybeOwned<std::istream>(source, ownSource), growBytes) {}
+
+LumMemStreamBuf::LumMemStreamBuf(MaybeOwned<std::istream> source, unsigned growBytes)
     : growBytes_(growBytes == 0 ? defaultGrowBytes : growBytes) {
-    if (source) sources_.emplace_back(source, ownSource);
+    if (source) sources_.push_back(std::move(source));
 }
 
 LumMemStreamBuf::LumMemStreamBuf(const LumMemStreamBuf& other)
@@ -129,8 +132,9 @@ void LumMemStreamBuf::setGrowBytes(unsigned growBytes) noexcept {
 
 void LumMemStreamBuf::setSource(std::istream* source, bool own) {
     if (!source) return;
+    MaybeOwned<std::istream> taken(source, own);
     flushBuffer();
-    sources_.emplace_back(source, own);
+    sources_.push_back(std::move(taken));
     // A reader at the end of a full block gets the new bytes when it asks for the next block, which is soon enough.
     if (blocks_.empty() || lastBlockFill_ == growBytes_) return;
     fillFromSources();
@@ -458,7 +462,10 @@ void LumMemStreamBuf::seekEOL() {
 // The stream.
 
 LumMemStream::LumMemStream(std::istream* source, unsigned growBytes, bool ownSource)
-    : std::iostream(nullptr), buffer_(source, growBytes, ownSource) {
+    : LumMemStream(MaybeOwned<std::istream>(source, ownSource), growBytes) {}
+
+LumMemStream::LumMemStream(MaybeOwned<std::istream> source, unsigned growBytes)
+    : std::iostream(nullptr), buffer_(std::move(source), growBytes) {
     std::iostream::rdbuf(&buffer_);
     buffer_.tellFailuresTo(this);
 }

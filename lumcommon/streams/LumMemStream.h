@@ -33,7 +33,9 @@ public:
 
     /// @param source     the first source; null for none. Nothing is read yet.
     /// @param growBytes  the size of a block in bytes; 0 stands for the default.
-    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction.
+    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction; also when
+    /// this
+    ///                   throws.
     explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
                              bool ownSource = false);
     /// An empty buffer with the block size and the keepMemory setting of `other`; its content is not copied.
@@ -61,9 +63,11 @@ public:
 
     /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
     /// and a reader at its end sees the new bytes.
-    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; not when this
-    ///             throws.
+    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
+    /// throws.
     void setSource(std::istream* source, bool own);
+    /// Whether a source has ended because it is broken: what the buffer holds is not all there is.
+    bool hasFailed() const noexcept { return hasFailed_; }
 
     /// The number of bytes. Cost: reads every source to its end.
     std::size_t length();
@@ -122,6 +126,9 @@ public:
     pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
 
 private:
+    friend class LumMemStream;
+    LumMemStreamBuf(MaybeOwned<std::istream> source, unsigned growBytes);
+
     void appendBuffer(bool fresh);
     void recycleFrontBlock();
     void fillFromSources();
@@ -170,6 +177,8 @@ public:
     LumMemStreamBuf* rdbuf() const noexcept { return const_cast<LumMemStreamBuf*>(&buffer_); }
 
 private:
+    LumMemStream(MaybeOwned<std::istream> source, unsigned growBytes);
+
     LumMemStreamBuf buffer_;
 };
 

@@ -6,13 +6,17 @@
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
 #include <lumcommon/dom/LumTextNode.h>
+#include <lumcommon/dom/detail/Utf8Text.h>
 #include <lumcommon/names/LumNameTable.h>
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/values/LumColor.h>
 #include <lumcommon/values/LumNamedValueMap.h>
 #include <lumcommon/xml/LumXmlParser.h>
 #include <support/FailingMemory.h>
+#include <support/TempFolder.h>
 #include <support/Utf8.h>
+
+#include <dirent.h>
 
 #include <sstream>
 
@@ -102,12 +106,30 @@ const Row rows[] = {
          const LumPtr<LumNode> copy = document.getDocumentElement()->cloneNode(true);
          return saved(document, copy.get()) + utf8(copy->getInnerText());
      }},
+    {"a replaced file lacks content, or another one is left beside it", makeLoaded,
+     [](LumDocument& document) {
+         static const LumTest::TempFolder folder;
+         static const std::string path = folder.getPath() + "a.xml";
+         orFailure([&] { return document.saveReplacing(UnicodeString::fromUTF8(path)), 0; });
+         const std::unique_ptr<DIR, int (*)(DIR*)> files(::opendir(folder.getPath().c_str()), ::closedir);
+         if (!files) throw std::bad_alloc();
+         int count = -2;  // without the folder and the one above it
+         while (::readdir(files.get())) ++count;
+         return std::to_string(count) + ' ' + std::to_string(std::filesystem::file_size(path));
+     }},
     {"the saved document lacks a value or a name", makeLoaded,
      [](LumDocument& document) {
          return saved(document, nullptr, u"Shift_JIS"_text) + utf8(orFailure([&] { return document.saveXml(); })) +
                 utf8(orFailure([&] { return document.saveXml(document.getDocumentElement()->getLastChild()); }));
      }},
 };
+
+TEST(DomMemory, noLongerTextIsGatheredThanAStringCanHold) {
+    detail::Utf8Output output(4);
+    EXPECT_EQ(output.sputn("a\xC3\xA9\xF0\x9D\x84\x9E", 7), 7);
+    EXPECT_EQ(output.sputc('b'), std::char_traits<char>::eof());
+    EXPECT_EQ(utf8(output.decode()), "a\xC3\xA9\xF0\x9D\x84\x9E");
+}
 
 TEST(DomMemory, documentsFailAloud) {
     for (const Row& row : rows) {

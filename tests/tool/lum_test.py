@@ -140,6 +140,19 @@ def check_events():
            "\u00e9")
     undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
     expect("--feature does not reach the parser", undeclared.returncode, 0)
+    strange = b"<!DOCTYPE a [<!ENTITY x SYSTEM '/etc/hostname'>]><a>&x;</a>"
+    refused = [run(*command, "-", stdin=strange)
+               for command in (["--untrusted", "events"], ["events", "--untrusted"], ["save", "--untrusted"])]
+    expect("what a document names is opened", [(d.returncode, b"0x183A" in d.stderr) for d in refused], [(1, True)] * 3)
+    deep = run("--untrusted", "save", "-", stdin=b"<a>" * 10001)
+    expect("--untrusted has no limits", b"0x183B" in deep.stderr, True)
+    os.mkfifo(FOLDER / "waits")  # whoever opens it waits for ever
+    (FOLDER / "names.xml").write_text("<!DOCTYPE a [<!ENTITY % p SYSTEM 'waits'>%p;]><a/>")
+    expect("kind opens what the file names", json.loads(run("kind", "names.xml").stdout)["root"]["name"], "a")
+    limited = [run(*command, "--limit", "depth=off", "--limit", "depth=1", "-", stdin=b"<a><b/></a>")
+               for command in (["events"], ["save"], ["save", "--lazy"])]
+    expect("--limit does not reach the parser, or is not told", [(d.returncode, d.stderr[-19:]) for d in limited],
+           [(1, b"Col 5. (limit depth)\n"[-19:])] * 3)
     text = "x\udd1ey\"\\/\t\n\x7f\x80" + "a long run " * 4 + "\u65e5\U0001d11e" + "\udd1e"
     lone = events("-", stdin=b"\xff\xfe" + f"<a>{text}</a>".encode("utf-16-le", "surrogatepass"))
     expect("escapes, or a lone surrogate that breaks the line", lone[1]["text"],
@@ -170,6 +183,18 @@ def check_save():
         expect("an error is not told", (broken.returncode, broken.stderr[:18]), (1, b"lum: error 0x1806:"))
     expect("a second save differs", run("save", "--no-generator", FOLDER / "o u t.xml").stdout.decode(),
            '<?xml version="1.0"?>' + SAVED)
+    link, rights = FOLDER / "link.xml", 0o640
+    link.symlink_to(path.name)
+    path.chmod(rights)
+    prints("onto its own input", ["save", "--no-generator", path, link], "")
+    expect("the file behind the link", path.read_text(encoding="utf-8"), '<?xml version="1.0"?>' + SAVED)
+    expect("link or rights are lost", (link.is_symlink(), path.stat().st_mode & 0o777), (True, rights))
+    full = {"restore_signals": False, "preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (10, 10))}
+    done = run("save", path, path, **full)
+    expect("a full disk is not told", (done.returncode, done.stderr), (1, b"lum: error 0x1007: Output stream error.\n"))
+    expect("a full disk loses the document", path.read_text(encoding="utf-8"), '<?xml version="1.0"?>' + SAVED)
+    expect("a full disk leaves a file", list(FOLDER.glob(".lum-*")), [])
+    path.write_text(DOCUMENT, encoding="utf-8")
     expect("--lazy onto its own input", run("save", "--lazy", path, path).returncode, 2)
     expect("the refused input is changed", path.read_text(encoding="utf-8"), DOCUMENT)
 
@@ -276,8 +301,11 @@ def check_failures():
         ("missing argument", ["resolve", "a"], 2, None),
         ("too many arguments", ["name", "a", "b"], 2, None),
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
-        ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
+        ("feature out of range", ["events", "--feature", "6", "doc.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("unknown limit", ["events", "--limit", "width=1", "doc.xml"], 2, None),
+        ("limit without a value", ["save", "--limit", "depth", "doc.xml"], 2, None),
+        ("limit that is no number", ["save", "--limit", "depth=1x", "doc.xml"], 2, None),
         ("number out of range", ["number", "1", "2147483648"], 2, None),
         ("text where a number is due", ["xlsformat", "0", "5x"], 2, None),
         ("number beyond the range", ["xlsformat", "0", "1e999"], 2, None),

@@ -3,11 +3,14 @@
 #include <lumcommon/lumcommon.h>
 
 #include "Command.h"
+#include "Limits.h"
 #include "Output.h"
 
 #include <clocale>
 #include <cstdio>
 #include <iostream>
+#include <new>
+#include <string>
 
 namespace lum {
 #define LUM_COMMAND(name) Command make##name##Command();
@@ -21,8 +24,10 @@ constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
 int report(const LumCommon::LumError& error) {
-    std::fprintf(stderr, "lum: error 0x%04X: %s\n", static_cast<unsigned>(error.code),
-                 lum::toUtf8(error.getMessage()).c_str());
+    const unsigned code = error.code;
+    const char* const limit = lum::findLimitName(code);
+    const std::string note = limit ? " (limit " + std::string(limit) + ")" : "";
+    std::fprintf(stderr, "lum: error 0x%04X: %s%s\n", code, lum::toUtf8(error.getMessage()).c_str(), note.c_str());
     return exitFailure;
 }
 

@@ -54,4 +54,24 @@ UnicodeString decodeUtf8(std::string_view bytes) {
     return text;
 }
 
+Utf8Output::int_type Utf8Output::overflow(int_type c) {
+    if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+    const char byte = traits_type::to_char_type(c);
+    return xsputn(&byte, 1) == 1 ? c : traits_type::eof();
+}
+
+std::streamsize Utf8Output::xsputn(const char* bytes, std::streamsize count) {
+    const std::string_view added(bytes, static_cast<std::size_t>(count));
+    std::size_t units = 0;  // one for each first byte, two for that of a sequence of four
+    for (const char byte : added) {
+        const auto value = static_cast<unsigned char>(byte);
+        units += (value & 0xC0u) != 0x80u ? 1 : 0;
+        units += value >= 0xF0u ? 1 : 0;
+    }
+    if (units > unitsLeft_) return 0;
+    bytes_.append(added);
+    unitsLeft_ -= units;
+    return count;
+}
+
 }  // namespace LumCommon::detail
