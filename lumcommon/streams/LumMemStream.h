@@ -66,8 +66,6 @@ public:
     /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
     /// throws.
     void setSource(std::istream* source, bool own);
-    /// Whether a source has ended because it is broken: what the buffer holds is not all there is.
-    bool hasFailed() const noexcept { return hasFailed_; }
 
     /// The number of bytes. Cost: reads every source to its end.
     std::size_t length();
