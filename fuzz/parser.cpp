@@ -1,11 +1,15 @@
 // Any bytes may claim to be an XML document. The first four choose features, interface and piece sizes.
 // Laws: the pieces in which the bytes arrive change nothing, neither events nor positions nor the error; parsing ends;
-// depth rises and falls by one with start and end tags; parsing also ends if a callback continues after errors; after
-// an error the parser may be asked again and given another document.
+// depth rises and falls by one with start and end tags; limits change nothing of that; parsing also ends if a callback
+// continues after errors; after an error the parser may be asked again and given another document; nothing outside is
+// opened where that is refused; bytes that cannot be read to their end are no whole document.
 
 #include <lumcommon/lumcommon.h>
 
 #include <sstream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
 
 #include "FuzzSupport.h"
 
@@ -21,6 +25,7 @@ struct Setting {
     bool useTokens = false;
     bool goOnAfterErrors = false;
     bool defineEntity = false;
+    bool isLimited = false;
     bool touchOnlyTags = false;  // an accessor that fills a cache must not change what comes after
 };
 
@@ -84,7 +89,10 @@ void addEvent(const LumXmlParser& parser, const Setting& setting, Digest& digest
 /// subset, and entities that include each other endlessly.
 class Outside : public LumUriReferenceResolver {
 public:
+    int opened = 0;
+
     std::istream* getStream(const UnicodeString& uri) override {
+        ++opened;
         if (uri.endsWith(u"dtd")) {
             return new std::istringstream(
                 "<?xml version='1.0' encoding='UTF-8'?><!ENTITY outer 'from <b>outside</b>'><!ENTITY % p "
@@ -114,6 +122,21 @@ void askOn(LumXmlParser& parser, Setting setting) {
     FUZZ_LAW(parser.next() == LumXmlParser::TEXT && parser.getText() == UnicodeString(u"x"));
 }
 
+/// Limits that small documents exceed.
+LumXmlLimits smallLimits() {
+    LumXmlLimits limits;
+    limits.depth = limits.attributes = limits.openInputs = limits.externalInputs = 4;
+    limits.textUnits = 60;
+    limits.nameUnits = 12;
+    limits.valueUnits = 40;
+    limits.expansionFactor = 0;  // times the bytes that have been read, which depends on the pieces
+    limits.expansionThreshold = 20000;
+    limits.externalBytes = 700;
+    limits.totalBytes = 900;
+    limits.names = 20;
+    return limits;
+}
+
 /// The code of the error for expanding entities beyond the limit.
 constexpr unsigned expansionError = 0x1837;
 
@@ -123,8 +146,12 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
     PieceBuffer buffer(document.data(), document.size(), firstPiece, secondPiece);
     std::istream in(&buffer);
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    for (int feature = 0; feature < 6; ++feature) {
+    for (int feature = 0; feature < 8; ++feature) {
         parser->setFeature(static_cast<LumXmlParser::Feature>(feature), (setting.features >> feature & 1u) != 0);
+    }
+    if (setting.isLimited) {
+        parser->setLimits(smallLimits());
+        parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);  // it counts only when it is first read
     }
     Reports reports;
     if (setting.goOnAfterErrors) parser->setCallbackError(onError, &reports);
@@ -152,12 +179,40 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
         FUZZ_LAW(error.code >= 0x0800 && error.code < 0x2000 && !error.message.isEmpty());
         digest.add(error.code);
         digest.add(error.message);
-        isCostly = isCostly || error.code == expansionError;
+        isCostly = isCostly || (error.code == expansionError && !setting.isLimited);
         if (!isCostly) askOn(*parser, setting);
     }
     digest.add(static_cast<std::uint64_t>(reports.count));
     FUZZ_LAW(reports.count <= maxReports);
     return digest;
+}
+
+/// The bytes, and then a failure instead of an end.
+class BreakingBuffer : public std::streambuf {
+public:
+    explicit BreakingBuffer(const Choices& document) : bytes_(document.data(), document.data() + document.size()) {
+        setg(bytes_.data(), bytes_.data(), bytes_.data() + bytes_.size());
+    }
+
+private:
+    int_type underflow() override { throw std::runtime_error("broken"); }
+
+    std::string bytes_;
+};
+
+void breakOff(const Choices& document, bool useTokens) {
+    BreakingBuffer buffer(document);
+    std::istream in(&buffer);
+    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    try {
+        parser->setUntrusted();
+        parser->setInput(in, UnicodeString(), UnicodeString());
+        while ((useTokens ? parser->nextToken() : parser->next()) != LumXmlParser::END_DOCUMENT) {
+        }
+    } catch (const LumError&) {
+        return;
+    }
+    FUZZ_LAW(false);  // it ends like a whole document
 }
 
 }  // namespace
@@ -173,10 +228,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     setting.goOnAfterErrors = (how & 2u) != 0;
     setting.defineEntity = (how & 4u) != 0;
     setting.touchOnlyTags = (how & 8u) != 0;
+    setting.isLimited = (how & 16u) != 0;
     const std::size_t firstPiece = input.byte();
     const std::size_t secondPiece = input.byte();
     bool isCostly = false;
+    const int openedBefore = outside.opened;
+    breakOff(input, setting.useTokens);
     const Digest whole = parse(input, setting, size + 1, size + 1, isCostly);
+    const bool refuses = (setting.features >> LumXmlParser::FEATURE_NO_EXTERNAL & 1u) != 0;
+    FUZZ_LAW(!refuses || outside.opened == openedBefore);
     if (isCostly) return 0;
     FUZZ_LAW(whole == parse(input, setting, firstPiece, secondPiece, isCostly));
     FUZZ_LAW(whole == parse(input, setting, 1, 1, isCostly));

@@ -71,6 +71,7 @@
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/TransMatrix.h>
+#include <lumcommon/xml/LumXmlLimits.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
 namespace LumCommon {

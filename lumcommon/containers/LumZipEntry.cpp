@@ -1,5 +1,6 @@
 #include <lumcommon/containers/LumZipEntry.h>
 #include <lumcommon/containers/detail/ZipFields.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <string>
 
@@ -11,7 +12,7 @@ UnicodeString readZipName(std::istream& in, std::uint16_t lengthBytes) {
     // Allocating what is claimed is safe: it is at most 64 KiB, and only the last name of a stream can be incomplete.
     std::string name(lengthBytes, '\0');
     if (readBytes(in, name) < name.size()) return UnicodeString();
-    return UnicodeString(name.data(), static_cast<std::int32_t>(name.size()));
+    return checked(UnicodeString(name.data(), static_cast<std::int32_t>(name.size())));
 }
 
 void skipBytes(std::istream& in, std::uint64_t bytes) noexcept {

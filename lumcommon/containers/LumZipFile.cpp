@@ -4,8 +4,10 @@
 #include <lumcommon/containers/detail/PackageRelationships.h>
 #include <lumcommon/containers/detail/ZipFields.h>
 
+#include <cerrno>
 #include <fstream>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace LumCommon {
@@ -15,7 +17,9 @@ namespace {
 /// The file's bytes; null when it cannot be opened.
 std::unique_ptr<std::istream> openFile(const char* path) {
     if (!path) return nullptr;
+    errno = 0;
     auto file = std::make_unique<std::ifstream>(path, std::ios_base::in | std::ios_base::binary);
+    if (!file->is_open() && errno == ENOMEM) throw std::bad_alloc();
     return file->is_open() ? std::move(file) : nullptr;
 }
 
@@ -37,11 +41,8 @@ LumZipFile::LumZipFile(std::istream* s, bool own) { open(s, own); }
 LumZipFile::~LumZipFile() { close(); }
 
 void LumZipFile::open(const char* path) {
-    try {
-        open(openFile(path).release(), true);
-    } catch (const std::exception&) {
-        close();
-    }
+    close();
+    open(openFile(path).release(), true);
 }
 
 void LumZipFile::open(std::istream* s, bool own) {
@@ -50,9 +51,12 @@ void LumZipFile::open(std::istream* s, bool own) {
     stream_ = {s, own};
     try {
         init();
-    } catch (const std::exception&) {
-        // Out of memory: keep the members read so far.
+    } catch (...) {
+        close();
+        throw;
     }
+    // Some of the members would look like all of them.
+    if (stream_ && stream_->bad()) close();
 }
 
 void LumZipFile::close() noexcept {
@@ -150,12 +154,6 @@ bool LumZipFile::isZipFile(std::istream* s) {
            signature == LumZipEntry::SIGNATURE_END_DIRECTORY;
 }
 
-bool LumZipFile::isZipFile(const char* path) {
-    try {
-        return isZipFile(openFile(path).get());
-    } catch (const std::exception&) {
-        return false;
-    }
-}
+bool LumZipFile::isZipFile(const char* path) { return isZipFile(openFile(path).get()); }
 
 }  // namespace LumCommon

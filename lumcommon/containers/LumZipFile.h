@@ -33,9 +33,10 @@ struct PackageRelationships;
 /// when they are first needed, once per archive. They are read through the streams that their entries own, which are
 /// rewound. Nothing outside the archive is opened for them.
 ///
-/// Failure: something that cannot be opened or is not an archive has no entries; nothing is thrown. Only the members
-/// for office packages throw: the parser's LumError if a describing part is not well-formed XML, and std::bad_alloc.
-/// They throw again whenever they need that part; the rest of the archive can still be used.
+/// Failure: something that cannot be opened or read (the stream turns bad) or is not an archive has no entries. What
+/// opens an archive throws std::bad_alloc; the object then holds none. Otherwise only the members for office packages
+/// throw: the parser's LumError if a describing part is not well-formed XML, and std::bad_alloc. They throw again
+/// whenever they need that part; the rest of the archive can still be used.
 /// Threads: one at a time for the archive and all its entries.
 class LUM_API LumZipFile {
 public:
@@ -52,7 +53,7 @@ public:
     ~LumZipFile();
 
     /// Drops the archive that was open, deleting its stream if owned, and reads another; the arguments are those of the
-    /// constructors.
+    /// constructors. A stream that is owned is deleted also when this throws, and when it turns bad.
     /// Cost: O(number of members) plus the names; data are skipped, except before a data descriptor that has to be
     /// searched for. If the central directory is needed, the end of the stream is read too.
     void open(const char* path);

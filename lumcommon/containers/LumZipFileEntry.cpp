@@ -75,6 +75,7 @@ void LumZipFileEntry::loadData() {
         std::vector<char> data;
         detail::readClaimed(data, std::min(fields_.compressedSize, maxDataBytes_),
                             [this](std::span<char> room) { return detail::readBytes(*stream_, room); });
+        if (stream_->bad()) throw std::ios_base::failure("the archive cannot be read");
         data_ = std::move(data);
     }
     hasReadData_ = true;
@@ -83,8 +84,8 @@ void LumZipFileEntry::loadData() {
 std::span<const char> LumZipFileEntry::readCompressedData() {
     try {
         loadData();
-    } catch (const std::exception&) {
-        // Out of memory: nothing was kept, and the next call tries again.
+    } catch (const std::ios_base::failure&) {
+        // Nothing was kept, and the next call tries again.
     }
     return data_;
 }

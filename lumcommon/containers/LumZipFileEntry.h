@@ -22,7 +22,7 @@ struct PackageRelationships;
 /// directory or of the descriptor (see LumZipFile). The data are as many of the claimed bytes as the stream really
 /// holds, and memory grows only with these: a member that claims 4 GiB in a file of 100 bytes has fewer than 100.
 /// Encrypted members and methods other than deflate are returned as stored; the CRC-32 is never checked.
-/// Failure: nothing is thrown.
+/// Failure: nothing is thrown, except std::bad_alloc by readCompressedData().
 /// Threads: one at a time for all entries of one archive, since they share its stream; streams made with `fresh` are
 /// independent of it and of each other.
 class LUM_API LumZipFileEntry : public LumZipEntry {
@@ -54,16 +54,17 @@ public:
     const UnicodeString& getContentType() const noexcept { return contentType_; }
 
     /// The member's data as stored, read from the archive on the first call and kept.
-    /// @return fewer bytes than claimed if the stream ends or fails earlier, or if the central directory claims more
-    /// than there are before the next member; none if the stream cannot seek or is gone, or if memory runs out (a later
-    /// call then tries again).
+    /// @return fewer bytes than claimed if the stream ends earlier, or if the central directory claims more than there
+    /// are before the next member; none if the stream cannot seek or is gone, or turns bad (a later call then tries
+    /// again).
+    /// Failure: std::bad_alloc; a later call tries again.
     /// Ownership: the bytes live as long as the entry.
     /// Cost: O(data) on the first call.
     std::span<const char> readCompressedData();
 
     /// Opens the data as stored.
     /// @param fresh  true: a new LumStrStream with its own copy of the data. false: the entry's stream, rewound to 0.
-    /// @return null if memory runs out.
+    /// @return null if memory runs out or the archive's stream turns bad; a later call tries again.
     /// Ownership: with `fresh` the caller deletes the stream; without, it is deleted with the entry.
     /// Cost: O(data) with `fresh`, and on the first use of the data.
     std::istream* getCompressedStream(bool fresh);

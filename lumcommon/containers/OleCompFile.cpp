@@ -26,8 +26,8 @@ constexpr std::int32_t noSector = detail::SectorChain::END;
 constexpr std::int32_t freeSector = detail::SectorChain::BROKEN;  // no chain leads there
 
 UnicodeString nameText(const char* name) {
-    const UnicodeString text = UnicodeString::fromUTF8(name);
-    return text.indexOf(detail::replacementCharacter) < 0 ? text : UnicodeString(name);
+    UnicodeString text = detail::fromUtf8(name);
+    return text.indexOf(detail::replacementCharacter) < 0 ? text : detail::checked(UnicodeString(name));
 }
 
 }  // namespace
@@ -63,12 +63,18 @@ bool OleCompFile::OLEopen(JZIOobj* io) {
 
 bool OleCompFile::OLEopenSub() {
     try {
-        if (io_ && io_->Open()) {
-            fileBytes_ = io_->Seek(0, SEEK_END) ? io_->Tell() : io_->GetSize();
-            if (parseHeader() && buildFAT() && buildMiniFAT() && buildDirInfo()) return true;
-        }
+        return readTables();
     } catch (const std::bad_alloc&) {
-        // Out of memory: the file's tables do not fit.
+        close();
+        return false;
+    }
+}
+
+/// Throws std::bad_alloc; the object is then to be closed.
+bool OleCompFile::readTables() {
+    if (io_ && io_->Open()) {
+        fileBytes_ = io_->Seek(0, SEEK_END) ? io_->Tell() : io_->GetSize();
+        if (parseHeader() && buildFAT() && buildMiniFAT() && buildDirInfo()) return true;
     }
     close();
     return false;

@@ -42,7 +42,9 @@ class SectorChain;
 /// ends where it returns to itself: opening fails if it is the chain of the directory or of the mini FAT; a chain of
 /// FAT sectors is used as far as it was walked, as is a mini FAT whose chain ends early.
 ///
-/// Failure: false, null, -1 or 0; nothing is thrown. A file that could not be opened has no entries.
+/// Failure: false, null, -1 or 0. A file that could not be opened, also for lack of memory, has no entries. Otherwise
+/// nothing is thrown but std::bad_alloc: what finds something in the file, reads it or detects its kind does not answer
+/// "nothing" when memory runs out. The file can still be used.
 /// Ownership: streams must be closed before the file is destroyed or opened again.
 /// Cost: opening reads the tables and the directory, not the streams. Memory grows only with what the file really
 /// contains of these, whatever the header claims. Nothing recurses.
@@ -126,6 +128,7 @@ private:
     friend class OleStream;
 
     bool OLEopenSub();
+    bool readTables();
     bool parseHeader();
     bool isFirstOrNone(std::int32_t sector, std::uint32_t count) const noexcept;
     bool readFatList(std::uint32_t count, std::int32_t firstDifat);

@@ -1,5 +1,6 @@
 #include <lumcommon/containers/OleDirInfo.h>
 #include <lumcommon/containers/detail/OleRecords.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <algorithm>
 #include <bit>
@@ -18,7 +19,7 @@ bool OleDirInfo::parse(std::span<const char, entryBytes> entry, bool littleEndia
     *this = OleDirInfo();
     index_ = index;
     for (std::size_t i = 0; i < nameBytes / sizeof(char16_t); ++i) {
-        if (const char16_t unit = record.get(Record::name[i])) name_.append(unit);
+        if (const char16_t unit = record.get(Record::name[i])) detail::append(name_, unit);
     }
     type_ = type <= ROOT ? static_cast<Type>(type) : EMPTY;
     color_ = record.get(Record::color);

@@ -9,6 +9,25 @@
 #include <vector>
 
 namespace LumCommon {
+namespace {
+
+/// Sets a position back at the end of the scope.
+class PlaceKeeper {
+public:
+    explicit PlaceKeeper(std::int64_t& position) noexcept : position_(&position), kept_(position) {}
+    ~PlaceKeeper() {
+        if (position_) *position_ = kept_;
+    }
+    PlaceKeeper(const PlaceKeeper&) = delete;
+    PlaceKeeper& operator=(const PlaceKeeper&) = delete;
+    void dismiss() noexcept { position_ = nullptr; }
+
+private:
+    std::int64_t* position_;
+    std::int64_t kept_;
+};
+
+}  // namespace
 
 OleStream::OleStream(OleCompFile* file) : file_(file), chain_(std::make_unique<detail::SectorChain>()) {}
 
@@ -58,6 +77,7 @@ unsigned OleStream::OLEread(unsigned char* buf, unsigned n) {
     if (!buf || position_ >= std::int64_t{sizeBytes_}) return 0;
     n = static_cast<unsigned>(std::min<std::int64_t>(n, sizeBytes_ - position_));
     unsigned done = 0;
+    PlaceKeeper keeper(position_);
     while (done < n) {
         const Run run = findRun(n - done);
         if (run.bytes == 0) break;
@@ -67,6 +87,7 @@ unsigned OleStream::OLEread(unsigned char* buf, unsigned n) {
         position_ += static_cast<std::int64_t>(got);
         if (got < run.bytes) break;
     }
+    keeper.dismiss();
     return done;
 }
 
@@ -88,15 +109,14 @@ long OleStream::OLEseek(int offset, int whence) {
 bool OleStream::CopyToFile(const unsigned char* path) {
     if (!path) return false;
     std::ofstream out(reinterpret_cast<const char*>(path), std::ios_base::binary | std::ios_base::trunc);
-    const std::int64_t kept = position_;
-    position_ = 0;
     std::vector<unsigned char> piece(std::min<std::size_t>(sizeBytes_, std::size_t{1} << 18));
+    const PlaceKeeper keeper(position_);
+    position_ = 0;
     unsigned got = 0;
     while (out && (got = OLEread(piece.data(), static_cast<unsigned>(piece.size()))) != 0) {
         out.write(reinterpret_cast<const char*>(piece.data()), static_cast<std::streamsize>(got));
     }
     const bool isWhole = position_ == std::int64_t{sizeBytes_};
-    position_ = kept;
     out.close();
     return !out.fail() && isWhole;
 }

@@ -36,13 +36,14 @@ public:
 
     /// Reads up to `n` bytes. Returns the number read, which is less than `n` at the end and where the chain or the
     /// file is broken.
+    /// Failure: std::bad_alloc; the position does not change. So it is with OLEseek() and GetStreamChainIndex().
     /// Cost: a run of adjacent sectors is read at once.
     unsigned OLEread(unsigned char* buf, unsigned n);
     /// Moves to `offset` bytes from the start, the current position or the end (SEEK_SET, SEEK_CUR, SEEK_END). Returns
     /// the offset of that byte in the file; at the end of the stream, the offset just past its last byte, or 0 in a
     /// stream of 0 bytes.
-    /// Failure: -1. A negative position or unknown `whence` does not move; a position past the sectors of the stream is
-    /// set all the same, and reads there give 0.
+    /// Failure: -1. A negative position, one that a long cannot hold, or an unknown `whence` does not move; a position
+    /// past the sectors of the stream is set all the same, and reads there give 0.
     /// Cost: O(sectors up to there) the first time.
     long OLEseek(int offset, int whence);
     /// In bytes from the start.

@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/dom/LumNode.h>
+#include <lumcommon/xml/LumXmlLimits.h>
 
 #include <iosfwd>
 #include <memory>
@@ -92,10 +93,18 @@ public:
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
+    /// For documents from strangers: LumXmlParser::setUntrusted() for the parser and for each that replaces it, and
+    /// setLimits(LumXmlLimits::untrusted()). What is loaded by a path or URI is still opened; what it names is not.
+    void setUntrusted();
     /// The parser, created if there is none. Borrowed.
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
     void setParser(LumXmlParser* parser);
+    /// The limits of what is loaded from now on, see LumXmlLimits: handed to the parser, to every one that the document
+    /// makes and to every one that it is given. Before the first call a parser keeps its own.
+    void setLimits(const LumXmlLimits& limits);
+    /// Those that were set, else those of the parser, else the defaults.
+    LumXmlLimits getLimits() const;
 
     /// Whether saving refuses what a parser would refuse or take for other markup, with error 0x813: a name that is
     /// none (a compound value's name such as "x><evil" among them), "?>" in a processing instruction, "--" in a
@@ -175,6 +184,7 @@ private:
 
     LumNameTable* nameTable_;                    // one reference held
     std::unique_ptr<std::istream> stringInput_;  // over the string of loadXml; outlives the parser's use of it
+    std::unique_ptr<LumXmlLimits> limits_;       // null: those of the parser
     LumPtr<LumXmlParser> parser_;
     LumPtr<LumXmlSerializer> serializer_;
     UnicodeString inputOption_;
@@ -186,6 +196,7 @@ private:
     LumValue loadedValue_;                               // of the attribute that is being set
     int skipDepth_ = 0;                                  // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
+    bool isUntrusted_ = false;
     bool isSaveChecked_ = true;
     bool isReading_ = false;
     LumLock loadLock_;

@@ -66,14 +66,35 @@ private:
 };
 
 LumXmlParser* LumDocument::getParser() {
-    if (!parser_) parser_ = LumXmlUtil::createXmlParser();
+    if (!parser_) {
+        parser_ = LumXmlUtil::createXmlParser();
+        if (limits_) parser_->setLimits(*limits_);
+    }
     return parser_.get();
 }
 
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
+    if (parser_ && isUntrusted_) parser_->setUntrusted();
+    if (parser_ && limits_) parser_->setLimits(*limits_);
     documentUri_.remove();
     input_ = nullptr;
+}
+
+void LumDocument::setLimits(const LumXmlLimits& limits) {
+    limits_ = std::make_unique<LumXmlLimits>(limits);
+    if (parser_) parser_->setLimits(limits);
+}
+
+void LumDocument::setUntrusted() {
+    getParser()->setUntrusted();
+    isUntrusted_ = true;
+    setLimits(LumXmlLimits::untrusted());
+}
+
+LumXmlLimits LumDocument::getLimits() const {
+    if (limits_) return *limits_;
+    return parser_ ? parser_->getLimits() : LumXmlLimits();
 }
 
 void LumDocument::setInputOption(const UnicodeString& option) { detail::assign(inputOption_, option); }

@@ -172,6 +172,7 @@ public:
     LumNode* getCommonAncestorOrSelf(const LumNode* other) const;
     LumNode* getCommonAncestor(const LumNode* other) const;
     /// A text node's text; of an element the text of all its descendants.   Cost: linear.
+    /// Failure: std::bad_alloc, also where that is more than the 2^31-1 units that a string holds.
     UnicodeString getInnerText() const;
     /// The number of ancestors below the document; 0 for the document element.   Cost: linear in the depth.
     int getNodeDepth() const;

@@ -24,10 +24,10 @@ class StreamInflater;
 ///
 /// From a file, all members are read, one after another, and checked. From a stream, only the first member is read,
 /// without checking its checksum and length unless setChecksTrailer() is on; anything after it is ignored. Up to 10
-/// bytes that were read can be put back. Seeking is not supported. Memory: constant, whatever the data claim. Failure:
-/// nothing is thrown. Corrupt or truncated data end early: from a stream, the piece of 4096 bytes in which the fault
-/// shows is not delivered, all pieces before it are. hasFailed() and the badbit of a LumGzipStream then tell so, as
-/// they do when the file or stream itself breaks.
+/// bytes that were read can be put back. Seeking is not supported. Memory: constant, whatever the data claim.
+/// Failure: nothing is thrown but std::bad_alloc (badbit in a stream). Corrupt or truncated data end early: from a
+/// stream, the piece of 4096 bytes in which the fault shows is not delivered, all pieces before it are. hasFailed() and
+/// the badbit of a LumGzipStream then tell so, as they do when the file or stream itself breaks.
 /// Threads: one at a time.
 class LUM_API LumGzipStreamBuf : public LumRefillStreamBuf {
 public:
@@ -84,7 +84,8 @@ private:
 ///
 /// A flush, and therefore std::endl, completes the member: anything written after it fails and is not stored.
 /// Destruction completes it as well. Up to 4096 bytes are collected before they are compressed.
-/// Failure: end of file, which sets badbit in a stream over the buffer; nothing is thrown.
+/// Failure: end of file, which sets badbit in a stream over the buffer; nothing is thrown, except std::bad_alloc by the
+/// constructors.
 /// Threads: one at a time.
 class LUM_API LumGzipOStreamBuf : public std::streambuf {
 public:

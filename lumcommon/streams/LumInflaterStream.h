@@ -18,8 +18,9 @@ class RawInflater;
 ///
 /// Up to 10 bytes that were read can be put back. Seeking is not supported; reset() starts over. Memory: constant apart
 /// from the copy, whatever the data claim.
-/// Failure: nothing is thrown. Corrupt or truncated data end early: the piece of 4096 bytes in which the fault shows is
-/// not delivered, all pieces before it are. hasFailed() and the badbit of a LumInflaterStream then tell so.
+/// Failure: nothing is thrown but std::bad_alloc (badbit in a stream), also by each read from then on until reset().
+/// Corrupt or truncated data end early: the piece of 4096 bytes in which the fault shows is not delivered, all pieces
+/// before it are. hasFailed() and the badbit of a LumInflaterStream then tell so.
 /// Threads: one at a time.
 class LUM_API LumInflaterStreamBuf : public LumRefillStreamBuf {
 public:

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 
 namespace LumCommon {
 
@@ -28,12 +29,15 @@ bool LumKobOStreamBuf::init(const char* encoding, bool bom, LF_CONVERT lf, bool 
     options.lineEnds = static_cast<CConvLineEnds>(lf);
     options.littleEndian = flag;
     options.sourceIsUnits = true;
-    if (cconvInitConvert(context_, options, encoding) != 0 || cconvChgCharset(context_, options, "UTF-16") != 0) {
-        cconvTermConvert(context_);
-        return false;
-    }
     if (!block_) block_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
     if (!output_) output_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
+    int result = cconvInitConvert(context_, options, encoding);
+    if (result == 0) result = cconvChgCharset(context_, options, "UTF-16");
+    if (result != 0) {
+        cconvTermConvert(context_);
+        if (result == cconvOutOfMemory) throw std::bad_alloc();
+        return false;
+    }
     // One byte short of the block, so that overflow() has room for its character.
     setp(block_.get(), block_.get() + BLOCK_BYTES - 1);
     isOpen_ = true;

@@ -18,7 +18,8 @@ namespace LumCommon {
 /// destination. A final high surrogate, U+0000 or half unit is held back until more follows; term() writes the first
 /// two as they are and drops half a unit. A character that the charset lacks becomes "?"; a wide one (East Asian width)
 /// becomes U+3013 if the charset has that. Half of a surrogate pair becomes U+FFFD, or "?" if the charset lacks that.
-/// Failure: overflow() and sync() report it; exceptions thrown by the destination are caught.
+/// Failure: overflow() and sync() report it; exceptions thrown by the destination are caught. The constructor, init()
+/// and writeRawStream() throw std::bad_alloc; after init() the buffer is then closed.
 /// Threads: one at a time.
 class LUM_API LumKobOStreamBuf : public std::streambuf {
 public:

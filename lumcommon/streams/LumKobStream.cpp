@@ -1,4 +1,7 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/LumKobStream.h>
+
+#include <new>
 
 namespace LumCommon {
 
@@ -19,6 +22,7 @@ bool LumKobStream::detectEncoding(std::istream* source, UnicodeString& name, boo
     context.input = sample;
     try {
         source->read(sample, sampleBytes);
+        if (source->bad()) return false;  // a shorter sample could be taken for another charset
         context.inputAvailable = static_cast<unsigned>(source->gcount());
         source->clear();
         source->seekg(0);
@@ -26,8 +30,11 @@ bool LumKobStream::detectEncoding(std::istream* source, UnicodeString& name, boo
         // The stream is set to throw and cannot be read or sought, so it cannot be read again from the start.
         return false;
     }
-    if (context.inputAvailable == 0 || cconvChkEncode(context) != 1) return false;
-    name = UnicodeString(context.charsetName);
+    if (context.inputAvailable == 0) return false;
+    const int result = cconvChkEncode(context);
+    if (result == cconvOutOfMemory) throw std::bad_alloc();
+    if (result != 1) return false;
+    name = detail::fromUtf8(context.charsetName);
     bom = context.hasMark;
     return true;
 }

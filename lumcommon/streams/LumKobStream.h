@@ -22,10 +22,11 @@ public:
     bool is_open() const noexcept { return buffer_.is_open(); }
 
     /// Recognises the charset of a stream from its first 2048 bytes. The stream's error state is cleared and its
-    /// position set to the start, whatever the result.
+    /// position set to the start, whatever the result; but one that turns bad stays so, and gives false.
     /// @param name  receives the charset's name, in the form that LumKobStreamBuf::init() takes.
     /// @param bom   receives whether there is a byte order mark.
     /// @return false, with both unchanged, if the stream is null or empty or its charset is not recognised.
+    /// Failure: std::bad_alloc.
     static bool detectEncoding(std::istream* source, UnicodeString& name, bool& bom);
     /// The same for the resource that a URI or local path names. Also false if it cannot be opened. The body is in
     /// uri/open/LumKobStreamUri.cpp, because this folder knows no URIs.

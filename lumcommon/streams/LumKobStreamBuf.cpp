@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/LumKobStream.h>
 #include <lumcommon/streams/LumKobStreamBuf.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
@@ -5,7 +6,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <string>
+#include <utility>
 
 namespace LumCommon {
 
@@ -23,27 +26,29 @@ LumKobStreamBuf::LumKobStreamBuf(std::istream* in, const char* encoding)
     UnicodeString detected;
     bool bom = false;
     if (!LumKobStream::detectEncoding(in, detected, bom)) return;
-    std::string name;
-    init(detected.toUTF8String(name).c_str(), bom);
+    init(detail::utf8Of(detected).c_str(), bom);
 }
 
 LumKobStreamBuf::~LumKobStreamBuf() { term(); }
 
 bool LumKobStreamBuf::init(const char* encoding, bool bom) {
     term();
+    allocateBlock();
+    auto input = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
     CConvOptions options;
     options.sourceHasMark = bom;
-    if (cconvInitConvert(context_, options, "UTF-16") != 0 ||
-        cconvChgCharset(context_, options, getLibraryName(encoding)) != 0) {
+    int result = cconvInitConvert(context_, options, "UTF-16");
+    if (result == 0) result = cconvChgCharset(context_, options, getLibraryName(encoding));
+    if (result != 0) {
         term();
+        if (result == cconvOutOfMemory) throw std::bad_alloc();
         return false;
     }
-    allocateBlock();
-    input_ = std::make_unique_for_overwrite<char[]>(BLOCK_BYTES);
+    input_ = std::move(input);
     context_.input = input_.get();
     context_.inputConsumed = context_.inputAvailable = 0;
     context_.isLastInput = false;
-    hasSourceFailed_ = false;
+    isCutShort_ = false;
     forgetFailure();
     isOpen_ = true;
     return true;
@@ -59,7 +64,7 @@ std::size_t LumKobStreamBuf::refill(std::span<char> room) {
     if (!input_) return 0;
     if (convert(room)) return context_.outputProduced;
     term();
-    if (hasSourceFailed_) fail();
+    if (isCutShort_) fail();
     return 0;
 }
 
@@ -85,9 +90,9 @@ void LumKobStreamBuf::fill() noexcept {
     } catch (...) {
         // A source that throws ends there.
         context_.isLastInput = true;
-        hasSourceFailed_ = true;
+        isCutShort_ = true;
     }
-    if (context_.isLastInput && in_ && detail::isBroken(*in_)) hasSourceFailed_ = true;
+    if (context_.isLastInput && in_ && detail::isBroken(*in_)) isCutShort_ = true;
     context_.inputConsumed = 0;
     context_.inputAvailable = static_cast<unsigned>(filled);
 }
@@ -99,7 +104,8 @@ bool LumKobStreamBuf::convert(std::span<char> room) noexcept {
     context_.outputCapacity = static_cast<unsigned>(room.size());
     do {
         fill();
-        if (cconvConvert(context_) != 0 || context_.status == 1) return false;
+        if (cconvConvert(context_) != 0) isCutShort_ = true;
+        if (context_.status == 1) return false;
     } while (context_.outputProduced == 0);
     return true;
 }

@@ -16,7 +16,7 @@ namespace LumCommon {
 /// Malformed bytes are delivered as U+FFFD. Line ends are left as they are. The last 16 bytes delivered can be put
 /// back. The source is read in blocks of 4096 bytes, so its position is usually ahead of what has been delivered.
 /// Failure: a source that fails or throws ends the text there; hasFailed() and the badbit of a LumKobStream tell so.
-/// Threads: one at a time.
+/// The constructors and init() throw std::bad_alloc; the buffer is then closed. Threads: one at a time.
 class LUM_API LumKobStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param in        the source; not owned, must stay alive until the last read. Null reads like an empty stream.
@@ -50,7 +50,7 @@ private:
     CConvContext context_;
     std::unique_ptr<char[]> input_;  // null: the conversion has ended
     bool isOpen_ = false;
-    bool hasSourceFailed_ = false;
+    bool isCutShort_ = false;  // the text ended for another reason than its end
 };
 
 }  // namespace LumCommon

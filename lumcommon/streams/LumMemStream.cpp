@@ -13,8 +13,11 @@ namespace LumCommon {
 using detail::readBytes;
 
 LumMemStreamBuf::LumMemStreamBuf(std::istream* source, unsigned growBytes, bool ownSource)
+    : LumMemStreamBuf(MaybeOwned<std::istream>(source, ownSource), growBytes) {}
+
+LumMemStreamBuf::LumMemStreamBuf(MaybeOwned<std::istream> source, unsigned growBytes)
     : growBytes_(growBytes == 0 ? defaultGrowBytes : growBytes) {
-    if (source) sources_.emplace_back(source, ownSource);
+    if (source) sources_.push_back(std::move(source));
 }
 
 LumMemStreamBuf::LumMemStreamBuf(const LumMemStreamBuf& other)
@@ -110,8 +113,10 @@ void LumMemStreamBuf::fillFromSources() {
     while (!sources_.empty() && lastBlockFill_ < growBytes_) {
         std::istream& source = *sources_.front();
         lastBlockFill_ += readBytes(source, {blocks_.back().get() + lastBlockFill_, growBytes_ - lastBlockFill_});
+        if (lastBlockFill_ == growBytes_) break;
         // A short read means that the source has ended or failed; it would not yield anything more.
-        if (lastBlockFill_ < growBytes_) dropFrontSource();
+        if (detail::isBroken(source)) hasFailed_ = true;
+        dropFrontSource();
     }
 }
 
@@ -127,8 +132,9 @@ void LumMemStreamBuf::setGrowBytes(unsigned growBytes) noexcept {
 
 void LumMemStreamBuf::setSource(std::istream* source, bool own) {
     if (!source) return;
+    MaybeOwned<std::istream> taken(source, own);
     flushBuffer();
-    sources_.emplace_back(source, own);
+    sources_.push_back(std::move(taken));
     // A reader at the end of a full block gets the new bytes when it asks for the next block, which is soon enough.
     if (blocks_.empty() || lastBlockFill_ == growBytes_) return;
     fillFromSources();
@@ -155,6 +161,7 @@ void LumMemStreamBuf::remove() {
     setp(nullptr, nullptr);
     while (!sources_.empty()) dropFrontSource();
     lastBlockFill_ = 0;
+    hasFailed_ = false;
     if (blocks_.empty()) return;
     blocks_.resize(1);
     pubseekpos(0);
@@ -218,7 +225,9 @@ LumMemStreamBuf::int_type LumMemStreamBuf::underflow() {
             setGetArea(blocks_.size() - 1, 0);
         }
     }
-    return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
+    if (gptr() != egptr()) return traits_type::to_int_type(*gptr());
+    if (hasFailed_ && stream_) stream_->setstate(std::ios_base::badbit);
+    return traits_type::eof();
 }
 
 LumMemStreamBuf::int_type LumMemStreamBuf::pbackfail(int_type c) {
@@ -453,19 +462,29 @@ void LumMemStreamBuf::seekEOL() {
 // The stream.
 
 LumMemStream::LumMemStream(std::istream* source, unsigned growBytes, bool ownSource)
-    : std::iostream(nullptr), buffer_(source, growBytes, ownSource) {
+    : LumMemStream(MaybeOwned<std::istream>(source, ownSource), growBytes) {}
+
+LumMemStream::LumMemStream(MaybeOwned<std::istream> source, unsigned growBytes)
+    : std::iostream(nullptr), buffer_(std::move(source), growBytes) {
     std::iostream::rdbuf(&buffer_);
+    buffer_.tellFailuresTo(this);
 }
 
 LumMemStream::LumMemStream(LumMemStream& other)
     : std::basic_ios<char>(), std::iostream(nullptr), buffer_(other.buffer_) {
     std::iostream::rdbuf(&buffer_);
+    buffer_.tellFailuresTo(this);
     if (other.buffer_.length() == 0) return;
     // Ask the buffers directly: asking a stream that has reached its end would make it fail.
     const pos_type read = other.buffer_.pubseekoff(0, cur, in);
     const pos_type put = other.buffer_.pubseekoff(0, cur, out);
     other.buffer_.pubseekpos(0, in);
-    buffer_ << &other.buffer_;
+    try {
+        buffer_ << &other.buffer_;
+    } catch (...) {
+        other.buffer_.pubseekpos(read, in);
+        throw;
+    }
     other.buffer_.pubseekpos(read, in);
     if (other.fail()) return;
     buffer_.pubseekpos(read, in);

@@ -24,7 +24,8 @@ namespace LumCommon {
 ///
 /// Positions count bytes from the start of the first block. Reading and writing have separate positions.
 /// Failure: running out of memory throws std::bad_alloc, which a stream over the buffer turns into badbit; no other
-/// errors are raised. A source that fails or throws counts as ended.
+/// errors are raised, and what the buffer holds stays. A source that fails or throws has ended; at the end of the data
+/// hasFailed() and the badbit of a LumMemStream then tell so.
 /// Threads: one at a time; there is no lock.
 class LUM_API LumMemStreamBuf : public std::streambuf {
 public:
@@ -32,7 +33,9 @@ public:
 
     /// @param source     the first source; null for none. Nothing is read yet.
     /// @param growBytes  the size of a block in bytes; 0 stands for the default.
-    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction.
+    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction; also when
+    /// this
+    ///                   throws.
     explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
                              bool ownSource = false);
     /// An empty buffer with the block size and the keepMemory setting of `other`; its content is not copied.
@@ -47,6 +50,12 @@ public:
     void setKeepMemory(bool keepMemory) noexcept { keepMemory_ = keepMemory; }
     bool getKeepMemory() const noexcept { return keepMemory_; }
 
+    /// Whether a source broke: the content is not all there was. remove() forgets it.
+    bool hasFailed() const noexcept { return hasFailed_; }
+    /// Names the stream over this buffer whose badbit is to tell of that, too, when its reader reaches the end; null:
+    /// none. A LumMemStream names itself. It is not owned, and must live as long as it is named.
+    void tellFailuresTo(std::ios* stream) noexcept { stream_ = stream; }
+
     /// The size of a block in bytes.
     unsigned getGrowBytes() const noexcept { return growBytes_; }
     /// Changes the size of a block. Ignored once there is a block, and for 0.
@@ -54,8 +63,11 @@ public:
 
     /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
     /// and a reader at its end sees the new bytes.
-    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction.
+    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
+    /// throws.
     void setSource(std::istream* source, bool own);
+    /// Whether a source has ended because it is broken: what the buffer holds is not all there is.
+    bool hasFailed() const noexcept { return hasFailed_; }
 
     /// The number of bytes. Cost: reads every source to its end.
     std::size_t length();
@@ -114,6 +126,9 @@ public:
     pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in | std::ios_base::out) override;
 
 private:
+    friend class LumMemStream;
+    LumMemStreamBuf(MaybeOwned<std::istream> source, unsigned growBytes);
+
     void appendBuffer(bool fresh);
     void recycleFrontBlock();
     void fillFromSources();
@@ -140,6 +155,8 @@ private:
         sources_;  // the front one is read first; none waits while the last block has room
     unsigned growBytes_;
     bool keepMemory_ = true;
+    bool hasFailed_ = false;
+    std::ios* stream_ = nullptr;
 };
 
 /// A stream for reading and writing with its own LumMemStreamBuf.
@@ -160,6 +177,8 @@ public:
     LumMemStreamBuf* rdbuf() const noexcept { return const_cast<LumMemStreamBuf*>(&buffer_); }
 
 private:
+    LumMemStream(MaybeOwned<std::istream> source, unsigned growBytes);
+
     LumMemStreamBuf buffer_;
 };
 

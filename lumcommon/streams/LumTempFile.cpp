@@ -1,6 +1,8 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMutex.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
+#include <lumcommon/streams/LumCustomStreamBuf.h>
 #include <lumcommon/streams/LumTempFile.h>
 #include <lumcommon/streams/detail/RawInflater.h>
 #include <lumcommon/streams/detail/StreamReading.h>
@@ -14,8 +16,8 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <ostream>
+#include <utility>
 
 namespace LumCommon {
 namespace {
@@ -69,13 +71,16 @@ bool mayExist(const char* path) {
 
 [[noreturn]] void throwCannotCreate(const std::string& path, const char16_t* reason) {
     throwCommonError(LumErrorCodeIO::CannotCreateTempFile, LumCommonErrorSource::TempFile,
-                     detail::fromPlatformText(path.c_str()) + reason);
+                     detail::joined(detail::fromPlatformText(path.c_str()), reason));
 }
+
+/// Creates a file that was not there, for its owner alone; -1 if it cannot be created. A link that somebody puts there
+/// in the meantime does not lead to another file.
+int openNew(const char* path) noexcept { return open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); }
 
 /// Checks that a file of this name can be created and removed. False if it cannot be created; errno says why.
 bool tryName(const std::string& path) {
-    // Exclusive: a link that somebody puts there in the meantime must not lead us to another file.
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const int fd = openNew(path.c_str());
     if (fd < 0) return false;
     const bool isRemoved = LumTempFile::removeTempFile(path.c_str());
     close(fd);
@@ -100,14 +105,53 @@ std::string findFreePath(const char* dir, const char* prefix, const char* suffix
     throwCannotCreate(path, u" (cannot create)\n");
 }
 
+/// The file of a name that anybody can guess, opened for writing: a new one for its owner alone, or one that is there,
+/// emptied, but only when it is a plain file of this user. A link that somebody has put in its place would lead the
+/// bytes, or the emptying, to another file.
+class OwnFile final : public LumCustomStreamController {
+public:
+    explicit OwnFile(const char* path) : fd_(openNew(path)) {
+        if (fd_ < 0 && errno == EEXIST) fd_ = openEmptied(path);
+    }
+    OwnFile(const OwnFile&) = delete;
+    OwnFile& operator=(const OwnFile&) = delete;
+    ~OwnFile() override { close(); }
+
+    bool isOpen() const noexcept { return fd_ >= 0; }
+    /// False if what was written may not be there.
+    bool close() noexcept { return fd_ < 0 || ::close(std::exchange(fd_, -1)) == 0; }
+    int read(char*, int) override { return -1; }
+    int write(const char* bytes, int count) override {
+        for (int written = 0; written < count;) {
+            const ssize_t result = ::write(fd_, bytes + written, static_cast<std::size_t>(count - written));
+            if (result < 0 && errno != EINTR) return written;
+            if (result > 0) written += static_cast<int>(result);
+        }
+        return count;
+    }
+
+private:
+    static int openEmptied(const char* path) noexcept {
+        int fd = open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        struct stat status {};
+        if (fd >= 0 && (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
+                        status.st_nlink != 1 || ftruncate(fd, 0) != 0)) {
+            ::close(std::exchange(fd, -1));
+        }
+        return fd;
+    }
+
+    int fd_;
+};
+
 }  // namespace
 
-UnicodeString stGetTempDirectory() { return detail::fromPlatformText(tempDirectory().c_str()); }
+UnicodeString stGetTempDirectory() { return detail::fromPlatformPath(tempDirectory()); }
 
 UnicodeString LumTempFile::getTempDirectory() { return stGetTempDirectory(); }
 
 UnicodeString LumTempFile::getTempFile(const char* dir, const char* prefix, const char* suffix) {
-    return detail::fromPlatformText(findFreePath(dir, prefix, suffix).c_str());
+    return detail::fromPlatformPath(findFreePath(dir, prefix, suffix));
 }
 
 LumTempFile::LumTempFile(const char* dir, const char* prefix, const char* suffix) {
@@ -119,8 +163,9 @@ LumTempFile::~LumTempFile() {
 }
 
 void LumTempFile::hold(const std::string& path) {
-    fileName_ = detail::fromPlatformText(path.c_str());
+    UnicodeString fileName = detail::fromPlatformPath(path);
     path_ = path;
+    fileName_.swap(fileName);
 }
 
 void LumTempFile::setFileName(const char* name) {
@@ -158,11 +203,12 @@ bool LumTempFile::removeTempFile(const char* path) {
 
 bool LumTempFile::inflate(const unsigned char* data, std::size_t length) const {
     if (!isTempFile()) return false;
-    std::ofstream out(path_, std::ios_base::binary | std::ios_base::trunc);
-    if (!out.is_open()) return false;
+    OwnFile file(path_.c_str());
+    if (!file.isOpen()) return false;
+    LumCustomStreamBuf buffer(&file);
+    std::ostream out(&buffer);
     const bool isComplete = inflate(out, data, length);
-    out.close();
-    return isComplete && out.good();
+    return out.flush() && file.close() && isComplete;
 }
 
 bool LumTempFile::inflate(std::ostream& out, const unsigned char* data, std::size_t length) {

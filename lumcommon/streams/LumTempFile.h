@@ -58,10 +58,12 @@ public:
     /// Failure: LumError 0x100E if no file can be created in 100 attempts, or one that was created cannot be removed.
     static UnicodeString getTempFile(const char* dir, const char* prefix, const char* suffix);
 
-    /// Inflates `length` bytes of raw deflate data (RFC 1951) into the file held, which is truncated first.
+    /// Inflates `length` bytes of raw deflate data (RFC 1951) into the file held, which is truncated first. A new file
+    /// is created for its owner alone (rights 0600). One that is there is used only if it is a plain file of this user
+    /// under one name and no link: anybody can guess the name of a temporary file and put something in its place.
     /// @return false if no file is held, it cannot be written, or the data are null, corrupt or truncated; the file may
     /// then hold a part of them.
-    /// Memory: constant.
+    /// Failure: std::bad_alloc, with the same left behind.   Memory: constant.
     [[nodiscard]] bool inflate(const unsigned char* data, std::size_t length) const;
     /// The same into a stream.
     [[nodiscard]] static bool inflate(std::ostream& out, const unsigned char* data, std::size_t length);

@@ -12,12 +12,20 @@ namespace LumCommon {
 int cconvInitConvert(CConvContext& context, const CConvOptions& options, const char* toCharset) noexcept {
     cconvTermConvert(context);
     context.status = 0;
-    context.conversion = new (std::nothrow) detail::CharsetConversion;
-    return context.conversion && context.conversion->setTarget(toCharset, options) ? 0 : -1;
+    try {
+        context.conversion = new detail::CharsetConversion;
+        return context.conversion->setTarget(toCharset, options) ? 0 : -1;
+    } catch (const std::bad_alloc&) {
+        return cconvOutOfMemory;
+    }
 }
 
 int cconvChgCharset(CConvContext& context, const CConvOptions& options, const char* fromCharset) noexcept {
-    return context.conversion && context.conversion->setSource(fromCharset, options) ? 0 : -1;
+    try {
+        return context.conversion && context.conversion->setSource(fromCharset, options) ? 0 : -1;
+    } catch (const std::bad_alloc&) {
+        return cconvOutOfMemory;
+    }
 }
 
 int cconvConvert(CConvContext& context) noexcept {
@@ -30,7 +38,12 @@ int cconvChkEncode(CConvContext& context) noexcept {
     context.charsetName[0] = '\0';
     context.hasMark = false;
     if (!context.input) return 0;
-    const detail::CharsetGuess guess = detail::guessCharset({context.input, context.inputAvailable});
+    detail::CharsetGuess guess;
+    try {
+        guess = detail::guessCharset({context.input, context.inputAvailable});
+    } catch (const std::bad_alloc&) {
+        return cconvOutOfMemory;
+    }
     if (!guess.name || std::strlen(guess.name) >= sizeof context.charsetName) return 0;
     std::strcpy(context.charsetName, guess.name);
     context.hasMark = guess.hasMark;

@@ -18,6 +18,9 @@ namespace detail {
 class CharsetConversion;
 }
 
+/// Returned by these functions when memory runs out, where any other value would be a statement about the charset.
+inline constexpr int cconvOutOfMemory = -2;
+
 /// What line ends (CR LF, CR, LF) are converted to; other separators stay as they are.
 enum class CConvLineEnds : int {
     toCrLf = 0,
@@ -68,12 +71,14 @@ struct CConvContext {
 };
 
 /// Prepares a conversion into a charset.
-/// @return 0; another value if the charset is unknown. cconvTermConvert() must be called in either case.
+/// @return 0; another value if the charset is unknown, cconvOutOfMemory if memory runs out. cconvTermConvert() must be
+/// called in either case.
 [[nodiscard]] LUM_API int cconvInitConvert(CConvContext& context, const CConvOptions& options,
                                            const char* toCharset) noexcept;
 
 /// Sets the charset to convert from, and the line ends.
-/// @return 0; another value if the charset is unknown or the context has not been prepared.
+/// @return 0; another value if the charset is unknown or the context has not been prepared, cconvOutOfMemory if memory
+/// runs out.
 [[nodiscard]] LUM_API int cconvChgCharset(CConvContext& context, const CConvOptions& options,
                                           const char* fromCharset) noexcept;
 
@@ -88,7 +93,8 @@ LUM_API int cconvConvert(CConvContext& context) noexcept;
 /// Recognises the charset of the context's input, a sample of up to 2048 bytes that may end inside a character: by a
 /// byte order mark, by escape sequences, as UTF-8, by the zero bytes of UTF-16 markup, else by statistics. Statistics
 /// need enough text: a few words can be mistaken for a similar charset.
-/// @return 1 if it was recognised, with charsetName and hasMark set; otherwise 0, with both cleared.
+/// @return 1 if it was recognised, with charsetName and hasMark set; otherwise 0, or cconvOutOfMemory if memory runs
+/// out, with both cleared.
 LUM_API int cconvChkEncode(CConvContext& context) noexcept;
 
 /// Releases what the conversion holds. The context can be prepared again; calling this twice is harmless.

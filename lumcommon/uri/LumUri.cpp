@@ -13,8 +13,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace LumCommon {
 namespace {
@@ -106,6 +108,31 @@ LumUri::LumUri(const LumUri& base, const UnicodeString& s, URISTRTYPE type) {
 }
 
 LumUri::~LumUri() = default;
+
+LumUri LumUri::fromLocalPath(std::string_view path) {
+    if (path.empty() || path.find('\0') != path.npos) return LumUri();
+    std::error_code error;
+    std::string whole = std::filesystem::absolute(path, error).native();
+    if (error) whole = path;
+    std::string escaped;  // what would be trimmed or decoded
+    for (const char c : whole) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte > 0x20 && c != '%') {
+            escaped += c;
+            continue;
+        }
+        constexpr char digits[] = "0123456789ABCDEF";
+        escaped.append({'%', digits[byte >> 4], digits[byte & 15]});
+    }
+    const View start = error ? View(u"file:") : View(u"file://");
+    LumUri uri;
+    for (const UnicodeString& text : {detail::fromPlatformPath(escaped), detail::asPlatformBytes(escaped)}) {
+        UnicodeString string = textOf(start);
+        uri = LumUri(append(string, text));
+        if (detail::toPlatformPath(uri.getLocalPath()) == whole) break;
+    }
+    return uri;
+}
 
 UnicodeString LumUri::getLocalPath() const { return LumUriSub::makeLocalPathFromUri(uri_); }
 

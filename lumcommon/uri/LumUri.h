@@ -5,6 +5,7 @@
 #include <lumcommon/streams/LumGzipStream.h>
 
 #include <iosfwd>
+#include <string_view>
 
 namespace LumCommon {
 
@@ -12,8 +13,12 @@ namespace LumCommon {
 class LUM_API LumUriReferenceResolver {
 public:
     virtual ~LumUriReferenceResolver();
-    /// Returns a new stream, which the caller deletes, or null to leave the URI to the library.
+    /// Returns a new stream, which the caller deletes, null to leave the URI to the library, or refusal(). What it
+    /// throws makes the resource one that cannot be opened.
     [[nodiscard]] virtual std::istream* getStream(const UnicodeString& uri) = 0;
+    /// What getStream() returns for a resource that must not be opened: LumUri::getStream() gives null, and an XML
+    /// document that needs the resource is error 0x183A. Not a stream to read from, and not to be deleted.
+    static std::istream* refusal() noexcept;
 };
 
 /// A reference to a resource, held as one normalised string.
@@ -35,6 +40,14 @@ public:
     LumUri& operator=(const LumUri&) = default;
     LumUri& operator=(LumUri&&) noexcept = default;
     virtual ~LumUri();
+
+    /// The URI of a file whose path is known as bytes, whatever these are: names that are not text in the platform's
+    /// encoding too. Its string leads to that file wherever the library takes a URI: toString() for
+    /// LumDocument::load(), say. Nothing in the path is decoded. A relative path is completed by the working directory.
+    /// Bytes that are no text are units U+DC80 to U+DCFF in the string, which no text has; resolving references against
+    /// it keeps them.
+    /// @return an empty URI for an empty path and for one with a zero byte, which names no file.
+    static LumUri fromLocalPath(std::string_view path);
 
     /// The URI string.
     const UnicodeString& toString() const noexcept { return uri_; }
@@ -112,15 +125,20 @@ public:
     ///   it is read.
     /// Any other scheme gives null; LumDataUri gives the parts of a data: URI.
     /// @param contentType   receives the media type of an http: resource, and is emptied for a jar: one; may be null.
-    /// @param errorMessage  receives the message of LumUriStreamBuf, or "Unknown exception" if something threw; may be
-    ///                      null. Other failures leave it unchanged.
+    /// @param errorMessage  receives the message of LumUriStreamBuf, "Unknown exception" if something threw, or
+    /// "Refused"
+    ///                      if the resolver refused it; may be null. Other failures leave it unchanged.
+    /// @param isRefused     receives whether the resolver refused it, or the archive that it is in; may be null.
     /// Ownership: the caller deletes the stream. Null on failure.
     /// Cost: an archive is read up to the data of its last member, or to its end if only that states the sizes of
     /// members; one that is not a local file, or is inside another, is held in memory as far as it is read. See
     /// LumUriStreamBuf for how long a server may take.
+    [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage,
+                                          bool* isRefused) const;
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage) const;
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType = nullptr) const;
-    /// The stream that the installed resolver opens for this URI; null if there is no resolver. The caller deletes it.
+    /// The stream that the installed resolver opens for this URI; null if there is no resolver or it refuses. The
+    /// caller deletes it.
     [[nodiscard]] std::istream* getStreamFromResolver() const;
     /// Whether the resource can be opened and begins like gzip data.
     bool isGzip() const;

@@ -42,7 +42,7 @@ private:
             return;
         }
         const LumNamedValue& entry = entries[top.next++];
-        if (top.hasItems) text_.append(u"; ");
+        if (top.hasItems) append(text_, u"; ");
         top.hasItems = true;
         if (entry.getName().isNull()) {
             append(text_, u'.');

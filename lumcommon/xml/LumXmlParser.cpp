@@ -1,5 +1,6 @@
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/LumXmlParser.h>
+#include <lumcommon/xml/detail/ExternalDtd.h>
 #include <lumcommon/xml/detail/MathMLEntities.h>
 
 #include <iterator>
@@ -16,6 +17,10 @@ constexpr const char16_t* eventNames[] = {
 
 bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
 
+void LumXmlParser::setLimits(const LumXmlLimits&) {}
+
+LumXmlLimits LumXmlParser::getLimits() const { return {}; }
+
 UnicodeString LumXmlParser::getEventTypeStr(int eventType) {
     if (eventType < 0 || eventType >= static_cast<int>(std::size(eventNames))) return UnicodeString();
     return eventNames[eventType];
@@ -24,5 +29,20 @@ UnicodeString LumXmlParser::getEventTypeStr(int eventType) {
 UnicodeString LumXmlParser::getMathMLEntity(const UnicodeString& name) {
     return detail::textOf(detail::findMathMLEntity(detail::viewOf(name)));
 }
+
+void LumXmlParser::setUntrusted() {
+    setFeature(FEATURE_NO_EXTERNAL, true);
+    setLimits(LumXmlLimits::untrusted());
+}
+
+void LumXmlParser::clearDefinitionCache() { detail::ExternalDtdCache::clear(); }
+
+std::size_t LumXmlParser::getDefinitionCacheLimit() { return detail::ExternalDtdCache::limitBytes(); }
+
+std::size_t LumXmlParser::setDefinitionCacheLimit(std::size_t bytes) {
+    return detail::ExternalDtdCache::setLimitBytes(bytes);
+}
+
+std::size_t LumXmlParser::getDefinitionCacheSize() { return detail::ExternalDtdCache::sizeBytes(); }
 
 }  // namespace LumCommon

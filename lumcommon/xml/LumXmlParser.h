@@ -2,7 +2,9 @@
 
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/LumXmlLimits.h>
 
+#include <cstddef>
 #include <iosfwd>
 
 namespace LumCommon {
@@ -22,19 +24,26 @@ class LumError;
 /// whether or not a callback is installed: its stream has badbit set, or its buffer has thrown, or is a
 /// LumRefillStreamBuf that has failed (a connection that breaks, a body shorter than announced, damaged gzip data).
 /// This also holds for external entities and the external DTD, but not where a feature forgives what goes wrong in
-/// them. A stream that merely has failbit set has ended. Positions: line and column of the furthest character read so
-/// far, which may lie a character or two after the event, as telling its end takes looking ahead. Lines count from 1;
-/// the column is the number of characters read on the line. Replacement text of entities does not count, nor do the
-/// first characters of an input where they served to recognise its encoding. Encodings: a byte order mark tells what
-/// the bytes are. They are read by it even where the document, the text declaration of an external entity or the caller
-/// names a charset that needs a converter (windows-1252, say), as converting would only spoil them. Without a mark the
-/// zero bytes of UTF-16 and UTF-32 overrule such a declaration, but not the caller. An XML declaration after a mark
-/// that names another one of the built-in encodings is a conflict, error 0x1839. With a mark too, an unknown name is
-/// error 0x1835, and so is every name that is not built in when FEATURE_BUILTIN_ENCODINGS_ONLY is on. Characters:
-/// U+FFFF is error 0x1834 wherever it stands: in text, CDATA sections, comments, processing instructions, values and
-/// other literals. Everything else is let through as it is, U+FFFE, control characters and halves of surrogate pairs
-/// included; only a character reference must name a character of XML (error 0x1833). Borrowed references (texts,
-/// values) are valid until the next call of next(), nextToken() or setInput(). Threads: one at a time.
+/// them. A stream that merely has failbit set has ended.
+///
+/// Positions: line and column of the furthest character read so far, which may lie a character or two after the
+/// event, as telling its end takes looking ahead. Lines count from 1; the column is the number of characters read on
+/// the line. One that an int does not hold is told as the greatest int, and as it is in messages. Replacement text of
+/// entities does not count, nor do the first characters of an input where they served to recognise its encoding.
+///
+/// Encodings: a byte order mark tells what the bytes are. They are read by it even where the document, the text
+/// declaration of an external entity or the caller names a charset that needs a converter (windows-1252, say), as
+/// converting would only spoil them. Without a mark the zero bytes of UTF-16 and UTF-32 overrule such a declaration,
+/// but not the caller. An XML declaration after a mark that names another one of the built-in encodings is a conflict,
+/// error 0x1839. With a mark too, an unknown name is error 0x1835, and so is every name that is not built in when
+/// FEATURE_BUILTIN_ENCODINGS_ONLY is on.
+///
+/// Characters: U+FFFF is error 0x1834 wherever it stands: in text, CDATA sections, comments, processing instructions,
+/// values and other literals. Everything else is let through as it is, U+FFFE, control characters and halves of
+/// surrogate pairs included; only a character reference must name a character of XML (error 0x1833).
+///
+/// Borrowed references (texts, values) are valid until the next call of next(), nextToken() or setInput().
+/// Threads: one at a time.
 class LUM_API LumXmlParser : public LumRCObject {
 public:
     static constexpr unsigned int TYPE_ID = 0x07416767u;
@@ -54,6 +63,10 @@ public:
     };
 
     /// All features are off in a new parser; other values are ignored and read as false.
+    /// With FEATURE_NO_EXTERNAL the parser reads the document that it is given and nothing else: an external entity
+    /// that is referred to, general or parameter, and the external DTD are error 0x183A, even where the process keeps
+    /// the definitions of that DTD. The built-in entities of MathML are not external. A DTD that another feature skips
+    /// or whose errors it forgives is left out without an error, as is a parameter entity whose errors are forgiven.
     enum Feature : int {
         FEATURE_SKIP_EXTERNAL_DTD = 0,            ///< the external DTD is not read
         FEATURE_IGNORE_UNDEFINED_ENTITIES = 1,    ///< an undefined entity is empty text
@@ -61,6 +74,7 @@ public:
         FEATURE_IGNORE_EXTERNAL_DTD_ERRORS = 3,   ///< an error ends the external DTD; what stood before it holds
         FEATURE_IGNORE_UNSUPPORTED_ENCODING = 4,  ///< bytes in an unknown encoding are read as they are
         FEATURE_BUILTIN_ENCODINGS_ONLY = 5,       ///< any encoding but the built-in ones is an error
+        FEATURE_NO_EXTERNAL = 7,                  ///< nothing that the document names is opened
     };
 
     bool isA(unsigned int typeId) const override;
@@ -69,6 +83,24 @@ public:
     static UnicodeString getEventTypeStr(int eventType);
     /// The replacement text of a MathML 2.0 entity; empty for an unknown name.
     static UnicodeString getMathMLEntity(const UnicodeString& name);
+
+    /// What external DTDs declare is kept for the whole process, so that each is read once: under the URI in one form
+    /// however it is written, for a file the path without links and relative parts. A DTD that has changed is not read
+    /// again unless clearDefinitionCache() lets go of what is kept; neither a resolver nor the file system is then
+    /// asked. Threads: any.
+    static void clearDefinitionCache();
+    static constexpr std::size_t unlimitedDefinitions = static_cast<std::size_t>(-1);
+    /// How many bytes of definitions are kept at most: those that were not used for longest go. No limit at first; with
+    /// 0 none are kept.
+    static std::size_t getDefinitionCacheLimit();
+    /// Sets it, which may let go of some at once, and returns the limit before.
+    static std::size_t setDefinitionCacheLimit(std::size_t bytes);
+    /// How many bytes are kept: of names, values and the tables that hold them.
+    static std::size_t getDefinitionCacheSize();
+
+    /// For documents from strangers: FEATURE_NO_EXTERNAL and the limits LumXmlLimits::untrusted(). They hold for all
+    /// documents that this parser opens from then on; each can be changed afterwards.
+    void setUntrusted();
 
     virtual void setFeature(Feature feature, bool value) = 0;
     virtual bool getFeature(Feature feature) const = 0;
@@ -85,8 +117,9 @@ public:
     /// 0x1835 for an unknown encoding, before the stream is looked at.
     virtual void setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// The same for a resource that the parser opens, and decompresses when it is compressed with gzip. An empty base
-    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened; an unknown
-    /// encoding is told first.
+    /// is replaced by the directory of an absolute URI. Errors: also 0x1003 when it cannot be opened, and 0x183A when
+    /// the resolver refuses it (LumUriReferenceResolver::refusal()), which no callback can accept; an unknown encoding
+    /// is told first.
     virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
     /// Lets go of the input; streams that the parser opened are closed. Position, base and encoding that are told from
     /// then on are those of the document, also when an external entity was being read.
@@ -152,6 +185,12 @@ public:
     /// Whether the document read so far is XHTML or HTML: by its document kind, its root, or its stream type.
     virtual bool isXhtmlType() const = 0;
     virtual bool isHtmlType() const = 0;
+
+    /// The limits of the documents that follow, from the next setInput() on. A parser of another class may have none:
+    /// it then ignores them.
+    virtual void setLimits(const LumXmlLimits& limits);
+    /// Those that were set, else the defaults.
+    virtual LumXmlLimits getLimits() const;
 };
 
 }  // namespace LumCommon

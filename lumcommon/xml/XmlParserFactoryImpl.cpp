@@ -6,10 +6,10 @@ namespace LumCommon {
 LumPtr<LumXmlParser> makeXmlParser() { return LumPtr<LumXmlParser>(new XmlParserImpl); }
 
 LumPtr<LumXmlParser> makeClosedXmlParser() {
-    LumPtr<XmlParserImpl> parser(new XmlParserImpl);
+    LumPtr<LumXmlParser> parser = makeXmlParser();
     parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);
-    parser->refuseExternalInputs();
-    return LumPtr<LumXmlParser>(parser.get());
+    parser->setFeature(LumXmlParser::FEATURE_NO_EXTERNAL, true);
+    return parser;
 }
 
 }  // namespace LumCommon

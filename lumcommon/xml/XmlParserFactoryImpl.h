@@ -8,7 +8,7 @@ namespace LumCommon {
 LumPtr<LumXmlParser> makeXmlParser();
 
 /// A parser for documents that must not reach outside of themselves, as they come with a file from a stranger: it skips
-/// the external DTD, and an external entity is one that cannot be opened (error 0x1003 for files, else empty).
+/// the external DTD, and an external entity that is referred to is error 0x183A.
 LumPtr<LumXmlParser> makeClosedXmlParser();
 
 }  // namespace LumCommon

@@ -9,20 +9,26 @@ using Declaration = detail::MarkupReader::Declaration;
 using detail::TokenKind;
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    parts_.inputs.open(prepareInput(encoding), &in, false, UnicodeString(), baseUri);
+    parts_.inputs.open(prepareInput(encoding), in, baseUri);
 }
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) {
-    if (parts_.inputs.open(prepareInput(encoding), uri, baseUri)) return;
-    throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
+    switch (parts_.inputs.open(prepareInput(encoding), uri, baseUri)) {
+        case detail::InputStack::Opening::Done:
+            return;
+        case detail::InputStack::Opening::Refused:
+            parts_.errors.raiseRefused(uri);
+        default:
+            throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
+    }
 }
 
 std::unique_ptr<detail::XmlInput> XmlParserImpl::prepareInput(const UnicodeString& encoding) {
     auto input = std::make_unique<detail::XmlInput>();
     parts_.inputs.close();
-    parts_.reset();
-    tags_.reset();
-    isDocTypeSeen_ = false;
+    parts_.reset(limits_);
+    tags_.reset(limits_);
+    isDocTypeSeen_ = isCutOff_ = false;
     parts_.declarations.setEncoding(*input, encoding);
     return input;
 }
@@ -133,13 +139,57 @@ void XmlParserImpl::readDocType() {
     if (isDocTypeSeen_) parts_.errors.report(XmlError::SecondDocType);
     const detail::ExternalId id = parts_.definitions.readDocType();
     tags_.bindDocType(id.publicId);
-    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) {
-        detail::addExternalDtd(parts_.entities, id.systemId, getBaseUri(), parts_.policy.forgivesExternalDtdErrors());
-    }
+    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) addExternalDtd(id.systemId);
     isDocTypeSeen_ = true;
 }
 
-LumXmlParser::EventType XmlParserImpl::nextToken() { return readEvent(false); }
+void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
+    const detail::ExternalDtdSource source(systemId, getBaseUri());
+    if (source.isBuiltIn()) {
+        parts_.entities.addMathML();
+    } else if (parts_.policy.opensExternals()) {
+        try {
+            source.declareIn(parts_.entities, parts_.policy.forgivesExternalDtdErrors(), parts_.meter);
+        } catch (const LumError&) {
+            if (parts_.meter.isExceeded()) cutOff();
+            throw;
+        }
+    } else if (!parts_.policy.forgivesExternalDtdErrors()) {
+        parts_.errors.report(XmlError::ExternalRefused, source.uri());
+    }
+}
+
+LumXmlParser::EventType XmlParserImpl::nextToken() {
+    try {
+        return readEvent(false);
+    } catch (const detail::LimitExceeded& limit) {
+        return endAtLimit(limit.code);
+    }
+}
+
+LumXmlParser::EventType XmlParserImpl::endDocument() {
+    parts_.event.next = TokenKind::Unknown;
+    parts_.event.type = END_DOCUMENT;
+    closeStream();
+    return END_DOCUMENT;
+}
+
+void XmlParserImpl::cutOff() {
+    isCutOff_ = true;
+    parts_.event.text.clear();
+    parts_.event.setTextStart(0);
+    endDocument();
+}
+
+LumXmlParser::EventType XmlParserImpl::endAtLimit(XmlError::Code code) {
+    // However the error is taken, nothing more is read.
+    struct End {
+        XmlParserImpl& parser;
+        ~End() { parser.cutOff(); }
+    } const end{*this};
+    parts_.errors.report(code);
+    return END_DOCUMENT;
+}
 
 LumXmlParser::EventType XmlParserImpl::readEvent(bool isTextPending) {
     parts_.event.dropToken();
@@ -156,11 +206,8 @@ LumXmlParser::EventType XmlParserImpl::readEvent(bool isTextPending) {
         }
         if (readToken(isTextPending)) return parts_.event.type;
     }
-    if (getDepth() > 0) parts_.errors.report(XmlError::MissingEndTag);
-    parts_.event.next = TokenKind::Unknown;
-    parts_.event.type = END_DOCUMENT;
-    closeStream();
-    return END_DOCUMENT;
+    if (getDepth() > 0 && !isCutOff_) parts_.errors.report(XmlError::MissingEndTag);
+    return endDocument();
 }
 
 bool XmlParserImpl::endsText(TokenKind following) {
@@ -191,10 +238,14 @@ inline bool XmlParserImpl::readPlainEvent(bool& isTextPending) {
 }
 
 LumXmlParser::EventType XmlParserImpl::next() {
-    parts_.event.text.clear();
-    bool isTextPending = false;
-    // Nearly always a tag follows a tag, or text does that the next tag ends.
-    return readPlainEvent(isTextPending) ? parts_.event.type : readJoinedEvent(isTextPending);
+    try {
+        parts_.event.text.clear();
+        bool isTextPending = false;
+        // Nearly always a tag follows a tag, or text does that the next tag ends.
+        return readPlainEvent(isTextPending) ? parts_.event.type : readJoinedEvent(isTextPending);
+    } catch (const detail::LimitExceeded& limit) {
+        return endAtLimit(limit.code);
+    }
 }
 
 LumXmlParser::EventType XmlParserImpl::readJoinedEvent(bool isTextPending) {

@@ -7,6 +7,9 @@
 #include <lumcommon/xml/detail/StreamType.h>
 #include <lumcommon/xml/detail/TagReader.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace LumCommon {
 
 /// The parser: the interface over its parts, and the order of events.
@@ -25,8 +28,6 @@ public:
     bool isA(unsigned int typeId) const override { return typeId == TYPE_ID || LumXmlParser::isA(typeId); }
     UnicodeString getTypeName() const override { return u"XmlParserImpl"; }
 
-    /// From now on no external entity can be opened.
-    void refuseExternalInputs() noexcept { parts_.policy.refuseExternalInputs(); }
     void setFeature(Feature feature, bool value) override { parts_.policy.set(feature, value); }
     bool getFeature(Feature feature) const override { return parts_.policy.get(feature); }
     void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) override {
@@ -48,8 +49,8 @@ public:
     LumName getNamespace(LumName prefix) const override { return tags_.lookupNamespace(prefix); }
     int getDepth() const override { return tags_.depth(); }
     UnicodeString getPositionDescription() const override { return parts_.errors.describePosition(); }
-    int getLineNumber() const override { return parts_.inputs.position().line; }
-    int getColumnNumber() const override { return parts_.inputs.position().column; }
+    int getLineNumber() const override { return toInt(parts_.inputs.position().line); }
+    int getColumnNumber() const override { return toInt(parts_.inputs.position().column); }
     bool isWhitespace() const override;
     const UnicodeString& getText() const override { return parts_.eventText(); }
     LumName getNamespace() const override;
@@ -69,6 +70,8 @@ public:
     void addMathMLEntityMap() override { parts_.entities.addMathML(); }
     bool isXhtmlType() const override { return streamType_.isXhtml(tags_.rootName(), tags_.rootNamespace()); }
     bool isHtmlType() const override { return streamType_.isHtml(tags_.rootName(), tags_.rootNamespace()); }
+    void setLimits(const LumXmlLimits& limits) override { limits_ = limits; }
+    LumXmlLimits getLimits() const override { return limits_; }
 
     // The current event without copies: the same answers as the accessors above give, but not checked against the
     // event.
@@ -86,7 +89,13 @@ private:
     std::unique_ptr<detail::XmlInput> prepareInput(const UnicodeString& encoding);  // in place of the one before
     std::size_t checkAttribute(int index, LumCommonErrorSource source) const;
     bool isTag() const noexcept { return parts_.event.type == START_TAG || parts_.event.type == END_TAG; }
+    static int toInt(std::int64_t place) noexcept {
+        return static_cast<int>(std::min<std::int64_t>(place, std::numeric_limits<int>::max()));
+    }
     EventType startDocument();
+    EventType endDocument();
+    void cutOff();
+    EventType endAtLimit(detail::XmlError::Code code);
     // `isTextPending`: next() holds text, which a construct that makes no event joins with the text after it. Such a
     // construct then ends the call and leaves the event as it was, or a tag after it would take the text's place.
     EventType readEvent(bool isTextPending);
@@ -95,12 +104,15 @@ private:
     bool readToken(bool isTextPending);  // false at the end of the input
     bool readDeclaration();              // whether there is an event to report
     void readDocType();
+    void addExternalDtd(const UnicodeString& systemId);
     bool endsText(detail::TokenKind following);
 
+    LumXmlLimits limits_;
     detail::ReaderParts parts_;
     detail::TagReader tags_{parts_.event, parts_.inputs, parts_.names, parts_.literals, parts_.policy, parts_.errors};
     detail::StreamType streamType_;
     bool isDocTypeSeen_ = false;
+    bool isCutOff_ = false;  // by a limit
 };
 
 }  // namespace LumCommon

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -274,7 +275,9 @@ TEST(OleStream, seeks) {
             ASSERT_GE(stream->OLEseek(100, SEEK_SET), 0);
             const long offset = stream->OLEseek(std::stoi(row[1]), std::stoi(row[2]));
             EXPECT_EQ(offset >= 0, row[3] == "yes");
-            const std::size_t at = std::stoul(row[4]);
+            const std::size_t told = std::stoul(row[4]);
+            const bool isTellable = told <= static_cast<std::size_t>(std::numeric_limits<long>::max());
+            const std::size_t at = isTellable ? told : 100;  // where a long has 32 bits, it stays
             EXPECT_EQ(stream->OLEtell(), static_cast<long>(at));
             unsigned char byte = 0;
             EXPECT_EQ(stream->OLEread(&byte, 1), at < data.size() ? 1u : 0u);

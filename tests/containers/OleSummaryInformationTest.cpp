@@ -94,7 +94,7 @@ std::string shown(const std::optional<OlePropertyValue>& value) {
         std::string operator()(std::monostate) const { return "-"; }
         std::string operator()(std::int64_t number) const { return "i" + std::to_string(number); }
         std::string operator()(std::uint64_t number) const { return "u" + std::to_string(number); }
-        std::string operator()(double number) const { return "d" + std::to_string(number); }
+        std::string operator()(double number) const { return "d" + utf8(LumUtil::toString(number)); }
         std::string operator()(bool flag) const { return flag ? "true" : "false"; }
         std::string operator()(const UnicodeString& text) const { return "s" + LumTest::utf8(text); }
         std::string operator()(const OLE_CLSID& id) const {

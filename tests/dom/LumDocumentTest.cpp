@@ -72,6 +72,26 @@ TEST_F(LumDocumentTest, aStreamOrAParserMayBeWhatIsLoaded) {
     EXPECT_EQ(xmlOf(*document), "<a><b/><c/></a>");
 }
 
+TEST_F(LumDocumentTest, itsLimitsHoldForEveryParser) {
+    LumXmlLimits limits;
+    limits.depth = 1;
+    const LumPtr<LumXmlParser> own = LumXmlUtil::createXmlParser();
+    own->setLimits(limits);
+    document->setParser(own.get());
+    EXPECT_EQ(document->getLimits(), limits) << "a parser loses its own";
+    document->setLimits(limits = LumXmlLimits());
+    EXPECT_NO_THROW(document->loadXml(u"<a><b/></a>"));
+    limits.depth = 1;
+    for (const bool isMade : {false, true}) {
+        document->setParser(isMade ? nullptr : LumXmlUtil::createXmlParser().get());
+        document->setLimits(limits);
+        expectError(0x183B, "XML parser error.\nSTART_TAG, Line 1, Col 5.", "LumCommon::XmlParserImpl",
+                    [&] { document->loadXml(u"<a><b/></a>"); });
+        document->setParser(LumXmlUtil::createXmlParser().get());
+        EXPECT_EQ(document->getParser()->getLimits(), limits);
+    }
+}
+
 TEST_F(LumDocumentTest, nullDropsTextsAndWhatACopyWouldMake) {
     derived->dropsText = true;
     derived->loadXml(u"<a>x<d>y</d>z</a>");

@@ -7,6 +7,7 @@
 #include <support/FailingMemory.h>
 #include <support/TempFolder.h>
 #include <support/Utf8.h>
+#include <support/XmlEvents.h>
 
 #include <memory>
 #include <sstream>
@@ -14,35 +15,21 @@
 namespace {
 
 using namespace LumCommon;
-using LumTest::utf8;
-using LumTest::operator""_text;
+using namespace LumTest;
 using Event = LumXmlParser::EventType;
 
-/// The events that next() or nextToken() gives, with all that they carry.
-std::string eventsOf(LumXmlParser& parser, Event (LumXmlParser::*next)()) {
+std::string eventsOf(LumXmlParser& parser, Pull how) {
     std::string told;
-    for (Event event = parser.getEventType(); event != LumXmlParser::END_DOCUMENT;) {
-        event = (parser.*next)();
-        told += std::to_string(event);
-        if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG || event == LumXmlParser::ENTITY_REF) {
-            told += utf8(parser.getNamespace().getString()) + ":" + utf8(parser.getName().getString());
-        } else {
-            told += utf8(parser.getText());
-        }
-        for (int i = 0; i < parser.getAttributeCount(); ++i) {
-            told += utf8(parser.getAttributeNamespace(i).getString()) + " " +
-                    utf8(parser.getAttributeName(i).getString()) + "=" + utf8(parser.getAttributeValue(i));
-        }
-        told += "\n";
+    for (Event event = parser.getEventType(); event != LumXmlParser::END_DOCUMENT; told += describe(parser) + "\n") {
+        event = pull(parser, how);
     }
     return told;
 }
 
-std::string parse(LumXmlParser& parser, const std::string& source, const UnicodeString& encoding,
-                  Event (LumXmlParser::*next)()) {
+std::string parse(LumXmlParser& parser, const std::string& source, const UnicodeString& encoding, Pull how) {
     std::istringstream in(source);
     parser.setInput(in, encoding, u"a/base/uri/that/is/too/long/for/the/string"_text);
-    return eventsOf(parser, next);
+    return eventsOf(parser, how);
 }
 
 const std::string longWords = " and more words than the string object has room for";
@@ -71,10 +58,10 @@ const Row rows[] = {
 TEST(XmlMemory, eventsFailAloud) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        for (Event (LumXmlParser::*const next)() : {&LumXmlParser::next, &LumXmlParser::nextToken}) {
-            LumTest::forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
+        for (const Pull how : {Pull::events, Pull::tokens}) {
+            forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
                 parser->setFeature(LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING, true);
-                return parse(*parser, row.source, row.encoding, next);
+                return parse(*parser, row.source, row.encoding, how);
             });
         }
     }
@@ -82,20 +69,19 @@ TEST(XmlMemory, eventsFailAloud) {
 
 // An external entity or definition is left out.
 TEST(XmlMemory, externalInputsFailAloud) {
-    const LumTest::TempFolder folder;
-    LumTest::writeFile(folder.getPath() + "an-entity-with-a-long-name.xml",
-                       "<?xml encoding='UTF-8'?><x>" + longWords + "</x>");
-    LumTest::writeFile(folder.getPath() + "a.dtd", "<!ENTITY d 'defined" + longWords + "'><!ENTITY o SYSTEM 'o'>");
+    const TempFolder folder;
+    writeFile(folder.getPath() + "an-entity-with-a-long-name.xml", "<?xml encoding='UTF-8'?><x>" + longWords + "</x>");
+    writeFile(folder.getPath() + "a.dtd", "<!ENTITY d 'defined" + longWords + "'><!ENTITY o SYSTEM 'o'>");
     const UnicodeString base = UnicodeString::fromUTF8(folder.getPath());
     const std::string source =
         "<!DOCTYPE a SYSTEM 'a.dtd' [<!ENTITY e SYSTEM 'an-entity-with-a-long-name.xml'>]><a>&e;&d;</a>";
     for (const bool forgives : {false, true}) {
-        LumTest::forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
+        forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
             parser->setFeature(LumXmlParser::FEATURE_IGNORE_EXTERNAL_DTD_ERRORS, forgives);
             std::istringstream in(source);
             parser->setInput(in, {}, base);
             try {
-                return eventsOf(*parser, &LumXmlParser::next) + utf8(parser->getPositionDescription());
+                return eventsOf(*parser, Pull::events) + utf8(parser->getPositionDescription());
             } catch (const LumError& error) {
                 if (error.code != static_cast<unsigned>(LumErrorCodeIO::CannotOpen)) throw;
                 throw std::bad_alloc();
@@ -110,9 +96,9 @@ TEST(XmlMemory, errorsFailAloud) {
          {"<a><" + longName + "></b></a>", "<a>&" + longName + ";</a>", "<a>&#x" + std::string(60, '1') + ";</a>",
           "<" + longName + " a='1' a='2'/>", "<!DOCTYPE a [<!ENTITY " + longName + " " + longName + ">]><a/>"}) {
         SCOPED_TRACE(source);
-        LumTest::forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
+        forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
             try {
-                return parse(*parser, source, {}, &LumXmlParser::next);
+                return parse(*parser, source, {}, Pull::events);
             } catch (const LumError& error) {
                 if ((error.code & 0xFF00u) != 0x1800) throw;
                 return utf8(error.getMessage());

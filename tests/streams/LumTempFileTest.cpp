@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <set>
@@ -151,12 +154,31 @@ TEST(LumTempFile, inflatesIntoTheFile) {
     EXPECT_FALSE(file.inflate(nullptr, 0));
     EXPECT_EQ(readFile(path), "");
     EXPECT_FALSE(LumTempFile().inflate(zlibBytes(data), data.size())) << "there is no file";
-    const std::string fullDisk = folder.getPath() + "full";
-    ASSERT_EQ(symlink("/dev/full", fullDisk.c_str()), 0);
-    LumTempFile unwritable;
-    unwritable.setFileName(fullDisk.c_str());
-    const std::string few = deflated("a few bytes", Wrapper::RAW);
-    EXPECT_FALSE(unwritable.inflate(zlibBytes(few), few.size())) << "a full disk is not noticed";
+    file.remove();
+    const mode_t mask = umask(0);
+    EXPECT_TRUE(file.inflate(zlibBytes(data), data.size()));
+    umask(mask);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600)) << "others can read it";
+    // What somebody else can put in its place leads nowhere.
+    const std::string victim = folder.getPath() + "victim";
+    writeFile(victim, "mine");
+    for (const auto put : {+[](const char*to, const char*at) { return symlink(to, at); },
+                           +[](const char*to, const char*at) { return link(to, at); },
+                           +[](const char*, const char*at) { return mkfifo(at, 0600); }}) {
+        file.remove();
+        ASSERT_EQ(put(victim.c_str(), path.c_str()), 0);
+        EXPECT_FALSE(file.inflate(zlibBytes(data), data.size()));
+        EXPECT_EQ(readFile(victim), "mine");
+    }
+    file.remove();
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{4000, before.rlim_max};
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_FALSE(file.inflate(zlibBytes(data), data.size())) << "a full disk is not noticed";
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, handler);
 }
 
 }  // namespace

@@ -79,7 +79,13 @@ std::optional<std::string> useWithout(const std::function<std::string()>& use, s
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     } catch (const LumCommon::LumError& error) {
-        if (error.code == static_cast<unsigned>(LumCommon::LumErrorCodeLumLIB::OutOfMemory)) return std::nullopt;
+        using LumCommon::LumErrorCodeIO;
+        const auto isCode = [&error](auto code) { return error.code == static_cast<unsigned>(code); };
+        // A stream in which memory ran out is bad, and cannot say why.
+        if (isCode(LumCommon::LumErrorCodeLumLIB::OutOfMemory) || isCode(LumErrorCodeIO::InputFailed) ||
+            isCode(LumErrorCodeIO::OutputFailed)) {
+            return std::nullopt;
+        }
         return "LumError " + std::to_string(error.code);
     } catch (const std::exception& exception) {
         return std::string("exception ") + exception.what();

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <gtest/gtest.h>
+#include <lumcommon/names/LumNameTable.h>
+
+#include <cstddef>
 #include <functional>
 #include <istream>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -20,8 +25,8 @@ struct MemoryLaw {
 };
 
 /// The law of memory, for each allocation of `use`: when it fails, alone or with all after it, `use` still gives what
-/// it gives otherwise or throws std::bad_alloc, or LumError 0x801; then the object gives the same when used again, and
-/// nothing has leaked.
+/// it gives otherwise or throws std::bad_alloc, or LumError 0x801 (0x1006, 0x1007 for a stream that is bad); then the
+/// object gives the same when used again, and nothing has leaked.
 /// @param make  makes what is used, with memory enough; what it returns is destroyed after each round.
 /// @param use   (object&) tells in a string everything that it got from the object. When an operation says in another
 ///              way that it failed (null, the bad state of a stream), `use` throws std::bad_alloc. It starts with what
@@ -36,6 +41,24 @@ void forEveryFailure(Make make, Use use) {
 template <class Operation>
 void forEveryFailure(Operation operation) {
     MemoryLaw{[] {}, operation, [] {}}.hold();
+}
+
+struct MemoryRow {
+    const char* fault;  // what it catches
+    std::string (*operation)();
+};
+
+/// The same for each row. Names that an operation has interned are gone when it runs again.
+template <std::size_t count>
+void forEveryFailure(const MemoryRow (&rows)[count]) {
+    struct Names {
+        LumCommon::LumNameTable* table = LumCommon::LumNameTable::addRefSharedNameTable();
+        ~Names() { LumCommon::LumNameTable::releaseSharedNameTable(); }
+    };
+    for (const MemoryRow& row : rows) {
+        SCOPED_TRACE(row.fault);
+        forEveryFailure([] { return std::make_unique<Names>(); }, [&row](auto&) { return row.operation(); });
+    }
 }
 
 /// What a stream delivers; a failure when it is null or bad.

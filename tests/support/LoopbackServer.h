@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <mutex>
@@ -78,7 +79,11 @@ private:
     /// Waits for the socket, with -1 without a limit; false when the server is to stop or the time is over.
     bool waitFor(int socket, int milliseconds = 10000) const {
         pollfd entries[2] = {{socket, POLLIN, 0}, {stop_[0], POLLIN, 0}};
-        return poll(entries, 2, milliseconds) > 0 && entries[1].revents == 0;
+        int count;
+        do {
+            count = poll(entries, 2, milliseconds);
+        } while (count < 0 && errno == EINTR);
+        return count > 0 && entries[1].revents == 0;
     }
 
     void serve() {

@@ -120,8 +120,9 @@ struct ParserSetup {
 
 /// What a parser is told, in the words of a data file: features, and entities as name=text without a space.
 inline ParserSetup readSetup(const std::string& words) {
-    static constexpr const char* features[] = {"skip-dtd",          "ignore-undefined", "undeclared-prefix",
-                                               "ignore-dtd-errors", "ignore-encoding",  "builtin-only"};
+    static constexpr const char* features[] = {
+        "skip-dtd", "ignore-undefined", "undeclared-prefix", "ignore-dtd-errors", "ignore-encoding", "builtin-only",
+        "(6)",      "no-external"};
     ParserSetup setup;
     std::istringstream in(words);
     for (std::string word; std::getline(in, word, ' ');) {

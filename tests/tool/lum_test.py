@@ -140,6 +140,19 @@ def check_events():
            "\u00e9")
     undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
     expect("--feature does not reach the parser", undeclared.returncode, 0)
+    strange = b"<!DOCTYPE a [<!ENTITY x SYSTEM '/etc/hostname'>]><a>&x;</a>"
+    refused = [run(*command, "-", stdin=strange)
+               for command in (["--untrusted", "events"], ["events", "--untrusted"], ["save", "--untrusted"])]
+    expect("what a document names is opened", [(d.returncode, b"0x183A" in d.stderr) for d in refused], [(1, True)] * 3)
+    deep = run("--untrusted", "save", "-", stdin=b"<a>" * 10001)
+    expect("--untrusted has no limits", b"0x183B" in deep.stderr, True)
+    os.mkfifo(FOLDER / "waits")  # whoever opens it waits for ever
+    (FOLDER / "names.xml").write_text("<!DOCTYPE a [<!ENTITY % p SYSTEM 'waits'>%p;]><a/>")
+    expect("kind opens what the file names", json.loads(run("kind", "names.xml").stdout)["root"]["name"], "a")
+    limited = [run(*command, "--limit", "depth=off", "--limit", "depth=1", "-", stdin=b"<a><b/></a>")
+               for command in (["events"], ["save"], ["save", "--lazy"])]
+    expect("--limit does not reach the parser, or is not told", [(d.returncode, d.stderr[-19:]) for d in limited],
+           [(1, b"Col 5. (limit depth)\n"[-19:])] * 3)
     text = "x\udd1ey\"\\/\t\n\x7f\x80" + "a long run " * 4 + "\u65e5\U0001d11e" + "\udd1e"
     lone = events("-", stdin=b"\xff\xfe" + f"<a>{text}</a>".encode("utf-16-le", "surrogatepass"))
     expect("escapes, or a lone surrogate that breaks the line", lone[1]["text"],
@@ -221,6 +234,22 @@ class Handler(http.server.BaseHTTPRequestHandler):
 ARCHIVE = io.BytesIO()
 
 
+def check_scarce_memory():
+    """Under any limit a save is whole, or says that it is not."""
+    write("scarce.xml", "<r>" + f"<e a='{'v' * 9000}'>{'t' * 40000}</e>" * 150 + "</r>")
+    whole = run("save", "scarce.xml").stdout
+    outcomes = set()
+    for megabytes in range(24, 400, 4):
+        limit = megabytes << 20
+        done = run("save", "scarce.xml", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+        if done.returncode not in (0, 1):
+            continue  # not even the libraries have room, or a sanitizer's tables
+        outcomes.add((done.returncode, done.stdout == whole or done.stderr))
+        if done.returncode == 0:
+            break
+    expect("a document is lost without a word", outcomes <= {(0, True), (1, b"lum: error 0x0801: Out of memory.\n")}, True)
+
+
 def check_resources():
     inner = io.BytesIO()
     with zipfile.ZipFile(inner, "w", zipfile.ZIP_DEFLATED) as archive:
@@ -272,8 +301,11 @@ def check_failures():
         ("missing argument", ["resolve", "a"], 2, None),
         ("too many arguments", ["name", "a", "b"], 2, None),
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
-        ("feature out of range", ["events", "--feature", "6", "a.xml"], 2, None),
+        ("feature out of range", ["events", "--feature", "6", "doc.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("unknown limit", ["events", "--limit", "width=1", "doc.xml"], 2, None),
+        ("limit without a value", ["save", "--limit", "depth", "doc.xml"], 2, None),
+        ("limit that is no number", ["save", "--limit", "depth=1x", "doc.xml"], 2, None),
         ("number out of range", ["number", "1", "2147483648"], 2, None),
         ("text where a number is due", ["xlsformat", "0", "5x"], 2, None),
         ("number beyond the range", ["xlsformat", "0", "1e999"], 2, None),
@@ -302,7 +334,8 @@ def check_failures():
                (1, b"lum: error 0x1007: Output stream error.\n"))
 
 
-for check in (check_small_commands, check_file_names, check_events, check_save, check_resources, check_failures, check_bounded_memory):
+for check in (check_small_commands, check_file_names, check_events, check_save, check_resources, check_failures, check_bounded_memory,
+              check_scarce_memory):
     check()
 print("\n".join(failures) or "all as expected")
 sys.exit(1 if failures else 0)

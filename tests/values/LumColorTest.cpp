@@ -94,7 +94,7 @@ TEST(LumColor, findsEveryKeywordBothWays) {
         EXPECT_EQ(LumColor(color.getColorName()).getRGB(), color.getRGB());
         if (color.getColorName() != name) unprinted.insert(utf8(name.getString()));
         UnicodeString upper(name.getString());
-        EXPECT_EQ(LumColor(LumName(upper.toUpper())).getRGB(), color.getRGB());
+        EXPECT_EQ(LumColor(LumName(upper.toUpper(""))).getRGB(), color.getRGB());
         EXPECT_TRUE(LumColor(LumName(upper.append(u'x'))).isInvalid());
     }
     EXPECT_EQ(keywords, 149);

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <filesystem>
 #include <thread>
 
 #include "support/OnThreads.h"
 #include "support/ResourceLibrary.h"
+#include "support/TempFolder.h"
 #include "support/XmlEvents.h"
 
 namespace {
@@ -79,6 +81,50 @@ TEST(LumXmlParserDtd, threadsShareWhatIsKept) {
     const int opened = library.countOpened();
     work();
     EXPECT_EQ(library.countOpened(), opened);
+}
+
+// One definition is kept once however its URI is written, until it is dropped or there are too many.
+TEST(LumXmlParserDtd, whatIsKeptHasOneKeyAndALimit) {
+    ResourceLibrary library;
+    const TempFolder folder;
+    const std::string path = folder.getPath(), file = path + "x.dtd";
+    const auto define = [](const std::string& value) { return "<!ENTITY e '" + value + "'>"; };
+    const auto told = [](const std::string& uri, const std::string& base = {}) {
+        return tell("<!DOCTYPE a SYSTEM '" + uri + "'><a>&e;</a>", {.baseUri = base});
+    };
+    const std::string host =
+        "//library.invalid" + library.getBase().substr(library.getBase().rfind('/', library.getBase().size() - 2));
+    library.add("x.dtd", define("kept"));
+    writeFile(file, define("kept"));
+    std::filesystem::create_directory(path + "d");
+    std::filesystem::create_symlink(".", path + "link");
+    EXPECT_EQ(told("http:" + host + "x.dtd"), "<a>kept</a>");
+    EXPECT_EQ(told(file), "<a>kept</a>");
+    library.add("x.dtd", define("read again"));
+    writeFile(file, define("read again"));
+    for (const std::string& uri : {"HTTP:" + host + "x.dtd", "http://Library.Invalid:80" + host.substr(17) + "x.dtd",
+                                   "file://" + path + "./x.dtd", path + "d/../x.dtd", path + "link/x.dtd"}) {
+        EXPECT_EQ(told(uri), "<a>kept</a>") << uri;
+    }
+    EXPECT_EQ(told("x.dtd", path), "<a>kept</a>");
+    LumXmlParser::clearDefinitionCache();
+    EXPECT_EQ(LumXmlParser::getDefinitionCacheSize(), 0u);
+    EXPECT_EQ(told(file), "<a>read again</a>");
+    const std::size_t one = LumXmlParser::getDefinitionCacheSize();
+    EXPECT_EQ(LumXmlParser::setDefinitionCacheLimit(2 * one), LumXmlParser::unlimitedDefinitions);
+    for (const char* name : {"a.dtd", "x.dtd", "b.dtd", "x.dtd"}) {  // the one that is used stays
+        if (name[0] != 'x') writeFile(path + name, define("read again"));
+        told(path + name);
+    }
+    EXPECT_EQ(LumXmlParser::getDefinitionCacheSize(), 2 * one);
+    for (const char* name : {"a.dtd", "x.dtd", "b.dtd"}) writeFile(path + name, define("changed"));
+    EXPECT_EQ(told(path + "b.dtd"), "<a>read again</a>");
+    EXPECT_EQ(told(file), "<a>read again</a>");
+    EXPECT_EQ(told(path + "a.dtd"), "<a>changed</a>");
+    LumXmlParser::setDefinitionCacheLimit(0);
+    EXPECT_EQ(told(file), "<a>changed</a>");
+    EXPECT_EQ(LumXmlParser::getDefinitionCacheSize(), 0u);
+    EXPECT_EQ(LumXmlParser::setDefinitionCacheLimit(LumXmlParser::unlimitedDefinitions), 0u);
 }
 
 }  // namespace

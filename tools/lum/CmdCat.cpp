@@ -26,8 +26,9 @@ void printData(const UnicodeString& argument) {
     const int32_t start = uri.getDataStart();
     if (start == -1) failToOpen(argument);
     const UnicodeString& text = uri.toString();
-    const UnicodeString data(text, start);
-    if (isBase64(UnicodeString(text, 0, start - 1).trim())) {
+    UnicodeString data(text, start), head(text, 0, start - 1);
+    checked(data);
+    if (isBase64(checked(checked(head).trim()))) {
         LumUtil::decodeBase64(data, data.length(), std::cout);
         return;
     }
@@ -53,7 +54,7 @@ void run(const std::string& argument) {
     const std::unique_ptr<std::istream> in(uri.getStream(nullptr, &message));
     if (!in) {
         UnicodeString what = fromArgument(argument);
-        if (!message.isEmpty()) what.append(u" (").append(message).append(u')');
+        if (!message.isEmpty()) checked(what.append(u" (").append(message).append(u')'));
         failToOpen(what);
     }
     copyToOutput(*in);

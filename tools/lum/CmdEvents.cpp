@@ -4,6 +4,7 @@
 #include "Command.h"
 #include "Input.h"
 #include "JsonLines.h"
+#include "Limits.h"
 #include "Output.h"
 
 #include <iostream>
@@ -19,12 +20,14 @@ using namespace LumCommon;
 struct Arguments {
     bool isTokens = false;
     std::vector<int> features;
+    std::vector<std::string> limits;
     std::string encoding, file;
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
     syntax.flag("--tokens", arguments.isTokens, "Report every token as a separate event");
-    syntax.option("--feature", arguments.features, 0, 5, "Turn on the parser feature of that number; may be repeated");
+    syntax.option("--feature", arguments.features, 0, 7, "Turn on the parser feature of that number; may be repeated");
+    addLimitOptions(syntax, arguments.limits);
     syntax.option("--encoding", arguments.encoding, "The encoding, if known from outside the document");
     syntax.required("file", arguments.file, fileHelp);
 }
@@ -82,7 +85,13 @@ void addEvent(JsonLines& lines, const LumXmlParser& parser, LumXmlParser::EventT
 
 void run(const Arguments& arguments) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    for (const int feature : arguments.features) parser->setFeature(static_cast<LumXmlParser::Feature>(feature), true);
+    if (commonOptions().isUntrusted) parser->setUntrusted();
+    for (const int number : arguments.features) {
+        const auto feature = static_cast<LumXmlParser::Feature>(number);
+        parser->setFeature(feature, true);
+        if (!parser->getFeature(feature)) throw UsageError("--feature: there is none of this number");
+    }
+    parser->setLimits(readLimits(arguments.limits, parser->getLimits()));
     if (arguments.file == "-") {
         parser->setInput(std::cin, fromArgument(arguments.encoding), {});
     } else {

@@ -4,6 +4,7 @@
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/streams/JZIOobj.h>
 #include <lumcommon/streams/LumGzipStream.h>
+#include <lumcommon/xml/LumXmlParser.h>
 
 #include "Command.h"
 #include "Input.h"
@@ -32,13 +33,22 @@ int oleKindOf(std::istream& in) {
     return file.OLEopen(&io) ? file.getDocumentKind() : 0;
 }
 
-/// The root of an XML document; null if the input is not an XML document.
+/// The root of an XML document; null if the input is not an XML document. What kind of file it is, it says itself:
+/// nothing else is opened.
 Json rootOf(std::istream& in) {
     try {
-        LumName localName;
-        const LumName namespaceUri = LumXmlUtil::getRootName(localName, in);
-        if (localName.isNull()) return nullptr;
-        return Json{{"name", toUtf8(localName)}, {"namespace", toUtf8(namespaceUri)}};
+        const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+        parser->setUntrusted();
+        for (const auto feature :
+             {LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, LumXmlParser::FEATURE_IGNORE_UNDEFINED_ENTITIES,
+              LumXmlParser::FEATURE_ALLOW_UNDECLARED_PREFIX, LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING}) {
+            parser->setFeature(feature, true);
+        }
+        parser->setInput(in, {}, {});
+        for (LumXmlParser::EventType event; (event = parser->next()) != LumXmlParser::START_TAG;) {
+            if (event == LumXmlParser::END_DOCUMENT) return nullptr;
+        }
+        return Json{{"name", toUtf8(parser->getName())}, {"namespace", toUtf8(parser->getNamespace())}};
     } catch (const LumError&) {
         return nullptr;
     }

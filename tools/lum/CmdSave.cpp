@@ -4,10 +4,13 @@
 
 #include "Command.h"
 #include "Input.h"
+#include "Limits.h"
 #include "Output.h"
 
 #include <filesystem>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace lum {
 namespace {
@@ -17,12 +20,14 @@ using namespace LumCommon;
 struct Arguments {
     bool isLazy = false;
     bool isWithoutGenerator = false;
+    std::vector<std::string> limits;
     std::string encoding, file, output = "-";
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
     syntax.flag("--lazy", arguments.isLazy, "Keep only the open elements of the document in memory");
     syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave out the generator comment");
+    addLimitOptions(syntax, arguments.limits);
     syntax.option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
     syntax.required("file", arguments.file, fileHelp);
     syntax.optional("out", arguments.output,
@@ -100,6 +105,8 @@ bool isSameFile(const std::string& a, const std::string& b) {
 
 void run(const Arguments& arguments) {
     const LumPtr<LumDocument> document(new LumDocument);
+    if (commonOptions().isUntrusted) document->setUntrusted();
+    document->setLimits(readLimits(arguments.limits, document->getLimits()));
     if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
     if (!arguments.isLazy) return saveWhole(*document, arguments);
     if (isSameFile(arguments.file, arguments.output)) {

@@ -19,6 +19,8 @@ public:
     virtual void option(const char* name, int& value, const char* help) = 0;
     /// An option that may be repeated; its numbers must be from `least` to `most`.
     virtual void option(const char* name, std::vector<int>& values, int least, int most, const char* help) = 0;
+    /// An option that may be repeated.
+    virtual void option(const char* name, std::vector<std::string>& values, const char* help) = 0;
     virtual void required(const char* name, std::string& value, const char* help) = 0;
     /// A positional argument that must be one of `choices`.
     virtual void required(const char* name, std::string& value, const std::vector<std::string>& choices,
@@ -66,6 +68,12 @@ Command makeCommand(const char* name, const char* summary, void (*describe)(Synt
             [arguments, run] { run(*arguments); },
             {}};
 }
+
+/// What the command line says for all commands.
+struct CommonOptions {
+    bool isUntrusted = false;  ///< documents are read by LumXmlParser::setUntrusted()
+};
+CommonOptions& commonOptions();
 
 /// Thrown for arguments that cannot be used, or not in this combination.
 class UsageError : public std::runtime_error {

@@ -6,7 +6,6 @@
 
 #include "Output.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
 
@@ -16,25 +15,7 @@ using namespace LumCommon;
 
 namespace {
 
-/// The file: URI of a path. URIs are trimmed and their percent escapes decoded, so white space, control characters and
-/// "%" are escaped; other characters are kept, as an escape can only stand for a byte.
-UnicodeString pathToUri(const std::string& path) {
-    std::error_code error;
-    std::string absolute = std::filesystem::absolute(path, error).string();
-    if (error) absolute = path;
-    std::string uri = "file://";
-    for (const char c : absolute) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte <= 0x20 || c == '%') {
-            char escape[4];
-            std::snprintf(escape, sizeof escape, "%%%02X", unsigned{byte});
-            uri += escape;
-        } else {
-            uri += c;
-        }
-    }
-    return fromArgument(uri);
-}
+UnicodeString pathToUri(const std::string& path) { return LumUri::fromLocalPath(path).toString(); }
 
 }  // namespace
 
@@ -60,8 +41,8 @@ std::unique_ptr<std::istream> openInput(const std::string& file) {
     std::unique_ptr<std::istream> in(LumUri(toUri(file)).getStream());
     if (!in) failToOpen(file);
     if (in->tellg() != std::istream::pos_type(-1)) return in;
-    auto seekable = std::make_unique<LumMemStream>(in.get(), blockBytes, true);
-    static_cast<void>(in.release());  // the other stream owns it now
+    auto seekable = std::make_unique<LumMemStream>(nullptr, blockBytes);
+    seekable->rdbuf()->setSource(in.release(), true);
     return seekable;
 }
 

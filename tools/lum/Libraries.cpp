@@ -39,6 +39,9 @@ public:
     void option(const char* name, std::vector<int>& values, int least, int most, const char* help) override {
         app_.add_option(name, values, help)->check(CLI::Range(least, most))->allow_extra_args(false)->type_name("N");
     }
+    void option(const char* name, std::vector<std::string>& values, const char* help) override {
+        app_.add_option(name, values, help)->allow_extra_args(false);
+    }
     void required(const char* name, std::string& value, const char* help) override {
         app_.add_option(name, value, help)->required();
     }
@@ -79,8 +82,16 @@ std::string Json::toString() const {
     return std::visit(ToLibrary(), value_).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
+CommonOptions& commonOptions() {
+    static CommonOptions options;
+    return options;
+}
+
 bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands) {
     CLI::App app("Shows the LumCommon library at work. \"-\" means standard input; \"--\" ends the options.", "lum");
+    app.fallthrough();  // what holds for all commands may also stand after the command
+    app.add_flag("--untrusted", commonOptions().isUntrusted,
+                 "XML documents come from strangers: open nothing that they name");
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {

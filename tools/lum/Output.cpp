@@ -24,7 +24,13 @@ UnicodeString fromArgument(const std::string& argument) {
     int32_t units = 0;
     u_strFromUTF8(nullptr, 0, &units, argument.data(), static_cast<int32_t>(argument.size()), &status);
     const bool isUtf8 = status == U_BUFFER_OVERFLOW_ERROR || U_SUCCESS(status);
-    return isUtf8 ? UnicodeString::fromUTF8(argument) : UnicodeString(argument.c_str());
+    UnicodeString text = isUtf8 ? UnicodeString::fromUTF8(argument) : UnicodeString(argument.c_str());
+    return checked(text);
+}
+
+UnicodeString& checked(UnicodeString& text) {
+    if (text.isBogus()) throw std::bad_alloc();
+    return text;
 }
 
 std::string toUtf8(const UnicodeString& text) {

@@ -14,6 +14,8 @@ namespace lum {
 
 /// Text from the command line: read as UTF-8 if it is valid UTF-8, otherwise in the locale's encoding.
 LumCommon::UnicodeString fromArgument(const std::string& argument);
+/// The text of an operation that is bogus only when memory has run out.   Failure: std::bad_alloc then.
+LumCommon::UnicodeString& checked(LumCommon::UnicodeString& text);
 /// Unpaired surrogates become U+FFFD; a bogus string becomes an empty one.
 std::string toUtf8(const LumCommon::UnicodeString& text);
 std::string toUtf8(LumCommon::LumName name);

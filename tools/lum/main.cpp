@@ -3,11 +3,14 @@
 #include <lumcommon/lumcommon.h>
 
 #include "Command.h"
+#include "Limits.h"
 #include "Output.h"
 
 #include <clocale>
 #include <cstdio>
 #include <iostream>
+#include <new>
+#include <string>
 
 namespace lum {
 #define LUM_COMMAND(name) Command make##name##Command();
@@ -21,8 +24,10 @@ constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
 int report(const LumCommon::LumError& error) {
-    std::fprintf(stderr, "lum: error 0x%04X: %s\n", static_cast<unsigned>(error.code),
-                 lum::toUtf8(error.getMessage()).c_str());
+    const unsigned code = error.code;
+    const char* const limit = lum::findLimitName(code);
+    const std::string note = limit ? " (limit " + std::string(limit) + ")" : "";
+    std::fprintf(stderr, "lum: error 0x%04X: %s%s\n", code, lum::toUtf8(error.getMessage()).c_str(), note.c_str());
     return exitFailure;
 }
 
@@ -39,23 +44,34 @@ int run(int argc, char** argv) {
     } catch (const LumCommon::LumError& error) {
         lum::flushOutputQuietly();
         return report(error);
-    } catch (const std::bad_alloc& error) {
-        return report(LumCommon::LumError(error, {}));
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         return report(LumCommon::LumError(error, {}));
     }
     return 0;
 }
 
+/// Like report(), without any memory.
+int reportOutOfMemory() noexcept {
+    std::fputs("lum: error 0x0801: Out of memory.\n", stderr);
+    return exitFailure;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::setlocale(LC_ALL, "");
-    std::ios_base::sync_with_stdio(false);
-    LumCommon::LumUri::setFindsForeignFileUris(true);
-    LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
-    const int result = run(argc, argv);
-    LumCommon::LumNameTable::releaseSharedNameTable();
-    LumCommon::cleanup();
+    int result = exitFailure;
+    try {
+        std::setlocale(LC_ALL, "");
+        std::ios_base::sync_with_stdio(false);
+        LumCommon::LumUri::setFindsForeignFileUris(true);
+        LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
+        result = run(argc, argv);
+        LumCommon::LumNameTable::releaseSharedNameTable();
+        LumCommon::cleanup();
+    } catch (const std::bad_alloc&) {
+        result = reportOutOfMemory();
+    }
     return result;
 }

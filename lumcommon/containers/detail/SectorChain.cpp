@@ -34,16 +34,15 @@ bool SectorChain::isMet(std::int32_t sector) const {
 }
 
 void SectorChain::remember(std::int32_t sector) {
-    sectors_.push_back(sector);
     const auto mark = [this](std::int32_t met) {
         if (static_cast<std::size_t>(met) < met_.size()) met_[static_cast<std::size_t>(met)] = true;
     };
-    if (!met_.empty()) {
-        mark(sector);
-    } else if (sectors_.size() == shortChain) {
+    if (met_.empty() && sectors_.size() + 1 == shortChain) {
         met_.resize(table_->size());
         std::ranges::for_each(sectors_, mark);
     }
+    sectors_.push_back(sector);  // last of what can fail
+    mark(sector);
 }
 
 }  // namespace LumCommon::detail

@@ -16,6 +16,7 @@
 
 namespace LumCommon {
 
+using detail::joined;
 using detail::PackagePartReader;
 using detail::PackageRelationships;
 using View = std::u16string_view;
@@ -90,7 +91,7 @@ UnicodeString relationshipPartName(const LumZipFileEntry* source) {
     const View name = source ? detail::viewOf(source->getFileName()) : View();
     const std::size_t slash = name.rfind(u'/');
     const std::size_t fileName = slash == View::npos ? 0 : slash + 1;
-    return detail::textOf(name.substr(0, fileName)) + u"_rels/" + detail::textOf(name.substr(fileName)) + u".rels";
+    return joined(name.substr(0, fileName), u"_rels/", name.substr(fileName), u".rels");
 }
 
 /// The name without "." and "..": resolving a reference removes only those at its front.
@@ -122,10 +123,10 @@ bool resolveTarget(const UnicodeString& sourceName, UnicodeString& target) {
     }
     View source = detail::viewOf(sourceName);
     source.remove_prefix(std::min(source.find_first_not_of(u'/'), source.size()));
-    const LumUri base(detail::textOf(packageRoot) + detail::textOf(source));
+    const LumUri base(joined(packageRoot, source));
     target = LumUri(base, target).toString();
     if (!detail::viewOf(target).starts_with(packageRoot)) return false;
-    target.remove(0, static_cast<std::int32_t>(packageRoot.size()));
+    target = detail::textOf(detail::viewOf(target).substr(packageRoot.size()));
     return true;
 }
 
@@ -156,10 +157,10 @@ UnicodeString inOtherForm(const UnicodeString& type) {
     const bool isStrict = end.starts_with(typeBeginnings.strict);
     const View TypeForms::*const from = isStrict ? &TypeForms::strict : &TypeForms::transitional;
     const View TypeForms::*const to = isStrict ? &TypeForms::transitional : &TypeForms::strict;
-    if (!end.starts_with(typeBeginnings.*from)) return type;
+    if (!end.starts_with(typeBeginnings.*from)) return detail::copyOf(type);
     end.remove_prefix((typeBeginnings.*from).size());
     const auto* const row = std::ranges::find(typeEnds, end, from);
-    return detail::textOf(typeBeginnings.*to) + detail::textOf(row == std::end(typeEnds) ? end : row->*to);
+    return joined(typeBeginnings.*to, row == std::end(typeEnds) ? end : row->*to);
 }
 
 void addRelationship(const PackagePartReader& reader, PackageRelationships& relationships) {
@@ -186,7 +187,7 @@ int LumZipFile::detectOOXDocument(std::istream* s) {
 }
 
 LumZipFileEntry* LumZipFile::getOfficeDocument() {
-    return getFileEntry(getRelationshipTargetFromType(officeDocumentRelationship, nullptr));
+    return getFileEntry(getRelationshipTargetFromType(detail::textOf(officeDocumentRelationship), nullptr));
 }
 
 UnicodeString LumZipFile::getContentType(LumZipFileEntry* entry) {
@@ -218,7 +219,7 @@ const PackageRelationships& LumZipFile::relationshipsOf(LumZipFileEntry* source)
     if (kept) return *kept;
     auto relationships = std::make_unique<PackageRelationships>();
     if (LumZipFileEntry* const part = getFileEntry(relationshipPartName(source))) {
-        PackagePartReader reader(openPart(*part), relationshipsNamespace, u"Relationships");
+        PackagePartReader reader(openPart(*part), detail::textOf(relationshipsNamespace), u"Relationships");
         while (reader.next()) {
             if (reader.isAt(u"Relationship")) addRelationship(reader, *relationships);
         }
@@ -232,25 +233,26 @@ void LumZipFile::setContentType() {
     std::map<UnicodeString, UnicodeString> defaults;
     std::map<LumZipFileEntry*, UnicodeString> overrides;
     if (LumZipFileEntry* const part = getFileEntry(contentTypesPart)) {
-        PackagePartReader reader(openPart(*part), contentTypesNamespace, u"Types");
+        PackagePartReader reader(openPart(*part), detail::textOf(contentTypesNamespace), u"Types");
         while (reader.next()) {
             UnicodeString contentType = reader.getAttribute(u"ContentType");
             if (contentType.isBogus()) continue;
             const UnicodeString extension = reader.getAttribute(u"Extension");
             UnicodeString name = reader.getAttribute(u"PartName");
             if (reader.isAt(u"Default") && !extension.isBogus()) {
-                defaults[u"." + extension] = std::move(contentType);
+                defaults[joined(u'.', extension)] = std::move(contentType);
             } else if (reader.isAt(u"Override") && !name.isBogus()) {
-                if (name.startsWith(u'/')) name.remove(0, 1);
+                if (name.startsWith(u'/')) name = detail::textOf(detail::viewOf(name).substr(1));
                 if (LumZipFileEntry* const entry = getFileEntry(name)) overrides[entry] = std::move(contentType);
             }
         }
     }
     for (const auto& [entry, contentType] : overrides) entry->contentType_ = contentType;
     for (const LumPtr<LumZipFileEntry>& entry : entries_) {
-        const std::int32_t dot = entry->fileName_.lastIndexOf(u'.');
-        if (!entry->contentType_.isEmpty() || dot < 0) continue;
-        const auto found = defaults.find(UnicodeString(entry->fileName_, dot));
+        const View name = detail::viewOf(entry->fileName_);
+        const std::size_t dot = name.rfind(u'.');
+        if (!entry->contentType_.isEmpty() || dot == View::npos) continue;
+        const auto found = defaults.find(detail::textOf(name.substr(dot)));
         if (found != defaults.end()) entry->contentType_ = found->second;
     }
     hasContentTypes_ = true;

@@ -61,7 +61,8 @@ bool OleCompFile::isOLEUri(const LumUri& uri) {
 int OleCompFile::detectOLEDocument(std::istream& s) {
     JZStreamIOobj io(&s);
     OleCompFile file;
-    return file.OLEopen(&io) ? file.getDocumentKind() : static_cast<int>(DocumentKind::NONE);
+    file.io_ = {&io, false};
+    return file.readTables() ? file.getDocumentKind() : static_cast<int>(DocumentKind::NONE);
 }
 
 int OleCompFile::getDocumentKind() { return static_cast<int>(kindOf(*this)); }
@@ -70,7 +71,9 @@ int OleCompFile::detectOLEDocument(const LumUri& uri) {
     std::unique_ptr<std::istream> stream(uri.getStream());
     if (!stream) return static_cast<int>(DocumentKind::NONE);
     if (stream->tellg() == std::istream::pos_type(-1)) {
-        LumMemStream seekable(stream.release(), LumMemStreamBuf::defaultGrowBytes, true);
+        LumMemStream seekable;
+        seekable.rdbuf()->setSource(stream.get(), true);
+        static_cast<void>(stream.release());
         return detectOLEDocument(seekable);
     }
     return detectOLEDocument(*stream);

@@ -4,6 +4,7 @@
 #include <lumcommon/containers/office/detail/CodePageText.h>
 #include <lumcommon/containers/office/detail/PropertyValueReader.h>
 #include <lumcommon/containers/office/detail/SummaryId.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/values/LumValue.h>
 
@@ -129,9 +130,7 @@ void OleSummaryInformation::closeStream() {
 }
 
 int OleSummaryInformation::initSummaryInformation(OleCompFile* file) {
-    if (init(file, "\005SummaryInformation", SUMMARY) != 1) return -1;
-    chooseCharset();
-    return 1;
+    return init(file, "\005SummaryInformation", SUMMARY);
 }
 
 int OleSummaryInformation::initDocumentSummaryInformation(OleCompFile* file) {
@@ -142,12 +141,14 @@ int OleSummaryInformation::init(OleCompFile* file, const char* name, Kind kind) 
     closeStream();
     file_ = file;
     kind_ = kind;
-    const OleDirPath path{name};
-    if (file_) stream_ = file_->OLEopenStream(&path);
-    if (!stream_) return -1;
     try {
+        const OleDirPath path{name};
+        if (file_) stream_ = file_->OLEopenStream(&path);
+        if (!stream_) return -1;
         load();
-        return getSummaryInformation();
+        if (getSummaryInformation() != 1) return -1;
+        if (kind == SUMMARY) chooseCharset();
+        return 1;
     } catch (const std::bad_alloc&) {
         return -1;
     }
@@ -288,13 +289,13 @@ bool OleSummaryInformation::readDictionary(OleSISection& section, std::uint32_t 
 void OleSummaryInformation::chooseCharset() {
     LumValue value;
     if (getProperty(detail::CODE_PAGE, value) != 1 || value.getKind() != KIND_INTEGER) {
-        charset_ = LumCStr(UnicodeString::fromUTF8(detail::charsetOfCodePage(defaultCodePage)));
+        charset_ = LumCStr(detail::fromUtf8(detail::charsetOfCodePage(defaultCodePage)));
         return;
     }
     int codePage = value.getIntegerValue();
     // The field has 16 bits with a sign, so some programs write 65001 as a negative number.
     if (codePage < 0 && codePage >= -0x8000) codePage += 0x10000;
-    charset_ = LumCStr(UnicodeString::fromUTF8(detail::charsetOfCodePage(codePage)));
+    charset_ = LumCStr(detail::fromUtf8(detail::charsetOfCodePage(codePage)));
 }
 
 bool OleSummaryInformation::readString(std::string& bytes) {
@@ -400,7 +401,7 @@ bool OleSummaryInformation::readHyperLink(std::vector<UnicodeString>& out) {
         unsigned short unit = 0;
         if (!getWORD(&unit)) return false;  // unreachable
         isEnded = isEnded || unit == 0;
-        if (!isEnded) text.append(static_cast<char16_t>(unit));  // consecutive surrogates join
+        if (!isEnded) detail::append(text, static_cast<char16_t>(unit));  // consecutive surrogates join
     }
     if (!text.isEmpty()) out.push_back(std::move(text));
     return true;

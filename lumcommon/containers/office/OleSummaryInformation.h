@@ -60,7 +60,7 @@ struct OleSISection {
 /// Data Structures), in both kinds of set, each number in its own width; from a damaged set they give what can still be
 /// read.
 ///
-/// Failure: -1 or false; nothing is thrown, except std::bad_alloc by readProperty() and readProperties().
+/// Failure: -1 or false; nothing is thrown, except std::bad_alloc by what gives properties and links.
 /// Ownership: the compound file is borrowed and must outlive the object, which keeps the stream open.
 /// Lifecycle: call one of the init operations, once.
 /// Threads: one at a time, as for the compound file.
@@ -74,8 +74,8 @@ public:
     ~OleSummaryInformation();
 
     /// Reads "\005SummaryInformation" and chooses the code page of its strings.
-    /// @return 1, or -1 if the stream is not there or not all of it can be read; what was read before the failure is
-    /// kept.
+    /// @return 1, or -1 if the stream is not there or not all of it can be read, or if memory runs out; what was read
+    /// before the failure is kept.
     int initSummaryInformation(OleCompFile* file);
     /// Reads "\005DocumentSummaryInformation"; the same results.
     int initDocumentSummaryInformation(OleCompFile* file);

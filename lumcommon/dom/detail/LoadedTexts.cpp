@@ -2,7 +2,7 @@
 #include <lumcommon/names/detail/UnitHash.h>
 #include <lumcommon/values/detail/ValueText.h>
 
-#include <cstring>
+#include <algorithm>
 
 namespace LumCommon::detail {
 
@@ -12,7 +12,7 @@ constexpr std::uint32_t countsInAdvance = 4096;
 
 bool isText(const UnicodeString& string, std::u16string_view text) noexcept {
     return static_cast<std::size_t>(string.length()) == text.size() &&
-           std::memcmp(string.getBuffer(), text.data(), text.size() * sizeof(char16_t)) == 0;
+           std::equal(text.begin(), text.end(), string.getBuffer());  // an empty text may lie nowhere
 }
 
 }  // namespace

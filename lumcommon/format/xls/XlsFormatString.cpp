@@ -229,10 +229,11 @@ UnicodeString XlsFormatString::fmtnumD(std::string_view digits, const FMT& secti
 UnicodeString XlsFormatString::sethanzenNumS(const UnicodeString& text, int style) {
     UnicodeString result = detail::copyOf(text);
     if (style < 1 || style > 3) return result;
-    // Owns its units from here on, so that none of the changes below needs memory.
+    // From here on it owns its units.
     if (!result.isEmpty()) detail::checked(result.setCharAt(0, result.charAt(0)));
     for (std::int32_t i = 0; i < result.length(); ++i) {
         const char16_t c = result.charAt(i);
+        // unchecked: it owns its units
         if (detail::isAsciiDigit(c)) result.setCharAt(i, detail::xlsNumeral(c - '0', style));
     }
     return result;

@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/AsciiText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/CodePoints.h>
 #include <lumcommon/streams/detail/CharsetConversion.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
@@ -28,6 +29,7 @@ ConverterPtr openConverter(const char* charset) {
     const char* const icuName = findIcuCharset(charset);
     UErrorCode status = U_ZERO_ERROR;
     ConverterPtr converter(ucnv_open(icuName ? icuName : charset, &status));
+    checkMemory(status);
     return U_SUCCESS(status) ? std::move(converter) : ConverterPtr();
 }
 

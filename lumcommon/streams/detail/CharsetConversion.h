@@ -23,6 +23,7 @@ struct CharsetSubstitutes {
 /// Decodes one charset to UTF-16 and encodes that in another, block by block.
 class CharsetConversion {
 public:
+    /// These are false for an unknown charset. Failure: std::bad_alloc.
     bool setTarget(const char* charset, const CConvOptions& options);
     bool setSource(const char* charset, const CConvOptions& options);
 

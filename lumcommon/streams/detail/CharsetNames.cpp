@@ -43,6 +43,11 @@ constexpr NameRow detectedRows[] = {
     {"Shift_JIS", shiftJis},
     {"ISO-8859-1", "windows-1252"},
     {"ISO-8859-9", "windows-1254"},
+    // The detector knows these in two directions, the converters only one.
+    {"IBM420_ltr", "IBM420"},
+    {"IBM420_rtl", "IBM420"},
+    {"IBM424_ltr", "IBM424"},
+    {"IBM424_rtl", "IBM424"},
 };
 
 constexpr NameRow icuRows[] = {

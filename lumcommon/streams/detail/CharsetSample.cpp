@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/detail/CharsetNames.h>
 #include <lumcommon/streams/detail/CharsetSample.h>
 #include <unicode/ucsdet.h>
@@ -6,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 namespace LumCommon::detail {
 
@@ -75,12 +77,17 @@ bool isUtf8(std::string_view sample) {
 const char* guessByStatistics(std::string_view sample) {
     // Below this, the detector has found no evidence for a charset except that no byte rules it out.
     constexpr std::int32_t leastConfidence = 15;
+    // ICU does not check one of the allocations when it opens a detector. There must be room for more than it takes.
+    constexpr std::size_t detectorBytes = std::size_t{64} * 1024;
+    ::operator delete(::operator new(detectorBytes));
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UCharsetDetector, DetectorCloser> detector(ucsdet_open(&status));
+    checkMemory(status);
     ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &status);
     ucsdet_enableInputFilter(detector.get(), true);
     std::int32_t count = 0;
     const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &status);
+    checkMemory(status);
     for (std::int32_t i = 0; U_SUCCESS(status) && i < count; ++i) {
         if (ucsdet_getConfidence(matches[i], &status) < leastConfidence) break;
         const char* const name = ucsdet_getName(matches[i], &status);
@@ -94,7 +101,7 @@ const char* guessByStatistics(std::string_view sample) {
 
 }  // namespace
 
-CharsetGuess guessCharset(std::string_view sample) noexcept {
+CharsetGuess guessCharset(std::string_view sample) {
     constexpr std::size_t largestSample = 2048;
     sample = sample.substr(0, largestSample);
     if (sample.empty()) return {};

@@ -9,7 +9,7 @@ struct CharsetGuess {
     bool hasMark = false;
 };
 
-/// The charset of the text that begins with `sample`; see cconvChkEncode().
-CharsetGuess guessCharset(std::string_view sample) noexcept;
+/// The charset of the text that begins with `sample`; see cconvChkEncode(). Failure: std::bad_alloc.
+CharsetGuess guessCharset(std::string_view sample);
 
 }  // namespace LumCommon::detail

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <lumcommon/streams/LumRefillStreamBuf.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <istream>
@@ -11,11 +9,7 @@
 namespace LumCommon::detail {
 
 /// Whether a stream that has no more bytes is broken instead of at its end.
-inline bool isBroken(const std::istream& in) noexcept {
-    if (in.bad()) return true;
-    const auto* const buffer = dynamic_cast<const LumRefillStreamBuf*>(in.rdbuf());
-    return buffer && buffer->hasFailed();
-}
+bool isBroken(const std::istream& in) noexcept;
 
 /// Reads up to `room.size()` bytes and returns their number. An exception, from the stream's buffer or because of its
 /// exception mask, counts as the end and shows in the stream's state.

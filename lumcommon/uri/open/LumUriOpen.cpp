@@ -1,7 +1,9 @@
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/core/detail/NeverDestroyed.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/streams/LumMemStream.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/open/LumUriStream.h>
 
@@ -58,10 +60,13 @@ Stream* openLocalFile(const LumUri& uri, std::ios_base::openmode mode) {
     return stream->isOpen() ? stream.release() : nullptr;
 }
 
+/// What the resolver returns; null without one.
 std::istream* askResolver(const UnicodeString& uri) {
     LumUriReferenceResolver* const resolver = s_resolver.load(std::memory_order_acquire);
     return resolver ? resolver->getStream(uri) : nullptr;
 }
+
+bool isRefusal(const std::istream* stream) { return stream && stream == LumUriReferenceResolver::refusal(); }
 
 OwnedStream openRemote(const UnicodeString& uri, UnicodeString* contentType, UnicodeString* errorMessage) {
     auto stream = std::make_unique<LumUriStream>(uri);
@@ -75,8 +80,7 @@ OwnedStream openRemote(const UnicodeString& uri, UnicodeString* contentType, Uni
 /// A seekable stream for the zip reader. Bytes are copied only as far as it reads or seeks.
 OwnedStream makeSeekable(OwnedStream in) {
     auto copy = std::make_unique<LumMemStream>();
-    copy->rdbuf()->setSource(in.get(), true);
-    static_cast<void>(in.release());
+    copy->rdbuf()->setSource(in.release(), true);
     return copy;
 }
 
@@ -88,7 +92,9 @@ OwnedStream openMember(OwnedStream archive, View path) {
     LumZipFileEntry* entry = zip.getFileEntry(name);
     // A URI cannot contain a blank, so a name that does arrives escaped.
     if (!entry) entry = zip.getFileEntry(LumUri::unescape(name));
-    return OwnedStream(entry ? entry->getUncompressedStream(true) : nullptr);
+    OwnedStream member(entry ? entry->getUncompressedStream(true) : nullptr);
+    // Where reading the archive has failed, the member may be shorter than it is.
+    return detail::isBroken(*archive) ? nullptr : std::move(member);
 }
 
 /// Takes the text before the next mark off `rest`, or all of it if there is no mark.
@@ -105,14 +111,15 @@ int countMarks(View text) {
     return count;
 }
 
-OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, UnicodeString* errorMessage) {
+OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, UnicodeString* errorMessage,
+                    bool& isRefused) {
     View rest = detail::viewOf(uri).substr(jarScheme.size());
     const int archiveCount = countMarks(rest);
     if (archiveCount == 0 || archiveCount > 1 + maxNestedArchives) return nullptr;
     // The archive's own URI has no mark, so even if it is a jar: URI it opens nothing and goes no deeper.
     const LumUri archive(detail::textOf(takePart(rest)));
     UnicodeString archiveMessage;
-    OwnedStream stream(archive.getStream(nullptr, &archiveMessage));
+    OwnedStream stream(archive.getStream(nullptr, &archiveMessage, &isRefused));
     // If the archive was opened, its message (a successful status) says nothing about a missing member.
     if (!stream && errorMessage && !archiveMessage.isEmpty()) *errorMessage = archiveMessage;
     if (stream && (!archive.isFile() || stream->tellg() == std::istream::pos_type(-1))) {
@@ -137,15 +144,29 @@ bool takeGzipMark(std::istream& in) {
 
 LumUriReferenceResolver::~LumUriReferenceResolver() = default;
 
+std::istream* LumUriReferenceResolver::refusal() noexcept {
+    static detail::NeverDestroyed<std::istream> mark(nullptr);
+    return &*mark;
+}
+
 LumUriReferenceResolver* LumUri::setUriReferenceResolver(LumUriReferenceResolver* resolver) {
     return s_resolver.exchange(resolver, std::memory_order_acq_rel);
 }
 
-std::istream* LumUri::getStream(UnicodeString* contentType, UnicodeString* errorMessage) const {
+std::istream* LumUri::getStream(UnicodeString* contentType, UnicodeString* errorMessage, bool* isRefused) const {
+    bool isRefusedHere = false;
+    bool& refused = isRefused ? *isRefused : isRefusedHere;
+    refused = false;
     try {
-        if (std::istream* const resolved = askResolver(uri_)) return resolved;
+        std::istream* const resolved = askResolver(uri_);
+        refused = isRefusal(resolved);
+        if (refused) {
+            if (errorMessage) *errorMessage = u"Refused";
+            return nullptr;
+        }
+        if (resolved) return resolved;
         if (isFile()) return openLocalFile<std::istream>(*this, std::ios_base::in);
-        if (isJarScheme()) return openJar(uri_, contentType, errorMessage).release();
+        if (isJarScheme()) return openJar(uri_, contentType, errorMessage, refused).release();
         return openRemote(uri_, contentType, errorMessage).release();
     } catch (...) {
         if (errorMessage) *errorMessage = u"Unknown exception";
@@ -153,11 +174,16 @@ std::istream* LumUri::getStream(UnicodeString* contentType, UnicodeString* error
     }
 }
 
+std::istream* LumUri::getStream(UnicodeString* contentType, UnicodeString* errorMessage) const {
+    return getStream(contentType, errorMessage, nullptr);
+}
+
 std::istream* LumUri::getStream(UnicodeString* contentType) const { return getStream(contentType, nullptr); }
 
 std::istream* LumUri::getStreamFromResolver() const {
     try {
-        return askResolver(uri_);
+        std::istream* const resolved = askResolver(uri_);
+        return isRefusal(resolved) ? nullptr : resolved;
     } catch (...) {
         return nullptr;
     }

@@ -141,7 +141,7 @@ UnicodeString scanString(UnitCursor& cursor, unsigned mode) {
 
 UnicodeString unquoteString(const UnicodeString& text, unsigned mode) {
     UnicodeString trimmed = copyOf(text);
-    trimmed.trim();
+    if (!text.isBogus()) checked(trimmed.trim());
     const int length = trimmed.length();
     const char16_t* const start = trimmed.getBuffer();
     if (start) {

@@ -64,7 +64,7 @@ private:
 
     std::vector<Attribute> attributes_;
     std::size_t ownCount_ = 0;  // so many, and perhaps some more, have their values in text_
-    UnitBuffer text_;
+    UnitBuffer text_{XmlError::ValueLimit};
     mutable std::vector<UnicodeString> views_;           // of the values
     mutable std::size_t viewCount_ = 0;                  // views_ before this are valid
     mutable const char16_t* viewed_ = nullptr;           // where text_ lay when they were made

@@ -124,13 +124,10 @@ void DefinitionReader::readToken(int& nesting) {
 }
 
 void DefinitionReader::copyCharacters() {
-    XmlCursor& cursor = inputs_.cursor();
-    const char16_t* const start = cursor.cur;
-    const char16_t* const end = std::find_if_not(start, static_cast<const char16_t*>(cursor.end),
+    const XmlCursor& cursor = inputs_.cursor();
+    const char16_t* const end = std::find_if_not(cursor.cur, static_cast<const char16_t*>(cursor.end),
                                                  [this](char16_t unit) { return tokens_.isCharacter(unit); });
-    event_.text.units().append(start, static_cast<std::size_t>(end - start));
-    cursor.cur = end;
-    cursor.touch(end);
+    inputs_.copyTo(end, event_.text.units());
 }
 
 // What these miss at the end of input is told by the token that comes next.

@@ -11,12 +11,6 @@
 
 namespace LumCommon::detail {
 
-namespace {
-
-constexpr int maxExternalInputs = 64;
-
-}  // namespace
-
 void EntityExpander::expandGeneral(LumName name) {
     const UnicodeString value = entities_.lookup(EntityKind::General, name);
     if (value.isBogus()) {
@@ -45,8 +39,14 @@ void EntityExpander::expandParameter(LumName name, const UnicodeString& value) {
 
 void EntityExpander::openExternal(const UnicodeString& systemId, bool isOptional) {
     const LumUri resource(LumUri(inputs_.baseUri()), systemId);
-    if (inputs_.streamCount() > maxExternalInputs) {
+    if (static_cast<std::uint64_t>(inputs_.streamCount()) > meter_.limits().openInputs) {
         errors_.report(XmlError::NestingLimit);
+        return;
+    }
+    // Refused before it is opened, which may take longest.
+    meter_.countExternalInput();
+    if (!meter_.expandByInput()) {
+        errors_.report(XmlError::ExpansionLimit);
         return;
     }
     std::unique_ptr<std::istream> in = openStream(resource, isOptional);
@@ -63,11 +63,11 @@ void EntityExpander::openExternal(const UnicodeString& systemId, bool isOptional
 }
 
 std::unique_ptr<std::istream> EntityExpander::openStream(const LumUri& resource, bool isOptional) const {
-    std::unique_ptr<std::istream> in;
-    try {
-        if (policy_.opensExternalInputs()) in = openInput(resource);
-    } catch (const LumError&) {  // of a resolver
-        if (!isOptional) throw;
+    bool isRefused = !policy_.opensExternals();
+    std::unique_ptr<std::istream> in = isRefused ? nullptr : openInput(resource, isRefused);
+    if (isRefused) {
+        errors_.report(XmlError::ExternalRefused, resource.toString());
+        return nullptr;
     }
     if (!in && !isOptional && resource.isFile()) {
         throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserPushStream, resource.toString());

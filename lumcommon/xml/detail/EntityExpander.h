@@ -13,6 +13,7 @@ class LumUri;
 namespace LumCommon::detail {
 
 class ErrorReporter;
+class InputMeter;
 class InputStack;
 class ParserEvent;
 class ParserPolicy;
@@ -23,13 +24,14 @@ class XmlDeclReader;
 class EntityExpander {
 public:
     EntityExpander(ParserEvent& event, InputStack& inputs, ReferenceReader& references, XmlDeclReader& declarations,
-                   const EntityTable& entities, const ParserPolicy& policy, ErrorReporter& errors)
+                   const EntityTable& entities, const ParserPolicy& policy, InputMeter& meter, ErrorReporter& errors)
         : event_(event),
           inputs_(inputs),
           references_(references),
           declarations_(declarations),
           entities_(entities),
           policy_(policy),
+          meter_(meter),
           errors_(errors) {}
 
     /// For a reference in content.
@@ -48,6 +50,7 @@ private:
     XmlDeclReader& declarations_;
     const EntityTable& entities_;
     const ParserPolicy& policy_;
+    InputMeter& meter_;
     ErrorReporter& errors_;
 };
 

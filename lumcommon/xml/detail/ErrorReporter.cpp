@@ -1,33 +1,36 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/core/detail/DecimalText.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
-#include <cstdio>
+#include <utility>
 
 namespace LumCommon::detail {
 
 namespace {
 
-/// Appends a decimal number that does not depend on the locale.
-void appendNumber(UnicodeString& text, int number) {
-    char digits[16];
-    const int size = std::snprintf(digits, sizeof digits, "%d", number);
-    append(text, UnicodeString(digits, size, US_INV));
-}
+constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
 
 }  // namespace
 
 void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const UnicodeString& b) {
     UnicodeString message = makeXmlErrorMessage(code, a, b);
-    static constexpr char16_t source[] = u"LumCommon::XmlParserImpl";
     if (listener_) {
-        tellListener(LumError(code, message, source, -1, -1, UnicodeString()));
+        tellListener(LumError(code, message, errorSource, -1, -1, UnicodeString()));
         return;
     }
     if (isDropped()) throw Dropped();
+    raise(code, std::move(message));
+}
+
+void ErrorReporter::raise(XmlError::Code code, UnicodeString message) const {
     append(append(message, u'\n'), describePosition());
-    throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, source, -1, -1, UnicodeString());
+    throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, errorSource, -1, -1, UnicodeString());
+}
+
+void ErrorReporter::raiseRefused(const UnicodeString& uri) const {
+    raise(XmlError::ExternalRefused, makeXmlErrorMessage(XmlError::ExternalRefused, uri, UnicodeString()));
 }
 
 void ErrorReporter::inputFailed() {
@@ -35,7 +38,7 @@ void ErrorReporter::inputFailed() {
     try {
         throwCommonError(LumErrorCodeIO::InputFailed, LumCommonErrorSource::ParserCheckStream);
     } catch (LumError& error) {
-        error.message.append(u'\n').append(describePosition());
+        append(append(error.message, u'\n'), describePosition());
         throw;
     }
 }
@@ -65,11 +68,11 @@ UnicodeString ErrorReporter::describePosition() const {
     const TextPosition position = inputs_.position();
     if (position.line != -1) {
         append(description, u", Line ");
-        appendNumber(description, position.line);
+        appendDecimal(description, position.line);
     }
     if (position.column != -1) {
         append(description, u", Col ");
-        appendNumber(description, position.column);
+        appendDecimal(description, position.column);
     }
     append(description, u'.');
     return description;

@@ -33,6 +33,8 @@ public:
     /// @param a,b  the arguments of the message.
     void report(XmlError::Code code, const UnicodeString& a = UnicodeString(),
                 const UnicodeString& b = UnicodeString());
+    /// Throws the error that a document itself is refused: no listener can accept that.
+    [[noreturn]] void raiseRefused(const UnicodeString& uri) const;
     /// Throws error 0x1006 with the position, or Dropped.
     [[noreturn]] void inputFailed() override;
 
@@ -60,6 +62,7 @@ public:
     UnicodeString describePosition() const;
 
 private:
+    [[noreturn]] void raise(XmlError::Code code, UnicodeString message) const;
     bool isDropped() const noexcept;
     void tellListener(const LumError& error);
 

@@ -11,6 +11,9 @@ namespace LumCommon::detail {
 /// The text of an event: units of its own, or, as long as it is one plain run, those in the window of the input.
 class EventText {
 public:
+    void setLimit(std::uint64_t units) noexcept { own_.setLimit(units); }
+    /// The longest run that may be borrowed.
+    std::size_t limit() const noexcept { return own_.limit(); }
     std::u16string_view view() const noexcept {
         return isBorrowed() ? borrowed_ : std::u16string_view(own_.data(), own_.size());
     }
@@ -42,7 +45,7 @@ public:
     }
 
 private:
-    UnitBuffer own_;  // empty while there is a borrowed run
+    UnitBuffer own_{XmlError::TextLimit};  // empty while there is a borrowed run
     std::u16string_view borrowed_;
 };
 

@@ -11,8 +11,6 @@ namespace LumCommon::detail {
 
 namespace {
 
-constexpr std::uint64_t expansionThresholdUnits = 8u << 20;
-constexpr std::uint64_t expansionFactor = 100;
 constexpr std::uint32_t parameterKeyBit = 1u << 31;  // names have 24 bits
 
 }  // namespace
@@ -20,32 +18,38 @@ constexpr std::uint32_t parameterKeyBit = 1u << 31;  // names have 24 bits
 void InputStack::reset() {
     isStarted_ = false;
     openEntities_.clear();
-    expandedUnits_ = allowedUnits_ = closedBytes_ = 0;
     position_ = {-1, -1};
     encodingName_.remove();
     systemId_.remove();
     baseUri_.remove();
 }
 
-void InputStack::open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
-                      const UnicodeString& baseUri) {
-    input->setStream(in, ownsStream);
+void InputStack::open(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& baseUri) {
+    input->setStream(&in, false);
+    openDocument(std::move(input), in, UnicodeString(), baseUri);
+}
+
+InputStack::Opening InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri,
+                                     const UnicodeString& baseUri) {
+    const LumUri resource(uri);
+    bool isRefused = false;
+    std::unique_ptr<std::istream> in = openInput(resource, isRefused);
+    if (!in) return isRefused ? Opening::Refused : Opening::Impossible;
+    std::istream& stream = *in;
+    input->setStream(in.release(), true);
+    const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
+    openDocument(std::move(input), stream, uri, isBaseFromUri ? resource.getBaseString() : copyOf(baseUri));
+    return Opening::Done;
+}
+
+void InputStack::openDocument(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& systemId,
+                              const UnicodeString& baseUri) {
     assign(systemId_, systemId);
     assign(baseUri_, baseUri);
     assign(input->systemId, systemId);
     assign(input->baseUri, baseUri);
-    checkInput(*in);
+    checkInput(in);
     pushStream(std::move(input));
-}
-
-bool InputStack::open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri) {
-    const LumUri resource(uri);
-    std::unique_ptr<std::istream> in = openInput(resource);
-    if (!in) return false;
-    const bool isBaseFromUri = baseUri.isEmpty() && resource.isAbsolute() && !resource.isDataScheme();
-    const UnicodeString base = isBaseFromUri ? resource.getBaseString() : copyOf(baseUri);
-    open(std::move(input), in.release(), true, uri, base);
-    return true;
 }
 
 void InputStack::close() {
@@ -61,7 +65,9 @@ bool InputStack::pull() {
         const bool isStream = frame.kind == Frame::Stream;
         if (isStream) {
             endLoans();
-            if (frame.input->refill(cursor_)) return true;
+            const bool hasMore = frame.input->refill(cursor_);
+            meter_.check();
+            if (hasMore) return true;
             if (frame.input->hasFailed()) watcher_->inputFailed();
         }
         if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
@@ -118,7 +124,6 @@ void InputStack::popFrame() {
     Frame& frame = *frames_[--frameCount_];
     if (frame.kind == Frame::Stream) {
         --streamCount_;
-        closedBytes_ += frame.input->getBytesRead();
         encodingName_ = frame.input->encodingName;
         frame.input.reset();
     } else if (frame.kind == Frame::Replacement) {
@@ -142,26 +147,15 @@ XmlInput& InputStack::pushStream(std::unique_ptr<XmlInput> input) {
     Frame& frame = pushFrame(Frame::Stream);
     frame.input = std::move(input);
     topStream_ = frame.input.get();
+    topStream_->meterBy(meter_, isExternal_ || streamCount_ > 1);
     return *topStream_;
-}
-
-bool InputStack::isWithinExpansionLimit(std::uint64_t moreUnits) {
-    expandedUnits_ += moreUnits;
-    if (expandedUnits_ <= std::max(expansionThresholdUnits, allowedUnits_)) return true;
-    // Counted only when what was allowed is used up: there may be many frames, and nothing is read under them.
-    std::uint64_t bytesRead = closedBytes_;
-    for (std::size_t i = 0; i < frameCount_; ++i) {
-        if (frames_[i]->input) bytesRead += frames_[i]->input->getBytesRead();
-    }
-    allowedUnits_ = expansionFactor * bytesRead;
-    return expandedUnits_ <= allowedUnits_;
 }
 
 bool InputStack::pushReplacement(LumName entity, const UnicodeString& text, bool isParameter) {
     const auto units = static_cast<std::uint64_t>(text.length());
     // An entity inside its own replacement text would never end; there is no need to wait for the limit.
     const std::uint32_t key = entity.getEnum() | (isParameter ? parameterKeyBit : 0);
-    if (openEntities_.contains(key) || !isWithinExpansionLimit(units)) return false;
+    if (openEntities_.contains(key) || !meter_.expand(units)) return false;
     // Frames that are used up go first: an entity that ends with a reference then adds no frame for each reference.
     // The new text still lies inside the texts of their entities, which stay open as long as it does.
     std::vector<std::uint32_t> keys;

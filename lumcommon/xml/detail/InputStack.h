@@ -2,6 +2,7 @@
 
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/names/detail/UnitHash.h>
+#include <lumcommon/xml/detail/InputMeter.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
 #include <lumcommon/xml/detail/UnitScan.h>
@@ -54,11 +55,12 @@ protected:
 /// through. The scanners read the window of the topmost frame; frames that are used up are popped when the next
 /// character is asked for, so that markup may begin in a replacement text and end after it.
 ///
-/// It knows where the parser is and how much entities may expand, and reports no errors itself: whoever asks is told,
-/// and the watcher where an input fails.
+/// It knows where the parser is, and reports no errors itself: whoever asks is told, and the watcher where an input
+/// fails. A limit that is exceeded while an input is read is thrown by pull() as LimitExceeded.
 class InputStack {
 public:
-    InputStack() = default;
+    /// @param isExternal  whether the first input counts as one that a document names.
+    InputStack(InputMeter& meter, bool isExternal) : meter_(meter), isExternal_(isExternal) {}
     ~InputStack() {
         borrowers_.clear();  // they need not be there any more
         closeFrames();
@@ -69,11 +71,12 @@ public:
     /// Forgets the document before; its inputs are closed by now.
     void reset();
     /// Opens the document. Position, base and encoding are those of this input until it is closed.
+    /// @param in  must outlive the reading.
     /// Errors: those of checkInput(), after which nothing is open.
-    void open(std::unique_ptr<XmlInput> input, std::istream* in, bool ownsStream, const UnicodeString& systemId,
-              const UnicodeString& baseUri);
-    /// The same for a resource, whose own base holds where `baseUri` is empty. False when it cannot be opened.
-    [[nodiscard]] bool open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri);
+    void open(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& baseUri);
+    enum class Opening { Done, Impossible, Refused };
+    /// The same for a resource, whose own base holds where `baseUri` is empty.
+    [[nodiscard]] Opening open(std::unique_ptr<XmlInput> input, const UnicodeString& uri, const UnicodeString& baseUri);
     /// Closes every input. What stays is the place in the document; entities that are open are left.
     void close();
     bool isOpen() const noexcept { return frameCount_ > 0; }
@@ -114,14 +117,23 @@ public:
     bool pull();
     /// Whether there was any.
     bool skipWhitespace();
+    /// Copies the units up to `end`, a place in the window, which is then the next unit.
+    void copyTo(const char16_t* end, UnitBuffer& out) {
+        const auto count = static_cast<std::size_t>(end - cursor_.cur);
+        if (count > out.room()) [[unlikely]] {
+            // The error stands after the first unit that is too many, wherever the window ends.
+            cursor_.touch(cursor_.cur + out.room() + 1);
+            out.refuse();
+        }
+        out.append(cursor_.cur, count);
+        cursor_.cur = end;
+        cursor_.touch(end);
+    }
     /// Copies what comes before the next `mark` or U+FFFF, which is then the next character. False at the end of input.
     bool copyUpTo(char16_t mark, UnitBuffer& out) {
         do {
-            const char16_t* const start = cursor_.cur;
-            const char16_t* const found = findUnit(start, cursor_.end, mark);
-            out.append(start, static_cast<std::size_t>(found - start));
-            cursor_.cur = found;
-            cursor_.touch(found);
+            const char16_t* const found = findUnit(cursor_.cur, cursor_.end, mark);
+            copyTo(found, out);
             if (found != cursor_.end) return true;
         } while (pull());
         return false;
@@ -181,6 +193,8 @@ private:
         const char16_t* start = nullptr;        // Literal: its first unit
     };
 
+    void openDocument(std::unique_ptr<XmlInput> input, std::istream& in, const UnicodeString& systemId,
+                      const UnicodeString& baseUri);
     void endLoans() const {
         for (WindowBorrower* const borrower : borrowers_) borrower->windowMoves();
     }
@@ -188,7 +202,6 @@ private:
     void popFrame();
     void closeFrames() { popTo(0); }
     std::int32_t readCharSlow();
-    bool isWithinExpansionLimit(std::uint64_t moreUnits);
     TextPosition findPosition() const;
     TextPosition positionOf(std::size_t frameIndex) const;
 
@@ -201,10 +214,9 @@ private:
     std::vector<WindowBorrower*> borrowers_;
     InputWatcher* watcher_ = nullptr;
 
+    InputMeter& meter_;
+    const bool isExternal_;
     std::unordered_set<std::uint32_t, KeyedHash> openEntities_;  // whose replacement text is being read
-    std::uint64_t expandedUnits_ = 0;
-    std::uint64_t allowedUnits_ = 0;  // by the bytes read when they were counted last
-    std::uint64_t closedBytes_ = 0;   // read from inputs that are closed by now
 
     mutable TextPosition position_{-1, -1};  // when it was asked for last
     UnicodeString encodingName_;             // of the last input when none is open

@@ -27,6 +27,10 @@ public:
     LiteralReader(InputStack& inputs, ReferenceReader& references, const EntityTable& entities, ErrorReporter& errors)
         : inputs_(inputs), references_(references), entities_(entities), errors_(errors) {}
 
+    void setLimit(std::uint64_t units) noexcept {
+        raw_.setLimit(units);
+        result_.setLimit(units);
+    }
     UnicodeString read(LiteralType type);
     /// The same, appended to `out`.
     void read(LiteralType type, UnitBuffer& out);
@@ -46,8 +50,8 @@ private:
     ReferenceReader& references_;
     const EntityTable& entities_;
     ErrorReporter& errors_;
-    UnitBuffer raw_;
-    UnitBuffer result_;
+    UnitBuffer raw_{XmlError::ValueLimit};
+    UnitBuffer result_{XmlError::ValueLimit};
 };
 
 }  // namespace LumCommon::detail

@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/CaseMapping.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/detail/ContentCopy.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
@@ -8,6 +9,7 @@
 #include <lumcommon/xml/detail/XmlChars.h>
 #include <lumcommon/xml/detail/XmlDeclReader.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace LumCommon::detail {
@@ -48,9 +50,7 @@ TokenKind MarkupReader::lookAheadSlow() {
 void MarkupReader::readJoinedText(const char16_t* plainEnd) {
     UnitBuffer& text = event_.text.units();
     XmlCursor& cursor = inputs_.cursor();
-    text.append(cursor.cur, static_cast<std::size_t>(plainEnd - cursor.cur));
-    cursor.cur = plainEnd;
-    cursor.touch(plainEnd);
+    inputs_.copyTo(plainEnd, text);
     std::size_t brackets = 0;  // "]" directly before the cursor, in this run
     for (;;) {
         if (cursor.cur == cursor.end && !inputs_.pull()) return;
@@ -60,13 +60,9 @@ void MarkupReader::readJoinedText(const char16_t* plainEnd) {
             errors_.report(XmlError::CDataEndInText);
         }
         const char16_t* const found = findTextEnd(start, cursor.end);
-        text.append(start, static_cast<std::size_t>(found - start));
-        cursor.cur = found;
+        inputs_.copyTo(found, text);
         if (found != start) brackets = 0;
-        if (found == cursor.end) {
-            cursor.touch(found);
-            continue;
-        }
+        if (found == cursor.end) continue;
         cursor.touch(found + 1);
         if (*found != ']') return;
         text.append(u']');
@@ -85,8 +81,8 @@ void MarkupReader::readTopLevelText() {
             isSpace = false;
             char code[24];
             const int size = std::snprintf(code, sizeof code, "U+%04X (", static_cast<unsigned>(c));
-            errors_.report(XmlError::TopLevelText,
-                           UnicodeString(code, size, US_INV).append(static_cast<UChar32>(c)).append(u')'));
+            UnicodeString place = checked(UnicodeString(code, size, US_INV));
+            errors_.report(XmlError::TopLevelText, append(append(place, static_cast<char32_t>(c)), u')'));
         }
         event_.text.units().appendCodePoint(c);
     }
@@ -132,13 +128,10 @@ void MarkupReader::readCData() {
         std::size_t brackets = 0;
         std::int32_t c;
         while ((c = inputs_.readChar()) == ']') {
-            event_.text.units().append(u']');
-            ++brackets;
+            if (++brackets > 2) event_.text.units().append(u']');  // the last two may belong to the end
         }
-        if (c == '>' && brackets >= 2) {
-            event_.text.truncate(event_.text.size() - 2);
-            return;
-        }
+        if (c == '>' && brackets >= 2) return;
+        for (brackets = std::min<std::size_t>(brackets, 2); brackets > 0; --brackets) event_.text.units().append(u']');
         inputs_.unreadChar(c);
     }
     errors_.report(XmlError::CDataUnterminated);

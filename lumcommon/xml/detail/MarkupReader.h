@@ -97,7 +97,9 @@ inline void MarkupReader::readText() {
         if (found + 1 == cursor.end || found[1] == ']') return readJoinedText(found);
         found = findTextEnd(found + 1, cursor.end);
     }
-    if (found == cursor.end) return readJoinedText(found);
+    if (found == cursor.end || static_cast<std::size_t>(found - start) > event_.text.limit()) {
+        return readJoinedText(found);
+    }
     event_.text.borrow({start, static_cast<std::size_t>(found - start)});
     cursor.cur = found;
     cursor.touch(found + 1);

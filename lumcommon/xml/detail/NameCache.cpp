@@ -13,6 +13,13 @@ constexpr std::size_t blockUnits = 4096;
 
 NameCache::NameCache() : key_(processHashKey()), mask_(initialSlots - 1), slots_(initialSlots) {}
 
+void NameCache::clear() {
+    std::fill(slots_.begin(), slots_.end(), Slot());
+    names_.clear();
+    blocks_.clear();
+    blockLeft_ = 0;
+}
+
 void NameCache::insert(Slot slot) noexcept {
     std::uint32_t i = slot.hash & mask_;
     while (slots_[i].name) i = (i + 1) & mask_;

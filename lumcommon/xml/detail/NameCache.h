@@ -67,6 +67,7 @@ public:
         }
     }
 
+    void clear();
     /// Adds a name that find() does not know. The entry stays at its place.
     const CachedName* add(const char16_t* text, std::size_t size, LumNameEnum prefix, LumNameEnum localName);
 

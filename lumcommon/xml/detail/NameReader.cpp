@@ -1,5 +1,4 @@
 #include <lumcommon/core/detail/CheckedText.h>
-#include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
@@ -38,6 +37,22 @@ UnicodeString QName::toString() const {
     return name;
 }
 
+void NameReader::start(const LumXmlLimits& limits) {
+    if (limits.nameUnits < buffer_.limit()) {  // which those that are known may exceed
+        cache_.clear();
+        last_ = &first_;
+        first_.following = first_.followingElse = nullptr;
+    }
+    buffer_.setLimit(limits.nameUnits);
+    const bool isLimited = limits.names < LumXmlLimits::off - met_.size();
+    mostNames_ = isLimited ? met_.size() + limits.names : LumXmlLimits::off;
+}
+
+void NameReader::count(LumNameEnum name) {
+    if (met_.size() >= mostNames_ && !met_.contains(name)) throw LimitExceeded{XmlError::NamesLimit};
+    met_.insert(name);
+}
+
 void NameReader::scanNCName() {
     buffer_.clear();
     std::int32_t c = inputs_.readChar();
@@ -55,7 +70,7 @@ LumName NameReader::readNCName() {
     if (buffer_.empty()) return LumName();
     const CachedName* name = cache_.find(buffer_.data(), buffer_.size());
     if (!name) {
-        name = cache_.add(buffer_.data(), buffer_.size(), NAME_NULL, internName(buffer_.data(), buffer_.size()));
+        name = cache_.add(buffer_.data(), buffer_.size(), NAME_NULL, intern(buffer_.data(), buffer_.size()));
     }
     return name->localName;
 }
@@ -99,8 +114,11 @@ const CachedName* NameReader::readNewQName() {
         if (!splitQName(start, size, colon)) return nullptr;
         const bool hasPrefix = colon != size;
         const std::size_t local = hasPrefix ? colon + 1 : 0;
-        const LumNameEnum prefix = hasPrefix ? internName(start, colon) : NAME_NULL;
-        name = cache_.add(start, size, prefix, internName(start + local, size - local));
+        if (std::max(colon, size - local) > buffer_.limit()) return nullptr;
+        cursor.touch(start + local);  // as far as a name that is too many has been read
+        const LumNameEnum prefix = hasPrefix ? intern(start, colon) : NAME_NULL;
+        cursor.touch(p + 1);
+        name = cache_.add(start, size, prefix, intern(start + local, size - local));
     }
     cursor.cur = p;
     cursor.touch(p + 1);

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/NameCache.h>
 #include <lumcommon/xml/detail/UnitBuffer.h>
+
+#include <unordered_set>
 
 namespace LumCommon::detail {
 
@@ -18,6 +21,15 @@ struct QName {
 class NameReader {
 public:
     explicit NameReader(InputStack& inputs) : inputs_(inputs) {}
+
+    /// For another document. Names may be forgotten.
+    void start(const LumXmlLimits& limits);
+    /// Interns a name that the document uses.   Throws LimitExceeded.
+    LumNameEnum intern(const char16_t* text, std::size_t size) {
+        const LumNameEnum name = internName(text, size);
+        if (mostNames_ != LumXmlLimits::off) count(name);
+        return name;
+    }
 
     /// A name without a colon; null, and nothing read, when the input does not continue with one.
     LumName readNCName();
@@ -50,6 +62,7 @@ public:
 
 private:
     void scanNCName();
+    void count(LumNameEnum name);
     const CachedName* find(const char16_t* p, const char16_t* end) noexcept;
     const CachedName* readNewQName();
     const CachedName* follow(const CachedName* name) noexcept {
@@ -62,7 +75,9 @@ private:
     NameCache cache_;
     const CachedName first_{};  // stands before the first name
     const CachedName* last_ = &first_;
-    UnitBuffer buffer_;
+    UnitBuffer buffer_{XmlError::NameLimit};
+    std::uint64_t mostNames_ = LumXmlLimits::off;       // of met_
+    std::unordered_set<std::uint32_t, KeyedHash> met_;  // while there is a limit
 };
 
 }  // namespace LumCommon::detail

@@ -1,10 +1,12 @@
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/streams/LumGzipStream.h>
+#include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/detail/OpenInput.h>
 
 #include <cxxabi.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace LumCommon::detail {
@@ -13,15 +15,60 @@ namespace {
 
 constexpr int gzipFirstByte = 0x1F;
 
-struct SourceOwner {
-    std::unique_ptr<std::istream> source;
+/// Passes on what a stream has to give, and counts it.
+class MeteredBuf : public LumRefillStreamBuf {
+public:
+    explicit MeteredBuf(std::unique_ptr<std::istream> source)
+        : LumRefillStreamBuf(refillBytes, putbackBytes), source_(std::move(source)) {
+        allocateBlock();
+    }
+
+    void meterBy(InputMeter& meter, InputMeter::Account& account) {
+        meter_ = &meter;
+        account_ = &account;
+        account.compressedBytes = count_;
+    }
+
+private:
+    std::size_t refill(std::span<char> room) override {
+        std::streambuf* const buffer = source_->rdbuf();
+        std::streamsize count = 0;
+        if (buffer && !source_->bad() && buffer->sgetc() != traits_type::eof()) {
+            const auto available = static_cast<std::size_t>(std::max<std::streamsize>(buffer->in_avail(), 1));
+            std::size_t most = std::min(available, room.size());
+            if (meter_) most = meter_->compressedRoom(*account_, most);
+            if (most == 0) return 0;
+            count = buffer->sgetn(room.data(), static_cast<std::streamsize>(most));
+        }
+        if (count <= 0) {
+            if (isBroken(*source_)) fail();
+            return 0;
+        }
+        count_ += static_cast<std::uint64_t>(count);
+        if (meter_) meter_->addCompressed(*account_, static_cast<std::size_t>(count));
+        return static_cast<std::size_t>(count);
+    }
+
+    std::unique_ptr<std::istream> source_;
+    InputMeter* meter_ = nullptr;
+    InputMeter::Account* account_ = nullptr;
+    std::uint64_t count_ = 0;
+};
+
+struct Compressed {
+    explicit Compressed(std::unique_ptr<std::istream> compressed) : buffer(std::move(compressed)) {}
+
+    MeteredBuf buffer;
+    std::istream source{&buffer};
 };
 
 /// Decompresses a stream that it owns.
-class GzipInput : private SourceOwner, public LumGzipStream {
+class GzipInput final : private Compressed, public LumGzipStream, public InflatingInput {
 public:
     explicit GzipInput(std::unique_ptr<std::istream> compressed)
-        : SourceOwner{std::move(compressed)}, LumGzipStream(makeBuffer(*source)) {}
+        : Compressed(std::move(compressed)), LumGzipStream(makeBuffer(source)) {}
+
+    void meterBy(InputMeter& meter, InputMeter::Account& account) override { buffer.meterBy(meter, account); }
 
 private:
     static LumGzipStreamBuf* makeBuffer(std::istream& compressed) {
@@ -33,8 +80,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<std::istream> openInput(const LumUri& resource) {
-    std::unique_ptr<std::istream> in(resource.getStream());
+std::unique_ptr<std::istream> openInput(const LumUri& resource, bool& isRefused) {
+    std::unique_ptr<std::istream> in(resource.getStream(nullptr, nullptr, &isRefused));
     if (in) in->exceptions(std::ios::goodbit);  // a resolver may have set it to throw
     if (!in || in->peek() != gzipFirstByte) {
         // Looking at an empty stream must leave no more trace than opening it.

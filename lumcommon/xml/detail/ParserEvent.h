@@ -73,7 +73,7 @@ public:
         if (!entityName.isNull()) return entityName;
         char name[16];
         const int size = std::snprintf(name, sizeof name, "#x%X", static_cast<unsigned>(entityChar));
-        return LumName(UnicodeString(name, size, US_INV));
+        return LumName(checked(UnicodeString(name, size, US_INV)));
     }
 
     /// The text as a string, once one of the functions below has made it.

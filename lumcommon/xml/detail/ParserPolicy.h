@@ -15,10 +15,8 @@ public:
         if (isFeature(feature)) features_[feature] = value;
     }
     bool get(Feature feature) const noexcept { return isFeature(feature) && features_[feature]; }
-    /// From now on no external entity can be opened.
-    void refuseExternalInputs() noexcept { opensExternalInputs_ = false; }
 
-    bool opensExternalInputs() const noexcept { return opensExternalInputs_; }
+    bool opensExternals() const noexcept { return !features_[LumXmlParser::FEATURE_NO_EXTERNAL]; }
     bool readsExternalDtd() const noexcept { return !features_[LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD]; }
     bool forgivesExternalDtdErrors() const noexcept {
         return features_[LumXmlParser::FEATURE_IGNORE_EXTERNAL_DTD_ERRORS];
@@ -38,12 +36,14 @@ public:
     }
 
 private:
-    static constexpr int featureCount = LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY + 1;
+    static constexpr int featureCount = LumXmlParser::FEATURE_NO_EXTERNAL + 1;
 
-    static bool isFeature(int feature) noexcept { return feature >= 0 && feature < featureCount; }
+    static bool isFeature(int feature) noexcept {
+        return (feature >= 0 && feature <= LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY) ||
+               feature == LumXmlParser::FEATURE_NO_EXTERNAL;
+    }
 
     bool features_[featureCount] = {};
-    bool opensExternalInputs_ = true;
 };
 
 }  // namespace LumCommon::detail

@@ -4,6 +4,7 @@
 #include <lumcommon/xml/detail/EntityExpander.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
+#include <lumcommon/xml/detail/InputMeter.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/LiteralReader.h>
 #include <lumcommon/xml/detail/MarkupReader.h>
@@ -17,14 +18,17 @@ namespace LumCommon::detail {
 
 /// The parts that read everything but tags, each given those before it that it needs. Only their owner sees them all.
 struct ReaderParts {
-    ReaderParts() {
-        inputs.lendTo(event);
-        inputs.watchFor(errors);
+    ReaderParts() : meter(ownMeter_), inputs(meter, false) { connect(); }
+    /// For an external definition, which counts as an input of its document.
+    explicit ReaderParts(InputMeter& ofDocument) : meter(ofDocument), inputs(meter, true) {
+        connect();
+        startReading();
     }
     ReaderParts(const ReaderParts&) = delete;
     ReaderParts& operator=(const ReaderParts&) = delete;
 
     ParserPolicy policy;
+    InputMeter& meter;
     ParserEvent event;
     InputStack inputs;
     ErrorReporter errors{event, inputs};
@@ -33,16 +37,14 @@ struct ReaderParts {
     ReferenceReader references{inputs, names, entities, errors};
     LiteralReader literals{inputs, references, entities, errors};
     XmlDeclReader declarations{event, inputs, names, literals, policy, errors};
-    EntityExpander expander{event, inputs, references, declarations, entities, policy, errors};
+    EntityExpander expander{event, inputs, references, declarations, entities, policy, meter, errors};
     MarkupReader markup{event, inputs, names, declarations, errors};
     DefinitionReader definitions{event, inputs, names, literals, expander, entities, policy, errors};
 
     /// Makes ready for another document.
-    void reset() {
-        event.reset();
-        inputs.reset();
-        entities.reset();
-        declarations.reset();
+    void reset(const LumXmlLimits& limits) {
+        meter.start(limits);
+        startReading();
     }
     /// The text of the current event: that of an entity for a reference to it.
     const UnicodeString& eventText() const {
@@ -70,6 +72,24 @@ struct ReaderParts {
         if (markup.lookAhead() == TokenKind::Instruction) markup.readInstruction();
         input.unleash();
     }
+
+private:
+    void connect() {
+        inputs.lendTo(event);
+        inputs.watchFor(errors);
+    }
+    void startReading() {
+        const LumXmlLimits& limits = meter.limits();
+        event.text.setLimit(limits.textUnits);
+        names.start(limits);
+        literals.setLimit(limits.valueUnits);
+        event.reset();
+        inputs.reset();
+        entities.reset();
+        declarations.reset();
+    }
+
+    InputMeter ownMeter_;
 };
 
 }  // namespace LumCommon::detail

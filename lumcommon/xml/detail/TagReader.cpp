@@ -1,4 +1,3 @@
-#include <lumcommon/names/detail/NameIntern.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/LiteralReader.h>
@@ -7,6 +6,9 @@
 #include <lumcommon/xml/detail/TagReader.h>
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
+
+#include <algorithm>
+#include <limits>
 
 namespace LumCommon::detail {
 
@@ -36,7 +38,11 @@ TagReader::TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, 
 
 void TagReader::windowMoves() { attributes_.takeOver(); }
 
-void TagReader::reset() {
+void TagReader::reset(const LumXmlLimits& limits) {
+    constexpr std::uint64_t mostCounted = std::numeric_limits<std::int32_t>::max() - 1;
+    mostDepth_ = std::min(limits.depth, mostCounted);
+    mostAttributes_ = std::min(limits.attributes, mostCounted);
+    value_.setLimit(limits.valueUnits);
     isRootSeen_ = false;
     rootName_ = rootNamespace_ = LumName();
     attributes_.clear();
@@ -111,6 +117,7 @@ void TagReader::readStartTag() {
     }
     if (!isRootSeen_) rootName_ = name.localName;
     // The tag has its names once they are resolved.
+    if (open_.size() > mostDepth_) throw LimitExceeded{XmlError::DepthLimit};
     const OpenElement& parent = open_.back();
     open_.push_back({{}, parent.scopes, cached, parent.bindings});
     attributes_.clear();
@@ -153,6 +160,9 @@ bool TagReader::readPlainAttributes() {
     XmlCursor& cursor = inputs_.cursor();
     const char16_t* const end = cursor.end;
     const char16_t* p = cursor.cur;  // after a name or a value
+    const auto units = static_cast<std::size_t>(end - p);
+    // Where what may come in the window can exceed a limit, attributes are read one by one; each takes four units.
+    if (units > value_.limit() || attributes_.size() + units / 4 >= mostAttributes_) return false;
     const bool lends = inputs_.lends();
     bool isAtEnd = false;
     for (;;) {
@@ -204,6 +214,7 @@ void TagReader::readAttribute() {
     inputs_.skipWhitespace();
     value_.clear();
     literals_.read(LiteralType::Attribute, value_);
+    if (attributes_.size() >= mostAttributes_) throw LimitExceeded{XmlError::AttributesLimit};
     Attribute& attribute = addAttribute(name, cached, {value_.data(), value_.size()});
     attributes_.takeOver(attribute);
     if (bindsPrefix(name.prefix.getEnum(), name.localName.getEnum())) bindDeclaration(attribute);
@@ -211,7 +222,7 @@ void TagReader::readAttribute() {
 
 void TagReader::bindDeclaration(Attribute& attribute) {
     const std::u16string_view value = attributes_.valueOf(attribute);
-    const LumName uri(internName(value.data(), value.size()));
+    const LumName uri(names_.intern(value.data(), value.size()));
     bind(attribute.name.prefix.isNull() ? LumName() : attribute.name.localName, uri);
     attribute.namespaceUri = NAME_NS_XMLNS;
     hasPrefixes_ = true;  // in effect

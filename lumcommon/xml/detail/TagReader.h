@@ -21,7 +21,7 @@ public:
     TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
               const ParserPolicy& policy, ErrorReporter& errors);
 
-    void reset();
+    void reset(const LumXmlLimits& limits);
 
     // After "<" and "</".
     void readStartTag();
@@ -94,10 +94,12 @@ private:
     const ParserPolicy& policy_;
     ErrorReporter& errors_;
 
+    std::uint64_t mostDepth_ = LumXmlLimits::off;
+    std::uint64_t mostAttributes_ = LumXmlLimits::off;
     AttributeList attributes_;
-    UnitBuffer value_;          // of the attribute being read, where it is not plain
-    bool mayRepeat_ = false;    // two attributes may have the same name as written
-    bool hasPrefixes_ = false;  // some attributes may be in a namespace
+    UnitBuffer value_{XmlError::ValueLimit};  // of the attribute being read, where it is not plain
+    bool mayRepeat_ = false;                  // two attributes may have the same name as written
+    bool hasPrefixes_ = false;                // some attributes may be in a namespace
     std::uint64_t tagCount_ = 0;
     LumPtr<NamespaceManager> namespaces_;  // has a scope for each open element that binds a prefix
     std::uint64_t bindingsCount_ = 0;

@@ -50,7 +50,7 @@ void TextPosition::advance(const char16_t* from, const char16_t* to, bool mayHav
         column = 0;
         for (start = to; start[-1] != '\n';) --start;
     }
-    column += static_cast<std::int32_t>(to - start);
+    column += to - start;
     if (!mayHavePairs) return;
     for (const char16_t* p = start; p + 1 < to; ++p) {
         if (U16_IS_LEAD(p[0]) && U16_IS_TRAIL(p[1])) {

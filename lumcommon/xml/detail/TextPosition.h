@@ -6,8 +6,8 @@ namespace LumCommon::detail {
 
 /// A place in a text: lines from 1, columns as the number of characters read on the line.
 struct TextPosition {
-    std::int32_t line = 1;
-    std::int32_t column = 0;
+    std::int64_t line = 1;
+    std::int64_t column = 0;
 
     /// Moves over the units from `from` to `to`; line ends are line feeds by now. A surrogate pair is one character.
     /// @param mayHavePairs  false: there are none.

@@ -1,4 +1,6 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/detail/StreamReading.h>
+#include <lumcommon/xml/detail/OpenInput.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
 #include <cxxabi.h>
@@ -28,8 +30,8 @@ void setState(std::istream& in, std::ios::iostate bits) {
 /// Hands out the bytes that were read before the charset was known, then the rest of the stream.
 class XmlInput::Remainder : public std::streambuf {
 public:
-    Remainder(std::istream& rest, const unsigned char* from, const unsigned char* to)
-        : stream(this), rest_(rest), block_(from, to) {
+    Remainder(XmlInput& input, const unsigned char* from, const unsigned char* to)
+        : stream(this), input_(input), block_(from, to) {
         char* const start = reinterpret_cast<char*>(block_.data());
         setg(start, start, start + block_.size());
     }
@@ -38,22 +40,19 @@ public:
 
 private:
     int_type underflow() override {
-        std::streambuf* const buffer = rest_.rdbuf();
-        if (!buffer || rest_.bad() || buffer->sgetc() == traits_type::eof()) return end();
         block_.resize(blockBytes);
         char* const start = reinterpret_cast<char*>(block_.data());
-        const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
-        const std::streamsize count = buffer->sgetn(start, std::min<std::streamsize>(available, blockBytes));
+        const std::streamsize count = input_.readMetered(*input_.stream_, start, blockBytes);
         if (count <= 0) return end();
         setg(start, start, start + count);
         return traits_type::to_int_type(*start);
     }
     int_type end() {
-        if (isBroken(rest_)) stream.setstate(std::ios::badbit);
+        if (isBroken(*input_.stream_)) stream.setstate(std::ios::badbit);
         return traits_type::eof();
     }
 
-    std::istream& rest_;
+    XmlInput& input_;
     std::vector<unsigned char> block_;
 };
 
@@ -79,9 +78,8 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
         givenCharset_ = charset;
         return true;
     }
-    std::string name;
-    charset.toUTF8String(name);
-    auto remainder = std::make_unique<Remainder>(*stream_, bytes_.get() + byteStart_, bytes_.get() + byteEnd_);
+    const std::string name = utf8Of(charset);
+    auto remainder = std::make_unique<Remainder>(*this, bytes_.get() + byteStart_, bytes_.get() + byteEnd_);
     auto converted = std::make_unique<LumKobStream>(&remainder->stream, name.c_str());
     if (!converted->is_open()) return false;
     remainder_ = std::move(remainder);
@@ -92,12 +90,39 @@ bool XmlInput::convertFrom(const UnicodeString& charset) {
     return true;
 }
 
-bool XmlInput::isCharset(const UnicodeString& name) {
-    std::string charset;
-    return LumKobStreamBuf(nullptr, name.toUTF8String(charset).c_str()).is_open();
-}
+bool XmlInput::isCharset(const UnicodeString& name) { return LumKobStreamBuf(nullptr, utf8Of(name).c_str()).is_open(); }
 
 std::istream* XmlInput::source() noexcept { return converted_ ? converted_.get() : stream_; }
+
+void XmlInput::meterBy(InputMeter& meter, bool isExternal) {
+    meter_ = &meter;
+    account_.isExternal = isExternal;
+    if (auto* const inflating = dynamic_cast<InflatingInput*>(stream_)) {
+        account_.isInflated = true;
+        inflating->meterBy(meter, account_);
+    }
+}
+
+/// What `in` has to give at once, as far as the limits allow; 0 at its end.
+std::streamsize XmlInput::readMetered(std::istream& in, char* to, std::size_t most) {
+    std::streambuf* const buffer = in.rdbuf();
+    if (!buffer || in.bad() || buffer->sgetc() == std::char_traits<char>::eof()) return 0;
+    // A buffer that cannot tell what it holds has at least the byte just looked at.
+    const auto available = static_cast<std::size_t>(std::max<std::streamsize>(buffer->in_avail(), 1));
+    most = std::min(most, available);
+    if (meter_) most = meter_->room(account_, most);
+    const std::streamsize count = most ? buffer->sgetn(to, static_cast<std::streamsize>(most)) : 0;
+    if (meter_ && count > 0) meter_->add(account_, static_cast<std::size_t>(count));
+    return count;
+}
+
+/// The same from what converts the bytes, which reads metered itself.
+std::streamsize XmlInput::readConverted(char* to, std::size_t most) {
+    std::streambuf* const buffer = converted_->rdbuf();
+    if (converted_->bad() || buffer->sgetc() == std::char_traits<char>::eof()) return 0;
+    const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
+    return buffer->sgetn(to, std::min(available, static_cast<std::streamsize>(most)));
+}
 
 bool XmlInput::fillBytes() {
     if (isAtEnd_) return false;
@@ -107,16 +132,11 @@ bool XmlInput::fillBytes() {
         byteStart_ = 0;
     }
     std::istream* const in = source();
-    std::streambuf* const buffer = in->rdbuf();
+    char* const to = reinterpret_cast<char*>(bytes_.get() + byteEnd_);
     const std::size_t room = blockBytes - byteEnd_;
     std::streamsize count = 0;
     try {
-        if (buffer && !in->bad() && buffer->sgetc() != std::char_traits<char>::eof()) {
-            // A buffer that cannot tell what it holds has at least the byte just looked at.
-            const std::streamsize available = std::max<std::streamsize>(buffer->in_avail(), 1);
-            count = buffer->sgetn(reinterpret_cast<char*>(bytes_.get() + byteEnd_),
-                                  std::min(available, static_cast<std::streamsize>(room)));
-        }
+        count = converted_ ? readConverted(to, room) : readMetered(*in, to, room);
     } catch (const abi::__forced_unwind&) {
         throw;  // the thread is being cancelled
     } catch (const std::bad_alloc&) {
@@ -133,7 +153,6 @@ bool XmlInput::fillBytes() {
         return false;
     }
     byteEnd_ += static_cast<std::size_t>(count);
-    bytesRead_ += static_cast<std::uint64_t>(count);
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/Text.h>
 #include <lumcommon/streams/LumKobStream.h>
+#include <lumcommon/xml/detail/InputMeter.h>
 #include <lumcommon/xml/detail/TextPosition.h>
 #include <lumcommon/xml/detail/XmlDecoder.h>
 
@@ -38,6 +39,8 @@ public:
     /// The stream to read, given once, before anything is read.
     /// @param ownsStream  whether the stream is deleted with this.
     void setStream(std::istream* stream, bool ownsStream) noexcept;
+    /// Before anything is read: what is read from now on is counted, and held to the limits.
+    void meterBy(InputMeter& meter, bool isExternal);
 
     /// Recognises the encoding from the first bytes. Characters that had to be read for it are in the window, and do
     /// not count as read.
@@ -68,7 +71,6 @@ public:
 
     XmlEncoding getEncoding() const noexcept { return decoder_.encoding; }
     void setEncoding(XmlEncoding encoding) noexcept { decoder_.encoding = encoding; }
-    std::uint64_t getBytesRead() const noexcept { return bytesRead_; }
 
     UnicodeString encodingName;
     bool hasBom = false;
@@ -79,13 +81,14 @@ private:
     class Remainder;
 
     bool fillBytes();
+    std::streamsize readMetered(std::istream& in, char* to, std::size_t most);
+    std::streamsize readConverted(char* to, std::size_t most);
     TextPosition countPosition(const XmlCursor& cursor);
     TextPosition positionBy(const std::uint16_t* nextFeed, const char16_t* high) const noexcept {
         if (nextFeed == feeds_.get()) {
-            return {position_.line, position_.column + static_cast<std::int32_t>(high - counted_)};
+            return {position_.line, position_.column + (high - counted_)};
         }
-        return {position_.line + static_cast<std::int32_t>(nextFeed - feeds_.get()),
-                static_cast<std::int32_t>(high - counted_) - nextFeed[-1] - 1};
+        return {position_.line + (nextFeed - feeds_.get()), (high - counted_) - nextFeed[-1] - 1};
     }
     std::istream* source() noexcept;
     int peekByte(std::size_t index);
@@ -115,7 +118,8 @@ private:
     std::unique_ptr<unsigned char[]> bytes_;
     std::size_t byteStart_ = 0;
     std::size_t byteEnd_ = 0;
-    std::uint64_t bytesRead_ = 0;
+    InputMeter* meter_ = nullptr;
+    InputMeter::Account account_;
     std::unique_ptr<char16_t[]> window_;
 };
 

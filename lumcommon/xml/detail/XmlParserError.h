@@ -65,8 +65,28 @@ enum Code : std::uint16_t {
     ExpansionLimit = 0x1837,  ///< entities expand to far more than what was read
     NestingLimit = 0x1838,    ///< too many external inputs are open at once
     EncodingConflict = 0x1839,
+    ExternalRefused = 0x183A,  ///< a resource that must not be opened, by the feature or the resolver
+    // Of struct LumXmlLimits, in its order; they have no messages of their own.
+    DepthLimit = 0x183B,
+    AttributesLimit = 0x183C,
+    TextLimit = 0x183D,
+    NameLimit = 0x183E,
+    ValueLimit = 0x183F,
+    ExternalInputsLimit = 0x1840,
+    ExternalBytesLimit = 0x1841,
+    InflatedBytesLimit = 0x1842,
+    InflationRatioLimit = 0x1843,
+    TotalBytesLimit = 0x1844,
+    TimeLimit = 0x1845,
+    NamesLimit = 0x1846,
 };
 }  // namespace XmlError
+
+/// Thrown inside a parser where a limit is exceeded. The parser reports the error and ends the document; nobody between
+/// goes on, whatever errors he forgives.
+struct LimitExceeded {
+    XmlError::Code code;
+};
 
 /// The message of a code, in either form; "XML parser error." for codes without one.
 UnicodeString makeXmlErrorMessage(std::uint16_t code, const UnicodeString& a, const UnicodeString& b);

@@ -1,7 +1,9 @@
 #include <lumcommon/containers/office/detail/CodePageText.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/cconv.h>
 
 #include <climits>
+#include <new>
 
 namespace LumCommon::detail {
 namespace {
@@ -11,13 +13,19 @@ struct Conversion {
     ~Conversion() { cconvTermConvert(context); }
 };
 
+/// True when a function of the conversion has succeeded.
+bool isDone(int result) {
+    if (result == cconvOutOfMemory) throw std::bad_alloc();
+    return result == 0;
+}
+
 bool setUp(CConvContext& context, const std::string& charset) {
-    if (cconvInitConvert(context, {}, "UTF-8") != 0) return false;
+    if (!isDone(cconvInitConvert(context, {}, "UTF-8"))) return false;
     // The PC and the Windows table of a number can differ, and property sets are a Windows format.
     const std::string windowsName = charset.starts_with("cp") ? "windows-" + charset.substr(2) : charset;
-    return cconvChgCharset(context, {}, windowsName.c_str()) == 0 ||
-           (windowsName != charset && cconvChgCharset(context, {}, charset.c_str()) == 0) ||
-           cconvChgCharset(context, {}, "ISO-8859-1") == 0;
+    return isDone(cconvChgCharset(context, {}, windowsName.c_str())) ||
+           (windowsName != charset && isDone(cconvChgCharset(context, {}, charset.c_str()))) ||
+           isDone(cconvChgCharset(context, {}, "ISO-8859-1"));
 }
 
 }  // namespace
@@ -40,7 +48,7 @@ UnicodeString fromCodePage(std::string_view bytes, const std::string& charset) {
     context.outputCapacity = sizeof piece;
     while (cconvConvert(context) == 0 && context.status == 0) utf8.append(piece, context.outputProduced);
     const std::size_t end = utf8.find('\0');
-    return UnicodeString::fromUTF8(end == std::string::npos ? utf8 : utf8.substr(0, end));
+    return fromUtf8(std::string_view(utf8).substr(0, end));
 }
 
 }  // namespace LumCommon::detail

@@ -1,5 +1,6 @@
 #include <lumcommon/containers/office/detail/PackagePartReader.h>
 #include <lumcommon/core/LumStrings.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/xml/XmlParserFactoryImpl.h>
 
 namespace LumCommon::detail {
@@ -29,7 +30,7 @@ UnicodeString PackagePartReader::getAttribute(const UnicodeString& localName) co
     // namespace, which these parts declare.
     for (int i = 0; i < parser_->getAttributeCount(); ++i) {
         if (parser_->getAttributePrefix(i).isNull() && parser_->getAttributeName(i).getString() == localName) {
-            return parser_->getAttributeValue(i);
+            return copyOf(parser_->getAttributeValue(i));
         }
     }
     return LumBogusString::BOGUS_VALUE;

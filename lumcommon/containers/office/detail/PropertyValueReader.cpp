@@ -1,5 +1,6 @@
 #include <lumcommon/containers/office/detail/CodePageText.h>
 #include <lumcommon/containers/office/detail/PropertyValueReader.h>
+#include <lumcommon/core/detail/CheckedText.h>
 
 #include <algorithm>
 #include <bit>
@@ -108,7 +109,7 @@ UnicodeString PropertyValueReader::decodeWide(Run bytes) const {
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
         const unsigned unit = littleEndian_ ? bytes[i] | bytes[i + 1] << 8 : bytes[i] << 8 | bytes[i + 1];
         if (unit == 0) break;
-        text.append(static_cast<char16_t>(unit));
+        append(text, static_cast<char16_t>(unit));
     }
     return text;
 }
@@ -168,7 +169,7 @@ bool PropertyValueReader::readDecimal(Content& content) {
     if (digits.size() <= scale) digits.insert(0, scale + 1 - digits.size(), '0');
     if (scale != 0) digits.insert(digits.size() - scale, 1, '.');
     if ((sign & negative) != 0) digits.insert(0, 1, '-');
-    content = UnicodeString::fromUTF8(digits);
+    content = fromUtf8(digits);
     return true;
 }
 
