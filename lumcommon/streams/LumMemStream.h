@@ -64,10 +64,8 @@ public:
     /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
     /// and a reader at its end sees the new bytes.
     /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
-    /// throws.
+    ///             throws.
     void setSource(std::istream* source, bool own);
-    /// Whether a source has ended because it is broken: what the buffer holds is not all there is.
-    bool hasFailed() const noexcept { return hasFailed_; }
 
     /// The number of bytes. Cost: reads every source to its end.
     std::size_t length();
@@ -151,8 +149,8 @@ private:
     std::size_t getBlock_ = 0;                    // the block of the get area, while there is one
     std::size_t putBlock_ = 0;                    // the block of the put area, while there is one
     std::size_t lastBlockFill_ = 0;               // valid bytes of the last block
-    std::deque<MaybeOwned<std::istream>>
-        sources_;  // the front one is read first; none waits while the last block has room
+    // The front one is read first; none waits while the last block has room.
+    std::deque<MaybeOwned<std::istream>> sources_;
     unsigned growBytes_;
     bool keepMemory_ = true;
     bool hasFailed_ = false;
