@@ -20,6 +20,10 @@ using LumTest::numberOf;
 using LumTest::utf8;
 using Xls = XlsFormatString;
 
+XlsFormat byContract(const UnicodeString& code, bool is1904 = false) {
+    return XlsFormat(code, is1904, XlsFormat::Rules::CONTRACT);
+}
+
 int integerOf(const UnicodeString& field) { return static_cast<int>(numberOf(field)); }
 
 FMT2 parsed(const UnicodeString& code) {
@@ -29,7 +33,7 @@ FMT2 parsed(const UnicodeString& code) {
 }
 
 std::string cell(const Fields& fields) {
-    const XlsFormat::Result result = XlsFormat(fields[0]).format(numberOf(fields[1]));
+    const XlsFormat::Result result = byContract(fields[0]).format(numberOf(fields[1]));
     char color[32] = "-";
     if (result.color != XlsFormat::NO_COLOR) std::snprintf(color, sizeof color, "%06X", unsigned(result.color));
     return utf8(result.text) + " ~ " + std::to_string(result.section) + " ~ " + color;
@@ -87,8 +91,8 @@ std::string longCode(const Fields& fields) {
 
 const LumTest::Operations steps = {
     {"cell", cell},
-    {"shown", [](const Fields& f) { return utf8(XlsFormat(f[0]).format(numberOf(f[1])).text); }},
-    {"shownText", [](const Fields& f) { return utf8(XlsFormat(f[0]).format(f[1]).text); }},
+    {"shown", [](const Fields& f) { return utf8(byContract(f[0]).format(numberOf(f[1])).text); }},
+    {"shownText", [](const Fields& f) { return utf8(byContract(f[0]).format(f[1]).text); }},
     {"section",
      [](const Fields& f) { return std::to_string(Xls::fmtsel(Xls::VALUE_NUMBER, numberOf(f[1]), parsed(f[0]))); }},
     {"textSection", [](const Fields& f) { return std::to_string(Xls::fmtsel(Xls::VALUE_TEXT, 0, parsed(f[0]))); }},
@@ -144,7 +148,7 @@ TEST(XlsFormat, agreesWithTheTableOfPairs) {
             std::getline(columns, *field, '\t');
         }
         const UnicodeString text = UnicodeString::fromUTF8(value);
-        const XlsFormat format(UnicodeString::fromUTF8(code), system == "1904");
+        const XlsFormat format = byContract(UnicodeString::fromUTF8(code), system == "1904");
         const XlsFormat::Result result = kind == "text" ? format.format(text) : format.format(numberOf(text));
         const bool isRefused = result.section < 0 && result.text.isEmpty() && kind != "text";
         EXPECT_EQ(isRefused ? "{refused}" : utf8(result.text), expected);

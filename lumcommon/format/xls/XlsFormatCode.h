@@ -34,18 +34,19 @@ enum class XlsPieceKind : std::uint8_t {
     FIXED_DENOMINATOR,  ///< FMT::fixedDenominator, which has `count` digits
     GENERAL,            ///< the number as General shows it; in a fourth section, a text
     TEXT,               ///< "@": the text of the cell
-    YEAR,               ///< 2: the last two digits; 4: all four
-    MONTH,              ///< 1, 2: digits; 3: short name; 4: name; 5: initial
-    DAY,                ///< 1, 2: digits of the day of the month
-    WEEKDAY,            ///< 3: short name; 4: name
-    HOUR,               ///< 1, 2: digits, of 12 hours if FMT::amPm is not 0, otherwise of 24
-    MINUTE,             ///< 1, 2: digits
-    SECOND,             ///< 1, 2: digits
-    SECOND_FRACTION,    ///< the point and `count` decimals of the second, 1 to 3
-    AM_PM,              ///< `count` is the form, 1 to 4, see FMT::amPm
-    ERA,                ///< 1: Latin initial; 2: first character of the name; 3: name
-    ERA_YEAR,           ///< 1, 2: digits of the year in its era
-    ELAPSED_HOURS,      ///< hours, whole days included, in at least `count` digits; likewise the next two
+    YEAR,             ///< 2: the last two digits; 4: all four; `unit` is "b" for the Buddhist year, "e" for that of the
+                      ///< language (that of Taiwan counts from 1911), 0 for the common one
+    MONTH,            ///< 1, 2: digits; 3: short name; 4: name; 5: initial
+    DAY,              ///< 1, 2: digits of the day of the month
+    WEEKDAY,          ///< 3: short name; 4: name
+    HOUR,             ///< 1, 2: digits, of 12 hours if FMT::amPm is not 0, otherwise of 24
+    MINUTE,           ///< 1, 2: digits
+    SECOND,           ///< 1, 2: digits
+    SECOND_FRACTION,  ///< the point and `count` decimals of the second, 1 to 3
+    AM_PM,            ///< `count` is the form, 1 to 4, see FMT::amPm
+    ERA,              ///< 1: Latin initial; 2: first character of the name; 3: name
+    ERA_YEAR,         ///< 1, 2: digits of the year in its era
+    ELAPSED_HOURS,    ///< hours, whole days included, in at least `count` digits; likewise the next two
     ELAPSED_MINUTES,
     ELAPSED_SECONDS,
 };
@@ -58,7 +59,7 @@ enum class XlsPart : std::uint8_t { INTEGER, DECIMALS, EXPONENT, NUMERATOR, DENO
 struct XlsPiece {
     XlsPieceKind kind = XlsPieceKind::LITERAL;
     XlsPart part = XlsPart::INTEGER;  ///< of placeholders and FIXED_DENOMINATOR; INTEGER for other kinds
-    char32_t unit = 0;                ///< a code point, for SKIP, FILL and EXPONENT; 0 for other kinds
+    char32_t unit = 0;                ///< a code point, for SKIP, FILL, EXPONENT and YEAR; 0 for other kinds
     std::int32_t count = 0;           ///< see XlsPieceKind
     std::int32_t start = 0;           ///< of a literal: its first UTF-16 unit in FMT::literals; 0 for other kinds
 

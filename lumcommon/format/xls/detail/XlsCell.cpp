@@ -1,3 +1,4 @@
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/XlsFormat.h>
 #include <lumcommon/format/xls/detail/XlsCell.h>
 #include <lumcommon/format/xls/detail/XlsRender.h>
@@ -52,11 +53,29 @@ bool impliesSign(const FMT2& code, const NumberSections& usable, int section) {
 
 int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLOR : xlsPaletteColor(section.color); }
 
-/// A code with nothing but text sections shows a number as the text that General makes of it.
-int showAsText(const FMT2& code, const XlsDecimal& value, int generalChars, UnicodeString& text, int& color) {
-    const std::string general = (value.isNegative() ? "-" : "") + xlsGeneral(value.abs(), generalChars);
-    return showXlsText(code, UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV), text,
-                       color);
+UnicodeString generalText(double value, const XlsNumberStyle& style) {
+    const XlsDecimal decimal(value);
+    const std::string general =
+        (decimal.isNegative() ? "-" : "") + xlsGeneral(decimal.abs(), style.generalChars, *style.rules);
+    return UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV);
+}
+
+/// A code with nothing but sections for texts shows a number as General does, and perhaps that text by its section.
+int showAsText(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color) {
+    const UnicodeString general = generalText(value, style);
+    const int section = showXlsText(code, general, text, color);
+    if (style.rules->textCodesShowGeneral) text = general;
+    return section;
+}
+
+/// Shows what stands for a number that no section shows.
+int refuse(int failure, double value, const XlsNumberStyle& style, UnicodeString& text) {
+    if (failure == XlsFormat::CONDITION_FAILED && style.rules->failedConditionIsGeneral) {
+        text = generalText(value, style);
+    } else {
+        append(text, style.rules->refused);
+    }
+    return failure;
 }
 
 }  // namespace
@@ -89,8 +108,8 @@ int selectXlsText(const FMT2& code) {
     return XlsFormat::NO_SECTION;
 }
 
-int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color,
-                  XlsFill& fill) {
+int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, const XlsCodeNames* names,
+                  UnicodeString& text, int& color, XlsFill& fill) {
     text.remove();
     color = XlsFormat::NO_COLOR;
     fill = XlsFill();
@@ -99,16 +118,19 @@ int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, U
         return XlsFormat::NO_SECTION;
     }
     const NumberSections usable(code);
-    if (usable.count == 0) return showAsText(code, XlsDecimal(value), style.generalChars, text, color);
+    if (usable.count == 0) return showAsText(code, value, style, text, color);
     const int section = selectOf(code, usable, value);
-    if (section < 0) return section;
+    if (section < 0) return refuse(section, value, style, text);
     if (impliesSign(code, usable, section)) value = std::fabs(value);
     const FMT& chosen = at(code, section);
     XlsWriter writer(text);
     if (chosen.kind == FMT::NUMBER) {
-        renderXlsNumber(chosen, XlsDecimal(value), style.generalChars, writer);
-    } else if (!renderXlsDate(chosen, XlsDecimal::exact(value), style.is1904, writer)) {
-        return XlsFormat::NOT_A_DATE;
+        renderXlsNumber(chosen, XlsDecimal(value), style, writer);
+    } else {
+        const XlsDateNames* const own = names ? names->sections[section].get() : nullptr;
+        if (!renderXlsDate(chosen, XlsDecimal::exact(value), style, own, writer)) {
+            return refuse(XlsFormat::NOT_A_DATE, value, style, text);
+        }
     }
     color = colorOf(chosen);
     fill = {writer.fillAt(), writer.fillCharacter()};

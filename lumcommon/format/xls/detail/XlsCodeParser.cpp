@@ -22,8 +22,8 @@ bool isPlaceholder(const XlsRawPiece& piece) {
 /// Interprets the raw pieces of one section.
 class SectionParser {
 public:
-    SectionParser(std::u16string_view code, XlsRawSection& raw, bool isJapanese, FMT& out)
-        : code_(code), raw_(raw.pieces), isJapanese_(isJapanese), out_(out) {}
+    SectionParser(std::u16string_view code, XlsRawSection& raw, bool isJapanese, const XlsRules& rules, FMT& out)
+        : code_(code), raw_(raw.pieces), isJapanese_(isJapanese), rules_(rules), out_(out) {}
 
     void run();
 
@@ -34,7 +34,9 @@ private:
     void textSection();
     void dateSection();
     void dateLetters(const XlsRawPiece& piece);
+    bool isMinute() const;
     void monthIsMinute();
+    void yearLetter(const XlsRawPiece& piece);
     void elapsed(const XlsRawPiece& piece);
     void secondFraction(std::size_t index);
     void numberSection();
@@ -57,6 +59,7 @@ private:
     std::u16string_view code_;
     const std::vector<XlsRawPiece>& raw_;
     bool isJapanese_;
+    const XlsRules& rules_;
     FMT& out_;
 
     // For numbers: indexes of raw pieces.
@@ -65,6 +68,7 @@ private:
     std::size_t numerator_ = npos, bar_ = npos, denominator_ = npos, denominatorEnd_ = npos;
     // For dates.
     std::size_t lastField_ = npos;  ///< index in out_.pieces of the last field other than AM/PM
+    bool hasMinute_ = false;
 };
 
 void SectionParser::run() {
@@ -93,7 +97,7 @@ void SectionParser::decideKind() {
                 isDate = true;
                 break;
             case XlsToken::LETTERS_E:
-                isDate = isDate || isJapanese_;
+                isDate = isDate || isJapanese_ || rules_.readsAllDateLetters;
                 break;
             default:
                 break;
@@ -152,9 +156,12 @@ void SectionParser::dateSection() {
                 dateLetters(piece);
                 break;
             case XlsToken::LETTERS_E:
-                if (isJapanese_) {
-                    put(Kind::ERA_YEAR, std::min(piece.count, 2));
-                    lastField_ = out_.pieces.size() - 1;
+                yearLetter(piece);
+                break;
+            case XlsToken::EXPONENT:
+                if (rules_.readsAllDateLetters) {  // "e-m-d" begins with a year
+                    yearLetter({XlsToken::LETTERS_E, U'e', piece.begin, piece.begin + 1, 1});
+                    literal(piece.begin + 1, piece.end);
                 } else {
                     asWritten(piece);
                 }
@@ -208,11 +215,16 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
                 put(Kind::WEEKDAY, std::min(count, 4));
             }
             break;
+        case 'a':
+            put(Kind::WEEKDAY, std::min(count, 4));
+            break;
+        case 'b':
+            put(Kind::YEAR, count <= 2 ? 2 : 4, U'b');
+            break;
         case 'm': {
-            const bool isMinute =
-                count <= 2 && lastField_ != npos &&
-                (out_.pieces[lastField_].kind == Kind::HOUR || out_.pieces[lastField_].kind == Kind::ELAPSED_HOURS);
-            put(isMinute ? Kind::MINUTE : Kind::MONTH, count > 5 ? 4 : count);
+            const bool isClock = count <= 2 && isMinute();
+            put(isClock ? Kind::MINUTE : Kind::MONTH, count > 5 ? 4 : count);
+            hasMinute_ = hasMinute_ || isClock;
             break;
         }
         case 'h':
@@ -233,11 +245,32 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
     lastField_ = out_.pieces.size() - 1;
 }
 
+void SectionParser::yearLetter(const XlsRawPiece& piece) {
+    if (isJapanese_) {
+        put(Kind::ERA_YEAR, std::min(piece.count, 2));
+    } else if (rules_.readsAllDateLetters) {
+        put(Kind::YEAR, 4, U'e');
+    } else {
+        return asWritten(piece);
+    }
+    lastField_ = out_.pieces.size() - 1;
+}
+
+/// Whether an "m" here is a minute because of the field before it. Seconds that have their minutes need no others.
+bool SectionParser::isMinute() const {
+    if (lastField_ == npos) return false;
+    const Kind last = out_.pieces[lastField_].kind;
+    if (last == Kind::HOUR || last == Kind::ELAPSED_HOURS) return true;
+    return rules_.secondsMakeMinutes && !hasMinute_ && (last == Kind::SECOND || last == Kind::ELAPSED_SECONDS);
+}
+
 /// Seconds follow, so a month in digits just before them is a minute.
 void SectionParser::monthIsMinute() {
     if (lastField_ == npos) return;
     XlsPiece& last = out_.pieces[lastField_];
-    if (last.kind == Kind::MONTH && last.count <= 2) last.kind = Kind::MINUTE;
+    if (last.kind != Kind::MONTH || last.count > 2) return;
+    last.kind = Kind::MINUTE;
+    hasMinute_ = true;
 }
 
 void SectionParser::elapsed(const XlsRawPiece& piece) {
@@ -435,15 +468,15 @@ void SectionParser::fixedDenominator() {
 
 }  // namespace
 
-int parseXlsCode(const UnicodeString& code, FMT2& out) {
+int parseXlsCode(const UnicodeString& code, const XlsRules& rules, FMT2& out) {
     out = FMT2();
     const std::u16string_view units(code.getBuffer(),
                                     static_cast<std::size_t>(std::min(code.length(), XlsFormat::MAX_CODE_UNITS)));
-    XlsCodeScan scan(units, out);
+    XlsCodeScan scan(units, rules, out);
     out.count = scan.run();
     for (int i = 0; i < out.count; ++i) {
         FMT& section = out.sections[static_cast<std::size_t>(i)];
-        SectionParser(units, scan.section(i), scan.isJapanese(), section).run();
+        SectionParser(units, scan.section(i), scan.isJapanese(), rules, section).run();
         setXlsSectionText(section, scan.section(i).prefix);
     }
     return out.count;

@@ -1,5 +1,6 @@
 #include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/format/xls/detail/XlsCodeScan.h>
+#include <lumcommon/format/xls/detail/XlsDateNames.h>
 #include <lumcommon/format/xls/detail/XlsTables.h>
 
 #include <algorithm>
@@ -127,9 +128,13 @@ void XlsCodeScan::letter(char16_t lower) {
         }
         case 'a':
             for (int form = 1; form <= XLS_AMPM_FORMS; ++form) {
-                if (!startsWith(xlsAmPm(form), false)) continue;
+                if (!startsWith(xlsAmPm(form), rules_.capitalizesAmPm && form <= XLS_AMPM_WORDS)) continue;
                 return add(XlsToken::AM_PM, 0, static_cast<std::int32_t>(xlsAmPm(form).size()), form);
             }
+            if (rules_.readsAllDateLetters && startsWith(u"aaa", true)) return run(XlsToken::LETTERS, lower);
+            break;
+        case 'b':
+            if (rules_.readsAllDateLetters) return run(XlsToken::LETTERS, lower);
             break;
         default:
             break;
@@ -233,22 +238,27 @@ bool XlsCodeScan::styleBracket(std::u16string_view content) {
     return false;
 }
 
+/// A language is given as a hexadecimal number or by its name; 0 if it is neither.
+unsigned XlsCodeScan::languageOf(std::u16string_view tag) const {
+    const std::string ascii = toAscii(tag);
+    unsigned number = 0;
+    const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), number, 16);
+    if (error == std::errc() && end == ascii.data() + ascii.size()) return number & 0xFFFFu;
+    const bool isJapanese = equalsIgnoringAsciiCase(tag.substr(0, 2), u"ja") && (tag.size() == 2 || tag[2] == '-');
+    if (isJapanese) return XLS_JAPANESE;
+    return rules_.readsLanguageNames ? xlsLanguageNumber(ascii) : 0;
+}
+
 void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
-    // The symbol extends to the hyphen; a language follows, as a hexadecimal number or as a tag.
-    constexpr unsigned japanese = 0x411;
+    // The symbol extends to the hyphen, after which a language follows.
     const std::size_t hyphen = std::min(content.find(u'-'), content.size());
     literal(begin + 1, begin + static_cast<std::int32_t>(hyphen));
     if (hyphen == content.size()) return;
     const std::u16string_view tag = content.substr(hyphen + 1);
-    const std::string ascii = toAscii(tag);
-    unsigned number = 0;
-    const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), number, 16);
-    unsigned language = error == std::errc() && end == ascii.data() + ascii.size() ? number & 0xFFFFu : 0;
-    const bool isTag = equalsIgnoringAsciiCase(tag.substr(0, 2), u"ja") && (tag.size() == 2 || tag[2] == '-');
-    if (isTag) language = japanese;
+    const unsigned language = languageOf(tag);
     if (language == 0) return;
     constexpr unsigned primaryLanguage = 0x3FF;
-    isJapanese_ = isJapanese_ || (language & primaryLanguage) == (japanese & primaryLanguage);
+    isJapanese_ = isJapanese_ || (language & primaryLanguage) == (XLS_JAPANESE & primaryLanguage);
     if (current().locale != 0) return;
     current().locale = language;
     char digits[8];

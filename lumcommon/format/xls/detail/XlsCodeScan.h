@@ -2,6 +2,7 @@
 
 #include <lumcommon/core/Text.h>
 #include <lumcommon/format/xls/XlsFormatCode.h>
+#include <lumcommon/format/xls/detail/XlsRules.h>
 
 #include <cstdint>
 #include <string_view>
@@ -26,7 +27,7 @@ enum class XlsToken : std::uint8_t {
     AT,
     GENERAL,
     AM_PM,
-    LETTERS,  ///< a run of one of y m d h s g r, whatever the case
+    LETTERS,  ///< a run of one of y m d h s g r, and where the rules say so of a and b, whatever the case
     LETTERS_E,
     ELAPSED,  ///< a bracket of h, m or s
 };
@@ -48,7 +49,8 @@ struct XlsRawSection {
 /// Splits a code into sections, from left to right, and reads their brackets into the fields of their FMT.
 class XlsCodeScan {
 public:
-    XlsCodeScan(std::u16string_view code, FMT2& out) : code_(code), lastClose_(code.rfind(u']')), out_(out) {}
+    XlsCodeScan(std::u16string_view code, const XlsRules& rules, FMT2& out)
+        : code_(code), rules_(rules), lastClose_(code.rfind(u']')), out_(out) {}
 
     /// Scans the code and returns the number of sections.
     int run();
@@ -70,11 +72,13 @@ private:
     bool color(std::u16string_view content);
     bool condition(std::u16string_view content);
     void currency(std::int32_t begin, std::u16string_view content);
+    unsigned languageOf(std::u16string_view tag) const;
     bool startsWith(std::u16string_view word, bool ignoreCase) const;
     FMT& current() { return out_.sections[static_cast<std::size_t>(count_ - 1)]; }
     XlsRawSection& raw() { return sections_[count_ - 1]; }
 
     std::u16string_view code_;
+    const XlsRules& rules_;
     std::size_t lastClose_;
     FMT2& out_;
     std::int32_t at_ = 0;

@@ -156,6 +156,30 @@ private:
     std::uint64_t scale_ = 0;
 };
 
+/// Follows the continued fraction as long as the denominators of its convergents are below the limit.
+void searchConvergent(const XlsDecimal::Part& part, std::uint64_t limit, XlsFraction& result) {
+    if (part.digits == 0) return;
+    // 1 / part = quotient + rest / part.digits, by long division, which ends when the quotient has no room.
+    std::uint64_t quotient = 0;
+    std::uint64_t rest = 1;
+    for (int place = 0; place < part.places && quotient < limit; ++place) {
+        rest *= 10;
+        quotient = quotient * 10 + rest / part.digits;
+        rest %= part.digits;
+    }
+    std::uint64_t divisor = part.digits;
+    std::uint64_t beforeNumerator = 1, beforeDenominator = 0;
+    while (quotient <= (limit - 1 - beforeDenominator) / result.denominator) {
+        const std::uint64_t numerator = quotient * result.numerator + beforeNumerator;
+        const std::uint64_t denominator = quotient * result.denominator + beforeDenominator;
+        beforeNumerator = std::exchange(result.numerator, numerator);
+        beforeDenominator = std::exchange(result.denominator, denominator);
+        if (rest == 0) return;
+        quotient = divisor / rest;
+        divisor = std::exchange(rest, divisor % rest);
+    }
+}
+
 /// Parts of at most 1e-6 count as zero.
 bool isSearched(const XlsDecimal::Part& part) noexcept {
     constexpr int places = 6;
@@ -166,14 +190,19 @@ bool isSearched(const XlsDecimal::Part& part) noexcept {
 
 }  // namespace
 
-XlsFraction::XlsFraction(const XlsDecimal& magnitude, int places, int fixedDenominator) {
+XlsFraction::XlsFraction(const XlsDecimal& magnitude, int places, int fixedDenominator, XlsSearch search) {
     if (fixedDenominator > 0) {
         denominator = static_cast<std::uint64_t>(fixedDenominator);
         numerator = magnitude.fractionTimes(static_cast<std::uint32_t>(fixedDenominator));
         return;
     }
     const XlsDecimal::Part part = magnitude.fraction();
-    if (isSearched(part)) FractionSearch(part, powerOfTen(std::clamp(places, 1, MAX_PLACES))).run(*this);
+    const std::uint64_t limit = powerOfTen(std::clamp(places, 1, MAX_PLACES));
+    if (search == XlsSearch::CONVERGENT) {
+        searchConvergent(part, limit, *this);
+    } else if (isSearched(part)) {
+        FractionSearch(part, limit).run(*this);
+    }
 }
 
 std::string XlsFraction::improperNumerator(const XlsDecimal& magnitude) const {

@@ -33,17 +33,22 @@ std::u16string_view xlsDayName(int weekday) noexcept;
 /// The length of the short names of days and months, which are the beginnings of the full ones.
 constexpr std::size_t xlsShortName = 3;
 
+/// The number of the language that "e" and eras belong to.
+constexpr unsigned XLS_JAPANESE = 0x411;
+
 struct XlsEra {
     char16_t initial;
     std::u16string_view name;  ///< its first character is the middle form
     std::int32_t lastDay;      ///< in the 1900 system
     int yearBefore;            ///< the year before its first
 };
-constexpr int XLS_ERAS = 4;
+constexpr int XLS_ERAS = 5;
 const XlsEra& xlsEra(int era) noexcept;
 
 /// The forms of AM/PM, from 1; an empty view for others.
 std::u16string_view xlsAmPm(int form) noexcept;
 constexpr int XLS_AMPM_FORMS = 4;
+/// The first forms are AM/PM and am/pm, the others A/P and a/p.
+constexpr int XLS_AMPM_WORDS = 2;
 
 }  // namespace LumCommon::detail

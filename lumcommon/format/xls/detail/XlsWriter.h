@@ -41,6 +41,7 @@ public:
     void spaces(std::int64_t count) {
         for (; count > 0; --count) put(u' ');
     }
+    void text(const UnicodeString& source) { text(source, 0, source.length()); }
     /// Writes part of another string.
     void text(const UnicodeString& source, std::int32_t start, std::int32_t length) {
         if (length > capacity) {
