@@ -32,7 +32,7 @@ struct XlsCodeNames;
 /// - An era or a Japanese language tag in any section makes the whole code Japanese: "e" is then a year of an era.
 /// - A negative number gets a "-" in front unless its section was chosen for its sign, even if its digits round to zero
 ///   or the section has no digits. Negative zero is zero.
-/// - A denominator with n placeholders is below 10^n and below 10^18; a fixed one of more than nine digits is
+/// - A denominator with n placeholders is below 10^n; a fixed one of more than nine digits is
 ///   999,999,999. A fraction of zero is left blank unless its numerator has a "0" or the section shows no whole number.
 /// - Literals, skips and fills may stand between the bar of a fraction and its placeholders.
 /// - A fill ("*") writes nothing and a skip ("_") one space, as there is no column here. XlsFormatString::fmtnum() can
@@ -55,10 +55,14 @@ public:
         /// As spreadsheet programs show them in an English system:
         /// - A number that cannot be shown is "########", as in a narrow column; one that the condition of the only
         ///   section rejects is shown as General, and so is one whose code has only sections for texts.
+        /// - A section whose condition only negative numbers meet shows no sign, as a second section without
+        /// conditions,
+        ///   unless it is the only one, or the first one with "<=" before a condition with other operators than ">".
         /// - An exponent has as many digits as its placeholders, at least one; "%" and "," do not scale in scientific
         ///   notation; the mantissa of zero has a digit if there is a placeholder for it.
-        /// - A fraction is the last convergent of the continued fraction whose denominator has room: 0.456 is 1/2 in
-        ///   "?/?", 26/57 in "??/??". A whole number or fraction that is absent takes the literals between the two and
+        /// - A fraction is the last convergent of the continued fraction whose denominator has room, at most 7 digits:
+        ///   0.456 is 1/2 in "?/?", 26/57 in "??/??". A whole number or fraction that is absent takes the literals
+        ///   between the two and
         ///   inside the fraction with it; spaces as wide stay if these parts have a "?".
         /// - General is scientific from 100000000000 upwards.
         /// - Days, months and AM/PM are in the language of a tag ([$-407], [$-de-DE]); [$-F800] and [$-F400] are
@@ -71,7 +75,8 @@ public:
         /// - The 1904 system has negative dates, with a "-" in front.
         SPREADSHEET,
         /// As XlsFormatString::fmtnum() and fmtstr() show them without a measure: exponents of at least two digits, the
-        /// fractions of convFrac(), literals always, English names, eras up to Heisei, and no text for a number that
+        /// fractions of convFrac() with denominators below 10^18, literals always, English names, eras up to Heisei,
+        /// and no text for a number that
         /// cannot be shown.
         CONTRACT,
     };

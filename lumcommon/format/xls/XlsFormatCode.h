@@ -109,8 +109,9 @@ struct FMT {
     bool isGeneral = false;           ///< there is a General
 
     // Dates and times.
-    bool hasDate = false;  ///< there are fields of the calendar: the value must be a date
-    bool hasTime = false;  ///< there are fields of the clock or of elapsed time
+    bool hasDate = false;         ///< there are fields of the calendar: the value must be a date
+    bool namesFirstYear = false;  ///< the first year of an era is written as its name, by [$-ja-JP-x-gannen]
+    bool hasTime = false;         ///< there are fields of the clock or of elapsed time
     bool elapsedHours = false, elapsedMinutes = false, elapsedSeconds = false;  ///< which elapsed fields there are
     int amPm = 0;            ///< the first form of AM/PM, 1 to 4: AM/PM, am/pm, A/P, a/p; 0 for a clock of 24 hours
     int secondDecimals = 0;  ///< the most decimals of a second that a field shows, 0 to 3: times are rounded to these

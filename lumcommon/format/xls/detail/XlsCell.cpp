@@ -45,10 +45,31 @@ int selectOf(const FMT2& code, const NumberSections& usable, double value) {
     return XlsFormat::NO_SECTION;
 }
 
+/// The operators of conditions; 0 is no condition.
+enum Operator : int { NONE, AT_LEAST, AT_MOST, OTHER_THAN, BELOW, ABOVE, EQUAL };
+
+/// Whether only negative numbers meet the condition of the first or the second of several sections. Programs know the
+/// usual pairs of conditions, which these are, not every pair.
+bool isForNegatives(const FMT& section, const FMT& other, bool isFirst) {
+    if (!isFirst && section.condition == NONE) {
+        return (other.condition == AT_LEAST || other.condition == ABOVE) && other.operand <= 0;
+    }
+    if (section.operand > 0) return false;
+    if (!isFirst) return section.condition == BELOW || (section.condition == AT_MOST && section.operand < 0);
+    const int second = other.condition;
+    if (section.condition == BELOW) return second == NONE || second == AT_LEAST || second == ABOVE || second == EQUAL;
+    return section.condition == AT_MOST && (second == NONE || second == ABOVE);
+}
+
 /// Whether a section was chosen for the sign of its values, which it is then left to show.
-bool impliesSign(const FMT2& code, const NumberSections& usable, int section) {
-    if (usable.count < 2 || section != usable.index[1] || at(code, section).condition != 0) return false;
-    return usable.count > 2 || at(code, usable.index[0]).condition == 0;
+bool impliesSign(const FMT2& code, const NumberSections& usable, int section, const XlsRules& rules) {
+    if (usable.count < 2) return false;
+    const bool isFirst = section == usable.index[0];
+    if (!isFirst && section != usable.index[1]) return false;
+    const FMT& first = at(code, usable.index[0]);
+    const FMT& second = at(code, usable.index[1]);
+    if (!isFirst && second.condition == NONE && (usable.count > 2 || first.condition == NONE)) return true;
+    return rules.conditionsImplySigns && isForNegatives(isFirst ? first : second, isFirst ? second : first, isFirst);
 }
 
 int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLOR : xlsPaletteColor(section.color); }
@@ -121,7 +142,7 @@ int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, c
     if (usable.count == 0) return showAsText(code, value, style, text, color);
     const int section = selectOf(code, usable, value);
     if (section < 0) return refuse(section, value, style, text);
-    if (impliesSign(code, usable, section)) value = std::fabs(value);
+    if (impliesSign(code, usable, section, *style.rules)) value = std::fabs(value);
     const FMT& chosen = at(code, section);
     XlsWriter writer(text);
     if (chosen.kind == FMT::NUMBER) {

@@ -19,6 +19,9 @@ bool isPlaceholder(const XlsRawPiece& piece) {
            piece.token == XlsToken::DIGIT_SPACED;
 }
 
+bool isClock(Kind kind) { return kind >= Kind::HOUR && kind <= Kind::AM_PM; }
+bool isCalendar(Kind kind) { return kind >= Kind::YEAR && kind <= Kind::ERA_YEAR && !isClock(kind); }
+
 /// Interprets the raw pieces of one section.
 class SectionParser {
 public:
@@ -39,6 +42,7 @@ private:
     void yearLetter(const XlsRawPiece& piece);
     void elapsed(const XlsRawPiece& piece);
     void secondFraction(std::size_t index);
+    void elapsedHasNoMonths();
     void numberSection();
     void numberPiece(std::size_t index);
     void findFraction();
@@ -187,11 +191,23 @@ void SectionParser::dateSection() {
         }
     }
     for (const XlsPiece& piece : out_.pieces) {
-        const bool isClock = piece.kind >= Kind::HOUR && piece.kind <= Kind::AM_PM;
-        const bool isCalendar = piece.kind >= Kind::YEAR && piece.kind <= Kind::ERA_YEAR && !isClock;
-        out_.hasDate = out_.hasDate || isCalendar;
-        out_.hasTime = out_.hasTime || isClock || piece.kind >= Kind::ELAPSED_HOURS;
+        out_.hasDate = out_.hasDate || isCalendar(piece.kind);
+        out_.hasTime = out_.hasTime || isClock(piece.kind) || piece.kind >= Kind::ELAPSED_HOURS;
     }
+    if (rules_.elapsesPlainFields) elapsedHasNoMonths();
+}
+
+/// A month in digits beside elapsed time is a minute, unless there is a day or a year.
+void SectionParser::elapsedHasNoMonths() {
+    if (!out_.elapsedHours && !out_.elapsedMinutes && !out_.elapsedSeconds) return;
+    const auto isMonth = [](const XlsPiece& piece) { return piece.kind == Kind::MONTH && piece.count <= 2; };
+    const bool isDate = std::ranges::any_of(
+        out_.pieces, [&](const XlsPiece& piece) { return isCalendar(piece.kind) && !isMonth(piece); });
+    if (isDate) return;
+    for (XlsPiece& piece : out_.pieces) {
+        if (isMonth(piece)) piece.kind = Kind::MINUTE;
+    }
+    out_.hasDate = false;
 }
 
 void SectionParser::secondFraction(std::size_t index) {
@@ -222,9 +238,9 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
             put(Kind::YEAR, count <= 2 ? 2 : 4, U'b');
             break;
         case 'm': {
-            const bool isClock = count <= 2 && isMinute();
-            put(isClock ? Kind::MINUTE : Kind::MONTH, count > 5 ? 4 : count);
-            hasMinute_ = hasMinute_ || isClock;
+            const bool isTime = count <= 2 && isMinute();
+            put(isTime ? Kind::MINUTE : Kind::MONTH, count > 5 ? 4 : count);
+            hasMinute_ = hasMinute_ || isTime;
             break;
         }
         case 'h':

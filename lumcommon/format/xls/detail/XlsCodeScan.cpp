@@ -261,6 +261,12 @@ void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
     isJapanese_ = isJapanese_ || (language & primaryLanguage) == (XLS_JAPANESE & primaryLanguage);
     if (current().locale != 0) return;
     current().locale = language;
+    constexpr std::u16string_view firstYearNamed = u"ja-JP-x-gannen";
+    if (rules_.readsLanguageNames && equalsIgnoringAsciiCase(tag, firstYearNamed)) {
+        current().namesFirstYear = true;
+        raw().prefix += bracketed(u"$-" + std::u16string(firstYearNamed));
+        return;
+    }
     char digits[8];
     const auto last = std::to_chars(digits, digits + sizeof digits, language, 16).ptr;
     raw().prefix += bracketed(u"$-" + std::u16string(digits, last));

@@ -15,8 +15,8 @@ using Kind = XlsPieceKind;
 
 constexpr unsigned primaryLanguages = 0x3FF;
 constexpr unsigned english = 0x09;
-/// A number that begins with these bits and names a language means its names of months as they are inflected after a
-/// day, and without a language the settings of the system, which are English here.
+/// A number that begins with these bits means the names of months as they are inflected after a day. Numbers without a
+/// language, such as F800, mean the settings of the system, which are English here.
 constexpr unsigned inflected = 0xFC00;
 
 bool hasNames(const FMT& section) {
@@ -37,7 +37,8 @@ void copyNames(const UnicodeString* names, std::int32_t count, std::int32_t firs
 std::unique_ptr<const XlsDateNames> namesOf(unsigned language) {
     const bool isInflected = (language & inflected) == inflected;
     const unsigned number = isInflected ? language & primaryLanguages : language;
-    if (number == 0 || (number & primaryLanguages) == english) return nullptr;
+    const unsigned primary = number & primaryLanguages;
+    if (primary == 0 || primary == english) return nullptr;
     char name[ULOC_FULLNAME_CAPACITY];
     UErrorCode status = U_ZERO_ERROR;
     const std::int32_t length = uloc_getLocaleForLCID(number, name, static_cast<std::int32_t>(sizeof name), &status);

@@ -1,6 +1,7 @@
 #include <lumcommon/format/xls/detail/XlsFraction.h>
 
 #include <algorithm>
+#include <cmath>
 #include <compare>
 #include <cstdlib>
 #include <limits>
@@ -156,27 +157,22 @@ private:
     std::uint64_t scale_ = 0;
 };
 
-/// Follows the continued fraction as long as the denominators of its convergents are below the limit.
-void searchConvergent(const XlsDecimal::Part& part, std::uint64_t limit, XlsFraction& result) {
-    if (part.digits == 0) return;
-    // 1 / part = quotient + rest / part.digits, by long division, which ends when the quotient has no room.
-    std::uint64_t quotient = 0;
-    std::uint64_t rest = 1;
-    for (int place = 0; place < part.places && quotient < limit; ++place) {
-        rest *= 10;
-        quotient = quotient * 10 + rest / part.digits;
-        rest %= part.digits;
-    }
-    std::uint64_t divisor = part.digits;
+/// Follows the continued fraction of a magnitude as long as the denominators of its convergents are below the limit.
+/// Spreadsheet programs do it in doubles, whose errors show: 0.3 is 2/7 with one digit, and 1.3 is 1 1/3.
+void searchConvergent(double magnitude, std::uint64_t limit, XlsFraction& result) {
+    constexpr double leastPart = 5e-8;
+    double part = magnitude - std::floor(magnitude);
     std::uint64_t beforeNumerator = 1, beforeDenominator = 0;
-    while (quotient <= (limit - 1 - beforeDenominator) / result.denominator) {
-        const std::uint64_t numerator = quotient * result.numerator + beforeNumerator;
-        const std::uint64_t denominator = quotient * result.denominator + beforeDenominator;
+    while (part >= leastPart) {
+        const double inverse = 1 / part;
+        const double quotient = std::floor(inverse);
+        const auto factor = static_cast<std::uint64_t>(quotient);
+        const std::uint64_t denominator = factor * result.denominator + beforeDenominator;
+        if (denominator >= limit) return;
+        const std::uint64_t numerator = factor * result.numerator + beforeNumerator;
         beforeNumerator = std::exchange(result.numerator, numerator);
         beforeDenominator = std::exchange(result.denominator, denominator);
-        if (rest == 0) return;
-        quotient = divisor / rest;
-        divisor = std::exchange(rest, divisor % rest);
+        part = inverse - quotient;
     }
 }
 
@@ -196,13 +192,13 @@ XlsFraction::XlsFraction(const XlsDecimal& magnitude, int places, int fixedDenom
         numerator = magnitude.fractionTimes(static_cast<std::uint32_t>(fixedDenominator));
         return;
     }
-    const XlsDecimal::Part part = magnitude.fraction();
-    const std::uint64_t limit = powerOfTen(std::clamp(places, 1, MAX_PLACES));
     if (search == XlsSearch::CONVERGENT) {
-        searchConvergent(part, limit, *this);
-    } else if (isSearched(part)) {
-        FractionSearch(part, limit).run(*this);
+        constexpr int mostPlaces = 7;
+        searchConvergent(magnitude.toDouble(), powerOfTen(std::clamp(places, 1, mostPlaces)), *this);
+        return;
     }
+    const XlsDecimal::Part part = magnitude.fraction();
+    if (isSearched(part)) FractionSearch(part, powerOfTen(std::clamp(places, 1, MAX_PLACES))).run(*this);
 }
 
 std::string XlsFraction::improperNumerator(const XlsDecimal& magnitude) const {

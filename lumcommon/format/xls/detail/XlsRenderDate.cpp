@@ -102,6 +102,7 @@ void DateRenderer::calendar(const XlsPiece& piece) {
             if (piece.count == 1) return out_.put(era.initial);
             return out_.put(piece.count == 2 ? era.name.substr(0, 1) : era.name);
         default:
+            if (section_.namesFirstYear && date_.year == era.yearBefore + 1) return out_.put(u'\u5143');
             return number(date_.year - era.yearBefore, piece.count);
     }
 }

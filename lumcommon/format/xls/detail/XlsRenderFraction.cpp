@@ -57,7 +57,8 @@ public:
     }
 
     /// How many spaces take the place of a piece.
-    static std::int32_t widthOf(const XlsPiece& piece) {
+    std::int32_t widthOf(const XlsPiece& piece) const {
+        if (piece.kind == Kind::OPTIONAL_DIGIT && !blanksParts_) return 0;
         if (isPlaceholder(piece) || piece.kind == Kind::LITERAL) return piece.count;
         return piece.kind == Kind::FRACTION_BAR || piece.kind == Kind::SKIP || piece.kind == Kind::PERCENT ? 1 : 0;
     }
@@ -91,7 +92,8 @@ void renderXlsFraction(const FMT& section, const XlsDecimal& magnitude, const Xl
     if (isFractionAbsent && wholeText.empty()) wholeText = "0";
     std::string numeratorText = hasWhole ? std::to_string(part) : fraction.improperNumerator(magnitude);
     if (numeratorText.empty()) numeratorText = "0";
-    const bool isWholeAbsent = hasWhole && wholeText.empty() && section.integer.forced == 0;
+    const bool hasBlankWhole = section.integer.forced == 0 && (part != 0 || section.integer.spaced == 0);
+    const bool isWholeAbsent = hasWhole && wholeText.empty() && hasBlankWhole;
     const AbsentPieces absent(section, rules, isWholeAbsent, isFractionAbsent);
 
     const auto digitsOf = [](const std::string& text) {
@@ -104,7 +106,7 @@ void renderXlsFraction(const FMT& section, const XlsDecimal& magnitude, const Xl
         const XlsPiece& piece = section.pieces[i];
         const AbsentPieces::Fate fate = absent.of(i, piece);
         if (fate != AbsentPieces::Fate::SHOWN) {
-            if (fate == AbsentPieces::Fate::BLANK) out.spaces(AbsentPieces::widthOf(piece));
+            if (fate == AbsentPieces::Fate::BLANK) out.spaces(absent.widthOf(piece));
             continue;
         }
         switch (piece.kind) {

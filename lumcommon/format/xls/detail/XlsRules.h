@@ -21,6 +21,7 @@ struct XlsRules {
     // Cells.
     bool failedConditionIsGeneral;  ///< a number that the only section refuses is shown as General
     bool textCodesShowGeneral;      ///< so is a number if there are only sections for texts; else it goes through these
+    bool conditionsImplySigns;      ///< a section whose condition only negative numbers meet shows no sign
     std::u16string_view refused;    ///< what stands for a number that cannot be shown
 
     // Numbers.
@@ -47,6 +48,7 @@ inline constexpr XlsRules XLS_CONTRACT_RULES{
     .capitalizesAmPm = false,
     .failedConditionIsGeneral = false,
     .textCodesShowGeneral = false,
+    .conditionsImplySigns = false,
     .refused = {},
     .search = XlsSearch::FIRST_NUMERATOR,
     .absentPartsTakeLiterals = false,
@@ -69,6 +71,7 @@ inline constexpr XlsRules XLS_SPREADSHEET_RULES{
     .capitalizesAmPm = true,
     .failedConditionIsGeneral = true,
     .textCodesShowGeneral = true,
+    .conditionsImplySigns = true,
     .refused = u"########",
     .search = XlsSearch::CONVERGENT,
     .absentPartsTakeLiterals = true,
