@@ -20,9 +20,7 @@ using LumTest::numberOf;
 using LumTest::utf8;
 using Xls = XlsFormatString;
 
-XlsFormat byContract(const UnicodeString& code, bool is1904 = false) {
-    return XlsFormat(code, is1904, XlsFormat::Rules::CONTRACT);
-}
+XlsFormat byContract(const UnicodeString& code) { return XlsFormat(code, false, XlsFormat::Rules::CONTRACT); }
 
 int integerOf(const UnicodeString& field) { return static_cast<int>(numberOf(field)); }
 
@@ -136,8 +134,8 @@ TEST(XlsFormat, stepsGiveWhatTheFileSaysInEveryLocale) {
     LumTest::checkRows("xlsformat/steps.txt", steps);
 }
 
-TEST(XlsFormat, agreesWithTheTableOfPairs) {
-    std::ifstream in(LUM_TEST_DATA "/xlsformat/pairs.tsv");
+void checkPairs(const std::string& table, XlsFormat::Rules rules, int leastRows) {
+    std::ifstream in(LUM_TEST_DATA "/xlsformat/" + table);
     int number = 1;
     std::string line;
     for (std::getline(in, line); std::getline(in, line);) {
@@ -148,7 +146,7 @@ TEST(XlsFormat, agreesWithTheTableOfPairs) {
             std::getline(columns, *field, '\t');
         }
         const UnicodeString text = UnicodeString::fromUTF8(value);
-        const XlsFormat format = byContract(UnicodeString::fromUTF8(code), system == "1904");
+        const XlsFormat format(UnicodeString::fromUTF8(code), system == "1904", rules);
         const XlsFormat::Result result = kind == "text" ? format.format(text) : format.format(numberOf(text));
         const bool isRefused = result.section < 0 && result.text.isEmpty() && kind != "text";
         EXPECT_EQ(isRefused ? "{refused}" : utf8(result.text), expected);
@@ -156,7 +154,12 @@ TEST(XlsFormat, agreesWithTheTableOfPairs) {
         EXPECT_EQ(result.color, colored.format(0.0).color);
         EXPECT_EQ(suite == expected, reason.empty() || reason == "unsure") << "a difference is not understood";
     }
-    EXPECT_GT(number, 800);
+    EXPECT_GT(number, leastRows);
+}
+
+TEST(XlsFormat, agreesWithTheTablesOfPairs) {
+    checkPairs("pairs.tsv", XlsFormat::Rules::CONTRACT, 800);
+    checkPairs("cells.tsv", XlsFormat::Rules::SPREADSHEET, 3000);
 }
 
 /// Every day of a system, one after the other.
