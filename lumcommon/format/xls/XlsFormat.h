@@ -65,6 +65,7 @@ public:
         ///   between the two and
         ///   inside the fraction with it; spaces as wide stay if these parts have a "?".
         /// - General is scientific from 100000000000 upwards.
+        /// - A tag chooses numerals and calendar too: [$-D000000] is Thai digits, [$-1070000] the Buddhist year.
         /// - Days, months and AM/PM are in the language of a tag ([$-407], [$-de-DE]); [$-F800] and [$-F400] are
         ///   English. "am/pm" is AM or PM in any case of its letters.
         /// - "m" after seconds is minutes unless these have theirs before them; "h", "m" and "s" in a section with

@@ -95,6 +95,9 @@ struct FMT {
     unsigned locale = 0;  ///< language of a [$...-...] tag as a 16-bit number (0x407, 0x411); 0 for none. A section
                           ///< with ERA_YEAR but neither ERA nor tag gets 0x411
 
+    int numerals = 0;  ///< by the first of the four bytes of such a tag: 2 Arabic to 19 Mongolian; 0 for European ones
+    int calendar = 0;  ///< by the second byte: 4 Taiwan, 5 Korea, 7 Thailand; 0 for the common one
+
     // Numbers.
     XlsDigitCounts integer, decimals, exponent, numerator, denominator;
     std::int32_t forcedDecimals = 0;  ///< decimals that are always written: up to the last "0" after the point

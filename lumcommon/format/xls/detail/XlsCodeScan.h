@@ -72,7 +72,11 @@ private:
     bool color(std::u16string_view content);
     bool condition(std::u16string_view content);
     void currency(std::int32_t begin, std::u16string_view content);
-    unsigned languageOf(std::u16string_view tag) const;
+    struct Tag {
+        unsigned language = 0, numerals = 0, calendar = 0;  ///< 0 where it says nothing, or nothing known
+        bool namesFirstYear = false;
+    };
+    Tag parsedTag(std::u16string_view text) const;
     bool startsWith(std::u16string_view word, bool ignoreCase) const;
     FMT& current() { return out_.sections[static_cast<std::size_t>(count_ - 1)]; }
     XlsRawSection& raw() { return sections_[count_ - 1]; }

@@ -63,16 +63,17 @@ void DateRenderer::number(std::int64_t value, std::int32_t width, bool isReadabl
 }
 
 void DateRenderer::year(const XlsPiece& piece) {
-    constexpr int buddhistYears = 543;
-    constexpr int yearsBeforeRepublic = 1911;  // of China
+    constexpr unsigned republic = 4;
+    constexpr unsigned buddhist = 7;
     constexpr unsigned taiwan = 0x404;
-    int shown = date_.year;
-    if (piece.unit == U'b') {
-        shown += buddhistYears;
-    } else if (piece.unit == U'e') {
-        const bool isRepublican = section_.locale == taiwan && shown > yearsBeforeRepublic;
-        return number(isRepublican ? shown - yearsBeforeRepublic : shown, 1);
-    }
+    const bool isOfLanguage = piece.unit == U'e';
+    auto calendar = static_cast<unsigned>(section_.calendar);
+    if (piece.unit == U'b') calendar = buddhist;
+    if (isOfLanguage && section_.locale == taiwan) calendar = republic;
+    if (!isOfLanguage && calendar == republic) calendar = 0;  // only "e" counts years of the republic
+    const int shown = date_.year + xlsCalendarYears(calendar);
+    if (shown <= 0) return number(date_.year, 4);  // before the calendar began
+    if (isOfLanguage) return number(shown, 1);
     number(piece.count == 2 ? shown % 100 : shown, piece.count, false);
 }
 
@@ -163,7 +164,7 @@ bool renderXlsDate(const FMT& section, const XlsDecimal& value, const XlsNumberS
         if (!xlsIsDay(day, is1904)) return false;
         date = xlsDate(day, is1904, style.rules->eras);
     }
-    out.setStyle(section.dbNum);
+    out.setStyle(section.dbNum, xlsNumeralZero(static_cast<unsigned>(section.numerals)));
     if (value.isNegative()) out.put(u'-');
     DateRenderer(section, time, date, *style.rules, names, out).run();
     return true;

@@ -2,6 +2,7 @@
 #include <lumcommon/format/xls/detail/XlsDigitRuns.h>
 #include <lumcommon/format/xls/detail/XlsGeneral.h>
 #include <lumcommon/format/xls/detail/XlsRender.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
 #include <lumcommon/format/xls/detail/XlsWriter.h>
 
 #include <algorithm>
@@ -146,7 +147,7 @@ void renderXlsGeneral(const FMT& section, const XlsDecimal& magnitude, int maxCh
 
 void renderXlsNumber(const FMT& section, const XlsDecimal& value, const XlsNumberStyle& style, XlsWriter& out) {
     if (section.pieces.empty()) return;
-    out.setStyle(section.dbNum);
+    out.setStyle(section.dbNum, xlsNumeralZero(static_cast<unsigned>(section.numerals)));
     if (value.isNegative()) out.put(u'-');
     XlsDecimal magnitude = value.abs();
     if (section.exponentSign == 0 || style.rules->scalesMantissa) {

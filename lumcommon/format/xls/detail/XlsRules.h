@@ -14,7 +14,8 @@ enum class XlsSearch {
 struct XlsRules {
     // What codes mean.
     bool readsAllDateLetters;  ///< "aaa" and "aaaa" are weekdays, "b" is the Buddhist year, "e" a year in any language
-    bool readsLanguageNames;   ///< [$-de-DE] is the same as [$-407]
+    bool readsWholeTags;       ///< [$-de-DE] is the same as [$-407], and tags may choose numerals and a calendar
+    bool readsLocalGeneral;    ///< the names of General in Japanese, Chinese and Korean programs
     bool secondsMakeMinutes;   ///< an "m" after seconds without minutes is a minute, not a month
     bool capitalizesAmPm;      ///< "am/pm" in any case is AM/PM
 
@@ -43,7 +44,8 @@ struct XlsRules {
 /// As XlsFormatString shows cells.
 inline constexpr XlsRules XLS_CONTRACT_RULES{
     .readsAllDateLetters = false,
-    .readsLanguageNames = false,
+    .readsWholeTags = false,
+    .readsLocalGeneral = false,
     .secondsMakeMinutes = false,
     .capitalizesAmPm = false,
     .failedConditionIsGeneral = false,
@@ -66,7 +68,8 @@ inline constexpr XlsRules XLS_CONTRACT_RULES{
 /// As spreadsheet programs show cells.
 inline constexpr XlsRules XLS_SPREADSHEET_RULES{
     .readsAllDateLetters = true,
-    .readsLanguageNames = true,
+    .readsWholeTags = true,
+    .readsLocalGeneral = true,
     .secondsMakeMinutes = true,
     .capitalizesAmPm = true,
     .failedConditionIsGeneral = true,

@@ -36,6 +36,16 @@ constexpr std::size_t xlsShortName = 3;
 /// The number of the language that "e" and eras belong to.
 constexpr unsigned XLS_JAPANESE = 0x411;
 
+/// The tag of Japanese dates in which the first year of an era has a name.
+constexpr std::u16string_view xlsFirstYearNamed = u"ja-JP-x-gannen";
+/// General in Japanese, Chinese and Korean programs.
+constexpr std::u16string_view xlsLocalGenerals[] = {u"G/\u6A19\u6E96", u"G/\u901A\u7528\u683C\u5F0F",
+                                                    u"G/\uD45C\uC900"};
+/// The digit 0 in the numerals of a tag; U+0030 if the number is unknown.
+char16_t xlsNumeralZero(unsigned numerals) noexcept;
+/// How many years the calendar of a tag is ahead of the common one; 0 if the number is unknown.
+int xlsCalendarYears(unsigned calendar) noexcept;
+
 struct XlsEra {
     char16_t initial;
     std::u16string_view name;  ///< its first character is the middle form
