@@ -32,8 +32,8 @@ struct XlsCodeNames;
 /// - An era or a Japanese language tag in any section makes the whole code Japanese: "e" is then a year of an era.
 /// - A negative number gets a "-" in front unless its section was chosen for its sign, even if its digits round to zero
 ///   or the section has no digits. Negative zero is zero.
-/// - A denominator with n placeholders is below 10^n; a fixed one of more than nine digits is
-///   999,999,999. A fraction of zero is left blank unless its numerator has a "0" or the section shows no whole number.
+/// - A denominator with n placeholders is below 10^n; a fixed one of more than nine digits is 999,999,999. A fraction of
+///   zero is left blank unless its numerator has a "0" or the section shows no whole number.
 /// - Literals, skips and fills may stand between the bar of a fraction and its placeholders.
 /// - A fill ("*") writes nothing and a skip ("_") one space, as there is no column here. XlsFormatString::fmtnum() can
 ///   fit a text into a column.
@@ -52,33 +52,41 @@ public:
 
     /// How cells are shown where spreadsheet programs and XlsFormatString differ.
     enum class Rules {
-        /// As spreadsheet programs show them in an English system:
-        /// - A number that cannot be shown is "########", as in a narrow column; one that the condition of the only
+        /// As spreadsheet programs show them in an English system.
+        ///
+        /// Cells:
+        /// - A number that cannot be shown is "########", as in a narrow column. One that the condition of the only
         ///   section rejects is shown as General, and so is one whose code has only sections for texts.
-        /// - A section whose condition only negative numbers meet shows no sign, as a second section without
-        /// conditions,
-        ///   unless it is the only one, or the first one with "<=" before a condition with other operators than ">".
-        /// - An exponent has as many digits as its placeholders, at least one; "%" and "," do not scale in scientific
-        ///   notation; the mantissa of zero has a digit if there is a placeholder for it.
+        /// - Like a second section without conditions, a first or second section whose condition only negative numbers
+        ///   meet shows no sign; but not if it is the only section, or the first one with "<=" and the second has
+        ///   another condition than ">".
+        ///
+        /// Numbers:
+        /// - An exponent has as many digits as its placeholders, at least one. "%" and "," do not scale in scientific
+        ///   notation. The mantissa of zero has a digit if there is a placeholder for it.
         /// - A fraction is the last convergent of the continued fraction whose denominator has room, at most 7 digits:
-        ///   0.456 is 1/2 in "?/?", 26/57 in "??/??". A whole number or fraction that is absent takes the literals
-        ///   between the two and
-        ///   inside the fraction with it; spaces as wide stay if these parts have a "?".
-        /// - General is scientific from 100000000000 upwards.
-        /// - A tag chooses numerals and calendar too: [$-D000000] is Thai digits, [$-1070000] the Buddhist year.
+        ///   0.456 is 1/2 with one digit and 26/57 with two.
+        /// - A whole number or a fraction that is absent takes the literals between the two, and those inside the
+        ///   fraction, with it. If these parts have a "?", spaces take their places.
+        /// - General is scientific from 100000000000 upwards. A code may call it by its name in Japanese, Chinese and
+        ///   Korean programs.
+        /// - A tag chooses numerals: [$-D000000] is Thai digits.
+        ///
+        /// Dates and times:
         /// - Days, months and AM/PM are in the language of a tag ([$-407], [$-de-DE]); [$-F800] and [$-F400] are
-        ///   English. "am/pm" is AM or PM in any case of its letters.
-        /// - "m" after seconds is minutes unless these have theirs before them; "h", "m" and "s" in a section with
-        /// "[h]",
-        ///   "[m]" or "[s]" of the same letter show that total too.
-        /// - "aaa" and "aaaa" are weekdays, "b" is the Buddhist year, "e" outside of Japanese codes the year, from 1911
-        ///   if the tag is that of Taiwan. The era Reiwa began on 2019-05-01.
+        ///   English. "am/pm" in any case of its letters is AM or PM.
+        /// - "m" after seconds is minutes, unless these have theirs before them. In a section with "[h]", "[m]" or
+        ///   "[s]", the same letter without brackets is that total too, and "m" is never a month without a day or year.
+        /// - "aaa" and "aaaa" are weekdays, "b" is the Buddhist year, and "e" outside of Japanese codes is the year,
+        /// from
+        ///   1911 if the tag is that of Taiwan; "b1" and "b2" write nothing. [$-1070000] makes years Buddhist.
+        /// - The era Reiwa began on 2019-05-01. [$-ja-JP-x-gannen] writes the first year of an era as a word.
         /// - The 1904 system has negative dates, with a "-" in front.
         SPREADSHEET,
         /// As XlsFormatString::fmtnum() and fmtstr() show them without a measure: exponents of at least two digits, the
-        /// fractions of convFrac() with denominators below 10^18, literals always, English names, eras up to Heisei,
-        /// and no text for a number that
-        /// cannot be shown.
+        /// fractions of convFrac() with denominators below 10^18, all literals, English names, eras up to Heisei, and
+        /// no
+        /// text for a number that cannot be shown.
         CONTRACT,
     };
 

@@ -138,8 +138,10 @@ void XlsCodeScan::letter(char16_t lower) {
             if (rules_.readsAllDateLetters && startsWith(u"aaa", true)) return run(XlsToken::LETTERS, lower);
             break;
         case 'b':
-            if (rules_.readsAllDateLetters) return run(XlsToken::LETTERS, lower);
-            break;
+            if (!rules_.readsAllDateLetters) break;
+            if (!startsWith(u"b1", true) && !startsWith(u"b2", true)) return run(XlsToken::LETTERS, lower);
+            at_ += 2;  // marks of a calendar
+            return;
         default:
             break;
     }
