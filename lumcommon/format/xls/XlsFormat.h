@@ -32,7 +32,8 @@ struct XlsCodeNames;
 /// - An era or a Japanese language tag in any section makes the whole code Japanese: "e" is then a year of an era.
 /// - A negative number gets a "-" in front unless its section was chosen for its sign, even if its digits round to zero
 ///   or the section has no digits. Negative zero is zero.
-/// - A denominator with n placeholders is below 10^n; a fixed one of more than nine digits is 999,999,999. A fraction of
+/// - A denominator with n placeholders is below 10^n; a fixed one of more than nine digits is 999,999,999. A fraction
+/// of
 ///   zero is left blank unless its numerator has a "0" or the section shows no whole number.
 /// - Literals, skips and fills may stand between the bar of a fraction and its placeholders.
 /// - A fill ("*") writes nothing and a skip ("_") one space, as there is no column here. XlsFormatString::fmtnum() can
@@ -69,7 +70,7 @@ public:
         /// - A whole number or a fraction that is absent takes the literals between the two, and those inside the
         ///   fraction, with it. If these parts have a "?", spaces take their places.
         /// - General is scientific from 100000000000 upwards. A code may call it by its name in Japanese, Chinese and
-        ///   Korean programs.
+        ///   Korean programs, and AM/PM by its Chinese one.
         /// - A tag chooses numerals: [$-D000000] is Thai digits.
         ///
         /// Dates and times:

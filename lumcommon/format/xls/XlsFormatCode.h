@@ -43,7 +43,7 @@ enum class XlsPieceKind : std::uint8_t {
     MINUTE,           ///< 1, 2: digits
     SECOND,           ///< 1, 2: digits
     SECOND_FRACTION,  ///< the point and `count` decimals of the second, 1 to 3
-    AM_PM,            ///< `count` is the form, 1 to 4, see FMT::amPm
+    AM_PM,            ///< `count` is the form, 1 to 5, see FMT::amPm
     ERA,              ///< 1: Latin initial; 2: first character of the name; 3: name
     ERA_YEAR,         ///< 1, 2: digits of the year in its era
     ELAPSED_HOURS,    ///< hours, whole days included, in at least `count` digits; likewise the next two
@@ -116,7 +116,7 @@ struct FMT {
     bool namesFirstYear = false;  ///< the first year of an era is written as its name, by [$-ja-JP-x-gannen]
     bool hasTime = false;         ///< there are fields of the clock or of elapsed time
     bool elapsedHours = false, elapsedMinutes = false, elapsedSeconds = false;  ///< which elapsed fields there are
-    int amPm = 0;            ///< the first form of AM/PM, 1 to 4: AM/PM, am/pm, A/P, a/p; 0 for a clock of 24 hours
+    int amPm = 0;  ///< the first form of AM/PM, 1 to 5: AM/PM, am/pm, A/P, a/p, Chinese; 0 for a clock of 24 hours
     int secondDecimals = 0;  ///< the most decimals of a second that a field shows, 0 to 3: times are rounded to these
 
     // What the section writes, in order.

@@ -112,7 +112,7 @@ void XlsCodeScan::letter(char16_t lower) {
         case 'g':
             if (startsWith(general, true)) return add(XlsToken::GENERAL, 0, static_cast<std::int32_t>(general.size()));
             for (const std::u16string_view word : xlsLocalGenerals) {
-                if (!rules_.readsLocalGeneral || !startsWith(word, true)) continue;
+                if (!rules_.readsLocalWords || !startsWith(word, true)) continue;
                 return add(XlsToken::GENERAL, 0, static_cast<std::int32_t>(word.size()));
             }
             [[fallthrough]];
@@ -131,9 +131,8 @@ void XlsCodeScan::letter(char16_t lower) {
             return run(XlsToken::LETTERS_E, lower);
         }
         case 'a':
-            for (int form = 1; form <= XLS_AMPM_FORMS; ++form) {
-                if (!startsWith(xlsAmPm(form), rules_.capitalizesAmPm && form <= XLS_AMPM_WORDS)) continue;
-                return add(XlsToken::AM_PM, 0, static_cast<std::int32_t>(xlsAmPm(form).size()), form);
+            for (int form = 1; form < XLS_AMPM_CHINESE; ++form) {
+                if (startsWith(xlsAmPm(form), rules_.capitalizesAmPm && form <= XLS_AMPM_WORDS)) return amPm(form);
             }
             if (rules_.readsAllDateLetters && startsWith(u"aaa", true)) return run(XlsToken::LETTERS, lower);
             break;
@@ -142,6 +141,9 @@ void XlsCodeScan::letter(char16_t lower) {
             if (!startsWith(u"b1", true) && !startsWith(u"b2", true)) return run(XlsToken::LETTERS, lower);
             at_ += 2;  // marks of a calendar
             return;
+        case u'\u4E0A':
+            if (rules_.readsLocalWords && startsWith(xlsAmPm(XLS_AMPM_CHINESE), false)) return amPm(XLS_AMPM_CHINESE);
+            break;
         default:
             break;
     }

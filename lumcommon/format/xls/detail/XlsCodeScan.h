@@ -3,6 +3,7 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/format/xls/XlsFormatCode.h>
 #include <lumcommon/format/xls/detail/XlsRules.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
 
 #include <cstdint>
 #include <string_view>
@@ -67,6 +68,7 @@ private:
     /// Reads "\\", "_" or "*" and the character after it.
     void withCharacter(XlsToken token);
     void letter(char16_t lower);
+    void amPm(int form) { add(XlsToken::AM_PM, 0, static_cast<std::int32_t>(xlsAmPm(form).size()), form); }
     void bracket();
     bool styleBracket(std::u16string_view content);
     bool color(std::u16string_view content);

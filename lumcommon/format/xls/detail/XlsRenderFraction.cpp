@@ -57,8 +57,7 @@ public:
     }
 
     /// How many spaces take the place of a piece.
-    std::int32_t widthOf(const XlsPiece& piece) const {
-        if (piece.kind == Kind::OPTIONAL_DIGIT && !blanksParts_) return 0;
+    static std::int32_t widthOf(const XlsPiece& piece) {
         if (isPlaceholder(piece) || piece.kind == Kind::LITERAL) return piece.count;
         return piece.kind == Kind::FRACTION_BAR || piece.kind == Kind::SKIP || piece.kind == Kind::PERCENT ? 1 : 0;
     }
@@ -89,11 +88,13 @@ void renderXlsFraction(const FMT& section, const XlsDecimal& magnitude, const Xl
     const std::uint64_t part = fraction.numerator == fraction.denominator ? 0 : fraction.numerator;
     const bool isFractionAbsent = hasWhole && part == 0 && section.numerator.forced == 0;
     std::string wholeText = hasWhole ? fraction.whole(magnitude) : std::string();
-    if (isFractionAbsent && wholeText.empty()) wholeText = "0";
+    // Zero has no whole number only if a single "#" asks for it and the fraction shows a 0.
+    const bool isOneOptional = section.integer.total() == 1 && section.integer.optional == 1;
+    const bool needsZero = isFractionAbsent || (rules.absentPartsTakeLiterals && !isOneOptional);
+    if (hasWhole && part == 0 && wholeText.empty() && needsZero) wholeText = "0";
     std::string numeratorText = hasWhole ? std::to_string(part) : fraction.improperNumerator(magnitude);
     if (numeratorText.empty()) numeratorText = "0";
-    const bool hasBlankWhole = section.integer.forced == 0 && (part != 0 || section.integer.spaced == 0);
-    const bool isWholeAbsent = hasWhole && wholeText.empty() && hasBlankWhole;
+    const bool isWholeAbsent = hasWhole && wholeText.empty() && section.integer.forced == 0;
     const AbsentPieces absent(section, rules, isWholeAbsent, isFractionAbsent);
 
     const auto digitsOf = [](const std::string& text) {
@@ -106,7 +107,7 @@ void renderXlsFraction(const FMT& section, const XlsDecimal& magnitude, const Xl
         const XlsPiece& piece = section.pieces[i];
         const AbsentPieces::Fate fate = absent.of(i, piece);
         if (fate != AbsentPieces::Fate::SHOWN) {
-            if (fate == AbsentPieces::Fate::BLANK) out.spaces(absent.widthOf(piece));
+            if (fate == AbsentPieces::Fate::BLANK) out.spaces(AbsentPieces::widthOf(piece));
             continue;
         }
         switch (piece.kind) {

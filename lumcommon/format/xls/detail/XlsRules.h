@@ -15,7 +15,7 @@ struct XlsRules {
     // What codes mean.
     bool readsAllDateLetters;  ///< "aaa" and "aaaa" are weekdays, "b" is the Buddhist year, "e" a year in any language
     bool readsWholeTags;       ///< [$-de-DE] is the same as [$-407], and tags may choose numerals and a calendar
-    bool readsLocalGeneral;    ///< the names of General in Japanese, Chinese and Korean programs
+    bool readsLocalWords;      ///< General in Japanese, Chinese and Korean programs, AM/PM in Chinese ones
     bool secondsMakeMinutes;   ///< an "m" after seconds without minutes is a minute, not a month
     bool capitalizesAmPm;      ///< "am/pm" in any case is AM/PM
 
@@ -45,7 +45,7 @@ struct XlsRules {
 inline constexpr XlsRules XLS_CONTRACT_RULES{
     .readsAllDateLetters = false,
     .readsWholeTags = false,
-    .readsLocalGeneral = false,
+    .readsLocalWords = false,
     .secondsMakeMinutes = false,
     .capitalizesAmPm = false,
     .failedConditionIsGeneral = false,
@@ -69,7 +69,7 @@ inline constexpr XlsRules XLS_CONTRACT_RULES{
 inline constexpr XlsRules XLS_SPREADSHEET_RULES{
     .readsAllDateLetters = true,
     .readsWholeTags = true,
-    .readsLocalGeneral = true,
+    .readsLocalWords = true,
     .secondsMakeMinutes = true,
     .capitalizesAmPm = true,
     .failedConditionIsGeneral = true,

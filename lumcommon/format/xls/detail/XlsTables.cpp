@@ -42,7 +42,7 @@ static_assert(std::size(eras) == XLS_ERAS);
 constexpr char16_t zeros[] = {u'0',   u'0',   0x0660, 0x06F0, 0x0966, 0x09E6, 0x0A66, 0x0AE6, 0x0B66, 0x0BE6,
                               0x0C66, 0x0CE6, 0x0D66, 0x0E50, 0x0ED0, 0x0F20, 0x1040, u'0',   0x17E0, 0x1810};
 
-constexpr std::u16string_view amPmForms[] = {u"AM/PM", u"am/pm", u"A/P", u"a/p"};
+constexpr std::u16string_view amPmForms[] = {u"AM/PM", u"am/pm", u"A/P", u"a/p", u"\u4E0A\u5348/\u4E0B\u5348"};
 static_assert(std::size(amPmForms) == XLS_AMPM_FORMS);
 
 }  // namespace

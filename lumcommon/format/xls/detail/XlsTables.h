@@ -57,8 +57,9 @@ const XlsEra& xlsEra(int era) noexcept;
 
 /// The forms of AM/PM, from 1; an empty view for others.
 std::u16string_view xlsAmPm(int form) noexcept;
-constexpr int XLS_AMPM_FORMS = 4;
-/// The first forms are AM/PM and am/pm, the others A/P and a/p.
+constexpr int XLS_AMPM_FORMS = 5;
+/// The first forms are AM/PM and am/pm, the next A/P and a/p, the last is Chinese.
 constexpr int XLS_AMPM_WORDS = 2;
+constexpr int XLS_AMPM_CHINESE = 5;
 
 }  // namespace LumCommon::detail
