@@ -17,6 +17,7 @@ int main() {
         const XlsFormat::Result cell = format.format(value);
         std::cout << utf8(cell.text) << (cell.color == 0xFF0000 ? " in red\n" : "\n");
     }
-    std::cout << utf8(XlsFormat(u"yyyy-mm-dd h:mm AM/PM").format(45000.75).text) << '\n';
+    std::cout << utf8(XlsFormat(u"[$-407]dddd, d. mmmm yyyy h:mm").format(45000.75).text) << '\n';
+    std::cout << utf8(XlsFormat(u"# #/##").format(123.456).text) << '\n';
 }
 // [cells]

@@ -1,8 +1,8 @@
 // Any text may be a number format code, and any bits a value. The first byte chooses the date system and how the text
-// is read, the next eight are the value; the rest is the code. Laws: formatting names an existing section, or a failure
-// with an empty text; repeating it gives the same, also in a reused result; the length of the text is bounded by the
-// code and the value; sections in their normal form mean the same and are their own normal form; the single steps agree
-// with the whole; a fitted text fits unless it cannot be made to.
+// is read, the next eight are the value; the rest is the code. Laws by either rules: formatting names an existing
+// section or a failure; repeating it gives the same, also in a reused result; the length of the text is bounded by the
+// code and the value; sections in their normal form mean the same and are their own normal form. By the contract, the
+// single steps agree with the whole, and a fitted text fits unless it cannot be made to.
 
 #include <lumcommon/lumcommon.h>
 
@@ -45,7 +45,7 @@ UnicodeString normalForm(const FMT2& code) {
 void checkNormalForm(const XlsFormat& format, const XlsFormat::Result& number, const XlsFormat::Result& text,
                      double value, const UnicodeString& textValue) {
     const UnicodeString normal = normalForm(format.getSections());
-    const XlsFormat again(normal, format.is1904());
+    const XlsFormat again(normal, format.is1904(), format.getRules());
     FUZZ_LAW(again.getSections().count == format.getSections().count);
     FUZZ_LAW(normalForm(again.getSections()) == normal);
     FUZZ_LAW(isSame(again.format(value), number));
@@ -56,13 +56,16 @@ bool fitsColumn(void*, const UnicodeString& text, LumLength width, int, int) {
     return static_cast<float>(text.length()) <= width.getPoints();
 }
 
-void checkSteps(const XlsFormat& format, double value, const XlsFormat::Result& result) {
+void checkSteps(const XlsFormat& format, double value, const XlsFormat::Result& result, const UnicodeString& textValue,
+                const XlsFormat::Result& textResult) {
     const FMT2& code = format.getSections();
     const CELLV cell(value, format.is1904() ? 1904 : 1900);
     UnicodeString text;
     int color = 0;
     FUZZ_LAW(XlsFormatString::fmtnum(cell, value, code, text, color) == result.section);
     FUZZ_LAW(text == result.text && color == result.color);
+    FUZZ_LAW(XlsFormatString::fmtstr(cell, textValue, code, text, color) == textResult.section);
+    FUZZ_LAW(text == textResult.text && color == textResult.color);
     const LumLength width(static_cast<float>(10), UNIT_PT);
     const int section = XlsFormatString::fmtnum(cell, value, code, text, color, fitsColumn, width);
     FUZZ_LAW(section == result.section);
@@ -130,17 +133,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if ((how & 4u) != 0) value = static_cast<double>(static_cast<std::int64_t>(bits) >> 32) / 1000;  // everyday numbers
     const UnicodeString code = LumFuzz::textOf(input.data(), input.size(), (how & 2u) != 0);
     const UnicodeString text(code, 0, 3);
-    const XlsFormat format(code, (how & 1u) != 0);
-    const XlsFormat::Result number = format.format(value);
-    const XlsFormat::Result textResult = format.format(text);
-    checkResult(format, number, code, UnicodeString());
-    checkResult(format, textResult, code, text);
-    XlsFormat::Result reused = textResult;
-    format.format(value, reused);
-    FUZZ_LAW(isSame(reused, number));
-    checkNormalForm(format, number, textResult, value, text);
-    checkSteps(format, value, number);
+    const bool is1904 = (how & 1u) != 0;
+    for (const XlsFormat::Rules rules : {XlsFormat::Rules::CONTRACT, XlsFormat::Rules::SPREADSHEET}) {
+        const XlsFormat format(code, is1904, rules);
+        const XlsFormat::Result number = format.format(value);
+        const XlsFormat::Result textResult = format.format(text);
+        checkResult(format, number, code, UnicodeString());
+        checkResult(format, textResult, code, text);
+        XlsFormat::Result reused = textResult;
+        format.format(value, reused);
+        FUZZ_LAW(isSame(reused, number));
+        checkNormalForm(format, number, textResult, value, text);
+        if (rules == XlsFormat::Rules::CONTRACT) checkSteps(format, value, number, text, textResult);
+    }
     checkDigitStrings(value);
-    checkDates(value, format.is1904());
+    checkDates(value, is1904);
     return 0;
 }

@@ -20,6 +20,8 @@ using LumTest::numberOf;
 using LumTest::utf8;
 using Xls = XlsFormatString;
 
+XlsFormat byContract(const UnicodeString& code) { return XlsFormat(code, false, XlsFormat::Rules::CONTRACT); }
+
 int integerOf(const UnicodeString& field) { return static_cast<int>(numberOf(field)); }
 
 FMT2 parsed(const UnicodeString& code) {
@@ -29,7 +31,7 @@ FMT2 parsed(const UnicodeString& code) {
 }
 
 std::string cell(const Fields& fields) {
-    const XlsFormat::Result result = XlsFormat(fields[0]).format(numberOf(fields[1]));
+    const XlsFormat::Result result = byContract(fields[0]).format(numberOf(fields[1]));
     char color[32] = "-";
     if (result.color != XlsFormat::NO_COLOR) std::snprintf(color, sizeof color, "%06X", unsigned(result.color));
     return utf8(result.text) + " ~ " + std::to_string(result.section) + " ~ " + color;
@@ -87,8 +89,8 @@ std::string longCode(const Fields& fields) {
 
 const LumTest::Operations steps = {
     {"cell", cell},
-    {"shown", [](const Fields& f) { return utf8(XlsFormat(f[0]).format(numberOf(f[1])).text); }},
-    {"shownText", [](const Fields& f) { return utf8(XlsFormat(f[0]).format(f[1]).text); }},
+    {"shown", [](const Fields& f) { return utf8(byContract(f[0]).format(numberOf(f[1])).text); }},
+    {"shownText", [](const Fields& f) { return utf8(byContract(f[0]).format(f[1]).text); }},
     {"section",
      [](const Fields& f) { return std::to_string(Xls::fmtsel(Xls::VALUE_NUMBER, numberOf(f[1]), parsed(f[0]))); }},
     {"textSection", [](const Fields& f) { return std::to_string(Xls::fmtsel(Xls::VALUE_TEXT, 0, parsed(f[0]))); }},
@@ -132,8 +134,8 @@ TEST(XlsFormat, stepsGiveWhatTheFileSaysInEveryLocale) {
     LumTest::checkRows("xlsformat/steps.txt", steps);
 }
 
-TEST(XlsFormat, agreesWithTheTableOfPairs) {
-    std::ifstream in(LUM_TEST_DATA "/xlsformat/pairs.tsv");
+void checkPairs(const std::string& table, XlsFormat::Rules rules, int leastRows) {
+    std::ifstream in(LUM_TEST_DATA "/xlsformat/" + table);
     int number = 1;
     std::string line;
     for (std::getline(in, line); std::getline(in, line);) {
@@ -144,7 +146,7 @@ TEST(XlsFormat, agreesWithTheTableOfPairs) {
             std::getline(columns, *field, '\t');
         }
         const UnicodeString text = UnicodeString::fromUTF8(value);
-        const XlsFormat format(UnicodeString::fromUTF8(code), system == "1904");
+        const XlsFormat format(UnicodeString::fromUTF8(code), system == "1904", rules);
         const XlsFormat::Result result = kind == "text" ? format.format(text) : format.format(numberOf(text));
         const bool isRefused = result.section < 0 && result.text.isEmpty() && kind != "text";
         EXPECT_EQ(isRefused ? "{refused}" : utf8(result.text), expected);
@@ -152,7 +154,12 @@ TEST(XlsFormat, agreesWithTheTableOfPairs) {
         EXPECT_EQ(result.color, colored.format(0.0).color);
         EXPECT_EQ(suite == expected, reason.empty() || reason == "unsure") << "a difference is not understood";
     }
-    EXPECT_GT(number, 800);
+    EXPECT_GT(number, leastRows);
+}
+
+TEST(XlsFormat, agreesWithTheTablesOfPairs) {
+    checkPairs("pairs.tsv", XlsFormat::Rules::CONTRACT, 800);
+    checkPairs("cells.tsv", XlsFormat::Rules::SPREADSHEET, 3000);
 }
 
 /// Every day of a system, one after the other.

@@ -94,7 +94,8 @@ def check_small_commands():
          '{"text":"1904-01-01","color":null,"section":0}\n'),
         ("number taken for a text", ["xlsformat", "--text", "0;0;0;[Blue]<@>", "12"],
          '{"text":"<12>","color":"0000FF","section":3}\n'),
-        ("failure hidden", ["xlsformat", "[>5]0", "1e0"], '{"text":"","color":null,"section":-2}\n'),
+        ("failure hidden", ["xlsformat", "--contract", "[>5]0", "1e0"], '{"text":"","color":null,"section":-2}\n'),
+        ("the rules of the steps", ["xlsformat", "[>5]# ?/?", "0.93"], '{"text":"0.93","color":null,"section":-2}\n'),
         ("bytes taken for units", ["xlsformat", "0\u5186", "5"], '{"text":"5\u5186","color":null,"section":0}\n'),
     ]
     for fault, arguments, expected in rows:

@@ -15,6 +15,7 @@ using LumCommon::XlsFormat;
 struct Arguments {
     bool is1904 = false;
     bool areTexts = false;
+    bool isContract = false;
     std::string code;
     std::vector<std::string> values;
 };
@@ -22,6 +23,7 @@ struct Arguments {
 void describe(Syntax& syntax, Arguments& arguments) {
     syntax.flag("--1904", arguments.is1904, "Count days from 1904-01-01");
     syntax.flag("--text", arguments.areTexts, "Treat the values as texts");
+    syntax.flag("--contract", arguments.isContract, "Show them by the rules of XlsFormatString");
     syntax.required("code", arguments.code, "The number format code, such as #,##0.00");
     syntax.required("value", arguments.values, "A number, or any text with --text");
 }
@@ -47,7 +49,8 @@ void print(const XlsFormat::Result& result) {
 }
 
 void run(const Arguments& arguments) {
-    const XlsFormat format(fromArgument(arguments.code), arguments.is1904);
+    const XlsFormat::Rules rules = arguments.isContract ? XlsFormat::Rules::CONTRACT : XlsFormat::Rules::SPREADSHEET;
+    const XlsFormat format(fromArgument(arguments.code), arguments.is1904, rules);
     for (const std::string& value : arguments.values) {
         print(arguments.areTexts ? format.format(fromArgument(value)) : format.format(toNumber(value)));
     }

@@ -98,7 +98,7 @@ std::string movePoint(std::string_view digits, std::int64_t places) {
 struct ImproperFraction {
     ImproperFraction(double value, int places, int fixedDenominator) {
         const detail::XlsDecimal magnitude = detail::XlsDecimal(std::isfinite(value) ? value : 0).abs();
-        const detail::XlsFraction fraction(magnitude, places, fixedDenominator);
+        const detail::XlsFraction fraction(magnitude, places, fixedDenominator, detail::XLS_CONTRACT_RULES.search);
         denominator = fraction.denominator;
         const std::string digits = fraction.improperNumerator(magnitude);
         if (digits.empty()) return;
@@ -168,7 +168,7 @@ std::string XlsFormatString::ConvertExponent(int exponent) { return detail::xlsE
 std::string XlsFormatString::ConvGeneral(double value, int maxChars) {
     if (!std::isfinite(value)) return "0";
     const detail::XlsDecimal decimal(value);
-    return (decimal.isNegative() ? "-" : "") + detail::xlsGeneral(decimal.abs(), maxChars);
+    return (decimal.isNegative() ? "-" : "") + detail::xlsGeneral(decimal.abs(), maxChars, detail::XLS_CONTRACT_RULES);
 }
 
 void XlsFormatString::convFrac(double value, int places, int fixedDenominator, std::int64_t& numerator,

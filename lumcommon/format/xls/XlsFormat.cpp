@@ -5,9 +5,20 @@
 
 namespace LumCommon {
 
+namespace {
+
+const detail::XlsRules& rulesOf(XlsFormat::Rules rules) {
+    return rules == XlsFormat::Rules::CONTRACT ? detail::XLS_CONTRACT_RULES : detail::XLS_SPREADSHEET_RULES;
+}
+
+}  // namespace
+
 XlsFormat::XlsFormat() : XlsFormat(UnicodeString(u"General")) {}
 
-XlsFormat::XlsFormat(const UnicodeString& code, bool is1904) : is1904_(is1904) { detail::parseXlsCode(code, code_); }
+XlsFormat::XlsFormat(const UnicodeString& code, bool is1904, Rules rules) : is1904_(is1904), rules_(rules) {
+    detail::parseXlsCode(code, rulesOf(rules), code_);
+    if (rulesOf(rules).translatesNames) names_ = detail::xlsNamesFor(code_);
+}
 
 XlsFormat::Result XlsFormat::format(double value) const {
     Result result;
@@ -27,9 +38,10 @@ XlsFormat::Result XlsFormat::format(const CELLV& cell) const {
 
 void XlsFormat::format(double value, Result& result) const {
     detail::XlsNumberStyle style;
+    style.rules = &rulesOf(rules_);
     style.is1904 = is1904_;
     detail::XlsFill fill;
-    result.section = detail::showXlsNumber(code_, value, style, result.text, result.color, fill);
+    result.section = detail::showXlsNumber(code_, value, style, names_.get(), result.text, result.color, fill);
 }
 
 void XlsFormat::format(const UnicodeString& text, Result& result) const {

@@ -34,18 +34,19 @@ enum class XlsPieceKind : std::uint8_t {
     FIXED_DENOMINATOR,  ///< FMT::fixedDenominator, which has `count` digits
     GENERAL,            ///< the number as General shows it; in a fourth section, a text
     TEXT,               ///< "@": the text of the cell
-    YEAR,               ///< 2: the last two digits; 4: all four
-    MONTH,              ///< 1, 2: digits; 3: short name; 4: name; 5: initial
-    DAY,                ///< 1, 2: digits of the day of the month
-    WEEKDAY,            ///< 3: short name; 4: name
-    HOUR,               ///< 1, 2: digits, of 12 hours if FMT::amPm is not 0, otherwise of 24
-    MINUTE,             ///< 1, 2: digits
-    SECOND,             ///< 1, 2: digits
-    SECOND_FRACTION,    ///< the point and `count` decimals of the second, 1 to 3
-    AM_PM,              ///< `count` is the form, 1 to 4, see FMT::amPm
-    ERA,                ///< 1: Latin initial; 2: first character of the name; 3: name
-    ERA_YEAR,           ///< 1, 2: digits of the year in its era
-    ELAPSED_HOURS,      ///< hours, whole days included, in at least `count` digits; likewise the next two
+    YEAR,             ///< 2: the last two digits; 4: all four; `unit` is "b" for the Buddhist year, "e" for that of the
+                      ///< language (that of Taiwan counts from 1911), 0 for the common one
+    MONTH,            ///< 1, 2: digits; 3: short name; 4: name; 5: initial
+    DAY,              ///< 1, 2: digits of the day of the month
+    WEEKDAY,          ///< 3: short name; 4: name
+    HOUR,             ///< 1, 2: digits, of 12 hours if FMT::amPm is not 0, otherwise of 24
+    MINUTE,           ///< 1, 2: digits
+    SECOND,           ///< 1, 2: digits
+    SECOND_FRACTION,  ///< the point and `count` decimals of the second, 1 to 3
+    AM_PM,            ///< `count` is the form, 1 to 5, see FMT::amPm
+    ERA,              ///< 1: Latin initial; 2: first character of the name; 3: name
+    ERA_YEAR,         ///< 1, 2: digits of the year in its era
+    ELAPSED_HOURS,    ///< hours, whole days included, in at least `count` digits; likewise the next two
     ELAPSED_MINUTES,
     ELAPSED_SECONDS,
 };
@@ -58,7 +59,7 @@ enum class XlsPart : std::uint8_t { INTEGER, DECIMALS, EXPONENT, NUMERATOR, DENO
 struct XlsPiece {
     XlsPieceKind kind = XlsPieceKind::LITERAL;
     XlsPart part = XlsPart::INTEGER;  ///< of placeholders and FIXED_DENOMINATOR; INTEGER for other kinds
-    char32_t unit = 0;                ///< a code point, for SKIP, FILL and EXPONENT; 0 for other kinds
+    char32_t unit = 0;                ///< a code point, for SKIP, FILL, EXPONENT and YEAR; 0 for other kinds
     std::int32_t count = 0;           ///< see XlsPieceKind
     std::int32_t start = 0;           ///< of a literal: its first UTF-16 unit in FMT::literals; 0 for other kinds
 
@@ -94,6 +95,9 @@ struct FMT {
     unsigned locale = 0;  ///< language of a [$...-...] tag as a 16-bit number (0x407, 0x411); 0 for none. A section
                           ///< with ERA_YEAR but neither ERA nor tag gets 0x411
 
+    int numerals = 0;  ///< by the first of the four bytes of such a tag: 2 Arabic to 19 Mongolian; 0 for European ones
+    int calendar = 0;  ///< by the second byte: 4 Taiwan, 5 Korea, 7 Thailand; 0 for the common one
+
     // Numbers.
     XlsDigitCounts integer, decimals, exponent, numerator, denominator;
     std::int32_t forcedDecimals = 0;  ///< decimals that are always written: up to the last "0" after the point
@@ -108,10 +112,11 @@ struct FMT {
     bool isGeneral = false;           ///< there is a General
 
     // Dates and times.
-    bool hasDate = false;  ///< there are fields of the calendar: the value must be a date
-    bool hasTime = false;  ///< there are fields of the clock or of elapsed time
+    bool hasDate = false;         ///< there are fields of the calendar: the value must be a date
+    bool namesFirstYear = false;  ///< the first year of an era is written as its name, by [$-ja-JP-x-gannen]
+    bool hasTime = false;         ///< there are fields of the clock or of elapsed time
     bool elapsedHours = false, elapsedMinutes = false, elapsedSeconds = false;  ///< which elapsed fields there are
-    int amPm = 0;            ///< the first form of AM/PM, 1 to 4: AM/PM, am/pm, A/P, a/p; 0 for a clock of 24 hours
+    int amPm = 0;  ///< the first form of AM/PM, 1 to 5: AM/PM, am/pm, A/P, a/p, Chinese; 0 for a clock of 24 hours
     int secondDecimals = 0;  ///< the most decimals of a second that a field shows, 0 to 3: times are rounded to these
 
     // What the section writes, in order.

@@ -41,13 +41,13 @@ public:
     }
 
     int show(UnicodeString& text, int& color) {
-        int section = detail::showXlsNumber(code_, value_, style_, text, color, fill_);
+        int section = detail::showXlsNumber(code_, value_, style_, nullptr, text, color, fill_);
         if (!measure_ || section < 0) return section;
         const bool isAsText = code_.sections[static_cast<std::size_t>(section)].kind == FMT::TEXT;
         const bool canShrink = isAsText || code_.sections[static_cast<std::size_t>(section)].isGeneral;
         while (canShrink && style_.generalChars > 1 && !fits(text)) {
             --style_.generalChars;
-            section = detail::showXlsNumber(code_, value_, style_, text, color, fill_);
+            section = detail::showXlsNumber(code_, value_, style_, nullptr, text, color, fill_);
         }
         if (fill_.at >= 0) fillUp(text);
         return section;
@@ -141,7 +141,9 @@ int XlsFormatString::fmtstr(const CELLV&, const UnicodeString& value, const FMT2
     return detail::showXlsText(code, value, result, color);
 }
 
-int XlsFormatString::fmtget(const UnicodeString& code, FMT2& out) { return detail::parseXlsCode(code, out); }
+int XlsFormatString::fmtget(const UnicodeString& code, FMT2& out) {
+    return detail::parseXlsCode(code, detail::XLS_CONTRACT_RULES, out);
+}
 
 int XlsFormatString::fmtsel(int kind, double value, const FMT2& code) {
     return kind == VALUE_TEXT ? detail::selectXlsText(code) : detail::selectXlsNumber(code, value);
@@ -156,7 +158,7 @@ bool XlsFormatString::fmtdate(double serial, int& year, int& month, int& day, in
     if (!(serial >= 0 && serial < 1e9)) return false;
     const auto whole = static_cast<std::int64_t>(serial);
     if (!detail::xlsIsDay(whole, is1904)) return false;
-    const detail::XlsDate date = detail::xlsDate(whole, is1904);
+    const detail::XlsDate date = detail::xlsDate(whole, is1904, detail::XLS_CONTRACT_RULES.eras);
     year = date.year;
     month = date.month;
     day = date.day;
@@ -205,14 +207,14 @@ int XlsFormatString::WeekOfNum(double serial, int baseYear) {
 int XlsFormatString::RekiOfNum(double serial, int baseYear) {
     // Serials before the first date and after the last one have an era as well.
     const double day = serial >= 0 ? std::fmin(serial, 1e9) : 0;
-    return detail::xlsEraOfDay(static_cast<std::int64_t>(day), baseYear == 1904);
+    return detail::xlsEraOfDay(static_cast<std::int64_t>(day), baseYear == 1904, detail::XLS_CONTRACT_RULES.eras);
 }
 
 UnicodeString XlsFormatString::fmtnumN(double value, const FMT& section) {
     UnicodeString text;
     if (section.kind != FMT::NUMBER || !std::isfinite(value)) return text;
     detail::XlsWriter writer(text);
-    detail::renderXlsNumber(section, detail::XlsDecimal(value), detail::XLS_GENERAL_CHARS, writer);
+    detail::renderXlsNumber(section, detail::XlsDecimal(value), detail::XlsNumberStyle(), writer);
     writer.flush();
     return text;
 }
@@ -221,7 +223,7 @@ UnicodeString XlsFormatString::fmtnumD(std::string_view digits, const FMT& secti
     UnicodeString text;
     if (section.kind != FMT::NUMBER) return text;
     detail::XlsWriter writer(text);
-    detail::renderXlsNumber(section, detail::XlsDecimal(digits), detail::XLS_GENERAL_CHARS, writer);
+    detail::renderXlsNumber(section, detail::XlsDecimal(digits), detail::XlsNumberStyle(), writer);
     writer.flush();
     return text;
 }

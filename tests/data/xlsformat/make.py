@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Fills the column `suite` of pairs.tsv: what a headless office suite displays for each number-format code and value.
+"""Fills the column `suite` of pairs.tsv and cells.tsv: what a headless office suite displays for each number-format code and value.
 
     tests/data/xlsformat/make.py [--check]      --check changes nothing and fails when a text would change
 
-Needs: soffice and gsf (Debian 12 packages libreoffice-calc-nogui, libgsf-bin). The table is committed, so this runs only when rows
+Needs: soffice and gsf (Debian 12 packages libreoffice-calc-nogui, libgsf-bin). The tables are committed, so this runs only when rows
 are added. Rows are facts: code, kind, value, system and expected are written by hand, and so is a reason wherever the
 suite displays something else than expected (README.md tells the columns). A row without a reason must agree.
 """
@@ -20,8 +20,7 @@ import zipfile
 from xml.sax.saxutils import escape, quoteattr
 
 HERE = pathlib.Path(__file__).resolve().parent
-TABLE = HERE / "pairs.tsv"
-REASONS = HERE / "reasons.tsv"
+TABLES = {"pairs.tsv": "reasons.tsv", "cells.tsv": "cells-reasons.tsv"}
 COLUMNS = "code kind value system suite expected colour reason".split()
 Row = collections.namedtuple("Row", COLUMNS)
 
@@ -33,7 +32,7 @@ TYPES = "application/vnd.openxmlformats-officedocument.spreadsheetml"
 CSV = "csv:Text - txt - csv (StarCalc):44,34,76,1,,1033,false,false,true"
 
 
-def read_table(path=TABLE):
+def read_table(path):
     lines = path.read_text(encoding="utf-8").split("\n")
     assert lines[0].split("\t") == COLUMNS and lines[-1] == "", "the first line names the columns"
     return [Row(*line.split("\t")) for line in lines[1:-1]]
@@ -127,8 +126,8 @@ def displayed(rows, system):
         return [record[0] for record in records]
 
 
-def findings(rows):
-    known = {line.split("\t")[0] for line in REASONS.read_text(encoding="utf-8").splitlines()}
+def findings(rows, reasons):
+    known = {line.split("\t")[0] for line in reasons.read_text(encoding="utf-8").splitlines()}
     seen = set()
     used = set()
     for row in rows:
@@ -148,21 +147,27 @@ def findings(rows):
         yield f"reason that no row has: {unused}"
 
 
-def main():
-    old = read_table()
+def fill(path, reasons, is_check):
+    """Asks the suite about all rows of a table; returns whether there is a problem."""
+    old = read_table(path)
     new = list(old)
     for system in ("1900", "1904"):
         places = [i for i, row in enumerate(old) if row.system == system]
         for place, text in zip(places, displayed([old[i] for i in places], system)):
             new[place] = old[place]._replace(suite=text)
-    if "--check" not in sys.argv:
-        TABLE.write_text("".join("\t".join(row) + "\n" for row in [COLUMNS, *new]), encoding="utf-8")
+    if not is_check:
+        path.write_text("".join("\t".join(row) + "\n" for row in [COLUMNS, *new]), encoding="utf-8")
         old = new
-    problems = list(findings(new)) + [f"changed: {a} to {b}" for a, b in zip(old, new) if a != b]
+    problems = list(findings(new, reasons)) + [f"changed: {a} to {b}" for a, b in zip(old, new) if a != b]
     print("\n".join(problems))
     agree = sum(row.suite == row.expected for row in new)
-    print(f"{len(new)} pairs, {agree} displayed alike, {len(new) - agree} with reasons")
-    return 1 if problems else 0
+    print(f"{path.name}: {len(new)} pairs, {agree} displayed alike, {len(new) - agree} with reasons")
+    return bool(problems)
+
+
+def main():
+    faults = [fill(HERE / table, HERE / reasons, "--check" in sys.argv) for table, reasons in TABLES.items()]
+    return 1 if any(faults) else 0
 
 
 if __name__ == "__main__":

@@ -45,19 +45,58 @@ int selectOf(const FMT2& code, const NumberSections& usable, double value) {
     return XlsFormat::NO_SECTION;
 }
 
+/// The operators of conditions; 0 is no condition.
+enum Operator : int { NONE, AT_LEAST, AT_MOST, OTHER_THAN, BELOW, ABOVE, EQUAL };
+
+/// Whether only negative numbers meet the condition of the first or the second of several sections. Programs know the
+/// usual pairs of conditions, which these are, not every pair.
+bool isForNegatives(const FMT& section, const FMT& other, bool isFirst) {
+    if (!isFirst && section.condition == NONE) {
+        return (other.condition == AT_LEAST || other.condition == ABOVE) && other.operand <= 0;
+    }
+    if (section.operand > 0) return false;
+    if (!isFirst) return section.condition == BELOW || (section.condition == AT_MOST && section.operand < 0);
+    const int second = other.condition;
+    if (section.condition == BELOW) return second == NONE || second == AT_LEAST || second == ABOVE || second == EQUAL;
+    return section.condition == AT_MOST && (second == NONE || second == ABOVE);
+}
+
 /// Whether a section was chosen for the sign of its values, which it is then left to show.
-bool impliesSign(const FMT2& code, const NumberSections& usable, int section) {
-    if (usable.count < 2 || section != usable.index[1] || at(code, section).condition != 0) return false;
-    return usable.count > 2 || at(code, usable.index[0]).condition == 0;
+bool impliesSign(const FMT2& code, const NumberSections& usable, int section, const XlsRules& rules) {
+    if (usable.count < 2) return false;
+    const bool isFirst = section == usable.index[0];
+    if (!isFirst && section != usable.index[1]) return false;
+    const FMT& first = at(code, usable.index[0]);
+    const FMT& second = at(code, usable.index[1]);
+    if (!isFirst && second.condition == NONE && (usable.count > 2 || first.condition == NONE)) return true;
+    return rules.conditionsImplySigns && isForNegatives(isFirst ? first : second, isFirst ? second : first, isFirst);
 }
 
 int colorOf(const FMT& section) { return section.color == 0 ? XlsFormat::NO_COLOR : xlsPaletteColor(section.color); }
 
-/// A code with nothing but text sections shows a number as the text that General makes of it.
-int showAsText(const FMT2& code, const XlsDecimal& value, int generalChars, UnicodeString& text, int& color) {
-    const std::string general = (value.isNegative() ? "-" : "") + xlsGeneral(value.abs(), generalChars);
-    return showXlsText(code, checked(UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV)),
-                       text, color);
+UnicodeString generalText(double value, const XlsNumberStyle& style) {
+    const XlsDecimal decimal(value);
+    const std::string general =
+        (decimal.isNegative() ? "-" : "") + xlsGeneral(decimal.abs(), style.generalChars, *style.rules);
+    return checked(UnicodeString(general.data(), static_cast<std::int32_t>(general.size()), US_INV));
+}
+
+/// A code with nothing but sections for texts shows a number as General does, and perhaps that text by its section.
+int showAsText(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color) {
+    const UnicodeString general = generalText(value, style);
+    const int section = showXlsText(code, general, text, color);
+    if (style.rules->textCodesShowGeneral) text = general;
+    return section;
+}
+
+/// Shows what stands for a number that no section shows.
+int refuse(int failure, double value, const XlsNumberStyle& style, UnicodeString& text) {
+    if (failure == XlsFormat::CONDITION_FAILED && style.rules->failedConditionIsGeneral) {
+        text = generalText(value, style);
+    } else {
+        append(text, style.rules->refused);
+    }
+    return failure;
 }
 
 }  // namespace
@@ -90,8 +129,8 @@ int selectXlsText(const FMT2& code) {
     return XlsFormat::NO_SECTION;
 }
 
-int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color,
-                  XlsFill& fill) {
+int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, const XlsCodeNames* names,
+                  UnicodeString& text, int& color, XlsFill& fill) {
     text.remove();
     color = XlsFormat::NO_COLOR;
     fill = XlsFill();
@@ -100,16 +139,19 @@ int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, U
         return XlsFormat::NO_SECTION;
     }
     const NumberSections usable(code);
-    if (usable.count == 0) return showAsText(code, XlsDecimal(value), style.generalChars, text, color);
+    if (usable.count == 0) return showAsText(code, value, style, text, color);
     const int section = selectOf(code, usable, value);
-    if (section < 0) return section;
-    if (impliesSign(code, usable, section)) value = std::fabs(value);
+    if (section < 0) return refuse(section, value, style, text);
+    if (impliesSign(code, usable, section, *style.rules)) value = std::fabs(value);
     const FMT& chosen = at(code, section);
     XlsWriter writer(text);
     if (chosen.kind == FMT::NUMBER) {
-        renderXlsNumber(chosen, XlsDecimal(value), style.generalChars, writer);
-    } else if (!renderXlsDate(chosen, XlsDecimal::exact(value), style.is1904, writer)) {
-        return XlsFormat::NOT_A_DATE;
+        renderXlsNumber(chosen, XlsDecimal(value), style, writer);
+    } else {
+        const XlsDateNames* const own = names ? names->sections[section].get() : nullptr;
+        if (!renderXlsDate(chosen, XlsDecimal::exact(value), style, own, writer)) {
+            return refuse(XlsFormat::NOT_A_DATE, value, style, text);
+        }
     }
     writer.flush();
     color = colorOf(chosen);

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <lumcommon/format/xls/XlsFormatCode.h>
-#include <lumcommon/format/xls/detail/XlsGeneral.h>
+#include <lumcommon/format/xls/detail/XlsDateNames.h>
+#include <lumcommon/format/xls/detail/XlsRender.h>
 
 namespace LumCommon::detail {
 
@@ -11,20 +12,15 @@ struct XlsFill {
     UChar32 character = 0;
 };
 
-/// What decides how a number is shown, apart from its code.
-struct XlsNumberStyle {
-    bool is1904 = false;
-    int generalChars = XLS_GENERAL_CHARS;
-};
-
 /// XlsFormatString::fmtsel() for a number and for a text.
 int selectXlsNumber(const FMT2& code, double value);
 int selectXlsText(const FMT2& code);
 bool xlsConditionHolds(double value, int condition, double operand);
 
 /// Shows a cell; returns the section used or an XlsFormat::Failure, and sets the text, the colour and the fill.
-int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, UnicodeString& text, int& color,
-                  XlsFill& fill);
+/// @param names  of the sections; null for English ones.
+int showXlsNumber(const FMT2& code, double value, const XlsNumberStyle& style, const XlsCodeNames* names,
+                  UnicodeString& text, int& color, XlsFill& fill);
 int showXlsText(const FMT2& code, const UnicodeString& value, UnicodeString& text, int& color);
 
 }  // namespace LumCommon::detail

@@ -20,11 +20,14 @@ bool isPlaceholder(const XlsRawPiece& piece) {
            piece.token == XlsToken::DIGIT_SPACED;
 }
 
+bool isClock(Kind kind) { return kind >= Kind::HOUR && kind <= Kind::AM_PM; }
+bool isCalendar(Kind kind) { return kind >= Kind::YEAR && kind <= Kind::ERA_YEAR && !isClock(kind); }
+
 /// Interprets the raw pieces of one section.
 class SectionParser {
 public:
-    SectionParser(std::u16string_view code, XlsRawSection& raw, bool isJapanese, FMT& out)
-        : code_(code), raw_(raw.pieces), isJapanese_(isJapanese), out_(out) {}
+    SectionParser(std::u16string_view code, XlsRawSection& raw, bool isJapanese, const XlsRules& rules, FMT& out)
+        : code_(code), raw_(raw.pieces), isJapanese_(isJapanese), rules_(rules), out_(out) {}
 
     void run();
 
@@ -35,9 +38,12 @@ private:
     void textSection();
     void dateSection();
     void dateLetters(const XlsRawPiece& piece);
+    bool isMinute() const;
     void monthIsMinute();
+    void yearLetter(const XlsRawPiece& piece);
     void elapsed(const XlsRawPiece& piece);
     void secondFraction(std::size_t index);
+    void elapsedHasNoMonths();
     void numberSection();
     void numberPiece(std::size_t index);
     void findFraction();
@@ -58,6 +64,7 @@ private:
     std::u16string_view code_;
     const std::vector<XlsRawPiece>& raw_;
     bool isJapanese_;
+    const XlsRules& rules_;
     FMT& out_;
 
     // For numbers: indexes of raw pieces.
@@ -66,6 +73,7 @@ private:
     std::size_t numerator_ = npos, bar_ = npos, denominator_ = npos, denominatorEnd_ = npos;
     // For dates.
     std::size_t lastField_ = npos;  ///< index in out_.pieces of the last field other than AM/PM
+    bool hasMinute_ = false;
 };
 
 void SectionParser::run() {
@@ -94,7 +102,7 @@ void SectionParser::decideKind() {
                 isDate = true;
                 break;
             case XlsToken::LETTERS_E:
-                isDate = isDate || isJapanese_;
+                isDate = isDate || isJapanese_ || rules_.readsAllDateLetters;
                 break;
             default:
                 break;
@@ -153,9 +161,12 @@ void SectionParser::dateSection() {
                 dateLetters(piece);
                 break;
             case XlsToken::LETTERS_E:
-                if (isJapanese_) {
-                    put(Kind::ERA_YEAR, std::min(piece.count, 2));
-                    lastField_ = out_.pieces.size() - 1;
+                yearLetter(piece);
+                break;
+            case XlsToken::EXPONENT:
+                if (rules_.readsAllDateLetters) {  // "e-m-d" begins with a year
+                    yearLetter({XlsToken::LETTERS_E, U'e', piece.begin, piece.begin + 1, 1});
+                    literal(piece.begin + 1, piece.end);
                 } else {
                     asWritten(piece);
                 }
@@ -181,11 +192,23 @@ void SectionParser::dateSection() {
         }
     }
     for (const XlsPiece& piece : out_.pieces) {
-        const bool isClock = piece.kind >= Kind::HOUR && piece.kind <= Kind::AM_PM;
-        const bool isCalendar = piece.kind >= Kind::YEAR && piece.kind <= Kind::ERA_YEAR && !isClock;
-        out_.hasDate = out_.hasDate || isCalendar;
-        out_.hasTime = out_.hasTime || isClock || piece.kind >= Kind::ELAPSED_HOURS;
+        out_.hasDate = out_.hasDate || isCalendar(piece.kind);
+        out_.hasTime = out_.hasTime || isClock(piece.kind) || piece.kind >= Kind::ELAPSED_HOURS;
     }
+    if (rules_.elapsesPlainFields) elapsedHasNoMonths();
+}
+
+/// A month in digits beside elapsed time is a minute, unless there is a day or a year.
+void SectionParser::elapsedHasNoMonths() {
+    if (!out_.elapsedHours && !out_.elapsedMinutes && !out_.elapsedSeconds) return;
+    const auto isMonth = [](const XlsPiece& piece) { return piece.kind == Kind::MONTH && piece.count <= 2; };
+    const bool isDate = std::ranges::any_of(
+        out_.pieces, [&](const XlsPiece& piece) { return isCalendar(piece.kind) && !isMonth(piece); });
+    if (isDate) return;
+    for (XlsPiece& piece : out_.pieces) {
+        if (isMonth(piece)) piece.kind = Kind::MINUTE;
+    }
+    out_.hasDate = false;
 }
 
 void SectionParser::secondFraction(std::size_t index) {
@@ -209,11 +232,16 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
                 put(Kind::WEEKDAY, std::min(count, 4));
             }
             break;
+        case 'a':
+            put(Kind::WEEKDAY, std::min(count, 4));
+            break;
+        case 'b':
+            put(Kind::YEAR, count <= 2 ? 2 : 4, U'b');
+            break;
         case 'm': {
-            const bool isMinute =
-                count <= 2 && lastField_ != npos &&
-                (out_.pieces[lastField_].kind == Kind::HOUR || out_.pieces[lastField_].kind == Kind::ELAPSED_HOURS);
-            put(isMinute ? Kind::MINUTE : Kind::MONTH, count > 5 ? 4 : count);
+            const bool isTime = count <= 2 && isMinute();
+            put(isTime ? Kind::MINUTE : Kind::MONTH, count > 5 ? 4 : count);
+            hasMinute_ = hasMinute_ || isTime;
             break;
         }
         case 'h':
@@ -234,11 +262,32 @@ void SectionParser::dateLetters(const XlsRawPiece& piece) {
     lastField_ = out_.pieces.size() - 1;
 }
 
+void SectionParser::yearLetter(const XlsRawPiece& piece) {
+    if (isJapanese_) {
+        put(Kind::ERA_YEAR, std::min(piece.count, 2));
+    } else if (rules_.readsAllDateLetters) {
+        put(Kind::YEAR, 4, U'e');
+    } else {
+        return asWritten(piece);
+    }
+    lastField_ = out_.pieces.size() - 1;
+}
+
+/// Whether an "m" here is a minute because of the field before it. Seconds that have their minutes need no others.
+bool SectionParser::isMinute() const {
+    if (lastField_ == npos) return false;
+    const Kind last = out_.pieces[lastField_].kind;
+    if (last == Kind::HOUR || last == Kind::ELAPSED_HOURS) return true;
+    return rules_.secondsMakeMinutes && !hasMinute_ && (last == Kind::SECOND || last == Kind::ELAPSED_SECONDS);
+}
+
 /// Seconds follow, so a month in digits just before them is a minute.
 void SectionParser::monthIsMinute() {
     if (lastField_ == npos) return;
     XlsPiece& last = out_.pieces[lastField_];
-    if (last.kind == Kind::MONTH && last.count <= 2) last.kind = Kind::MINUTE;
+    if (last.kind != Kind::MONTH || last.count > 2) return;
+    last.kind = Kind::MINUTE;
+    hasMinute_ = true;
 }
 
 void SectionParser::elapsed(const XlsRawPiece& piece) {
@@ -436,15 +485,15 @@ void SectionParser::fixedDenominator() {
 
 }  // namespace
 
-int parseXlsCode(const UnicodeString& code, FMT2& out) {
+int parseXlsCode(const UnicodeString& code, const XlsRules& rules, FMT2& out) {
     out = FMT2();
     const std::u16string_view units(code.getBuffer(),
                                     static_cast<std::size_t>(std::min(code.length(), XlsFormat::MAX_CODE_UNITS)));
-    XlsCodeScan scan(units, out);
+    XlsCodeScan scan(units, rules, out);
     out.count = scan.run();
     for (int i = 0; i < out.count; ++i) {
         FMT& section = out.sections[static_cast<std::size_t>(i)];
-        SectionParser(units, scan.section(i), scan.isJapanese(), section).run();
+        SectionParser(units, scan.section(i), scan.isJapanese(), rules, section).run();
         setXlsSectionText(section, scan.section(i).prefix);
     }
     return out.count;

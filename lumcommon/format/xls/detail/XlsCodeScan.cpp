@@ -1,6 +1,7 @@
 #include <lumcommon/core/detail/AsciiText.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/format/xls/detail/XlsCodeScan.h>
+#include <lumcommon/format/xls/detail/XlsDateNames.h>
 #include <lumcommon/format/xls/detail/XlsTables.h>
 
 #include <algorithm>
@@ -113,6 +114,10 @@ void XlsCodeScan::letter(char16_t lower) {
     switch (lower) {
         case 'g':
             if (startsWith(general, true)) return add(XlsToken::GENERAL, 0, static_cast<std::int32_t>(general.size()));
+            for (const std::u16string_view word : xlsLocalGenerals) {
+                if (!rules_.readsLocalWords || !startsWith(word, true)) continue;
+                return add(XlsToken::GENERAL, 0, static_cast<std::int32_t>(word.size()));
+            }
             [[fallthrough]];
         case 'y':
         case 'm':
@@ -129,10 +134,18 @@ void XlsCodeScan::letter(char16_t lower) {
             return run(XlsToken::LETTERS_E, lower);
         }
         case 'a':
-            for (int form = 1; form <= XLS_AMPM_FORMS; ++form) {
-                if (!startsWith(xlsAmPm(form), false)) continue;
-                return add(XlsToken::AM_PM, 0, static_cast<std::int32_t>(xlsAmPm(form).size()), form);
+            for (int form = 1; form < XLS_AMPM_CHINESE; ++form) {
+                if (startsWith(xlsAmPm(form), rules_.capitalizesAmPm && form <= XLS_AMPM_WORDS)) return amPm(form);
             }
+            if (rules_.readsAllDateLetters && startsWith(u"aaa", true)) return run(XlsToken::LETTERS, lower);
+            break;
+        case 'b':
+            if (!rules_.readsAllDateLetters) break;
+            if (!startsWith(u"b1", true) && !startsWith(u"b2", true)) return run(XlsToken::LETTERS, lower);
+            at_ += 2;  // marks of a calendar
+            return;
+        case u'\u4E0A':
+            if (rules_.readsLocalWords && startsWith(xlsAmPm(XLS_AMPM_CHINESE), false)) return amPm(XLS_AMPM_CHINESE);
             break;
         default:
             break;
@@ -236,26 +249,60 @@ bool XlsCodeScan::styleBracket(std::u16string_view content) {
     return false;
 }
 
+/// A tag is a hexadecimal number of eight digits at most: two for the numerals, two for the calendar, four for the
+/// language; or the name of a language, perhaps with the first half of that number after a comma.
+XlsCodeScan::Tag XlsCodeScan::parsedTag(std::u16string_view text) const {
+    const std::string ascii = toAscii(text);
+    const auto isNumber = [](std::string_view digits, unsigned& number) {
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
+        return error == std::errc() && end == digits.data() + digits.size();
+    };
+    Tag tag;
+    unsigned number = 0;
+    if (isNumber(ascii, number)) {
+        tag.language = number & 0xFFFFu;
+        number >>= 16;
+    } else {
+        const std::size_t comma = rules_.readsWholeTags ? std::min(ascii.find(','), ascii.size()) : ascii.size();
+        const std::u16string_view name = text.substr(0, comma);
+        const bool isJapanese =
+            equalsIgnoringAsciiCase(name.substr(0, 2), u"ja") && (name.size() == 2 || name[2] == '-');
+        if (isJapanese) {
+            tag.language = XLS_JAPANESE;
+        } else if (rules_.readsWholeTags) {
+            tag.language = xlsLanguageNumber(ascii.substr(0, comma));
+        }
+        if (comma == ascii.size() || !isNumber(std::string_view(ascii).substr(comma + 1), number)) number = 0;
+    }
+    if (!rules_.readsWholeTags) return tag;
+    tag.namesFirstYear = equalsIgnoringAsciiCase(text, xlsFirstYearNamed);
+    tag.numerals = xlsNumeralZero(number >> 8 & 0xFFu) != u'0' ? number >> 8 & 0xFFu : 0;
+    tag.calendar = xlsCalendarYears(number & 0xFFu) != 0 ? number & 0xFFu : 0;
+    return tag;
+}
+
 void XlsCodeScan::currency(std::int32_t begin, std::u16string_view content) {
-    // The symbol extends to the hyphen; a language follows, as a hexadecimal number or as a tag.
-    constexpr unsigned japanese = 0x411;
+    // The symbol extends to the hyphen, after which a tag follows.
     const std::size_t hyphen = std::min(content.find(u'-'), content.size());
     literal(begin + 1, begin + static_cast<std::int32_t>(hyphen));
     if (hyphen == content.size()) return;
-    const std::u16string_view tag = content.substr(hyphen + 1);
-    const std::string ascii = toAscii(tag);
-    unsigned number = 0;
-    const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), number, 16);
-    unsigned language = error == std::errc() && end == ascii.data() + ascii.size() ? number & 0xFFFFu : 0;
-    const bool isTag = equalsIgnoringAsciiCase(tag.substr(0, 2), u"ja") && (tag.size() == 2 || tag[2] == '-');
-    if (isTag) language = japanese;
-    if (language == 0) return;
+    const Tag tag = parsedTag(content.substr(hyphen + 1));
+    const unsigned number = tag.numerals << 24 | tag.calendar << 16 | tag.language;
+    if (number == 0) return;
     constexpr unsigned primaryLanguage = 0x3FF;
-    isJapanese_ = isJapanese_ || (language & primaryLanguage) == (japanese & primaryLanguage);
-    if (current().locale != 0) return;
-    current().locale = language;
-    char digits[8];
-    const auto last = std::to_chars(digits, digits + sizeof digits, language, 16).ptr;
+    isJapanese_ = isJapanese_ || (tag.language & primaryLanguage) == (XLS_JAPANESE & primaryLanguage);
+    FMT& section = current();
+    if (section.locale != 0 || section.numerals != 0 || section.calendar != 0) return;
+    section.locale = tag.language;
+    section.numerals = static_cast<int>(tag.numerals);
+    section.calendar = static_cast<int>(tag.calendar);
+    section.namesFirstYear = tag.namesFirstYear;
+    if (tag.namesFirstYear) {
+        appendBracketed(raw().prefix, u"$-" + std::u16string(xlsFirstYearNamed));
+        return;
+    }
+    char digits[16];
+    const auto last = std::to_chars(digits, digits + sizeof digits, number, 16).ptr;
     appendBracketed(raw().prefix, u"$-" + std::u16string(digits, last));
 }
 

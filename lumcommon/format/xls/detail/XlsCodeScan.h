@@ -2,6 +2,8 @@
 
 #include <lumcommon/core/Text.h>
 #include <lumcommon/format/xls/XlsFormatCode.h>
+#include <lumcommon/format/xls/detail/XlsRules.h>
+#include <lumcommon/format/xls/detail/XlsTables.h>
 
 #include <cstdint>
 #include <string_view>
@@ -26,7 +28,7 @@ enum class XlsToken : std::uint8_t {
     AT,
     GENERAL,
     AM_PM,
-    LETTERS,  ///< a run of one of y m d h s g r, whatever the case
+    LETTERS,  ///< a run of one of y m d h s g r, and where the rules say so of a and b, whatever the case
     LETTERS_E,
     ELAPSED,  ///< a bracket of h, m or s
 };
@@ -48,7 +50,8 @@ struct XlsRawSection {
 /// Splits a code into sections, from left to right, and reads their brackets into the fields of their FMT.
 class XlsCodeScan {
 public:
-    XlsCodeScan(std::u16string_view code, FMT2& out) : code_(code), lastClose_(code.rfind(u']')), out_(out) {}
+    XlsCodeScan(std::u16string_view code, const XlsRules& rules, FMT2& out)
+        : code_(code), rules_(rules), lastClose_(code.rfind(u']')), out_(out) {}
 
     /// Scans the code and returns the number of sections.
     int run();
@@ -65,16 +68,23 @@ private:
     /// Reads "\\", "_" or "*" and the character after it.
     void withCharacter(XlsToken token);
     void letter(char16_t lower);
+    void amPm(int form) { add(XlsToken::AM_PM, 0, static_cast<std::int32_t>(xlsAmPm(form).size()), form); }
     void bracket();
     bool styleBracket(std::u16string_view content);
     bool color(std::u16string_view content);
     bool condition(std::u16string_view content);
     void currency(std::int32_t begin, std::u16string_view content);
+    struct Tag {
+        unsigned language = 0, numerals = 0, calendar = 0;  ///< 0 where it says nothing, or nothing known
+        bool namesFirstYear = false;
+    };
+    Tag parsedTag(std::u16string_view text) const;
     bool startsWith(std::u16string_view word, bool ignoreCase) const;
     FMT& current() { return out_.sections[static_cast<std::size_t>(count_ - 1)]; }
     XlsRawSection& raw() { return sections_[count_ - 1]; }
 
     std::u16string_view code_;
+    const XlsRules& rules_;
     std::size_t lastClose_;
     FMT2& out_;
     std::int32_t at_ = 0;

@@ -39,17 +39,17 @@ int xlsDaysOfMonth(int year, int month) noexcept {
     return monthDays[month - 1] + (month == 2 && xlsIsLeapYear(year) ? 1 : 0);
 }
 
-int xlsEraOfDay(std::int64_t day, bool is1904) noexcept {
+int xlsEraOfDay(std::int64_t day, bool is1904, int eras) noexcept {
     if (is1904) day += systemsApart;
     int era = 0;
-    while (era + 1 < XLS_ERAS && day > xlsEra(era).lastDay) ++era;
+    while (era + 1 < eras && day > xlsEra(era).lastDay) ++era;
     return era;
 }
 
-XlsDate xlsDate(std::int64_t day, bool is1904) noexcept {
+XlsDate xlsDate(std::int64_t day, bool is1904, int eras) noexcept {
     XlsDate date;
     date.weekday = static_cast<int>((day + (is1904 ? 5 : 6)) % 7);
-    date.era = xlsEraOfDay(day, is1904);
+    date.era = xlsEraOfDay(day, is1904, eras);
     const int serial = static_cast<int>(day) + (is1904 ? systemsApart : 0);
     if (serial > 60) {
         setGregorian(date, serial);

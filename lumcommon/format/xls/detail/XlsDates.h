@@ -17,8 +17,9 @@ struct XlsDate {
 constexpr std::int64_t xlsLastDay(bool is1904) noexcept { return is1904 ? 2957003 : 2958465; }
 constexpr bool xlsIsDay(std::int64_t day, bool is1904) noexcept { return day >= 0 && day <= xlsLastDay(is1904); }
 /// The date of a day for which xlsIsDay() holds.
-XlsDate xlsDate(std::int64_t day, bool is1904) noexcept;
-int xlsEraOfDay(std::int64_t day, bool is1904) noexcept;
+/// @param eras  how many of the eras are known; the last of them has no end.
+XlsDate xlsDate(std::int64_t day, bool is1904, int eras) noexcept;
+int xlsEraOfDay(std::int64_t day, bool is1904, int eras) noexcept;
 bool xlsIsLeapYear(int year) noexcept;
 int xlsDaysOfMonth(int year, int month) noexcept;
 

@@ -221,6 +221,21 @@ std::int64_t XlsDecimal::whole() const noexcept {
     return result;
 }
 
+double XlsDecimal::toDouble() const noexcept {
+    if (count_ == 0) return 0;
+    char text[MAX_DIGITS + 32];  // a sign, EXACT_DIGITS, "e", an exponent
+    char* end = text;
+    if (negative_) *end++ = '-';
+    end = std::copy_n(digits_, count_, end);
+    *end++ = 'e';
+    end = std::to_chars(end, text + sizeof text, point_ - count_).ptr;
+    double result = 0;
+    const auto error = std::from_chars(text, end, result).ec;
+    if (error != std::errc::result_out_of_range) return result;
+    // Too large or too small.
+    return point_ > 0 ? std::copysign(std::numeric_limits<double>::infinity(), negative_ ? -1.0 : 1.0) : 0;
+}
+
 bool XlsDecimal::isBelow(std::string_view limitDigits, std::int64_t limitPoint) const noexcept {
     if (count_ == 0) return true;
     if (point_ != limitPoint) return point_ < limitPoint;

@@ -52,6 +52,9 @@ public:
     /// The part before the point; the largest std::int64_t if it has more than 18 digits.
     std::int64_t whole() const noexcept;
 
+    /// The nearest double; infinite beyond the largest one.
+    double toDouble() const noexcept;
+
     /// Whether the magnitude is below 0.LIMITDIGITS times 10^limitPoint; `limitDigits` must not end with zeros.
     bool isBelow(std::string_view limitDigits, std::int64_t limitPoint) const noexcept;
 

@@ -1,6 +1,7 @@
 #include <lumcommon/format/xls/detail/XlsFraction.h>
 
 #include <algorithm>
+#include <cmath>
 #include <compare>
 #include <cstdlib>
 #include <limits>
@@ -156,6 +157,25 @@ private:
     std::uint64_t scale_ = 0;
 };
 
+/// Follows the continued fraction of a magnitude as long as the denominators of its convergents are below the limit.
+/// Spreadsheet programs do it in doubles, whose errors show: 0.3 is 2/7 with one digit, and 1.3 is 1 1/3.
+void searchConvergent(double magnitude, std::uint64_t limit, XlsFraction& result) {
+    constexpr double leastPart = 5e-8;
+    double part = magnitude - std::floor(magnitude);
+    std::uint64_t beforeNumerator = 1, beforeDenominator = 0;
+    while (part >= leastPart) {
+        const double inverse = 1 / part;
+        const double quotient = std::floor(inverse);
+        const auto factor = static_cast<std::uint64_t>(quotient);
+        const std::uint64_t denominator = factor * result.denominator + beforeDenominator;
+        if (denominator >= limit) return;
+        const std::uint64_t numerator = factor * result.numerator + beforeNumerator;
+        beforeNumerator = std::exchange(result.numerator, numerator);
+        beforeDenominator = std::exchange(result.denominator, denominator);
+        part = inverse - quotient;
+    }
+}
+
 /// Parts of at most 1e-6 count as zero.
 bool isSearched(const XlsDecimal::Part& part) noexcept {
     constexpr int places = 6;
@@ -166,10 +186,15 @@ bool isSearched(const XlsDecimal::Part& part) noexcept {
 
 }  // namespace
 
-XlsFraction::XlsFraction(const XlsDecimal& magnitude, int places, int fixedDenominator) {
+XlsFraction::XlsFraction(const XlsDecimal& magnitude, int places, int fixedDenominator, XlsSearch search) {
     if (fixedDenominator > 0) {
         denominator = static_cast<std::uint64_t>(fixedDenominator);
         numerator = magnitude.fractionTimes(static_cast<std::uint32_t>(fixedDenominator));
+        return;
+    }
+    if (search == XlsSearch::CONVERGENT) {
+        constexpr int mostPlaces = 7;
+        searchConvergent(magnitude.toDouble(), powerOfTen(std::clamp(places, 1, mostPlaces)), *this);
         return;
     }
     const XlsDecimal::Part part = magnitude.fraction();

@@ -28,12 +28,13 @@ std::string scientificText(XlsDecimal number, std::int64_t digits) {
 
 }  // namespace
 
-std::string xlsExponent(std::int64_t exponent) {
-    const std::string digits = std::to_string(exponent < 0 ? -exponent : exponent);
-    return std::string("E") + (exponent < 0 ? '-' : '+') + (digits.size() < 2 ? "0" : "") + digits;
+std::string xlsExponent(std::int64_t exponent, int digits) {
+    const std::string text = std::to_string(exponent < 0 ? -exponent : exponent);
+    const bool isShort = text.size() < static_cast<std::size_t>(digits);
+    return std::string("E") + (exponent < 0 ? '-' : '+') + (isShort ? "0" : "") + text;
 }
 
-std::string xlsGeneral(const XlsDecimal& magnitude, int maxChars) {
+std::string xlsGeneral(const XlsDecimal& magnitude, int maxChars, const XlsRules& rules) {
     const std::int64_t width = std::clamp(maxChars, 1, 400);
     const auto count = static_cast<std::int64_t>(magnitude.digits().size());
     const std::int64_t point = magnitude.point();
@@ -43,7 +44,7 @@ std::string xlsGeneral(const XlsDecimal& magnitude, int maxChars) {
     const std::int64_t exponentChars = static_cast<std::int64_t>(xlsExponent(point - 1).size());
     const std::int64_t scientificDigits = std::max<std::int64_t>(width - exponentChars - 1, 1);
     const bool scientificFits = exponentChars + 1 <= width;
-    const bool isLarge = !magnitude.isBelow("99999999999", 11);
+    const bool isLarge = !magnitude.isBelow(rules.scientificDigits, rules.scientificPoint);
     const bool isTiny = magnitude.isBelow("1", -8);
     if (isLarge || (isTiny && scientificFits)) return scientificText(magnitude, scientificDigits);
 

@@ -96,8 +96,9 @@ void SectionText::literal(const XlsPiece& piece) {
 
 void SectionText::piece(const XlsPiece& piece) {
     if (const char16_t unit = repeatedUnitOf(piece.kind)) {
-        if (isAsciiLetter(unit)) separate(unit);
-        return repeat(unit, piece.count);
+        const char16_t letter = piece.kind == Kind::YEAR && piece.unit != 0 ? static_cast<char16_t>(piece.unit) : unit;
+        if (isAsciiLetter(letter)) separate(letter);
+        return repeat(letter, piece.count);
     }
     switch (piece.kind) {
         case Kind::LITERAL:

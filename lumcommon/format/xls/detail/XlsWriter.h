@@ -18,7 +18,11 @@ public:
     XlsWriter(const XlsWriter&) = delete;
     XlsWriter& operator=(const XlsWriter&) = delete;
 
-    void setStyle(int style) { style_ = style; }
+    /// @param zero  the digit 0 where the style is 0.
+    void setStyle(int style, char16_t zero) {
+        style_ = style;
+        zero_ = zero;
+    }
 
     void put(char16_t unit) {
         if (count_ == capacity) flush();
@@ -27,7 +31,9 @@ public:
     void put(std::u16string_view text) {
         for (const char16_t c : text) put(c);
     }
-    void digit(char ascii) { put(style_ == 0 ? static_cast<char16_t>(ascii) : xlsNumeral(ascii - '0', style_)); }
+    void digit(char ascii) {
+        put(style_ == 0 ? static_cast<char16_t>(zero_ + (ascii - '0')) : xlsNumeral(ascii - '0', style_));
+    }
     /// Writes ASCII text, its digits in the style.
     void number(std::string_view ascii) {
         for (const char c : ascii) {
@@ -41,6 +47,7 @@ public:
     void spaces(std::int64_t count) {
         for (; count > 0; --count) put(u' ');
     }
+    void text(const UnicodeString& source) { text(source, 0, source.length()); }
     /// Writes part of another string.
     void text(const UnicodeString& source, std::int32_t start, std::int32_t length) {
         if (length > capacity) {
@@ -72,6 +79,7 @@ private:
 
     UnicodeString& out_;
     int style_ = 0;
+    char16_t zero_ = u'0';
     std::int32_t count_ = 0;
     std::int32_t fillAt_ = -1;
     UChar32 fillCharacter_ = 0;
