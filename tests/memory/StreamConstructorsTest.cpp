@@ -5,7 +5,6 @@
 #include <lumcommon/streams/LumMemStream.h>
 #include <support/FailingMemory.h>
 
-#include <memory>
 #include <sstream>
 
 namespace {
@@ -19,8 +18,8 @@ const struct {
 } rows[] = {
     {"the source of a memory stream is lost",
      [] {
-         const auto in = std::make_unique<LumMemStream>(new std::istringstream("text"), 16, true);
-         return contentOrFailure(in.get());
+         LumMemStream in(new std::istringstream("text"), 16, true);
+         return contentOrFailure(&in);
      }},
     {"a source that is added is lost, or deleted twice",
      [] {

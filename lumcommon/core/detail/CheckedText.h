@@ -2,7 +2,7 @@
 
 #include <lumcommon/core/Text.h>
 
-#include <unicode/utypes.h>
+#include <unicode/ustring.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -56,9 +56,20 @@ inline UnicodeString textOf(std::u16string_view text) {
 
 /// The text in UTF-8.
 inline std::string utf8Of(const UnicodeString& text) {
+    // Not toUTF8String(), which leaks when the string throws and gives nothing when ICU finds no memory.
     std::string bytes;
-    text.toUTF8String(bytes);
-    if (bytes.empty() && !text.isEmpty()) throw std::bad_alloc();
+    std::int32_t size = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    const auto convert = [&] {
+        u_strToUTF8WithSub(bytes.data(), checkedLength(bytes.size()), &size, text.getBuffer(), text.length(), 0xFFFD,
+                           nullptr, &status);
+    };
+    if (text.isEmpty()) return bytes;
+    convert();
+    if (status != U_BUFFER_OVERFLOW_ERROR) throw std::bad_alloc();  // more than 2^31-1 bytes
+    status = U_ZERO_ERROR;
+    bytes.resize(static_cast<std::size_t>(size));
+    convert();
     return bytes;
 }
 
