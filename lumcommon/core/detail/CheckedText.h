@@ -2,7 +2,7 @@
 
 #include <lumcommon/core/Text.h>
 
-#include <unicode/ustring.h>
+#include <unicode/utypes.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -54,24 +54,8 @@ inline UnicodeString textOf(std::u16string_view text) {
     return checked(UnicodeString(text.data(), checkedLength(text.size())));
 }
 
-/// The text in UTF-8.
-inline std::string utf8Of(const UnicodeString& text) {
-    // Not toUTF8String(), which leaks when the string throws and gives nothing when ICU finds no memory.
-    std::string bytes;
-    std::int32_t size = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    const auto convert = [&] {
-        u_strToUTF8WithSub(bytes.data(), checkedLength(bytes.size()), &size, text.getBuffer(), text.length(), 0xFFFD,
-                           nullptr, &status);
-    };
-    if (text.isEmpty()) return bytes;
-    convert();
-    if (status != U_BUFFER_OVERFLOW_ERROR) throw std::bad_alloc();  // more than 2^31-1 bytes
-    status = U_ZERO_ERROR;
-    bytes.resize(static_cast<std::size_t>(size));
-    convert();
-    return bytes;
-}
+/// The text in UTF-8; U+FFFD for unpaired surrogates.
+std::string utf8Of(const UnicodeString& text);
 
 /// A copy, bogus when `text` is.
 inline UnicodeString copyOf(const UnicodeString& text) {
