@@ -34,11 +34,15 @@ TEST(NamesMemory, tableFailsAloud) {
 
 // A copy of a built-in name is bogus; a generated name lacks its prefix.
 TEST(NamesMemory, stringsOfNamesFailAloud) {
-    forEveryFailure([] {
-        const UnicodeString copy = LumName(NAME_NS_XMLNS).getString();
-        const LumName made = LumName::generateID(u"a prefix that makes a name so long that it needs memory");
-        return utf8(copy) + utf8(UnicodeString(made.getString(), 0, 56));
-    });
+    const LumTest::MemoryRow rows[] = {
+        {"the copy is bogus, or the prefix is missing",
+         [] {
+             const UnicodeString copy = LumName(NAME_NS_XMLNS).getString();
+             const LumName made = LumName::generateID(u"a prefix that makes a name so long that it needs memory");
+             return utf8(copy) + utf8(UnicodeString(made.getString(), 0, 56));
+         }},
+    };
+    forEveryFailure(rows);
 }
 
 // A declaration is in the map and not in the answers, or only in one direction.

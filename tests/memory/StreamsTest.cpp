@@ -121,12 +121,12 @@ const Row rows[] = {
      }},
     {"a source that is taken over is lost, or deleted twice",
      [](Made&) {
-         const auto first = std::make_unique<LumMemStream>(new std::istringstream(text), 256, true);
+         LumMemStream first(new std::istringstream(text), 256, true);
          LumMemStream second(nullptr, 256);
          second << "before it ";
          insist(second.good());
          second.rdbuf()->setSource(new std::istringstream(text), true);
-         return contentOrFailure(first.get()) + contentOrFailure(&second);
+         return contentOrFailure(&first) + contentOrFailure(&second);
      }},
     {"written, copied or found bytes are others",
      [](Made&) {
