@@ -14,8 +14,9 @@ namespace {
 
 using namespace LumCommon;
 using LumTest::utf8;
+using LumTest::operator""_text;
 
-const UnicodeString longText(u"folder/of/a/path/that/is/too/long/for/the/string/object");
+const UnicodeString longText(u"folder/of/a/path/that/is/too/long/for/the/string/object"_text);
 
 /// A copy of it needs memory.
 UnicodeString borrowed() { return UnicodeString(false, longText.getBuffer(), longText.length()); }
@@ -41,7 +42,7 @@ struct Row {
 const Row rows[] = {
     {"a part of the URI is lost",
      [](const Files&) {
-         LumUri uri(LumUri(u"http://host/a/long/path/with?query"), borrowed());
+         LumUri uri(LumUri(u"http://host/a/long/path/with?query"_text), borrowed());
          const UnicodeString extension = borrowed(), old = uri.setExtension(&extension);
          UnicodeString directory = borrowed();
          LumUri::toDirectory(directory, u'/');
@@ -54,16 +55,16 @@ const Row rows[] = {
      }},
     {"the path is that of another file",
      [](const Files&) {
-         return utf8(
-                    LumUri(u"'file:///C%20D%20a%20long%20path%20with%20escapes%41'", LumUri::URISTR_3).getLocalPath()) +
+         return utf8(LumUri(u"'file:///C%20D%20a%20long%20path%20with%20escapes%41'"_text, LumUri::URISTR_3)
+                         .getLocalPath()) +
                 utf8(LumUri(borrowed(), LumUri::URISTR_1).toString()) + utf8(LumUri::unescape(borrowed())) +
-                utf8(LumUri(u"url( 'a long path with blanks and quotes' )", LumUri::URISTR_2).toString()) +
-                utf8(LumUri(LumUri(u"jar:file:///a/long/path.zip!/member"), borrowed()).toString());
+                utf8(LumUri(u"url( 'a long path with blanks and quotes' )"_text, LumUri::URISTR_2).toString()) +
+                utf8(LumUri(LumUri(u"jar:file:///a/long/path.zip!/member"_text), borrowed()).toString());
      }},
     {"the data: URI lacks a part",
      [](const Files&) {
          static const UnicodeString text(
-             u"data:application/a-long-type-of-media;page=3;name=%41%42,data%20long%20enough%20to%20matter");
+             u"data:application/a-long-type-of-media;page=3;name=%41%42,data%20long%20enough%20to%20matter"_text);
          const LumDataUri uri(text);
          return utf8(uri.toString()) + utf8(uri.getMediaType()) + std::to_string(uri.getPage()) +
                 std::to_string(uri.getDataStart());

@@ -6,8 +6,8 @@
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
+#include <lumcommon/uri/detail/OpenResource.h>
 #include <lumcommon/uri/open/LumUriStream.h>
-#include <lumcommon/uri/open/detail/OpenResource.h>
 
 #include <atomic>
 #include <cerrno>

@@ -2,7 +2,7 @@
 #include <lumcommon/streams/LumGzipStream.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
-#include <lumcommon/uri/open/detail/OpenResource.h>
+#include <lumcommon/uri/detail/OpenResource.h>
 #include <lumcommon/xml/detail/OpenInput.h>
 
 #include <cxxabi.h>
