@@ -33,8 +33,8 @@ public:
 
     /// @param source     the first source; null for none. Nothing is read yet.
     /// @param growBytes  the size of a block in bytes; 0 stands for the default.
-    /// @param ownSource  true: the buffer deletes `source`, once it is used up, at its own destruction, or if this
-    /// throws.
+    /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction; also when
+    ///                   this throws.
     explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
                              bool ownSource = false);
     /// An empty buffer with the block size and the keepMemory setting of `other`; its content is not copied.

@@ -47,13 +47,9 @@ std::string bytesOfUnits(std::u16string_view units) {
         U16_NEXT(units.data(), i, units.size(), c);
         if (const int byte = byteOfUnit(c); byte >= 0) {
             bytes += static_cast<char>(byte);
-            continue;
+        } else {
+            bytes += utf8Of(UnicodeString(c));
         }
-        if (U_IS_SURROGATE(c)) c = 0xFFFD;
-        std::uint8_t encoded[U8_MAX_LENGTH];
-        std::int32_t size = 0;
-        U8_APPEND_UNSAFE(encoded, size, c);
-        bytes.append(encoded, encoded + size);
     }
     return bytes;
 }
