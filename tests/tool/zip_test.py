@@ -121,7 +121,7 @@ def check_failures():
         ("no archive", ["list", "no.zip"], b"lum: error 0x1003: Cannot open file: no.zip\n"),
         ("no member", ["cat", "cut.zip", "b"], b"lum: error 0x1003: Cannot open file: cut.zip!/b\n"),
         ("a cut member passes for a whole one", ["cat", "cut.zip", "a.txt"],
-         b"lum: error 0x1004: Unexpected end of input stream.\n"),
+         b"lum: error 0x1006: Input stream error.\n"),
     ]
     for fault, arguments, message in rows:
         done = run("zip", *arguments)
