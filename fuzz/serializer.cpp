@@ -1,6 +1,6 @@
-// Any order of calls may reach a serializer. The first byte chooses the encoding; each pair after it is a call.
-// Laws: a call out of order is refused with its code, and nothing is written then; what was written is well-formed and
-// read back as the same events, with the same names, values and texts; a text may come in any pieces.
+// Any order of calls may reach a serializer. The first byte chooses the encoding and whether it checks; each pair after
+// it is a call. Laws: a call out of order is refused with its code, and nothing is written then; what was written is
+// well-formed and read back as the same events, with the same names, values and texts; a text may come in any pieces.
 
 #include <lumcommon/lumcommon.h>
 
@@ -71,7 +71,8 @@ UnicodeString nameOf(const UnicodeString& uri, const UnicodeString& local) { ret
 
 class Writing {
 public:
-    explicit Writing(bool isShiftJis) : isShiftJis_(isShiftJis), serializer_(LumXmlUtil::createXmlSerializer()) {
+    Writing(bool isShiftJis, bool isChecked) : isShiftJis_(isShiftJis), serializer_(LumXmlUtil::createXmlSerializer()) {
+        serializer_->setChecked(isChecked);
         serializer_->setGenerator(u"");
         serializer_->setOutput(out_, isShiftJis ? u"Shift_JIS" : u"UTF-8");
         serializer_->startDocument(UnicodeString(), UnicodeString());
@@ -238,7 +239,8 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Choices input(data, size);
-    Writing writing((input.byte() & 1u) != 0);
+    const unsigned how = input.byte();
+    Writing writing((how & 1u) != 0, (how & 2u) != 0);
     while (input.size() > 1) {
         const unsigned what = input.byte();
         writing.call(what, input.byte());

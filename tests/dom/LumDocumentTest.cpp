@@ -268,6 +268,7 @@ TEST_F(LumDocumentTest, attributesAreWrittenFromTheirValues) {
     EXPECT_EQ(written(LumValue()), "<e/>") << "a null value is written";
     EXPECT_EQ(written(LumValue(static_cast<LumRCObject*>(document.get()))), "<e/>") << "an object is written";
     EXPECT_EQ(written(LumValue(UnicodeString())), "<e v=\"\"/>") << "an empty string is left out";
+    EXPECT_EQ(written(LumValue(1.5f, UNIT_PT)), "<e v=\"1.5pt\"/>") << "the locale shows";
     EXPECT_EQ(written(color), "<e v=\"#00FF00\"/>") << "a colour is written as a number";
     EXPECT_EQ(written(LumTokenizer(u"url(a.png)").nextTokenValueFunc()), "<e v=\"a.png\"/>")
         << "an address gets a wrapper";

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,7 +31,11 @@ public:
         if (s_left <= 0 || --s_left > 0) return false;
         if (s_fault == CallFault::SHORT && bytes && *bytes > 1) *bytes = 1;
         errno = s_fault == CallFault::FAILS ? EIO : EINTR;
-        return s_fault == CallFault::FAILS || (s_fault == CallFault::INTERRUPTED);
+        return s_fault != CallFault::SHORT;
+    }
+    template <class... Arguments>
+    static int unlessStruck(long call, Arguments... arguments) {
+        return strikes() ? -1 : static_cast<int>(::syscall(call, arguments...));
     }
 
 private:
@@ -47,9 +50,6 @@ private:
 LUM_CALL ssize_t write(int file, const void* bytes, std::size_t count) {
     return LumTest::FaultyCalls::strikes(&count) ? -1 : ::syscall(SYS_write, file, bytes, count);
 }
-LUM_CALL ssize_t writev(int file, const iovec* parts, int count) {
-    return LumTest::FaultyCalls::strikes() ? -1 : ::syscall(SYS_writev, file, parts, count);
-}
 LUM_CALL ssize_t read(int file, void* bytes, std::size_t count) {
     return LumTest::FaultyCalls::strikes(&count) ? -1 : ::syscall(SYS_read, file, bytes, count);
 }
@@ -58,14 +58,10 @@ LUM_CALL int openat(int folder, const char* path, int flags, ...) {
     va_start(rest, flags);
     const int mode = va_arg(rest, int);
     va_end(rest);
-    return LumTest::FaultyCalls::strikes() ? -1 : static_cast<int>(::syscall(SYS_openat, folder, path, flags, mode));
+    return LumTest::FaultyCalls::unlessStruck(SYS_openat, folder, path, flags, mode);
 }
-LUM_CALL int fsync(int file) {
-    return LumTest::FaultyCalls::strikes() ? -1 : static_cast<int>(::syscall(SYS_fsync, file));
-}
-LUM_CALL int fchmod(int file, mode_t mode) {
-    return LumTest::FaultyCalls::strikes() ? -1 : static_cast<int>(::syscall(SYS_fchmod, file, mode));
-}
+LUM_CALL int fsync(int file) { return LumTest::FaultyCalls::unlessStruck(SYS_fsync, file); }
+LUM_CALL int fchmod(int file, mode_t mode) { return LumTest::FaultyCalls::unlessStruck(SYS_fchmod, file, mode); }
 LUM_CALL int renameat(int from, const char* old, int to, const char* name) {
-    return LumTest::FaultyCalls::strikes() ? -1 : static_cast<int>(::syscall(SYS_renameat2, from, old, to, name, 0));
+    return LumTest::FaultyCalls::unlessStruck(SYS_renameat2, from, old, to, name, 0);
 }

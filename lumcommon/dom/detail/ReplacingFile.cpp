@@ -163,15 +163,16 @@ bool ReplacingFile::takeRights() {
     }
     if (!copyAccessList(target, file_)) keepsGroup = false;
     if (!keepsGroup) rights &= ~mode_t{070} | (rights & 07u) << 3;  // another group may do what everybody may
-    return ::fchmod(file_.get(), rights) == 0;
+    return withoutInterruption([&] { return ::fchmod(file_.get(), rights); }) == 0;
 }
 
 void ReplacingFile::replace() {
     bool isDone = stream_.flush().good() && synchronise(file_);
     isDone = file_.close() && isDone;
     if (isDone && !temporary_.name.empty()) {
-        isDone =
-            ::renameat(temporary_.folder.get(), temporary_.name.c_str(), temporary_.folder.get(), name_.c_str()) == 0;
+        const int folder = temporary_.folder.get();
+        const char* const made = temporary_.name.c_str();
+        isDone = withoutInterruption([&] { return ::renameat(folder, made, folder, name_.c_str()); }) == 0;
         if (isDone) {
             temporary_.name.clear();
             isDone = synchronise(temporary_.folder);

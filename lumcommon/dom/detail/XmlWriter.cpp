@@ -56,6 +56,7 @@ char* appendSpecial(char* out, char16_t c) {
 char* encodeUtf8(const char16_t*& position, const char16_t* end, bool isChecked, char* out) {
     const char16_t* from = position;
     const auto byte = [](std::uint32_t value) { return static_cast<char>(value); };
+    std::uint32_t highest = 0;  // of the units of three bytes: costs less than a branch for each
     while (from != end && *from >= 0x80) {
         const std::uint32_t c = *from++;
         if (c < 0x800) {
@@ -63,22 +64,21 @@ char* encodeUtf8(const char16_t*& position, const char16_t* end, bool isChecked,
             *out++ = byte(0x80 | (c & 0x3F));
             continue;
         }
-        if (c >= 0xD800) {
-            if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) {
-                const auto pair = static_cast<std::uint32_t>(U16_GET_SUPPLEMENTARY(c, *from));
-                ++from;
-                *out++ = byte(0xF0 | (pair >> 18));
-                *out++ = byte(0x80 | ((pair >> 12) & 0x3F));
-                *out++ = byte(0x80 | ((pair >> 6) & 0x3F));
-                *out++ = byte(0x80 | (pair & 0x3F));
-                continue;
-            }
-            if (c == 0xFFFF && isChecked) failCharacter(0xFFFF);
+        if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) {
+            const auto pair = static_cast<std::uint32_t>(U16_GET_SUPPLEMENTARY(c, *from));
+            ++from;
+            *out++ = byte(0xF0 | (pair >> 18));
+            *out++ = byte(0x80 | ((pair >> 12) & 0x3F));
+            *out++ = byte(0x80 | ((pair >> 6) & 0x3F));
+            *out++ = byte(0x80 | (pair & 0x3F));
+            continue;
         }
+        highest = std::max(highest, c);
         *out++ = byte(0xE0 | (c >> 12));
         *out++ = byte(0x80 | ((c >> 6) & 0x3F));
         *out++ = byte(0x80 | (c & 0x3F));
     }
+    if (highest == 0xFFFF && isChecked) failCharacter(0xFFFF);
     position = from;
     return out;
 }
