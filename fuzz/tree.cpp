@@ -126,6 +126,7 @@ void compare(Model* root) {
             child = child->getNextSibling();
         }
         FUZZ_LAW(!child && node.getLastChild() == previous);
+        FUZZ_LAW(node.getChildNodeCount() == static_cast<int>(model->children.size()));
         if (model->type == LumNode::TEXT_NODE) FUZZ_LAW(node.getText() == model->text);
         if (model->type != LumNode::ELEMENT_NODE) continue;
         const LumNamedNodeMap* map = node.getAttributes();
@@ -141,6 +142,21 @@ void compare(Model* root) {
     }
     FUZZ_LAW(!walk.nextNode());
     FUZZ_LAW(root->node->getDescendantNodes()->getCount() + 1 == static_cast<int>(nodes.size()));
+}
+
+/// Document order by its definition: the place in the list, ancestors left out.
+void compareOrder(Model* root, std::size_t first, std::size_t second) {
+    const std::vector<Model*> nodes = listOf(root);
+    const std::size_t i = first % nodes.size(), j = second % nodes.size();
+    const Model* const a = nodes[i];
+    const Model* const b = nodes[j];
+    const Model* common = b;
+    while (!a->isInside(common)) common = common->parent;
+    const bool isRelated = common == a || common == b;
+    FUZZ_LAW(a->node->isFollowingOf(b->node.get()) == (!isRelated && i > j));
+    FUZZ_LAW(a->node->isPrecedingOf(b->node.get()) == (!isRelated && i < j));
+    FUZZ_LAW(a->node->isDescendantOrSelfOf(b->node.get()) == a->isInside(b));
+    FUZZ_LAW(a->node->getCommonAncestorOrSelf(b->node.get()) == common->node.get());
 }
 
 /// What XML keeps of a text: no other control characters, then one kind of line end, and only blanks in a value.
@@ -508,6 +524,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t i = 0; i < changes.size(); i += 3) {
         change.make(changes[i], changes[i + 1], changes[i + 2]);
         compare(root.get());
+        compareOrder(root.get(), changes[i + 1], changes[i + 2]);
     }
     compare(root.get());
     if (isWritable) checkRoundTrip(*document, root.get(), (how & 1u) != 0 && isAscii ? u"Shift_JIS" : u"UTF-8");

@@ -82,7 +82,7 @@ private:
     std::array<char, refillBytes> input_;
     std::span<const char> rest_;
     bool checksTrailer_ = false;
-    std::uint64_t sum_ = 0;   // CRC-32
+    uLong sum_ = 0;           // CRC-32, in the type of zlib
     std::uint32_t size_ = 0;  // modulo 2^32, as in the trailer
 };
 
