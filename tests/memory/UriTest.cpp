@@ -14,6 +14,7 @@ namespace {
 
 using namespace LumCommon;
 using LumTest::utf8;
+using LumTest::operator""_text;
 
 const UnicodeString longText(u"folder/of/a/path/that/is/too/long/for/the/string/object");
 
@@ -41,24 +42,25 @@ struct Row {
 const Row rows[] = {
     {"a part of the URI is lost",
      [](const Files&) {
-         LumUri uri(LumUri(u"http://host/a/long/path/with?query"), borrowed());
+         LumUri uri(LumUri(u"http://host/a/long/path/with?query"_text), borrowed());
          const UnicodeString extension = borrowed(), old = uri.setExtension(&extension);
          UnicodeString directory = borrowed();
          LumUri::toDirectory(directory, u'/');
          uri.setExtension(nullptr);
          LumUri fragment(longText);
          fragment = LumUri(fragment, u"#fragment");
-         return utf8(uri.toString()) + utf8(old) + utf8(directory) + utf8(uri.getRelativeUri(u"http://host/b/c/d/e")) +
-                utf8(uri.getBaseString()) + utf8(uri.getFileName()) + utf8(fragment.removeFragment()) +
-                utf8(fragment.toString()) + utf8(uri.getScheme());
+         return utf8(uri.toString()) + utf8(old) + utf8(directory) +
+                utf8(uri.getRelativeUri(u"http://host/b/c/d/e"_text)) + utf8(uri.getBaseString()) +
+                utf8(uri.getFileName()) + utf8(fragment.removeFragment()) + utf8(fragment.toString()) +
+                utf8(uri.getScheme());
      }},
     {"the path is that of another file",
      [](const Files&) {
-         return utf8(
-                    LumUri(u"'file:///C%20D%20a%20long%20path%20with%20escapes%41'", LumUri::URISTR_3).getLocalPath()) +
+         return utf8(LumUri(u"'file:///C%20D%20a%20long%20path%20with%20escapes%41'"_text, LumUri::URISTR_3)
+                         .getLocalPath()) +
                 utf8(LumUri(borrowed(), LumUri::URISTR_1).toString()) + utf8(LumUri::unescape(borrowed())) +
-                utf8(LumUri(u"url( 'a long path with blanks and quotes' )", LumUri::URISTR_2).toString()) +
-                utf8(LumUri(LumUri(u"jar:file:///a/long/path.zip!/member"), borrowed()).toString());
+                utf8(LumUri(u"url( 'a long path with blanks and quotes' )"_text, LumUri::URISTR_2).toString()) +
+                utf8(LumUri(LumUri(u"jar:file:///a/long/path.zip!/member"_text), borrowed()).toString());
      }},
     {"the data: URI lacks a part",
      [](const Files&) {
