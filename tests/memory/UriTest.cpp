@@ -49,9 +49,10 @@ const Row rows[] = {
          uri.setExtension(nullptr);
          LumUri fragment(longText);
          fragment = LumUri(fragment, u"#fragment");
-         return utf8(uri.toString()) + utf8(old) + utf8(directory) + utf8(uri.getRelativeUri(u"http://host/b/c/d/e")) +
-                utf8(uri.getBaseString()) + utf8(uri.getFileName()) + utf8(fragment.removeFragment()) +
-                utf8(fragment.toString()) + utf8(uri.getScheme());
+         return utf8(uri.toString()) + utf8(old) + utf8(directory) +
+                utf8(uri.getRelativeUri(u"http://host/b/c/d/e"_text)) + utf8(uri.getBaseString()) +
+                utf8(uri.getFileName()) + utf8(fragment.removeFragment()) + utf8(fragment.toString()) +
+                utf8(uri.getScheme());
      }},
     {"the path is that of another file",
      [](const Files&) {
