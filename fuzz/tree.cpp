@@ -440,11 +440,20 @@ std::string save(LumDocument& document, const UnicodeString& encoding) {
     return out.str();
 }
 
+/// Half a surrogate pair can be read, but Shift_JIS has no form for it: saving refuses it there.
+bool hasHalfPair(const UnicodeString& text) {
+    for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
+        if (U_IS_SURROGATE(text.char32At(i))) return true;
+    }
+    return false;
+}
+
 /// Whether the content can be written in ASCII but for texts and values, and the document binds our prefixes as we do.
 bool isPlain(Model* root, bool& isAscii) {
     isAscii = true;
     for (const Model* node : listOf(root)) {
         const auto check = [&](const Model& named) {
+            isAscii = isAscii && !hasHalfPair(named.text);
             for (const Name& name : names) {
                 if (named.prefix.getString() == UnicodeString(name.prefix) && isOurs(named.prefix) &&
                     named.uri.getString() != UnicodeString(name.uri)) {
