@@ -34,8 +34,7 @@ public:
     /// @param source     the first source; null for none. Nothing is read yet.
     /// @param growBytes  the size of a block in bytes; 0 stands for the default.
     /// @param ownSource  true: the buffer deletes `source` once it is used up, or at its own destruction; also when
-    /// this
-    ///                   throws.
+    ///                   this throws.
     explicit LumMemStreamBuf(std::istream* source = nullptr, unsigned growBytes = defaultGrowBytes,
                              bool ownSource = false);
     /// An empty buffer with the block size and the keepMemory setting of `other`; its content is not copied.
@@ -63,8 +62,7 @@ public:
 
     /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
     /// and a reader at its end sees the new bytes.
-    /// @param own  true: the buffer deletes `source` once it is used up, or at its own destruction; also when this
-    ///             throws.
+    /// @param own  true: the buffer deletes `source`, once it is used up, at its own destruction, or if this throws.
     void setSource(std::istream* source, bool own);
 
     /// The number of bytes. Cost: reads every source to its end.

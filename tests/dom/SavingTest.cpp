@@ -1,20 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <csignal>
+#include <unicode/locid.h>
+
+#include <functional>
+#include <sstream>
 
 #include "dom/CountedDocument.h"
 #include "support/CommaLocale.h"
 #include "support/ExpectError.h"
 #include "support/FaultyCalls.h"
-#include "support/PieceStream.h"
 #include "support/TempFolder.h"
 
 namespace LumTest {
 namespace {
 
-constexpr const char* inputFailed = "LumCommon::XmlParserImpl::checkStream";
 const std::string prolog = "<?xml version=\"1.0\"?>";
 
 class SavingTest : public testing::Test {
@@ -166,6 +166,61 @@ TEST_F(SavingTest, aReplacedFileKeepsItsRightsAndLinksAndStaysWhereItCannotBeRep
                 [&] { document->saveReplacing(u"/dev/full"); });
     document->saveReplacing(u"/dev/null");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null")) << "a device is replaced";
+}
+
+/// A text that does something while it is written.
+class ActingText : public LumTextNode {
+public:
+    ActingText(LumDocument* document, const std::function<void()>& act)
+        : LumTextNode(document, UnicodeString()), act_(act) {}
+    UnicodeString getText() const override { return act_(), u"t"; }
+
+private:
+    const std::function<void()>& act_;
+};
+
+TEST_F(SavingTest, whatVanishesMeanwhileIsToldOrMadeAgain) {
+    document->loadXml(u"<n/>");
+    const std::string in = folder.getPath() + "d/", file = in + "n.xml";
+    std::function<void()> act;
+    document->getDocumentElement()->appendChild(LumPtr<LumNode>(new ActingText(document.get(), act)).get());
+    const auto save = [&] {
+        std::filesystem::create_directory(in);
+        writeFile(file, old);
+        document->saveReplacing(text(file));
+    };
+    act = [&] { std::filesystem::remove(file); };
+    save();
+    EXPECT_EQ(readFile(file), prolog + "<n>t</n>");
+    act = [&] { std::filesystem::remove_all(in); };
+    expectError(0x1007, "Output stream error.", "LumCommon::XmlSerializerImpl::checkStream", save);
+    act = [] { throw std::runtime_error("enough"); };
+    EXPECT_THROW(save(), std::runtime_error);
+    EXPECT_EQ(readFile(file), old);
+}
+
+TEST_F(SavingTest, bytesAreTheSameInEveryLocaleAndTimeZone) {
+    const auto saved = [&] {
+        std::istringstream in("<?xml version='1.0' encoding='iso-8859-1'?><i>\xE9</i>");
+        document->load(in);
+        LumElement& root = *document->getDocumentElement();
+        root.setAttribute(LumName(u"length"), LumValue(1.5f, UNIT_PT));
+        root.setAttribute(LumName(u"color"), LumValue(LumColor(LumColor(), u"Spot", 0.5f)));
+        document->saveReplacing(text(path), nullptr, u"shift_jis");
+        return readFile(path);
+    };
+    const std::string expected = saved();
+    EXPECT_NE(expected.find("encoding=\"SHIFT_JIS\"?><i length=\"1.5pt\""), std::string::npos) << expected;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Locale before = icu::Locale::getDefault();
+    icu::Locale::setDefault(icu::Locale("tr"), status);
+    ::setenv("TZ", "Asia/Kathmandu", 1);
+    {
+        const CommaLocale locale;
+        EXPECT_EQ(saved(), expected);
+    }
+    ::unsetenv("TZ");
+    icu::Locale::setDefault(before, status);
 }
 
 }  // namespace

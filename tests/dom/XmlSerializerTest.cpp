@@ -281,6 +281,20 @@ TEST_F(XmlSerializerTest, reportsAWriteThatFailsAndTakesTheNextOutput) {
             EXPECT_EQ(written(), "<?xml version=\"1.0\"?><b/>");
         }
     }
+    // A document that is saved, with the failure after each byte.
+    const LumPtr<LumDocument> document(new LumDocument);
+    document->loadXml(u"<r a='1' p:b='&quot;' xmlns:p='u:p'>t<p:c/>&amp;</r>");
+    document->getSerializer()->setGenerator({});
+    document->save(out, nullptr, {});
+    const std::string whole = written();
+    for (const auto way : {FailingBuffer::Way::Refuses, FailingBuffer::Way::Throws}) {
+        for (std::size_t room = 0; room < whole.size(); ++room) {
+            FailingBuffer buffer(way, room);
+            std::ostream failing(&buffer);
+            expectOutputFailed([&] { document->save(failing, nullptr, {}); });
+            EXPECT_EQ(buffer.taken, whole.substr(0, room));
+        }
+    }
     FailingBuffer buffer(FailingBuffer::Way::FailsToSync, 0);
     std::ostream failing(&buffer);
     serializer->setOutput(failing, {});

@@ -119,6 +119,15 @@ const Row rows[] = {
          LumMemStream memory(&in, 256);
          return contentOrFailure(&memory);
      }},
+    {"a source that is taken over is lost, or deleted twice",
+     [](Made&) {
+         const auto first = std::make_unique<LumMemStream>(new std::istringstream(text), 256, true);
+         LumMemStream second(nullptr, 256);
+         second << "before it ";
+         insist(second.good());
+         second.rdbuf()->setSource(new std::istringstream(text), true);
+         return contentOrFailure(first.get()) + contentOrFailure(&second);
+     }},
     {"written, copied or found bytes are others",
      [](Made&) {
          LumMemStream memory(nullptr, 256);

@@ -77,15 +77,11 @@ TEST(XmlMemory, externalInputsFailAloud) {
         "<!DOCTYPE a SYSTEM 'a.dtd' [<!ENTITY e SYSTEM 'an-entity-with-a-long-name.xml'>]><a>&e;&d;</a>";
     for (const bool forgives : {false, true}) {
         forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
+            LumXmlParser::clearDefinitionCache();
             parser->setFeature(LumXmlParser::FEATURE_IGNORE_EXTERNAL_DTD_ERRORS, forgives);
             std::istringstream in(source);
             parser->setInput(in, {}, base);
-            try {
-                return eventsOf(*parser, Pull::events) + utf8(parser->getPositionDescription());
-            } catch (const LumError& error) {
-                if (error.code != static_cast<unsigned>(LumErrorCodeIO::CannotOpen)) throw;
-                throw std::bad_alloc();
-            }
+            return eventsOf(*parser, Pull::events) + utf8(parser->getPositionDescription());
         });
     }
 }

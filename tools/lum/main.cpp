@@ -52,26 +52,18 @@ int run(int argc, char** argv) {
     return 0;
 }
 
-/// Like report(), without any memory.
-int reportOutOfMemory() noexcept {
-    std::fputs("lum: error 0x0801: Out of memory.\n", stderr);
-    return exitFailure;
-}
-
 }  // namespace
 
-int main(int argc, char** argv) {
-    int result = exitFailure;
-    try {
-        std::setlocale(LC_ALL, "");
-        std::ios_base::sync_with_stdio(false);
-        LumCommon::LumUri::setFindsForeignFileUris(true);
-        LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
-        result = run(argc, argv);
-        LumCommon::LumNameTable::releaseSharedNameTable();
-        LumCommon::cleanup();
-    } catch (const std::bad_alloc&) {
-        result = reportOutOfMemory();
-    }
+int main(int argc, char** argv) try {
+    std::setlocale(LC_ALL, "");
+    std::ios_base::sync_with_stdio(false);
+    LumCommon::LumUri::setFindsForeignFileUris(true);
+    LumCommon::LumNameTable::addRefSharedNameTable();  // names made here stay until the end
+    const int result = run(argc, argv);
+    LumCommon::LumNameTable::releaseSharedNameTable();
+    LumCommon::cleanup();
     return result;
+} catch (const std::bad_alloc&) {  // before or after everything else
+    std::fputs("lum: error 0x0801: Out of memory.\n", stderr);
+    return exitFailure;
 }

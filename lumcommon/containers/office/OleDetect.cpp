@@ -71,9 +71,7 @@ int OleCompFile::detectOLEDocument(const LumUri& uri) {
     std::unique_ptr<std::istream> stream(uri.getStream());
     if (!stream) return static_cast<int>(DocumentKind::NONE);
     if (stream->tellg() == std::istream::pos_type(-1)) {
-        LumMemStream seekable;
-        seekable.rdbuf()->setSource(stream.get(), true);
-        static_cast<void>(stream.release());
+        LumMemStream seekable(stream.release(), LumMemStreamBuf::defaultGrowBytes, true);
         return detectOLEDocument(seekable);
     }
     return detectOLEDocument(*stream);

@@ -54,13 +54,8 @@ inline UnicodeString textOf(std::u16string_view text) {
     return checked(UnicodeString(text.data(), checkedLength(text.size())));
 }
 
-/// The text in UTF-8.
-inline std::string utf8Of(const UnicodeString& text) {
-    std::string bytes;
-    text.toUTF8String(bytes);
-    if (bytes.empty() && !text.isEmpty()) throw std::bad_alloc();
-    return bytes;
-}
+/// The text in UTF-8; U+FFFD for unpaired surrogates.
+std::string utf8Of(const UnicodeString& text);
 
 /// A copy, bogus when `text` is.
 inline UnicodeString copyOf(const UnicodeString& text) {

@@ -48,7 +48,7 @@ std::string bytesOfUnits(std::u16string_view units) {
         if (const int byte = byteOfUnit(c); byte >= 0) {
             bytes += static_cast<char>(byte);
         } else {
-            UnicodeString(c).toUTF8String(bytes);
+            bytes += utf8Of(UnicodeString(c));
         }
     }
     return bytes;

@@ -20,7 +20,7 @@ FileIdentity FileIdentity::ofResource(const UnicodeString& uri) {
     constexpr char16_t memberMark[] = u"!/";
     UnicodeString file = copyOf(uri);
     if (LumUri(uri).isJarScheme()) {
-        file.remove(0, static_cast<int32_t>(std::size(jarScheme)) - 1);
+        checked(file.remove(0, static_cast<int32_t>(std::size(jarScheme)) - 1));
         if (const int32_t end = file.indexOf(memberMark); end >= 0) file.truncate(end);
     }
     FileIdentity identity;

@@ -23,7 +23,7 @@ constexpr std::size_t longestTold = 64;  // units of what is wrong that a messag
     append(append(append(message, before), told.substr(0, longestTold)), told.size() > longestTold ? u"..." : u"");
     append(message, after);
     throw LumError(static_cast<std::uint16_t>(LumErrorCodeLumLIB::NotWritable), message,
-                   UnicodeString(u"LumCommon::XmlSerializerImpl::checkText"), -1, -1, UnicodeString());
+                   textOf(u"LumCommon::XmlSerializerImpl::checkText"), -1, -1, UnicodeString());
 }
 
 /// The number of units of the name, without a colon, that the text begins with.

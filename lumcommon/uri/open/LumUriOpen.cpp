@@ -1,4 +1,5 @@
 #include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/core/LumError.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/NeverDestroyed.h>
 #include <lumcommon/core/detail/PlatformText.h>
@@ -6,12 +7,15 @@
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
 #include <lumcommon/uri/open/LumUriStream.h>
+#include <lumcommon/uri/open/detail/OpenResource.h>
 
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <istream>
 #include <memory>
+#include <new>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -57,6 +61,7 @@ Stream* openLocalFile(const LumUri& uri, std::ios_base::openmode mode) {
     std::error_code error;
     if (!path || std::filesystem::is_directory(*path, error)) return nullptr;
     auto stream = std::make_unique<LocalFileStream<Stream>>(*path, mode);
+    if (!stream->isOpen() && errno == ENOMEM) throw std::bad_alloc();
     return stream->isOpen() ? stream.release() : nullptr;
 }
 
@@ -111,6 +116,8 @@ int countMarks(View text) {
     return count;
 }
 
+OwnedStream open(const LumUri& uri, UnicodeString* contentType, UnicodeString* errorMessage, bool& isRefused);
+
 OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, UnicodeString* errorMessage,
                     bool& isRefused) {
     View rest = detail::viewOf(uri).substr(jarScheme.size());
@@ -119,7 +126,7 @@ OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, Unicod
     // The archive's own URI has no mark, so even if it is a jar: URI it opens nothing and goes no deeper.
     const LumUri archive(detail::textOf(takePart(rest)));
     UnicodeString archiveMessage;
-    OwnedStream stream(archive.getStream(nullptr, &archiveMessage, &isRefused));
+    OwnedStream stream = open(archive, nullptr, &archiveMessage, isRefused);
     // If the archive was opened, its message (a successful status) says nothing about a missing member.
     if (!stream && errorMessage && !archiveMessage.isEmpty()) *errorMessage = archiveMessage;
     if (stream && (!archive.isFile() || stream->tellg() == std::istream::pos_type(-1))) {
@@ -131,6 +138,22 @@ OwnedStream openJar(const UnicodeString& uri, UnicodeString* contentType, Unicod
     }
     if (stream && contentType) contentType->remove();
     return stream;
+}
+
+/// LumUri::getStream(), which turns what this throws into null.
+OwnedStream open(const LumUri& uri, UnicodeString* contentType, UnicodeString* errorMessage, bool& isRefused) {
+    isRefused = false;
+    const UnicodeString text = uri.toString();
+    std::istream* const resolved = askResolver(text);
+    isRefused = isRefusal(resolved);
+    if (isRefused) {
+        if (errorMessage) *errorMessage = u"Refused";
+        return nullptr;
+    }
+    if (resolved) return OwnedStream(resolved);
+    if (uri.isFile()) return OwnedStream(openLocalFile<std::istream>(uri, std::ios_base::in));
+    if (uri.isJarScheme()) return openJar(text, contentType, errorMessage, isRefused);
+    return openRemote(text, contentType, errorMessage);
 }
 
 /// Reads two bytes and tells whether they begin gzip data.
@@ -155,21 +178,23 @@ LumUriReferenceResolver* LumUri::setUriReferenceResolver(LumUriReferenceResolver
 
 std::istream* LumUri::getStream(UnicodeString* contentType, UnicodeString* errorMessage, bool* isRefused) const {
     bool isRefusedHere = false;
-    bool& refused = isRefused ? *isRefused : isRefusedHere;
-    refused = false;
     try {
-        std::istream* const resolved = askResolver(uri_);
-        refused = isRefusal(resolved);
-        if (refused) {
-            if (errorMessage) *errorMessage = u"Refused";
-            return nullptr;
-        }
-        if (resolved) return resolved;
-        if (isFile()) return openLocalFile<std::istream>(*this, std::ios_base::in);
-        if (isJarScheme()) return openJar(uri_, contentType, errorMessage, refused).release();
-        return openRemote(uri_, contentType, errorMessage).release();
+        return open(*this, contentType, errorMessage, isRefused ? *isRefused : isRefusedHere).release();
     } catch (...) {
         if (errorMessage) *errorMessage = u"Unknown exception";
+        return nullptr;
+    }
+}
+
+std::unique_ptr<std::istream> detail::openResource(const LumUri& resource, bool& isRefused) {
+    try {
+        return open(resource, nullptr, nullptr, isRefused);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const LumError& error) {
+        if (error.code == static_cast<unsigned>(LumErrorCodeLumLIB::OutOfMemory)) throw;
+        return nullptr;
+    } catch (...) {
         return nullptr;
     }
 }

@@ -45,6 +45,10 @@ void ErrorReporter::inputFailed() {
 
 bool ErrorReporter::isDropped() const noexcept { return inputs_.streamCount() > droppedAbove_; }
 
+bool isOutOfMemory(const LumError& error) noexcept {
+    return error.code == static_cast<std::uint16_t>(LumErrorCodeLumLIB::OutOfMemory);
+}
+
 void ErrorReporter::tellListener(const LumError& error) {
     struct Restore {
         TokenKind& slot;
@@ -54,8 +58,8 @@ void ErrorReporter::tellListener(const LumError& error) {
     event_.next = TokenKind::InCallback;
     try {
         listener_(error, data_);
-    } catch (const LumError&) {
-        if (isDropped()) throw Dropped();
+    } catch (const LumError& thrown) {
+        if (isDropped() && !isOutOfMemory(thrown)) throw Dropped();
         throw;
     }
 }

@@ -73,6 +73,9 @@ private:
     int droppedAbove_ = std::numeric_limits<int>::max();  // that many open streams errors are dropped
 };
 
+/// Whether it says that memory ran out, which nobody may take for an error of the input.
+bool isOutOfMemory(const LumError& error) noexcept;
+
 /// A character as an argument of messages; empty at the end of input.
 inline UnicodeString charText(std::int32_t c) {
     return c < 0 ? UnicodeString() : UnicodeString(static_cast<UChar32>(c));

@@ -67,8 +67,8 @@ std::shared_ptr<const ExternalDtd> readExternalDtd(const UnicodeString& key, con
     } catch (const LimitExceeded& limit) {
         meter.note(limit.code);
         parts.errors.report(limit.code);
-    } catch (const LumError&) {
-        if (!forgivesErrors) throw;
+    } catch (const LumError& error) {
+        if (!forgivesErrors || isOutOfMemory(error)) throw;
     }
     auto dtd = std::make_shared<const ExternalDtd>(parts.entities.getDeclared());
     // What an error cut short is for this document alone: the next one may want to hear of the error.

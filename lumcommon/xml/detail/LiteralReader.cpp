@@ -27,7 +27,7 @@ void LiteralReader::read(LiteralType type, UnitBuffer& out) {
         }
         delimiter = ' ';
     }
-    const auto quote = static_cast<char16_t>(delimiter);
+    const char16_t quote = static_cast<char16_t>(delimiter);
     const bool isTerminated = readRaw(quote);
     if (!isTerminated && !isOffending) errors_.report(XmlError::LiteralUnterminated, UnicodeString(quote));
     if (isOffending && isQuoted) out.append(quote);

@@ -2,6 +2,7 @@
 #include <lumcommon/streams/LumGzipStream.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/uri/LumUri.h>
+#include <lumcommon/uri/open/detail/OpenResource.h>
 #include <lumcommon/xml/detail/OpenInput.h>
 
 #include <cxxabi.h>
@@ -81,7 +82,7 @@ private:
 }  // namespace
 
 std::unique_ptr<std::istream> openInput(const LumUri& resource, bool& isRefused) {
-    std::unique_ptr<std::istream> in(resource.getStream(nullptr, nullptr, &isRefused));
+    std::unique_ptr<std::istream> in = openResource(resource, isRefused);
     if (in) in->exceptions(std::ios::goodbit);  // a resolver may have set it to throw
     if (!in || in->peek() != gzipFirstByte) {
         // Looking at an empty stream must leave no more trace than opening it.

@@ -12,7 +12,7 @@ namespace LumCommon::detail {
 /// their data in attributes. A root with another name or namespace is skipped with its children, as are elements in
 /// another namespace and everything deeper.
 ///
-/// Nothing outside the part is opened: external entities give error 0x1003, or are empty if they are not files.
+/// Nothing outside the part is opened: external entities and definitions give error 0x183A.
 /// Errors: those of the parser, also for what follows the last element.
 class PackagePartReader {
 public:
