@@ -118,7 +118,9 @@ const LimitCase limitCases[] = {
     {"elements", &Limits::depth, 0x183B, 3,
      [](std::size_t n, Library&) { return repeat("<a>", n) + repeat("</a>", n); }},
     {"attributes", &Limits::attributes, 0x183C, 3,
-     [](std::size_t n, Library&) { return "<a" + numbered(" b", n, "='1'") + "/>"; }},
+     [](std::size_t n, Library&) {
+         return "<a>" + numbered("<b c", n, "='1'/>") + "<b" + numbered(" c", n, "='1'") + "/></a>";
+     }},
     {"attributes", &Limits::attributes, 0x183C, 3,
      [](std::size_t n, Library&) { return "<a" + numbered("\nb", n, " = '&lt;'") + "/>"; }},
     {"a text", &Limits::textUnits, 0x183D, 20,
@@ -141,7 +143,7 @@ const LimitCase limitCases[] = {
     {"an entity's name", &Limits::nameUnits, 0x183E, 7,
      [](std::size_t n, Library&) { return dtd("<!ENTITY " + std::string(n, 'x') + " ''>", ""); }},
     {"a value", &Limits::valueUnits, 0x183F, 20,
-     [](std::size_t n, Library&) { return "<a b='1' c='" + std::string(n, 'x') + "'/>"; }},
+     [](std::size_t n, Library&) { return "<a><b c='1'/><b c='" + std::string(n, 'x') + "'/></a>"; }},
     {"a value as written", &Limits::valueUnits, 0x183F, 20,
      [](std::size_t n, Library&) { return "<a b='" + std::string(n - 5, 'x') + "&#65;'/>"; }},
     {"a value as read", &Limits::valueUnits, 0x183F, 20,

@@ -27,10 +27,9 @@ public:
     LiteralReader(InputStack& inputs, ReferenceReader& references, const EntityTable& entities, ErrorReporter& errors)
         : inputs_(inputs), references_(references), entities_(entities), errors_(errors) {}
 
-    void setLimit(std::uint64_t units) noexcept {
-        raw_.setLimit(units);
-        result_.setLimit(units);
-    }
+    /// Of a literal as it is written. What is made of it is shorter, but for attribute values, which have another
+    /// buffer.
+    void setLimit(std::uint64_t units) noexcept { raw_.setLimit(units); }
     UnicodeString read(LiteralType type);
     /// The same, appended to `out`.
     void read(LiteralType type, UnitBuffer& out);
