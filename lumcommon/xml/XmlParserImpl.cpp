@@ -17,7 +17,7 @@ void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& enco
         case detail::InputStack::Opening::Done:
             return;
         case detail::InputStack::Opening::Refused:
-            parts_.errors.raiseRefused(uri);
+            parts_.errors.raiseRefused();
         default:
             throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::ParserSetInput, uri);
     }
@@ -155,7 +155,7 @@ void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
             throw;
         }
     } else if (!parts_.policy.forgivesExternalDtdErrors()) {
-        parts_.errors.report(XmlError::ExternalRefused, source.uri());
+        parts_.errors.report(XmlError::ExternalRefused);
     }
 }
 

@@ -25,8 +25,11 @@ constexpr int exitUsage = 2;
 
 int report(const LumCommon::LumError& error) {
     const unsigned code = error.code;
+    constexpr unsigned externalRefused = 0x183A;
     const char* const limit = lum::findLimitName(code);
-    const std::string note = limit ? " (limit " + std::string(limit) + ")" : "";
+    const std::string note = limit                     ? " (limit " + std::string(limit) + ")"
+                             : code == externalRefused ? " (external resource refused)"
+                                                       : "";
     std::fprintf(stderr, "lum: error 0x%04X: %s%s\n", code, lum::toUtf8(error.getMessage()).c_str(), note.c_str());
     return exitFailure;
 }

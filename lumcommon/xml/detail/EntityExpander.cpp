@@ -66,7 +66,7 @@ std::unique_ptr<std::istream> EntityExpander::openStream(const LumUri& resource,
     bool isRefused = !policy_.opensExternals();
     std::unique_ptr<std::istream> in = isRefused ? nullptr : openInput(resource, isRefused);
     if (isRefused) {
-        errors_.report(XmlError::ExternalRefused, resource.toString());
+        errors_.report(XmlError::ExternalRefused);
         return nullptr;
     }
     if (!in && !isOptional && resource.isFile()) {

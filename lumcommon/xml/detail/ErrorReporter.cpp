@@ -29,8 +29,8 @@ void ErrorReporter::raise(XmlError::Code code, UnicodeString message) const {
     throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, errorSource, -1, -1, UnicodeString());
 }
 
-void ErrorReporter::raiseRefused(const UnicodeString& uri) const {
-    raise(XmlError::ExternalRefused, makeXmlErrorMessage(XmlError::ExternalRefused, uri, UnicodeString()));
+void ErrorReporter::raiseRefused() const {
+    raise(XmlError::ExternalRefused, makeXmlErrorMessage(XmlError::ExternalRefused, UnicodeString(), UnicodeString()));
 }
 
 void ErrorReporter::inputFailed() {

@@ -34,7 +34,7 @@ public:
     void report(XmlError::Code code, const UnicodeString& a = UnicodeString(),
                 const UnicodeString& b = UnicodeString());
     /// Throws the error that a document itself is refused: no listener can accept that.
-    [[noreturn]] void raiseRefused(const UnicodeString& uri) const;
+    [[noreturn]] void raiseRefused() const;
     /// Throws error 0x1006 with the position, or Dropped.
     [[noreturn]] void inputFailed() override;
 

@@ -47,7 +47,7 @@ bool read(ReaderParts& parts, const LumUri& resource, const UnicodeString& baseU
             readDeclarations(parts);
             return true;
         case InputStack::Opening::Refused:
-            parts.errors.raiseRefused(uri);
+            parts.errors.raiseRefused();
         default:
             // A resource of another kind than a file that cannot be had contributes nothing.
             if (!resource.isFile()) return false;

@@ -66,7 +66,7 @@ enum Code : std::uint16_t {
     NestingLimit = 0x1838,    ///< too many external inputs are open at once
     EncodingConflict = 0x1839,
     ExternalRefused = 0x183A,  ///< a resource that must not be opened, by the feature or the resolver
-    // Of struct LumXmlLimits, in its order; they have no messages of their own.
+    // Of struct LumXmlLimits, in its order.
     DepthLimit = 0x183B,
     AttributesLimit = 0x183C,
     TextLimit = 0x183D,
@@ -83,7 +83,7 @@ enum Code : std::uint16_t {
 }  // namespace XmlError
 
 /// Thrown inside a parser where a limit is exceeded. The parser reports the error and ends the document; nobody between
-/// goes on, whatever errors he forgives.
+/// goes on, whatever errors it forgives.
 struct LimitExceeded {
     XmlError::Code code;
 };
