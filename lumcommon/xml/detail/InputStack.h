@@ -29,12 +29,10 @@ public:
     WindowBorrower() = default;
     WindowBorrower(const WindowBorrower&) = delete;
     WindowBorrower& operator=(const WindowBorrower&) = delete;
+    virtual ~WindowBorrower() = default;
 
     /// Before the units of a window go away: what is held must be copied.
     virtual void windowMoves() = 0;
-
-protected:
-    ~WindowBorrower() = default;
 };
 
 /// Who says that an input has failed: it has ended, but not where its text ends.
@@ -43,12 +41,10 @@ public:
     InputWatcher() = default;
     InputWatcher(const InputWatcher&) = delete;
     InputWatcher& operator=(const InputWatcher&) = delete;
+    virtual ~InputWatcher() = default;
 
     /// Called while the input is the one being read. Does not return: it throws.
     [[noreturn]] virtual void inputFailed() = 0;
-
-protected:
-    ~InputWatcher() = default;
 };
 
 /// What is being read: open inputs, replacement texts of entities, and the raw text of a literal that is being looked
