@@ -83,7 +83,7 @@ private:
         template <class T>
         T* pointer() const noexcept {
             T* stored;
-            std::memcpy(&stored, units_, sizeof stored);
+            std::memcpy(&stored, units_, sizeof(void*));
             return stored;
         }
         void setPointer(const void* pointer, std::int32_t length) noexcept;
