@@ -66,7 +66,7 @@ TEST(LumXmlParserHostile, attributesMadeToShareABucket) {
     for (std::uint64_t i = 0; i < 3 * count / 2; ++i) table.insert(i);
     const std::uint64_t buckets = table.bucket_count();
     std::string declarations = "<a", crafted, harmless;
-    for (std::uint64_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         const std::string prefix = "p" + std::to_string(i);
         declarations += " xmlns:" + prefix + "='u" + std::to_string(i) + "'";
         const std::uint64_t name = (2 * buckets - (uris[i] << 32) % buckets - names[0] % buckets) % buckets;

@@ -205,7 +205,8 @@ TEST(LumXmlParserLimits, holdExactlyWhereTheyAreSet) {
             for (const std::size_t pieceBytes : {wholeInput, std::size_t{1}, std::size_t{3}}) {
                 if (pieceBytes != wholeInput && (!row.isForAnyPieces || isTime)) continue;
                 for (const bool accepts : {false, true}) {
-                    const std::string document = row.make(row.value + static_cast<std::size_t>(more), library);
+                    const std::string document =
+                        row.make(static_cast<std::size_t>(row.value) + static_cast<std::size_t>(more), library);
                     PieceStream in(document, pieceBytes);
                     std::string now = readUnder(limits, in, library.getBase(), accepts);
                     now = std::regex_replace(now, std::regex("/f[0-9]+'"), "'");
