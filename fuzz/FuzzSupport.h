@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lumcommon/core/LumError.h>
 #include <lumcommon/core/Text.h>
 
 #include <algorithm>
@@ -32,6 +33,12 @@ public:
         if (size_ == 0) return 0;
         --size_;
         return *data_++;
+    }
+    /// A number of up to 8 bytes, the highest first.
+    std::uint64_t number(int bytes) {
+        std::uint64_t value = 0;
+        for (int i = 0; i < bytes; ++i) value = value << 8 | byte();
+        return value;
     }
     const std::uint8_t* data() const { return data_; }
     std::size_t size() const { return size_; }
@@ -86,6 +93,17 @@ public:
 private:
     std::uint64_t hash_ = 0x243F6A8885A308D3u;
 };
+
+/// The code of the error that a call throws; 0 when it throws none.
+template <class Call>
+unsigned codeOf(Call call) {
+    try {
+        call();
+    } catch (const LumCommon::LumError& error) {
+        return error.code;
+    }
+    return 0;
+}
 
 /// The text that the bytes stand for: UTF-16 units in host order, or UTF-8 with U+FFFD for malformed parts.
 inline LumCommon::UnicodeString textOf(const std::uint8_t* data, std::size_t size, bool areUnits) {

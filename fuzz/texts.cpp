@@ -187,8 +187,7 @@ void checkLanguage(const UnicodeString& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Choices input(data, size);
     const unsigned what = input.byte();
-    std::uint32_t bits = 0;
-    for (int i = 0; i < 4; ++i) bits = bits << 8 | input.byte();
+    const auto bits = static_cast<std::uint32_t>(input.number(4));
     const int number = static_cast<int>(bits) >> (what >> 3 & 31u);
     const UnicodeString text = LumFuzz::textOf(input.data(), input.size(), (what & 4u) != 0);
     switch (what & 3u) {

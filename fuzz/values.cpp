@@ -151,8 +151,7 @@ void checkOrder(const LumValue& a, const LumValue& b) {
 Number numberOf(Choices& input) {
     Number n;
     const unsigned what = input.byte();
-    std::uint32_t bits = 0;
-    for (int i = 0; i < 4; ++i) bits = bits << 8 | input.byte();
+    const auto bits = static_cast<std::uint32_t>(input.number(4));
     n.unit = what & 31u;
     n.isReal = (what & 32u) != 0;
     n.integer = static_cast<std::int32_t>(bits) >> ((what >> 6) * 8);

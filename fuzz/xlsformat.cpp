@@ -127,8 +127,7 @@ void checkDates(double value, bool is1904) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Choices input(data, size);
     const unsigned how = input.byte();
-    std::uint64_t bits = 0;
-    for (int i = 0; i < 8; ++i) bits = bits << 8 | input.byte();
+    const std::uint64_t bits = input.number(8);
     double value = std::bit_cast<double>(bits);
     if ((how & 4u) != 0) value = static_cast<double>(static_cast<std::int64_t>(bits) >> 32) / 1000;  // everyday numbers
     const UnicodeString code = LumFuzz::textOf(input.data(), input.size(), (how & 2u) != 0);

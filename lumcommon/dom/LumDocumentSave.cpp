@@ -20,7 +20,6 @@
 #include <lumcommon/values/LumNamedValueMap.h>
 
 #include <ostream>
-#include <typeinfo>
 #include <utility>
 
 namespace LumCommon {
@@ -301,9 +300,8 @@ void LumDocument::doSave(LumNode* node) { doSave(node, false); }
 void LumDocument::doSave(LumNode* node, bool startTagOnly) {
     LumXmlSerializer& serializer = *getSerializer();
     const CheckScope checks(serializer, isSaveChecked_);
-    if (typeid(serializer) == typeid(XmlSerializerImpl)) {
-        NodeWriter<XmlSerializerImpl, detail::GatheredOutput>(static_cast<XmlSerializerImpl&>(serializer), *this)
-            .write(node, startTagOnly);
+    if (XmlSerializerImpl* const own = detail::asExactly<XmlSerializerImpl>(serializer)) {
+        NodeWriter<XmlSerializerImpl, detail::GatheredOutput>(*own, *this).write(node, startTagOnly);
     } else {
         NodeWriter<LumXmlSerializer, detail::DirectOutput>(serializer, *this).write(node, startTagOnly);
     }

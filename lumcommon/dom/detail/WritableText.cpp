@@ -41,7 +41,7 @@ std::size_t measureName(View text) noexcept {
 
 bool isDropped(char16_t c) noexcept { return c < ' ' && !isPlain(c, TEXT_RAW); }
 
-/// Whether the text, as it is written, has `mark` in it; or would have, with `after` behind it.
+/// Whether the text, as it is written, has `mark` in it; or would have, with `after` after it.
 bool holds(View text, View mark, View after = {}) noexcept {
     std::size_t matched = 0;
     for (const View part : {text, after}) {

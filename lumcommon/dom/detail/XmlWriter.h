@@ -37,8 +37,8 @@ public:
     bool isBroken() const noexcept { return isBroken_; }
     /// Selects Shift_JIS with the flag, UTF-8 without it.
     void selectShiftJis(bool isShiftJis);
-    /// Whether names are refused that are none, or that the encoding has no bytes for, and characters that no parser
-    /// takes: U+FFFF, and in Shift_JIS those whose reference would not be well-formed.
+    /// Whether to refuse invalid names, names that the encoding cannot represent, and characters that no parser
+    /// accepts: U+FFFF, and in Shift_JIS those whose reference would not be well-formed.
     void setChecked(bool isChecked) noexcept { isChecked_ = isChecked; }
     bool isChecked() const noexcept { return isChecked_; }
 

@@ -1,10 +1,9 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CaseMapping.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <lumcommon/xml/detail/ExternalDtdReader.h>
 #include <lumcommon/xml/detail/ReaderParts.h>
-
-#include <unicode/locid.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -95,7 +94,7 @@ UnicodeString cacheKey(const LumUri& resource) {
     if (!uri.substr(schemeEnd).starts_with(u"://")) return resource.toString();
     // The letters of scheme and host have no case, and port 80 goes without saying.
     const std::size_t hostEnd = std::min(uri.find(u'/', schemeEnd + 3), uri.size());
-    UnicodeString key = checked(textOf(uri.substr(0, hostEnd)).toLower(icu::Locale::getRoot()));
+    UnicodeString key = toLowerCase(textOf(uri.substr(0, hostEnd)));
     if (key.startsWith(u"http:") && key.endsWith(u":80")) key.truncate(key.length() - 3);
     return append(key, hostEnd < uri.size() ? uri.substr(hostEnd) : std::u16string_view(u"/"));
 }

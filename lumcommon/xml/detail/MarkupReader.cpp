@@ -25,17 +25,9 @@ TokenKind MarkupReader::lookAheadSlow() {
         std::int32_t c = inputs_.readChar();
         if (c == '<') {
             c = inputs_.readChar();
-            switch (c) {
-                case '/':
-                    return event_.next = TokenKind::EndTag;
-                case '?':
-                    return event_.next = TokenKind::Instruction;
-                case '!':
-                    return event_.next = TokenKind::Declaration;
-                default:
-                    inputs_.unreadChar(c);
-                    return event_.next = TokenKind::StartTag;
-            }
+            event_.next = kindOfMarkup(c);
+            if (event_.next == TokenKind::StartTag) inputs_.unreadChar(c);
+            return event_.next;
         }
         if (c == '&') return event_.next = TokenKind::Reference;
         if (c < 0) return event_.next = TokenKind::End;

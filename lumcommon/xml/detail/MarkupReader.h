@@ -66,18 +66,9 @@ inline TokenKind MarkupReader::lookAtWindow() {
     }
     if (U16_IS_SURROGATE(start[1])) return TokenKind::Unknown;
     cursor.touch(start + 2);
-    cursor.cur = start + 2;
-    switch (start[1]) {
-        case '/':
-            return event_.next = TokenKind::EndTag;
-        case '?':
-            return event_.next = TokenKind::Instruction;
-        case '!':
-            return event_.next = TokenKind::Declaration;
-        default:
-            cursor.cur = start + 1;
-            return event_.next = TokenKind::StartTag;
-    }
+    event_.next = kindOfMarkup(start[1]);
+    cursor.cur = start + (event_.next == TokenKind::StartTag ? 1 : 2);
+    return event_.next;
 }
 
 inline TokenKind MarkupReader::lookAhead() {

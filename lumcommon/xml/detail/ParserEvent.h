@@ -27,6 +27,20 @@ enum class TokenKind : int {
     End = 9,
 };
 
+/// What "<" and the character after it begin.
+constexpr TokenKind kindOfMarkup(std::int32_t second) noexcept {
+    switch (second) {
+        case '/':
+            return TokenKind::EndTag;
+        case '?':
+            return TokenKind::Instruction;
+        case '!':
+            return TokenKind::Declaration;
+        default:
+            return TokenKind::StartTag;
+    }
+}
+
 constexpr bool isLookedUp(TokenKind kind) noexcept { return kind > TokenKind::EmptyTag; }
 
 /// The current event as its readers fill it in: each sets the type before it reads, as errors name it.
