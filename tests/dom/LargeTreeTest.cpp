@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "dom/CountedDocument.h"
+#include "support/Repeat.h"
 #include "support/ResidentMemory.h"
 #include "support/Sweeps.h"
 
@@ -43,16 +44,10 @@ LumPtr<LumDocument> makeDeep(NodeCounter& counter, int depth) {
     return document;
 }
 
-std::string millionTimes(const std::string& unit) {
-    std::string bytes;
-    for (int i = 0; i < million; ++i) bytes += unit;
-    return bytes;
-}
-
 TEST(LargeTree, aDeepTreeIsLoadedAskedCopiedAndSaved) {
     runOnSmallStack([] {
         {
-            const LumPtr<LumDocument> document = load(millionTimes("<a>") + millionTimes("</a>"));
+            const LumPtr<LumDocument> document = load(repeat("<a>", million) + repeat("</a>", million));
             const LumElement* const root = document->getDocumentElement();
             EXPECT_EQ(root->getDescendantNodes()->getCount(), million - 1);
             LumTreeIterator walk(document.get(), LumTreeIterator::LEAVE);
@@ -131,7 +126,7 @@ TEST(LargeTree, derivedDestructorsFindTheirChildrenAndMayReleaseThem) {
 
 TEST(LargeTree, aWideElementIsLoadedCopiedSavedAndChangedAtBothEnds) {
     runOnSmallStack([] {
-        const LumPtr<LumDocument> document = load("<r>" + millionTimes("<a/>") + "</r>");
+        const LumPtr<LumDocument> document = load("<r>" + repeat("<a/>", million) + "</r>");
         LumNode* const root = document->getDocumentElement();
         EXPECT_EQ(root->getChildNodeCount(), million);
         EXPECT_EQ(document->saveXml(root).length(), million * 4 + 7);
@@ -159,13 +154,12 @@ TEST(LargeTree, textsOfADerivedClassTellTheirPositionWithoutStack) {
 
 // Catches a survivor that keeps the memory of its neighbours, and nodes that need their document or thread to die.
 TEST(LargeTree, documentsComeAndGoAndLeaveNodesToAnotherThread) {
-    std::string xml = "<r>";
-    for (int i = 0; i < 3000; ++i) xml += "<e a='1' b='" + std::to_string(i) + "'>text</e>";
+    const std::string xml = "<r>" + repeat("<e a='1' b='@'>text</e>", 3000) + "</r>";
     std::vector<LumPtr<LumNode>> survivors;
     std::size_t before = 0;
     for (int i = 0; i < 200; ++i) {
         if (i == 20) before = residentBytes();
-        const LumPtr<LumDocument> document = load(xml + "</r>");
+        const LumPtr<LumDocument> document = load(xml);
         LumNode* node = document->getDocumentElement()->getFirstChild();
         for (int step = 0; step < 7 * i; ++step) node = node->getNextSibling();
         survivors.emplace_back(node);
@@ -177,12 +171,11 @@ TEST(LargeTree, documentsComeAndGoAndLeaveNodesToAnotherThread) {
 
 TEST(LargeTree, attributesAreSetInLinearTime) {
     expectLinearTime("each attribute is looked for among all", 10000, [](std::size_t size) {
-        std::string xml = "<a p:b='v'";  // an undeclared prefix, whose namespace is looked up in the tree
-        for (std::size_t i = 0; i < size; ++i) xml += " n" + std::to_string(i) + "='v'";
         NodeCounter counter;
         const LumPtr<LumDocument> document(new CountedDocument(counter));  // which sets one after the other
         document->getParser()->setCallbackError([](const LumError&, void*) {}, nullptr);
-        document->loadXml(text(xml + "/>"));
+        // An undeclared prefix, whose namespace is looked up in the tree.
+        document->loadXml(text("<a p:b='v'" + repeat(" n@='v'", size) + "/>"));
         const LumPtr<LumNode> copy = document->getDocumentElement()->cloneNode(false);
         EXPECT_EQ(copy->getAttributes()->getCount(), static_cast<int>(size) + 1);
     });

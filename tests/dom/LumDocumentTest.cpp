@@ -9,6 +9,7 @@
 #include "support/LoopbackServer.h"
 #include "support/OnThreads.h"
 #include "support/PieceStream.h"
+#include "support/Repeat.h"
 #include "support/TempFolder.h"
 
 namespace LumTest {
@@ -197,9 +198,7 @@ TEST_F(LumDocumentTest, hooksSeeAttributesAndMayAskForMoreOrStop) {
 
 TEST_F(LumDocumentTest, loadNextNodeGivesEachNodeToOneThread) {
     constexpr int childCount = 3000;
-    UnicodeString xml(u"<r>");
-    for (int i = 0; i < childCount; ++i) xml.append(u"<a b='c'/>");
-    xml.append(u"</r>");
+    const UnicodeString xml = text("<r>" + repeat("<a b='c'/>", childCount) + "</r>");
     document->setDeferredLoad(true);
     document->loadXml(xml);
     std::atomic<int> nodes = 0;
@@ -314,14 +313,8 @@ TEST_F(LumDocumentTest, textsKeepEvenHalfASurrogatePair) {
 }
 
 TEST_F(LumDocumentTest, ofAnyLengthPassesThroughFewNodes) {
-    constexpr int childCount = 20000;
-    std::string xml = "<r xmlns='u:d' a='1'>\n", expected = "<?xml version=\"1.0\"?><r a=\"1\" xmlns=\"u:d\">\n";
-    for (int i = 1; i <= childCount; ++i) {
-        const std::string number = std::to_string(i);
-        xml += "<c n='" + number + "'><d>text</d><e/></c>\n";
-        expected += "<c n=\"" + number + "\"><d>text</d><e/></c>\n";
-    }
-    PieceStream in(xml + "</r>");
+    const std::string content = repeat("<c n=\"@\"><d>text</d><e/></c>\n", 20000) + "</r>";
+    PieceStream in("<r xmlns='u:d' a='1'>\n" + content);
     std::ostringstream out;
     derived->getSerializer()->setGenerator(UnicodeString());
     derived->setDeferredLoad(true);
@@ -337,7 +330,7 @@ TEST_F(LumDocumentTest, ofAnyLengthPassesThroughFewNodes) {
     }
     derived->closeDocumentElement();
     EXPECT_LT(counter.most, 10);
-    EXPECT_TRUE(out.str() == expected + "</r>");
+    EXPECT_TRUE(out.str() == "<?xml version=\"1.0\"?><r a=\"1\" xmlns=\"u:d\">\n" + content);
     derived = nullptr;
     EXPECT_EQ(counter.live, 0);
 }

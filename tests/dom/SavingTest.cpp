@@ -7,6 +7,7 @@
 #include "dom/CountedDocument.h"
 #include "support/ExpectError.h"
 #include "support/FaultyCalls.h"
+#include "support/Repeat.h"
 #include "support/TempFolder.h"
 
 namespace LumTest {
@@ -18,8 +19,6 @@ class SavingTest : public testing::Test {
 protected:
     SavingTest() {
         document->getSerializer()->setGenerator(UnicodeString());
-        for (int i = 0; i < 20000; ++i) content += "<e a=\"" + std::to_string(i) + "\"/>";
-        content = "<r>" + content + "</r>";
         writeFile(path, old);
     }
     /// Of files in the folder.
@@ -27,7 +26,7 @@ protected:
 
     const TempFolder folder;
     const std::string path = folder.getPath() + "a.xml", old = "<old/>";
-    std::string content;
+    const std::string content = "<r>" + repeat("<e a=\"@\"/>", 20000) + "</r>";
     LumPtr<LumDocument> document{new LumDocument};
 };
 

@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <functional>
 #include <limits>
+#include <map>
 #include <regex>
 #include <thread>
 
 #include "support/Deflated.h"
+#include "support/Repeat.h"
 #include "support/ResourceLibrary.h"
 #include "support/XmlEvents.h"
 
@@ -43,18 +44,6 @@ std::string readUnder(const LumXmlLimits& limits, std::istream& in, const std::s
         }
     }
     return heard.errors;
-}
-
-std::string repeat(std::string_view unit, std::size_t times) {
-    std::string text;
-    for (std::size_t i = 0; i < times; ++i) text += unit;
-    return text;
-}
-
-std::string numbered(std::string_view before, std::size_t count, std::string_view after) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) text.append(before).append(std::to_string(i)).append(after);
-    return text;
 }
 
 std::string dtd(const std::string& declarations, const std::string& content) {
@@ -102,110 +91,66 @@ std::string mebibyteIn(std::size_t bytes) {
     return deflated(text, Wrapper::GZIP, &header);
 }
 
-struct LimitCase {
-    const char* counted;
-    std::uint64_t LumXmlLimits::*limit;
-    unsigned code;
-    std::uint64_t value;
-    std::function<std::string(std::size_t size, ResourceLibrary& library)> make;
-    bool isForAnyPieces = true;
-};
+/// The pattern with what its braces tell: {2,-5:text} is a text 2 * n - 5 times.
+std::string grown(const std::string& pattern, long n) {
+    std::string grown;
+    std::size_t at = 0;
+    for (std::size_t open; (open = pattern.find('{', at)) != std::string::npos; at = pattern.find('}', open) + 1) {
+        long factor = 0, more = 0;
+        EXPECT_EQ(std::sscanf(pattern.c_str() + open, "{%ld,%ld", &factor, &more), 2);
+        const std::size_t unit = pattern.find(':', open) + 1;
+        grown += pattern.substr(at, open - at) + repeat(pattern.substr(unit, pattern.find('}', open) - unit),
+                                                        static_cast<std::size_t>(factor * n + more));
+    }
+    return grown + pattern.substr(at);
+}
+
+/// A document that reads these bytes, or is them.
+std::string inputOf(ResourceLibrary& library, const std::string& kind, const std::string& bytes) {
+    if (kind == "entity") return naming(library, bytes);
+    if (kind == "definition") return defining(library, bytes);
+    if (kind == "gzip") return naming(library, deflated(bytes, Wrapper::GZIP));
+    if (kind == "mebibyte") return naming(library, mebibyteIn(bytes.size()));
+    if (kind == "chain") return chained(library, bytes.size(), 1, '&', "x");
+    EXPECT_TRUE(kind == "document" || kind == "whole") << kind;
+    return bytes;
+}
 
 using Limits = LumXmlLimits;
-using Library = ResourceLibrary;
-const LimitCase limitCases[] = {
-    {"elements", &Limits::depth, 0x183B, 3,
-     [](std::size_t n, Library&) { return repeat("<a>", n) + repeat("</a>", n); }},
-    {"attributes", &Limits::attributes, 0x183C, 3,
-     [](std::size_t n, Library&) {
-         return "<a>" + numbered("<b c", n, "='1'/>") + "<b" + numbered(" c", n, "='1'") + "/></a>";
-     }},
-    {"attributes", &Limits::attributes, 0x183C, 3,
-     [](std::size_t n, Library&) { return "<a" + numbered("\nb", n, " = '&lt;'") + "/>"; }},
-    {"a text", &Limits::textUnits, 0x183D, 20,
-     [](std::size_t n, Library&) { return "<a>" + std::string(n, 'x') + "</a>"; }},
-    {"joined texts", &Limits::textUnits, 0x183D, 20,
-     [](std::size_t n, Library&) { return "<a>x&#65;<![CDATA[]]]>]&lt;" + std::string(n - 5, 'x') + "</a>"; }},
-    {"a section", &Limits::textUnits, 0x183D, 20,
-     [](std::size_t n, Library&) { return "<a><![CDATA[" + std::string(n, 'x') + "]]></a>"; }},
-    {"a declaration", &Limits::textUnits, 0x183D, 20,
-     [](std::size_t n, Library&) { return "<!DOCTYPE a [" + std::string(n - 5, ' ') + "]><a/>"; }},
-    {"an element's name", &Limits::nameUnits, 0x183E, 5,
-     [](std::size_t n, Library&) { return "<" + std::string(n, 'x') + "/>"; }},
-    {"a prefix", &Limits::nameUnits, 0x183E, 5,
-     [](std::size_t n, Library&) {
-         const std::string prefix(n, 'p');
-         return "<" + prefix + ":x xmlns:" + prefix + "='u'/>";
-     }},
-    {"an attribute's name", &Limits::nameUnits, 0x183E, 5,
-     [](std::size_t n, Library&) { return "<a xmlns:p='u' p:" + std::string(n, 'x') + "='1'/>"; }},
-    {"an entity's name", &Limits::nameUnits, 0x183E, 7,
-     [](std::size_t n, Library&) { return dtd("<!ENTITY " + std::string(n, 'x') + " ''>", ""); }},
-    {"a value", &Limits::valueUnits, 0x183F, 20,
-     [](std::size_t n, Library&) { return "<a><b c='1'/><b c='" + std::string(n, 'x') + "'/></a>"; }},
-    {"a value as written", &Limits::valueUnits, 0x183F, 20,
-     [](std::size_t n, Library&) { return "<a b='" + std::string(n - 5, 'x') + "&#65;'/>"; }},
-    {"a value as read", &Limits::valueUnits, 0x183F, 20,
-     [](std::size_t n, Library&) {
-         return "<!DOCTYPE a [<!ENTITY e '1234567890'>]><a b='&e;" + std::string(n - 10, 'x') + "'/>";
-     }},
-    {"an entity's value", &Limits::valueUnits, 0x183F, 20,
-     [](std::size_t n, Library&) { return dtd("<!ENTITY e '" + std::string(n, 'x') + "'>", ""); }},
-    {"replacement texts", &Limits::expansionThreshold, 0x1837, 20,
-     [](std::size_t n, Library&) { return dtd("<!ENTITY e 'x'>", repeat("&e;", n)); }},
-    {"external inputs as expansion", &Limits::expansionThreshold, 0x1837, 5000,
-     [](std::size_t n, Library& library) { return naming(library, std::string(n, 'x')); }},
-    {"a definition as expansion", &Limits::expansionThreshold, 0x1837, 5000,
-     [](std::size_t n, Library& library) { return defining(library, std::string(n, ' ')); }},
-    {"the bytes of the document", &Limits::expansionFactor, 0x1837, 3,
-     [](std::size_t n, Library&) {  // 1980 units for 660 bytes, or one byte more or less
-         const std::string document = dtd("<!ENTITY e '" + std::string(99, 'x') + "'>", repeat("&e;", 20));
-         return std::string("<?") + std::string(658 - n - document.size(), 'p') + " ?>" + document;
-     },
-     false},
-    {"inputs in inputs", &Limits::openInputs, 0x1838, 3,
-     [](std::size_t n, Library& library) { return chained(library, n, 1, '&', "x"); }},
-    {"references to external inputs", &Limits::externalInputs, 0x1840, 3,
-     [](std::size_t n, Library& library) { return naming(library, "x", n); }},
-    {"bytes of an entity", &Limits::externalBytes, 0x1841, 5,
-     [](std::size_t n, Library& library) { return naming(library, std::string(n, 'x')); }},
-    {"bytes of a definition", &Limits::externalBytes, 0x1841, 5,
-     [](std::size_t n, Library& library) { return defining(library, std::string(n, ' ')); }},
-    {"inflated bytes", &Limits::inflatedBytes, 0x1842, 100,
-     [](std::size_t n, Library& library) { return naming(library, deflated(std::string(n, 'x'), Wrapper::GZIP)); }},
-    {"inflated bytes of a byte", &Limits::inflationRatio, 0x1843, 128,
-     [](std::size_t n, Library& library) { return naming(library, mebibyteIn(8192 + 128 - n)); }},
-    {"bytes", &Limits::totalBytes, 0x1844, 64,
-     [](std::size_t n, Library&) { return "<a>" + std::string(n - 7, 'x') + "</a>"; }},
-    {"bytes before they are converted", &Limits::totalBytes, 0x1844, 64,
-     [](std::size_t n, Library&) {
-         return "<?xml version='1.0' encoding='koi8-r'?><a>" + std::string(n - 46, '\xC1') + "</a>";
-     }},
-    {"time", &Limits::timeMs, 0x1845, 60000, [](std::size_t, Library&) { return "<a/>"; }},
-    {"names of elements", &Limits::names, 0x1846, 5,
-     [](std::size_t n, Library&) { return "<a>" + numbered("<b", n - 1, "/>") + "</a>"; }},
-    {"prefixes and local names", &Limits::names, 0x1846, 6,
-     [](std::size_t n, Library&) { return "<a xmlns:p='u'>" + numbered("<p:b", n - 4, "/>") + "</a>"; }},
-    {"namespaces", &Limits::names, 0x1846, 6,
-     [](std::size_t n, Library&) { return "<a>" + numbered("<b xmlns='u", n - 3, "'/>") + "</a>"; }},
-};
+const std::map<std::string, std::uint64_t Limits::*> limitsByName = {
+    {"depth", &Limits::depth},
+    {"attributes", &Limits::attributes},
+    {"textUnits", &Limits::textUnits},
+    {"nameUnits", &Limits::nameUnits},
+    {"valueUnits", &Limits::valueUnits},
+    {"expansionFactor", &Limits::expansionFactor},
+    {"expansionThreshold", &Limits::expansionThreshold},
+    {"openInputs", &Limits::openInputs},
+    {"externalInputs", &Limits::externalInputs},
+    {"externalBytes", &Limits::externalBytes},
+    {"inflatedBytes", &Limits::inflatedBytes},
+    {"inflationRatio", &Limits::inflationRatio},
+    {"totalBytes", &Limits::totalBytes},
+    {"timeMs", &Limits::timeMs},
+    {"names", &Limits::names}};
 
 TEST(LumXmlParserLimits, holdExactlyWhereTheyAreSet) {
     ResourceLibrary library;
-    for (const LimitCase& row : limitCases) {
+    library.add("x", "x");
+    for (const std::vector<std::string>& row : readEscapedRows("xml/limits.txt", 6)) {
+        const std::string &name = row[1], &code = row[2], &kind = row[4];
+        const int value = std::stoi(row[3]);
         for (const int more : {-1, 0, 1}) {
-            SCOPED_TRACE(std::string(row.counted) + " " + std::to_string(row.code) + ", " + std::to_string(more));
+            SCOPED_TRACE(row[0] + " " + name + ", " + std::to_string(more));
             LumXmlLimits limits;
-            if (row.limit == &Limits::expansionThreshold) limits.expansionFactor = 0;
-            if (row.limit == &Limits::expansionFactor) limits.expansionThreshold = 0;
-            const bool isTime = row.limit == &Limits::timeMs;
-            limits.*row.limit = isTime && more > 0 ? 0 : row.value;
+            if (name == "expansionThreshold") limits.expansionFactor = 0;
+            if (name == "expansionFactor") limits.expansionThreshold = 0;
+            limits.*limitsByName.at(name) = name == "timeMs" && more > 0 ? 0 : static_cast<std::uint64_t>(value);
             std::string told;
             for (const std::size_t pieceBytes : {wholeInput, std::size_t{1}, std::size_t{3}}) {
-                if (pieceBytes != wholeInput && (!row.isForAnyPieces || isTime)) continue;
+                if (pieceBytes != wholeInput && kind == "whole") continue;
                 for (const bool accepts : {false, true}) {
-                    const std::string document =
-                        row.make(static_cast<std::size_t>(row.value) + static_cast<std::size_t>(more), library);
+                    const std::string document = inputOf(library, kind, grown(row[5], value + more));
                     PieceStream in(document, pieceBytes);
                     std::string now = readUnder(limits, in, library.getBase(), accepts);
                     now = std::regex_replace(now, std::regex("/f[0-9]+'"), "'");
@@ -213,7 +158,7 @@ TEST(LumXmlParserLimits, holdExactlyWhereTheyAreSet) {
                     EXPECT_EQ(now, told) << "in pieces of " << pieceBytes << " or with a listener";
                 }
             }
-            const std::string place = more > 0 ? hexadecimal(row.code) + " .*Line \\d+, Col \\d+\\." : "";
+            const std::string place = more > 0 ? code + " .*Line \\d+, Col \\d+\\." : "";
             EXPECT_TRUE(std::regex_match(told, std::regex(place))) << told;
         }
     }
