@@ -4,35 +4,20 @@
 
 #include <atomic>
 #include <chrono>
-#include <thread>
+#include <future>
 
 namespace {
 
 using namespace LumCommon;
 
-/// Whether another thread gets `lock` while this thread waits a moment. The thread is joined by the destructor, once
-/// the lock is free.
-class Taker {
-public:
-    explicit Taker(LumLock& lock)
-        : thread_([this, &lock] {
-              const LumMutex guard(&lock);
-              hasLock_ = true;
-          }) {}
-    ~Taker() { thread_.join(); }
-    bool hasLockAfter(std::chrono::milliseconds wait) const {
-        const auto end = std::chrono::steady_clock::now() + wait;
-        while (!hasLock_ && std::chrono::steady_clock::now() < end) std::this_thread::yield();
-        return hasLock_;
-    }
-
-private:
-    std::atomic<bool> hasLock_{false};
-    std::thread thread_;
-};
+/// Takes the lock on another thread. What is returned is ready when it has been taken, and destroyed only then.
+std::future<void> take(LumLock& lock) {
+    return std::async(std::launch::async, [&lock] { const LumMutex guard(&lock); });
+}
 
 constexpr std::chrono::milliseconds tooShortToMatter{50};
 constexpr std::chrono::milliseconds longEnough{20000};
+constexpr auto isTaken = std::future_status::ready;
 
 TEST(LumMutex, onlyTheGuardThatTookTheLockReleasesIt) {
     LumLock lock;
@@ -45,13 +30,13 @@ TEST(LumMutex, onlyTheGuardThatTookTheLockReleasesIt) {
         inner.unlock();
         const LumMutex innermost(&lock);
     }
-    const Taker first(lock);
-    EXPECT_FALSE(first.hasLockAfter(tooShortToMatter)) << "an inner or a stale guard released the lock";
+    const auto first = take(lock);
+    EXPECT_NE(first.wait_for(tooShortToMatter), isTaken) << "an inner or a stale guard released the lock";
     holder.unlock();
-    EXPECT_TRUE(first.hasLockAfter(longEnough)) << "the holder kept the lock";
+    EXPECT_EQ(first.wait_for(longEnough), isTaken) << "the holder kept the lock";
     outer.lock();
-    const Taker second(lock);
-    EXPECT_FALSE(second.hasLockAfter(tooShortToMatter)) << "lock() took nothing";
+    const auto second = take(lock);
+    EXPECT_NE(second.wait_for(tooShortToMatter), isTaken) << "lock() took nothing";
     outer.unlock();
 }
 

@@ -6,6 +6,7 @@
 #include <lumcommon/core/LumMessage.h>
 #include <lumcommon/core/LumUUID.h>
 #include <support/DataRows.h>
+#include <support/ExpectError.h>
 #include <support/Utf8.h>
 
 #include <array>
@@ -22,32 +23,22 @@ using LumTest::utf8;
 
 int integerOf(const UnicodeString& field, int base = 10) { return std::stoi(utf8(field), nullptr, base); }
 
-/// The message of an error whose other fields are as they must be.
-std::string messageOf(const LumError& error, int code, const char* source) {
-    EXPECT_EQ(error.code, code);
-    EXPECT_EQ(utf8(error.source), source);
-    EXPECT_TRUE(error.line == -1 && error.column == -1 && error.location.isEmpty());
-    EXPECT_EQ(error.getMessage(), error.message);
-    return utf8(error.message);
-}
-
-std::string libraryError(const Fields& fields) {
-    const int code = integerOf(fields[0], 16);
+/// What is thrown for the code in the first field and the other texts.
+template <class Code, class... Text>
+std::string thrown(LumCommonErrorSource source, const UnicodeString& code, const Text&... texts) {
     try {
-        throwCommonError(static_cast<LumErrorCodeLumLIB>(code), LumCommonErrorSource::NodeAppendChild, fields[1],
-                         fields[2]);
+        throwCommonError(static_cast<Code>(integerOf(code, 16)), source, texts...);
     } catch (const LumError& error) {
-        return messageOf(error, code, "LumCommon::LumNode::appendChild");
+        return LumTest::describe(error);
     }
 }
 
-std::string fileError(const Fields& fields) {
-    const int code = integerOf(fields[0], 16);
-    try {
-        throwCommonError(static_cast<LumErrorCodeIO>(code), LumCommonErrorSource::TempFile, u"f");
-    } catch (const LumError& error) {
-        return messageOf(error, code, "LumCommon::LumTempFile");
-    }
+std::string libraryError(const Fields& f) {
+    return thrown<LumErrorCodeLumLIB>(LumCommonErrorSource::NodeAppendChild, f[0], f[1], f[2]);
+}
+
+std::string fileError(const Fields& f) {
+    return thrown<LumErrorCodeIO>(LumCommonErrorSource::TempFile, f[0], UnicodeString(u"f"));
 }
 
 std::string source(const Fields& fields) {
@@ -84,9 +75,8 @@ TEST(CoreTexts, areWhatTheFileSays) {
 }
 
 TEST(LumError, wrapsStandardExceptions) {
-    EXPECT_EQ(messageOf(LumError(std::bad_alloc(), u"LumCommon::X::load"), 0x801, "LumCommon::X::load"),
-              "Out of memory.");
-    EXPECT_EQ(messageOf(LumError(std::runtime_error("disk gone"), u""), 0x802, ""), "C++ exception: disk gone");
+    EXPECT_EQ(LumTest::describe(LumError(std::bad_alloc(), u"X::load")), "801 Out of memory. in X::load");
+    EXPECT_EQ(LumTest::describe(LumError(std::runtime_error("gone"), u"")), "802 C++ exception: gone in ");
 }
 
 TEST(LumError, appendMessageStartsALineOnlyAfterText) {
