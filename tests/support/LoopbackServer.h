@@ -3,11 +3,10 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <mutex>
@@ -32,26 +31,27 @@ public:
     /// @param request  all that the client sent, up to the empty line.
     using Answerer = std::function<Answer(const std::string& request)>;
 
-    /// @param requestLimitBytes  after so many bytes the server answers without waiting for the rest of the request.
-    explicit LoopbackServer(Answerer answerer, std::size_t requestLimitBytes = std::string::npos)
-        : answerer_(std::move(answerer)), requestLimitBytes_(requestLimitBytes) {
-        listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        port_ = bindToFreePort(listener_);
+    explicit LoopbackServer(Answerer answerer)
+        : answerer_(std::move(answerer)), listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        address_.sin_family = AF_INET;
+        address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t sizeBytes = sizeof address_;
+        auto* const generic = reinterpret_cast<sockaddr*>(&address_);
+        EXPECT_EQ(bind(listener_, generic, sizeof address_), 0);
+        EXPECT_EQ(getsockname(listener_, generic, &sizeBytes), 0);
         EXPECT_EQ(listen(listener_, 64), 0);
-        EXPECT_EQ(pipe(stop_), 0);
         thread_ = std::thread([this] { serve(); });
     }
     LoopbackServer(const LoopbackServer&) = delete;
     LoopbackServer& operator=(const LoopbackServer&) = delete;
     ~LoopbackServer() {
-        close(stop_[1]);  // the thread sees the end of the pipe
+        shutdown(listener_, SHUT_RDWR);  // ends the wait for a client
         thread_.join();
-        close(stop_[0]);
         close(listener_);
     }
 
-    int getPort() const { return port_; }
-    std::string authority() const { return "127.0.0.1:" + std::to_string(port_); }
+    int getPort() const { return ntohs(address_.sin_port); }
+    std::string authority() const { return "127.0.0.1:" + std::to_string(getPort()); }
     std::string url(const std::string& path) const { return "http://" + authority() + path; }
     /// The requests that were answered so far.
     std::vector<std::string> getRequests() const {
@@ -59,38 +59,10 @@ public:
         return requests_;
     }
 
-    static sockaddr_in loopback(int port) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(static_cast<unsigned short>(port));
-        return address;
-    }
-    static int bindToFreePort(int socket) {
-        sockaddr_in address = loopback(0);
-        socklen_t sizeBytes = sizeof address;
-        auto* const generic = reinterpret_cast<sockaddr*>(&address);
-        EXPECT_EQ(bind(socket, generic, sizeof address), 0);
-        EXPECT_EQ(getsockname(socket, generic, &sizeBytes), 0);
-        return ntohs(address.sin_port);
-    }
-
 private:
-    /// Waits for the socket, with -1 without a limit; false when the server is to stop or the time is over.
-    bool waitFor(int socket, int milliseconds = 10000) const {
-        pollfd entries[2] = {{socket, POLLIN, 0}, {stop_[0], POLLIN, 0}};
-        int count;
-        do {
-            count = poll(entries, 2, milliseconds);
-        } while (count < 0 && errno == EINTR);
-        return count > 0 && entries[1].revents == 0;
-    }
-
     void serve() {
         std::vector<int> keptOpen;
-        while (waitFor(listener_, -1)) {
-            const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-            if (client == -1) continue;
+        for (int client; (client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC)) != -1;) {
             if (answer(client)) {
                 keptOpen.push_back(client);
             } else {
@@ -102,14 +74,11 @@ private:
 
     /// True when the connection is to be kept open.
     bool answer(int client) {
+        const timeval limit{10, 0};
+        setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         std::string request;
-        std::size_t searched = 0;
-        while (request.size() < requestLimitBytes_ && request.find("\r\n\r\n", searched) == std::string::npos &&
-               waitFor(client)) {
-            searched = request.size() < 3 ? 0 : request.size() - 3;
-            char room[4096];
-            const ssize_t size = recv(client, room, sizeof room, 0);
-            if (size <= 0) break;
+        char room[4096];
+        for (ssize_t size; !request.ends_with("\r\n\r\n") && (size = recv(client, room, sizeof room, 0)) > 0;) {
             request.append(room, static_cast<std::size_t>(size));
         }
         {
@@ -129,29 +98,14 @@ private:
     }
 
     Answerer answerer_;
-    std::size_t requestLimitBytes_;
-    int listener_ = -1;
-    int stop_[2] = {-1, -1};
-    int port_ = 0;
+    int listener_;
+    sockaddr_in address_{};
     mutable std::mutex mutex_;
     std::vector<std::string> requests_;
     std::thread thread_;
 };
 
-/// A port of 127.0.0.1 that nobody listens on, held for as long as this lives.
-class ClosedPort {
-public:
-    ClosedPort()
-        : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)), port_(LoopbackServer::bindToFreePort(socket_)) {}
-    ClosedPort(const ClosedPort&) = delete;
-    ClosedPort& operator=(const ClosedPort&) = delete;
-    ~ClosedPort() { close(socket_); }
-
-    std::string authority() const { return "127.0.0.1:" + std::to_string(port_); }
-
-private:
-    int socket_;
-    int port_;
-};
+/// A port of 127.0.0.1 that nobody listens on.
+inline const std::string closedPort = "127.0.0.1:1";
 
 }  // namespace LumTest
