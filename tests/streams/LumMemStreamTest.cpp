@@ -5,11 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "support/PieceStream.h"
 
@@ -18,10 +15,6 @@ using LumCommon::LumMemStreamBuf;
 using LumTest::PieceStream;
 
 namespace {
-
-constexpr auto in = std::ios_base::in;
-constexpr auto out = std::ios_base::out;
-constexpr auto cur = std::ios_base::cur;
 
 std::string contentOf(LumMemStreamBuf& buffer) {
     std::string content;
