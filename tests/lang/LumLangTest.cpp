@@ -93,27 +93,15 @@ TEST(LumScript, namesEveryCodeOfIcu) {
 }
 
 TEST(LumScript, everyCharacterHasIcusScriptButForOurBlocks) {
-    struct Range {
-        UChar32 first, last;
-        LumScript script;
-    };
-    // A block counts as a whole, with what Unicode has not assigned or calls common or inherited; its digits, which
-    // several scripts use, are ICU's matter. The signs of Latin-1 stand in Latin text.
-    constexpr Range ours[] = {
-        {0x00A2, 0x00A5, LumScript::LATIN},      {0x00A7, 0x00AA, LumScript::LATIN},
-        {0x00AE, 0x00AF, LumScript::LATIN},      {0x00B4, 0x00B5, LumScript::LATIN},
-        {0x00B8, 0x00B8, LumScript::LATIN},      {0x00BA, 0x00BA, LumScript::LATIN},
-        {0x0590, 0x05FF, LumScript::HEBREW},     {0x0600, 0x065F, LumScript::ARABIC},
-        {0x066A, 0x06EF, LumScript::ARABIC},     {0x06FA, 0x06FF, LumScript::ARABIC},
-        {0x0900, 0x097F, LumScript::DEVANAGARI},
-    };
+    std::map<UChar32, int> ours;
+    for (const Fields& row : LumTest::readTextRows("lang/blocks.txt")) {
+        const UChar32 last = std::stoi(utf8(row.at(1)), nullptr, 16);
+        for (UChar32 c = std::stoi(utf8(row[0]), nullptr, 16); c <= last; ++c) ours[c] = LumScript(row[2]).getCode();
+    }
     for (UChar32 c = 0; c <= 0x10FFFF; ++c) {
         UErrorCode error = U_ZERO_ERROR;
-        int expected = uscript_getScript(c, &error);
-        for (const Range& range : ours) {
-            if (c >= range.first && c <= range.last) expected = range.script;
-        }
-        ASSERT_EQ(LumScript::getScript(c), expected) << std::hex << c;
+        ASSERT_EQ(LumScript::getScript(c), ours.contains(c) ? ours.at(c) : uscript_getScript(c, &error))
+            << std::hex << c;
     }
     for (const UChar32 c : {-1, INT32_MIN, 0x110000, INT32_MAX})
         EXPECT_EQ(LumScript::getScript(c), LumScript::UNKNOWN) << c;

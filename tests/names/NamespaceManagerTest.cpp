@@ -14,14 +14,11 @@ LumName name(unsigned id) { return static_cast<LumNameEnum>(id); }
 const LumName none;
 
 /// The rules word for word: every look-up walks the scopes outwards.
-class NaiveManager {
-public:
+struct NaiveManager {
     struct Scope {
         std::map<LumName, LumName> declared;
         LumName prefix, localName, uri;
     };
-
-    NaiveManager() { scopes.push_back({{{NAME_xml, NAME_NS_XML}, {NAME_xmlns, NAME_NS_XMLNS}}, {}, {}, {}}); }
 
     LumName lookupNamespace(LumName prefix) const {
         for (auto scope = scopes.rbegin(); scope != scopes.rend(); ++scope) {
@@ -48,19 +45,12 @@ public:
         }
         return none;
     }
-    template <class Test>
-    bool hasScope(Test test) const {
-        return std::ranges::any_of(scopes, test);
-    }
-    void add(LumName prefix, LumName uri) {
-        if (lookupNamespace(prefix) != uri) scopes.back().declared[prefix] = uri;
-    }
     static void remove(Scope& scope, LumName prefix, LumName uri) {
         const auto entry = scope.declared.find(prefix);
         if (entry != scope.declared.end() && entry->second == uri) scope.declared.erase(entry);
     }
 
-    std::vector<Scope> scopes;
+    std::vector<Scope> scopes = {{{{NAME_xml, NAME_NS_XML}, {NAME_xmlns, NAME_NS_XMLNS}}, {}, {}, {}}};
 };
 
 constexpr unsigned prefixCount = 5, uriCount = 5;  // both with the null name; few, so that bindings meet
@@ -104,11 +94,12 @@ void expectSameAnswers(const NamespaceManager& manager, const NaiveManager& naiv
         const LumName prefix = prefixNumber(i);
         SCOPED_TRACE(i);
         ASSERT_EQ(manager.lookupNamespace(prefix).getEnum(), naive.lookupNamespace(prefix).getEnum());
-        ASSERT_EQ(manager.hasNamespace(prefix),
-                  naive.hasScope([&](const auto& scope) { return scope.declared.contains(prefix); }));
-        ASSERT_EQ(manager.hasTagName(prefix, name(i)), naive.hasScope([&](const auto& scope) {
-            return scope.prefix == prefix && scope.localName == name(i);
-        }));
+        ASSERT_EQ(manager.hasNamespace(prefix), std::ranges::any_of(naive.scopes, [&](const auto& scope) {
+                      return scope.declared.contains(prefix);
+                  }));
+        ASSERT_EQ(manager.hasTagName(prefix, name(i)), std::ranges::any_of(naive.scopes, [&](const auto& scope) {
+                      return scope.prefix == prefix && scope.localName == name(i);
+                  }));
     }
     for (unsigned i = 0; i < uriCount; ++i) {
         const LumName uri = uriNumber(i);
@@ -145,14 +136,12 @@ TEST(NamespaceManager, answersAsTheRulesDoAfterAnyOperations) {
                 ASSERT_EQ(manager.popScope(), naive.scopes.size() > 1);
                 if (naive.scopes.size() > 1) naive.scopes.pop_back();
             } else if (operation < 7) {
-                const LumName localName = name(below(prefixCount));
-                manager.setElement(prefix, localName, uri);
-                naive.scopes.back().prefix = prefix;
-                naive.scopes.back().localName = localName;
-                naive.scopes.back().uri = uri;
+                NaiveManager::Scope& scope = naive.scopes.back();
+                scope = {std::move(scope.declared), prefix, name(below(prefixCount)), uri};
+                manager.setElement(prefix, scope.localName, uri);
             } else if (operation < 10) {
                 manager.addNamespace(prefix, uri);
-                naive.add(prefix, uri);
+                if (naive.lookupNamespace(prefix) != uri) naive.scopes.back().declared[prefix] = uri;
             } else if (operation < 12) {
                 manager.removeNamespace(prefix, uri);
                 naive.remove(naive.scopes.back(), prefix, uri);

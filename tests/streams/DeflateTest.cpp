@@ -182,23 +182,6 @@ TEST(LumGzipOStreamBuf, writesWhatZlibReads) {
     }
 }
 
-TEST(LumGzipOStreamBuf, aFlushCompletesTheMember) {
-    std::ostringstream target;
-    LumGzipOStreamBuf buffer(target);
-    std::ostream out(&buffer);
-    out << "abc" << std::flush;
-    EXPECT_TRUE(out.good());
-    EXPECT_FALSE(buffer.is_open());
-    const std::string complete = target.str();
-    EXPECT_EQ(readGzip(complete), "abc");
-    out << std::flush;
-    EXPECT_TRUE(out.good()) << "a second flush, with nothing to do, fails";
-    out << "def";
-    EXPECT_TRUE(out.bad()) << "bytes vanish without a word";
-    EXPECT_EQ(buffer.encodeBuffer(Z_FINISH), -1);
-    EXPECT_EQ(target.str(), complete);
-}
-
 TEST(LumGzipOStreamBuf, tellsThatItsTargetFails) {
     LumGzipOStreamBuf missing(UnicodeString(u"no/such/folder/out.gz"));
     EXPECT_FALSE(missing.is_open());
