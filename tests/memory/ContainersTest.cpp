@@ -1,30 +1,14 @@
 // What containers/ does when memory runs out.
 
 #include <containers/OleBytes.h>
-#include <lumcommon/containers/LumOleStreamBuf.h>
-#include <lumcommon/containers/LumZipFile.h>
-#include <lumcommon/containers/OleCompFile.h>
-#include <lumcommon/containers/OleStream.h>
-#include <lumcommon/containers/office/OlePropertySet.h>
-#include <lumcommon/containers/office/OleSummaryInformation.h>
-#include <lumcommon/streams/JZIOobj.h>
-#include <lumcommon/streams/LumStrStream.h>
-#include <lumcommon/values/LumValue.h>
 #include <support/FailingMemory.h>
-#include <support/Utf8.h>
-
-#include <fstream>
-#include <memory>
 
 namespace {
 
 using namespace LumCommon;
 using LumTest::contentOrFailure;
+using LumTest::insist;
 using LumTest::utf8;
-
-void insist(bool isDone) {
-    if (!isDone) throw std::bad_alloc();
-}
 
 std::string tell(LumZipFile& zip) {
     std::string told;
@@ -82,6 +66,7 @@ const OleDirPath workbook({"workBOOK"});
 
 /// Opened with memory enough: a file, or a compound file in memory with a stream of a hundred sectors.
 struct Opened {
+    const std::string path;
     LumTest::OleImage image{{{.name = u"Workbook", .data = std::string(100 * 512, 'w')}}};
     LumStrStream bytes{image.bytes.data(), image.bytes.size(), false};
     JZStreamIOobj io{&bytes};
@@ -89,64 +74,53 @@ struct Opened {
     OleCompFile ole;
     std::unique_ptr<OleStream> stream;
 
-    explicit Opened(const std::string& path) {
+    explicit Opened(const char* file) : path(file ? LUM_TEST_DATA + std::string(file) : "") {
         zip.open(path.c_str());
         static_cast<void>(path.empty() ? ole.OLEopen(&io) : ole.OLEopen(path.c_str()));
         stream.reset(ole.OLEopenStream(&workbook));
     }
 };
 
-struct Row {
-    const char* fault;
-    const char* file;
-    std::string (*operation)(Opened& opened, const std::string& path);
-};
-const Row rows[] = {
-    {"an archive opens shorter", "containers/infozip-streamed.zip",
-     [](Opened&, const std::string& path) {
-         LumZipFile zip(path.c_str());
+const LumTest::MemoryRow<Opened> rows[] = {
+    {"an archive opens shorter",
+     [](Opened& opened) {
+         LumZipFile zip(opened.path.c_str());
          return tell(zip);
-     }},
-    {"an archive is no archive, or shorter where its directory is needed", "office/streamed-java.xlsx",
-     [](Opened&, const std::string& path) {
-         insist(LumZipFile::isZipFile(path.c_str()));
-         auto in = std::make_unique<std::ifstream>(path, std::ios_base::binary);
+     },
+     "/containers/infozip-streamed.zip"},
+    {"an archive is no archive, or shorter where its directory is needed",
+     [](Opened& opened) {
+         insist(LumZipFile::isZipFile(opened.path.c_str()));
+         auto in = std::make_unique<std::ifstream>(opened.path, std::ios_base::binary);
          insist(in->is_open());
          LumZipFile zip;
          zip.open(in.release(), true);
          return tell(zip);
-     }},
-    {"a member stays empty after a failure", "containers/infozip.zip",
-     [](Opened& opened, const std::string&) { return tell(opened.zip); }},
-    {"a part of a package is not found", "office/latin.docx",
-     [](Opened& opened, const std::string&) { return tellPackage(opened.zip); }},
-    {"a kind of document is another", "office/cyrillic.xlsx",
-     [](Opened&, const std::string& path) {
-         const int kind = LumZipFile::detectOOXDocument(path.c_str());
+     },
+     "/office/streamed-java.xlsx"},
+    {"a member stays empty after a failure", [](Opened& opened) { return tell(opened.zip); },
+     "/containers/infozip.zip"},
+    {"a part of a package is not found", [](Opened& opened) { return tellPackage(opened.zip); }, "/office/latin.docx"},
+    {"a kind of document is another",
+     [](Opened& opened) {
+         const int kind = LumZipFile::detectOOXDocument(opened.path.c_str());
          std::ifstream compound(LUM_TEST_DATA "/office/latin.xls", std::ios_base::binary);
          insist(compound.is_open());
          return std::to_string(kind) + std::to_string(OleCompFile::detectOLEDocument(compound));
-     }},
-    {"a compound file or a stream in it is not found", "office/cyrillic.xls",
-     [](Opened&, const std::string& path) {
+     },
+     "/office/cyrillic.xlsx"},
+    {"a compound file or a stream in it is not found",
+     [](Opened& opened) {
          OleCompFile file;
-         insist(file.OLEopen(path.c_str()));
+         insist(file.OLEopen(opened.path.c_str()));
          const std::unique_ptr<OleStream> stream(file.OLEopenStream(&workbook));
          return std::to_string(file.getDocumentKind()) + tell(*stream);
-     }},
-    {"a stream ends where its chain found no memory", "",
-     [](Opened& opened, const std::string&) { return tell(*opened.stream); }},
-    {"a property is absent", "office/cyrillic.xls",
-     [](Opened& opened, const std::string&) { return tellProperties(opened.ole); }},
+     },
+     "/office/cyrillic.xls"},
+    {"a stream ends where its chain found no memory", [](Opened& opened) { return tell(*opened.stream); }},
+    {"a property is absent", [](Opened& opened) { return tellProperties(opened.ole); }, "/office/cyrillic.xls"},
 };
 
-TEST(ContainersMemory, failsAloud) {
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const std::string path = *row.file ? LUM_TEST_DATA "/" + std::string(row.file) : "";
-        const auto make = [&] { return std::make_unique<Opened>(path); };
-        LumTest::forEveryFailure(make, [&](std::unique_ptr<Opened>& opened) { return row.operation(*opened, path); });
-    }
-}
+TEST(ContainersMemory, failsAloud) { LumTest::forEveryFailure(rows); }
 
 }  // namespace

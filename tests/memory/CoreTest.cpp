@@ -1,11 +1,7 @@
 // What core/ does when memory runs out.
 
-#include <lumcommon/core/LumCStr.h>
-#include <lumcommon/core/LumError.h>
-#include <lumcommon/core/LumMessage.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <support/FailingMemory.h>
-#include <support/Utf8.h>
 
 namespace {
 
@@ -17,22 +13,18 @@ const UnicodeString longText(u"a text that does not fit into the string object i
 /// A copy of it needs memory.
 UnicodeString borrowed() { return UnicodeString(false, longText.getBuffer(), longText.length()); }
 
-struct Row {
-    const char* fault;
-    std::string (*operation)();
-};
-const Row rows[] = {
+const LumTest::MemoryRow<> rows[] = {
     {"a part of the message is lost",
-     [] {
+     [](auto&) {
          LumError error(1, borrowed(), borrowed(), 1, 2, borrowed());
          error.appendMessage(borrowed());
          error.setMessage(error.getMessage());
          return utf8(error.getMessage()) + utf8(error.source);
      }},
     {"the exception's text is lost",
-     [] { return utf8(LumError(std::runtime_error(std::string(100, 'x')), borrowed()).getMessage()); }},
+     [](auto&) { return utf8(LumError(std::runtime_error(std::string(100, 'x')), borrowed()).getMessage()); }},
     {"the error lacks its argument",
-     [] {
+     [](auto&) {
          try {
              throwCommonError(LumErrorCodeIO::CannotOpen, LumCommonErrorSource::TempFile, longText);
          } catch (const LumError& error) {
@@ -41,20 +33,16 @@ const Row rows[] = {
          }
      }},
     {"the message is empty, as that of a malformed pattern",
-     [] { return utf8(LumMessage(u"It's {1} and {0}", borrowed(), longText)); }},
+     [](auto&) { return utf8(LumMessage(u"It's {1} and {0}", borrowed(), longText)); }},
     {"the copy in another charset is empty or short",
-     [] {
+     [](auto&) {
          LumCStr text(borrowed());
          return text.getMBString("windows-1252") + text.getMBString();
      }},
-    {"the path is empty", [] { return utf8(detail::fromPlatformText(detail::toPlatformPath(longText)->c_str())); }},
+    {"the path is empty",
+     [](auto&) { return utf8(detail::fromPlatformText(detail::toPlatformPath(longText)->c_str())); }},
 };
 
-TEST(CoreMemory, failsAloud) {
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        LumTest::forEveryFailure(row.operation);
-    }
-}
+TEST(CoreMemory, failsAloud) { LumTest::forEveryFailure(rows); }
 
 }  // namespace

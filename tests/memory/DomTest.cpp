@@ -1,24 +1,10 @@
 // What dom/ does when memory runs out.
 
-#include <lumcommon/core/LumError.h>
-#include <lumcommon/dom/AttrNodeMap.h>
-#include <lumcommon/dom/LumAttr.h>
-#include <lumcommon/dom/LumDocument.h>
-#include <lumcommon/dom/LumElement.h>
-#include <lumcommon/dom/LumTextNode.h>
 #include <lumcommon/dom/detail/Utf8Text.h>
-#include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/names/LumXmlUtil.h>
-#include <lumcommon/values/LumColor.h>
-#include <lumcommon/values/LumNamedValueMap.h>
-#include <lumcommon/xml/LumXmlParser.h>
 #include <support/FailingMemory.h>
 #include <support/TempFolder.h>
-#include <support/Utf8.h>
 
 #include <dirent.h>
-
-#include <sstream>
 
 namespace {
 

@@ -1,13 +1,6 @@
 // What format/ does when memory runs out.
 
-#include <lumcommon/format/Kansuji.h>
-#include <lumcommon/format/LumUtil.h>
-#include <lumcommon/format/XlsFormat.h>
-#include <lumcommon/format/XlsFormatString.h>
 #include <support/FailingMemory.h>
-#include <support/Utf8.h>
-
-#include <sstream>
 
 namespace {
 
@@ -19,9 +12,9 @@ const UnicodeString longText =
     u"words 'and more' words than the string object has room for, and 12345678901234567890123"_text;
 
 TEST(FormatMemory, failsAloud) {
-    const LumTest::MemoryRow rows[] = {
+    const LumTest::MemoryRow<> rows[] = {
         {"the number lacks its prefix, its suffix or its groups",
-         [] {
+         [](auto&) {
              return utf8(LumUtil::formatNumber(1234567,
                                                u"a prefix that the string object has no room for 1 and the suffix"_text,
                                                u","_text, 3)) +
@@ -33,7 +26,7 @@ TEST(FormatMemory, failsAloud) {
                     utf8(LumUtil::makeGrouping(u"12345678901234567890"_text, u"::"_text, 2));
          }},
         {"the quoted or encoded text is cut",
-         [] {
+         [](auto&) {
              const UnicodeString quoted = LumUtil::quoteString(u"a \"text\" of many words and of\n two lines"_text,
                                                                LumUtil::QUOTE_DOUBLE | LumUtil::QUOTE_CSS);
              const UnicodeString doubled =
@@ -49,13 +42,13 @@ TEST(FormatMemory, failsAloud) {
                     utf8(LumUtil::unquoteUri(u"url('http://host/a/long/p%61th')"_text)) + utf8(uri);
          }},
         {"the kanji are cut",
-         [] {
+         [](auto&) {
              return utf8(Kansuji().convert(longText, Kansuji::STYLE_READABLE)) +
                     utf8(LumUtil::convertKansuji(1234567890, NAME_grouping, NAME_kanji, longText, {})) +
                     utf8(XlsFormatString::sethanzenNumS(longText, 1));
          }},
         {"the code of a cell lacks a section or a literal",
-         [] {
+         [](auto&) {
              const XlsFormat format(
                  u"[Red][>=100]\"a literal of more words than the string has room for \"0.00;[$-411]ggge;"
                  u"[DBNum1]# ?/?\" and another one\";@\" a text that comes after the text \""_text);

@@ -1,9 +1,6 @@
 // What lang/ does when memory runs out.
 
-#include <lumcommon/lang/LumLang.h>
-#include <lumcommon/lang/LumScript.h>
 #include <support/FailingMemory.h>
-#include <support/Utf8.h>
 
 namespace {
 
@@ -12,9 +9,9 @@ using LumTest::utf8;
 using LumTest::operator""_text;
 
 TEST(LangMemory, failsAloud) {
-    const LumTest::MemoryRow rows[] = {
+    const LumTest::MemoryRow<> rows[] = {
         {"the language is empty, or its copy has no name",
-         [] {
+         [](auto&) {
              const UnicodeString tag =
                  u"fre-CA-variant1-variant2-variant3@collation=phonebook;currency=EUR;numbers=latn"_text;
              const LumLang lang(tag), copy(lang);
@@ -30,7 +27,7 @@ TEST(LangMemory, failsAloud) {
                     LumLang(u"ger"_text, u"CH").getName() + LumLang("zh-Hant-TW").getName();
          }},
         {"the script is unknown",
-         [] {
+         [](auto&) {
              std::string told;
              for (const UnicodeString& text :
                   {u"Deva"_text, u"uz-AF"_text, u"a-language-that-there-is-not-and-whose-tag-is-long"_text,

@@ -1,10 +1,6 @@
 // What names/ does when memory runs out.
 
-#include <lumcommon/core/LumPtr.h>
-#include <lumcommon/names/LumNameTable.h>
-#include <lumcommon/names/NamespaceManager.h>
 #include <support/FailingMemory.h>
-#include <support/Utf8.h>
 
 namespace {
 
@@ -34,15 +30,13 @@ TEST(NamesMemory, tableFailsAloud) {
 
 // A copy of a built-in name is bogus; a generated name lacks its prefix.
 TEST(NamesMemory, stringsOfNamesFailAloud) {
-    const LumTest::MemoryRow rows[] = {
-        {"the copy is bogus, or the prefix is missing",
-         [] {
-             const UnicodeString copy = LumName(NAME_NS_XMLNS).getString();
-             const LumName made = LumName::generateID(u"a prefix that makes a name so long that it needs memory");
-             return utf8(copy) + utf8(UnicodeString(made.getString(), 0, 56));
-         }},
-    };
-    forEveryFailure(rows);
+    forEveryFailure([] { return std::make_unique<LumTest::Names>(); },
+                    [](auto&) {
+                        const UnicodeString copy = LumName(NAME_NS_XMLNS).getString();
+                        const LumName made =
+                            LumName::generateID(u"a prefix that makes a name so long that it needs memory");
+                        return utf8(copy) + utf8(UnicodeString(made.getString(), 0, 56));
+                    });
 }
 
 // A declaration is in the map and not in the answers, or only in one direction.

@@ -1,15 +1,11 @@
 // What values/ does when memory runs out.
 
-#include <lumcommon/values/LumColor.h>
-#include <lumcommon/values/LumNamedValueMap.h>
-#include <lumcommon/values/LumTokenizer.h>
-#include <lumcommon/values/LumValue.h>
 #include <support/FailingMemory.h>
-#include <support/Utf8.h>
 
 namespace {
 
 using namespace LumCommon;
+using LumTest::Fields;
 using LumTest::utf8;
 using LumTest::operator""_text;
 
@@ -19,23 +15,17 @@ std::string tell(const LumValue& value) {
     return utf8(value.toString()) + "|" + std::to_string(value.getTypeWord() & 0xFF);
 }
 
-TEST(ValuesMemory, failsAloud) {
-    const LumTest::MemoryRow rows[] = {
+TEST(ValuesMemory, valuesFailAloud) {
+    const LumTest::MemoryRow<> rows[] = {
         {"a string value is empty",
-         [] {
+         [](auto&) {
              const LumValue value(longText), copy(value);
              LumValue assigned(1);
              assigned = copy;
              return tell(assigned) + tell(value + LumValue(2)) + (value == copy ? "=" : "!");
          }},
-        {"a parsed value is another one",
-         [] {
-             return tell(LumValue::parse(u"'quoted text that is too long for the string object'"_text)) +
-                    tell(LumValue::parse(u"an-identifier-that-is-too-long-for-the-string-object"_text)) +
-                    tell(LumValue::parseNonNumeric(longText)) + tell(LumValue::parseColor(longText));
-         }},
         {"an item of a compound is lost",
-         [] {
+         [](auto&) {
              LumValue value(longText), inner(u"x"_text);
              inner.setNamedItem(LumName(u"within"_text), longText);
              value.setNamedItem(LumName(u"a-name-of-an-item-that-is-too-long-for-the-object"_text), inner);
@@ -45,45 +35,49 @@ TEST(ValuesMemory, failsAloud) {
              return tell(value) + tell(LumValue(map.get()));
          }},
         {"a colour has no name, or no space",
-         [] {
+         [](auto&) {
              const LumColor spot(LumColor(1, 2, 3), longText, 0.5f, 0.1f, 0.2f, 0.3f, 0.4f);
              const LumColor profile(spot, longText, 1, 0, 1, 0);
              const LumColor copy(profile);
              return tell(spot) + utf8(spot.toString()) + utf8(copy.toString(true)) + tell(LumValue(copy)) +
                     utf8(LumValue(spot).getColorValue().toString()) +
-                    tell(LumValue::parseColor(
-                        u"rgb-icc(1, 2, 3, #Separation, 'an ink of many long words', .5, 1, 0, 0, .1)"_text, true)) +
                     utf8(LumColor(LumValue(u"LightGoldenRodYellow"_text)).toString());
          }},
-        {"a link lacks a part",
-         [] {
-             const UnicodeString link =
-                 u"http://host/a/long/path.pdf#nameddest=a-destination-with-a-long-name&page=3&zoom=150,1,2"_text;
-             return tell(LumValue::parsePDFOpenParameters(link)) + tell(LumValue::parseXlinkHref(link)) +
-                    tell(LumValue::parseInternalDestination(u" a destination of several words # page=2 "_text, 0)) +
-                    tell(LumValue::parseInternalDestination(u"#view=fith,100&viewrect=1,2,3,4&nameddest=x"_text, 0)) +
-                    tell(LumValue::parseDestinationType(u"xyz-left-top 150% 1cm 2.5in"_text)) +
-                    tell(LumValue::parseExcelOpenParameters(u"a.xls#sheet=3&chart=4"_text)) +
-                    tell(LumValue::parseUriFragmentParameters(
-                        u"http://host/a/long/path#A%20Long%20Key%20With%20Escapes=and a value%21"_text, true));
-         }},
-        {"a token is cut",
-         [] {
-             LumTokenizer tokens(
-                 u"name 'a quoted text that is long enough to need memory' f(a long group (of) parentheses, 1) "
-                 u"url('http://host/a/long/path/of/a/file') rgb(1,2,3) -1.5e2 12suffix-that-is-no-unit-at-all-x"_text);
+    };
+    LumTest::forEveryFailure(rows);
+}
+
+TEST(ValuesMemory, readingsFailAloud) {
+    const LumTest::Operations operations = {
+        {"parse", [](const Fields& given) { return tell(LumValue::parse(given[0])); }},
+        {"non-numeric", [](const Fields& given) { return tell(LumValue::parseNonNumeric(given[0])); }},
+        {"colour", [](const Fields& given) { return tell(LumValue::parseColor(given[0])); }},
+        {"profile", [](const Fields& given) { return tell(LumValue::parseColor(given[0], true)); }},
+        {"pdf", [](const Fields& given) { return tell(LumValue::parsePDFOpenParameters(given[0])); }},
+        {"xlink", [](const Fields& given) { return tell(LumValue::parseXlinkHref(given[0])); }},
+        {"internal", [](const Fields& given) { return tell(LumValue::parseInternalDestination(given[0], 0)); }},
+        {"destination", [](const Fields& given) { return tell(LumValue::parseDestinationType(given[0])); }},
+        {"excel", [](const Fields& given) { return tell(LumValue::parseExcelOpenParameters(given[0])); }},
+        {"fragment", [](const Fields& given) { return tell(LumValue::parseUriFragmentParameters(given[0], true)); }},
+        {"tokens",
+         [](const Fields& given) {
+             LumTokenizer tokens(given[0]);
              std::string told;
              for (;;) {
                  const LumValue value = tokens.nextTokenValueFunc();
-                 if (tokens.getKind() == LumTokenizer::TOKEN_END) break;
+                 if (tokens.getKind() == LumTokenizer::TOKEN_END) return told;
                  told += tell(value) + utf8(tokens.getText());
              }
-             LumTokenizer items(u"an item of words, 'with a quoted' part,  x\0y"_text);
+         }},
+        {"list",
+         [](const Fields& given) {
+             LumTokenizer items(given[0]);
+             std::string told;
              for (int i = 0; i < 4; ++i) told += utf8(items.nextSeparatedValue(u',')) + "/";
              return told;
          }},
     };
-    LumTest::forEveryFailure(rows);
+    LumTest::forEveryFailure("values/memory.txt", operations);
 }
 
 }  // namespace

@@ -1,16 +1,10 @@
 // What xml/ does when memory runs out.
 
-#include <lumcommon/core/LumError.h>
-#include <lumcommon/names/LumName.h>
-#include <lumcommon/xml/LumXmlParser.h>
 #include <lumcommon/xml/XmlParserFactoryImpl.h>
 #include <support/FailingMemory.h>
+#include <support/Recipe.h>
 #include <support/TempFolder.h>
-#include <support/Utf8.h>
 #include <support/XmlEvents.h>
-
-#include <memory>
-#include <sstream>
 
 namespace {
 
@@ -37,39 +31,17 @@ std::string parse(LumXmlParser& parser, const std::string& source, const Unicode
 }
 
 const std::string longWords = " and more words than the string object has room for";
-
-struct Row {
-    const char* fault;
-    std::string source;
-    const char16_t* encoding = u"";
-};
-const std::string longName(60, 'n');
-const Row rows[] = {
-    {"a name is none, or that of another",
-     "<svg><" + longName + ":a xmlns:" + longName + "='urn:" + longName + "' " + longName + ":b='1'/><chart/></svg>"},
-    {"the root has no namespace", "<chart><x xlink:href='a'/></chart>"},
-    {"a declared entity is empty", "<!DOCTYPE a [<!ENTITY e 'text" + longWords + "'><!ENTITY % p '<!ENTITY f \"&e;" +
-                                       longWords +
-                                       "\">'>%p;]>"
-                                       "<a b='&e;&f;&#233;'>&e;&f;&lt;</a>"},
-    {"a text, a comment or an instruction is cut",
-     "<a><!--" + longWords + "--><?pi " + longWords + "?><![CDATA[" + longWords + "]]>" + longWords + "&amp;</a>"},
-    {"bytes are decoded in another charset",
-     "<?xml version='1.0' encoding='windows-1251'?><a>\xC0\xC1" + longWords + "</a>"},
-    {"bytes are decoded in another charset than the one given", "<a>\x83\x41" + longWords + "</a>", u"Shift_JIS"},
-    {"the message lacks a name of a tag, or the resource", "<a><" + longName + "></b></a>"},
-    {"the message lacks a reference", "<a>&" + longName + ";</a>"},
-    {"the message lacks the digits of a reference", "<a>&#x" + std::string(60, '1') + ";</a>"},
-    {"the message lacks a declaration", "<!DOCTYPE a [<!ENTITY " + longName + " " + longName + ">]><a/>"},
-};
+const std::map<std::string, std::string> longTexts{{"words", longWords}, {"name", std::string(60, 'n')}};
 
 TEST(XmlMemory, eventsFailAloud) {
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& row : readEscapedRows("xml/memory.txt", 3)) {
+        SCOPED_TRACE(row[0]);
+        const std::string source = fillIn(row[1], longTexts);
+        const UnicodeString encoding = fromUtf8(row[2]);
         for (const Pull how : {Pull::events, Pull::tokens}) {
             forEveryFailure(makeXmlParser, [&](LumPtr<LumXmlParser>& parser) {
                 parser->setFeature(LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING, true);
-                return parse(*parser, row.source, row.encoding, how);
+                return parse(*parser, source, encoding, how);
             });
         }
     }

@@ -1,14 +1,16 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/lumcommon.h>
+#include <support/DataRows.h>
+#include <support/Utf8.h>
 
-#include <cstddef>
 #include <functional>
 #include <istream>
 #include <memory>
 #include <new>
 #include <optional>
+#include <set>
 #include <string>
 
 // What happens when memory runs out, at every place where it can. The program test_memory replaces malloc and its
@@ -37,33 +39,56 @@ void forEveryFailure(Make make, Use use) {
     MemoryLaw{[&] { object.emplace(make()); }, [&] { return use(*object); }, [&] { object.reset(); }}.hold();
 }
 
-/// The same for an operation that keeps nothing.
-template <class Operation>
-void forEveryFailure(Operation operation) {
-    MemoryLaw{[] {}, operation, [] {}}.hold();
-}
-
-struct MemoryRow {
-    const char* fault;  // what it catches
-    std::string (*operation)();
+/// What an operation that keeps nothing needs: names that it has interned are gone when it runs again.
+struct Names {
+    Names() { LumCommon::LumNameTable::addRefSharedNameTable(); }
+    ~Names() { LumCommon::LumNameTable::releaseSharedNameTable(); }
 };
 
-/// The same for each row. Names that an operation has interned are gone when it runs again.
-template <std::size_t count>
-void forEveryFailure(const MemoryRow (&rows)[count]) {
-    struct Names {
-        LumCommon::LumNameTable* table = LumCommon::LumNameTable::addRefSharedNameTable();
-        ~Names() { LumCommon::LumNameTable::releaseSharedNameTable(); }
-    };
-    for (const MemoryRow& row : rows) {
+/// A row of a table in which `Object` is what each operation uses.
+template <class Object = Names>
+struct MemoryRow {
+    const char* fault;  // what it catches
+    std::string (*operation)(Object& object);
+    const char* input = nullptr;  // the object is made of it, if there is one
+};
+
+template <class Object, std::size_t count>
+void forEveryFailure(const MemoryRow<Object> (&rows)[count]) {
+    for (const MemoryRow<Object>& row : rows) {
         SCOPED_TRACE(row.fault);
-        forEveryFailure([] { return std::make_unique<Names>(); }, [&row](auto&) { return row.operation(); });
+        const auto make = [&row] {
+            if constexpr (std::is_constructible_v<Object, const char*>)
+                return std::make_unique<Object>(row.input);
+            else
+                return std::make_unique<Object>();
+        };
+        forEveryFailure(make, [&row](auto& object) { return row.operation(*object); });
     }
+}
+
+/// The same for each row of a file: fault | operation | what is given to it ... Every operation must have a row.
+inline void forEveryFailure(const std::string& file, const Operations& operations) {
+    std::set<std::string> used;
+    for (const Fields& row : readTextRows(file)) {
+        SCOPED_TRACE(utf8(row[0]));
+        Fields given;  // copies of these need memory
+        for (std::size_t i = 2; i < row.size(); ++i) given.emplace_back(false, row[i].getBuffer(), row[i].length());
+        const auto& operation = *operations.find(utf8(row[1]));
+        used.insert(operation.first);
+        forEveryFailure([] { return std::make_unique<Names>(); }, [&](auto&) { return operation.second(given); });
+    }
+    EXPECT_EQ(used.size(), operations.size()) << "an operation without rows";
+}
+
+/// For an operation that tells by its result whether it was done.
+inline void insist(bool isDone) {
+    if (!isDone) throw std::bad_alloc();
 }
 
 /// What a stream delivers; a failure when it is null or bad.
 inline std::string contentOrFailure(std::istream* in) {
-    if (!in) throw std::bad_alloc();
+    insist(in);
     std::string content;
     do {
         const std::size_t before = content.size();
@@ -71,7 +96,7 @@ inline std::string contentOrFailure(std::istream* in) {
         in->read(content.data() + before, 512);
         content.resize(before + static_cast<std::size_t>(in->gcount()));
     } while (in->good());
-    if (in->bad()) throw std::bad_alloc();
+    insist(!in->bad());
     return content;
 }
 
