@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <map>
 #include <memory>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -51,17 +51,17 @@ struct Opened {
 };
 
 OleLayout layoutOf(const std::string& text) {
-    const auto value = [&text](const char* key, std::uint32_t otherwise) {
-        const std::size_t at = text.find(key);
-        if (at == std::string::npos) return otherwise;
-        return static_cast<std::uint32_t>(std::stoul(text.substr(at + std::strlen(key)), nullptr, 0));
-    };
-    return {.littleEndian = text.find("big") == std::string::npos,
-            .sectorShift = value("shift=", 9),
-            .miniSectorShift = value("mini=", 6),
-            .version = value("version=", 3),
-            .cutoff = value("cutoff=", 4096),
-            .leadingSectors = value("leading=", 0)};
+    const std::map<std::string, std::uint32_t OleLayout::*> fields = {
+        {"shift", &OleLayout::sectorShift},      {"mini", &OleLayout::miniSectorShift},
+        {"version", &OleLayout::version},        {"cutoff", &OleLayout::cutoff},
+        {"leading", &OleLayout::leadingSectors}, {"trailing", &OleLayout::trailingSectors}};
+    OleLayout layout{.littleEndian = !text.starts_with("big")};
+    for (const std::string& word : LumTest::splitAt(' ', text)) {
+        const std::vector<std::string> sides = LumTest::splitAt('=', word);
+        if (sides.size() > 1)
+            layout.*fields.at(sides[0]) = static_cast<std::uint32_t>(std::stoul(sides[1], nullptr, 0));
+    }
+    return layout;
 }
 
 using Streams = std::map<std::string, std::string>;
@@ -71,10 +71,9 @@ std::vector<OleNode> treeOf(const std::string& text, std::size_t& at, const std:
     std::vector<OleNode> nodes;
     while (at < text.size() && text[at] != '}') {
         const std::size_t end = text.find_first_of(":{", at);
-        const std::string name = text.substr(at, end - at);
-        const UnicodeString units = UnicodeString::fromUTF8(name);
+        const UnicodeString units = UnicodeString::fromUTF8(text.substr(at, end - at));
         const std::string path = folder + utf8(UnicodeString(units).toUpper(""));
-        nodes.push_back({.name = std::u16string(units.getBuffer(), static_cast<std::size_t>(units.length()))});
+        nodes.push_back({.name = {units.getBuffer(), static_cast<std::size_t>(units.length())}});
         at = end + 1;
         if (text[end] == '{') {
             nodes.back().type = 1;
@@ -91,29 +90,30 @@ std::vector<OleNode> treeOf(const std::string& text, std::size_t& at, const std:
 }
 
 void damage(OleImage& image, const std::string& damages) {
-    std::map<std::string, std::uint32_t> sectors = {{"directory", image.firstDirectory},
-                                                    {"minifat", image.firstMiniFat},
-                                                    {"root", image.startOf(0)},
-                                                    {"large", image.startOf(2)}};
-    const auto sectorOf = [&sectors](const std::string& text) -> std::uint32_t {
-        const std::size_t end = text.find('+');
-        const bool isNamed = sectors.contains(text.substr(0, end));
-        const std::string number = !isNamed ? text : end == std::string::npos ? "0" : text.substr(end + 1);
-        return (isNamed ? sectors[text.substr(0, end)] : 0) +
-               static_cast<std::uint32_t>(std::stoul(number, nullptr, 0));
+    const std::map<std::string, std::uint32_t> sectors = {{"directory", image.firstDirectory},
+                                                          {"minifat", image.firstMiniFat},
+                                                          {"difat", image.firstDifat},
+                                                          {"root", image.startOf(0)},
+                                                          {"large", image.startOf(2)}};
+    const auto numberOf = [&sectors](const std::string& sum) {
+        std::uint32_t number = 0;
+        for (const std::string& term : LumTest::splitAt('+', sum)) {
+            const auto named = sectors.find(term);
+            number += named != sectors.end() ? named->second : static_cast<std::uint32_t>(std::stoul(term, nullptr, 0));
+        }
+        return number;
     };
+    const std::regex form(R"((?:(\w+)\((.+)\))?(.*)=([^:]+):?(.*))");  // table, place in it, offset, value, its width
     for (const std::string& change : LumTest::splitAt(' ', damages)) {
-        const std::vector<std::string> sides = LumTest::splitAt('=', change);
-        const std::vector<std::string> value = LumTest::splitAt(':', sides.at(1));
-        const std::size_t open = sides[0].find('('), close = sides[0].find(')');
-        std::size_t offset = std::stoul(
-            open == std::string::npos ? sides[0] : "0" + sides[0].substr(std::min(close + 2, sides[0].size())));
-        const std::uint32_t inside =
-            open == std::string::npos ? 0 : sectorOf(sides[0].substr(open + 1, close - open - 1));
-        if (sides[0].starts_with("fat(")) offset += image.fatOffset(inside);
-        if (sides[0].starts_with("minifat(")) offset += image.miniFatOffset(inside);
-        if (sides[0].starts_with("entry(")) offset += image.entryOffset(inside);
-        image.set(offset, sectorOf(value[0]), value.size() > 1 ? static_cast<unsigned>(std::stoul(value[1])) : 4);
+        std::smatch parts;
+        ASSERT_TRUE(std::regex_match(change, parts, form)) << change;
+        const std::uint32_t place = numberOf(parts[2]);
+        std::size_t offset = numberOf(parts[3]);
+        if (parts[1] == "fat") offset += image.fatOffset(place);
+        if (parts[1] == "minifat") offset += image.miniFatOffset(place);
+        if (parts[1] == "entry") offset += image.entryOffset(place);
+        if (parts[1] == "sector") offset += image.sectorOffset(place);
+        image.set(offset, numberOf(parts[4]), parts[5].length() != 0 ? numberOf(parts[5]) : 4);
     }
 }
 
@@ -132,12 +132,12 @@ TEST(OleCompFile, readsWhatTheRowsSay) {
         const bool isClosed = row[4].starts_with("closed");
         EXPECT_EQ(opened.isOpen, !isClosed);
         EXPECT_TRUE(isClosed || opened.file.isLittleEndian() == layout.littleEndian);
+        EXPECT_EQ(opened.index({"none"}), -1);
         for (const std::string& difference : LumTest::splitAt(',', row[4])) {
             const std::string name = difference.substr(0, difference.find('='));
             const std::string value = difference.substr(std::min(name.size() + 1, difference.size()));
-            if (name == "closed") {
-                EXPECT_FALSE(opened.isOpen);
-            } else if (name == "kind") {
+            if (name == "closed") continue;
+            if (name == "kind") {
                 std::istringstream in(image.bytes);
                 EXPECT_EQ(OleCompFile::detectOLEDocument(in), std::stoi(value));
                 in.clear();
@@ -215,20 +215,7 @@ TEST(OleCompFile, opensFilesAndRefusesWhatIsNone) {
     EXPECT_EQ(OleCompFile::detectOLEDocument(none), 0);
 }
 
-TEST(OleCompFile, survivesTreesAndTablesThatLoop) {
-    const OleImage image({{u"small", "x"}, {u"large", "x"}, {u"b", "x"}, {u"c", "x"}, {u"d", "y"}});
-    for (const unsigned link : {68u, 72u, 76u}) {  // left, right, child
-        for (const std::uint32_t to : {0u, 3u, 1000u, 0x80000000u}) {
-            OleImage changed = image;
-            for (std::uint32_t i = 0; i < 6; ++i) changed.set(image.entryOffset(i) + link, to);
-            EXPECT_EQ(Opened(changed).index({"none"}), -1);
-        }
-    }
-    OleImage loops({{u"last", patternBytes(5000)}}, {.sectorShift = 7, .trailingSectors = 12000});
-    ASSERT_GT(loops.difatSectors, 4u);
-    loops.set(44, 0xFFFFFFFF).set(loops.sectorOffset(loops.firstDifat + 1) - 4, loops.firstDifat);
-    EXPECT_TRUE(Opened(loops).read({"last"}) == patternBytes(5000)) << "its chain is in the first FAT sectors";
-
+TEST(OleCompFile, readsASectorOfTheFatOnce) {
     OleImage repeats({{u"last", patternBytes(5000)}}, {.sectorShift = 12, .trailingSectors = 5});
     repeats.set(44, 109 + 5 * 1023).set(68, repeats.firstTrailing);
     for (std::uint32_t i = 0; i < 109; ++i) repeats.set(76 + 4 * i, repeats.firstFat);

@@ -7,15 +7,17 @@
 #include <cstdlib>
 #include <new>
 
-// Counts every allocation of the process: those of C++ and those that ICU makes for its strings. One source of a
-// program includes this file.
+// Counts every allocation of the process, those of C++ and those that ICU makes for its strings, and keeps the largest
+// size. One source of a program includes this file.
 
 namespace LumTest {
 
 inline std::atomic<std::size_t> allocations{0};
+inline std::atomic<std::size_t> largestAllocation{0};
 
 inline void* countedAllocate(std::size_t bytes) {
     allocations.fetch_add(1, std::memory_order_relaxed);
+    if (bytes > largestAllocation) largestAllocation = bytes;
     return std::malloc(bytes == 0 ? 1 : bytes);
 }
 
