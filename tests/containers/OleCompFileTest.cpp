@@ -98,6 +98,7 @@ void damage(OleImage& image, const std::string& damages) {
     const auto numberOf = [&sectors](const std::string& sum) {
         std::uint32_t number = 0;
         for (const std::string& term : LumTest::splitAt('+', sum)) {
+            if (term.empty()) continue;
             const auto named = sectors.find(term);
             number += named != sectors.end() ? named->second : static_cast<std::uint32_t>(std::stoul(term, nullptr, 0));
         }

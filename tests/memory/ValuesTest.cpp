@@ -77,7 +77,7 @@ TEST(ValuesMemory, readingsFailAloud) {
              return told;
          }},
     };
-    LumTest::forEveryFailure("values/memory.txt", operations);
+    LumTest::forEveryFailureOfRows("values/memory.txt", operations);
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ void forEveryFailure(const MemoryRow<Object> (&rows)[count]) {
 }
 
 /// The same for each row of a file: fault | operation | what is given to it ... Every operation must have a row.
-inline void forEveryFailure(const std::string& file, const Operations& operations) {
+inline void forEveryFailureOfRows(const std::string& file, const Operations& operations) {
     std::set<std::string> used;
     for (const Fields& row : readTextRows(file)) {
         SCOPED_TRACE(utf8(row[0]));

@@ -62,7 +62,8 @@ public:
 private:
     void serve() {
         std::vector<int> keptOpen;
-        for (int client; (client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC)) != -1;) {
+        const auto accept = [this] { return accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC); };
+        for (int client; (client = static_cast<int>(TEMP_FAILURE_RETRY(accept()))) != -1;) {
             if (answer(client)) {
                 keptOpen.push_back(client);
             } else {
@@ -78,7 +79,8 @@ private:
         setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         std::string request;
         char room[4096];
-        for (ssize_t size; !request.ends_with("\r\n\r\n") && (size = recv(client, room, sizeof room, 0)) > 0;) {
+        const auto receive = [&] { return recv(client, room, sizeof room, 0); };
+        for (ssize_t size; !request.ends_with("\r\n\r\n") && (size = TEMP_FAILURE_RETRY(receive())) > 0;) {
             request.append(room, static_cast<std::size_t>(size));
         }
         {
