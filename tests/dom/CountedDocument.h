@@ -84,4 +84,15 @@ private:
     NodeCounter& counter_;
 };
 
+/// A text that does something while it is written.
+class ActingText : public LumTextNode {
+public:
+    ActingText(LumDocument* document, const std::function<void()>& act)
+        : LumTextNode(document, UnicodeString()), act_(act) {}
+    UnicodeString getText() const override { return act_(), u"t"; }
+
+private:
+    const std::function<void()>& act_;
+};
+
 }  // namespace LumTest

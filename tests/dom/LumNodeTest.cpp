@@ -27,47 +27,38 @@ std::string told(const std::vector<LumValue>& values) {
     return texts;
 }
 
-/// The labels of a list, which is the same walked forwards and backwards and by index.
-std::string show(const LumNodeList& list) {
-    std::string labels;
-    std::vector<LumNode*> nodes, reversed;
+/// The nodes of a list or a map, which is the same walked forwards and backwards and by index.
+template <class Nodes>
+std::vector<LumNode*> nodesOf(const Nodes& list) {
+    std::vector<LumNode*> nodes, following, reversed;
     for (LumNodeIterator i = list.getIterator(); i.getCurrentNode(); i.nextNode()) nodes.push_back(i.getCurrentNode());
+    for (LumNode* n = list.getFirstNode(); n; n = list.getNextNode(n)) following.push_back(n);
     for (LumNode* n = list.getLastNode(); n; n = list.getPreviousNode(n)) reversed.insert(reversed.begin(), n);
     EXPECT_EQ(nodes, reversed);
+    EXPECT_EQ(nodes, following);
     const int count = static_cast<int>(nodes.size());
     EXPECT_EQ(list.getCount(), count);
     EXPECT_EQ(list.item(-1), nullptr);
     EXPECT_EQ(list.item(count), nullptr);
-    const LumNode* next = list.getFirstNode();
-    for (int i = 0; i < count; ++i, next = list.getNextNode(next)) {
-        EXPECT_EQ(list.item(i), nodes[static_cast<std::size_t>(i)]);
-        EXPECT_EQ(next, nodes[static_cast<std::size_t>(i)]);
-        labels += (i ? " " : "") + label(next);
-    }
-    EXPECT_EQ(next, nullptr);
+    for (int i = 0; i < count; ++i) EXPECT_EQ(list.item(i), nodes[static_cast<std::size_t>(i)]);
+    return nodes;
+}
+
+std::string show(const LumNodeList& list) {
+    std::string labels;
+    for (const LumNode* node : nodesOf(list)) labels += (labels.empty() ? "" : " ") + label(node);
     return labels;
 }
 
-/// The attributes in order, read forwards; the walk backwards and by index must agree.
 std::string attributes(const LumNode& element) {
-    const LumNamedNodeMap& map = *element.getAttributes();
     std::string texts;
-    int index = 0;
-    const LumNode* previous = nullptr;
-    for (const LumNode* attr = map.getFirstNode(); attr; attr = map.getNextNode(attr)) {
-        EXPECT_EQ(map.item(index++), attr);
-        EXPECT_EQ(map.getPreviousNode(attr), previous);
+    for (const LumNode* attr : nodesOf(*element.getAttributes())) {
         EXPECT_EQ(static_cast<const LumAttr*>(attr)->getOwnerElement(), &element);
         EXPECT_EQ(attr->getParentNode(), nullptr);
         EXPECT_EQ(attr->getNextSibling(), nullptr);
-        previous = attr;
-        texts += (index > 1 ? " " : "") + utf8(attr->getNodeName().getString()) + "=" + utf8(attr->getText());
+        texts += (texts.empty() ? "" : " ") + utf8(attr->getNodeName().getString()) + "=" + utf8(attr->getText());
     }
-    EXPECT_EQ(map.getLastNode(), previous);
-    EXPECT_EQ(map.getCount(), index);
-    EXPECT_EQ(map.item(index), nullptr);
-    EXPECT_EQ(map.item(-1), nullptr);
-    EXPECT_EQ(element.hasAttributes(), index > 0);
+    EXPECT_EQ(element.hasAttributes(), !texts.empty());
     return texts;
 }
 
@@ -276,6 +267,10 @@ private:
         if (question == "set") element.setAttribute(named(2), LumValue(textAt(3)));
         if (question == "setCmyk") element.setAttribute(named(2), LumValue(LumColor(lime, 0.0f, 1.0f, 0.5f, 0.0f)));
         if (question == "setSpot") element.setAttribute(named(2), LumValue(LumColor(lime, u"Gold", 0.5f)));
+        if (question == "setRead")  // null where there is nothing to read
+            element.setAttribute(named(2), LumTokenizer(textAt(3)).nextTokenValueFunc());
+        if (question == "setObject")
+            element.setAttribute(named(2), LumValue(static_cast<LumRCObject*>(document_.get())));
         if (question == "parse") element.setAttribute(named(2), LumValue::parse(textAt(3)));
         if (question == "parsePart") {
             LumValue value = element.getAttribute(named(2));

@@ -10,35 +10,27 @@
 namespace LumTest {
 namespace {
 
-/// Names outlive the parsers that met them while some document lives.
-class LumXmlUtilTest : public testing::Test {
-protected:
-    const LumPtr<LumDocument> keepsNames{new LumDocument};
-};
-
-TEST_F(LumXmlUtilTest, tellsTheRootOfStreamsAndFiles) {
+TEST(LumXmlUtil, tellsTheRootOfStreamsAndFiles) {
+    const LumPtr<LumDocument> keepsNames(new LumDocument);  // they outlive the parsers that met them while it lives
     const TempFolder folder;
     const UnicodeString uri = text(folder.getPath() + "a root.xml");
     for (const std::vector<std::string>& row : readEscapedRows("dom/roots.txt", 5)) {
         SCOPED_TRACE(row[4]);
         writeFile(utf8(uri), row[0]);
-        for (const bool isFile : {false, true}) {
-            std::istringstream in(row[0]), again(row[0]);
+        for (int way = 0; way < 4; ++way) {
+            std::istringstream in(row[0]);
             LumName localName(NAME_block);
-            LumName namespaceUri =
-                isFile ? LumXmlUtil::getRootName(localName, uri) : LumXmlUtil::getRootName(localName, in);
-            EXPECT_EQ(utf8(namespaceUri.getString()), row[1]);
-            EXPECT_EQ(utf8(localName.getString()), row[2]);
-            localName = NAME_block;
-            namespaceUri = isFile ? LumXmlUtil::getXSLStylesheetNamespace(localName, uri)
-                                  : LumXmlUtil::getXSLStylesheetNamespace(localName, again);
-            EXPECT_EQ(utf8(namespaceUri.getString()), row[3]);
-            EXPECT_EQ(utf8(localName.getString()), row[2]);
+            const LumName namespaceUri = way == 0   ? LumXmlUtil::getRootName(localName, uri)
+                                         : way == 1 ? LumXmlUtil::getRootName(localName, in)
+                                         : way == 2 ? LumXmlUtil::getXSLStylesheetNamespace(localName, uri)
+                                                    : LumXmlUtil::getXSLStylesheetNamespace(localName, in);
+            EXPECT_EQ(utf8(namespaceUri.getString()), row[way < 2 ? 1 : 3]) << way;
+            EXPECT_EQ(utf8(localName.getString()), row[2]) << way;
         }
     }
 }
 
-TEST_F(LumXmlUtilTest, passesErrorsOn) {
+TEST(LumXmlUtil, passesErrorsOn) {
     LumName localName(NAME_block);
     std::istringstream empty;
     expectError(0x1004, "Unexpected end of input stream.", "LumCommon::XmlParserImpl::checkStream",

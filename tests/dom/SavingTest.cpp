@@ -2,8 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <functional>
-
 #include "dom/CountedDocument.h"
 #include "support/ExpectError.h"
 #include "support/FaultyCalls.h"
@@ -149,17 +147,6 @@ TEST_F(SavingTest, aReplacedFileKeepsItsRightsAndLinksAndStaysWhereItCannotBeRep
     document->saveReplacing(u"/dev/null");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null")) << "a device is replaced";
 }
-
-/// A text that does something while it is written.
-class ActingText : public LumTextNode {
-public:
-    ActingText(LumDocument* document, const std::function<void()>& act)
-        : LumTextNode(document, UnicodeString()), act_(act) {}
-    UnicodeString getText() const override { return act_(), u"t"; }
-
-private:
-    const std::function<void()>& act_;
-};
 
 TEST_F(SavingTest, whatVanishesMeanwhileIsToldOrMadeAgain) {
     document->loadXml(u"<n/>");

@@ -238,32 +238,25 @@ TEST_F(XmlSerializerTest, looksAtTheOutputBeforeItWrites) {
 }
 
 /// Takes a number of bytes, then fails in one of three ways.
-class FailingBuffer : public std::streambuf {
-public:
-    enum class Way { Refuses, Throws, FailsToSync };
-    FailingBuffer(Way way, std::size_t room) : way_(way), room_(room) {}
-    std::string taken;
-
-protected:
+struct FailingBuffer : std::streambuf {
+    enum Way { REFUSES, THROWS, FAILS_TO_SYNC };
+    FailingBuffer(Way fault, std::size_t bytes) : way(fault), room(bytes) {}
     int_type overflow(int_type c) override {
-        if (way_ != Way::FailsToSync && taken.size() >= room_) {
-            if (way_ == Way::Throws) throw std::runtime_error("full");
-            return traits_type::eof();
-        }
+        if (way == THROWS && taken.size() >= room) throw std::runtime_error("full");
+        if (way == REFUSES && taken.size() >= room) return traits_type::eof();
         taken += traits_type::to_char_type(c);
         return c;
     }
-    int sync() override { return way_ == Way::FailsToSync ? -1 : 0; }
-
-private:
-    Way way_;
-    std::size_t room_;
+    int sync() override { return way == FAILS_TO_SYNC ? -1 : 0; }
+    const Way way;
+    const std::size_t room;
+    std::string taken;
 };
 
 TEST_F(XmlSerializerTest, reportsAWriteThatFailsAndTakesTheNextOutput) {
-    for (const auto way : {FailingBuffer::Way::Refuses, FailingBuffer::Way::Throws, FailingBuffer::Way::FailsToSync}) {
+    for (const auto way : {FailingBuffer::REFUSES, FailingBuffer::THROWS, FailingBuffer::FAILS_TO_SYNC}) {
         for (const bool streamThrows : {false, true}) {
-            SCOPED_TRACE(testing::Message() << static_cast<int>(way) << streamThrows);
+            SCOPED_TRACE(testing::Message() << way << streamThrows);
             {
                 FailingBuffer buffer(way, 30);
                 std::ostream failing(&buffer);
@@ -287,7 +280,7 @@ TEST_F(XmlSerializerTest, reportsAWriteThatFailsAndTakesTheNextOutput) {
     document->getSerializer()->setGenerator({});
     document->save(out, nullptr, {});
     const std::string whole = written();
-    for (const auto way : {FailingBuffer::Way::Refuses, FailingBuffer::Way::Throws}) {
+    for (const auto way : {FailingBuffer::REFUSES, FailingBuffer::THROWS}) {
         for (std::size_t room = 0; room < whole.size(); ++room) {
             FailingBuffer buffer(way, room);
             std::ostream failing(&buffer);
@@ -295,7 +288,9 @@ TEST_F(XmlSerializerTest, reportsAWriteThatFailsAndTakesTheNextOutput) {
             EXPECT_EQ(buffer.taken, whole.substr(0, room));
         }
     }
-    FailingBuffer buffer(FailingBuffer::Way::FailsToSync, 0);
+    document->save(out, nullptr, {});
+    EXPECT_EQ(written(), whole) << "a failed output harms more than its own saving";
+    FailingBuffer buffer(FailingBuffer::FAILS_TO_SYNC, 0);
     std::ostream failing(&buffer);
     serializer->setOutput(failing, {});
     serializer->startDocument({}, {});
