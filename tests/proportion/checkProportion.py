@@ -1,16 +1,16 @@
 #!/usr/bin/env python3
-"""Fails when the tests outgrow the code: more than 36 lines of tests to 100 lines of code.
+"""Fails when the tests outgrow the code: more than 33 lines of tests to 100 lines of code.
 
 Tests that catch faults are few and share tables; a suite that grows with every change is not read any more. A quarter to
-a third is asked for, the rest is room for a change under way. Counted are lines that are neither blank nor comment: in
-tests the C++ files, in lumcommon/ and tools/lum/ the C++ files without those that hold tables. Data files do not count.
+a third is asked for. Counted are lines that are neither blank nor comment: in tests the C++ files, in lumcommon/ and
+tools/lum/ the C++ files without those that hold tables. Data files do not count.
 """
 import pathlib
 import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-MOST_PERCENT = 36
+MOST_PERCENT = 33
 NOT_CODE = re.compile(r"\s*(//.*)?$")
 
 

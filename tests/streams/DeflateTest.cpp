@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <lumcommon/lumcommon.h>
 
-#include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -20,8 +19,6 @@ using namespace LumCommon;
 using namespace LumTest;
 
 namespace {
-
-std::string readAll(std::streambuf& buffer) { return {std::istreambuf_iterator<char>(&buffer), {}}; }
 
 std::string readGzip(const std::string& data, std::size_t pieceBytes = wholeInput) {
     PieceStream source(data, pieceBytes);

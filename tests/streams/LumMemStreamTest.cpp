@@ -13,14 +13,9 @@
 using LumCommon::LumMemStream;
 using LumCommon::LumMemStreamBuf;
 using LumTest::PieceStream;
+using LumTest::readAll;
 
 namespace {
-
-std::string contentOf(LumMemStreamBuf& buffer) {
-    std::string content;
-    buffer.appendToString(content);
-    return content;
-}
 
 TEST(LumMemStreamBuf, readsASourceOnlyWhenItsBytesAreNeeded) {
     PieceStream first("0123456789");
@@ -31,7 +26,7 @@ TEST(LumMemStreamBuf, readsASourceOnlyWhenItsBytesAreNeeded) {
     EXPECT_EQ(first.getBuffer().getDeliveredBytes(), 0u) << "construction reads";
     EXPECT_EQ(buffer.sbumpc(), '0');
     EXPECT_EQ(second.getBuffer().getDeliveredBytes(), 0u) << "the second is read before the first has ended";
-    EXPECT_EQ(contentOf(buffer), "0123456789abc");
+    EXPECT_EQ(readAll(buffer), "123456789abc");
 }
 
 TEST(LumMemStreamBuf, searchesHostileTextInOnePass) {
@@ -53,7 +48,7 @@ TEST(LumMemStreamBuf, aSourceThatFailsHasEnded) {
         PieceStream next("next");
         LumMemStreamBuf buffer(failing.release(), 4, true);
         buffer.setSource(&next, false);
-        EXPECT_EQ(contentOf(buffer), "0123next") << "what came with the failure is not known to be right";
+        EXPECT_EQ(readAll(buffer), "0123next") << "what came with the failure is not known to be right";
     }
 }
 
@@ -64,7 +59,7 @@ TEST(LumMemStream, copyDoesNotDisturbTheOriginal) {
     original >> all;  // meets the end
     ASSERT_TRUE(original.eof() && !original.fail());
     LumMemStream copy(original);
-    EXPECT_EQ(contentOf(*copy.rdbuf()), "abcdef");
+    EXPECT_EQ(readAll(*copy.seekg(0).rdbuf()), "abcdef");
     EXPECT_FALSE(original.fail()) << "asking for its position has made the original fail";
 
     original.setstate(std::ios_base::failbit);

@@ -217,9 +217,7 @@ TEST(LumStrStream, copiesOnlyWhenAsked) {
         LumStrStream stream(bytes->data(), 3, copy);
         (*bytes)[1] = 'X';
         if (copy) bytes.reset();
-        std::ostringstream all;
-        all << stream.rdbuf();
-        EXPECT_EQ(all.str(), copy ? "abc" : "aXc");
+        EXPECT_EQ(LumTest::readAll(*stream.rdbuf()), copy ? "abc" : "aXc");
     }
     LumStrStream stream(nullptr, 0, true);
     EXPECT_EQ(stream.get(), EOF);

@@ -70,6 +70,8 @@ inline double numberOf(const icu::UnicodeString& field) {
     return number / divisor;
 }
 
+inline int integerOf(const icu::UnicodeString& field) { return static_cast<int>(numberOf(field)); }
+
 /// With 15 digits, in any locale.
 inline std::string printed(double number) {
     char text[32];

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstring>
 #include <istream>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -62,5 +63,7 @@ private:
     std::string bytes_;
     PieceBuffer buffer_;
 };
+
+inline std::string readAll(std::streambuf& buffer) { return {std::istreambuf_iterator<char>(&buffer), {}}; }
 
 }  // namespace LumTest
