@@ -4,6 +4,8 @@
 A C++ block is a whole program of examples/, which are all built, so that it compiles as it stands: the line before it
 says `<!-- from examples/first.cpp first -->`, and the block must equal what stands between two lines `// [first]` there.
 Outside of these the file may only have comments. A path in backquotes that begins with a folder of this tree must exist.
+So must a test that is named, as `Suite.test` or `check_function` of `tests/tool/...`, and each row of a table of attacks
+must name one.
 """
 import pathlib
 import re
@@ -12,6 +14,12 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BLOCK = re.compile(r"(?:<!-- from (\S+) (\S+) -->\n)?```cpp\n(.*?)```", re.DOTALL)
 PATH = re.compile(r"`((?:lumcommon|tests|fuzz|bench|examples|tools|scripts|docs|cmake)/[^`\s*<>]*)`")
+TEST = re.compile(r"`([A-Z]\w+\.(?!md`)[a-z]\w+)`")
+CHECK = re.compile(r"`(check_\w+)` of\s+`(tests/tool/\w+\.py)`")
+ATTACKS = re.compile(r"^\| attack \|.*\n\|-.*\n((?:\|.*\n)+)", re.MULTILINE)
+TEST_HEAD = re.compile(r"^TEST(?:_[FP])?\((\w+), (\w+)\)", re.MULTILINE)
+TESTS = {".".join(head) for file in (ROOT / "tests").glob("*/*.cpp")
+         for head in TEST_HEAD.findall(file.read_text(encoding="utf-8"))}
 
 
 def marked(text, marker):
@@ -41,6 +49,16 @@ def faults(name, text):
     for path in PATH.findall(text):
         if not (ROOT / path).exists():
             yield f"{name}: there is no {path}"
+    for test in TEST.findall(text):
+        if test not in TESTS:
+            yield f"{name}: there is no test {test}"
+    for function, path in CHECK.findall(text):
+        if (ROOT / path).exists() and f"\ndef {function}(" not in (ROOT / path).read_text(encoding="utf-8"):
+            yield f"{name}: there is no {function} in {path}"
+    for table in ATTACKS.findall(text):
+        for row in table.splitlines():
+            if not re.search(r"\| (`[A-Z]\w+\.\w+`(, )?)+ \|$", row) and not CHECK.search(row):
+                yield f"{name}: a row without a test: {row}"
 
 
 def check_the_check():
@@ -53,6 +71,9 @@ def check_the_check():
             continue
         raise AssertionError("a piece of a program passes")
     assert list(faults("x", "see `docs/absent.md`")), "a lost file passes"
+    assert list(faults("x", "`LargeTree.absent`")), "a lost test passes"
+    assert list(faults("x", "`check_absent` of `tests/tool/lum_test.py`")), "a lost check passes"
+    assert list(faults("x", "| attack | test |\n|---|---|\n| a | |\n")), "a row without a test passes"
 
 
 def main():
