@@ -2,15 +2,12 @@
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/lang/LumLang.h>
 
-#include <unicode/uloc.h>
-
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <cstring>
 #include <iterator>
 #include <new>
 #include <string>
+#include <vector>
 
 namespace LumCommon {
 
@@ -39,19 +36,14 @@ const Code* findCode(std::u16string_view code) {
 
 std::string toLocaleId(const UnicodeString& tag) { return detail::utf8Of(ISO639Bibliographic::get(tag)); }
 
-/// Whether ICU can parse the identifier; if so, a locale that is bogus nevertheless has found no memory.
-bool isReadable(const std::string& id) {
-    std::array<char, ULOC_FULLNAME_CAPACITY + 1> name{};
-    UErrorCode error = U_ZERO_ERROR;
-    uloc_getName(id.c_str(), name.data(), ULOC_FULLNAME_CAPACITY, &error);
-    if (U_FAILURE(error) && error != U_BUFFER_OVERFLOW_ERROR) return error == U_MEMORY_ALLOCATION_ERROR;
-    return std::strcspn(name.data(), "_@.") < ULOC_LANG_CAPACITY;
-}
-
 icu::Locale makeLocale(const std::string& language, const std::string& country = {}) {
-    icu::Locale locale(language.c_str(), country.empty() ? nullptr : country.c_str());
-    if (locale.isBogus() && isReadable(country.empty() ? language : language + '_' + country)) throw std::bad_alloc();
-    return locale;
+    const auto make = [&] { return icu::Locale(language.c_str(), country.empty() ? nullptr : country.c_str()); };
+    icu::Locale locale = make();
+    if (!locale.isBogus()) return locale;
+    // ICU does not tell an identifier without sense from one that it has found no memory for. A second try does, once
+    // there is memory.
+    const std::vector<char> needed(4096 + 8 * (language.size() + country.size()));
+    return make();
 }
 
 }  // namespace
