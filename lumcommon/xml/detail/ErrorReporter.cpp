@@ -17,7 +17,7 @@ constexpr char16_t errorSource[] = u"LumCommon::XmlParserImpl";
 void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const UnicodeString& b) {
     UnicodeString message = makeXmlErrorMessage(code, a, b);
     if (listener_) {
-        tellListener(LumError(code, message, errorSource, -1, -1, UnicodeString()));
+        tellListener(LumError(heardCode(code), message, errorSource, -1, -1, UnicodeString()));
         return;
     }
     if (isDropped()) throw Dropped();
@@ -26,7 +26,7 @@ void ErrorReporter::report(XmlError::Code code, const UnicodeString& a, const Un
 
 void ErrorReporter::raise(XmlError::Code code, UnicodeString message) const {
     append(append(message, u'\n'), describePosition());
-    throw LumError(static_cast<std::uint16_t>(code & ~0x0700), message, errorSource, -1, -1, UnicodeString());
+    throw LumError(code, message, errorSource, -1, -1, UnicodeString());
 }
 
 void ErrorReporter::raiseRefused() const {

@@ -37,6 +37,7 @@ public:
     [[noreturn]] void raiseRefused() const;
     /// Throws error 0x1006 with the position, or Dropped.
     [[noreturn]] void inputFailed() override;
+    void invalidCharacter() override { report(XmlError::InvalidChar); }
 
     /// Thrown by report() in place of an error that is dropped. It is caught where the scope was set up.
     struct Dropped {};
