@@ -71,6 +71,8 @@
 #include <lumcommon/values/LumTokenizer.h>
 #include <lumcommon/values/LumValue.h>
 #include <lumcommon/values/TransMatrix.h>
+#include <lumcommon/xml/LumXmlDeclaredAttribute.h>
+#include <lumcommon/xml/LumXmlErrorCode.h>
 #include <lumcommon/xml/LumXmlLimits.h>
 #include <lumcommon/xml/LumXmlParser.h>
 

@@ -65,7 +65,17 @@ private:
     }
 
     const Input& input_;
+
+protected:
     lum::LumPtr<lum::LumXmlParser> parser_;
+};
+
+/// The same as the standard says.
+class ConformingParse : public Parse {
+public:
+    explicit ConformingParse(const Input& input) : Parse(input) {
+        parser_->setFeature(lum::LumXmlParser::FEATURE_CONFORMING, true);
+    }
 };
 
 }  // namespace LumBench

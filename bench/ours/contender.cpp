@@ -13,6 +13,7 @@ std::vector<Entry> entries() {
     constexpr const char* label = "lumcommon";
     std::vector<Entry> all{
         {"events", label, make<EventsTrial<Parse, false>>},
+        {"events", "lumcommon conforming", make<EventsTrial<ConformingParse, false>>},
         {"events-kept", label, make<EventsTrial<Parse, true>>},
         {"tree", label, make<TreeTrial<OurTree>>},
         {"tree-own", label, make<TreeTrial<Tree<OwnDocument>>>},

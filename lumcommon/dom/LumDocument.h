@@ -96,6 +96,10 @@ public:
     /// For documents from strangers: LumXmlParser::setUntrusted() for the parser and for each that replaces it, and
     /// setLimits(LumXmlLimits::untrusted()). What is loaded by a path or URI is still opened; what it names is not.
     void setUntrusted();
+    /// LumXmlParser::FEATURE_CONFORMING for the parser and for each that replaces it: what is loaded from now on is
+    /// read as XML 1.0 and its namespaces demand, with the attributes that the document type declares. Off in a new
+    /// document.
+    void setConforming(bool isConforming);
     /// The parser, created if there is none. Borrowed.
     LumXmlParser* getParser();
     /// Replaces the parser and clears the document URI.
@@ -197,6 +201,7 @@ private:
     int skipDepth_ = 0;                                  // non-zero while an element that was not created is skipped
     bool isLoadDeferred_ = false;
     bool isUntrusted_ = false;
+    bool isConforming_ = false;
     bool isSaveChecked_ = true;
     bool isReading_ = false;
     LumLock loadLock_;

@@ -76,6 +76,7 @@ LumXmlParser* LumDocument::getParser() {
 void LumDocument::setParser(LumXmlParser* parser) {
     parser_ = parser;
     if (parser_ && isUntrusted_) parser_->setUntrusted();
+    if (parser_ && isConforming_) parser_->setFeature(LumXmlParser::FEATURE_CONFORMING, true);
     if (parser_ && limits_) parser_->setLimits(*limits_);
     documentUri_.remove();
     input_ = nullptr;
@@ -84,6 +85,11 @@ void LumDocument::setParser(LumXmlParser* parser) {
 void LumDocument::setLimits(const LumXmlLimits& limits) {
     limits_ = std::make_unique<LumXmlLimits>(limits);
     if (parser_) parser_->setLimits(limits);
+}
+
+void LumDocument::setConforming(bool isConforming) {
+    getParser()->setFeature(LumXmlParser::FEATURE_CONFORMING, isConforming);
+    isConforming_ = isConforming;
 }
 
 void LumDocument::setUntrusted() {

@@ -19,6 +19,8 @@ bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || 
 
 void LumXmlParser::setLimits(const LumXmlLimits&) {}
 
+std::vector<LumXmlDeclaredAttribute> LumXmlParser::getDeclaredAttributes(LumName, LumName) const { return {}; }
+
 LumXmlLimits LumXmlParser::getLimits() const { return {}; }
 
 UnicodeString LumXmlParser::getEventTypeStr(int eventType) {

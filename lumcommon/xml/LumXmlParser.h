@@ -2,10 +2,12 @@
 
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/names/LumName.h>
+#include <lumcommon/xml/LumXmlDeclaredAttribute.h>
 #include <lumcommon/xml/LumXmlLimits.h>
 
 #include <cstddef>
 #include <iosfwd>
+#include <vector>
 
 namespace LumCommon {
 
@@ -63,10 +65,16 @@ public:
     };
 
     /// All features are off in a new parser; other values are ignored and read as false.
-    /// With FEATURE_NO_EXTERNAL the parser reads the document that it is given and nothing else: an external entity
-    /// that is referred to, general or parameter, and the external DTD are error 0x183A, even where the process keeps
-    /// the definitions of that DTD. The built-in entities of MathML are not external. A DTD that another feature skips
-    /// or whose errors it forgives is left out without an error, as is a parameter entity whose errors are forgiven.
+    /// With FEATURE_CONFORMING, which counts from the next setInput() on, the parser is a conforming processor of
+    /// XML 1.0 (fifth edition) and Namespaces 1.0 (third edition) that does not validate and reads all external
+    /// entities and definitions: everything that is not well-formed is an error, attributes have the defaults and the
+    /// forms that the document type declares, and nothing is bound or folded that the document does not say. The events
+    /// are the same. nextToken() does not look into entities, and so finds nothing wrong in them. What the other
+    /// features forgive stays forgiven. docs/xml.md tells the difference line by line. With FEATURE_NO_EXTERNAL the
+    /// parser reads the document that it is given and nothing else: an external entity that is referred to, general or
+    /// parameter, and the external DTD are error 0x183A, even where the process keeps the definitions of that DTD. The
+    /// built-in entities of MathML are not external. A DTD that another feature skips or whose errors it forgives is
+    /// left out without an error, as is a parameter entity whose errors are forgiven.
     enum Feature : int {
         FEATURE_SKIP_EXTERNAL_DTD = 0,            ///< the external DTD is not read
         FEATURE_IGNORE_UNDEFINED_ENTITIES = 1,    ///< an undefined entity is empty text
@@ -74,6 +82,7 @@ public:
         FEATURE_IGNORE_EXTERNAL_DTD_ERRORS = 3,   ///< an error ends the external DTD; what stood before it holds
         FEATURE_IGNORE_UNSUPPORTED_ENCODING = 4,  ///< bytes in an unknown encoding are read as they are
         FEATURE_BUILTIN_ENCODINGS_ONLY = 5,       ///< any encoding but the built-in ones is an error
+        FEATURE_CONFORMING = 6,                   ///< reads XML 1.0 as the standard says, and nothing else
         FEATURE_NO_EXTERNAL = 7,                  ///< nothing that the document names is opened
     };
 
@@ -191,6 +200,10 @@ public:
     virtual void setLimits(const LumXmlLimits& limits);
     /// Those that were set, else the defaults.
     virtual LumXmlLimits getLimits() const;
+    /// The attributes that the document type declares for an element, in the order of their declarations, of which the
+    /// first for a name counts. Known with FEATURE_CONFORMING, from the DOCDECL on and until the next setInput(); empty
+    /// otherwise, and from a parser of another class.   Cost: copies them.
+    virtual std::vector<LumXmlDeclaredAttribute> getDeclaredAttributes(LumName prefix, LumName localName) const;
 };
 
 }  // namespace LumCommon

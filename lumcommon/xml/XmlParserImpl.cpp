@@ -90,6 +90,11 @@ const UnicodeString& XmlParserImpl::getAttributeValue(LumName namespaceUri, LumN
     return index < tags_.attributes().size() ? tags_.attributes().value(index) : LumBogusString::BOGUS_VALUE;
 }
 
+std::vector<LumXmlDeclaredAttribute> XmlParserImpl::getDeclaredAttributes(LumName prefix, LumName localName) const {
+    const auto* const declared = parts_.attributes.find({prefix, localName});
+    return declared ? declared->all() : std::vector<LumXmlDeclaredAttribute>();
+}
+
 LumXmlParser::EventType XmlParserImpl::startDocument() {
     parts_.event.next = TokenKind::Unknown;
     if (parts_.inputs.isOpen() && !parts_.inputs.isStarted()) parts_.start();
@@ -119,6 +124,7 @@ bool XmlParserImpl::readToken(bool isTextPending) {
                 if (readDeclaration() || isTextPending) return true;
                 break;
             case TokenKind::Reference:
+                if (getDepth() == 0 && !parts_.policy.forgivesStructure()) parts_.markup.reportTopLevel('&');
                 parts_.readReference();
                 return true;
             default:
@@ -130,6 +136,8 @@ bool XmlParserImpl::readToken(bool isTextPending) {
 bool XmlParserImpl::readDeclaration() {
     const Declaration declaration = parts_.markup.readDeclaration();
     if (declaration == Declaration::DocType) readDocType();
+    const bool isTopLevelSection = parts_.event.type == CDSECT && getDepth() == 0;
+    if (isTopLevelSection && !parts_.policy.forgivesStructure()) parts_.markup.reportTopLevel('<');
     return declaration != Declaration::Passed;
 }
 
@@ -137,10 +145,23 @@ void XmlParserImpl::readDocType() {
     parts_.event.type = DOCDECL;
     if (tags_.isRootSeen()) parts_.errors.report(XmlError::DocTypePlace);
     if (isDocTypeSeen_) parts_.errors.report(XmlError::SecondDocType);
+    if (!parts_.policy.forgivesDeclarations()) return readConformingDocType();
     const detail::ExternalId id = parts_.definitions.readDocType();
     tags_.bindDocType(id.publicId);
     if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) addExternalDtd(id.systemId);
     isDocTypeSeen_ = true;
+}
+
+void XmlParserImpl::readConformingDocType() {
+    parts_.entities.setStandalone(parts_.declarations.isStandalone());
+    isDocTypeSeen_ = true;
+    const detail::ExternalId id = parts_.docTypes.readDocType();
+    if (id.systemId.isEmpty() || !parts_.policy.readsExternalDtd()) return;
+    if (detail::ExternalDtdSource(id.systemId, getBaseUri()).isBuiltIn()) {
+        parts_.entities.addMathML();
+    } else {
+        parts_.docTypes.readExternalSubset(id.systemId);
+    }
 }
 
 void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
@@ -207,6 +228,8 @@ LumXmlParser::EventType XmlParserImpl::readEvent(bool isTextPending) {
         if (readToken(isTextPending)) return parts_.event.type;
     }
     if (getDepth() > 0 && !isCutOff_) parts_.errors.report(XmlError::MissingEndTag);
+    const bool isEmpty = !tags_.isRootSeen() && !isCutOff_ && parts_.event.type != END_DOCUMENT;
+    if (isEmpty && !parts_.policy.forgivesStructure()) parts_.errors.report(XmlError::NoDocument);
     return endDocument();
 }
 
@@ -275,6 +298,7 @@ LumXmlParser::EventType XmlParserImpl::readJoinedEvent(bool isTextPending) {
             case ENTITY_REF:
                 if (parts_.event.entityName.isNull()) break;
                 parts_.expander.expandGeneral(parts_.event.entityName);
+                tags_.enterEntity();
                 [[fallthrough]];
             default:
                 parts_.event.dropToken();

@@ -22,7 +22,7 @@ class XmlParserImpl final : public LumXmlParser {
 public:
     static constexpr unsigned int TYPE_ID = 0x5C58F35Au;
 
-    XmlParserImpl() = default;
+    XmlParserImpl() { parts_.markup.askAtEnds(tags_); }
 
     unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override { return typeId == TYPE_ID || LumXmlParser::isA(typeId); }
@@ -72,6 +72,7 @@ public:
     bool isHtmlType() const override { return streamType_.isHtml(tags_.rootName(), tags_.rootNamespace()); }
     void setLimits(const LumXmlLimits& limits) override { limits_ = limits; }
     LumXmlLimits getLimits() const override { return limits_; }
+    std::vector<LumXmlDeclaredAttribute> getDeclaredAttributes(LumName prefix, LumName localName) const override;
 
     // The current event without copies: the same answers as the accessors above give, but not checked against the
     // event.
@@ -104,12 +105,14 @@ private:
     bool readToken(bool isTextPending);  // false at the end of the input
     bool readDeclaration();              // whether there is an event to report
     void readDocType();
+    void readConformingDocType();
     void addExternalDtd(const UnicodeString& systemId);
     bool endsText(detail::TokenKind following);
 
     LumXmlLimits limits_;
     detail::ReaderParts parts_;
-    detail::TagReader tags_{parts_.event, parts_.inputs, parts_.names, parts_.literals, parts_.policy, parts_.errors};
+    detail::TagReader tags_{parts_.event,      parts_.inputs, parts_.names,  parts_.literals,
+                            parts_.attributes, parts_.meter,  parts_.policy, parts_.errors};
     detail::StreamType streamType_;
     bool isDocTypeSeen_ = false;
     bool isCutOff_ = false;  // by a limit

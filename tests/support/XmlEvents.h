@@ -4,6 +4,7 @@
 #include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <initializer_list>
@@ -120,9 +121,9 @@ struct ParserSetup {
 
 /// What a parser is told, in the words of a data file: features, and entities as name=text without a space.
 inline ParserSetup readSetup(const std::string& words) {
-    static constexpr const char* features[] = {
-        "skip-dtd", "ignore-undefined", "undeclared-prefix", "ignore-dtd-errors", "ignore-encoding", "builtin-only",
-        "(6)",      "no-external"};
+    static constexpr const char* features[] = {"skip-dtd",          "ignore-undefined", "undeclared-prefix",
+                                               "ignore-dtd-errors", "ignore-encoding",  "builtin-only",
+                                               "conforming",        "no-external"};
     ParserSetup setup;
     std::istringstream in(words);
     for (std::string word; std::getline(in, word, ' ');) {
@@ -182,6 +183,14 @@ inline std::vector<EventRecord> recordEvents(std::string_view document, Pull how
     return story.records;
 }
 
+/// With the attributes sorted, as their order tells nothing.
+inline std::string startTag(const std::string& name, std::vector<std::string>& attributes) {
+    std::sort(attributes.begin(), attributes.end());
+    std::string tag = "<" + name;
+    for (const std::string& attribute : attributes) tag += " " + attribute;
+    return tag + ">";
+}
+
 /// Tags and text as they are read, without declarations of namespaces; an error by its code:
 ///     <{uri}name {uri}attribute='value'>text</{uri}name>!1837
 inline std::string tell(std::string_view document, const ParserSetup& setup = {}, std::size_t pieceBytes = wholeInput) {
@@ -194,14 +203,14 @@ inline std::string tell(std::string_view document, const ParserSetup& setup = {}
             if (type == LumXmlParser::TEXT) told += utf8(parser->getText());
             if (type == LumXmlParser::END_TAG) told += "</" + name + ">";
             if (type != LumXmlParser::START_TAG) continue;
-            told += "<" + name;
+            std::vector<std::string> attributes;
             for (int i = 0; i < parser->getAttributeCount(); ++i) {
                 const LumName uri = parser->getAttributeNamespace(i);
                 if (uri == LumName(LumCommon::NAME_NS_XMLNS)) continue;
-                told += " " + showName(LumName(), parser->getAttributeName(i), uri) + "='" +
-                        utf8(parser->getAttributeValue(i)) + "'";
+                attributes.push_back(showName(LumName(), parser->getAttributeName(i), uri) + "='" +
+                                     utf8(parser->getAttributeValue(i)) + "'");
             }
-            told += ">";
+            told += startTag(name, attributes);
         }
     } catch (const LumError& error) {
         told += "!" + hexadecimal(static_cast<unsigned>(error.code));

@@ -141,6 +141,11 @@ def check_events():
            "\u00e9")
     undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
     expect("--feature does not reach the parser", undeclared.returncode, 0)
+    wrong, declared = b"<a><? p?></a>", b"<!DOCTYPE a [<!ATTLIST a b CDATA 'c'>]><a/>"
+    expect("--conforming does not reach the parser",
+           [run("events", *option, "-", stdin=wrong).returncode for option in ((), ("--conforming",))], [0, 1])
+    expect("--conforming does not reach the document",
+           b'<a b="c"/>' in run("save", "--conforming", "-", stdin=declared).stdout, True)
     strange = b"<!DOCTYPE a [<!ENTITY x SYSTEM '/etc/hostname'>]><a>&x;</a>"
     refused = [run(*command, "-", stdin=strange)
                for command in (["--untrusted", "events"], ["events", "--untrusted"], ["save", "--untrusted"])]
@@ -302,7 +307,7 @@ def check_failures():
         ("missing argument", ["resolve", "a"], 2, None),
         ("too many arguments", ["name", "a", "b"], 2, None),
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
-        ("feature out of range", ["events", "--feature", "6", "doc.xml"], 2, None),
+        ("feature out of range", ["events", "--feature", "8", "doc.xml"], 2, None),
         ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
         ("unknown limit", ["events", "--limit", "width=1", "doc.xml"], 2, None),
         ("limit without a value", ["save", "--limit", "depth", "doc.xml"], 2, None),

@@ -15,10 +15,10 @@ namespace {
 
 using namespace LumTest;
 
-TEST(LumXmlParserDtd, declaresWhatTheRowsTell) {
+void expectToldBy(const char* file) {
     ResourceLibrary library;
     int made = 0;
-    for (const std::vector<std::string>& row : readEscapedRows("xml/declarations.txt", 6)) {
+    for (const std::vector<std::string>& row : readEscapedRows(file, 6)) {
         const std::string &kind = row[0], &given = row[1], &content = row[2];
         SCOPED_TRACE(row[4]);
         ParserSetup setup = readSetup(row[5]);
@@ -43,6 +43,9 @@ TEST(LumXmlParserDtd, declaresWhatTheRowsTell) {
             const int opened = library.countOpened();
             expectTold(given);
             EXPECT_TRUE(kind == "document" || library.countOpened() == opened) << "a known definition is opened";
+            if (!row[5].starts_with("conforming")) continue;
+            setup.goesOn = true;
+            EXPECT_TRUE(recordEvents(given, Pull::events, setup).back().event.starts_with("END_DOCUMENT"));
         } else if (kind == "mathml") {
             EXPECT_EQ(utf8(LumXmlParser::getMathMLEntity(fromUtf8(given))), expected);
         } else if (kind == "definition") {
@@ -53,6 +56,27 @@ TEST(LumXmlParserDtd, declaresWhatTheRowsTell) {
                        ".ent'><!ENTITY y PUBLIC 'p' 'y.ent'>]><a>[&x;]&y;</a>");
         }
     }
+}
+
+TEST(LumXmlParserDtd, declaresWhatTheRowsTell) { expectToldBy("xml/declarations.txt"); }
+TEST(LumXmlParserConforming, readsAsTheRowsTell) { expectToldBy("xml/conforming.txt"); }
+
+TEST(LumXmlParserConforming, tellsWhatIsDeclaredOfAttributes) {
+    PieceStream in(
+        "<!DOCTYPE a [<!ATTLIST p:a x (b|c) 'b' q:y NOTATION (n) #REQUIRED x ID #IMPLIED z NMTOKENS #FIXED ' 1  2 '>]>"
+        "<p:a xmlns:p='u' x='c'/>");
+    const LumPtr<LumXmlParser> parser = openParser(in, readSetup("conforming"));
+    EXPECT_EQ(parser->next(), LumXmlParser::START_TAG);
+    const LumName p(u"p"_text), a(u"a"_text);
+    EXPECT_TRUE(parser->getDeclaredAttributes(LumName(), a).empty());
+    std::string told;
+    for (const LumCommon::LumXmlDeclaredAttribute& one : parser->getDeclaredAttributes(p, a)) {
+        told += showName(one.prefix, one.localName, LumName()) + " " + std::to_string(one.type) +
+                std::to_string(one.defaultKind) + "[" + utf8(one.value) + "]";
+        for (const UnicodeString& choice : one.choices) told += " " + utf8(choice);
+        told += "; ";
+    }
+    EXPECT_EQ(told, "x 93[b] b c; q:y 81[] n; z 72[1 2]; ");
 }
 
 // What external definitions declare is kept for the whole process: many threads share it, and nothing is read twice.

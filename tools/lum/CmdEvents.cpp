@@ -19,12 +19,14 @@ using namespace LumCommon;
 
 struct Arguments {
     bool isTokens = false;
+    bool isConforming = false;
     std::vector<int> features;
     std::vector<std::string> limits;
     std::string encoding, file;
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.flag("--conforming", arguments.isConforming, "Read XML 1.0 as the standard says, and nothing else");
     syntax.flag("--tokens", arguments.isTokens, "Report every token as a separate event");
     syntax.option("--feature", arguments.features, 0, 7, "Turn on the parser feature of that number; may be repeated");
     addLimitOptions(syntax, arguments.limits);
@@ -86,6 +88,7 @@ void addEvent(JsonLines& lines, const LumXmlParser& parser, LumXmlParser::EventT
 void run(const Arguments& arguments) {
     const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     if (commonOptions().isUntrusted) parser->setUntrusted();
+    if (arguments.isConforming) parser->setFeature(LumXmlParser::FEATURE_CONFORMING, true);
     for (const int number : arguments.features) {
         const auto feature = static_cast<LumXmlParser::Feature>(number);
         parser->setFeature(feature, true);

@@ -19,12 +19,14 @@ using namespace LumCommon;
 
 struct Arguments {
     bool isLazy = false;
+    bool isConforming = false;
     bool isWithoutGenerator = false;
     std::vector<std::string> limits;
     std::string encoding, file, output = "-";
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
+    syntax.flag("--conforming", arguments.isConforming, "Read XML 1.0 as the standard says, and nothing else");
     syntax.flag("--lazy", arguments.isLazy, "Keep only the open elements of the document in memory");
     syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave out the generator comment");
     addLimitOptions(syntax, arguments.limits);
@@ -106,6 +108,7 @@ bool isSameFile(const std::string& a, const std::string& b) {
 void run(const Arguments& arguments) {
     const LumPtr<LumDocument> document(new LumDocument);
     if (commonOptions().isUntrusted) document->setUntrusted();
+    document->setConforming(arguments.isConforming);
     document->setLimits(readLimits(arguments.limits, document->getLimits()));
     if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
     if (!arguments.isLazy) return saveWhole(*document, arguments);

@@ -38,6 +38,13 @@ void AttributeList::takeOver(Attribute& attribute) {
     attribute.value = nullptr;
 }
 
+void AttributeList::replace(Attribute& attribute, std::u16string_view value) {
+    attribute.value = value.data();
+    attribute.valueSize = static_cast<std::uint32_t>(value.size());
+    takeOver(attribute);
+    viewCount_ = 0;
+}
+
 void AttributeList::takeOver() {
     for (; ownCount_ < attributes_.size(); ++ownCount_) takeOver(attributes_[ownCount_]);
     for (std::size_t i = 0; i < viewCount_; ++i) lend(i);

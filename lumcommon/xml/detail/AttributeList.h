@@ -38,6 +38,8 @@ public:
     }
     /// Copies the value of an attribute.
     void takeOver(Attribute& attribute);
+    /// Gives an attribute another value, which must not lie in the list.
+    void replace(Attribute& attribute, std::u16string_view value);
     /// Copies the values that have not been copied yet.
     void takeOver();
 

@@ -12,11 +12,14 @@
 namespace LumCommon::detail {
 
 void EntityExpander::expandGeneral(LumName name) {
+    if (const auto fault = entities_.findFault(name, false)) {
+        errors_.report(*fault, name.getString());
+        return;
+    }
     const UnicodeString value = entities_.lookup(EntityKind::General, name);
-    if (value.isBogus()) {
-        errors_.report(XmlError::UndefinedEntity, name.getString());
-    } else if (entities_.isExternal(EntityKind::General, name)) {
-        openExternal(value, false);
+    if (value.isBogus()) return;
+    if (entities_.isExternal(EntityKind::General, name)) {
+        openExternal(EntityKind::General, name, value, false);
     } else {
         references_.expand(EntityKind::General, name, value);
     }
@@ -31,14 +34,15 @@ void EntityExpander::expandParameter(LumName name, const UnicodeString& value) {
     const ErrorReporter::DropScope drops(errors_, isOptional, 0);
     const std::size_t depth = inputs_.depth();
     try {
-        openExternal(value, isOptional);
+        openExternal(EntityKind::Parameter, name, value, isOptional);
     } catch (const ErrorReporter::Dropped&) {
         inputs_.popTo(depth);
     }
 }
 
-void EntityExpander::openExternal(const UnicodeString& systemId, bool isOptional) {
-    const LumUri resource(LumUri(inputs_.baseUri()), systemId);
+void EntityExpander::openExternal(EntityKind kind, LumName name, const UnicodeString& systemId, bool isOptional) {
+    const EntityOrigin* const origin = entities_.findOrigin(kind, name);
+    const LumUri resource(LumUri(origin ? origin->baseUri : inputs_.baseUri()), systemId);
     if (static_cast<std::uint64_t>(inputs_.streamCount()) > meter_.limits().openInputs) {
         errors_.report(XmlError::NestingLimit);
         return;
@@ -55,11 +59,18 @@ void EntityExpander::openExternal(const UnicodeString& systemId, bool isOptional
     input->setStream(in.release(), true);
     input->systemId = resource.getLocalPath();
     input->baseUri = resource.isAbsolute() ? resource.getBaseString() : inputs_.baseUri();
-    XmlInput& opened = inputs_.pushStream(std::move(input));
+    XmlInput* const opened = policy_.forgivesEntities()
+                                 ? &inputs_.pushStream(std::move(input))
+                                 : inputs_.pushStream(std::move(input), name, kind == EntityKind::Parameter);
+    if (!opened) {
+        errors_.report(XmlError::ExpansionLimit);
+        return;
+    }
     event_.next = TokenKind::Unknown;
-    declarations_.detectEncoding(opened);
+    declarations_.detectEncoding(*opened);
     declarations_.readTextDecl();
-    opened.unleash();
+    if (!policy_.forgivesEntities()) inputs_.setBarrier(true);
+    opened->unleash();
 }
 
 std::unique_ptr<std::istream> EntityExpander::openStream(const LumUri& resource, bool isOptional) const {

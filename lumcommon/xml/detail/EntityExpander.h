@@ -36,12 +36,16 @@ public:
 
     /// For a reference in content.
     void expandGeneral(LumName name);
+    /// For a definition that the document names.
+    void expandDefinition(const UnicodeString& systemId, bool isOptional) {
+        openExternal(EntityKind::Parameter, LumName(), systemId, isOptional);
+    }
     /// For a reference to a parameter entity whose look-up gave `value`.
     void expandParameter(LumName name, const UnicodeString& value);
 
 private:
     /// @param isOptional  a resource that cannot be opened is empty.
-    void openExternal(const UnicodeString& systemId, bool isOptional);
+    void openExternal(EntityKind kind, LumName name, const UnicodeString& systemId, bool isOptional);
     std::unique_ptr<std::istream> openStream(const LumUri& resource, bool isOptional) const;
 
     ParserEvent& event_;

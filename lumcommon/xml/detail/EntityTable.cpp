@@ -5,6 +5,7 @@
 #include <lumcommon/xml/detail/ParserPolicy.h>
 
 #include <string_view>
+#include <utility>
 
 namespace LumCommon::detail {
 
@@ -18,7 +19,10 @@ std::u16string_view findMathML(LumName name) { return findMathMLEntity(viewOf(na
 
 void EntityTable::reset() {
     loadPredefined();
-    hasMathML_ = false;
+    hasMathML_ = isStandalone_ = false;
+    isComplete_ = true;
+    general_.origins.clear();
+    parameter_.origins.clear();
     general_.external.clear();
     parameter_.internal.clear();
     parameter_.external.clear();
@@ -49,6 +53,30 @@ void EntityTable::declareInternal(EntityKind kind, LumName name, const UnicodeSt
 
 void EntityTable::declareExternal(EntityKind kind, LumName name, const UnicodeString& systemId) {
     if (!isDefined(kind, name)) of(kind).external.emplace(name, copyOf(systemId));
+}
+
+void EntityTable::setOrigin(EntityKind kind, LumName name, EntityOrigin origin) {
+    of(kind).origins.emplace(name, std::move(origin));
+}
+
+const EntityOrigin* EntityTable::findOrigin(EntityKind kind, LumName name) const {
+    const auto found = of(kind).origins.find(name);
+    return found == of(kind).origins.end() ? nullptr : &found->second;
+}
+
+std::optional<XmlError::Code> EntityTable::findFault(LumName name, bool isInValue) const {
+    const bool isStrict = !policy_.forgivesEntities();
+    if (!isDefined(EntityKind::General, name)) {
+        const bool mayBeMissing = isStrict && !isComplete_ && (!isStandalone_ || isOutside_);
+        const bool isForgiven = policy_.forgivesUndefinedEntities() || mayBeMissing;
+        return isForgiven ? std::nullopt : std::optional(XmlError::UndefinedEntity);
+    }
+    if (!isStrict) return std::nullopt;
+    const EntityOrigin* const origin = findOrigin(EntityKind::General, name);
+    if (origin && origin->isUnparsed) return XmlError::UnparsedEntity;
+    if (origin && origin->isOutside && isStandalone_ && !isOutside_) return XmlError::StandaloneEntity;
+    if (isInValue && isExternal(EntityKind::General, name)) return XmlError::ExternalEntityInValue;
+    return std::nullopt;
 }
 
 void EntityTable::declare(const ExternalDtd& dtd) {

@@ -69,6 +69,11 @@ bool InputStack::pull() {
             meter_.check();
             if (hasMore) return true;
             if (frame.input->hasFailed()) watcher_->inputFailed();
+            if (frame.input->isAtInvalid()) {
+                frame.input->passInvalid(cursor_);
+                watcher_->invalidCharacter();
+                continue;
+            }
         }
         if (frame.isBarrier || (isStream && streamCount_ == 1)) return false;
         popFrame();
@@ -127,10 +132,10 @@ void InputStack::popFrame() {
         encodingName_ = frame.input->encodingName;
         frame.input.reset();
     } else if (frame.kind == Frame::Replacement) {
-        for (const std::uint32_t key : frame.entityKeys) openEntities_.erase(key);
-        frame.entityKeys.clear();
         frame.text.remove();
     }
+    for (const std::uint32_t key : frame.entityKeys) openEntities_.erase(key);
+    frame.entityKeys.clear();
     cursor_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->cursor : XmlCursor();
     topStream_ = frameCount_ > 0 ? frames_[frameCount_ - 1]->input.get() : nullptr;
 }
@@ -151,15 +156,37 @@ XmlInput& InputStack::pushStream(std::unique_ptr<XmlInput> input) {
     return *topStream_;
 }
 
+std::uint32_t InputStack::keyOf(LumName entity, bool isParameter) noexcept {
+    return entity.getEnum() | (isParameter ? parameterKeyBit : 0);
+}
+
+XmlInput* InputStack::pushStream(std::unique_ptr<XmlInput> input, LumName entity, bool isParameter) {
+    const std::uint32_t key = keyOf(entity, isParameter);
+    if (!openEntities_.insert(key).second) return nullptr;
+    XmlInput& pushed = pushStream(std::move(input));
+    frames_[frameCount_ - 1]->entityKeys.push_back(key);
+    return &pushed;
+}
+
+bool InputStack::leaveEntity() {
+    if (!isInEntity()) return false;
+    popFrame();
+    return true;
+}
+
 bool InputStack::pushReplacement(LumName entity, const UnicodeString& text, bool isParameter) {
     const auto units = static_cast<std::uint64_t>(text.length());
     // An entity inside its own replacement text would never end; there is no need to wait for the limit.
-    const std::uint32_t key = entity.getEnum() | (isParameter ? parameterKeyBit : 0);
+    const std::uint32_t key = keyOf(entity, isParameter);
     if (openEntities_.contains(key) || !meter_.expand(units)) return false;
     // Frames that are used up go first: an entity that ends with a reference then adds no frame for each reference.
     // The new text still lies inside the texts of their entities, which stay open as long as it does.
     std::vector<std::uint32_t> keys;
-    while (frameCount_ > 0 && cursor_.cur == cursor_.end && frames_[frameCount_ - 1]->kind == Frame::Replacement) {
+    const auto isUsedUp = [this] {
+        const Frame& top = *frames_[frameCount_ - 1];
+        return cursor_.cur == cursor_.end && top.kind == Frame::Replacement && !top.isBarrier;
+    };
+    while (frameCount_ > 0 && isUsedUp()) {
         std::vector<std::uint32_t>& popped = frames_[frameCount_ - 1]->entityKeys;
         if (keys.size() < popped.size()) keys.swap(popped);
         keys.insert(keys.end(), popped.begin(), popped.end());

@@ -45,6 +45,8 @@ public:
 
     /// Called while the input is the one being read. Does not return: it throws.
     [[noreturn]] virtual void inputFailed() = 0;
+    /// Called after a character that is none of XML has been passed over.
+    virtual void invalidCharacter() = 0;
 };
 
 /// What is being read: open inputs, replacement texts of entities, and the raw text of a literal that is being looked
@@ -146,10 +148,19 @@ public:
     void popTo(std::size_t depth);
     void popToStreams(int count);
     XmlInput& pushStream(std::unique_ptr<XmlInput> input);
+    /// The same for an external entity. Null, and nothing pushed, when the entity contains itself.
+    XmlInput* pushStream(std::unique_ptr<XmlInput> input, LumName entity, bool isParameter);
     /// False, and nothing pushed, when the entity contains itself or entities expand to far more than what was read.
     [[nodiscard]] bool pushReplacement(LumName entity, const UnicodeString& text, bool isParameter);
     /// Whether the end of the topmost frame is the end of input, whatever lies below.
     void setBarrier(bool isBarrier) noexcept { frames_[frameCount_ - 1]->isBarrier = isBarrier; }
+    /// Whether the topmost frame is an entity whose end is the end of input until it is left.
+    bool isInEntity() const noexcept {
+        return frameCount_ > 1 && frames_[frameCount_ - 1]->isBarrier &&
+               frames_[frameCount_ - 1]->kind != Frame::Literal;
+    }
+    /// Continues with what lies below such an entity; false when there is none.
+    bool leaveEntity();
 
     /// While it lives, the units of `raw` after the first `from` are the input; their end is the end of input.
     class LiteralScope {
@@ -185,7 +196,7 @@ private:
         bool isBarrier = false;                 // its end is the end of input, whatever lies below
         std::size_t source = 0;                 // the nearest frame from here down that is not a replacement
         UnicodeString text;                     // Replacement: keeps the units alive
-        std::vector<std::uint32_t> entityKeys;  // Replacement: the entities that end with it
+        std::vector<std::uint32_t> entityKeys;  // the entities that end with it
         const char16_t* start = nullptr;        // Literal: its first unit
     };
 
@@ -194,6 +205,7 @@ private:
     void endLoans() const {
         for (WindowBorrower* const borrower : borrowers_) borrower->windowMoves();
     }
+    static std::uint32_t keyOf(LumName entity, bool isParameter) noexcept;
     Frame& pushFrame(Frame::Kind kind);
     void popFrame();
     void closeFrames() { popTo(0); }

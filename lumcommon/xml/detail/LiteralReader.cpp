@@ -81,7 +81,10 @@ void LiteralReader::expand(LiteralType type, std::size_t from, UnitBuffer& out) 
     const InputStack::LiteralScope scope(inputs_, raw_, from);
     for (;;) {
         const std::int32_t c = inputs_.readChar();
-        if (c < 0) return;
+        if (c < 0) {
+            if (inputs_.leaveEntity()) continue;
+            return;
+        }
         if (c == '&') {
             expandReference(type, out);
             continue;
@@ -114,12 +117,12 @@ void LiteralReader::expandReference(LiteralType type, UnitBuffer& out) {
         out.append(u';');
         return;
     }
-    const UnicodeString value = entities_.lookup(EntityKind::General, name);
-    if (value.isBogus()) {
-        errors_.report(XmlError::UndefinedEntity, name.getString());
-    } else {
-        references_.expand(EntityKind::General, name, value);
+    if (const auto fault = entities_.findFault(name, true)) {
+        errors_.report(*fault, name.getString());
+        return;
     }
+    const UnicodeString value = entities_.lookup(EntityKind::General, name);
+    if (!value.isBogus()) references_.expand(EntityKind::General, name, value);
 }
 
 }  // namespace LumCommon::detail

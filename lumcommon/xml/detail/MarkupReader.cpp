@@ -5,6 +5,7 @@
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/MarkupReader.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/ParserPolicy.h>
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 #include <lumcommon/xml/detail/XmlDeclReader.h>
@@ -30,7 +31,10 @@ TokenKind MarkupReader::lookAheadSlow() {
             return event_.next;
         }
         if (c == '&') return event_.next = TokenKind::Reference;
-        if (c < 0) return event_.next = TokenKind::End;
+        if (c < 0) {
+            if (ends_ && ends_->leaveEntity()) continue;
+            return event_.next = TokenKind::End;
+        }
         if (c != notACharacter) {
             inputs_.unreadChar(c);
             return event_.next = TokenKind::Text;
@@ -71,10 +75,7 @@ void MarkupReader::readTopLevelText() {
     while ((c = inputs_.readChar()) >= 0 && c != '<' && c != '&' && c != notACharacter) {
         if (!isXmlSpace(c)) {
             isSpace = false;
-            char code[24];
-            const int size = std::snprintf(code, sizeof code, "U+%04X (", static_cast<unsigned>(c));
-            UnicodeString place = checked(UnicodeString(code, size, US_INV));
-            errors_.report(XmlError::TopLevelText, append(append(place, static_cast<char32_t>(c)), u')'));
+            reportTopLevel(c);
         }
         event_.text.units().appendCodePoint(c);
     }
@@ -82,11 +83,19 @@ void MarkupReader::readTopLevelText() {
     if (isSpace) event_.type = LumXmlParser::IGNORABLE_WHITESPACE;
 }
 
+void MarkupReader::reportTopLevel(std::int32_t c) {
+    char code[24];
+    const int size = std::snprintf(code, sizeof code, "U+%04X (", static_cast<unsigned>(c));
+    UnicodeString place = checked(UnicodeString(code, size, US_INV));
+    errors_.report(XmlError::TopLevelText, append(append(place, static_cast<char32_t>(c)), u')'));
+}
+
 MarkupReader::Declaration MarkupReader::readDeclaration() {
     event_.next = TokenKind::Unknown;
     std::int32_t c = inputs_.readChar();
     if (c == '[') {
-        if (names_.readNCName() != NAME_CDATA) {
+        if (const LumName name = names_.readNCName(); name != NAME_CDATA) {
+            if (!policy_.forgivesStructure()) errors_.report(XmlError::UnknownSection, name.getString());
             skipSection();
             return Declaration::Passed;
         }
@@ -168,13 +177,14 @@ void MarkupReader::readInstruction(const UnicodeString& target) {
     if (toLowerCase(target) == UnicodeString(xmlDeclTarget)) {
         errors_.report(XmlError::PiXmlCase, target);
     }
+    if (target.isEmpty() && !policy_.forgivesDeclarations()) errors_.report(XmlError::InstructionTarget);
     event_.text.units().append(target);
     std::int32_t c = inputs_.readChar();
     if (isXmlSpace(c)) {
         event_.text.units().appendCodePoint(c);
     } else {
         inputs_.unreadChar(c);
-        errors_.report(XmlError::PiSpace, target);
+        if (policy_.forgivesDeclarations() || !isAtInstructionEnd()) errors_.report(XmlError::PiSpace, target);
     }
     while (copyContent(inputs_, errors_, u'?', event_.text.units())) {
         inputs_.readChar();
@@ -184,6 +194,13 @@ void MarkupReader::readInstruction(const UnicodeString& target) {
         inputs_.unreadChar(c);
     }
     errors_.report(XmlError::PiUnterminated);
+}
+
+bool MarkupReader::isAtInstructionEnd() {
+    const std::int32_t c = inputs_.readChar();
+    const bool isEnd = c == '?' && inputs_.peekChar() == '>';
+    inputs_.unreadChar(c);
+    return isEnd;
 }
 
 void MarkupReader::skipSection() {

@@ -9,16 +9,36 @@ namespace LumCommon::detail {
 
 class ErrorReporter;
 class NameReader;
+class ParserPolicy;
 class XmlDeclReader;
+
+/// Who is asked where the input ends.
+class EntityEnds {
+public:
+    EntityEnds() = default;
+    EntityEnds(const EntityEnds&) = delete;
+    EntityEnds& operator=(const EntityEnds&) = delete;
+    virtual ~EntityEnds() = default;
+
+    /// Continues after an entity whose end it was; false when it was another end.
+    virtual bool leaveEntity() = 0;
+};
 
 /// Reads character data, CDATA sections, comments and processing instructions into the event, and knows what kind of
 /// token comes next.
 class MarkupReader {
 public:
     MarkupReader(ParserEvent& event, InputStack& inputs, NameReader& names, XmlDeclReader& declarations,
-                 ErrorReporter& errors)
-        : event_(event), inputs_(inputs), names_(names), declarations_(declarations), errors_(errors) {}
+                 const ParserPolicy& policy, ErrorReporter& errors)
+        : event_(event),
+          inputs_(inputs),
+          names_(names),
+          declarations_(declarations),
+          policy_(policy),
+          errors_(errors) {}
 
+    /// Without it every end is that of the document.
+    void askAtEnds(EntityEnds& ends) noexcept { ends_ = &ends; }
     /// The kind of the next token, whose beginning is then read, except for a start tag's name and text.
     TokenKind lookAhead();
     /// The same where a look at the window tells; Unknown, and nothing read, otherwise.
@@ -29,6 +49,10 @@ public:
     void readTopLevelText();
     /// False for an XML declaration, which makes no event.
     bool readInstruction();
+    /// After "<!--".
+    void readComment();
+    /// Tells that a character stands where outside of all elements only white space may.
+    void reportTopLevel(std::int32_t c);
     /// What stands after "<!".
     enum class Declaration : int {
         Passed,   ///< read, and makes no event
@@ -42,15 +66,17 @@ private:
     // Text that does not lie in the window as one run, or follows other text; up to `plainEnd` it is known to be text.
     void readJoinedText(const char16_t* plainEnd);
     void readCData();
-    void readComment();
     void skipSection();  // other than CDATA
     void readInstruction(const UnicodeString& target);
+    bool isAtInstructionEnd();
 
     ParserEvent& event_;
     InputStack& inputs_;
     NameReader& names_;
     XmlDeclReader& declarations_;
+    const ParserPolicy& policy_;
     ErrorReporter& errors_;
+    EntityEnds* ends_ = nullptr;
 };
 
 inline TokenKind MarkupReader::lookAtWindow() {

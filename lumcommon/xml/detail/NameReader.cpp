@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlChars.h>
@@ -6,6 +7,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace LumCommon::detail {
 
@@ -37,8 +39,10 @@ UnicodeString QName::toString() const {
     return name;
 }
 
-void NameReader::start(const LumXmlLimits& limits) {
-    if (limits.nameUnits < buffer_.limit()) {  // which those that are known may exceed
+void NameReader::start(const LumXmlLimits& limits, bool isStrict) {
+    // Names that are known may break what holds from now on.
+    const bool wasLax = !std::exchange(isStrict_, isStrict);
+    if (limits.nameUnits < buffer_.limit() || (isStrict && wasLax)) {
         cache_.clear();
         last_ = &first_;
         first_.following = first_.followingElse = nullptr;
@@ -69,14 +73,24 @@ LumName NameReader::readNCName() {
     scanNCName();
     if (buffer_.empty()) return LumName();
     const CachedName* name = cache_.find(buffer_.data(), buffer_.size());
-    if (!name) {
-        name = cache_.add(buffer_.data(), buffer_.size(), NAME_NULL, intern(buffer_.data(), buffer_.size()));
-    }
+    if (!name) name = keep(buffer_.data(), buffer_.size(), NAME_NULL, intern(buffer_.data(), buffer_.size()));
     return name->localName;
+}
+
+const CachedName* NameReader::keep(const char16_t* text, std::size_t size, LumNameEnum prefix, LumNameEnum localName) {
+    checkCharacters(text, size);
+    return cache_.add(text, size, prefix, localName);
+}
+
+void NameReader::checkCharacters(const char16_t* text, std::size_t size) {
+    if (!isStrict_) return;
+    const auto isLeftOut = [](char16_t c) { return c == 0xD7 || c == 0xF7 || (c >= 0xFDD0 && c <= 0xFDEF); };
+    if (std::any_of(text, text + size, isLeftOut)) errors_.report(XmlError::InvalidChar);
 }
 
 UnicodeString NameReader::readNCNameText() {
     scanNCName();
+    checkCharacters(buffer_.data(), buffer_.size());
     return buffer_.toString();
 }
 
@@ -118,7 +132,7 @@ const CachedName* NameReader::readNewQName() {
         cursor.touch(start + local);  // as far as a name that is too many has been read
         const LumNameEnum prefix = hasPrefix ? intern(start, colon) : NAME_NULL;
         cursor.touch(p + 1);
-        name = cache_.add(start, size, prefix, intern(start + local, size - local));
+        name = keep(start, size, prefix, intern(start + local, size - local));
     }
     cursor.cur = p;
     cursor.touch(p + 1);

@@ -10,6 +10,8 @@
 
 namespace LumCommon::detail {
 
+class ErrorReporter;
+
 struct QName {
     LumName prefix;
     LumName localName;
@@ -20,10 +22,11 @@ struct QName {
 /// Reads names, and knows those that it has read.
 class NameReader {
 public:
-    explicit NameReader(InputStack& inputs) : inputs_(inputs) {}
+    NameReader(InputStack& inputs, ErrorReporter& errors) : inputs_(inputs), errors_(errors) {}
 
     /// For another document. Names may be forgotten.
-    void start(const LumXmlLimits& limits);
+    /// @param isStrict  a character that the names of XML leave out in the ranges of letters is an error.
+    void start(const LumXmlLimits& limits, bool isStrict);
     /// Interns a name that the document uses.   Throws LimitExceeded.
     LumNameEnum intern(const char16_t* text, std::size_t size) {
         const LumNameEnum name = internName(text, size);
@@ -35,6 +38,8 @@ public:
     LumName readNCName();
     /// The same as text.
     UnicodeString readNCNameText();
+    /// Reports what the names of XML leave out, where that is wrong. All names that are read are looked at.
+    void checkCharacters(const char16_t* text, std::size_t size);
     /// False when a part of the name is missing.
     bool readQName(QName& name);
     /// A name seen before that begins at `p` and is followed, before `end`, by what ends a name in most tags; null when
@@ -62,6 +67,7 @@ public:
 
 private:
     void scanNCName();
+    const CachedName* keep(const char16_t* text, std::size_t size, LumNameEnum prefix, LumNameEnum localName);
     void count(LumNameEnum name);
     const CachedName* find(const char16_t* p, const char16_t* end) noexcept;
     const CachedName* readNewQName();
@@ -72,6 +78,8 @@ private:
     }
 
     InputStack& inputs_;
+    ErrorReporter& errors_;
+    bool isStrict_ = false;
     NameCache cache_;
     const CachedName first_{};  // stands before the first name
     const CachedName* last_ = &first_;

@@ -15,6 +15,8 @@ public:
         if (isFeature(feature)) features_[feature] = value;
     }
     bool get(Feature feature) const noexcept { return isFeature(feature) && features_[feature]; }
+    /// For another document, which is read in one mode whatever is set meanwhile.
+    void start() noexcept { isConforming_ = features_[LumXmlParser::FEATURE_CONFORMING]; }
 
     bool opensExternals() const noexcept { return !features_[LumXmlParser::FEATURE_NO_EXTERNAL]; }
     bool readsExternalDtd() const noexcept { return !features_[LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD]; }
@@ -35,15 +37,27 @@ public:
         return features_[LumXmlParser::FEATURE_IGNORE_UNSUPPORTED_ENCODING];
     }
 
+    // What is forgiven unless the document is read as the standard says
+
+    /// Characters that are none of XML, bytes that are no characters, and encodings that the bytes contradict.
+    bool forgivesCharacters() const noexcept { return !isConforming_; }
+    /// Markup that begins in an entity and ends outside of it, and references where none may be.
+    bool forgivesEntities() const noexcept { return !isConforming_; }
+    /// Sections other than CDATA in content, text and references outside of the root, a document without an element.
+    bool forgivesStructure() const noexcept { return !isConforming_; }
+    /// Declarations of which the grammar knows nothing, but for what defines an entity. Instructions without data are
+    /// then wrong.
+    bool forgivesDeclarations() const noexcept { return !isConforming_; }
+    /// Bindings of reserved prefixes and namespaces; some namespaces are then bound without a declaration.
+    bool forgivesNamespaces() const noexcept { return !isConforming_; }
+
 private:
     static constexpr int featureCount = LumXmlParser::FEATURE_NO_EXTERNAL + 1;
 
-    static bool isFeature(int feature) noexcept {
-        return (feature >= 0 && feature <= LumXmlParser::FEATURE_BUILTIN_ENCODINGS_ONLY) ||
-               feature == LumXmlParser::FEATURE_NO_EXTERNAL;
-    }
+    static bool isFeature(int feature) noexcept { return feature >= 0 && feature < featureCount; }
 
     bool features_[featureCount] = {};
+    bool isConforming_ = false;
 };
 
 }  // namespace LumCommon::detail

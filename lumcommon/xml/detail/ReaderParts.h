@@ -1,6 +1,8 @@
 #pragma once
 
+#include <lumcommon/xml/detail/DeclaredAttributes.h>
 #include <lumcommon/xml/detail/DefinitionReader.h>
+#include <lumcommon/xml/detail/DocTypeReader.h>
 #include <lumcommon/xml/detail/EntityExpander.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
@@ -33,13 +35,17 @@ struct ReaderParts {
     InputStack inputs;
     ErrorReporter errors{event, inputs};
     EntityTable entities{policy};
-    NameReader names{inputs};
-    ReferenceReader references{inputs, names, entities, errors};
+    DeclaredAttributes attributes;
+    NameReader names{inputs, errors};
+    ReferenceReader references{inputs, names, entities, policy, errors};
     LiteralReader literals{inputs, references, entities, errors};
     XmlDeclReader declarations{event, inputs, names, literals, policy, errors};
     EntityExpander expander{event, inputs, references, declarations, entities, policy, meter, errors};
-    MarkupReader markup{event, inputs, names, declarations, errors};
+    MarkupReader markup{event, inputs, names, declarations, policy, errors};
     DefinitionReader definitions{event, inputs, names, literals, expander, entities, policy, errors};
+    DeclarationReader declarationsByGrammar{event,    inputs,   names,      literals, references,
+                                            expander, entities, attributes, errors};
+    DocTypeReader docTypes{event, inputs, markup, expander, declarationsByGrammar, policy, errors};
 
     /// Makes ready for another document.
     void reset(const LumXmlLimits& limits) {
@@ -81,11 +87,13 @@ private:
     void startReading() {
         const LumXmlLimits& limits = meter.limits();
         event.text.setLimit(limits.textUnits);
-        names.start(limits);
+        policy.start();
+        names.start(limits, !policy.forgivesCharacters());
         literals.setLimit(limits.valueUnits);
         event.reset();
         inputs.reset();
         entities.reset();
+        attributes.clear();
         declarations.reset();
     }
 

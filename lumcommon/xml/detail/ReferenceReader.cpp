@@ -2,6 +2,7 @@
 #include <lumcommon/xml/detail/ErrorReporter.h>
 #include <lumcommon/xml/detail/InputStack.h>
 #include <lumcommon/xml/detail/NameReader.h>
+#include <lumcommon/xml/detail/ParserPolicy.h>
 #include <lumcommon/xml/detail/ReferenceReader.h>
 #include <lumcommon/xml/detail/XmlChars.h>
 
@@ -113,7 +114,11 @@ std::int32_t ReferenceReader::readSimple() {
 }
 
 void ReferenceReader::expand(EntityKind kind, LumName name, const UnicodeString& text) {
-    if (!inputs_.pushReplacement(name, text, kind == EntityKind::Parameter)) errors_.report(XmlError::ExpansionLimit);
+    if (inputs_.pushReplacement(name, text, kind == EntityKind::Parameter)) {
+        if (!policy_.forgivesEntities()) inputs_.setBarrier(true);
+    } else {
+        errors_.report(XmlError::ExpansionLimit);
+    }
 }
 
 }  // namespace LumCommon::detail

@@ -25,11 +25,14 @@ LumName nameOf(std::u16string_view text) { return LumName(internName(text.data()
 }  // namespace
 
 TagReader::TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
-                     const ParserPolicy& policy, ErrorReporter& errors)
+                     const DeclaredAttributes& declared, InputMeter& meter, const ParserPolicy& policy,
+                     ErrorReporter& errors)
     : event_(event),
       inputs_(inputs),
       names_(names),
       literals_(literals),
+      declared_(declared),
+      meter_(meter),
       policy_(policy),
       errors_(errors),
       namespaces_(new NamespaceManager) {
@@ -43,6 +46,7 @@ void TagReader::reset(const LumXmlLimits& limits) {
     mostDepth_ = std::min(limits.depth, mostCounted);
     mostAttributes_ = std::min(limits.attributes, mostCounted);
     value_.setLimit(limits.valueUnits);
+    isConforming_ = !policy_.forgivesNamespaces();
     isRootSeen_ = false;
     rootName_ = rootNamespace_ = LumName();
     attributes_.clear();
@@ -52,12 +56,13 @@ void TagReader::reset(const LumXmlLimits& limits) {
         namespaces_->removeNamespace(LumName(), nameOf(svgNamespace));
         namespaces_->removeNamespace(NAME_xlink, nameOf(xlinkNamespace));
     }
+    entities_.clear();
     open_.resize(1);
     open_.back().bindings = ++bindingsCount_;
 }
 
 void TagReader::bindDocType(const UnicodeString& publicId) {
-    if (!publicId.startsWith(svgPublicId)) return;
+    if (isConforming_ || !publicId.startsWith(svgPublicId)) return;
     bind(LumName(), nameOf(svgNamespace));
     bind(NAME_xlink, nameOf(xlinkNamespace));
 }
@@ -127,6 +132,8 @@ void TagReader::readStartTag() {
         readAttributes();
         finishStartTag();
     }
+    if (isConforming_) [[unlikely]]
+        conform(name);
     if (depth() == 1) bindRootNamespaces(name.localName);
     const LumName uri = cached ? namespaceOf(*cached) : namespaces_->lookupNamespace(name.prefix);
     if (!isRootSeen_) rootNamespace_ = uri;
@@ -223,7 +230,10 @@ void TagReader::readAttribute() {
 void TagReader::bindDeclaration(Attribute& attribute) {
     const std::u16string_view value = attributes_.valueOf(attribute);
     const LumName uri(names_.intern(value.data(), value.size()));
-    bind(attribute.name.prefix.isNull() ? LumName() : attribute.name.localName, uri);
+    const bool isDefault = attribute.name.prefix.isNull();
+    const LumName prefix = isDefault ? LumName() : attribute.name.localName;
+    if (isConforming_) checkBinding(prefix, isDefault, uri);
+    bind(prefix, uri);
     attribute.namespaceUri = NAME_NS_XMLNS;
     hasPrefixes_ = true;  // in effect
 }
@@ -248,6 +258,7 @@ void TagReader::finishStartTag() {
 
 void TagReader::bindRootNamespaces(LumName localName) {
     const bool isSvg = localName == NAME_svg;
+    if (isConforming_) return;
     if (!isSvg && localName != NAME_chart) return;
     if (namespaces_->lookupNamespace(LumName()).isNull()) {
         bind(LumName(), nameOf(isSvg ? svgNamespace : chartNamespace));
@@ -311,6 +322,7 @@ void TagReader::readOtherEndTag() {
     }
     QName name;
     if (!names_.readQName(name)) errors_.report(XmlError::EndTagName);
+    if (!entities_.empty() && depth() <= entities_.back().elements) errors_.report(XmlError::EntityNesting);
     const TagView& open = element();
     if (name.prefix != open.prefix || name.localName != open.localName) {
         errors_.report(XmlError::EndTagMismatch, name.toString(), QName{open.prefix, open.localName}.toString());

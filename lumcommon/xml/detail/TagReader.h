@@ -3,23 +3,30 @@
 #include <lumcommon/names/NamespaceManager.h>
 #include <lumcommon/xml/detail/AttributeList.h>
 #include <lumcommon/xml/detail/EventView.h>
+#include <lumcommon/xml/detail/MarkupReader.h>
 #include <lumcommon/xml/detail/NameReader.h>
 #include <lumcommon/xml/detail/ParserEvent.h>
 
 #include <cstdint>
 #include <vector>
 
+namespace LumCommon {
+struct LumXmlDeclaredAttribute;
+}
+
 namespace LumCommon::detail {
 
+class DeclaredAttributes;
 class ErrorReporter;
+class InputMeter;
 class LiteralReader;
 class ParserPolicy;
 
 /// Reads start and end tags, and knows the elements that are open and the namespaces that are bound in them.
-class TagReader : private WindowBorrower {
+class TagReader : public EntityEnds, private WindowBorrower {
 public:
     TagReader(ParserEvent& event, InputStack& inputs, NameReader& names, LiteralReader& literals,
-              const ParserPolicy& policy, ErrorReporter& errors);
+              const DeclaredAttributes& declared, InputMeter& meter, const ParserPolicy& policy, ErrorReporter& errors);
 
     void reset(const LumXmlLimits& limits);
 
@@ -41,6 +48,9 @@ public:
         if (bindsOwn()) namespaces_->popScope();
         open_.pop_back();
     }
+    /// After an entity has been referred to: where it lies on the inputs, its elements must begin and end in it.
+    void enterEntity();
+    bool leaveEntity() override;
     /// Binds the namespaces that a document type implies outside of all elements.
     void bindDocType(const UnicodeString& publicId);
 
@@ -76,6 +86,9 @@ private:
     Attribute& addAttribute(const QName& name, const CachedName* written, std::u16string_view borrowedValue);
     void windowMoves() override;
     void bindDeclaration(Attribute& attribute);
+    void checkBinding(LumName prefix, bool isDefault, LumName uri);
+    void conform(const QName& element);
+    void addDefault(const LumXmlDeclaredAttribute& declared);
     void finishStartTag();
     void bind(LumName prefix, LumName uri);
     void bindRootNamespaces(LumName localName);
@@ -91,9 +104,12 @@ private:
     InputStack& inputs_;
     NameReader& names_;
     LiteralReader& literals_;
+    const DeclaredAttributes& declared_;
+    InputMeter& meter_;
     const ParserPolicy& policy_;
     ErrorReporter& errors_;
 
+    bool isConforming_ = false;  // the document is read as the standard says
     std::uint64_t mostDepth_ = LumXmlLimits::off;
     std::uint64_t mostAttributes_ = LumXmlLimits::off;
     AttributeList attributes_;
@@ -104,6 +120,11 @@ private:
     LumPtr<NamespaceManager> namespaces_;  // has a scope for each open element that binds a prefix
     std::uint64_t bindingsCount_ = 0;
     std::vector<OpenElement> open_{OpenElement{}};  // after one that stands for the document
+    struct Entity {
+        std::size_t inputDepth;
+        int elements;  // that are open around it
+    };
+    std::vector<Entity> entities_;  // that are open
     bool isRootSeen_ = false;
     LumName rootName_;
     LumName rootNamespace_;

@@ -73,6 +73,32 @@ inline const char16_t* findNameEnd(const char16_t* p, const char16_t* end) noexc
     return p;
 }
 
+/// The first unit that is no character of XML, halves of surrogate pairs left aside; `end` when there is none.
+inline const char16_t* findInvalidUnit(const char16_t* p, const char16_t* end) noexcept {
+#if defined(__SSE2__)
+    const auto isAtMost = [](__m128i units, int most) {
+        return _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(static_cast<short>(most))), _mm_setzero_si128());
+    };
+    const auto isUnit = [](__m128i units, int unit) {
+        return _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(unit)));
+    };
+    const auto isWrong = [&](__m128i units) {
+        const __m128i space = _mm_or_si128(_mm_or_si128(isUnit(units, '\n'), isUnit(units, '\t')), isUnit(units, '\r'));
+        return _mm_or_si128(_mm_andnot_si128(space, isAtMost(units, 0x1F)),
+                            isUnit(_mm_or_si128(units, _mm_set1_epi16(1)), notACharacter));
+    };
+    for (; end - p >= 16; p += 16) {
+        const __m128i a = isWrong(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+        const __m128i b = isWrong(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8)));
+        if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(a, b)))) {
+            return p + __builtin_ctz(mask);
+        }
+    }
+#endif
+    while (p != end && (*p >= 0x20 || isXmlSpace(*p)) && *p < 0xFFFE) ++p;
+    return p;
+}
+
 /// The first unit that ends a run of text: "<", "&", "]" or U+FFFF; `end` when there is none.
 inline const char16_t* findTextEnd(const char16_t* p, const char16_t* end) noexcept {
 #if defined(__SSE2__)

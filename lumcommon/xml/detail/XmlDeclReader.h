@@ -11,6 +11,7 @@ class NameReader;
 class ParserEvent;
 class ParserPolicy;
 class XmlInput;
+enum class XmlEncoding : int;
 
 /// Reads what stands at the beginning of an input and says how its bytes are encoded: the first bytes, the XML
 /// declaration, the text declaration of an external entity.
@@ -20,7 +21,9 @@ public:
                   const ParserPolicy& policy, ErrorReporter& errors)
         : event_(event), inputs_(inputs), names_(names), literals_(literals), policy_(policy), errors_(errors) {}
 
-    void reset() noexcept { isSeen_ = false; }
+    void reset() noexcept { isSeen_ = isStandalone_ = false; }
+    /// Whether the document says so.
+    bool isStandalone() const noexcept { return isStandalone_; }
 
     /// Recognises the encoding of the topmost input from its first bytes.
     void detectEncoding(XmlInput& input);
@@ -34,6 +37,9 @@ public:
 private:
     void readTextDeclFields();
     void applyDeclaredEncoding(const UnicodeString& name);
+    void checkDeclaredEncoding(const XmlInput& input, XmlEncoding earlier, const UnicodeString& earlierName,
+                               const UnicodeString& name);
+    void checkVersion(const UnicodeString& version);
     void expectEquals(const char16_t* after);
     void expectEnd();
 
@@ -44,6 +50,7 @@ private:
     const ParserPolicy& policy_;
     ErrorReporter& errors_;
     bool isSeen_ = false;  // the document's XML declaration
+    bool isStandalone_ = false;
 };
 
 }  // namespace LumCommon::detail

@@ -16,7 +16,15 @@ namespace {
 
 using Bytes = const unsigned char*;
 
+constexpr std::int32_t malformed = lastCodePoint + 1;  // in place of a code point
+
 static_assert(std::endian::native == std::endian::little, "sequences are loaded as little-endian words");
+
+/// Whether so many bytes of UTF-8 are more than the character needs.
+inline bool isTooLong(std::int32_t c, std::ptrdiff_t bytes) noexcept {
+    constexpr std::int32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    return bytes > 1 && bytes <= 4 && c < least[bytes];
+}
 
 /// One UTF-8 sequence. False, and nothing taken, when it is incomplete and more bytes may follow.
 inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t& c) noexcept {
@@ -36,7 +44,7 @@ inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t
         value = lead & 0x0F;
     } else if ((lead & 0xF8) != 0xF0) {
         ++from;
-        c = replacementChar;
+        c = malformed;
         return true;
     }
     Bytes p = from + 1;
@@ -44,18 +52,18 @@ inline bool decodeUtf8Sequence(Bytes& from, Bytes end, bool isLast, std::int32_t
         if (p == end) {
             if (!isLast) return false;
             from = p;
-            c = replacementChar;
+            c = malformed;
             return true;
         }
         if ((*p & 0xC0) != 0x80) {
             from = p + 1;
-            c = replacementChar;
+            c = malformed;
             return true;
         }
         value = (value << 6) | (*p & 0x3F);
     }
     from = p;
-    c = value > lastCodePoint ? replacementChar : value;
+    c = value > lastCodePoint ? malformed : value;
     return true;
 }
 
@@ -69,7 +77,7 @@ inline bool decodeUtf16Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     if (size < 2) {
         if (!isLast) return false;
         from = end;
-        c = replacementChar;
+        c = malformed;
         return true;
     }
     const unsigned unit = unitAt(from, isLittleEndian);
@@ -81,12 +89,12 @@ inline bool decodeUtf16Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     if (size < 4) {
         if (!isLast) return false;
         from = end;
-        c = replacementChar;
+        c = malformed;
         return true;
     }
     const unsigned second = unitAt(from + 2, isLittleEndian);
     from += 4;
-    c = U16_IS_TRAIL(second) ? U16_GET_SUPPLEMENTARY(unit, second) : replacementChar;
+    c = U16_IS_TRAIL(second) ? U16_GET_SUPPLEMENTARY(unit, second) : malformed;
     return true;
 }
 
@@ -94,13 +102,13 @@ inline bool decodeUtf32Sequence(Bytes& from, Bytes end, bool isLast, bool isLitt
     if (end - from < 4) {
         if (!isLast) return false;
         from = end;
-        c = replacementChar;
+        c = malformed;
         return true;
     }
     const std::uint32_t low = unitAt(isLittleEndian ? from : from + 2, isLittleEndian);
     const std::uint32_t high = unitAt(isLittleEndian ? from + 2 : from, isLittleEndian);
     from += 4;
-    c = high > (lastCodePoint >> 16) ? replacementChar : static_cast<std::int32_t>((high << 16) | low);
+    c = high > (lastCodePoint >> 16) ? malformed : static_cast<std::int32_t>((high << 16) | low);
     return true;
 }
 
@@ -163,10 +171,17 @@ struct XmlDecoder::Run {
     char16_t* toEnd;
 };
 
+inline bool XmlDecoder::readUtf8(Bytes& from, Bytes fromEnd, bool isLast, std::int32_t& c) const noexcept {
+    const Bytes start = from;
+    if (!decodeUtf8Sequence(from, fromEnd, isLast, c)) return false;
+    if (isStrict && isTooLong(c, from - start)) c = malformed;
+    return true;
+}
+
 bool XmlDecoder::decodeOne(Bytes& from, Bytes fromEnd, bool isLast, std::int32_t& c) const noexcept {
     switch (encoding) {
         case XmlEncoding::Utf8:
-            return decodeUtf8Sequence(from, fromEnd, isLast, c);
+            return readUtf8(from, fromEnd, isLast, c);
         case XmlEncoding::Utf16LE:
         case XmlEncoding::Utf16BE:
             return decodeUtf16Sequence(from, fromEnd, isLast, encoding == XmlEncoding::Utf16LE, c);
@@ -180,10 +195,12 @@ bool XmlDecoder::decodeOne(Bytes& from, Bytes fromEnd, bool isLast, std::int32_t
 }
 
 void XmlDecoder::put(Run& run, std::int32_t c) noexcept {
-    const bool isSecondHalf = isAfterReturn_ && (c == '\n' || c == 0x85);
+    const bool isOtherFeed = !isStrict && (c == 0x85 || c == 0x2028);
+    const bool isSecondHalf = isAfterReturn_ && (c == '\n' || (isOtherFeed && c == 0x85));
     isAfterReturn_ = c == '\r';
     if (isSecondHalf) return;
-    if (c == '\r' || c == 0x85 || c == 0x2028) c = '\n';
+    if (c == '\r' || isOtherFeed) c = '\n';
+    if (c == malformed || (isStrict && U_IS_SURROGATE(c))) c = isStrict ? notACharacter : replacementChar;
     if (c < 0x10000) {
         if (U16_IS_LEAD(c)) hasSurrogates = true;
         *run.to++ = static_cast<char16_t>(c);
@@ -234,7 +251,7 @@ void XmlDecoder::decodeUtf8(Run& run) noexcept {
             if (from != start) continue;
         }
         std::int32_t c;
-        if (!decodeUtf8Sequence(from, run.fromEnd, run.isLast, c)) break;
+        if (!readUtf8(from, run.fromEnd, run.isLast, c)) break;
         run.to = to;
         put(run, c);
         to = run.to;

@@ -19,16 +19,19 @@ enum class XmlEncoding : int {
     Latin1 = 9,  ///< one byte is one character
 };
 
-/// Turns bytes into UTF-16 with line ends folded to U+000A (CR LF, CR NEL, CR, NEL and LS are line ends).
+/// Turns bytes into UTF-16 with line ends folded to U+000A (CR LF, CR NEL, CR, NEL and LS are line ends; when strict,
+/// CR LF and CR alone).
 ///
 /// Undecodable bytes become U+FFFD, by these rules: a byte that should continue a UTF-8 sequence and does not is
 /// taken together with the sequence; overlong forms are accepted, and so are surrogates, each as one unit; a high
-/// surrogate of UTF-16 takes the next unit with it even when that is not a low one.
+/// surrogate of UTF-16 takes the next unit with it even when that is not a low one. When strict, these too are
+/// undecodable, and what is becomes U+FFFF, which no text may hold.
 class XmlDecoder {
 public:
     XmlEncoding encoding = XmlEncoding::Undecided;
     /// Set when a high surrogate is written: only then can two units be one character.
     bool hasSurrogates = false;
+    bool isStrict = false;
 
     /// Decodes from [from, fromEnd) to [to, toEnd), which takes at least 32 units.
     /// @param isLast    no bytes follow: what is incomplete becomes U+FFFD.
@@ -39,6 +42,8 @@ public:
 
 private:
     struct Run;
+    bool readUtf8(const unsigned char*& from, const unsigned char* fromEnd, bool isLast,
+                  std::int32_t& c) const noexcept;
     bool decodeOne(const unsigned char*& from, const unsigned char* fromEnd, bool isLast,
                    std::int32_t& c) const noexcept;
     void decodeUtf8(Run& run) noexcept;

@@ -1,6 +1,7 @@
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/streams/detail/StreamReading.h>
 #include <lumcommon/xml/detail/OpenInput.h>
+#include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
 #include <cxxabi.h>
@@ -164,13 +165,10 @@ int XmlInput::peekByte(std::size_t index) {
 }
 
 bool XmlInput::refill(XmlCursor& cursor) {
+    if (isAtInvalid_) return false;
     char16_t* const base = window_.get() + putBackUnits;
     if (cursor.cur) {
-        if (feedsEnd_) {
-            position_ = positionBy(feedsEnd_, cursor.end);
-        } else {
-            position_.advance(counted_, cursor.end, decoder_.hasSurrogates);
-        }
+        settlePosition(cursor.end);
         // Units that were pushed back into the window before it was first filled lie in front of `base` too.
         const std::size_t kept =
             std::min<std::size_t>(putBackUnits, static_cast<std::size_t>(cursor.cur - window_.get()));
@@ -188,7 +186,39 @@ bool XmlInput::refill(XmlCursor& cursor) {
     counted_ = base;
     feedsEnd_ = nullptr;
     cursor = {base, to, base};
-    return to != base;
+    if (decoder_.isStrict) endAtInvalid(cursor, to);
+    return cursor.end != base;
+}
+
+/// Counts up to there.
+void XmlInput::settlePosition(const char16_t* end) {
+    if (feedsEnd_) {
+        position_ = positionBy(feedsEnd_, end);
+    } else {
+        position_.advance(counted_, end, decoder_.hasSurrogates);
+    }
+    counted_ = end;
+    feedsEnd_ = nullptr;
+}
+
+const char16_t* XmlInput::findInvalid(const char16_t* from, const char16_t* end) const {
+    end = findInvalidUnit(from, end);
+    // What the decoder of a few bytes and the converters of ICU let through.
+    if (decoder_.encoding == XmlEncoding::Ascii) end = std::find_if(from, end, [](char16_t c) { return c > 0x7F; });
+    if (converted_) end = std::find(from, end, static_cast<char16_t>(replacementChar));
+    return end;
+}
+
+void XmlInput::endAtInvalid(XmlCursor& cursor, const char16_t* end) {
+    cursor.end = findInvalid(cursor.cur, end);
+    isAtInvalid_ = cursor.end != end;
+    decodedEnd_ = end;
+}
+
+void XmlInput::passInvalid(XmlCursor& cursor) {
+    settlePosition(cursor.end);
+    cursor.cur = cursor.high = cursor.end + 1;
+    endAtInvalid(cursor, decodedEnd_);
 }
 
 TextPosition XmlInput::countPosition(const XmlCursor& cursor) {
@@ -285,8 +315,11 @@ bool XmlInput::detectByMark(XmlCursor& cursor, int first) {
     } else if (third < 0 || fourth < 0) {
         detected(XmlEncoding::Utf16LE, u"UTF-16", true, 2);
     } else {
-        detected(XmlEncoding::Utf16LE, u"UTF-16", true, 4);
-        pushUncounted(cursor, static_cast<char16_t>((fourth << 8) | third));
+        const auto unit = static_cast<char16_t>((fourth << 8) | third);
+        // What may not be text as it is has to pass through the decoder.
+        const bool isText = !decoder_.isStrict || (unit >= 0x20 && unit < 0xFFFE && !U16_IS_SURROGATE(unit));
+        detected(XmlEncoding::Utf16LE, u"UTF-16", true, isText ? 4 : 2);
+        if (isText) pushUncounted(cursor, unit);
     }
     return true;
 }

@@ -53,6 +53,14 @@ public:
     /// Whether the input has ended because it could not be read any further.
     bool hasFailed() const noexcept { return hasFailed_; }
 
+    /// Before anything is read: no window holds what is no character of XML; it ends there. Bytes that are no
+    /// characters are none of XML either.
+    void checkCharacters() noexcept { decoder_.isStrict = true; }
+    /// Whether the window has ended before what is no character, so that refill() gives nothing.
+    bool isAtInvalid() const noexcept { return isAtInvalid_; }
+    /// Continues the window after it.
+    void passInvalid(XmlCursor& cursor);
+
     /// From now on decodes whole blocks.
     void unleash() noexcept { isLeashed_ = false; }
 
@@ -81,6 +89,9 @@ private:
     class Remainder;
 
     bool fillBytes();
+    void settlePosition(const char16_t* end);
+    const char16_t* findInvalid(const char16_t* from, const char16_t* end) const;
+    void endAtInvalid(XmlCursor& cursor, const char16_t* end);
     std::streamsize readMetered(std::istream& in, char* to, std::size_t most);
     std::streamsize readConverted(char* to, std::size_t most);
     TextPosition countPosition(const XmlCursor& cursor);
@@ -108,6 +119,8 @@ private:
     bool isLeashed_ = true;
     bool isAtEnd_ = false;  // the stream has no more bytes
     bool hasFailed_ = false;
+    bool isAtInvalid_ = false;
+    const char16_t* decodedEnd_ = nullptr;  // of the window while it has ended early
     XmlDecoder decoder_;
     TextPosition position_;              // of counted_
     const char16_t* counted_ = nullptr;  // in the window; units before it are in position_
