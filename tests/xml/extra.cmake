@@ -1,4 +1,4 @@
 # Compressed inputs are made by zlib itself.
 target_link_libraries(${target} PRIVATE ZLIB::ZLIB)
-# A second opinion on well-formed documents.
-target_link_libraries(${target} PRIVATE PkgConfig::EXPAT)
+# A second and a third opinion on documents.
+target_link_libraries(${target} PRIVATE PkgConfig::EXPAT PkgConfig::LIBXML2)
