@@ -294,7 +294,8 @@ void XmlDecoder::decodeUtf16(Run& run) noexcept {
             const __m128i carriageReturn = _mm_set1_epi16('\r');
             const __m128i nextLine = _mm_set1_epi16(0x85);
             const __m128i lineSeparator = _mm_set1_epi16(0x2028);
-            const __m128i leadMask = _mm_set1_epi16(static_cast<short>(0xFC00));
+            // A low surrogate alone is let through unless that is wrong.
+            const __m128i leadMask = _mm_set1_epi16(static_cast<short>(isStrict ? 0xF800 : 0xFC00));
             const __m128i lead = _mm_set1_epi16(static_cast<short>(0xD800));
             while (run.fromEnd - run.from >= 16 && run.toEnd - run.to >= 8) {
                 __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(run.from));
