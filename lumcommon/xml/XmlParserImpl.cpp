@@ -1,6 +1,5 @@
 #include <lumcommon/core/LumStrings.h>
 #include <lumcommon/xml/XmlParserImpl.h>
-#include <lumcommon/xml/detail/ExternalDtdReader.h>
 
 namespace LumCommon {
 
@@ -28,7 +27,7 @@ std::unique_ptr<detail::XmlInput> XmlParserImpl::prepareInput(const UnicodeStrin
     parts_.inputs.close();
     parts_.reset(limits_);
     tags_.reset(limits_);
-    isDocTypeSeen_ = isCutOff_ = false;
+    isCutOff_ = false;
     parts_.declarations.setEncoding(*input, encoding);
     return input;
 }
@@ -133,51 +132,24 @@ bool XmlParserImpl::readToken(bool isTextPending) {
     }
 }
 
+void XmlParserImpl::readDocType() {
+    parts_.event.type = DOCDECL;
+    const detail::ExternalId id = parts_.documentType.readDeclaration(tags_.isRootSeen());
+    tags_.bindDocType(id.publicId);
+    try {
+        parts_.documentType.readDefinition(id.systemId);
+    } catch (const LumError&) {
+        if (parts_.meter.isExceeded()) cutOff();
+        throw;
+    }
+}
+
 bool XmlParserImpl::readDeclaration() {
     const Declaration declaration = parts_.markup.readDeclaration();
     if (declaration == Declaration::DocType) readDocType();
     const bool isTopLevelSection = parts_.event.type == CDSECT && getDepth() == 0;
     if (isTopLevelSection && !parts_.policy.forgivesStructure()) parts_.markup.reportTopLevel('<');
     return declaration != Declaration::Passed;
-}
-
-void XmlParserImpl::readDocType() {
-    parts_.event.type = DOCDECL;
-    if (tags_.isRootSeen()) parts_.errors.report(XmlError::DocTypePlace);
-    if (isDocTypeSeen_) parts_.errors.report(XmlError::SecondDocType);
-    if (!parts_.policy.forgivesDeclarations()) return readConformingDocType();
-    const detail::ExternalId id = parts_.definitions.readDocType();
-    tags_.bindDocType(id.publicId);
-    if (!id.systemId.isEmpty() && parts_.policy.readsExternalDtd()) addExternalDtd(id.systemId);
-    isDocTypeSeen_ = true;
-}
-
-void XmlParserImpl::readConformingDocType() {
-    parts_.entities.setStandalone(parts_.declarations.isStandalone());
-    isDocTypeSeen_ = true;
-    const detail::ExternalId id = parts_.docTypes.readDocType();
-    if (id.systemId.isEmpty() || !parts_.policy.readsExternalDtd()) return;
-    if (detail::ExternalDtdSource(id.systemId, getBaseUri()).isBuiltIn()) {
-        parts_.entities.addMathML();
-    } else {
-        parts_.docTypes.readExternalSubset(id.systemId);
-    }
-}
-
-void XmlParserImpl::addExternalDtd(const UnicodeString& systemId) {
-    const detail::ExternalDtdSource source(systemId, getBaseUri());
-    if (source.isBuiltIn()) {
-        parts_.entities.addMathML();
-    } else if (parts_.policy.opensExternals()) {
-        try {
-            source.declareIn(parts_.entities, parts_.policy.forgivesExternalDtdErrors(), parts_.meter);
-        } catch (const LumError&) {
-            if (parts_.meter.isExceeded()) cutOff();
-            throw;
-        }
-    } else if (!parts_.policy.forgivesExternalDtdErrors()) {
-        parts_.errors.report(XmlError::ExternalRefused);
-    }
 }
 
 LumXmlParser::EventType XmlParserImpl::nextToken() {

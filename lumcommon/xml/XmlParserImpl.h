@@ -105,8 +105,6 @@ private:
     bool readToken(bool isTextPending);  // false at the end of the input
     bool readDeclaration();              // whether there is an event to report
     void readDocType();
-    void readConformingDocType();
-    void addExternalDtd(const UnicodeString& systemId);
     bool endsText(detail::TokenKind following);
 
     LumXmlLimits limits_;
@@ -114,7 +112,6 @@ private:
     detail::TagReader tags_{parts_.event,      parts_.inputs, parts_.names,  parts_.literals,
                             parts_.attributes, parts_.meter,  parts_.policy, parts_.errors};
     detail::StreamType streamType_;
-    bool isDocTypeSeen_ = false;
     bool isCutOff_ = false;  // by a limit
 };
 

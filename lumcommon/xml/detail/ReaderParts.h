@@ -3,6 +3,7 @@
 #include <lumcommon/xml/detail/DeclaredAttributes.h>
 #include <lumcommon/xml/detail/DefinitionReader.h>
 #include <lumcommon/xml/detail/DocTypeReader.h>
+#include <lumcommon/xml/detail/DocumentType.h>
 #include <lumcommon/xml/detail/EntityExpander.h>
 #include <lumcommon/xml/detail/EntityTable.h>
 #include <lumcommon/xml/detail/ErrorReporter.h>
@@ -46,6 +47,7 @@ struct ReaderParts {
     DeclarationReader declarationsByGrammar{event,    inputs,   names,      literals, references,
                                             expander, entities, attributes, errors};
     DocTypeReader docTypes{event, inputs, markup, expander, declarationsByGrammar, policy, errors};
+    DocumentType documentType{inputs, declarations, definitions, docTypes, entities, meter, policy, errors};
 
     /// Makes ready for another document.
     void reset(const LumXmlLimits& limits) {
@@ -95,6 +97,7 @@ private:
         entities.reset();
         attributes.clear();
         declarations.reset();
+        documentType.reset();
     }
 
     InputMeter ownMeter_;
