@@ -4,7 +4,7 @@
 
 namespace LumCommon {
 
-int getLibVersion() { return 309; }
+int getLibVersion() { return LUM_VERSION_MAJOR * 100 + LUM_VERSION_MINOR; }
 
 void cleanup() {
     LumNameTable::cleanup();

@@ -22,6 +22,7 @@
 #include <lumcommon/core/LumRCObject.h>
 #include <lumcommon/core/LumStrings.h>
 #include <lumcommon/core/LumUUID.h>
+#include <lumcommon/core/LumVersion.h>
 #include <lumcommon/core/MaybeOwned.h>
 #include <lumcommon/core/Text.h>
 #include <lumcommon/dom/AttrNodeMap.h>

@@ -44,14 +44,11 @@ public:
     /// Releases the lock when this guard took it; does nothing otherwise.
     void unlock();
 
+    // These are the compiler's own operations: not every standard library has std::atomic_ref, which says the same.
     /// Add or subtract one and return the new value. The two are atomic with respect to each other, on any thread;
     /// they are lock-free, so counting never waits for a mutex.
-    static int interlockedIncrement(int& value) noexcept {
-        return std::atomic_ref<int>(value).fetch_add(1, std::memory_order_relaxed) + 1;
-    }
-    static int interlockedDecrement(int& value) noexcept {
-        return std::atomic_ref<int>(value).fetch_sub(1, std::memory_order_acq_rel) - 1;
-    }
+    static int interlockedIncrement(int& value) noexcept { return __atomic_add_fetch(&value, 1, __ATOMIC_RELAXED); }
+    static int interlockedDecrement(int& value) noexcept { return __atomic_sub_fetch(&value, 1, __ATOMIC_ACQ_REL); }
 
 private:
     LumLock* lock_;

@@ -3,7 +3,6 @@
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/core/LumObjectBase.h>
 
-#include <atomic>
 #include <cstddef>
 #include <new>
 
@@ -30,7 +29,7 @@ public:
 
     /// The number of references currently held.   Threads: a snapshot; it may be out of date by the time it is
     /// returned.
-    int getRefCount() const noexcept { return std::atomic_ref<int>(refCount_).load(std::memory_order_relaxed); }
+    int getRefCount() const noexcept { return __atomic_load_n(&refCount_, __ATOMIC_RELAXED); }
 
     /// Takes one reference. Prefer LumPtr; this is for classes that hold references without one.
     void addRef() const noexcept { LumMutex::interlockedIncrement(refCount_); }
@@ -61,7 +60,7 @@ protected:
     /// Gives one reference back. True when it was the last one.
     bool dropRef() noexcept {
         // A count of 1 is the caller's own: no other thread has a reference from which it could take another one.
-        if (std::atomic_ref<int>(refCount_).load(std::memory_order_acquire) == 1) {
+        if (__atomic_load_n(&refCount_, __ATOMIC_ACQUIRE) == 1) {
             refCount_ = 0;
             return true;
         }

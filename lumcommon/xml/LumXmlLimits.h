@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lumcommon/core/Api.h>
+
 #include <cstdint>
 
 namespace LumCommon {
