@@ -82,7 +82,7 @@ public:
 };
 
 /// Parses the command line and runs the command that it names.
-/// @return  whether a command was run: false if help was requested and has been printed.
+/// @return  whether something was written to standard output: false if help was requested and has been printed.
 /// Failure: whatever the command throws. Bad usage is reported on standard error, then thrown as UsageError.
 bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands);
 

@@ -6,6 +6,8 @@
 
 #include "Command.h"
 #include "Json.h"
+#include "Output.h"
+#include "Pages.h"
 
 namespace lum {
 namespace {
@@ -76,6 +78,40 @@ void addCommands(CLI::App& app, const std::vector<Command>& commands, const Comm
     }
 }
 
+CommandPage::Argument takeApart(const CLI::Option& option) {
+    CommandPage::Argument argument;
+    if (option.get_positional()) {
+        argument.names.push_back(option.get_name(true));
+    } else {
+        for (const std::string& name : option.get_snames()) argument.names.push_back('-' + name);
+        for (const std::string& name : option.get_lnames()) argument.names.push_back("--" + name);
+    }
+    argument.help = option.get_description();
+    argument.isRequired = option.get_required();
+    argument.isRepeated = option.get_expected_max() > 1;
+    if (option.get_type_size_max() == 0) return argument;
+    // "TEXT", or "TEXT:{one,two}" when there is a choice, or "INT:INT in [0 - 7]".
+    argument.type = option.get_type_name();
+    const std::size_t colon = std::min(argument.type.find(':'), argument.type.size());
+    if (argument.type.substr(colon).starts_with(":{") && argument.type.ends_with('}')) {
+        argument.choices = CLI::detail::split(argument.type.substr(colon + 2, argument.type.size() - colon - 3), ',');
+    }
+    argument.type.resize(colon);
+    return argument;
+}
+
+/// The pages are made from what the library that parses arguments was told, not from a copy of it.
+CommandPage takeApart(const CLI::App& app) {
+    CommandPage page{app.get_name(), app.get_description(), app.get_footer(), {}, {}, {}};
+    for (const CLI::Option* const option : app.get_options()) {
+        (option->get_positional() ? page.positionals : page.options).push_back(takeApart(*option));
+    }
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        page.commands.push_back(takeApart(*command));
+    }
+    return page;
+}
+
 }  // namespace
 
 std::string Json::toString() const {
@@ -92,6 +128,15 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
     app.fallthrough();  // what holds for all commands may also stand after the command
     app.add_flag("--untrusted", commonOptions().isUntrusted,
                  "XML documents come from strangers: open nothing that they name");
+    const std::map<std::string, std::string (*)(const CommandPage&)> writers{
+        {"man", toManualPage}, {"bash", toBashCompletion}, {"zsh", toZshCompletion}};
+    std::string wanted;
+    const auto choose = [&wanted](const std::string& kind) {
+        wanted = kind;
+        throw CLI::Success();
+    };
+    app.add_option_function<std::string>("--generate", choose, "Write the manual page, or the completions of a shell")
+        ->check(CLI::IsMember({"man", "bash", "zsh"}));
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {
@@ -99,6 +144,10 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
         chosen->run();
         return true;
     } catch (const CLI::Error& error) {
+        if (const auto writer = writers.find(wanted); writer != writers.end()) {
+            print(writer->second(takeApart(app)));
+            return true;
+        }
         if (app.exit(error) == 0) return false;  // a request for help ends up here too
         throw UsageError(error.what());
     } catch (const UsageError& error) {
