@@ -1,6 +1,21 @@
 # How our own code is compiled. Nothing here reaches the targets of a project that embeds us.
 
-find_program(LUM_CCACHE ccache)
+# What holds unless whoever configures says otherwise. Nothing of it is kept for a project that embeds us.
+macro(lum_set_defaults)
+  if(PROJECT_IS_TOP_LEVEL)
+    option(BUILD_SHARED_LIBS "Build a shared library rather than a static one" ON)
+    get_property(LUM_HAS_CONFIGURATIONS GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+    if(NOT CMAKE_BUILD_TYPE AND NOT LUM_HAS_CONFIGURATIONS)
+      set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
+    endif()
+  elseif(NOT DEFINED BUILD_SHARED_LIBS)
+    set(BUILD_SHARED_LIBS ON)
+  endif()
+endmacro()
+
+if(PROJECT_IS_TOP_LEVEL)
+  find_program(LUM_CCACHE ccache)
+endif()
 if(PROJECT_IS_TOP_LEVEL AND LUM_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   # A precompiled header hides the macros and time stamps of the headers in it from ccache, which refuses to cache
   # such units unless it is told that both may be ignored.
@@ -46,6 +61,10 @@ endfunction()
 # Hidden visibility does not reach the instances of standard templates (namespace std asks for default visibility);
 # the version script keeps them in. It cannot export what LUM_API does not mark.
 function(lum_restrict_exports target)
+  get_target_property(type ${target} TYPE)
+  if(NOT type STREQUAL "SHARED_LIBRARY")
+    return()
+  endif()
   set(script ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
   target_link_options(${target} PRIVATE -Wl,--version-script=${script} -Wl,-Bsymbolic-functions)
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})

@@ -1,10 +1,20 @@
-# What a user of the library gets: the shared library, the public headers with the tables that they include, a CMake
-# package and a pkg-config file.
-include(GNUInstallDirs)
+# What is installed, in components that become packages: the library; the public headers with the tables that they
+# include, a CMake package, a pkg-config file, the guides and the examples that these show; the tool with its pages.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS lumcommon EXPORT LumCommonTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
-                                                  NAMELINK_COMPONENT development)
+get_target_property(type lumcommon TYPE)
+set(LUM_IS_STATIC OFF)
+set(LUM_REQUIRES icu-uc)  # the headers use it
+set(LUM_REQUIRES_PRIVATE "icu-i18n zlib uuid")
+if(type STREQUAL "STATIC_LIBRARY")
+  set(LUM_IS_STATIC ON)
+  string(APPEND LUM_REQUIRES " ${LUM_REQUIRES_PRIVATE}")
+  set(LUM_REQUIRES_PRIVATE "")
+endif()
+
+install(TARGETS lumcommon EXPORT LumCommonTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 
 lum_public_headers(headers)
 foreach(header ${headers})
@@ -18,24 +28,29 @@ foreach(header ${headers})
   endforeach()
 endforeach()
 
-install(EXPORT LumCommonTargets NAMESPACE LumCommon:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/LumCommon
-        COMPONENT development)
+set(LUM_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/LumCommon)
+install(EXPORT LumCommonTargets NAMESPACE LumCommon:: DESTINATION ${LUM_PACKAGE_DIR} COMPONENT development)
 configure_package_config_file(cmake/LumCommonConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/LumCommonConfig.cmake
-                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/LumCommon)
+                              INSTALL_DESTINATION ${LUM_PACKAGE_DIR})
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/LumCommonConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/LumCommonConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/LumCommonConfigVersion.cmake
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/LumCommon COMPONENT development)
+        DESTINATION ${LUM_PACKAGE_DIR} COMPONENT development)
 
-# The file bears the folders as they were given. It is written at install time, as `cmake --install --prefix` may name
-# another prefix than the configuration did.
-install(CODE "
-  set(PROJECT_VERSION \"${PROJECT_VERSION}\")
-  set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
+set(LUM_PC_FILE ${CMAKE_CURRENT_BINARY_DIR}/lumcommon.pc)
+set(code "")
+foreach(name PROJECT_VERSION PROJECT_DESCRIPTION LUM_REQUIRES LUM_REQUIRES_PRIVATE LUM_PC_FILE)
+  string(APPEND code "set(${name} \"${${name}}\")\n")
+endforeach()
+install(CODE "${code}
   set(LUM_LIBDIR \"${CMAKE_INSTALL_LIBDIR}\")
   set(LUM_INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
-  configure_file(\"${CMAKE_CURRENT_SOURCE_DIR}/cmake/lumcommon.pc.in\"
-                 \"${CMAKE_CURRENT_BINARY_DIR}/lumcommon.pc\" @ONLY)
+  include(\"${CMAKE_CURRENT_SOURCE_DIR}/cmake/writePkgConfig.cmake\")
 " COMPONENT development)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumcommon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+install(FILES ${LUM_PC_FILE} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# In the folders that their links name.
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
         COMPONENT development)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
+        FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.cpp PATTERN expected EXCLUDE)

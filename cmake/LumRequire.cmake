@@ -1,12 +1,23 @@
 # What a configuration needs from the system, asked for in one place, so that everything missing is named at once and
 # with the Debian package that has it, before CMake's own messages about a single part.
 
+# lum_read_version(RESULT): the version that the public header names, which is the only place that does.
+function(lum_read_version result)
+  set(header ${CMAKE_CURRENT_SOURCE_DIR}/lumcommon/core/LumVersion.h)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
+  file(STRINGS ${header} numbers REGEX "^#define LUM_VERSION_(MAJOR|MINOR|PATCH) [0-9]+$")
+  list(TRANSFORM numbers REPLACE "^.* " "")
+  list(JOIN numbers "." version)
+  set(${result} ${version} PARENT_SCOPE)
+endfunction()
+
 function(lum_report_missing missing)
   if(missing)
     list(REMOVE_DUPLICATES missing)
     list(JOIN missing " " packages)
     message(FATAL_ERROR "LumCommon cannot be configured: something that it needs is not installed. On Debian, as root:\n"
                         "  apt-get install --no-install-recommends ${packages}\n"
+                        "The library alone needs less: cmake --preset library.\n"
                         "scripts/demo and scripts/test install what they need when they are run as root.")
   endif()
 endfunction()
