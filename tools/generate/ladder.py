@@ -57,7 +57,7 @@ def draw():
     height = 2 * MARGIN + BOX_HEIGHT + STEP * top
     lines = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height}" width="{WIDTH}" height="{height}" '
              'font-family="sans-serif" font-size="14">',
-             f'<!-- {mark()} -->',
+             f'<!-- {mark().replace(" --write", "")} -->',
              '<title>The rooms of the library; an arrow leads to what a room includes</title>',
              '<defs><marker id="head" viewBox="0 0 8 8" refX="8" refY="4" markerWidth="8" markerHeight="8" orient="auto">'
              '<path d="M0 0L8 4L0 8z" fill="#557"/></marker></defs>',
