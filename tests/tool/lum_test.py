@@ -163,6 +163,11 @@ def check_events():
     lone = events("-", stdin=b"\xff\xfe" + f"<a>{text}</a>".encode("utf-16-le", "surrogatepass"))
     expect("escapes, or a lone surrogate that breaks the line", lone[1]["text"],
            text.replace("\udd1e", "\ufffd"))
+    long_name, long_text = "n" * 300, "x" + "\U0001d11e\n\"" * 30000
+    longest = events("-", stdin=f"<{long_name} a='v'>{'<e>' * 100}{long_text}{'</e>' * 100}</{long_name}>".encode())
+    expect("what fits in no block", (longest[0]["name"], longest[0]["attributes"][0]["value"], longest[101]["text"]),
+           (long_name, "v", long_text))
+    expect("depth", [e["depth"] for e in longest[:101]], list(range(1, 102)))
 
 
 DOCUMENT = ('<?xml version="1.0"?><!-- gone --><a xmlns="urn:u" xmlns:p="urn:p" p:b="1&lt;2">\n t &amp; \u65e5'

@@ -7,8 +7,9 @@
 #include "Limits.h"
 #include "Output.h"
 
+#include <array>
+#include <cstring>
 #include <iostream>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -34,55 +35,80 @@ void describe(Syntax& syntax, Arguments& arguments) {
     syntax.required("file", arguments.file, fileHelp);
 }
 
-void addTag(JsonLines& lines, const LumXmlParser& parser, bool isEmptyElement) {
-    lines.add(",");
-    lines.addNames(parser.getPrefix(), parser.getName(), parser.getNamespace());
-    if (isEmptyElement) {
-        lines.add(",\"empty\":true,\"attributes\":[");
-    } else {
-        lines.add(",\"empty\":false,\"attributes\":[");
-    }
-    const int count = parser.getAttributeCount();  // -1 at an end tag
-    for (int i = 0; i < count; ++i) {
-        if (i > 0) {
-            lines.add(",{");
-        } else {
-            lines.add("{");
+/// What stands in a line before the column, in two pieces that many events share.
+class LineHeads {
+public:
+    char* put(char* out, const LumXmlParser& parser, LumXmlParser::EventType event) {
+        const int depth = parser.getDepth(), line = parser.getLineNumber();
+        auto& head = heads_[static_cast<std::size_t>(event)][static_cast<std::size_t>(depth) % keptDepths];
+        if (head.number != depth) [[unlikely]] {
+            head.assign("{\"event\":" + Json(toUtf8(LumXmlParser::getEventTypeStr(event))).toString() + ",\"depth\":",
+                        depth);
         }
-        lines.addNames(parser.getAttributePrefix(i), parser.getAttributeName(i), parser.getAttributeNamespace(i));
-        lines.add(",\"value\":");
-        lines.quote(parser.getAttributeValue(i));
-        lines.add("}");
+        if (line_.number != line) line_.assign(",\"line\":", line, ",\"column\":");
+        return JsonLines::put(line_.put(head.put(out)), parser.getColumnNumber());
     }
-    lines.add("]");
+    static constexpr std::size_t room = 128;
+
+private:
+    static constexpr std::size_t keptDepths = 64;
+
+    template <std::size_t room>
+    struct Piece {
+        int number = -1;
+        std::uint32_t length = 0;
+        char text[room];
+
+        void assign(const std::string& before, int value, const char* after = "") {
+            number = value;
+            length = static_cast<std::uint32_t>((before + std::to_string(value) + after).copy(text, sizeof text));
+        }
+        char* put(char* out) const {
+            std::memcpy(out, text, sizeof text);  // a constant size takes no call
+            return out + length;
+        }
+    };
+
+    std::array<std::array<Piece<56>, keptDepths>, LumXmlParser::DOCDECL + 1> heads_;
+    Piece<32> line_;
+};
+
+enum Frame : unsigned { START, EMPTY_START, END, EMPTY_END, ATTRIBUTE };
+constexpr JsonLines::Frame frames[] = {
+    {",", ",\"empty\":false,\"attributes\":["},
+    {",", ",\"empty\":true,\"attributes\":["},
+    {",", ",\"empty\":false,\"attributes\":[]}"},
+    {",", ",\"empty\":true,\"attributes\":[]}"},
+    {"{", ",\"value\":"},
+};
+
+char* putTagNames(JsonLines& lines, char* out, unsigned frame, const LumXmlParser& parser) {
+    return lines.addNames(out, frame, frames[frame], parser.getPrefix(), parser.getName(), parser.getNamespace());
 }
 
-/// How the line of an event begins.
-const std::string& headOf(LumXmlParser::EventType event) {
-    static std::map<LumXmlParser::EventType, std::string> heads;
-    std::string& head = heads[event];
-    if (head.empty()) {
-        head = "{\"event\":" + Json(toUtf8(LumXmlParser::getEventTypeStr(event))).toString() + ",\"depth\":";
+char* putAttributes(JsonLines& lines, char* out, const LumXmlParser& parser) {
+    const int count = parser.getAttributeCount();
+    for (int i = 0; i < count; ++i) {
+        out = lines.addNames(out, ATTRIBUTE, frames[ATTRIBUTE], parser.getAttributePrefix(i),
+                             parser.getAttributeName(i), parser.getAttributeNamespace(i));
+        out = JsonLines::put(lines.quote(out, parser.getAttributeValue(i)), "},");
     }
-    return head;
+    return count > 0 ? out - 1 : out;  // no comma after the last
 }
 
 /// @param isEmptyElement  whether a tag is that of an empty element, including the end tag that is made up for it.
-void addEvent(JsonLines& lines, const LumXmlParser& parser, LumXmlParser::EventType event, bool isEmptyElement) {
-    lines.add(headOf(event));
-    lines.add(parser.getDepth());
-    lines.add(",\"line\":");
-    lines.add(parser.getLineNumber());
-    lines.add(",\"column\":");
-    lines.add(parser.getColumnNumber());
-    if (event == LumXmlParser::START_TAG || event == LumXmlParser::END_TAG) {
-        addTag(lines, parser, isEmptyElement);
+void addEvent(JsonLines& lines, LineHeads& heads, const LumXmlParser& parser, LumXmlParser::EventType event,
+              bool isEmptyElement) {
+    char* out = heads.put(lines.room(lines.begin(), LineHeads::room), parser, event);
+    if (event == LumXmlParser::START_TAG) {
+        out = putTagNames(lines, out, isEmptyElement ? EMPTY_START : START, parser);
+        out = JsonLines::put(putAttributes(lines, out, parser), "]}");
+    } else if (event == LumXmlParser::END_TAG) {
+        out = putTagNames(lines, out, isEmptyElement ? EMPTY_END : END, parser);
     } else {
-        lines.add(",\"text\":");
-        lines.quote(parser.getText());
+        out = JsonLines::put(lines.quote(JsonLines::put(out, ",\"text\":"), parser.getText()), "}");
     }
-    lines.add("}");
-    lines.endLine();
+    lines.endLine(out);
 }
 
 void run(const Arguments& arguments) {
@@ -101,12 +127,13 @@ void run(const Arguments& arguments) {
         parser->setInput(toUri(arguments.file), fromArgument(arguments.encoding), {});
     }
     JsonLines lines;
+    LineHeads heads;
     LumXmlParser::EventType event;
     bool isEmptyElement = false;
     do {
         event = arguments.isTokens ? parser->nextToken() : parser->next();
         if (event == LumXmlParser::START_TAG) isEmptyElement = parser->isEmptyElementTag();
-        addEvent(lines, *parser, event, isEmptyElement);
+        addEvent(lines, heads, *parser, event, isEmptyElement);
         if (event != LumXmlParser::START_TAG) isEmptyElement = false;
     } while (event != LumXmlParser::END_DOCUMENT);
     lines.flush();

@@ -4,11 +4,15 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
-#include <cstdint>
-#include <cstring>
-#include <string_view>
+#include <string>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include "Json.h"
 #include "Output.h"
 
 namespace lum {
@@ -18,81 +22,84 @@ using namespace LumCommon;
 namespace {
 
 constexpr std::size_t bytesPerUnit = 6;  // "\u0001"
+constexpr std::ptrdiff_t chunkUnits = 2048;
 
 constexpr bool isPlain(char16_t c) { return c >= 0x20 && c < 0x80 && c != u'"' && c != u'\\'; }
 
-/// Copies `count` characters if all are plain; else what is at `out` means nothing. The compiler turns both loops into
-/// vector instructions.
-template <std::ptrdiff_t count>
-bool copyBlock(const char16_t* from, char* out) {
+/// Copies 4, 8 or 16 characters, of which those mean something that are plain.
+/// @return  a bit for each that is not, the first one lowest.
+template <int count>
+unsigned copyBlock(const char16_t* from, char* out) {
+#if defined(__SSE2__)
+    const auto* const units = reinterpret_cast<const __m128i*>(from);
+    const __m128i low = count == 4 ? _mm_loadl_epi64(units) : _mm_loadu_si128(units);
+    const __m128i high = count == 16 ? _mm_loadu_si128(units + 1) : low;
+    const __m128i bytes = _mm_packus_epi16(low, high);                   // what is above 0xFF becomes 0xFF or 0
+    const __m128i control = _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20));  // signed: all from 0x80 on, too
+    const __m128i special =
+        _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\')));
+    std::memcpy(out, &bytes, count);
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(control, special))) & ((1u << count) - 1);
+#else
     unsigned special = 0;
-    for (std::ptrdiff_t i = 0; i < count; ++i) special |= isPlain(from[i]) ? 0 : 1;
-    for (std::ptrdiff_t i = 0; i < count; ++i) out[i] = static_cast<char>(from[i]);
-    return special == 0;
-}
-
-/// Four characters in one word.
-template <>
-bool copyBlock<4>(const char16_t* from, char* out) {
-    constexpr std::uint64_t each = 0x0001000100010001, top = 0x8000 * each;
-    std::uint64_t units;
-    std::memcpy(&units, from, sizeof units);
-    // With its highest bit set, a unit keeps it unless it is less than what is subtracted.
-    const std::uint64_t plain =
-        ((units | top) - 0x20 * each) & (((units ^ '"' * each) | top) - each) & (((units ^ '\\' * each) | top) - each);
-    if ((units & 0xFF80 * each) != 0 || (plain & top) != top) return false;
-    units = (units | units >> 8) & 0x0000FFFF0000FFFF;
-    const auto bytes = static_cast<std::uint32_t>(units | units >> 16);
-    std::memcpy(out, &bytes, sizeof bytes);
-    return true;
-}
-
-/// The same for any number of characters from 4 on: the last block may have some that were copied before.
-bool copyShort(const char16_t* from, const char16_t* end, char* out) {
-    for (; end - from > 4; from += 4, out += 4) {
-        if (!copyBlock<4>(from, out)) return false;
+    for (int i = 0; i < count; ++i) {
+        out[i] = static_cast<char>(from[i]);
+        special |= isPlain(from[i]) ? 0u : 1u << i;
     }
-    const std::ptrdiff_t again = 4 - (end - from);
-    return copyBlock<4>(from - again, out - again);
+    return special;
+#endif
 }
 
-/// Copies a run of plain characters.
-char* copyPlain(const char16_t*& from, const char16_t* end, char* out) {
-    for (; end - from >= 16 && copyBlock<16>(from, out); from += 16) out += 16;
-    for (; end - from >= 4 && copyBlock<4>(from, out); from += 4) out += 4;
-    while (from != end && isPlain(*from)) *out++ = static_cast<char>(*from++);
+/// How each ASCII character is written.
+struct Form {
+    char text[7] = {};
+    std::uint8_t length = 0;
+};
+
+constexpr std::array<Form, 0x80> forms = [] {
+    constexpr std::string_view digits = "0123456789abcdef", shortForms = "\"\"\\\\\bb\ff\nn\rr\tt";
+    std::array<Form, 0x80> all;
+    for (unsigned c = 0; c < all.size(); ++c) {
+        all[c] = isPlain(static_cast<char16_t>(c)) ? Form{{static_cast<char>(c)}, 1}
+                                                   : Form{{'\\', 'u', '0', '0', digits[c >> 4], digits[c & 15]}, 6};
+    }
+    for (std::size_t i = 0; i < shortForms.size(); i += 2) {  // a character and its letter
+        all[static_cast<unsigned char>(shortForms[i])] = {{'\\', shortForms[i + 1]}, 2};
+    }
+    return all;
+}();
+
+/// One character. An unpaired surrogate becomes U+FFFD. Up to eight bytes are written, whatever the length is.
+inline char* putCharacter(char* out, const char16_t*& from, const char16_t* end) {
+    UChar32 c = *from++;
+    if (c < 0x80) {
+        std::memcpy(out, &forms[static_cast<std::size_t>(c)], sizeof(Form));
+        return out + forms[static_cast<std::size_t>(c)].length;
+    }
+    if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) c = U16_GET_SUPPLEMENTARY(c, *from++);
+    if (U_IS_SURROGATE(c)) c = 0xFFFD;
+    std::size_t length = 0;
+    U8_APPEND_UNSAFE(out, length, c);
+    return out + length;
+}
+
+template <int count>
+char* putBlocks(char* out, const char16_t*& from, const char16_t* end) {
+    while (end - from >= count) {
+        const unsigned special = copyBlock<count>(from, out);
+        const int plain = special == 0 ? count : std::countr_zero(special);
+        from += plain;
+        out += plain;
+        if (special != 0) out = putCharacter(out, from, end);
+    }
     return out;
 }
 
-char* appendEscape(char* out, char16_t c) {
-    constexpr std::string_view shortForms = "\"\"\\\\\bb\ff\nn\rr\tt";  // a character and its letter
-    *out++ = '\\';
-    for (std::size_t i = 0; i < shortForms.size(); i += 2) {
-        if (shortForms[i] != static_cast<char>(c)) continue;
-        *out++ = shortForms[i + 1];
-        return out;
-    }
-    constexpr std::string_view digits = "0123456789abcdef";
-    for (const char digit : {'u', '0', '0', digits[c >> 4], digits[c & 15]}) *out++ = digit;
+char* putText(char* out, const char16_t* from, const char16_t* end) {
+    out = putBlocks<16>(out, from, end);
+    out = putBlocks<4>(out, from, end);
+    while (from != end) out = putCharacter(out, from, end);
     return out;
-}
-
-/// An unpaired surrogate becomes U+FFFD.
-char* appendText(char* out, const char16_t* from, const char16_t* end) {
-    for (;;) {
-        out = copyPlain(from, end, out);
-        if (from == end) return out;
-        UChar32 c = *from++;
-        if (c < 0x80) {
-            out = appendEscape(out, static_cast<char16_t>(c));
-            continue;
-        }
-        if (U16_IS_LEAD(c) && from != end && U16_IS_TRAIL(*from)) c = U16_GET_SUPPLEMENTARY(c, *from++);
-        if (U_IS_SURROGATE(c)) c = 0xFFFD;
-        std::size_t length = 0;
-        U8_APPEND_UNSAFE(out, length, c);
-        out += length;
-    }
 }
 
 }  // namespace
@@ -105,47 +112,82 @@ JsonLines::~JsonLines() {
     }
 }
 
-void JsonLines::add(int number) {
-    constexpr std::size_t longest = 16;
-    char* const out = room(longest);
-    used_ += static_cast<std::size_t>(std::to_chars(out, out + longest, number).ptr - out);
+char* JsonLines::putLong(char* out, int number) noexcept { return std::to_chars(out, out + numberRoom, number).ptr; }
+
+bool JsonLines::copyShort(const char16_t* from, std::size_t units, char* out) noexcept {
+    // Two blocks that overlap take the place of a loop.
+    const auto copyEnds = [=](auto copy, std::size_t size) {
+        return (copy(from, out) | copy(from + units - size, out + units - size)) == 0;
+    };
+    if (units >= 16) return copyEnds(copyBlock<16>, 16);
+    if (units >= 8) return copyEnds(copyBlock<8>, 8);
+    if (units >= 4) return copyEnds(copyBlock<4>, 4);
+    const char16_t first = from[0], middle = from[units / 2], last = from[units - 1];
+    out[0] = static_cast<char>(first);
+    out[units / 2] = static_cast<char>(middle);
+    out[units - 1] = static_cast<char>(last);
+    return isPlain(first) && isPlain(middle) && isPlain(last);
 }
 
-void JsonLines::quote(const UnicodeString& text) {
-    const auto units = static_cast<std::size_t>(std::max(text.length(), 0));
-    char* const start = room(bytesPerUnit * units + 2);
-    char* out = start;
-    *out++ = '"';
+char* JsonLines::quoteAny(char* out, const UnicodeString& text) {
+    const std::ptrdiff_t units = text.length();
     const char16_t* const from = text.getBuffer();
-    const char16_t* const end = from + units;
-    if (units >= 4 && units < 16 && copyShort(from, end, out)) {
-        out += units;
-    } else if (units > 0) {
-        out = appendText(out, from, end);
+    if (units > chunkUnits) return quoteLong(out, from, from + units);
+    out = put(room(out, bytesPerUnit * static_cast<std::size_t>(units) + 2), "\"");
+    return put(putText(out, from, from + units), "\"");
+}
+
+char* JsonLines::quoteLong(char* out, const char16_t* from, const char16_t* end) {
+    out = put(room(out, 1), "\"");
+    while (from != end) {
+        const char16_t* stop = end - from > chunkUnits ? from + chunkUnits : end;
+        if (stop != end && U16_IS_LEAD(stop[-1])) --stop;
+        out = putText(room(out, bytesPerUnit * chunkUnits), from, stop);
+        from = stop;
     }
-    *out++ = '"';
-    used_ += static_cast<std::size_t>(out - start);
+    return put(room(out, 1), "\"");
 }
 
-void JsonLines::addNewNames(NamesSlot& slot, const Names& names) {
-    const std::size_t before = used_;
-    add("\"prefix\":");
-    quote(names.prefix.getString());
-    add(",\"name\":");
-    quote(names.name.getString());
-    add(",\"namespace\":");
-    quote(names.namespaceUri.getString());
-    const std::size_t length = used_ - before;
-    if (length > sizeof(slot.json)) return;
-    std::memcpy(slot.json, buffer_.data() + before, length);
-    slot.length = static_cast<std::uint32_t>(length);
-    slot.names = names;
+char* JsonLines::putAnyLength(char* out, std::string_view json) {
+    if (json.size() > bufferBytes - slack) {
+        out = handOver(out);
+        print(json);
+        return out;
+    }
+    out = room(out, json.size());
+    return out + json.copy(out, json.size());
 }
 
-void JsonLines::flush() {
-    const std::size_t count = used_;
-    used_ = 0;
-    print({buffer_.data(), count});
+std::string JsonLines::jsonOf(const Names& names, const Frame& frame) {
+    const auto quoted = [](std::uint64_t id) {
+        return Json(toUtf8(LumName(static_cast<LumNameEnum>(id & 0xFFFFFFFF)))).toString();
+    };
+    std::string json(frame.before);
+    json.append("\"prefix\":").append(quoted(names.low >> 32)).append(",\"name\":").append(quoted(names.low));
+    json.append(",\"namespace\":").append(quoted(names.high >> 32)).append(frame.after);
+    return json;
+}
+
+const JsonLines::NamesSlot* JsonLines::findOther(const Names& names, std::size_t home, const Frame& frame) {
+    NamesSlot* free = nullptr;
+    for (std::size_t i = 0; i < probes; ++i) {
+        NamesSlot& slot = names_[(home + i) % names_.size()];
+        if (slot.names == names) return &slot;
+        if (!free && slot.length == 0) free = &slot;
+    }
+    const std::string json = jsonOf(names, frame);
+    if (json.size() > sizeof(free->json)) return nullptr;
+    if (!free) free = &names_[(home + replaced_++ % probes) % names_.size()];
+    free->names = names;
+    free->length = static_cast<std::uint32_t>(json.copy(free->json, sizeof(free->json)));
+    return free;
+}
+
+char* JsonLines::handOver(char* end) {
+    const char* const begin = buffer_.get();
+    next_ = buffer_.get();
+    print({begin, static_cast<std::size_t>(end - begin)});
+    return next_;
 }
 
 }  // namespace lum

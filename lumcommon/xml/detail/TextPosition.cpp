@@ -3,6 +3,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 
 #if defined(__SSE2__)
@@ -65,7 +66,10 @@ const std::uint16_t* findLineFeeds(const char16_t* from, const char16_t* to, std
 #if defined(__SSE2__)
     for (; to - p >= 16; p += 16) {
         auto feeds = static_cast<unsigned>(_mm_movemask_epi8(lineFeeds(p)));
-        for (; feeds; feeds &= feeds - 1) *notes++ = static_cast<std::uint16_t>(p - from + __builtin_ctz(feeds));
+        // Noted whether there is one or not: nobody can foretell it.
+        *notes = static_cast<std::uint16_t>(p - from + std::countr_zero(feeds | 0x8000));
+        notes += feeds != 0;
+        while ((feeds &= feeds - 1) != 0) *notes++ = static_cast<std::uint16_t>(p - from + std::countr_zero(feeds));
     }
 #endif
     for (; p != to; ++p) {
