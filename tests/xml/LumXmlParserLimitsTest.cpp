@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumcommon/xml/LumXmlErrorCode.h>
+
 #include <chrono>
 #include <cstdio>
 #include <limits>
@@ -241,3 +243,24 @@ TEST(LumXmlParserLimits, columnsCountOnWhereAnIntDoesNotHoldThem) {
 }
 
 }  // namespace
+
+TEST(LumXmlErrorCode, hasANameAndACause) {
+    namespace Code = LumCommon::LumXmlErrorCode;
+    const struct {
+        const char* fault;
+        unsigned code;
+        const char *name, *cause;
+    } rows[] = {
+        {"the first", Code::MissingEndTag, "MissingEndTag", "the input ends while elements are open"},
+        {"a quote is lost", 0x1828, "CDataSyntax", "\"[\" is missing after \"<![CDATA\""},
+        {"what a callback hears", 0x1E1E, "UndefinedEntity", "an entity that is not declared; a callback hears 0x1E1E"},
+        {"the last", 0x1856, "AttributeDefault", "the declaration of an attribute has no proper default"},
+        {"after the last", 0x1857, nullptr, nullptr},
+        {"another family", 0x1003, nullptr, nullptr},
+        {"heard, but of no such code", 0x1E01, nullptr, nullptr},
+    };
+    for (const auto& row : rows) {
+        EXPECT_STREQ(Code::getName(row.code), row.name) << row.fault;
+        EXPECT_STREQ(Code::getCause(row.code), row.cause) << row.fault;
+    }
+}
