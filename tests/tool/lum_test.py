@@ -1,15 +1,19 @@
 #!/usr/bin/env python3
 """Runs the tool on small inputs and compares what it writes and how it ends.   Usage: lum_test.py LUM"""
+import collections
 import http.server
 import io
 import json
 import os
 import pathlib
+import re
 import resource
 import subprocess
 import sys
 import tempfile
 import threading
+import time
+import xml.etree.ElementTree
 import zipfile
 
 LUM = os.path.abspath(sys.argv[1])
@@ -47,19 +51,20 @@ def events(*arguments, stdin=b""):
 def check_small_commands():
     rows = [
         ("version", ["version"], "309\n"),
+        ("--version", ["--version"], "lum 3.9.0\n"),
         ("resolves against the file, not the folder", ["resolve", "http://h/a/b.xml", "../c.xml"], "http://h/c.xml\n"),
         ("built-in name", ["name", "block"], '{"id":303,"builtin":true}\n'),
         ("name made at run time", ["name", "no such name"], '{"id":1598,"builtin":false}\n'),
         ("empty name", ["name", ""], '{"id":0,"builtin":false}\n'),
         ("tokens", ["tokens", "12pt/a'b'"],
-         '{"kind":-2,"text":"pt","number":12.0}\n{"kind":47,"text":"","number":0.0}\n'
-         '{"kind":-3,"text":"a","number":0.0}\n{"kind":-5,"text":"b","number":0.0}\n'),
+         '{"kind":-2,"text":"pt","number":12.0,"kindName":"number"}\n{"kind":47,"text":"","number":0.0,"kindName":"delimiter"}\n'
+         '{"kind":-3,"text":"a","number":0.0,"kindName":"name"}\n{"kind":-5,"text":"b","number":0.0,"kindName":"string"}\n'),
         ("no token", ["tokens", "  "], ""),
         ("a sign taken for an option", ["tokens", "-1"],
-         '{"kind":45,"text":"","number":0.0}\n{"kind":-2,"text":"","number":1.0}\n'),
+         '{"kind":45,"text":"","number":0.0,"kindName":"delimiter"}\n{"kind":-2,"text":"","number":1.0,"kindName":"number"}\n'),
         ("text that looks like an option", ["tokens", "--", "-a"],
-         '{"kind":45,"text":"","number":0.0}\n{"kind":-3,"text":"a","number":0.0}\n'),
-        ("length", ["value", "12pt"], '{"kind":2,"unit":9,"string":"12pt"}\n'),
+         '{"kind":45,"text":"","number":0.0,"kindName":"delimiter"}\n{"kind":-3,"text":"a","number":0.0,"kindName":"name"}\n'),
+        ("length", ["value", "12pt"], '{"kind":2,"unit":9,"string":"12pt","kindName":"real","unitName":"pt"}\n'),
         ("digit by digit unless asked otherwise", ["kansuji", "p. 2024"], "p. \u4e8c\u3007\u4e8c\u56db\n"),
         ("--style", ["kansuji", "--style", "readable", "12345"], "\u4e00\u4e07\u4e8c\u5343\u4e09\u767e\u56db\u5341\u4e94\n"),
         ("--digits by name", ["kansuji", "--style=grouping", "--digits", "latin", "12000"], "\uff11\u4e07\uff12\uff10\uff10\uff10\n"),
@@ -70,20 +75,17 @@ def check_small_commands():
         ("script by its code", ["script", "Thai"], '{"script":"Thai","code":38,"letter":"\u0e01","named":true}\n'),
         ("script by a tag", ["script", "ja-JP"], '{"script":"Jpan","code":-8,"letter":"\u3042","named":true}\n'),
         ("script of text", ["script", "1. \u0416"], '{"script":"Cyrl","code":8,"letter":"\u0410","named":false}\n'),
-        ("quoted string", ["value", " 'a b' "], '{"kind":4,"unit":21,"string":"a b"}\n'),
-        ("empty value", ["value", ""], '{"kind":4,"unit":0,"string":""}\n'),
+        ("quoted string", ["value", " 'a b' "], '{"kind":4,"unit":21,"string":"a b","kindName":"string","unitName":"quoted"}\n'),
+        ("empty value", ["value", ""], '{"kind":4,"unit":0,"string":"","kindName":"string","unitName":"none"}\n'),
         ("keyword form", ["color", "--svg", "#f00"],
          '{"rgb":"00FF0000","space":"","name":"","components":[],"string":"red"}\n'),
-        ("no colour", ["color", "5pt"], '{"rgb":"FF000000","space":"","name":"","components":[],"string":""}\n'),
-        ("icc-color without leave", ["color", "red icc-color(#GRAYSCALE,.1)"],
-         '{"rgb":"FF000000","space":"","name":"","components":[],"string":""}\n'),
         ("icc-color", ["color", "--icc", "--svg", "red icc-color(#GRAYSCALE,.1)"],
          '{"rgb":"00FF0000","space":"#GRAYSCALE","name":"","components":[0.1],'
          '"string":"red icc-color(#GRAYSCALE,0.1)"}\n'),
         ("ink", ["color", "rgb-icc(#SEPARATION, 'Gold', 50%, 0,.2,1,0)"],
          '{"rgb":"00808080","space":"#SEPARATION","name":"Gold","components":[0.5,0.0,0.2,1.0,0.0],'
          '"string":"rgb-icc(#SEPARATION,\\"Gold\\",0.5,0,0.2,1,0)"}\n'),
-        ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5"}\n'),
+        ("plain text", ["value", "a b \u65e5"], '{"kind":4,"unit":0,"string":"a b \u65e5","kindName":"string","unitName":"none"}\n'),
         ("a line a number", ["number", "(i)", "4", "-1", "4000"], "(iv)\n(-1)\n(4000)\n"),
         ("language and format in UTF-8", ["number", "--lang", "sv-SE", "\u3014a", "27"], "\u3014\u00e5\n"),
         ("groups", ["number", "--separator", ",", "--size", "3", "1", "1234567"], "1,234,567\n"),
@@ -139,7 +141,7 @@ def check_events():
            [("COMMENT", "c"), ("TEXT", "t"), ("CDSECT", "u")])
     expect("--encoding does not reach the parser", events("--encoding", "ISO-8859-1", "-", stdin=b" <a>\xe9</a>")[1]["text"],
            "\u00e9")
-    undeclared = run("events", "--feature", "1", "--feature", "2", "-", stdin=b"<a q:b='&none;'/>")
+    undeclared = run("events", "--feature", "1", "--feature", "allow-undeclared-prefix", "-", stdin=b"<a q:b='&none;'/>")
     expect("--feature does not reach the parser", undeclared.returncode, 0)
     wrong, declared = b"<a><? p?></a>", b"<!DOCTYPE a [<!ATTLIST a b CDATA 'c'>]><a/>"
     expect("--conforming does not reach the parser",
@@ -291,11 +293,11 @@ def check_resources():
         expect(fault, (done.returncode, done.stdout, done.stderr), (0, expected, b""))
     expect("standard input", run("cat", "-", stdin=b"\x00a").stdout, b"\x00a")
     rows = [
-        ("missing file", "none", b"none"),
+        ("missing file", "none", b"none (No such file or directory)"),
         ("no reason given", host + "/no", host.encode() + b"/no (HTTP status is 404 Not Found)"),
         ("https:", "https://127.0.0.1/", b"https://127.0.0.1/ (No http scheme)"),
         ("missing member", f"jar:{host}/a.zip!/x", f"jar:{host}/a.zip!/x".encode()),
-        ("no comma", "data:a", b"data:a"),
+        ("no comma", "data:a", b"data:a (no comma before the data)"),
     ]
     for fault, uri, what in rows:
         done = run("cat", uri)
@@ -305,15 +307,116 @@ def check_resources():
     server.server_close()
 
 
+def check_tree_and_stats():
+    document = ("<p:r xmlns:p='urn:p' w='12pt' c='#f00' t='50%'>\n<a>tab\t\x7f\u20ac</a><a p:q='x y'><b/></a></p:r>")
+    prints("tree", ["tree", "--text", "5", "-"], """p:r
+  @xmlns:p "urn:p"  namespace
+  @w "12pt"  length in pt
+  @c "#f00"  color
+  @t "50%"  percentage
+  a
+    "tab\\t\\u007f"...
+  a
+    @p:q "x y"  string
+    b
+""", stdin=document.encode())
+    path = FOLDER / "large.xml"
+    root = xml.etree.ElementTree.parse(path).getroot()
+    names = collections.Counter(e.tag for e in root.iter())
+    texts = [text for e in root.iter() for text in (e.text, e.tail) if text]
+    got = json.loads(run("stats", "--json", path).stdout)
+    expect("stats", [got[key] for key in ("elements", "attributes", "depth", "texts", "textUnits")],
+           [sum(names.values()), sum(len(e.attrib) for e in root.iter()), 4, len(texts), sum(map(len, texts))])
+    expect("names by frequency", {n["name"]: n["count"] for n in got["elementNames"]}, names)
+    expect("most frequent first", got["elementNames"][0]["name"], "c")
+    expect("memory of a node", 50 < got["bytesPerNode"] < 1000, True)
+    small = json.loads(run("stats", "--json", "-", stdin=document.encode()).stdout)
+    expect("stats of a small document", [small[key] for key in ("namespaces", "namespaceDeclarations", "largestText", "bytesPerNode")],
+           [[{"namespace": "urn:p", "count": 2}], 1, {"units": 6, "line": 2}, None])
+    table = run("stats", "--top", "1", path).stdout.decode()
+    expect("table", [line for line in table.splitlines() if " elements" in line or "names of" in line],
+           [f"{sum(names.values()):12}  elements", "           4  elements deep", f"names of elements (1 of {len(names)})", "names of attributes"])
+
+
+def on_terminal(arguments, environment=None, seconds=0, is_piped=True):
+    """What the tool writes to a terminal at standard error, and at standard output too unless that is a pipe, which is
+    read after so many seconds."""
+    ours, theirs = os.openpty()
+    process = subprocess.Popen([LUM, *map(str, arguments)], stdin=subprocess.DEVNULL, cwd=FOLDER, stderr=theirs,
+                               stdout=subprocess.PIPE if is_piped else theirs, env={**os.environ, "TERM": "xterm", **(environment or {})})
+    os.close(theirs)
+    time.sleep(seconds)
+    piped = process.stdout.read() if is_piped else b""
+    shown = b""
+    try:
+        while block := os.read(ours, 65536):
+            shown += block
+    except OSError:
+        pass  # nobody has it open any more
+    os.close(ours)
+    process.wait(60)
+    return piped, shown.decode().replace("\r\n", "\n")
+
+
+def check_terminal():
+    plain = {"NO_COLOR": "1"}
+    red = '{"rgb":"00FF0000","space":"","name":"","components":[],"string":"#FF0000"}'
+    write("small.xml", "<a b='1'>t</a>")
+    rows = [
+        ("colour", ["color", "red"], {}, f"{red}  \033[48;2;255;0;0m      \033[0m\n"),
+        ("NO_COLOR", ["color", "red"], plain, red + "\n"),
+        ("no colours", ["color", "red"], {"TERM": "dumb"}, red + "\n"),
+        ("tree", ["tree", "small.xml"], {}, '\033[1;34ma\033[0m\n  \033[36m@b\033[0m "1"  \033[2minteger\033[0m\n'
+                                            '  \033[32m"t"\033[0m\n'),
+        ("tree without colours", ["tree", "small.xml"], plain, 'a\n  @b "1"  integer\n  "t"\n'),
+    ]
+    for fault, arguments, environment, expected in rows:
+        expect(fault + " on a terminal", on_terminal(arguments, environment, is_piped=False)[1], expected)
+        expect(fault + " in a pipe", b"\033" in run(*arguments).stdout, False)
+    size = (FOLDER / "large.xml").stat().st_size / 1e6
+    whole = run("events", "large.xml").stdout
+    piped, shown = on_terminal(["events", "large.xml"], seconds=2.6)
+    expect("progress spoils the output", piped == whole, True)
+    expect(f"progress: {shown!r}", bool(re.fullmatch(
+        rf"(\rlum: [\d.]+ MB of {size:.1f} MB, \d+ %, \d+ s left, [\d.]+ MB/s\033\[K)+\r\033\[K", shown)), True)
+    expect("progress of what is quick", on_terminal(["events", "small.xml"])[1], "")
+    process = subprocess.Popen([LUM, "events", "large.xml"], cwd=FOLDER, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    time.sleep(2.4)
+    expect("progress where there is no terminal", process.communicate(timeout=60)[1], b"")
+
+
 def check_failures():
+    write("two.xml", "<a/><b/>")
     rows = [
         ("no command", [], 2, None),
         ("unknown command", ["frob"], 2, None),
         ("missing argument", ["resolve", "a"], 2, None),
         ("too many arguments", ["name", "a", "b"], 2, None),
         ("unknown option", ["events", "--frob", "a.xml"], 2, None),
+        ("the nearest command", ["evnts", "doc.xml"], 2,
+         b'there is no command "evnts"; did you mean "events"?\nRun with --help for more information.\n'),
+        ("the nearest command of a group", ["zip", "lst"], 2,
+         b'there is no command "zip lst"; did you mean "zip list"?\nRun with --help for more information.\n'),
+        ("a command that is far from all", ["--untrusted", "zzzzzz"], 2,
+         b'there is no command "zzzzzz"\nRun with --help for more information.\n'),
         ("feature out of range", ["events", "--feature", "8", "doc.xml"], 2, None),
-        ("feature is no number", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("feature without such a name", ["events", "--feature", "x", "a.xml"], 2, None),
+        ("encoding to write", ["save", "--encoding", "latin1", "doc.xml"], 2, None),
+        ("unknown style", ["kansuji", "--style", "roman", "1"], 2, None),
+        ("nine digits", ["kansuji", "--digits", "abcdefghi", "1"], 2, None),
+        ("unknown language", ["lang", "qq"], 2, None),
+        ("unknown country", ["number", "--lang", "en-XX", "a", "1"], 2, None),
+        ("no colour", ["color", "5pt"], 2, None),
+        ("icc-color without leave", ["color", "red icc-color(#GRAYSCALE,.1)"], 2, None),
+        ("folder to read", ["tree", "."], 1, b"lum: error 0x1003: Cannot open file: . (it is a folder)\n"),
+        ("folder to write", ["save", "doc.xml", "."], 1, b"lum: error 0x1003: Cannot open file: . (it is a folder)\n"),
+        ("archive as a compound file", ["ole", "list", "a.zip"], 1,
+         b"lum: error 0x1003: a.zip is no compound file (it is a zip archive)\n"),
+        ("archive as an office document", ["props", "a.zip"], 1,
+         b"lum: error 0x1003: a.zip is no office document (it is a zip archive)\n"),
+        ("text as an archive", ["zip", "list", "doc.xml"], 1, b"lum: error 0x1003: doc.xml is no zip archive\n"),
+        ("archive as a document", ["stats", "a.zip"], 1, lambda text: text.endswith(b" Col 1. (it is a zip archive)\n")),
+        ("cause of an error", ["events", "two.xml"], 1, lambda text: text.endswith(b" (an element follows the root element)\n")),
         ("unknown limit", ["events", "--limit", "width=1", "doc.xml"], 2, None),
         ("limit without a value", ["save", "--limit", "depth", "doc.xml"], 2, None),
         ("limit that is no number", ["save", "--limit", "depth=1x", "doc.xml"], 2, None),
@@ -321,16 +424,19 @@ def check_failures():
         ("text where a number is due", ["xlsformat", "0", "5x"], 2, None),
         ("number beyond the range", ["xlsformat", "0", "1e999"], 2, None),
         ("no value", ["xlsformat", "0"], 2, None),
-        ("missing file", ["events", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
-        ("missing file to save", ["save", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml\n"),
+        ("missing file", ["events", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml (No such file or directory)\n"),
+        ("missing file to save", ["save", "none.xml"], 1, b"lum: error 0x1003: Cannot open file: none.xml (No such file or directory)\n"),
         ("output in no folder", ["save", "doc.xml", "no/such/out.xml"], 1,
-         b"lum: error 0x1003: Cannot open file: no/such/out.xml\n"),
-        ("empty input", ["events", "-"], 1, b"lum: error 0x1004: Unexpected end of input stream.\n"),
+         b"lum: error 0x1003: Cannot open file: no/such/out.xml (there is no folder no/such)\n"),
+        ("empty input", ["events", "-"], 1, b"lum: error 0x1004: Unexpected end of input stream. (it is empty)\n"),
     ]
     for fault, arguments, status, message in rows:
         done = run(*arguments)
-        expect(fault, (done.returncode, done.stdout), (status, b""))
-        if message is not None:
+        if "two.xml" not in arguments:
+            expect(fault, (done.returncode, done.stdout), (status, b""))
+        if callable(message):
+            expect(f"{fault}: {done.stderr!r}", message(done.stderr), True)
+        elif message is not None:
             expect(fault, done.stderr, message)
         else:
             expect(fault + ": says nothing", bool(done.stderr), True)
@@ -346,7 +452,7 @@ def check_failures():
 
 
 for check in (check_small_commands, check_file_names, check_events, check_save, check_resources, check_failures, check_bounded_memory,
-              check_scarce_memory):
+              check_tree_and_stats, check_terminal, check_scarce_memory):
     check()
 print("\n".join(failures) or "all as expected")
 sys.exit(1 if failures else 0)

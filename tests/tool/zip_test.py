@@ -13,6 +13,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import xml.etree.ElementTree
 import zipfile
 
 LUM = os.path.abspath(sys.argv[1])
@@ -89,7 +90,8 @@ def check_archive(path):
         infos = archive.infolist()
         expect(f"{path.name}: listed otherwise than by zipfile", listed,
                [{"name": stored_name(i), "method": i.compress_type, "flags": i.flag_bits, "crc32": i.CRC,
-                 "compressedSize": i.compress_size, "uncompressedSize": i.file_size} for i in infos])
+                 "compressedSize": i.compress_size, "uncompressedSize": i.file_size,
+                "methodName": {0: "stored", 8: "deflated"}[i.compress_type]} for i in infos])
         for info in infos:
             done = run("zip", "cat", path, stored_name(info))
             expect(f"{path.name}!/{info.filename}: other bytes than by zipfile", (done.returncode, done.stdout),
@@ -112,14 +114,55 @@ def check_package(path):
     expect(f"{path.name}: another kind than judged", ["kind", str(kind["ooxml"])], rows[-1])
 
 
+def texts_in(path, part):
+    """The texts of a part's elements by local name, and those of a user's properties by name."""
+    with zipfile.ZipFile(path) as archive:
+        root = xml.etree.ElementTree.fromstring(archive.read(part)) if part in archive.namelist() else []
+    return {e.get("name", e.tag.split("}")[1]): "".join(e.itertext()) for e in root}
+
+
+def check_properties(path):
+    """The properties of a package, compared with what Python reads in its parts."""
+    done = run("props", path)
+    expect(f"{path.name} has no properties", (done.returncode, done.stderr), (0, b""))
+    got = json.loads(done.stdout)
+    core, app, user = (texts_in(path, f"docProps/{part}.xml") for part in ("core", "app", "custom"))
+    expect(f"{path.name}: other properties", got["properties"], core)
+    expect(f"{path.name}: other properties of the application", got["document"], app)
+    shown = {True: "1", False: "0"}
+    expect(f"{path.name}: other properties of the user", {k: shown.get(v, str(v)) for k, v in got["user"].items()}, user)
+    expect(f"{path.name}: title and author", [got[key] for key in ("title", "author")],
+           [core.get(key, "") for key in ("title", "creator")])
+
+
+def check_hostile_properties():
+    vt = "xmlns:vt='http://schemas.openxmlformats.org/officeDocument/2006/docPropsVTypes'"
+    links = "".join("<vt:variant><vt:i4>1</vt:i4></vt:variant>" * 4 + f"<vt:variant><vt:lpwstr>{target}</vt:lpwstr></vt:variant>"
+                    f"<vt:variant><vt:lpwstr>{place}</vt:lpwstr></vt:variant>" for target, place in (("u", ""), ("v", "p")))
+    rows = [
+        ("hyperlinks", f"<p {vt}><HLinks><vt:vector>{links}</vt:vector></HLinks></p>", 0, b""),
+        ("what a part names is opened", "<!DOCTYPE p [<!ENTITY e SYSTEM '/etc/hostname'>]><p><Company>&e;</Company></p>", 1, b"0x183A"),
+        ("no well-formed part", "<p><Company></p>", 1, b"0x1806"),
+        ("a part inflates for ever", "<p><Company>" + "x" * (17 << 20) + "</Company></p>", 1, b"0x1844"),
+    ]
+    for fault, part, status, code in rows:
+        with zipfile.ZipFile(FOLDER / "hostile.docx", "w", zipfile.ZIP_DEFLATED) as archive:
+            archive.writestr("[Content_Types].xml", "<Types/>")
+            archive.writestr("docProps/app.xml", part)
+        done = run("props", "hostile.docx")
+        expect(fault, (done.returncode, code in done.stderr), (status, True))
+        if status == 0:
+            expect(fault, json.loads(done.stdout)["hyperlinks"], ["u", "v", "p"])
+
+
 def check_failures():
     (FOLDER / "no.zip").write_bytes(b"PK no archive")
     whole = (FOLDER / "python8False.zip").read_bytes()
     (FOLDER / "cut.zip").write_bytes(whole[:60])
     rows = [
-        ("no such archive", ["list", "none.zip"], b"lum: error 0x1003: Cannot open file: none.zip\n"),
-        ("no archive", ["list", "no.zip"], b"lum: error 0x1003: Cannot open file: no.zip\n"),
-        ("no member", ["cat", "cut.zip", "b"], b"lum: error 0x1003: Cannot open file: cut.zip!/b\n"),
+        ("no such archive", ["list", "none.zip"], b"lum: error 0x1003: Cannot open file: none.zip (No such file or directory)\n"),
+        ("no archive", ["list", "no.zip"], b"lum: error 0x1003: no.zip is no zip archive\n"),
+        ("no member", ["cat", "cut.zip", "b"], b"lum: error 0x1003: cut.zip has no member b\n"),
         ("a cut member passes for a whole one", ["cat", "cut.zip", "a.txt"],
          b"lum: error 0x1006: Input stream error.\n"),
     ]
@@ -177,6 +220,9 @@ packages = sorted(p for p in DOCUMENTS.iterdir() if zipfile.is_zipfile(p))
 expect("packages are missing", len(packages) >= 28, True)
 for package_path in packages:
     check_package(package_path)
+    if package_path.suffix in (".docx", ".xlsx", ".pptx"):
+        check_properties(package_path)
+check_hostile_properties()
 check_failures()
 check_kind()
 print("\n".join(failures) or f"{len(archives)} archives and {len(packages)} packages, all as expected")

@@ -6,6 +6,7 @@
 #include "Command.h"
 #include "Input.h"
 #include "Output.h"
+#include "Progress.h"
 
 #include <iostream>
 #include <memory>
@@ -24,7 +25,7 @@ bool isBase64(const UnicodeString& head) {
 void printData(const UnicodeString& argument) {
     const LumDataUri uri(argument);
     const int32_t start = uri.getDataStart();
-    if (start == -1) failToOpen(argument);
+    if (start == -1) failToOpen(toUtf8(argument), "no comma before the data");
     const UnicodeString& text = uri.toString();
     UnicodeString data(text, start), head(text, 0, start - 1);
     checked(data);
@@ -44,6 +45,7 @@ void printData(const UnicodeString& argument) {
 }
 
 void run(const std::string& argument) {
+    const Progress progress(argument, Progress::Output::Standard);
     if (argument == "-") {
         copyToOutput(std::cin);
         return;
@@ -53,9 +55,7 @@ void run(const std::string& argument) {
     UnicodeString message;
     const std::unique_ptr<std::istream> in(uri.getStream(nullptr, &message));
     if (!in) {
-        UnicodeString what = fromArgument(argument);
-        if (!message.isEmpty()) checked(what.append(u" (").append(message).append(u')'));
-        failToOpen(what);
+        failToOpen(argument, toUtf8(message));
     }
     copyToOutput(*in);
 }

@@ -3,6 +3,7 @@
 
 #include "Command.h"
 #include "Output.h"
+#include "Terminal.h"
 
 #include <charconv>
 #include <cstdio>
@@ -48,16 +49,20 @@ double getShortest(float number) {
 }
 
 void run(const Arguments& arguments) {
-    const LumColor color(LumValue::parseColor(fromArgument(arguments.text), arguments.isIccAllowed));
+    const LumValue value = LumValue::parseColor(fromArgument(arguments.text), arguments.isIccAllowed);
+    const LumColor color(value);
+    constexpr unsigned noColor = 0xFF000000;
+    if (color.getRGB() == noColor && color.getColorSpace().isNull()) throw UsageError(arguments.text + " is no colour");
     char rgb[16];
     std::snprintf(rgb, sizeof rgb, "%08X", static_cast<unsigned>(color.getRGB()));
     Json::Array components;
     for (int i = 0; i < getComponentCount(color); ++i) components.emplace_back(getShortest(color.getComponent(i)));
-    printJson({{"rgb", rgb},
-               {"space", toUtf8(color.getColorSpace())},
-               {"name", toUtf8(color.getName())},
-               {"components", components},
-               {"string", toUtf8(color.toString(arguments.isSvgForm))}});
+    const Json shown{{"rgb", rgb},
+                     {"space", toUtf8(color.getColorSpace())},
+                     {"name", toUtf8(color.getName())},
+                     {"components", components},
+                     {"string", toUtf8(color.toString(arguments.isSvgForm))}};
+    printLine(shown.toString() + swatchOf(static_cast<unsigned>(color.getRGB())));
 }
 
 }  // namespace

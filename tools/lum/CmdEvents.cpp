@@ -1,15 +1,14 @@
-#include <lumcommon/names/LumXmlUtil.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
 #include "Command.h"
 #include "Input.h"
 #include "JsonLines.h"
-#include "Limits.h"
 #include "Output.h"
+#include "Progress.h"
+#include "XmlSource.h"
 
 #include <array>
 #include <cstring>
-#include <iostream>
 #include <string>
 #include <vector>
 
@@ -20,19 +19,17 @@ using namespace LumCommon;
 
 struct Arguments {
     bool isTokens = false;
-    bool isConforming = false;
-    std::vector<int> features;
-    std::vector<std::string> limits;
-    std::string encoding, file;
+    std::vector<std::string> features;
+    std::string encoding;
+    XmlSource source;
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.flag("--conforming", arguments.isConforming, "Read XML 1.0 as the standard says, and nothing else");
     syntax.flag("--tokens", arguments.isTokens, "Report every token as a separate event");
-    syntax.option("--feature", arguments.features, 0, 7, "Turn on the parser feature of that number; may be repeated");
-    addLimitOptions(syntax, arguments.limits);
+    syntax.option("--feature", arguments.features, featureHelp());
+    arguments.source.describe(syntax);
     syntax.option("--encoding", arguments.encoding, "The encoding, if known from outside the document");
-    syntax.required("file", arguments.file, fileHelp);
+    arguments.source.describeFile(syntax);
 }
 
 /// What stands in a line before the column, in two pieces that many events share.
@@ -111,21 +108,8 @@ void addEvent(JsonLines& lines, LineHeads& heads, const LumXmlParser& parser, Lu
     lines.endLine(out);
 }
 
-void run(const Arguments& arguments) {
-    const LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
-    if (commonOptions().isUntrusted) parser->setUntrusted();
-    if (arguments.isConforming) parser->setFeature(LumXmlParser::FEATURE_CONFORMING, true);
-    for (const int number : arguments.features) {
-        const auto feature = static_cast<LumXmlParser::Feature>(number);
-        parser->setFeature(feature, true);
-        if (!parser->getFeature(feature)) throw UsageError("--feature: there is none of this number");
-    }
-    parser->setLimits(readLimits(arguments.limits, parser->getLimits()));
-    if (arguments.file == "-") {
-        parser->setInput(std::cin, fromArgument(arguments.encoding), {});
-    } else {
-        parser->setInput(toUri(arguments.file), fromArgument(arguments.encoding), {});
-    }
+void printEvents(const Arguments& arguments) {
+    const LumPtr<LumXmlParser> parser = arguments.source.open(arguments.features, arguments.encoding);
     JsonLines lines;
     LineHeads heads;
     LumXmlParser::EventType event;
@@ -137,6 +121,11 @@ void run(const Arguments& arguments) {
         if (event != LumXmlParser::START_TAG) isEmptyElement = false;
     } while (event != LumXmlParser::END_DOCUMENT);
     lines.flush();
+}
+
+void run(const Arguments& arguments) {
+    const Progress progress(arguments.source.file, Progress::Output::Standard);
+    withReasons(arguments.source.file, [&] { printEvents(arguments); });
 }
 
 }  // namespace

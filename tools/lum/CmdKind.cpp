@@ -9,6 +9,7 @@
 #include "Command.h"
 #include "Input.h"
 #include "Output.h"
+#include "Words.h"
 
 namespace lum {
 namespace {
@@ -63,11 +64,14 @@ std::istream& rewound(std::istream& in) {
 void run(const std::string& file) {
     const std::unique_ptr<std::istream> in = openInput(file);
     Json kind = {{"zip", LumZipFile::isZipFile(in.get())}};
-    kind.add("ooxml", officeKindOf(*in));
-    kind.add("ole", oleKindOf(rewound(*in)));
+    const int package = officeKindOf(*in), oleDocument = oleKindOf(rewound(*in));
+    kind.add("ooxml", package);
+    kind.add("ole", oleDocument);
     kind.add("gzip", LumGzipStreamBuf::checkHeader(rewound(*in)));
     LumGzipStream content(rewound(*in));  // other data pass through unchanged
     kind.add("root", rootOf(content));
+    kind.add("ooxmlName", wordOfPackage(package));
+    kind.add("oleName", wordOfOleDocument(oleDocument));
     printJson(kind);
 }
 

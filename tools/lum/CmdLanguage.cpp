@@ -3,6 +3,7 @@
 #include <lumcommon/lang/LumScript.h>
 
 #include "Command.h"
+#include "Language.h"
 #include "Output.h"
 
 namespace lum {
@@ -10,8 +11,14 @@ namespace {
 
 using namespace LumCommon;
 
+bool isKnown(const LumLang& lang) {
+    const std::string country = lang.getCountry();
+    const bool isArea = country.find_first_not_of("0123456789") == std::string::npos;  // "419", or none
+    return *lang.getISO3Language() != '\0' && (isArea || *lang.getISO3Country() != '\0');
+}
+
 void printLang(const std::string& tag) {
-    const LumLang lang(fromArgument(tag));
+    const LumLang lang = readLanguage(tag);
     printJson({{"name", lang.getName()},
                {"language", lang.getLanguage()},
                {"script", lang.getScript()},
@@ -31,6 +38,12 @@ void printScript(const std::string& argument) {
 }
 
 }  // namespace
+
+LumLang readLanguage(const std::string& tag) {
+    LumLang lang(fromArgument(tag));
+    if (!tag.empty() && tag != "none" && !isKnown(lang)) throw UsageError("there is no language " + tag);
+    return lang;
+}
 
 Command makeLangCommand() {
     return makeCommand("lang", "Print the parts of the locale of a language tag as JSON", "tag", "The language tag",

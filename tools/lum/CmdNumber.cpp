@@ -1,6 +1,7 @@
 #include <lumcommon/format/LumUtil.h>
 
 #include "Command.h"
+#include "Language.h"
 #include "Output.h"
 
 #include <charconv>
@@ -40,7 +41,7 @@ void run(const Arguments& arguments) {
     for (const std::string& text : arguments.numbers) numbers.push_back(readNumber(text));
     const UnicodeString format = fromArgument(arguments.format);
     const UnicodeString separator = fromArgument(arguments.separator);
-    const LumLang language(fromArgument(arguments.language));
+    const LumLang language = readLanguage(arguments.language);
     for (const int number : numbers) {
         printLine(toUtf8(LumUtil::formatNumber(number, format, separator, arguments.size, language)));
     }

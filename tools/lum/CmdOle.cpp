@@ -6,6 +6,8 @@
 #include "Input.h"
 #include "OleInput.h"
 #include "Output.h"
+#include "Progress.h"
+#include "Words.h"
 
 namespace lum {
 namespace {
@@ -56,7 +58,8 @@ void list(const std::string& path) {
                    {"left", entry->getLeft()},
                    {"right", entry->getRight()},
                    {"child", entry->getChild()},
-                   {"parent", parents[static_cast<std::size_t>(i)]}});
+                   {"parent", parents[static_cast<std::size_t>(i)]},
+                   {"typeName", wordOfOleEntry(entry->getType())}});
     }
 }
 
@@ -66,10 +69,11 @@ void cat(const Arguments& arguments) {
     const auto close = [&file](OleStream* opened) { file->OLEcloseStream(opened); };
     const std::unique_ptr<OleStream, decltype(close)> stream(file->OLEopenStream(&path), close);
     if (!stream) {
-        std::string name = arguments.file;
-        for (const std::string& component : arguments.names) name += "!/" + component;
-        failToOpen(name);
+        std::string name;
+        for (const std::string& component : arguments.names) name += name.empty() ? component : "/" + component;
+        failBecause(arguments.file + " has no stream " + name);
     }
+    const Progress progress(arguments.file, Progress::Output::Standard);
     LumOleStreamBuf buffer(stream.get(), -1);
     std::istream in(&buffer);
     if (copyToOutput(in) < stream->GetStreamSize()) {

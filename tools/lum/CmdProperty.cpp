@@ -4,6 +4,7 @@
 
 #include "Command.h"
 #include "Output.h"
+#include "Words.h"
 
 namespace lum {
 namespace {
@@ -15,8 +16,10 @@ constexpr const char* textHelp = "The text of a property";
 void printTokens(const std::string& text) {
     LumTokenizer tokenizer(fromArgument(text));
     while (tokenizer.nextToken() != LumTokenizer::TOKEN_END) {
-        printJson(
-            {{"kind", tokenizer.getKind()}, {"text", toUtf8(tokenizer.getText())}, {"number", tokenizer.getNumber()}});
+        printJson({{"kind", tokenizer.getKind()},
+                   {"text", toUtf8(tokenizer.getText())},
+                   {"number", tokenizer.getNumber()},
+                   {"kindName", wordOfToken(tokenizer.getKind())}});
     }
 }
 
@@ -24,7 +27,9 @@ void printValue(const std::string& text) {
     const LumValue value = LumValue::parse(fromArgument(text));
     printJson({{"kind", static_cast<unsigned>(value.getKind())},
                {"unit", static_cast<unsigned>(value.getUnit())},
-               {"string", toUtf8(value.toString())}});
+               {"string", toUtf8(value.toString())},
+               {"kindName", wordOfKind(value.getKind())},
+               {"unitName", wordOfUnit(value.getUnit())}});
 }
 
 }  // namespace

@@ -1,8 +1,12 @@
+#include <lumcommon/containers/LumZipFile.h>
+#include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/office/OleSummaryInformation.h>
+#include <lumcommon/streams/JZIOobj.h>
 
 #include "Command.h"
-#include "OleInput.h"
+#include "Input.h"
 #include "Output.h"
+#include "PackageProperties.h"
 
 #include <algorithm>
 #include <chrono>
@@ -120,12 +124,26 @@ Json hyperLinksOf(OleSummaryInformation& information) {
     return links;
 }
 
+/// Whether it is an archive with what every package has. The stream is then at its start.
+bool isOfficePackage(std::istream& in) {
+    if (!LumZipFile::isZipFile(&in)) return false;
+    const LumZipFile archive(&in, false);
+    in.clear();
+    in.seekg(0);
+    return archive.getFileEntry(u"[Content_Types].xml") != nullptr;
+}
+
 void run(const std::string& path) {
     enum : unsigned { TITLE = 2, SUBJECT = 3, AUTHOR = 4, KEYWORDS = 5 };
-    OleInput file(path);
+    const std::unique_ptr<std::istream> in = openInput(path);
+    if (isOfficePackage(*in)) return printJson(readPackageProperties(*in));
+    JZStreamIOobj io(in.get());
+    OleCompFile file;
+    file.setAcceptsLooseFiles(true);
+    if (!file.OLEopen(&io)) failBecause(path + " is no office document", whatElse(*in));
     OleSummaryInformation summary, document;
-    summary.initSummaryInformation(&*file);
-    document.initDocumentSummaryInformation(&*file);
+    summary.initSummaryInformation(&file);
+    document.initDocumentSummaryInformation(&file);
     printJson({{"title", textOf(summary, TITLE)},
                {"subject", textOf(summary, SUBJECT)},
                {"author", textOf(summary, AUTHOR)},
@@ -139,7 +157,7 @@ void run(const std::string& path) {
 }  // namespace
 
 Command makePropsCommand() {
-    return makeCommand("props", "Print the properties of an office document as JSON", "file", OleInput::help, run);
+    return makeCommand("props", "Print the properties of an office document as JSON", "file", fileHelp, run);
 }
 
 }  // namespace lum

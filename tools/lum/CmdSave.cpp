@@ -4,8 +4,9 @@
 
 #include "Command.h"
 #include "Input.h"
-#include "Limits.h"
 #include "Output.h"
+#include "Progress.h"
+#include "XmlSource.h"
 
 #include <filesystem>
 #include <iostream>
@@ -19,29 +20,19 @@ using namespace LumCommon;
 
 struct Arguments {
     bool isLazy = false;
-    bool isConforming = false;
     bool isWithoutGenerator = false;
-    std::vector<std::string> limits;
-    std::string encoding, file, output = "-";
+    XmlSource source;
+    std::string encoding, output = "-";
 };
 
 void describe(Syntax& syntax, Arguments& arguments) {
-    syntax.flag("--conforming", arguments.isConforming, "Read XML 1.0 as the standard says, and nothing else");
     syntax.flag("--lazy", arguments.isLazy, "Keep only the open elements of the document in memory");
     syntax.flag("--no-generator", arguments.isWithoutGenerator, "Leave out the generator comment");
-    addLimitOptions(syntax, arguments.limits);
+    arguments.source.describe(syntax);
     syntax.option("--encoding", arguments.encoding, "UTF-8 or Shift_JIS");
-    syntax.required("file", arguments.file, fileHelp);
+    arguments.source.describeFile(syntax);
     syntax.optional("out", arguments.output,
                     "The file to write, which may be FILE: replaced once all is written; standard output if omitted");
-}
-
-void load(LumDocument& document, const std::string& file) {
-    if (file == "-") {
-        document.load(std::cin);
-    } else {
-        document.load(toUri(file));
-    }
 }
 
 /// Writes the element and its descendants as they are loaded. A node is removed as soon as it is written and the next
@@ -76,7 +67,7 @@ void saveAsLoaded(LumDocument& document, LumElement* root) {
 
 void saveLazily(LumDocument& document, const Arguments& arguments) {
     document.setDeferredLoad(true);
-    load(document, arguments.file);
+    arguments.source.load(document);
     LumElement* const root = document.getDocumentElement();
     LumXmlSerializer& serializer = *document.getSerializer();
     const UnicodeString encoding = fromArgument(arguments.encoding);
@@ -91,7 +82,7 @@ void saveLazily(LumDocument& document, const Arguments& arguments) {
 }
 
 void saveWhole(LumDocument& document, const Arguments& arguments) {
-    load(document, arguments.file);
+    arguments.source.load(document);
     const UnicodeString encoding = fromArgument(arguments.encoding);
     if (arguments.output == "-") {
         document.save(std::cout, nullptr, encoding);
@@ -105,17 +96,24 @@ bool isSameFile(const std::string& a, const std::string& b) {
     return std::filesystem::equivalent(a, b, error) && !error;
 }
 
+/// What the serializer does not know, it would pass over.
+void checkEncoding(const std::string& encoding) {
+    UnicodeString name = fromArgument(encoding);
+    if (encoding.empty() || checked(name.toUpper()) == u"UTF-8" || name == u"SHIFT_JIS") return;
+    throw UsageError("--encoding: documents are written in UTF-8 or Shift_JIS, not in " + encoding);
+}
+
 void run(const Arguments& arguments) {
     const LumPtr<LumDocument> document(new LumDocument);
-    if (commonOptions().isUntrusted) document->setUntrusted();
-    document->setConforming(arguments.isConforming);
-    document->setLimits(readLimits(arguments.limits, document->getLimits()));
     if (arguments.isWithoutGenerator) document->getSerializer()->setGenerator({});
-    if (!arguments.isLazy) return saveWhole(*document, arguments);
-    if (isSameFile(arguments.file, arguments.output)) {
+    const std::string& file = arguments.source.file;
+    if (arguments.isLazy && isSameFile(file, arguments.output)) {
         throw UsageError("--lazy reads FILE while it writes OUT: they must be different files");
     }
-    saveLazily(*document, arguments);
+    checkEncoding(arguments.encoding);
+    const bool isToFile = arguments.output != "-";
+    const Progress progress(file, isToFile ? Progress::Output::File : Progress::Output::Standard);
+    withReasons(file, [&] { arguments.isLazy ? saveLazily(*document, arguments) : saveWhole(*document, arguments); });
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include "Command.h"
 #include "Input.h"
 #include "Output.h"
+#include "Progress.h"
+#include "Words.h"
 
 #include <iostream>
 
@@ -23,10 +25,10 @@ void describeMember(Syntax& syntax, Arguments& arguments) {
     syntax.required("member", arguments.member, "The name of a member, as listed");
 }
 
-/// Opens the archive in `zip`.   Failure: LumError 0x1003, also if it is not an archive.
+/// Opens the archive in `zip`.   Failure: ExplainedError 0x1003, also if it is not an archive.
 void openArchive(LumZipFile& zip, const std::string& file) {
     std::unique_ptr<std::istream> in = openInput(file);
-    if (!LumZipFile::isZipFile(in.get())) failToOpen(file);
+    if (!LumZipFile::isZipFile(in.get())) failBecause(file + " is no zip archive", whatElse(*in));
     zip.open(in.release(), true);
 }
 
@@ -40,7 +42,8 @@ void list(const std::string& file) {
                    {"flags", entry->getFlags()},
                    {"crc32", entry->getCrc32()},
                    {"compressedSize", entry->getCompressedSize()},
-                   {"uncompressedSize", entry->getUncompressedSize()}});
+                   {"uncompressedSize", entry->getUncompressedSize()},
+                   {"methodName", wordOfZipMethod(entry->getMethod())}});
     }
 }
 
@@ -48,9 +51,10 @@ void cat(const Arguments& arguments) {
     LumZipFile zip;
     openArchive(zip, arguments.file);
     LumZipFileEntry* const entry = zip.getFileEntry(fromArgument(arguments.member));
-    if (!entry) failToOpen(arguments.file + "!/" + arguments.member);
+    if (!entry) failBecause(arguments.file + " has no member " + arguments.member);
     std::istream* const in = entry->getUncompressedStream(false);
     if (!in) throw std::bad_alloc();
+    const Progress progress(arguments.file, Progress::Output::Standard);
     const bool isDeflated = entry->getMethod() == LumZipFileEntry::METHOD_DEFLATE;
     const std::uint64_t expected = isDeflated ? entry->getUncompressedSize() : entry->getCompressedSize();
     constexpr std::uint64_t isInZip64Field = 0xFFFFFFFFu;

@@ -17,8 +17,6 @@ public:
     virtual void flag(const char* name, bool& value, const char* help) = 0;
     virtual void option(const char* name, std::string& value, const char* help) = 0;
     virtual void option(const char* name, int& value, const char* help) = 0;
-    /// An option that may be repeated; its numbers must be from `least` to `most`.
-    virtual void option(const char* name, std::vector<int>& values, int least, int most, const char* help) = 0;
     /// An option that may be repeated.
     virtual void option(const char* name, std::vector<std::string>& values, const char* help) = 0;
     virtual void required(const char* name, std::string& value, const char* help) = 0;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -24,6 +25,7 @@ public:
     Json(std::unsigned_integral auto value) : value_(std::uint64_t{value}) {}
     Json(std::floating_point auto value) : value_(double{value}) {}
     Json(std::string text) : value_(std::move(text)) {}
+    Json(std::string_view text) : value_(std::string(text)) {}
     Json(const char* text) : value_(std::string(text)) {}
     Json(Array values) : value_(std::move(values)) {}
     Json(Object members) : value_(std::move(members)) {}

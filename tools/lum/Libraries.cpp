@@ -4,6 +4,10 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
 #include "Command.h"
 #include "Json.h"
 #include "Output.h"
@@ -38,9 +42,6 @@ public:
     void flag(const char* name, bool& value, const char* help) override { app_.add_flag(name, value, help); }
     void option(const char* name, std::string& value, const char* help) override { app_.add_option(name, value, help); }
     void option(const char* name, int& value, const char* help) override { app_.add_option(name, value, help); }
-    void option(const char* name, std::vector<int>& values, int least, int most, const char* help) override {
-        app_.add_option(name, values, help)->check(CLI::Range(least, most))->allow_extra_args(false)->type_name("N");
-    }
     void option(const char* name, std::vector<std::string>& values, const char* help) override {
         app_.add_option(name, values, help)->allow_extra_args(false);
     }
@@ -112,6 +113,40 @@ CommandPage takeApart(const CLI::App& app) {
     return page;
 }
 
+/// How many letters must be put in, left out or changed to make one word of the other.
+std::size_t distanceOf(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);  // from the part of `a` so far to each beginning of `b`
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({row[j] + 1, row[j + 1] + 1, changed});
+        }
+    }
+    return row.back();
+}
+
+/// Refuses a word that stands where a command must, and is none.   Failure: UsageError, which offers the nearest one.
+void checkCommands(int argc, char** argv, const std::vector<Command>& commands) {
+    const std::vector<Command>* known = &commands;
+    std::string group;
+    for (int i = 1; i < argc && !known->empty(); ++i) {
+        const std::string word = argv[i];
+        if (word.starts_with('-')) continue;
+        const auto distance = [&](const Command& command) { return distanceOf(word, command.name); };
+        const Command& nearest = *std::ranges::min_element(*known, {}, distance);
+        if (nearest.name != word) {
+            const bool isNear = 2 * distance(nearest) <= nearest.name.size() + 1;
+            throw UsageError("there is no command \"" + group + word + "\"" +
+                             (isNear ? "; did you mean \"" + group + nearest.name + "\"?" : ""));
+        }
+        known = &nearest.commands;
+        group += word + " ";
+    }
+}
+
 }  // namespace
 
 std::string Json::toString() const {
@@ -137,9 +172,11 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
     };
     app.add_option_function<std::string>("--generate", choose, "Write the manual page, or the completions of a shell")
         ->check(CLI::IsMember({"man", "bash", "zsh"}));
+    app.set_version_flag("--version", "lum " LUM_VERSION);
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {
+        checkCommands(argc, argv, commands);
         app.parse(argc, argv);
         chosen->run();
         return true;

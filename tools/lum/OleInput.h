@@ -15,7 +15,7 @@ public:
     static constexpr const char* help = "A compound file: a file, a URI, or - for standard input";
 
     /// @param file  as for openInput().
-    /// Failure: LumError 0x1003, also if it is not a compound file.
+    /// Failure: ExplainedError 0x1003, also if it is not a compound file.
     explicit OleInput(const std::string& file);
 
     LumCommon::OleCompFile* operator->() noexcept { return &file_; }

@@ -3,6 +3,7 @@
 #include <lumcommon/lumcommon.h>
 
 #include "Command.h"
+#include "Input.h"
 #include "Limits.h"
 #include "Output.h"
 
@@ -23,13 +24,18 @@ namespace {
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-int report(const LumCommon::LumError& error) {
+/// What stands behind the message: what the tool knows, else the limit that was exceeded, else what the parser's code
+/// means. Empty for other errors.
+std::string reasonOf(unsigned code, const std::string& known) {
+    if (!known.empty()) return known;
+    if (const char* const limit = lum::findLimitName(code)) return "limit " + std::string(limit);
+    const char* const cause = LumCommon::LumXmlErrorCode::getCause(code);
+    return cause ? cause : "";
+}
+
+int report(const LumCommon::LumError& error, const std::string& known = {}) {
     const unsigned code = error.code;
-    constexpr unsigned externalRefused = 0x183A;
-    const char* const limit = lum::findLimitName(code);
-    const std::string note = limit                     ? " (limit " + std::string(limit) + ")"
-                             : code == externalRefused ? " (external resource refused)"
-                                                       : "";
+    const std::string reason = reasonOf(code, known), note = reason.empty() ? "" : " (" + reason + ")";
     std::fprintf(stderr, "lum: error 0x%04X: %s%s\n", code, lum::toUtf8(error.getMessage()).c_str(), note.c_str());
     return exitFailure;
 }
@@ -44,6 +50,9 @@ int run(int argc, char** argv) {
         if (lum::runCommandLine(argc, argv, commands)) lum::flushOutput();
     } catch (const lum::UsageError&) {
         return exitUsage;  // already reported by runCommandLine()
+    } catch (const lum::ExplainedError& error) {
+        lum::flushOutputQuietly();
+        return report(error.error, error.reason);
     } catch (const LumCommon::LumError& error) {
         lum::flushOutputQuietly();
         return report(error);
