@@ -172,7 +172,7 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
     };
     app.add_option_function<std::string>("--generate", choose, "Write the manual page, or the completions of a shell")
         ->check(CLI::IsMember({"man", "bash", "zsh"}));
-    app.set_version_flag("--version", "lum " LUM_VERSION);
+    app.set_version_flag("--version", "lum " LUM_TOOL_VERSION);
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {
