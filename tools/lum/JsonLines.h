@@ -57,7 +57,8 @@ public:
     }
     /// A number; there must be `numberRoom`.
     static char* put(char* out, int number) noexcept {
-        constexpr std::uint32_t powers[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+        static constexpr std::uint32_t powers[] = {1,       10,        100,        1'000,      10'000,
+                                                   100'000, 1'000'000, 10'000'000, 100'000'000};
         if (static_cast<unsigned>(number) > 99'999'999) return putLong(out, number);
         const auto value = static_cast<std::uint32_t>(number);
         const std::uint32_t about =
@@ -88,7 +89,8 @@ public:
                    LumCommon::LumName name, LumCommon::LumName namespaceUri) {
         const Names names{std::uint64_t{prefix.getEnum()} << 32 | name.getEnum(),
                           std::uint64_t{namespaceUri.getEnum()} << 32 | frameIndex};
-        const std::size_t home = ((names.low ^ names.high << 28) * 0x9E3779B97F4A7C15u) >> (64 - slotBits);
+        const std::uint64_t mixed = (names.low ^ names.high << 28) * 0x9E3779B97F4A7C15u;
+        const auto home = static_cast<std::size_t>(mixed >> (64 - slotBits));
         const NamesSlot* slot = &names_[home];
         if (slot->names != names) [[unlikely]] {
             slot = findOther(names, home, frame);
