@@ -51,7 +51,7 @@ def events(*arguments, stdin=b""):
 def check_small_commands():
     rows = [
         ("version", ["version"], "309\n"),
-        ("--version", ["--version"], "lum 3.9.0\n"),
+        ("--version", ["--version"], "lum 3.9\n"),
         ("resolves against the file, not the folder", ["resolve", "http://h/a/b.xml", "../c.xml"], "http://h/c.xml\n"),
         ("built-in name", ["name", "block"], '{"id":303,"builtin":true}\n'),
         ("name made at run time", ["name", "no such name"], '{"id":1598,"builtin":false}\n'),

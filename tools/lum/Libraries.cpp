@@ -1,6 +1,7 @@
 // The only source that includes CLI11 and nlohmann-json: each takes seconds to compile, so the rest of the tool uses
 // them through Command.h and Json.h.
 
+#include <lumcommon/lumcommon.h>
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -134,6 +135,7 @@ void checkCommands(int argc, char** argv, const std::vector<Command>& commands) 
     std::string group;
     for (int i = 1; i < argc && !known->empty(); ++i) {
         const std::string word = argv[i];
+        if (word == "--generate") ++i;  // what follows it is no command
         if (word.starts_with('-')) continue;
         const auto distance = [&](const Command& command) { return distanceOf(word, command.name); };
         const Command& nearest = *std::ranges::min_element(*known, {}, distance);
@@ -172,7 +174,8 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
     };
     app.add_option_function<std::string>("--generate", choose, "Write the manual page, or the completions of a shell")
         ->check(CLI::IsMember({"man", "bash", "zsh"}));
-    app.set_version_flag("--version", "lum " LUM_TOOL_VERSION);
+    const int version = LumCommon::getLibVersion();  // of the library that is loaded: 309 is 3.9
+    app.set_version_flag("--version", "lum " + std::to_string(version / 100) + "." + std::to_string(version % 100));
     const Command* chosen = nullptr;
     addCommands(app, commands, chosen);
     try {
