@@ -70,11 +70,11 @@ public:
     /// entities and definitions: everything that is not well-formed is an error, attributes have the defaults and the
     /// forms that the document type declares, and nothing is bound or folded that the document does not say. The events
     /// are the same. nextToken() does not look into entities, and so finds nothing wrong in them. What the other
-    /// features forgive stays forgiven. docs/xml.md tells the difference line by line. With FEATURE_NO_EXTERNAL the
-    /// parser reads the document that it is given and nothing else: an external entity that is referred to, general or
-    /// parameter, and the external DTD are error 0x183A, even where the process keeps the definitions of that DTD. The
-    /// built-in entities of MathML are not external. A DTD that another feature skips or whose errors it forgives is
-    /// left out without an error, as is a parameter entity whose errors are forgiven.
+    /// features forgive stays forgiven. docs/conformance.md tells the difference line by line. With FEATURE_NO_EXTERNAL
+    /// the parser reads the document that it is given and nothing else: an external entity that is referred to, general
+    /// or parameter, and the external DTD are error 0x183A, even where the process keeps the definitions of that DTD.
+    /// The built-in entities of MathML are not external. A DTD that another feature skips or whose errors it forgives
+    /// is left out without an error, as is a parameter entity whose errors are forgiven.
     enum Feature : int {
         FEATURE_SKIP_EXTERNAL_DTD = 0,            ///< the external DTD is not read
         FEATURE_IGNORE_UNDEFINED_ENTITIES = 1,    ///< an undefined entity is empty text
