@@ -13,6 +13,7 @@
 #include <lumcommon/containers/office/OlePropertyValue.h>
 #include <lumcommon/containers/office/OleSummaryInformation.h>
 #include <lumcommon/core/Api.h>
+#include <lumcommon/core/LocalPath.h>
 #include <lumcommon/core/LumCStr.h>
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/core/LumMessage.h>

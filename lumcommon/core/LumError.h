@@ -40,6 +40,18 @@ enum class LumErrorCodeIO : std::uint16_t {
     CannotCreateTempFile = 0x100E,
 };
 
+// The codes compare with LumError::code:
+//
+//     catch (const LumError& error) {
+//         if (error.code == LumErrorCodeIO::CannotOpen) ...
+//     }
+constexpr bool operator==(std::uint16_t code, LumErrorCodeLumLIB known) noexcept {
+    return code == static_cast<std::uint16_t>(known);
+}
+constexpr bool operator==(std::uint16_t code, LumErrorCodeIO known) noexcept {
+    return code == static_cast<std::uint16_t>(known);
+}
+
 /// The operation that raised a common error.
 enum class LumCommonErrorSource : int {
     DocumentLoadNextNode = 0,

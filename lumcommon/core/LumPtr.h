@@ -87,4 +87,14 @@ private:
     T* object_ = nullptr;
 };
 
+/// A new object in its first LumPtr, made with these arguments.
+///
+///     LumPtr<LumDocument> document = makeLum<LumDocument>();
+///
+/// Errors: those of the constructor; std::bad_alloc.
+template <class T, class... Arguments>
+[[nodiscard]] LumPtr<T> makeLum(Arguments&&... arguments) {
+    return LumPtr<T>(new T(std::forward<Arguments>(arguments)...));
+}
+
 }  // namespace LumCommon

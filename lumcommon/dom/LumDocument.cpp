@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/LumAttr.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -8,6 +9,7 @@
 #include <lumcommon/dom/detail/LocalFile.h>
 #include <lumcommon/dom/detail/QualifiedName.h>
 #include <lumcommon/names/LumNameTable.h>
+#include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
 #include <istream>
@@ -24,6 +26,10 @@ LumDocument::~LumDocument() {
     parser_ = nullptr;
     serializer_ = nullptr;
     LumNameTable::releaseSharedNameTable();
+}
+
+UnicodeString LumDocument::uriOfPath(std::string_view path) {
+    return detail::copyOf(LumUri::fromLocalPath(path).toString());
 }
 
 bool LumDocument::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumNode::isA(typeId); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lumcommon/core/LocalPath.h>
 #include <lumcommon/core/LumMutex.h>
 #include <lumcommon/dom/LumNode.h>
 #include <lumcommon/xml/LumXmlLimits.h>
@@ -72,6 +73,12 @@ public:
     /// With deferred loading they only prepare: the stream or string must then outlive the loading.
     void load(const UnicodeString& uri, LumNode* target = nullptr);
     void load(std::istream& in, LumNode* target = nullptr);
+    /// From the file of that path, whatever is in its name; see LocalPath. The document URI is
+    /// LumUri::fromLocalPath()'s.
+    template <LocalPath Path>
+    void load(const Path& path, LumNode* target = nullptr) {
+        load(uriOfPath(path.native()), target);
+    }
     /// Parses the string in place, without copying it.
     void loadXml(const UnicodeString& xml, LumNode* target = nullptr);
     /// Loads the rest of the parser's current input into the document.
@@ -128,6 +135,12 @@ public:
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding);
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
+    /// To the file of that path, whatever is in its name; see LocalPath.
+    template <LocalPath Path>
+    void save(const Path& path, LumNode* node = nullptr, const UnicodeString& encoding = UnicodeString(),
+              const UnicodeString& processingInstruction = UnicodeString()) {
+        save(uriOfPath(path.native()), node, encoding, processingInstruction);
+    }
     /// The same in two steps, so that at any time either what was there or all that is new stands in the file: writes a
     /// new file beside it (".lum-....tmp", created exclusively), has the system put it on the disk, and renames it.
     /// Whatever fails, what was there stays and the new file is removed. A document may replace the file that it is
@@ -145,6 +158,11 @@ public:
     void saveReplacing(const UnicodeString& uri, LumNode* node = nullptr,
                        const UnicodeString& encoding = UnicodeString(),
                        const UnicodeString& processingInstruction = UnicodeString());
+    template <LocalPath Path>
+    void saveReplacing(const Path& path, LumNode* node = nullptr, const UnicodeString& encoding = UnicodeString(),
+                       const UnicodeString& processingInstruction = UnicodeString()) {
+        saveReplacing(uriOfPath(path.native()), node, encoding, processingInstruction);
+    }
     /// save() to a stream that the caller keeps.
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding);
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding,
@@ -163,6 +181,10 @@ public:
     /// Saving in pieces: the document element's start tag, then subtrees, then its end tag.
     void saveDocumentElement(const UnicodeString& uri);
     void saveDocumentElement(std::ostream& out);
+    template <LocalPath Path>
+    void saveDocumentElement(const Path& path) {
+        saveDocumentElement(uriOfPath(path.native()));
+    }
     void saveChildElement(LumNode* node);
     void closeDocumentElement();
     /// The serializer, created if there is none. Borrowed.
@@ -173,6 +195,8 @@ private:
     friend class LumElement;
     class Reading;
 
+    /// The bytes of a path as the URI of that file.
+    static UnicodeString uriOfPath(std::string_view path);
     void startLoad(LumNode* target, const UnicodeString& uri);
     LumNode* readNode(Reading& reading);
     LumElement* addOwnElement(LumNode* parent, const XmlParserImpl& parser);

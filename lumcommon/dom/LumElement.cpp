@@ -1,4 +1,5 @@
 #include <lumcommon/core/LumError.h>
+#include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/dom/AttrNodeMap.h>
 #include <lumcommon/dom/LumDocument.h>
 #include <lumcommon/dom/LumElement.h>
@@ -105,6 +106,8 @@ int LumElement::getSourceColumnNumber() const { return sourceColumn_; }
 void LumElement::setSourceColumnNumber(int column) { sourceColumn_ = column; }
 
 // Copying
+
+LumValue LumElement::stringValue(std::u16string_view text) { return LumValue(detail::textOf(text)); }
 
 LumPtr<LumElement> LumElement::cloneWithoutChildren() const {
     LumPtr<LumElement> copy = ownerDocument_->createElementNS(getNamespaceUri(), getPrefix(), getLocalName());

@@ -2,6 +2,8 @@
 
 #include <lumcommon/dom/LumNode.h>
 
+#include <concepts>
+#include <string_view>
 #include <vector>
 
 namespace LumCommon {
@@ -57,6 +59,26 @@ public:
     virtual void setAttribute(LumName name, const LumValue& value);
     virtual void setAttributeNS(LumName namespaceUri, LumName qualifiedName, const LumValue& value);
     virtual void setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value);
+    /// The same with a text in UTF-16 as the value: a literal, std::u16string and so on. For UTF-8 see toText().
+    ///
+    ///     element->setAttribute(NAME_id, u"chapter");
+    template <class Text>
+    requires(std::convertible_to<const Text&, std::u16string_view> &&
+             !std::convertible_to<const Text&, LumValue>) void setAttribute(LumName name, const Text& text) {
+        setAttribute(name, stringValue(text));
+    }
+    template <class Text>
+    requires(std::convertible_to<const Text&, std::u16string_view> &&
+             !std::convertible_to<const Text&, LumValue>) void setAttributeNS(LumName namespaceUri,
+                                                                              LumName qualifiedName, const Text& text) {
+        setAttributeNS(namespaceUri, qualifiedName, stringValue(text));
+    }
+    template <class Text>
+    requires(std::convertible_to<const Text&, std::u16string_view> &&
+             !std::convertible_to<const Text&, LumValue>) void setAttributeNS(LumName namespaceUri, LumName prefix,
+                                                                              LumName localName, const Text& text) {
+        setAttributeNS(namespaceUri, prefix, localName, stringValue(text));
+    }
     /// Nothing happens when the attribute is absent.
     virtual void removeAttribute(LumName name);
     virtual void removeAttributeNS(LumName namespaceUri, LumName localName);
@@ -88,6 +110,8 @@ private:
     friend class LumDocument;
     friend class detail::NodeFields;
 
+    /// A string.   Errors: std::bad_alloc.
+    static LumValue stringValue(std::u16string_view text);
     AttrNodeMap* attributeMap() const;
     LumNode* lastAttribute() const noexcept;
     LumNode* findAttribute(LumName name) const;

@@ -43,7 +43,7 @@ public:
     UnicodeString getTypeName() const override;
 
     /// A new map with copies of all entries.
-    LumPtr<LumNamedValueMap> clone() const;
+    [[nodiscard]] LumPtr<LumNamedValueMap> clone() const;
     int getCount() const;
     /// The entry at that position in name order; outside 0 to count-1, a null value with a null name.
     LumNamedValue item(int index) const;

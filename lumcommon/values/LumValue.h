@@ -4,9 +4,11 @@
 #include <lumcommon/core/Text.h>
 #include <lumcommon/names/LumName.h>
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace LumCommon {
 
@@ -81,6 +83,20 @@ public:
     /// A number without unit.
     LumValue(int value) noexcept;
     LumValue(float value, LumValueUnitType unit) noexcept;
+    /// A real number without unit.
+    ///
+    ///     element->setAttribute(NAME_line_height, 1.5);
+    template <std::floating_point Number>
+    LumValue(Number value) noexcept : LumValue(static_cast<float>(value), UNIT_NUMBER) {}
+    /// A number without unit: an integer, or, beyond the range of int, the nearest real number.
+    template <std::integral Number>
+    requires(sizeof(Number) > sizeof(int)) LumValue(Number value)
+    noexcept
+        : LumValue(std::in_range<int>(value) ? LumValue(static_cast<int>(value))
+                                             : LumValue(static_cast<float>(value))) {}
+    /// A truth value is neither the number 1 nor the name "true": say which is meant.
+    template <std::same_as<bool> Truth>
+    LumValue(Truth value) = delete;
     LumValue(LumName name) noexcept;
     LumValue(LumNameEnum name) noexcept : LumValue(LumName(name)) {}
     LumValue(const UnicodeString& text);
@@ -213,11 +229,11 @@ public:
     static LumValue parseUriFragmentParameters(const UnicodeString& text, bool lowerKeys);
 
     LumValue operator-() const;
-    LumValue abs() const;
+    [[nodiscard]] LumValue abs() const;
     /// Only for numbers without unit; integers stay as they are, reals stay reals; otherwise NULL_VALUE.
-    LumValue floor() const;
-    LumValue ceiling() const;
-    LumValue round() const;
+    [[nodiscard]] LumValue floor() const;
+    [[nodiscard]] LumValue ceiling() const;
+    [[nodiscard]] LumValue round() const;
     /// Lengths, angles, times and frequencies are converted to their normal unit first; operands that do not fit
     /// together give NULL_VALUE, and so does an integer remainder by 0.
     LumValue& operator+=(const LumValue& right);

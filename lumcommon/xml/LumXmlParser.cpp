@@ -1,4 +1,5 @@
 #include <lumcommon/core/detail/CheckedText.h>
+#include <lumcommon/uri/LumUri.h>
 #include <lumcommon/xml/LumXmlParser.h>
 #include <lumcommon/xml/detail/ExternalDtd.h>
 #include <lumcommon/xml/detail/MathMLEntities.h>
@@ -16,6 +17,10 @@ constexpr const char16_t* eventNames[] = {
 }  // namespace
 
 bool LumXmlParser::isA(unsigned int typeId) const { return typeId == TYPE_ID || LumRCObject::isA(typeId); }
+
+UnicodeString LumXmlParser::uriOfPath(std::string_view path) {
+    return detail::copyOf(LumUri::fromLocalPath(path).toString());
+}
 
 void LumXmlParser::setLimits(const LumXmlLimits&) {}
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lumcommon/core/LocalPath.h>
 #include <lumcommon/core/LumPtr.h>
 #include <lumcommon/names/LumName.h>
 #include <lumcommon/xml/LumXmlDeclaredAttribute.h>
@@ -7,6 +8,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <string_view>
 #include <vector>
 
 namespace LumCommon {
@@ -130,6 +132,12 @@ public:
     /// the resolver refuses it (LumUriReferenceResolver::refusal()), which no callback can accept; an unknown encoding
     /// is told first.
     virtual void setInput(const UnicodeString& uri, const UnicodeString& encoding, const UnicodeString& baseUri) = 0;
+    /// The same for the file of that path, whatever is in its name; see LocalPath.
+    template <LocalPath Path>
+    void setInput(const Path& path, const UnicodeString& encoding = UnicodeString(),
+                  const UnicodeString& baseUri = UnicodeString()) {
+        setInput(uriOfPath(path.native()), encoding, baseUri);
+    }
     /// Lets go of the input; streams that the parser opened are closed. Position, base and encoding that are told from
     /// then on are those of the document, also when an external entity was being read.
     virtual void closeStream() = 0;
@@ -204,6 +212,10 @@ public:
     /// first for a name counts. Known with FEATURE_CONFORMING, from the DOCDECL on and until the next setInput(); empty
     /// otherwise, and from a parser of another class.   Cost: copies them.
     virtual std::vector<LumXmlDeclaredAttribute> getDeclaredAttributes(LumName prefix, LumName localName) const;
+
+private:
+    /// The bytes of a path as the URI of that file.
+    static UnicodeString uriOfPath(std::string_view path);
 };
 
 }  // namespace LumCommon
