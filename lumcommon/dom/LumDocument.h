@@ -68,6 +68,18 @@ public:
     virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName prefix, LumName localName);
     /// The node for a text below `parent`; null drops the text.
     virtual LumPtr<LumNode> createTextNodeElement(const UnicodeString& text, LumNode* parent);
+    /// A copy of a node of any document, made by the factory operations of this one, which does not hold it yet:
+    ///
+    ///     document->getDocumentElement()->appendChild(document->importNode(*other->getDocumentElement(), true).get());
+    ///
+    /// Elements keep the namespaces that they have where they stand, their attributes, whose values share objects and
+    /// compounds, and the flags that are not those of loading. Source positions are not copied. The other document is
+    /// not changed, but read on where it is still being loaded.
+    /// @param deep  whether the descendants are copied as well.
+    /// @return null for a document, for an attribute that is not created, and for a node that this document does not
+    /// create; descendants that it does not create are left out. A fragment is copied with its children if `deep`.
+    /// Cost: linear in what is copied; constant use of the stack.
+    [[nodiscard]] LumPtr<LumNode> importNode(const LumNode& node, bool deep);
 
     /// Load into `target` (null: the document), in place of its children.
     /// With deferred loading they only prepare: the stream or string must then outlive the loading.
@@ -197,6 +209,7 @@ private:
 
     /// The bytes of a path as the URI of that file.
     static UnicodeString uriOfPath(std::string_view path);
+    LumPtr<LumNode> importAlone(const LumNode& node);
     void startLoad(LumNode* target, const UnicodeString& uri);
     LumNode* readNode(Reading& reading);
     LumElement* addOwnElement(LumNode* parent, const XmlParserImpl& parser);
