@@ -1,6 +1,6 @@
 #pragma once
 
-/// The umbrella header: everything public.
+/// The umbrella header: everything public but the folder lumcommon/bridge/, whose headers are asked for by name.
 
 #include <lumcommon/containers/LumOleStreamBuf.h>
 #include <lumcommon/containers/LumZipEntry.h>
@@ -9,6 +9,7 @@
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/OleDirInfo.h>
 #include <lumcommon/containers/OleStream.h>
+#include <lumcommon/containers/office/OfficeKinds.h>
 #include <lumcommon/containers/office/OlePropertySet.h>
 #include <lumcommon/containers/office/OlePropertyValue.h>
 #include <lumcommon/containers/office/OleSummaryInformation.h>

@@ -63,6 +63,7 @@ void LumZipFile::close() noexcept {
     byName_.clear();
     relationships_.reset();
     hasContentTypes_ = false;
+    isArchive_ = false;
     if (stream_.isOwned()) {
         for (const LumPtr<LumZipFileEntry>& entry : entries_) entry->forgetStream();
     }
@@ -79,6 +80,7 @@ void LumZipFile::close() noexcept {
 // states. If there is none, or it lacks the signature that most programs give it, the member stays empty.
 void LumZipFile::init() {
     if (!stream_) return;
+    isArchive_ = isZipFile(stream_.get());
     const std::streamoff start = detail::tellPosition(*stream_);
     bool isDirectoryUntried = true;
     bool areDescriptorsFound = true;

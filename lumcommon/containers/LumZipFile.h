@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <map>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace LumCommon {
@@ -59,8 +60,16 @@ public:
     void open(const char* path);
     void open(std::istream* s, bool own);
 
+    /// Whether there is an archive to read, even one without members: the stream could be opened and read, and a zip
+    /// archive begins where it stood.
+    ///
+    ///     LumZipFile zip("book.zip");
+    ///     if (!zip.isOpen()) return fail("book.zip is no zip archive");
+    bool isOpen() const noexcept { return isArchive_ || !entries_.empty(); }
     /// The number of members, those with equal names included. They are in the order of the archive.
     unsigned getFileEntryCount() const noexcept { return static_cast<unsigned>(entries_.size()); }
+    /// All entries, in the order of the archive. Valid until another archive is opened or this one is destroyed.
+    std::span<const LumPtr<LumZipFileEntry>> getFileEntries() const noexcept { return entries_; }
     /// The entry at that index; null if there is none.
     /// Ownership: borrowed; hold it in a LumPtr to keep it longer than the archive. Data that were not read before an
     /// owned stream was deleted with its archive are then empty.
@@ -130,6 +139,7 @@ private:
     MaybeOwned<std::istream> stream_;
     std::vector<LumPtr<LumZipFileEntry>> entries_;
     std::map<UnicodeString, LumZipFileEntry*> byName_;
+    bool isArchive_ = false;
     bool hasContentTypes_ = false;
     bool acceptsStrictPackages_ = false;
     std::unique_ptr<detail::PackageRelationships> relationships_;  // of the package; null until they have been read

@@ -67,12 +67,12 @@ public:
     /// @return null if memory runs out or the archive's stream turns bad; a later call tries again.
     /// Ownership: with `fresh` the caller deletes the stream; without, it is deleted with the entry.
     /// Cost: O(data) with `fresh`, and on the first use of the data.
-    std::istream* getCompressedStream(bool fresh);
+    [[nodiscard]] std::istream* getCompressedStream(bool fresh);
     /// Opens the data, inflated by a LumInflaterStream if the method is deflate; otherwise like getCompressedStream().
     /// Damaged or truncated data end early. The output is not limited to getUncompressedSize(): deflate turns one byte
     /// into 1032 at most.
     /// Argument, result, ownership and cost are those of getCompressedStream().
-    std::istream* getUncompressedStream(bool fresh);
+    [[nodiscard]] std::istream* getUncompressedStream(bool fresh);
 
     unsigned int getTypeID() const override;
     bool isA(unsigned int typeId) const override;

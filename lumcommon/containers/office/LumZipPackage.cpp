@@ -1,5 +1,6 @@
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/containers/detail/PackageRelationships.h>
+#include <lumcommon/containers/office/OfficeKinds.h>
 #include <lumcommon/containers/office/detail/PackagePartReader.h>
 #include <lumcommon/core/detail/CheckedText.h>
 #include <lumcommon/uri/LumUri.h>
@@ -22,27 +23,6 @@ using detail::PackageRelationships;
 using View = std::u16string_view;
 
 namespace {
-
-/// The numbers that are reported to users.
-enum class PackageKind : int {
-    NONE = 0,
-    WORD_DOCUMENT = 1,
-    WORD_DOCUMENT_WITH_MACROS = 2,
-    WORD_TEMPLATE = 3,
-    WORD_TEMPLATE_WITH_MACROS = 4,
-    WORKBOOK = 5,
-    WORKBOOK_WITH_MACROS = 6,
-    WORKBOOK_TEMPLATE = 7,
-    WORKBOOK_TEMPLATE_WITH_MACROS = 8,
-    BINARY_WORKBOOK = 9,
-    PRESENTATION = 10,
-    PRESENTATION_WITH_MACROS = 11,
-    SLIDE_SHOW = 12,
-    SLIDE_SHOW_WITH_MACROS = 13,
-    PRESENTATION_TEMPLATE = 14,
-    PRESENTATION_TEMPLATE_WITH_MACROS = 15,
-    THEME = 16,
-};
 
 struct PackageType {
     PackageKind kind;

@@ -2,6 +2,7 @@
 #include <lumcommon/containers/OleCompFile.h>
 #include <lumcommon/containers/OleStream.h>
 #include <lumcommon/containers/detail/OleRecords.h>
+#include <lumcommon/containers/office/OfficeKinds.h>
 #include <lumcommon/streams/JZIOobj.h>
 #include <lumcommon/streams/LumMemStream.h>
 #include <lumcommon/streams/detail/StreamReading.h>
@@ -13,15 +14,6 @@
 
 namespace LumCommon {
 namespace {
-
-/// The numbers that are reported to users.
-enum class DocumentKind : int {
-    NONE = 0,
-    WORD_PROCESSOR = 1,
-    SPREADSHEET = 2,
-    PRESENTATION = 3,
-    JAPANESE_WORD_PROCESSOR = 4,
-};
 
 /// Whether there is a stream that can be opened, of at least that many bytes.
 bool hasStream(OleCompFile& file, const OleDirPath& path, unsigned leastBytes = 0) {
@@ -38,12 +30,12 @@ bool isPresentation(OleCompFile& file) {
            (hasStream(file, {"Current User"}, currentUserBytes) && hasStream(file, {"PowerPoint Document"}));
 }
 
-DocumentKind kindOf(OleCompFile& file) {
-    if (hasStream(file, {"WordDocument"})) return DocumentKind::WORD_PROCESSOR;
-    if (hasStream(file, {"Workbook"})) return DocumentKind::SPREADSHEET;
-    if (isPresentation(file)) return DocumentKind::PRESENTATION;
-    if (hasStream(file, {"DocumentViewStyles"})) return DocumentKind::JAPANESE_WORD_PROCESSOR;
-    return DocumentKind::NONE;
+CompoundKind kindOf(OleCompFile& file) {
+    if (hasStream(file, {"WordDocument"})) return CompoundKind::WORD_PROCESSOR;
+    if (hasStream(file, {"Workbook"})) return CompoundKind::SPREADSHEET;
+    if (isPresentation(file)) return CompoundKind::PRESENTATION;
+    if (hasStream(file, {"DocumentViewStyles"})) return CompoundKind::JAPANESE_WORD_PROCESSOR;
+    return CompoundKind::NONE;
 }
 
 }  // namespace
@@ -62,14 +54,14 @@ int OleCompFile::detectOLEDocument(std::istream& s) {
     JZStreamIOobj io(&s);
     OleCompFile file;
     file.io_ = {&io, false};
-    return file.readTables() ? file.getDocumentKind() : static_cast<int>(DocumentKind::NONE);
+    return file.readTables() ? file.getDocumentKind() : static_cast<int>(CompoundKind::NONE);
 }
 
 int OleCompFile::getDocumentKind() { return static_cast<int>(kindOf(*this)); }
 
 int OleCompFile::detectOLEDocument(const LumUri& uri) {
     std::unique_ptr<std::istream> stream(uri.getStream());
-    if (!stream) return static_cast<int>(DocumentKind::NONE);
+    if (!stream) return static_cast<int>(CompoundKind::NONE);
     if (stream->tellg() == std::istream::pos_type(-1)) {
         LumMemStream seekable(stream.release(), LumMemStreamBuf::defaultGrowBytes, true);
         return detectOLEDocument(seekable);

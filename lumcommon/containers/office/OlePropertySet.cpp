@@ -1,6 +1,6 @@
+#include <lumcommon/containers/office/OfficeKinds.h>
 #include <lumcommon/containers/office/OlePropertySet.h>
 #include <lumcommon/containers/office/OleSummaryInformation.h>
-#include <lumcommon/containers/office/detail/SummaryId.h>
 #include <lumcommon/values/LumValue.h>
 
 #include <utility>
@@ -10,11 +10,11 @@ namespace LumCommon {
 int OlePropertySet::init(OleCompFile* file) {
     OleSummaryInformation information;
     if (information.initSummaryInformation(file) != 1) return -1;
-    const std::pair<detail::SummaryId, UnicodeString*> rows[] = {
-        {detail::TITLE, &title_},
-        {detail::SUBJECT, &subject_},
-        {detail::AUTHOR, &author_},
-        {detail::KEYWORDS, &keywords_},
+    const std::pair<SummaryProperty, UnicodeString*> rows[] = {
+        {SummaryProperty::TITLE, &title_},
+        {SummaryProperty::SUBJECT, &subject_},
+        {SummaryProperty::AUTHOR, &author_},
+        {SummaryProperty::KEYWORDS, &keywords_},
     };
     for (const auto& [id, string] : rows) {
         LumValue value;

@@ -20,6 +20,8 @@
 namespace LumCommon {
 namespace {
 
+constexpr auto codePageId = static_cast<std::uint32_t>(SummaryProperty::CODE_PAGE);
+
 constexpr std::uint16_t reversedMark = 65279;
 constexpr std::uint32_t dictionaryId = 0;
 constexpr unsigned defaultCodePage = 932;
@@ -75,13 +77,13 @@ OlePropertyValue readValue(const OleSIProperty& property, detail::PropertyValueR
     OlePropertyValue value = reader.readValue(property.type, property.valuePosition);
     // The field has 16 bits with a sign, so 65001 is negative in it.
     auto* const number = std::get_if<std::int64_t>(&value.content);
-    if (property.id == detail::CODE_PAGE && number && *number < 0 && *number >= -0x8000) *number += 0x10000;
+    if (property.id == codePageId && number && *number < 0 && *number >= -0x8000) *number += 0x10000;
     return value;
 }
 
 /// The code page that the section states.
 std::optional<unsigned> codePageOf(const OleSISection& section, detail::PropertyValueReader& reader) {
-    const OleSIProperty* const property = findIn(section, detail::CODE_PAGE);
+    const OleSIProperty* const property = findIn(section, codePageId);
     if (!property) return std::nullopt;
     const OlePropertyValue value = readValue(*property, reader);
     const auto* const number = std::get_if<std::int64_t>(&value.content);
@@ -288,7 +290,7 @@ bool OleSummaryInformation::readDictionary(OleSISection& section, std::uint32_t 
 
 void OleSummaryInformation::chooseCharset() {
     LumValue value;
-    if (getProperty(detail::CODE_PAGE, value) != 1 || value.getKind() != KIND_INTEGER) {
+    if (getProperty(codePageId, value) != 1 || value.getKind() != KIND_INTEGER) {
         charset_ = LumCStr(detail::fromUtf8(detail::charsetOfCodePage(defaultCodePage)));
         return;
     }

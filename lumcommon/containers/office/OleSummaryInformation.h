@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lumcommon/containers/office/OfficeKinds.h>
 #include <lumcommon/containers/office/OlePropertyValue.h>
 #include <lumcommon/core/Api.h>
 #include <lumcommon/core/LumCStr.h>
@@ -96,6 +97,7 @@ public:
     /// @return 1, or -1 if the property is absent, cut short or of another type, or if this is document summary
     /// information; `out` is then unchanged.
     int getProperty(unsigned int id, LumValue& out);
+    int getProperty(SummaryProperty id, LumValue& out) { return getProperty(static_cast<unsigned int>(id), out); }
     /// A property by its number, from the first section without a dictionary that has it, which is where getProperty()
     /// looks. Strings are in the code page of their section, else in that of the first section that states one, else in
     /// 932. The code page itself (property 1) is a number from 0 to 65535 even where it is stored with a sign.
@@ -103,6 +105,13 @@ public:
     /// @return nothing if there is none. One that is there but cannot be read is damaged, see OlePropertyValue.
     /// Cost: O(properties), plus the bytes of the value, at most three times for vectors of strings.
     std::optional<OlePropertyValue> readProperty(unsigned int id) const;
+    /// The same by the property's name in the published format. The caller knows which of the two sets this is.
+    std::optional<OlePropertyValue> readProperty(SummaryProperty id) const {
+        return readProperty(static_cast<unsigned int>(id));
+    }
+    std::optional<OlePropertyValue> readProperty(DocumentSummaryProperty id) const {
+        return readProperty(static_cast<unsigned int>(id));
+    }
     /// A user-defined property by the name that a dictionary gives it: an exact match, else one that ignores case.
     /// Nothing if there is none.
     /// Cost: O(properties and names), plus the bytes of the value.

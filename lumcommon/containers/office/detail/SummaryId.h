@@ -1,30 +1,16 @@
 #pragma once
 
-#include <cstdint>
+#include <lumcommon/containers/office/OfficeKinds.h>
 
 namespace LumCommon::detail {
 
-/// The properties of the summary information that can be asked for, by their numbers in the file.
-enum SummaryId : std::uint32_t {
-    CODE_PAGE = 1,
-    TITLE = 2,
-    SUBJECT = 3,
-    AUTHOR = 4,
-    KEYWORDS = 5,
-    COMMENTS = 6,
-    TEMPLATE = 7,
-    LAST_AUTHOR = 8,
-    REVISION_NUMBER = 9,
-    PAGE_COUNT = 14,
-    WORD_COUNT = 15,
-    CHARACTER_COUNT = 16,
-    APPLICATION_NAME = 18,
-    SECURITY = 19,
-};
-
+/// Whether OleSummaryInformation::getProperty() gives it.
 constexpr bool isSummaryId(unsigned id) noexcept {
-    return (id >= CODE_PAGE && id <= REVISION_NUMBER) || (id >= PAGE_COUNT && id <= CHARACTER_COUNT) ||
-           id == APPLICATION_NAME || id == SECURITY;
+    using enum SummaryProperty;
+    const auto property = static_cast<SummaryProperty>(id);
+    return (property >= CODE_PAGE && property <= REVISION_NUMBER) ||
+           (property >= PAGE_COUNT && property <= CHARACTER_COUNT) || property == APPLICATION_NAME ||
+           property == SECURITY;
 }
 
 }  // namespace LumCommon::detail
