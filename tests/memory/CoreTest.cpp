@@ -1,5 +1,7 @@
 // What core/ does when memory runs out.
 
+#include <lumcommon/bridge/LumException.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/core/detail/PlatformText.h>
 #include <support/FailingMemory.h>
 
@@ -41,6 +43,13 @@ const LumTest::MemoryRow<> rows[] = {
      }},
     {"the path is empty",
      [](auto&) { return utf8(detail::fromPlatformText(detail::toPlatformPath(longText)->c_str())); }},
+    {"a text, a path or a position is lost on its way to the standard library",
+     [](auto&) {
+         const UnicodeString message(false, u"m\nTEXT, 'a resource whose name needs memory', Line 1, Col 2.", 60);
+         const LumException told(LumError(0x1801, message, u"LumCommon::XmlParserImpl", -1, -1, {}));
+         return told.what() + toUtf8(told.getPosition()) + toUtf8(told.getError()) + toUtf8(toText(toUtf8(longText))) +
+                uriToPath(pathToUri("/a folder/of a file/whose path needs memory")).native();
+     }},
 };
 
 TEST(CoreMemory, failsAloud) { LumTest::forEveryFailure(rows); }

@@ -103,6 +103,11 @@ const Row rows[] = {
          while (::readdir(files.get())) ++count;
          return std::to_string(count) + ' ' + std::to_string(std::filesystem::file_size(path));
      }},
+    {"the copy for another document lacks a part", makeLoaded,
+     [](LumDocument& document) {
+         const LumPtr<LumDocument> other = makeLum<LumDocument>();
+         return saved(*other, other->importNode(*document.getDocumentElement(), true).get());
+     }},
     {"the saved document lacks a value or a name", makeLoaded,
      [](LumDocument& document) {
          return saved(document, nullptr, u"Shift_JIS"_text) + utf8(orFailure([&] { return document.saveXml(); })) +
