@@ -32,10 +32,12 @@ public:
 
     // what() is LumError::getMessage() in UTF-8.
 
+    /// LumError::code.
     std::uint16_t getCode() const noexcept { return held_->error.code; }
     /// Those of positionOf(), so that nobody has to read the message: -1 when unknown.
     int getLine() const noexcept { return held_->position.line; }
     int getColumn() const noexcept { return held_->position.column; }
+    /// The same with the location.
     const LumPosition& getPosition() const noexcept { return held_->position; }
     /// The error as it was thrown.
     const LumError& getError() const noexcept { return held_->error; }

@@ -54,6 +54,7 @@ concept LumPrintable = std::same_as<T, LumName> || std::derived_from<T, LumValue
     std::same_as<T, LumPosition> || std::same_as<T, LumXmlParser::EventType> || std::same_as<T, MathMLName> ||
     std::same_as<T, SVGName>;
 
+/// Writes toUtf8() of it, with the stream's width, fill and adjustment.
 template <LumPrintable T>
 std::ostream& operator<<(std::ostream& out, const T& printed) {
     return out << toUtf8(printed);

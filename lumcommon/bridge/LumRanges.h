@@ -201,6 +201,7 @@ private:
     LumPtr<const LumNamedValueMap> map_;
 };
 
+/// The entries of a map; of null none. See LumItemRange.
 [[nodiscard]] inline LumItemRange items(const LumNamedValueMap* map) noexcept { return LumItemRange(map); }
 [[nodiscard]] inline LumItemRange items(const LumPtr<LumNamedValueMap>& map) noexcept { return items(map.get()); }
 /// Those of a compound; any other value has none.

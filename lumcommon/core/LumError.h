@@ -40,14 +40,15 @@ enum class LumErrorCodeIO : std::uint16_t {
     CannotCreateTempFile = 0x100E,
 };
 
-// The codes compare with LumError::code:
-//
-//     catch (const LumError& error) {
-//         if (error.code == LumErrorCodeIO::CannotOpen) ...
-//     }
+/// Whether LumError::code is that one:
+///
+///     catch (const LumError& error) {
+///         if (error.code == LumErrorCodeIO::CannotOpen) ...
+///     }
 constexpr bool operator==(std::uint16_t code, LumErrorCodeLumLIB known) noexcept {
     return code == static_cast<std::uint16_t>(known);
 }
+/// The same for the codes of input and output.
 constexpr bool operator==(std::uint16_t code, LumErrorCodeIO known) noexcept {
     return code == static_cast<std::uint16_t>(known);
 }
