@@ -57,11 +57,13 @@ install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT de
 
 # gdb looks for the printers below its auto-load folder by the whole path of the library. A link has that name: a search
 # for files that begin with the name of the library finds the library alone.
-install(CODE "
-  set(folder \"${CMAKE_INSTALL_LIBDIR}\")
-  cmake_path(ABSOLUTE_PATH folder BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
-  file(INSTALL \"${PROJECT_SOURCE_DIR}/tools/gdb/lumcommon-gdb.py\"
-       DESTINATION \"\${CMAKE_INSTALL_PREFIX}/share/gdb/auto-load\${folder}\")
-  file(CREATE_LINK lumcommon-gdb.py
-       \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/share/gdb/auto-load\${folder}/$<TARGET_FILE_NAME:lumcommon>-gdb.py\" SYMBOLIC)
-" COMPONENT development)
+if(BUILD_SHARED_LIBS)
+  install(CODE "
+    set(folder \"${CMAKE_INSTALL_LIBDIR}\")
+    cmake_path(ABSOLUTE_PATH folder BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
+    file(INSTALL \"${PROJECT_SOURCE_DIR}/tools/gdb/lumcommon-gdb.py\"
+         DESTINATION \"\${CMAKE_INSTALL_PREFIX}/share/gdb/auto-load\${folder}\")
+    file(CREATE_LINK lumcommon-gdb.py
+         \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/share/gdb/auto-load\${folder}/$<TARGET_FILE_NAME:lumcommon>-gdb.py\" SYMBOLIC)
+  " COMPONENT development)
+endif()
