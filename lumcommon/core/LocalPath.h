@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lumcommon/core/Api.h>
+
 #include <concepts>
 #include <string_view>
 
