@@ -1,0 +1,69 @@
+// Loads documents from every kind of source:  loading IN
+// [loading]
+#include <lumcommon/lumcommon.h>
+
+#include <fstream>
+#include <iostream>
+#include <string_view>
+
+using namespace LumCommon;
+
+static std::string utf8(const UnicodeString& text) {
+    std::string bytes;
+    return text.toUTF8String(bytes);
+}
+
+static void tell(const char* source, const LumDocument& document) {
+    std::cout << source << ": " << utf8(document.getDocumentElement()->getNodeName().getString()) << '\n';
+}
+
+int main(int, char* argv[]) try {
+    const UnicodeString path = UnicodeString::fromUTF8(argv[1]);
+    LumPtr<LumDocument> document(new LumDocument);
+    document->load(path);  // a path, or a URI: file:, http:, jar:; compressed with gzip or not
+    tell("file", *document);
+
+    std::ifstream stream(argv[1], std::ios::binary);
+    document->setInputOption(u"file:///srv/forms/");  // what relative references are resolved against
+    document->load(stream);
+    tell("stream", *document);
+
+    document->loadXml(u"<string/>");  // UTF-16 in memory
+    tell("string", *document);
+
+    constexpr std::string_view bytes = "<?xml version='1.0' encoding='ISO-8859-1'?><bytes>\xE4</bytes>";
+    LumStrStream memory(bytes.data(), bytes.size(), false);  // not copied: the bytes outlive the loading
+    document->load(memory);
+    tell("memory", *document);
+
+    // From a parser that somebody has begun to read: the content of the element that it stands in.
+    std::ifstream again(argv[1], std::ios::binary);
+    LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
+    parser->setInput(again, UnicodeString(), UnicodeString());
+    const LumName entry(u"entry");
+    LumPtr<LumDocument> part(new LumDocument);
+    part->setParser(parser.get());
+    while (parser->next() != LumXmlParser::END_DOCUMENT) {
+        if (parser->getEventType() != LumXmlParser::START_TAG || parser->getName() != entry) continue;
+        part->load();
+        std::cout << "parser: " << utf8(part->getFirstChild()->getText()) << '\n';
+    }
+
+    // Deferred: the tree is read as far as it is asked for.
+    LumPtr<LumDocument> deferred(new LumDocument);
+    deferred->setDeferredLoad(true);
+    deferred->load(path);
+    std::cout << "deferred: " << utf8(deferred->getDocumentElement()->getFirstChild()->getInnerText()) << '\n';
+    deferred->abort();  // the rest is not read
+
+    // Into a node of another tree: a fragment, whose children then move to where they belong.
+    LumPtr<LumDocumentFragment> fragment = document->createDocumentFragment();
+    document->loadXml(u"<all><one/>and<two/></all>", fragment.get());
+    LumNode* const all = fragment->getFirstChild();
+    while (LumNode* child = all->getFirstChild()) document->getDocumentElement()->appendChild(child);
+    std::cout << "fragment: " << utf8(document->saveXml(document->getDocumentElement())) << '\n';
+} catch (const LumError& error) {
+    std::cerr << utf8(error.getMessage()) << '\n';
+    return 1;
+}
+// [loading]
