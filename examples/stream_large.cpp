@@ -2,7 +2,7 @@
 // the other.
 //
 //     stream_large in.xml out.xml
-
+// [stream_large]
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -49,3 +49,4 @@ int main(int argc, char** argv) {
         return 1;
     }
 }
+// [stream_large]
