@@ -1,0 +1,36 @@
+// Who keeps what alive:  ownership IN
+// [ownership]
+#include <lumcommon/lumcommon.h>
+
+#include <iostream>
+
+using namespace LumCommon;
+
+static std::string utf8(const UnicodeString& text) {
+    std::string bytes;
+    return text.toUTF8String(bytes);
+}
+
+int main(int, char* argv[]) try {
+    LumPtr<LumNode> kept;
+    {
+        LumPtr<LumDocument> document(new LumDocument);  // this pointer holds the document, the document its nodes
+        document->load(UnicodeString::fromUTF8(argv[1]));
+        LumElement* const root = document->getDocumentElement();  // borrowed: lives while the document has it
+
+        LumPtr<LumElement> fresh = document->createElement(LumName(u"fresh"));  // ours
+        root->appendChild(fresh.get());                                         // and the root's
+        std::cout << "fresh has " << fresh->getRefCount() << " holders\n";
+        fresh = nullptr;  // the tree keeps it
+
+        kept = root->removeChild(root->getLastChild());  // out of the tree: `kept` is its only holder
+        std::cout << "kept has " << kept->getRefCount() << ", its parent is "
+                  << (kept->getParentNode() ? "there" : "null") << '\n';
+    }
+    // The document is gone. The node lives; new nodes and copies can no longer be made from it.
+    std::cout << utf8(kept->getTypeName()) << " lives\n";
+} catch (const LumError& error) {
+    std::cerr << utf8(error.getMessage()) << '\n';
+    return 1;
+}
+// [ownership]
