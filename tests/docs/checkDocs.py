@@ -5,7 +5,7 @@ A C++ block is a whole program of examples/, which are all built, so that it com
 says `<!-- from examples/first.cpp first -->`, and the block must equal what stands between two lines `// [first]` there.
 Outside of these the file may only have comments. A path in backquotes that begins with a folder of this tree must exist.
 So must a test that is named, as `Suite.test` or `check_function` of `tests/tool/...`, and each row of a table of attacks
-must name one.
+must name one. The table of the parser's codes must be that of the header; `checkDocs.py --pages` puts it into the page.
 """
 import pathlib
 import re
@@ -20,6 +20,17 @@ ATTACKS = re.compile(r"^\| attack \|.*\n\|-.*\n((?:\|.*\n)+)", re.MULTILINE)
 TEST_HEAD = re.compile(r"^TEST(?:_[FP])?\((\w+), (\w+)\)", re.MULTILINE)
 TESTS = {".".join(head) for file in (ROOT / "tests").glob("*/*.cpp")
          for head in TEST_HEAD.findall(file.read_text(encoding="utf-8"))}
+CODE = re.compile(r"^ +(\w+) = (0x\w+), +///< (.*)$", re.MULTILINE)
+CODES = re.compile(r"(?<=\| code \| constant \| cause \|\n\|---\|---\|---\|\n)(?:\|.*\n)*")
+CODES_PAGE = ROOT / "docs/errors.md"
+
+
+def code_rows():
+    """The rows of the table of codes; what Markdown would take for markup is escaped."""
+    header = (ROOT / "lumcommon/xml/LumXmlErrorCode.h").read_text(encoding="utf-8")
+    rows = [(code, name, re.sub(r"[<*|]", r"\\\g<0>", cause)) for name, code, cause in CODE.findall(header)]
+    assert len(rows) == len(re.findall(r"= 0x", header)) > 80, "a code has no cause, or the header another form"
+    return "".join(f"| {code} | `{name}` | {cause} |\n" for code, name, cause in rows)
 
 
 def marked(text, marker):
@@ -55,6 +66,9 @@ def faults(name, text):
     for function, path in CHECK.findall(text):
         if (ROOT / path).exists() and f"\ndef {function}(" not in (ROOT / path).read_text(encoding="utf-8"):
             yield f"{name}: there is no {function} in {path}"
+    for table in CODES.findall(text):
+        if table != code_rows():
+            yield f"{name}: the codes are not those of the header; checkDocs.py --pages puts them in"
     for table in ATTACKS.findall(text):
         for row in table.splitlines():
             if not re.search(r"\| (`[A-Z]\w+\.\w+`(, )?)+ \|$", row) and not CHECK.search(row):
@@ -74,14 +88,20 @@ def check_the_check():
     assert list(faults("x", "`LargeTree.absent`")), "a lost test passes"
     assert list(faults("x", "`check_absent` of `tests/tool/lum_test.py`")), "a lost check passes"
     assert list(faults("x", "| attack | test |\n|---|---|\n| a | |\n")), "a row without a test passes"
+    head = "| code | constant | cause |\n|---|---|---|\n"
+    assert list(faults("x", head)) and not list(faults("x", head + code_rows())), "a table of codes is not compared"
 
 
 def main():
     check_the_check()
+    if sys.argv[1:] == ["--pages"]:
+        page = CODES_PAGE.read_text(encoding="utf-8")
+        CODES_PAGE.write_text(CODES.sub(lambda _: code_rows(), page), encoding="utf-8")
     pages = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *ROOT.glob("*/README.md")])
     found = [fault for page in pages for fault in faults(str(page.relative_to(ROOT)), page.read_text(encoding="utf-8"))]
     blocks = sum(len(BLOCK.findall(page.read_text(encoding="utf-8"))) for page in pages)
     assert blocks >= 5, "hardly any block was read"
+    assert CODES.search(CODES_PAGE.read_text(encoding="utf-8")), "the table of codes is gone"
     if found:
         print("\n".join(found))
     return 1 if found else 0
