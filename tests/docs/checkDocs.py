@@ -3,7 +3,8 @@
 
 A C++ block is a whole program of examples/, which are all built, so that it compiles as it stands: the line before it
 says `<!-- from examples/first.cpp first -->`, and the block must equal what stands between two lines `// [first]` there.
-Outside of these the file may only have comments. A path in backquotes that begins with a folder of this tree must exist.
+Outside of these the file may only have comments. A path in backquotes that begins with a folder of this tree must exist, and so
+must a page that is linked.
 So must a test that is named, as `Suite.test` or `check_function` of `tests/tool/...`, and each row of a table of attacks
 must name one. The table of the parser's codes must be that of the header; `checkDocs.py --pages` puts it into the page.
 """
@@ -14,6 +15,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BLOCK = re.compile(r"(?:<!-- from (\S+) (\S+) -->\n)?```cpp\n(.*?)```", re.DOTALL)
 PATH = re.compile(r"`((?:lumcommon|tests|fuzz|bench|examples|tools|scripts|docs|cmake)/[^`\s*<>]*)`")
+LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
 TEST = re.compile(r"`([A-Z]\w+\.(?!md`)[a-z]\w+)`")
 CHECK = re.compile(r"`(check_\w+)` of\s+`(tests/tool/\w+\.py)`")
 ATTACKS = re.compile(r"^\| attack \|.*\n\|-.*\n((?:\|.*\n)+)", re.MULTILINE)
@@ -60,6 +62,9 @@ def faults(name, text):
     for path in PATH.findall(text):
         if not (ROOT / path).exists():
             yield f"{name}: there is no {path}"
+    for link in LINK.findall(text):
+        if not (ROOT / name).parent.joinpath(link).exists():
+            yield f"{name}: there is no {link} beside it"
     for test in TEST.findall(text):
         if test not in TESTS:
             yield f"{name}: there is no test {test}"
@@ -85,6 +90,7 @@ def check_the_check():
             continue
         raise AssertionError("a piece of a program passes")
     assert list(faults("x", "see `docs/absent.md`")), "a lost file passes"
+    assert list(faults("x", "[a](absent.md)")), "a lost page passes"
     assert list(faults("x", "`LargeTree.absent`")), "a lost test passes"
     assert list(faults("x", "`check_absent` of `tests/tool/lum_test.py`")), "a lost check passes"
     assert list(faults("x", "| attack | test |\n|---|---|\n| a | |\n")), "a row without a test passes"
