@@ -3,10 +3,10 @@
 
 A C++ block is a whole program of examples/, which are all built, so that it compiles as it stands: the line before it
 says `<!-- from examples/first.cpp first -->`, and the block must equal what stands between two lines `// [first]` there.
-Outside of these the file may only have comments. A path in backquotes that begins with a folder of this tree must exist, and so
-must a page that is linked.
-So must a test that is named, as `Suite.test` or `check_function` of `tests/tool/...`, and each row of a table of attacks
-must name one. The table of the parser's codes must be that of the header; `checkDocs.py --pages` puts it into the page.
+Outside of these the file may only have comments. A path in backquotes that begins with a folder of this tree must exist,
+and so must a page that is linked, and a test that is named, as `Suite.test` or `check_function` of `tests/tool/...`. Each
+row of a table of attacks must name one. The table of the parser's codes must be that of the header; `checkDocs.py --pages`
+puts it into the page.
 """
 import pathlib
 import re
