@@ -1,6 +1,6 @@
 #pragma once
 
-/// The umbrella header: everything public but the folder lumcommon/bridge/, whose headers are asked for by name.
+// The umbrella header: everything public but the folder lumcommon/bridge/, whose headers are asked for by name.
 
 #include <lumcommon/containers/LumOleStreamBuf.h>
 #include <lumcommon/containers/LumZipEntry.h>
@@ -79,6 +79,7 @@
 #include <lumcommon/xml/LumXmlLimits.h>
 #include <lumcommon/xml/LumXmlParser.h>
 
+/// All that the library declares. <lumcommon/lumcommon.h> includes the whole of it.
 namespace LumCommon {
 
 /// The version of the library: major * 100 + minor, 309 for 3.9.

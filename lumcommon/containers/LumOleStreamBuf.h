@@ -19,6 +19,7 @@ public:
     ~LumOleStreamBuf() override;
 
 protected:
+    /// Reads the next block of the stream. End of file where there is none.
     int_type underflow() override;
 
 private:

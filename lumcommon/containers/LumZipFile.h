@@ -58,6 +58,7 @@ public:
     /// Cost: O(number of members) plus the names; data are skipped, except before a data descriptor that has to be
     /// searched for. If the central directory is needed, the end of the stream is read too.
     void open(const char* path);
+    /// The same for a stream that the caller has, or with `own` has had.
     void open(std::istream* s, bool own);
 
     /// Whether there is an archive to read, even one without members: the stream could be opened and read, and a zip
@@ -119,7 +120,9 @@ public:
     /// other than "Internal") is given as written.
     /// @param source  the entry whose relationships are meant; null for those of the package.
     /// Cost: O(log relationships), plus the lengths of both names.
+    /// @param id  the identifier that the content of the source uses.
     UnicodeString getRelationshipTargetFromId(const UnicodeString& id, LumZipFileEntry* source = nullptr);
+    /// The same by type; of several relationships of one type the first.
     UnicodeString getRelationshipTargetFromType(const UnicodeString& type, LumZipFileEntry* source = nullptr);
     /// The TargetMode of that relationship as written; "Internal" if it has none or there is no such relationship.
     UnicodeString getRelationshipTargetMode(const UnicodeString& id, LumZipFileEntry* source = nullptr);

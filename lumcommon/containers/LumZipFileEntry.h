@@ -27,9 +27,12 @@ struct PackageRelationships;
 /// independent of it and of each other.
 class LUM_API LumZipFileEntry : public LumZipEntry {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x1E3480DFu;
 
+    /// The method of data that are as they were.
     static constexpr std::uint16_t METHOD_STORED = 0;
+    /// The method of data that are deflated.
     static constexpr std::uint16_t METHOD_DEFLATE = 8;
 
     /// Reads the local header. The stream is left after the member's data, or failed if it is too short for that and
@@ -43,8 +46,11 @@ public:
     /// All fields of the local header, with the sizes of a data descriptor filled in. In an archive read by its central
     /// directory: the fields of that, except the lengths of name and extra field, which are those of the local header.
     const LumZipMemberFields& getFields() const noexcept { return fields_; }
+    /// METHOD_STORED, METHOD_DEFLATE, or whatever else the archive says.
     std::uint16_t getMethod() const noexcept { return fields_.method; }
+    /// Bit 0: encrypted; bit 3: sizes and checksum follow the data.
     std::uint16_t getFlags() const noexcept { return fields_.flags; }
+    /// Of the uncompressed data, as the archive says; never checked.
     std::uint32_t getCrc32() const noexcept { return fields_.crc32; }
     /// In bytes, as claimed; see readCompressedData() for what is really there.
     std::uint32_t getCompressedSize() const noexcept { return fields_.compressedSize; }

@@ -62,6 +62,7 @@ public:
     /// @param io  opened here if it is not open; its size is the position of its end or, if it cannot seek there,
     ///            GetSize(). Borrowed: it must outlive its use here. Null fails.
     [[nodiscard]] bool OLEopen(JZIOobj* io);
+    /// Whether a file has been opened and not closed since.
     bool isOpen() const noexcept { return io_.get() != nullptr; }
     /// Whether to accept files with harmless faults: a header that gives -1 for the first sector of the mini FAT or of
     /// the list of FAT sectors, with a count of 0, and unused directory entries that state impossible lengths for their
@@ -82,9 +83,11 @@ public:
     /// index in the directory, or -1. Names are compared in upper case, by language-independent rules.
     /// @param start  an entry of this directory. Null gives -1, as does a null name.
     /// Cost: O(siblings), and one bit of memory for each entry of the directory.
+    /// @param name  zero-terminated.
     long findDirEntryByName(const OleDirInfo* start, const char* name) const;
     /// The entry at that index; null outside the directory. Borrowed: valid until the file is closed.
     const OleDirInfo* getDirInfo(long index) const noexcept;
+    /// The same, for changing the entry in memory; the file is never changed.
     OleDirInfo* getDirInfo(long index) noexcept;
     /// The number of entries, unused ones included.
     long getDirCount() const noexcept { return static_cast<long>(directory_.size()); }
@@ -97,11 +100,13 @@ public:
     /// The sector that readBlock() read last. Valid until its next call or until the file is closed.
     std::span<const char> getBlock() const noexcept { return block_; }
 
+    /// The byte order that the header states.
     bool isLittleEndian() const noexcept { return littleEndian_; }
     /// The two bytes of the major version in hexadecimal, in the order of the file: "03 00".
     const std::string& getVersion() const noexcept { return version_; }
     /// In bytes.
     std::int64_t getSectorSize() const noexcept { return std::int64_t{1} << sectorShift_; }
+    /// In bytes.
     std::int64_t getMiniSectorSize() const noexcept { return std::int64_t{1} << miniSectorShift_; }
     /// Streams smaller than this many bytes are in the mini stream.
     std::uint32_t getMiniStreamCutoff() const noexcept { return miniStreamCutoff_; }

@@ -18,13 +18,18 @@ namespace LumCommon {
 /// A name is UTF-8 or, if it is not well-formed UTF-8, in the platform's charset.
 class LUM_API OleDirPath {
 public:
+    /// The path of the root: no names.
     OleDirPath() = default;
+    /// The names from the root down, the root not included.
     OleDirPath(std::initializer_list<std::string> names) : names_(names) {}
+    /// The same from a vector.
     OleDirPath(std::vector<std::string> names) : names_(std::move(names)) {}
 
+    /// The number of names; 0 for the root.
     int getCount() const noexcept { return static_cast<int>(names_.size()); }
     /// @param index  from 0 to getCount() - 1.
     const std::string& getName(int index) const { return names_.at(static_cast<std::size_t>(index)); }
+    /// All names, from the root down.
     const std::vector<std::string>& getNames() const noexcept { return names_; }
 
 private:
@@ -35,7 +40,16 @@ private:
 /// is that of the published Compound File Binary format.
 class LUM_API OleDirInfo {
 public:
-    enum Type : int { EMPTY = 0, STORAGE = 1, STREAM = 2, LOCK_BYTES = 3, PROPERTY = 4, ROOT = 5 };
+    /// What an entry of the directory is.
+    enum Type : int {
+        EMPTY = 0,       ///< the entry is not in use
+        STORAGE = 1,     ///< holds other entries
+        STREAM = 2,      ///< has bytes
+        LOCK_BYTES = 3,  ///< named by the format, and not used by files
+        PROPERTY = 4,    ///< named by the format, and not used by files
+        ROOT = 5,        ///< the storage that holds all others
+    };
+    /// The size of an entry in the file, in bytes.
     static constexpr int entryBytes = 128;
 
     OleDirInfo() = default;
@@ -51,14 +65,18 @@ public:
     /// Indexes of other entries: the siblings before and after this one, and the topmost child of a storage. Negative
     /// if there is none; an index past the end of the directory leads nowhere.
     int getLeft() const noexcept { return left_; }
+    /// As getLeft(), on the other side.
     int getRight() const noexcept { return right_; }
+    /// The index of an entry among those that a storage holds, from which the others are reached; -1 if it holds none.
     int getChild() const noexcept { return child_; }
     /// The bytes of the class identifier as stored; zeros unless it is a storage or the root. The same goes for the
     /// next three.
     const std::array<unsigned char, 16>& getClassId() const noexcept { return classId_; }
+    /// As stored; what the bits mean is the business of the program that wrote them.
     std::uint32_t getStateBits() const noexcept { return stateBits_; }
     /// In units of 100 nanoseconds since 1601-01-01, UTC; 0 for none.
     std::uint64_t getCreationTime() const noexcept { return creationTime_; }
+    /// In units of 100 nanoseconds since 1601-01-01, UTC; 0 for none.
     std::uint64_t getModificationTime() const noexcept { return modificationTime_; }
     /// The first sector of the data of a stream or the root, -2 if it has no data; -1 for other entries.
     int getStartSector() const noexcept { return startSector_; }
@@ -69,7 +87,7 @@ private:
     friend class OleCompFile;
 
     /// False if the name is stated to be longer than its field.
-    /// @param passesUnused  accept that in an unused entry, whose name is then empty.
+    /// With `passesUnused` that is accepted in an unused entry, whose name is then empty.
     bool parse(std::span<const char, entryBytes> entry, bool littleEndian, int index, bool passesUnused);
 
     UnicodeString name_;

@@ -50,6 +50,7 @@ public:
     long OLEtell() const noexcept { return static_cast<long>(position_); }
     /// In bytes, as stated in the directory; there may be fewer.
     unsigned GetStreamSize() const noexcept { return sizeBytes_; }
+    /// Whether the stream lies in mini sectors, as small ones do.
     bool isMini() const noexcept { return isMini_; }
 
     /// Writes the whole stream to a file, replacing it. The position does not change.
@@ -57,6 +58,7 @@ public:
     /// Failure: false if the file cannot be written or the stream is shorter than stated; the file then holds what
     /// could be read.
     [[nodiscard]] bool CopyToFile(const unsigned char* path);
+    /// The same for a path of char.
     [[nodiscard]] bool CopyToFile(const char* path) { return CopyToFile(reinterpret_cast<const unsigned char*>(path)); }
 
 private:

@@ -13,6 +13,7 @@ namespace LumCommon {
 /// Threads: one at a time; getMBString changes the cache.
 class LUM_API LumCStr : public UnicodeString {
 public:
+    /// A copy of `text`; nothing is converted yet.
     LumCStr(const UnicodeString& text);
     using UnicodeString::operator=;  // assignable like any string; the next getMBString() notices
 

@@ -10,6 +10,7 @@ namespace LumCommon {
 /// may be any text and are inserted as they are.
 class LUM_API LumMessage : public UnicodeString {
 public:
+    /// Puts the arguments into the places {0} to {3} of `pattern`.
     explicit LumMessage(const UnicodeString& pattern, const UnicodeString& a0 = UnicodeString(),
                         const UnicodeString& a1 = UnicodeString(), const UnicodeString& a2 = UnicodeString(),
                         const UnicodeString& a3 = UnicodeString());

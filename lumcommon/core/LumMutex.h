@@ -13,7 +13,9 @@ class LumMutex;
 /// A lock that the thread holding it may take again. It is taken and released only through LumMutex.
 class LUM_API LumLock {
 public:
+    /// A lock that is free.
     LumLock() noexcept;
+    /// The lock must be free.
     ~LumLock();
     LumLock(const LumLock&) = delete;
     LumLock& operator=(const LumLock&) = delete;
@@ -35,6 +37,7 @@ public:
     LumMutex();
     /// Guards `lock`, which must outlive the guard and must not be null.
     explicit LumMutex(LumLock* lock);
+    /// Releases the lock when this guard took it.
     ~LumMutex();
     LumMutex(const LumMutex&) = delete;
     LumMutex& operator=(const LumMutex&) = delete;
@@ -44,10 +47,12 @@ public:
     /// Releases the lock when this guard took it; does nothing otherwise.
     void unlock();
 
-    // These are the compiler's own operations: not every standard library has std::atomic_ref, which says the same.
+    // The compiler's own operations: not every standard library has std::atomic_ref, which says the same.
+
     /// Add or subtract one and return the new value. The two are atomic with respect to each other, on any thread;
     /// they are lock-free, so counting never waits for a mutex.
     static int interlockedIncrement(int& value) noexcept { return __atomic_add_fetch(&value, 1, __ATOMIC_RELAXED); }
+    /// Subtracts one and returns the new value; see interlockedIncrement().
     static int interlockedDecrement(int& value) noexcept { return __atomic_sub_fetch(&value, 1, __ATOMIC_ACQ_REL); }
 
 private:

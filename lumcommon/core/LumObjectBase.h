@@ -12,11 +12,14 @@ namespace LumCommon {
 /// Threads: the operations of this class may be called from any thread.
 class LUM_API LumObjectBase {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xA4EBD8C4u;
 
+    /// For derived classes alone.
     LumObjectBase() = default;
     LumObjectBase(const LumObjectBase&) = delete;
     LumObjectBase& operator=(const LumObjectBase&) = delete;
+    /// Objects are deleted through this class.
     virtual ~LumObjectBase();
 
     /// The identifier of the object's own class.

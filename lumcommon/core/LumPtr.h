@@ -22,7 +22,9 @@ namespace LumCommon {
 template <class T>
 class LumPtr {
 public:
+    /// Null.
     LumPtr() noexcept = default;
+    /// Null.
     LumPtr(std::nullptr_t) noexcept {}
     /// @param object  may be null.
     /// @param addRef  true: takes a count. false: adopts a count that the caller has already taken.
@@ -32,11 +34,15 @@ public:
     /// Copying takes another count; moving takes over that of `other`, which becomes null. A LumPtr to a derived class
     /// converts.
     LumPtr(const LumPtr& other) noexcept : LumPtr(other.object_) {}
+    /// Takes over the count of `other`, which becomes null.
     LumPtr(LumPtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    /// Takes another count of an object of a derived class.
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     LumPtr(const LumPtr<U>& other) noexcept : LumPtr(other.get()) {}
+    /// Takes over the count of an object of a derived class; `other` becomes null.
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     LumPtr(LumPtr<U>&& other) noexcept : object_(other.detach()) {}
+    /// Gives the count back, which deletes the object if it was the last.
     ~LumPtr() {
         if (T* old = std::exchange(object_, nullptr)) old->releaseRef();
     }
@@ -50,7 +56,9 @@ public:
         }
         return *this;
     }
+    /// Gives the count back and becomes null.
     LumPtr& operator=(std::nullptr_t) noexcept { return *this = static_cast<T*>(nullptr); }
+    /// Takes a count of the other's object, then gives back that of the old one.
     LumPtr& operator=(const LumPtr& other) noexcept { return *this = other.object_; }
     /// Takes over the count of `other`, which becomes null.
     LumPtr& operator=(LumPtr&& other) noexcept {
@@ -71,16 +79,22 @@ public:
 
     /// The object, borrowed; null when there is none.
     T* get() const noexcept { return object_; }
+    /// A member of the object. Null is not checked for.
     T* operator->() const noexcept { return object_; }
+    /// The object. Null is not checked for.
     T& operator*() const noexcept { return *object_; }
+    /// Whether there is an object.
     explicit operator bool() const noexcept { return object_ != nullptr; }
+    /// Whether there is no object.
     bool isNull() const noexcept { return object_ == nullptr; }
     /// Hands the object and its count over to the caller, who must release it; this LumPtr becomes null.
     [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
 
     /// Compare addresses, not contents.
     friend bool operator==(const LumPtr& a, const LumPtr& b) noexcept { return a.object_ == b.object_; }
+    /// Whether it points to that very object.
     friend bool operator==(const LumPtr& a, const T* b) noexcept { return a.object_ == b; }
+    /// Whether it is null.
     friend bool operator==(const LumPtr& a, std::nullptr_t) noexcept { return a.object_ == nullptr; }
 
 private:

@@ -23,6 +23,7 @@ class LumPtr;
 /// std::nothrow. A derived class may have operators of its own.
 class LUM_API LumRCObject : public LumObjectBase {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x90AF0240u;
 
     bool isA(unsigned int typeId) const override;
@@ -38,15 +39,22 @@ public:
         if (LumMutex::interlockedDecrement(refCount_) < 1) delete this;
     }
 
+    /// Called by the release of the last reference; not to be called otherwise.
     ~LumRCObject() override;
 
+    /// From the slabs, or from the heap where the class comment says so. Failure: std::bad_alloc.
     static void* operator new(std::size_t bytes);
+    /// The object goes to `place`, memory of the caller's.
     static void* operator new(std::size_t, void* place) noexcept { return place; }
+    /// From the heap, for classes of more alignment than usual. Failure: std::bad_alloc.
     static void* operator new(std::size_t bytes, std::align_val_t alignment) {
         return ::operator new(bytes, alignment);
     }
+    /// Gives back what the operator new with one argument gave.
     static void operator delete(void* block, std::size_t bytes) noexcept;
+    /// Pairs with the operator new of a given place: frees nothing.
     static void operator delete(void*, void*) noexcept {}
+    /// Gives back what the operator new with an alignment gave.
     static void operator delete(void* block, std::size_t, std::align_val_t alignment) noexcept {
         ::operator delete(block, alignment);
     }

@@ -21,8 +21,10 @@ public:
     /// The bytes in order as 32 upper-case hexadecimal digits, without hyphens.
     UnicodeString toString() const;
 
+    /// The 16 bytes, in the order in which toString() prints them.
     const std::array<std::uint8_t, 16>& getBytes() const noexcept { return bytes_; }
 
+    /// Whether all bytes are equal.
     friend bool operator==(const LumUUID&, const LumUUID&) = default;
 
 private:

@@ -13,10 +13,12 @@ namespace LumCommon {
 /// 0x808 (already owned, even if by this element) before they change anything.
 class LUM_API AttrNodeMap : public LumNamedNodeMap {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xF49D3AEAu;
 
     /// @param ownerElement  the element whose getAttributes() returns this map; not counted.
     explicit AttrNodeMap(LumElement* ownerElement) noexcept;
+    /// Gives the counts of the attributes back.
     ~AttrNodeMap() override;
 
     unsigned int getTypeID() const override { return TYPE_ID; }

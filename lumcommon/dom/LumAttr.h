@@ -18,6 +18,7 @@ class LumElement;
 /// Threads: as for its tree, see LumNode.
 class LUM_API LumAttr : public LumNode {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xC5B6A2E2u;
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -44,10 +45,12 @@ protected:
 /// apart. The value carries the attribute's name in its name bits (see LumValue::getNameKey), and so do its copies.
 class LUM_API Attr : public LumAttr {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = LumAttr::TYPE_ID;
 
     /// For derived classes and documents; everybody else calls LumDocument::createAttribute().
     /// @param ownerDocument  not counted, not null.
+    /// @param localName  never null.
     Attr(LumDocument* ownerDocument, LumName localName);
 
     UnicodeString getTypeName() const override;
@@ -81,11 +84,14 @@ private:
 /// An attribute with a prefix, a namespace or both.
 class LUM_API AttrNS : public Attr {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x8EEE55FDu;
 
     /// For derived classes and documents; everybody else calls LumDocument::createAttributeNS().
     /// @param ownerDocument  not counted, not null.
     /// @param namespaceUri   null: looked up from the prefix, see getNamespaceUri().
+    /// @param prefix  null for none.
+    /// @param localName  never null.
     AttrNS(LumDocument* ownerDocument, LumName namespaceUri, LumName prefix, LumName localName);
 
     unsigned int getTypeID() const override { return TYPE_ID; }

@@ -40,9 +40,12 @@ class XmlParserImpl;
 /// tree do not use the parser at the same time.
 class LUM_API LumDocument : public LumNode {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xF6B431AFu;
 
+    /// An empty document, which holds the shared name table.
     LumDocument();
+    /// Ends a load that has not ended, and lets go of parser, serializer and name table.
     ~LumDocument() override;
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -57,14 +60,21 @@ public:
     virtual LumElement* getDocumentElement() const;
     /// A qualified name is split at its first ":", unless that is its first character.
     virtual LumPtr<LumElement> createElement(LumName qualifiedName);
+    /// An element that stores its namespace; the name is split as by createElement().
     virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName qualifiedName);
+    /// The same with prefix and local name apart; a null prefix is none.
     virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName prefix, LumName localName);
+    /// A text node that belongs to no tree yet.
     virtual LumPtr<LumTextNode> createTextNode(const UnicodeString& text);
     /// @param content  everything between "<?" and "?>".
     virtual LumPtr<LumPINode> createProcessingInstruction(const UnicodeString& content);
+    /// An empty holder of nodes.
     virtual LumPtr<LumDocumentFragment> createDocumentFragment();
+    /// An attribute without a value that belongs to no element yet; the name is split as by createElement().
     virtual LumPtr<LumAttr> createAttribute(LumName qualifiedName);
+    /// The same with a namespace that it stores.
     virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName qualifiedName);
+    /// The same with prefix and local name apart; a null prefix is none.
     virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName prefix, LumName localName);
     /// The node for a text below `parent`; null drops the text.
     virtual LumPtr<LumNode> createTextNodeElement(const UnicodeString& text, LumNode* parent);
@@ -84,6 +94,7 @@ public:
     /// Load into `target` (null: the document), in place of its children.
     /// With deferred loading they only prepare: the stream or string must then outlive the loading.
     void load(const UnicodeString& uri, LumNode* target = nullptr);
+    /// The same from a stream, which stays the caller's.
     void load(std::istream& in, LumNode* target = nullptr);
     /// From the file of that path, whatever is in its name; see LocalPath. The document URI is
     /// LumUri::fromLocalPath()'s.
@@ -106,9 +117,11 @@ public:
     void abort();
     /// With true, load operations only prepare, and the tree accessors read what they need. Off in a new document.
     void setDeferredLoad(bool deferred) noexcept { isLoadDeferred_ = deferred; }
+    /// Whether load operations only prepare.
     bool isDeferredLoad() const noexcept { return isLoadDeferred_; }
     /// The base URI handed to the parser with the next input; empty in a new document.
     void setInputOption(const UnicodeString& option);
+    /// What setInputOption() set.
     const UnicodeString& getInputOption() const noexcept { return inputOption_; }
     /// The URI that the document was loaded from; empty for streams and strings.
     const UnicodeString& getDocumentUri() const noexcept { return documentUri_; }
@@ -135,6 +148,7 @@ public:
     /// what has passed can be loaded again, unless the tree misses what makes a document: one root, a declaration for
     /// every prefix, attributes with different names. Off, the serializer's own setting holds.
     void setSaveChecked(bool isChecked) noexcept { isSaveChecked_ = isChecked; }
+    /// What setSaveChecked() set.
     bool isSaveChecked() const noexcept { return isSaveChecked_; }
 
     /// Write `node` (null: the document) to a file, which is created or truncated: a save that fails leaves a torso,
@@ -144,7 +158,9 @@ public:
     /// deferred load that has not ended), by whatever path: it would be emptied before it is read. That is known of
     /// what load(uri) opened, an archive in a jar: URI included, but not of a stream of the caller's.
     void save(const UnicodeString& uri, LumNode* node = nullptr);
+    /// The same in that encoding.
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding);
+    /// The same with a processing instruction first.
     void save(const UnicodeString& uri, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
     /// To the file of that path, whatever is in its name; see LocalPath.
@@ -177,6 +193,7 @@ public:
     }
     /// save() to a stream that the caller keeps.
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding);
+    /// The same with a processing instruction first.
     void save(std::ostream& out, LumNode* node, const UnicodeString& encoding,
               const UnicodeString& processingInstruction);
     /// The same, with a comment and a document type declaration ("html SYSTEM ...") first, unless they are empty.
@@ -188,19 +205,25 @@ public:
     /// Walks the subtree of `node` and drives the serializer.
     void doSave(LumNode* node);
     /// @param startTagOnly  stops after the first element's attributes, with its start tag still open.
+    /// @param node  null: the document.
     void doSave(LumNode* node, bool startTagOnly);
 
     /// Saving in pieces: the document element's start tag, then subtrees, then its end tag.
     void saveDocumentElement(const UnicodeString& uri);
+    /// The same to a stream, which must live until closeDocumentElement() has returned.
     void saveDocumentElement(std::ostream& out);
+    /// The same to the file of that path, whatever is in its name.
     template <LocalPath Path>
     void saveDocumentElement(const Path& path) {
         saveDocumentElement(uriOfPath(path.native()));
     }
+    /// Writes the subtree of `node` as the next piece. The node may be taken out and released afterwards.
     void saveChildElement(LumNode* node);
+    /// Writes the end tag of the document element and flushes.
     void closeDocumentElement();
     /// The serializer, created if there is none. Borrowed.
     LumXmlSerializer* getSerializer();
+    /// Replaces the serializer, of which the document takes a count; null makes the next save create one.
     void setSerializer(LumXmlSerializer* serializer);
 
 private:

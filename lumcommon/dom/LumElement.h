@@ -24,8 +24,10 @@ class LumAttr;
 /// Threads: as for its tree, see LumNode.
 class LUM_API LumElement : public LumNode {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xD31942AAu;
 
+    /// The attributes that somebody still holds stay, without an owner element.
     ~LumElement() override;
     unsigned int getTypeID() const override { return TYPE_ID; }
     bool isA(unsigned int typeId) const override;
@@ -53,11 +55,14 @@ public:
 
     /// The value of the attribute; LumValue::NULL_VALUE when it is absent.
     virtual LumValue getAttribute(LumName name) const;
+    /// The same by namespace and local name.
     virtual LumValue getAttributeNS(LumName namespaceUri, LumName localName) const;
     /// Sets the value of the attribute, which is created by the document and added at the end when it is absent.
     /// Nothing happens when the document does not create it. The NS forms give an attribute that exists the new prefix.
     virtual void setAttribute(LumName name, const LumValue& value);
+    /// The same by namespace; a new attribute gets the prefix of the qualified name.
     virtual void setAttributeNS(LumName namespaceUri, LumName qualifiedName, const LumValue& value);
+    /// The same with prefix and local name apart; a null prefix is none.
     virtual void setAttributeNS(LumName namespaceUri, LumName prefix, LumName localName, const LumValue& value);
     /// The same with a text in UTF-16 as the value: a literal, std::u16string and so on. For UTF-8 see toText().
     ///
@@ -81,9 +86,11 @@ public:
     }
     /// Nothing happens when the attribute is absent.
     virtual void removeAttribute(LumName name);
+    /// The same by namespace and local name.
     virtual void removeAttributeNS(LumName namespaceUri, LumName localName);
     /// The attribute; null when it is absent.
     virtual LumPtr<LumAttr> getAttributeNode(LumName name) const;
+    /// The same by namespace and local name.
     virtual LumPtr<LumAttr> getAttributeNodeNS(LumName namespaceUri, LumName localName) const;
     /// Appends every attribute with that local name to `*out`, in order. `out` may be null.
     virtual void getAttributeNodeLocal(LumName localName, std::vector<LumPtr<LumAttr>>* out) const;
@@ -91,11 +98,15 @@ public:
     /// attribute, null when there was none. Errors: 0x803, 0x806, 0x807, 0x808, see AttrNodeMap; nothing is changed
     /// then.
     virtual LumPtr<LumAttr> setAttributeNode(LumAttr* attr);
+    /// The same; the attribute in whose place it is put has its namespace and local name.
     virtual LumPtr<LumAttr> setAttributeNodeNS(LumAttr* attr);
     /// Takes the attribute out and returns it; returns null when it is not this element's. Null throws 0x803.
     virtual LumPtr<LumAttr> removeAttributeNode(LumAttr* oldAttr);
+    /// Whether there is an attribute with that qualified name.
     virtual bool hasAttribute(LumName name) const;
+    /// Whether there is an attribute with that namespace and local name.
     virtual bool hasAttributeNS(LumName namespaceUri, LumName localName) const;
+    /// Whether there is an attribute with that local name.
     virtual bool hasAttributeLocal(LumName localName) const;
     /// Called by the loader for each attribute, with the effect of setAttributeNS(); derived classes may override it.
     virtual void setAttributeEx(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value);
@@ -104,6 +115,7 @@ public:
     void getAttributeLocal(LumName localName, std::vector<LumValue>* out) const;
 
 protected:
+    /// An element without attributes. The document is not counted.
     explicit LumElement(LumDocument* ownerDocument);
 
 private:
@@ -143,9 +155,12 @@ private:
 /// linear in the depth and the attributes met.
 class LUM_API Element : public LumElement {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xD27D366Cu;
 
     /// @param ownerDocument  not counted, not null.
+    /// @param prefix  null for none.
+    /// @param localName  never null.
     Element(LumDocument* ownerDocument, LumName prefix, LumName localName);
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -167,8 +182,11 @@ private:
 /// identifier, although Element is the base class.
 class LUM_API ElementNS : public Element {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xC08077FCu;
 
+    /// For derived classes and documents; everybody else calls LumDocument::createElementNS(). The document is not
+    /// counted and not null.
     ElementNS(LumDocument* ownerDocument, LumName namespaceUri, LumName prefix, LumName localName);
 
     unsigned int getTypeID() const override { return TYPE_ID; }

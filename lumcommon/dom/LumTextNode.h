@@ -17,9 +17,11 @@ namespace LumCommon {
 /// Threads: as for its tree, see LumNode.
 class LUM_API LumTextNode : public LumNode {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x92151179u;
 
     /// @param ownerDocument  not counted, not null.
+    /// @param text  copied.
     LumTextNode(LumDocument* ownerDocument, const UnicodeString& text) : LumNode(ownerDocument), text_(text) {}
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -34,13 +36,16 @@ public:
     bool isText() const override;
     /// The text; getData() and setData() are the same under the DOM's names.
     UnicodeString getText() const override;
+    /// Replaces the text. Failure: std::bad_alloc; the old one stays then.
     void setText(const UnicodeString& text) override;
     /// What the owner document's createTextNode() returns for the same text, null included.
     LumPtr<LumNode> cloneNode(bool deep) const override;
 
     /// The length of the text in UTF-16 code units.
     virtual int getLength() const;
+    /// The same as getText().
     virtual UnicodeString getData() const;
+    /// The same as setText().
     virtual void setData(const UnicodeString& text);
 
 private:
@@ -103,6 +108,7 @@ private:
 /// LumDocument::createProcessingInstruction().
 class LUM_API LumPINode : public LumTextNode {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x1A6FA3CFu;
 
     using LumTextNode::LumTextNode;
@@ -119,6 +125,7 @@ public:
 /// Ownership: created by LumDocument::createDocumentFragment().
 class LUM_API LumDocumentFragment : public LumNode {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x319C59B1u;
 
     /// @param ownerDocument  not counted, not null.

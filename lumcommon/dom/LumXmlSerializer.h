@@ -16,6 +16,7 @@ namespace LumCommon {
 /// wrote is in the stream. Threads: one at a time.
 class LUM_API LumXmlSerializer : public LumRCObject {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xB2E73DE2u;
 
     bool isA(unsigned int typeId) const override;
@@ -23,6 +24,7 @@ public:
     /// Begins a new output. The previous output is flushed and, if it is a file that the serializer opened, closed.
     /// @param out  stays the caller's. It may be destroyed after an endDocument() or flush() that no other operation
     ///             follows; otherwise it must live until the next setOutput().
+    /// @param encoding  for startDocument(), which says what is known; may be empty.
     virtual void setOutput(std::ostream& out, const UnicodeString& encoding) = 0;
     /// The same for a file (a path or file: URI), which is created or truncated. Errors: 0x1003.
     virtual void setOutput(const UnicodeString& uri, const UnicodeString& encoding) = 0;
@@ -43,28 +45,38 @@ public:
     virtual int getDepth() const = 0;
     /// The names of the innermost open element; null when none is open.
     virtual LumName getNamespace() const = 0;
+    /// The local name of the innermost open element; null when none is open.
     virtual LumName getName() const = 0;
     /// The form without a prefix chooses one.
     virtual void startTag(LumName namespaceUri, LumName localName) = 0;
+    /// The same with a given prefix.
     virtual void startTag(LumName namespaceUri, LumName prefix, LumName localName) = 0;
     /// Only directly after startTag() or another attribute. A namespace declaration is kept and written when the tag is
     /// closed.
     virtual void attribute(LumName namespaceUri, LumName localName, const UnicodeString& value) = 0;
+    /// The same with a given prefix.
     virtual void attribute(LumName namespaceUri, LumName prefix, LumName localName, const UnicodeString& value) = 0;
+    /// Ends the innermost open element, as "/>" when it has no content. Errors: 0x80E without one, 0x80F for other
+    /// names.
     virtual void endTag(LumName namespaceUri, LumName localName) = 0;
     /// Markup characters are escaped; control characters that XML does not allow are left out. A surrogate whose
     /// partner is not in the same call is written as three bytes. In Shift_JIS, a character that the code page lacks
     /// becomes a decimal reference; a surrogate pair becomes a single one.
     virtual void text(const UnicodeString& text) = 0;
+    /// The same of `length` units of `buffer` from the index `start` on.
     virtual void text(const unsigned short* buffer, int start, int length) = 0;
     /// The following are written as they are, names as well: the caller must make sure that "--", "?>" and "]]>" do not
     /// occur inside, or have it checked.
     virtual void cdsect(const UnicodeString& text) = 0;
+    /// Writes "&", the name and ";".
     virtual void entityRef(const UnicodeString& name) = 0;
+    /// Writes "<?", everything that stands between, and "?>".
     virtual void processingInstruction(const UnicodeString& content) = 0;
+    /// Writes the text between "<!--" and "-->".
     virtual void comment(const UnicodeString& text) = 0;
     /// Only directly after startDocument().
     virtual void docdecl(const UnicodeString& content) = 0;
+    /// Writes the text as it is.
     virtual void ignorableWhitespace(const UnicodeString& text) = 0;
     /// Closes a pending start tag and flushes the output.
     virtual void flush() = 0;
@@ -82,6 +94,7 @@ public:
     /// The content of docdecl() is not checked.   Cost: next to none: names are remembered.
     /// A serializer of a caller's class need not check; this one ignores the wish.
     virtual void setChecked(bool isChecked);
+    /// What setChecked() set; false for a serializer that does not check.
     virtual bool isChecked() const;
 };
 

@@ -15,18 +15,19 @@ namespace LumCommon {
 /// Nothing here throws except when memory runs out. Threads: one thread at a time; const members may run concurrently.
 class LUM_API Kansuji {
 public:
+    /// The number of decimal digits.
     static constexpr int DIGIT_COUNT = 10;
     static constexpr int SMALL_UNIT_COUNT = 3;   ///< ten, hundred, thousand
     static constexpr int LARGE_UNIT_COUNT = 12;  ///< 10^4, 10^8, ... 10^48
 
     /// Indexes into the table of characters.
     enum Index : std::int32_t {
-        INDEX_DIGIT = 0,
-        INDEX_SMALL_UNIT = INDEX_DIGIT + DIGIT_COUNT,
-        INDEX_LARGE_UNIT = INDEX_SMALL_UNIT + SMALL_UNIT_COUNT,
-        INDEX_POINT = INDEX_LARGE_UNIT + LARGE_UNIT_COUNT,
-        INDEX_COMMA,
-        COUNT,
+        INDEX_DIGIT = 0,                                         ///< zero, the first of the digits
+        INDEX_SMALL_UNIT = INDEX_DIGIT + DIGIT_COUNT,            ///< ten, the first of the units within four digits
+        INDEX_LARGE_UNIT = INDEX_SMALL_UNIT + SMALL_UNIT_COUNT,  ///< the first of the units of four digits each
+        INDEX_POINT = INDEX_LARGE_UNIT + LARGE_UNIT_COUNT,       ///< the decimal point
+        INDEX_COMMA,                                             ///< the separator of groups
+        COUNT,                                                   ///< the number of characters in a row
     };
 
     /// How a run of digits is written.

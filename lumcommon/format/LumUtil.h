@@ -36,6 +36,7 @@ public:
     /// code point (0, surrogates, beyond U+10FFFF) gives U+FFFD.
     /// @param position  zero-terminated UTF-16.
     /// @param end       receives the position after the string, or `position` if the result is bogus.
+    /// @param mode  the bits of quoteString().
     static UnicodeString parseString(const char16_t* position, const char16_t*& end, unsigned mode);
 
     /// The URI as url("..."), with every double quote in it written as %22.
@@ -69,6 +70,9 @@ public:
     /// @param letterValue  ignored.
     /// Failure: bogus if the result is longer than a string can be.
     /// Cost: O(length of format and result).   Threads: any; the alphabets are constant data.
+    /// @param number  any int.
+    /// @param format  as above.
+    /// @param size  how many digits a group has.
     static UnicodeString formatNumber(int number, const UnicodeString& format, const UnicodeString& separator, int size,
                                       const LumLang& language, LumNameEnum letterValue = NAME_NULL);
     /// The same without a language.
@@ -77,8 +81,11 @@ public:
 
     /// As printf does with "%d", "%lld" and "%g" in the C locale: the decimal point is always ".".
     static UnicodeString toString(int number);
+    /// With "%ld".
     static UnicodeString toString(long number) { return toString(static_cast<long long>(number)); }
+    /// With "%lld".
     static UnicodeString toString(long long number);
+    /// With "%g": six significant digits.
     static UnicodeString toString(double number);
     /// Appends the decimal digits of a number, without sign.
     static void toString64Sub(UnicodeString& text, unsigned long long number);
@@ -91,6 +98,7 @@ public:
     ///                   other units stay.
     /// @param further    ignored.
     /// Cost: O(length).
+    /// @param text  of which all but the digits stays.
     static UnicodeString convertKansuji(const UnicodeString& text, LumName style, LumName digits,
                                         const UnicodeString& unitChars = {}, const UnicodeString& further = {});
     /// The same for the decimal text of a number; a minus sign is copied.
@@ -110,17 +118,24 @@ public:
     /// @param table   the letters for 1, 5, 10, 50, 100, 500, 1000, 5000 and 10000, in this order; 0 for a missing
     ///     letter. It must be as long as `largest` requires: seven letters for 3999.
     /// @param firstSingle  the character for 1 if 1 to 12 have consecutive characters of one letter each; otherwise 0.
+    /// @param number  from 1 on.
+    /// @param largest  the greatest number that the table can write.
     static char16_t* makeRoman(char16_t* buffer, int number, const char16_t* table, int largest,
                                char16_t firstSingle = 0);
     /// Writes a number in `count` letters that follow one another, bijectively: with 26 letters from a, 26 is z and 27
     /// is aa. Returns the end of what was written, or `buffer` if number or count is below 1.
     /// @param buffer  must have room for LETTERS_MAX units, or for `number` units if `count` is 1.
+    /// @param number  from 1 on.
+    /// @param firstLetter  stands for 1.
+    /// @param count  the number of letters.
     static char16_t* makeABCSeq1(char16_t* buffer, int number, char16_t firstLetter, int count);
     /// The same with the first `count` letters of an alphabet.
     static char16_t* makeABCNum1(char16_t* buffer, int number, const char16_t* alphabet, int count);
     /// Appends a number in Hebrew numerals; a number below 1 appends nothing.
     /// @param separator, size  ignored.
     /// @param level  the power of 1000 that the number counts in, clamped to 0 to 9.
+    /// @param text  receives the letters at its end.
+    /// @param number  as it is to be written.
     static void makeHebrewNum(UnicodeString& text, int number,
                               const UnicodeString& separator = LumEmptyString::EMPTY_VALUE, int size = 0,
                               int level = 0);

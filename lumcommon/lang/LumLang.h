@@ -15,6 +15,7 @@ namespace LumCommon {
 /// Threads: any; constant data.
 class LUM_API ISO639Bibliographic {
 public:
+    /// The number of codes in the table.
     static constexpr int COUNT = 24;
 
     /// The tag with a bibliographic code at its start replaced: "fre-FR" becomes "fra-FR", "none" the empty string. The
@@ -39,17 +40,24 @@ class LUM_API LumLang : public icu::Locale {
 public:
     /// The empty language (not ICU's default locale).
     LumLang() : icu::Locale("") {}
+    /// The language of a tag; the empty text is the empty language.
     explicit LumLang(const UnicodeString& tag);
     /// @param tag  in ASCII; null is the empty language.
     explicit LumLang(const char* tag);
     /// @param countryCode  ISO 3166 code; empty for none.
+    /// @param languageCode  ISO 639 code, bibliographic ones included.
     LumLang(const UnicodeString& languageCode, const UnicodeString& countryCode);
     /// The name's text as a tag; NAME_none and the null name are the empty language.
     explicit LumLang(LumName name);
+    /// The same of a name by its identifier.
     explicit LumLang(LumNameEnum name) : LumLang(LumName(name)) {}  // an enum converts to a character, too
+    /// A copy. Failure: std::bad_alloc, where ICU could not copy.
     LumLang(const LumLang& other);
+    /// Takes over the content; `other` can only be assigned or destroyed then.
     LumLang(LumLang&& other) noexcept = default;
+    /// Copies. Failure: std::bad_alloc, where ICU could not copy.
     LumLang& operator=(const LumLang& other);
+    /// Takes over the content; `other` can only be assigned or destroyed then.
     LumLang& operator=(LumLang&& other) noexcept = default;
 
     /// Whether the language is empty.
@@ -58,6 +66,7 @@ public:
     /// Part of LumCommon::cleanup(). The table is constant data, so there is nothing to release.
     static void cleanup();
 
+    /// Orders by the language alone: "sv" and "sv-SE" are equivalent.
     friend bool operator<(const LumLang& a, const LumLang& b) {
         return std::string_view(a.getLanguage()) < std::string_view(b.getLanguage());
     }

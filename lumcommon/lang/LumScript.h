@@ -17,33 +17,36 @@ class LUM_API LumScript {
 public:
     /// The codes that have a name here. Any other code from 0 up is an ICU UScriptCode.
     enum Code : std::int32_t {
-        JAPANESE = -8,  ///< Han with both kana
-        KOREAN = -4,    ///< Hangul with Han
-        NONE = -3,      ///< the keyword "none"
-        AUTO = -2,      ///< the keyword "auto": to be determined from the text
-        UNKNOWN = -1,
-        COMMON = 0,
-        INHERITED = 1,
-        ARABIC = 2,
-        CYRILLIC = 8,
-        DEVANAGARI = 10,
-        GREEK = 14,
-        HAN = 17,
-        HANGUL = 18,
-        HEBREW = 19,
-        HIRAGANA = 20,
-        KATAKANA = 22,
-        LATIN = 25,
-        THAI = 38,
-        KATAKANA_OR_HIRAGANA = 54,
-        SIMPLIFIED_HAN = 73,
-        TRADITIONAL_HAN = 74,
+        JAPANESE = -8,              ///< Han with both kana
+        KOREAN = -4,                ///< Hangul with Han
+        NONE = -3,                  ///< the keyword "none"
+        AUTO = -2,                  ///< the keyword "auto": to be determined from the text
+        UNKNOWN = -1,               ///< no script is known
+        COMMON = 0,                 ///< characters that many scripts use, such as digits
+        INHERITED = 1,              ///< marks that take the script of what they stand on
+        ARABIC = 2,                 ///< ICU's code
+        CYRILLIC = 8,               ///< ICU's code
+        DEVANAGARI = 10,            ///< ICU's code
+        GREEK = 14,                 ///< ICU's code
+        HAN = 17,                   ///< ideographs, without telling which form
+        HANGUL = 18,                ///< Korean letters alone
+        HEBREW = 19,                ///< ICU's code
+        HIRAGANA = 20,              ///< ICU's code
+        KATAKANA = 22,              ///< ICU's code
+        LATIN = 25,                 ///< ICU's code
+        THAI = 38,                  ///< ICU's code
+        KATAKANA_OR_HIRAGANA = 54,  ///< either kana
+        SIMPLIFIED_HAN = 73,        ///< ideographs in the simplified form
+        TRADITIONAL_HAN = 74,       ///< ideographs in the traditional form
     };
 
+    /// UNKNOWN.
     constexpr LumScript() noexcept = default;
+    /// The script with that code.
     constexpr LumScript(Code code) noexcept : code_(code) {}
     /// The script with this code, which is not checked. For the script of a character, see getScript().
     constexpr explicit LumScript(int code) noexcept : code_(code) {}
+    /// Does not compile: a character is no script; getScript() tells that of one.
     explicit LumScript(char16_t) = delete;
     /// A script by its ISO 15924 code ("Latn"), by "auto" (also the empty text) or "none", by a language tag ("zh-TW";
     /// "zh" is Simplified Han unless its region is TW or HK), or by a name that ICU knows ("Old Italic"). UNKNOWN for
@@ -52,9 +55,12 @@ public:
     explicit LumScript(const UnicodeString& text);
     /// The same for the name's text; the null name is AUTO.
     explicit LumScript(LumName name);
+    /// The same of a name by its identifier.
     explicit LumScript(LumNameEnum name) : LumScript(LumName(name)) {}
 
+    /// A Code, or a UScriptCode of ICU.
     constexpr std::int32_t getCode() const noexcept { return code_; }
+    /// The code, so that scripts and codes can be compared.
     constexpr operator std::int32_t() const noexcept { return code_; }
 
     /// The ISO 15924 name; KOREAN is "Hang" and INHERITED "Qaai". The null name for AUTO, NONE, UNKNOWN and invalid

@@ -19,14 +19,18 @@ class LumValue;
 /// Threads: a value; it may be copied, compared and read on any thread.
 class LUM_API LumName {
 public:
+    /// The null name.
     constexpr LumName() noexcept = default;
+    /// The name with that identifier, which is not checked.
     constexpr LumName(LumNameEnum id) noexcept : id_(id) {}
     /// The name that the value holds, or else its string form, interned. Implemented in values/NamesFromValues.cpp.
     explicit LumName(const LumValue& value);
     /// The interned name of `text`.
     explicit LumName(const UnicodeString& text);
 
+    /// The identifier.
     constexpr LumNameEnum getEnum() const noexcept { return id_; }
+    /// Whether it is the null name.
     constexpr bool isNull() const noexcept { return id_ == NAME_NULL; }
     /// The string; empty for the null name. The reference is valid as long as the name is.
     const UnicodeString& getString() const;
@@ -35,6 +39,7 @@ public:
     /// prefix is one.
     static LumName generateID(const UnicodeString& prefix);
 
+    /// Whether both stand for one string.
     friend constexpr bool operator==(LumName a, LumName b) noexcept { return a.id_ == b.id_; }
     /// The order of identifiers, not of strings.
     friend constexpr auto operator<=>(LumName a, LumName b) noexcept { return a.id_ <=> b.id_; }
@@ -45,8 +50,10 @@ private:
 
 }  // namespace LumCommon
 
+/// Names can be keys of unordered containers.
 template <>
 struct std::hash<LumCommon::LumName> {
+    /// Spreads the identifiers, which are mostly small and next to each other.
     std::size_t operator()(LumCommon::LumName name) const noexcept {
         return static_cast<std::size_t>((std::uint64_t{name.getEnum()} * 0x9E3779B97F4A7C15u) >> 20);
     }

@@ -26,6 +26,7 @@ LumNameEnum internName(const char16_t* text, std::size_t units);
 /// never move, and an identifier is published only after its string is in place.
 class LUM_API LumNameTable : public LumRCObject {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x31FB5B85u;
 
     /// A new, empty table, separate from the shared one.
@@ -73,6 +74,7 @@ public:
     /// The identifier assigned last; 1597 in a new table.
     LumNameEnum getLastNameEnum() const;
 
+    /// Names that were interned in this table are lost with it.
     ~LumNameTable() override;
 
 private:

@@ -26,17 +26,20 @@ class ScopeAnswers;
 /// Threads: one at a time.
 class LUM_API NamespaceManager : public LumRCObject {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x6066CC3Au;
 
     /// The scope of one element.
     struct NSScope {
         LumPtr<NamespaceMap> map;  ///< the declarations made in this scope; null until the first
         LumName prefix;            ///< of the element that opened the scope
-        LumName localName;
-        LumName namespaceUri;
+        LumName localName;         ///< of the element, without its prefix
+        LumName namespaceUri;      ///< of the element; null for none
     };
 
+    /// The base scope alone. Takes a reference on the shared name table.
     NamespaceManager();
+    /// Gives the reference on the name table back.
     ~NamespaceManager() override;
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -58,6 +61,7 @@ public:
     int getNamespaceCount(int depth) const;
     /// The declaration of the innermost scope at that position in key order; null when out of range.
     LumName getNamespacePrefix(int index) const;
+    /// The URI of the same declaration; null when out of range.
     LumName getNamespaceUri(int index) const;
     /// The innermost scope's declarations; may be null. Borrowed until the scope is popped; a map held beyond that
     /// no longer affects the manager. Look-ups see every change to the map.   Cost: a change in the innermost scope

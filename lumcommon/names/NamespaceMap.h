@@ -18,7 +18,9 @@ class NamespaceManager;
 /// Threads: one at a time, together with the manager.
 class LUM_API NamespaceMap : public LumRCObject {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xFD41C124u;
+    /// From prefix to URI, in the order of the identifiers of the prefixes.
     using Entries = std::map<LumName, LumName>;
 
     unsigned int getTypeID() const override { return TYPE_ID; }
@@ -30,6 +32,7 @@ public:
     /// The entry at a position in key order; null outside 0 to count-1.
     /// Cost: constant next to the position last asked for, so a walk over all positions is linear; otherwise linear.
     LumName getNamespacePrefix(int index) const;
+    /// The URI of the same entry; null outside 0 to count-1.   Cost: as above.
     LumName getNamespaceUri(int index) const;
     /// The URI bound to the null prefix, null when there is no such entry.
     LumName getDefaultNamespace() const;
@@ -44,6 +47,7 @@ public:
     /// Removes the prefix's entry when its URI is `uri`.
     void removeNamespace(LumName prefix, LumName uri);
 
+    /// All entries. The reference is valid as long as the map, and sees its changes.
     const Entries& getEntries() const noexcept { return entries_; }
 
 private:
@@ -64,15 +68,20 @@ private:
 /// without declarations) is walked as an empty map.
 class LUM_API NamespaceMapIterator {
 public:
+    /// Stands before the first entry.
     explicit NamespaceMapIterator(const NamespaceMap* map);
 
     /// The entry at the current position; then moves forward. A null pair at the end.
     std::pair<LumName, LumName> next();
     /// Moves back and returns the entry now current. A null pair at the start.
     std::pair<LumName, LumName> previous();
+    /// Whether next() has an entry to return.
     bool hasNext() const;
+    /// Whether previous() has an entry to return.
     bool hasPrevious() const;
+    /// Goes back before the first entry.
     void setToStart();
+    /// Goes behind the last entry.
     void setToEnd();
 
 private:

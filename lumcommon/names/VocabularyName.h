@@ -20,11 +20,15 @@ namespace LumCommon {
 template <class Id>
 class VocabularyName {
 public:
+    /// "Not in the vocabulary".
     constexpr VocabularyName() noexcept = default;
+    /// The entry with that identifier, which is not checked.
     constexpr VocabularyName(Id id) noexcept : id_(id) {}
 
+    /// The identifier; 0 for "not in the vocabulary".
     constexpr Id getEnum() const noexcept { return id_; }
 
+    /// Whether both are the same entry.
     friend constexpr bool operator==(VocabularyName a, VocabularyName b) noexcept { return a.id_ == b.id_; }
 
 private:

@@ -11,7 +11,12 @@ namespace LumCommon {
 /// Failure: -1 or false. Threads: one at a time.
 class LUM_API JZIOobj {
 public:
-    enum Flags : unsigned { OPEN = 1u, BINARY = 4u, WRITABLE = 8u };
+    /// Bits of GetFlags().
+    enum Flags : unsigned {
+        OPEN = 1u,      ///< what IsOpen() tells
+        BINARY = 4u,    ///< the mode had "b"; without effect
+        WRITABLE = 8u,  ///< the mode had "w"
+    };
 
     JZIOobj() = default;
     virtual ~JZIOobj();
@@ -34,7 +39,9 @@ public:
     /// The position afterwards is unspecified.
     virtual int ReadAt(long offset, char* buf, int len);  // last, to keep the vtable slots of the others
 
+    /// Whether Open() has succeeded and Close() was not called since.
     bool IsOpen() const noexcept { return (flags_ & OPEN) != 0; }
+    /// The bits of Flags that are set.
     unsigned GetFlags() const noexcept { return flags_; }
     /// The size in bytes at the time it was opened for reading; 0 before that, when opened for writing, and for
     /// something without a size.
@@ -44,8 +51,8 @@ protected:
     /// A copy has the flags of the original but is not open.
     JZIOobj(const JZIOobj& other) noexcept : flags_(other.flags_ & ~OPEN) {}
 
-    unsigned flags_ = 0;
-    long sizeBytes_ = 0;
+    unsigned flags_ = 0;  ///< bits of Flags
+    long sizeBytes_ = 0;  ///< what GetSize() returns
 };
 
 /// A file, accessed through its descriptor.
@@ -55,6 +62,7 @@ protected:
 class LUM_API JZFileIOobj : public JZIOobj {
 public:
     /// @param path  in the platform's encoding; null makes Open() fail.
+    /// @param mode  the letters.
     JZFileIOobj(const char* path, const char* mode);
     /// Takes over an open descriptor, which is closed with the object; its position is left as it is.
     JZFileIOobj(int fd, const char* mode);

@@ -39,6 +39,7 @@ public:
     int flushBuffer();
 
     // Overrides of std::streambuf, public so that they can also be called directly.
+    /// Takes `c`, unless it is end of file, and hands over what is pending. End of file on failure.
     int_type overflow(int_type c = traits_type::eof()) override;
     /// Called by std::ostream::flush(): does flushBuffer() and returns 0 or -1.
     int sync() override;

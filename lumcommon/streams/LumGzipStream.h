@@ -33,6 +33,7 @@ class LUM_API LumGzipStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param path  in the platform's encoding.
     explicit LumGzipStreamBuf(const char* path);
+    /// The same for a path as text.
     explicit LumGzipStreamBuf(const UnicodeString& path);
     /// Reads the header at once and the data on demand. Without a gzip header, `s` is read from its current position.
     /// @param s  must outlive the buffer.
@@ -41,6 +42,7 @@ public:
 
     /// Opens a file in place of the previous source. False if it cannot be opened, is a directory, or `path` is null.
     bool open(const char* path);
+    /// The same for a path as text.
     bool open(const UnicodeString& path);
     /// False if a file could not be opened.
     bool is_open() const noexcept { return hasBlock(); }
@@ -65,13 +67,18 @@ private:
 /// An input stream with its own LumGzipStreamBuf. Threads: one at a time.
 class LUM_API LumGzipStream : public std::istream {
 public:
+    /// Opens a file; is_open() tells whether that worked.
+    /// @param path  in the platform's encoding.
     explicit LumGzipStream(const char* path);
+    /// The same for a path as text.
     explicit LumGzipStream(const UnicodeString& path);
+    /// Reads another stream, which must outlive this one.
     explicit LumGzipStream(std::istream& s);
     /// Takes over a buffer and deletes it with the stream. Null reads like a file that could not be opened.
     explicit LumGzipStream(LumGzipStreamBuf* buffer);
     ~LumGzipStream() override;
 
+    /// False if a file could not be opened, and without a buffer.
     bool is_open() const noexcept { return buffer_ && buffer_->is_open(); }
 
 private:
@@ -101,6 +108,7 @@ public:
     bool is_open() const noexcept;
 
     // Overrides of std::streambuf, public so that they can also be called directly.
+    /// Deflates what is pending, then takes `c` unless it is end of file. End of file on failure.
     int_type overflow(int_type c = traits_type::eof()) override;
     /// Completes the member. Returns 0 if all of it was written, now or by an earlier call, else -1.
     int sync() override;

@@ -26,6 +26,7 @@ class LUM_API LumInflaterStreamBuf : public LumRefillStreamBuf {
 public:
     /// @param data  `size` bytes of compressed data; may be null only if `size` is 0.
     /// @param copy  true: the buffer works on a copy. false: the bytes must outlive it.
+    /// @param size  in bytes.
     LumInflaterStreamBuf(const char* data, std::size_t size, bool copy);
     ~LumInflaterStreamBuf() override;
 

@@ -25,10 +25,10 @@ class LUM_API LumKobOStreamBuf : public std::streambuf {
 public:
     /// What line ends (CR LF, CR, LF) are written as.
     enum LF_CONVERT {
-        LF_TO_CRLF = 0,
-        LF_TO_CR = 1,
-        LF_TO_LF = 2,
-        LF_KEEP = 3,  // as they came
+        LF_TO_CRLF = 0,  ///< CR LF
+        LF_TO_CR = 1,    ///< CR
+        LF_TO_LF = 2,    ///< LF
+        LF_KEEP = 3,     ///< as they came
     };
 
     /// @param out       the destination; not owned, must outlive the buffer.
@@ -36,6 +36,7 @@ public:
     ///                  An unknown or null name leaves the buffer closed: it accepts nothing.
     /// @param bom       begin with a byte order mark if the charset has one.
     /// @param flag      the byte order of "UTF-16" and "UTF-32": true for little-endian.
+    /// @param lf  what line ends become.
     LumKobOStreamBuf(std::ostream* out, const char* encoding, bool bom, LF_CONVERT lf, bool flag);
     /// Writes what is left, like term().
     ~LumKobOStreamBuf() override;
@@ -45,10 +46,12 @@ public:
     /// Starts over with this charset. Anything the previous conversion held back is dropped; the counts continue.
     /// @return false if the charset is unknown or null; the buffer is then closed.
     bool init(const char* encoding, bool bom, LF_CONVERT lf, bool flag);
+    /// Whether units are accepted.
     bool is_open() const noexcept { return isOpen_; }
     /// Writes everything held back and whatever the charset requires at the end (ISO-2022-JP shifts back to ASCII),
     /// then closes the buffer.
     void term() noexcept;
+    /// The destination; null if there is none. Borrowed.
     std::ostream* getOutputStream() const noexcept { return out_; }
 
     /// Limits the number of bytes written, raw ones included; 0 for no limit. A character that does not fit within the
@@ -67,6 +70,7 @@ public:
     void writeRawStream(std::istream& in);
 
     // Overrides of std::streambuf, public so that they can also be called directly.
+    /// Takes `c`, unless it is end of file, and converts what is pending. End of file on failure.
     int_type overflow(int_type c = traits_type::eof()) override;
     /// Returns 0, or -1 if the buffer is closed or the destination fails; what could not be written is dropped.
     int sync() override;

@@ -18,7 +18,9 @@ public:
     LumKobStream(std::istream* source, const char* encoding);
     ~LumKobStream() override;
 
+    /// The buffer; it lives as long as the stream.
     LumKobStreamBuf* rdbuf() const noexcept { return const_cast<LumKobStreamBuf*>(&buffer_); }
+    /// Whether a conversion is active; false once the input has ended.
     bool is_open() const noexcept { return buffer_.is_open(); }
 
     /// Recognises the charset of a stream from its first 2048 bytes. The stream's error state is cleared and its
@@ -27,6 +29,7 @@ public:
     /// @param bom   receives whether there is a byte order mark.
     /// @return false, with both unchanged, if the stream is null or empty or its charset is not recognised.
     /// Failure: std::bad_alloc.
+    /// @param source  may be null.
     static bool detectEncoding(std::istream* source, UnicodeString& name, bool& bom);
     /// The same for the resource that a URI or local path names. Also false if it cannot be opened. The body is in
     /// uri/open/LumKobStreamUri.cpp, because this folder knows no URIs.

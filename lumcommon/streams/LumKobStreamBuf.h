@@ -28,6 +28,7 @@ public:
     /// Starts over with this charset, at the source's current position.
     /// @param bom  whether the source begins with a byte order mark, which is then not delivered.
     /// @return false if the charset is unknown or null; the buffer is then closed.
+    /// @param encoding  the charset's name, in any case.
     bool init(const char* encoding, bool bom);
     /// Whether a conversion is active; false once the input has ended.
     bool is_open() const noexcept { return isOpen_; }

@@ -29,6 +29,7 @@ namespace LumCommon {
 /// Threads: one at a time; there is no lock.
 class LUM_API LumMemStreamBuf : public std::streambuf {
 public:
+    /// The size of a block in bytes unless the caller names another.
     static constexpr unsigned defaultGrowBytes = 8192;
 
     /// @param source     the first source; null for none. Nothing is read yet.
@@ -47,6 +48,7 @@ public:
     /// long sequential read holds only two blocks. Positions then count from the older of the two, and a put position
     /// in a reused block is lost: writing starts at 0 again. Seeking and searching keep every block that they read.
     void setKeepMemory(bool keepMemory) noexcept { keepMemory_ = keepMemory; }
+    /// What setKeepMemory() set.
     bool getKeepMemory() const noexcept { return keepMemory_; }
 
     /// Whether a source broke: the content is not all there was. remove() forgets it.
@@ -63,6 +65,7 @@ public:
     /// Adds a source after those still waiting; null is ignored. If the last block is not full it is filled at once,
     /// and a reader at its end sees the new bytes.
     /// @param own  true: the buffer deletes `source`, once it is used up, at its own destruction, or if this throws.
+    /// @param source  read when its bytes are needed, to its end.
     void setSource(std::istream* source, bool own);
 
     /// The number of bytes. Cost: reads every source to its end.
@@ -88,6 +91,7 @@ public:
     /// Copies up to `count` bytes from `in` to the put position.
     /// @param in  must not read from this buffer.
     /// @return the number of bytes copied; fewer if `in` ended or failed.
+    /// @param count  in bytes.
     std::size_t copyStream(std::istream& in, std::size_t count);
     /// Copies everything that `src` yields to the put position. Null and this buffer itself are ignored. Exceptions
     /// thrown by `src` propagate; the bytes copied before stay.
@@ -97,6 +101,7 @@ public:
     /// @param len  the length of the pattern in bytes; 0 for strlen(pattern).
     /// @return false, without moving, if it is not found or is empty.
     /// Cost: each byte is examined once, whatever the pattern; blocks read from sources are kept.
+    /// @param pattern  any bytes, if `len` is given.
     bool searchSeek(const char* pattern, unsigned len = 0);
     /// Moves the read position past `pattern` if that comes next; otherwise returns false without moving.
     bool skipSeek(const char* pattern, unsigned len = 0);
@@ -109,8 +114,11 @@ public:
     std::uint32_t calcOTFTableChecksum();
 
     // Overrides of std::streambuf, public so that they can also be called directly.
+    /// Makes the next byte readable, from the next block or from a source. End of file where there is none.
     int_type underflow() override;
+    /// Adds a block where the old one is full, then writes `c` unless it is end of file.
     int_type overflow(int_type c = traits_type::eof()) override;
+    /// Writes `n` bytes at the put position and returns `n`.
     std::streamsize xsputn(const char* s, std::streamsize n) override;
     /// Steps back one byte without storing anything. Returns end of file at position 0 and if `c` is end of file, so
     /// that unget() fails at the start of a block where putback() works.

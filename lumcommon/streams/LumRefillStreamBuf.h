@@ -23,6 +23,7 @@ public:
     ~LumRefillStreamBuf() override;
 
     // Overrides of std::streambuf, public so that they can also be called directly.
+    /// Asks the derived class for the next block. End of file where there is none.
     int_type underflow() override;
 
     /// Whether reading has ended because the source is broken: what has been read is not all there is.
@@ -45,9 +46,11 @@ protected:
     void allocateBlock();
     /// Marks the end that is being reached as a failure. Throws where the stream is set to throw for its badbit.
     void fail();
+    /// Makes hasFailed() false again: for a derived class that starts over.
     void forgetFailure() noexcept { hasFailed_ = false; }
     /// Frees the block and forgets a failure; the get area is empty afterwards.
     void releaseBlock() noexcept;
+    /// Whether there is a block to read into.
     bool hasBlock() const noexcept { return block_ != nullptr; }
     /// The whole block, the bytes for putting back included; null before allocateBlock().
     char* getBlock() const noexcept { return block_.get(); }

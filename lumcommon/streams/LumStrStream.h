@@ -18,6 +18,7 @@ public:
     public:
         /// @param data  `size` bytes; may be null only if `size` is 0.
         /// @param copy  true: the buffer works on a copy. false: the bytes must outlive it.
+        /// @param size  in bytes.
         StrStreamBuf(const char* data, std::size_t size, bool copy);
         ~StrStreamBuf() override;
 
@@ -25,6 +26,7 @@ public:
         /// A position outside 0 to `size` or a mode without `in` returns -1 without moving.
         pos_type seekoff(off_type off, std::ios_base::seekdir dir,
                          std::ios_base::openmode mode = std::ios_base::in) override;
+        /// As seekoff() from the start.
         pos_type seekpos(pos_type pos, std::ios_base::openmode mode = std::ios_base::in) override;
 
     private:

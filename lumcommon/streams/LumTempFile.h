@@ -56,6 +56,8 @@ public:
     /// `suffix`. The file does not exist on return; no other caller in this process gets the same name.
     /// @param dir  ends with "/"; null for the temporary directory.
     /// Failure: LumError 0x100E if no file can be created in 100 attempts, or one that was created cannot be removed.
+    /// @param prefix  what comes first in the name.
+    /// @param suffix  what comes last in it.
     static UnicodeString getTempFile(const char* dir, const char* prefix, const char* suffix);
 
     /// Inflates `length` bytes of raw deflate data (RFC 1951) into the file held, which is truncated first. A new file

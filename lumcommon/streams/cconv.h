@@ -23,10 +23,10 @@ inline constexpr int cconvOutOfMemory = -2;
 
 /// What line ends (CR LF, CR, LF) are converted to; other separators stay as they are.
 enum class CConvLineEnds : int {
-    toCrLf = 0,
-    toCr = 1,
-    toLf = 2,
-    keep = 3,  // nothing is changed
+    toCrLf = 0,  ///< CR LF
+    toCr = 1,    ///< CR
+    toLf = 2,    ///< LF
+    keep = 3,    ///< nothing is changed
 };
 
 /// How a conversion is set up.
@@ -36,7 +36,7 @@ struct CConvOptions {
     bool sourceHasMark = false;
     /// The result begins with a byte order mark, provided the target charset has U+FEFF.
     bool writeMark = false;
-    CConvLineEnds lineEnds = CConvLineEnds::keep;
+    CConvLineEnds lineEnds = CConvLineEnds::keep;  ///< what line ends are written as
     /// The byte order of a target named just "UTF-16" or "UTF-32"; such a target gets no mark unless writeMark is set.
     bool littleEndian = true;
     /// A source named "UTF-16" is in the machine's byte order and its first unit is never a mark.
@@ -44,7 +44,7 @@ struct CConvOptions {
     /// Replacements for characters that the target lacks, one for narrow and one for wide characters (East Asian
     /// width). If the target lacks the wide one too, the narrow one is used; if it lacks both, the converter's own.
     char16_t narrowSubstitute = 0x3F;
-    char16_t wideSubstitute = 0x3013;
+    char16_t wideSubstitute = 0x3013;  ///< see narrowSubstitute
 };
 
 /// One conversion. The caller sets the buffers before each cconvConvert() and ends with cconvTermConvert(), which
@@ -54,20 +54,20 @@ struct CConvContext {
     CConvContext(const CConvContext&) = delete;
     CConvContext& operator=(const CConvContext&) = delete;
 
-    const char* input = nullptr;
-    unsigned inputConsumed = 0;   // bytes at the start of `input` that have been taken; the caller may reset it to 0
-    unsigned inputAvailable = 0;  // bytes in `input`, the consumed ones included
-    bool isLastInput = false;     // no more follows: a character cut off at the end is malformed, shifts are closed
-    char* output = nullptr;
-    unsigned outputProduced = 0;  // bytes that the last call wrote
-    unsigned outputCapacity = 0;
-    bool isOutputFull = false;  // the next character did not fit after what the last call wrote
-    int status = 0;             // 1: the conversion has ended, and the last call wrote nothing
+    const char* input = nullptr;  ///< the bytes to convert; not owned
+    unsigned inputConsumed = 0;   ///< bytes at the start of `input` that have been taken; the caller may reset it to 0
+    unsigned inputAvailable = 0;  ///< bytes in `input`, the consumed ones included
+    bool isLastInput = false;     ///< no more follows: a character cut off at the end is malformed, shifts are closed
+    char* output = nullptr;       ///< where the result goes; not owned
+    unsigned outputProduced = 0;  ///< bytes that the last call wrote
+    unsigned outputCapacity = 0;  ///< bytes that `output` has room for
+    bool isOutputFull = false;    ///< the next character did not fit after what the last call wrote
+    int status = 0;               ///< 1: the conversion has ended, and the last call wrote nothing
 
-    char charsetName[64] = {};  // by cconvChkEncode
-    bool hasMark = false;       // by cconvChkEncode
+    char charsetName[64] = {};  ///< by cconvChkEncode
+    bool hasMark = false;       ///< by cconvChkEncode
 
-    detail::CharsetConversion* conversion = nullptr;
+    detail::CharsetConversion* conversion = nullptr;  ///< what cconvTermConvert() releases; of no use to the caller
 };
 
 /// Prepares a conversion into a charset.

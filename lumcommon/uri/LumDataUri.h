@@ -17,13 +17,19 @@ namespace LumCommon {
 /// Threads: as for any value type.
 class LUM_API LumDataUri : public LumUri {
 public:
+    /// The empty URI, without data.
     LumDataUri() = default;
     /// Like the constructors of LumUri, followed by init().
     LumDataUri(const UnicodeString& s, URISTRTYPE type = URISTR_3);
+    /// `s` resolved against `base`, followed by init().
     LumDataUri(const LumUri& base, const UnicodeString& s, URISTRTYPE type = URISTR_3);
+    /// A copy, with the positions found.
     LumDataUri(const LumDataUri&) = default;
+    /// Takes over the string and the positions.
     LumDataUri(LumDataUri&&) noexcept = default;
+    /// Copies string and positions.
     LumDataUri& operator=(const LumDataUri&) = default;
+    /// Takes over string and positions.
     LumDataUri& operator=(LumDataUri&&) noexcept = default;
     ~LumDataUri() override;
 

@@ -29,15 +29,24 @@ class LUM_API LumUri {
 public:
     /// How the string passed to a constructor is written: 2 and 3 allow url(...) and quotes around it.
     using URISTRTYPE = int;
-    static constexpr URISTRTYPE URISTR_0 = 0, URISTR_1 = 1, URISTR_2 = 2, URISTR_3 = 3;
+    static constexpr URISTRTYPE URISTR_0 = 0;  ///< as it stands
+    static constexpr URISTRTYPE URISTR_1 = 1;  ///< as it stands
+    static constexpr URISTRTYPE URISTR_2 = 2;  ///< url(...) and quotes are taken off
+    static constexpr URISTRTYPE URISTR_3 = 3;  ///< url(...) and quotes are taken off
 
+    /// The empty URI.
     LumUri() = default;
+    /// The URI of a text, which may be a path: see LumUriSub::makeUriFromPath().
     LumUri(const UnicodeString& s, URISTRTYPE type = URISTR_3);
     /// `s` resolved against `base`.
     LumUri(const LumUri& base, const UnicodeString& s, URISTRTYPE type = URISTR_3);
+    /// A copy.
     LumUri(const LumUri&) = default;
+    /// Takes over the string; `other` can only be assigned or destroyed then.
     LumUri(LumUri&&) noexcept = default;
+    /// Copies the string.
     LumUri& operator=(const LumUri&) = default;
+    /// Takes over the string; the other can only be assigned or destroyed then.
     LumUri& operator=(LumUri&&) noexcept = default;
     virtual ~LumUri();
 
@@ -97,10 +106,14 @@ public:
     bool isSameFile(const LumUri& other) const;
     /// This URI written relative to `base`; empty if that is not possible.
     UnicodeString getRelativeUri(const UnicodeString& base) const;
+    /// Whether the scheme is "data".
     bool isDataScheme() const;
+    /// Whether the scheme is "jar".
     bool isJarScheme() const;
     /// The URI of an installation file: `file` in the directory that the environment variable `envName` names.
     /// @param module  not used on this platform. All three may be null.
+    /// @param file  a name below that directory.
+    /// @param envName  the name of the environment variable.
     static LumUri getModuleUri(const char* module, const char* file, const char* envName);
     /// Loads the local path with dlopen(), bound lazily; null on failure and for an empty path. Release it with
     /// freeLibrary().
@@ -135,7 +148,9 @@ public:
     /// LumUriStreamBuf for how long a server may take.
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage,
                                           bool* isRefused) const;
+    /// The same without telling refusals apart.
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType, UnicodeString* errorMessage) const;
+    /// The same without a message.
     [[nodiscard]] std::istream* getStream(UnicodeString* contentType = nullptr) const;
     /// The stream that the installed resolver opens for this URI; null if there is no resolver or it refuses. The
     /// caller deletes it.
@@ -158,7 +173,7 @@ public:
     [[nodiscard]] static bool releaseOStream(std::ostream* out);
 
 protected:
-    UnicodeString uri_;
+    UnicodeString uri_;  ///< the normalised string
 };
 
 }  // namespace LumCommon

@@ -13,15 +13,19 @@ public:
 
     /// Set by unquoteUri() and accepted by the resolving functions, whose results do not depend on it.
     using URISPECTYPE = int;
-    static constexpr URISPECTYPE URISPEC_0 = 0, URISPEC_2 = 2;
+    static constexpr URISPECTYPE URISPEC_0 = 0;  ///< of types 0 and 2, and where url(...) was taken off
+    static constexpr URISPECTYPE URISPEC_2 = 2;  ///< of types 1 and 3 otherwise
 
     /// The string without url(...) and surrounding quotes, where `strType` (LumUri::URISTRTYPE) allows them.
     static UnicodeString unquoteUri(const UnicodeString& s, URISPECTYPE& specType, int strType);
     /// The index of the colon that ends the scheme; -1 if there is no scheme. A scheme has at least two characters, so
     /// a drive letter is not one.
     static int checkScheme(const UnicodeString& s);
+    /// Whether the scheme is "file", in any case of the letters.
     static bool isFileScheme(const UnicodeString& s);
+    /// Whether the scheme is "data", in any case of the letters.
     static bool isDataScheme(const UnicodeString& s);
+    /// Whether the scheme is "jar", in any case of the letters.
     static bool isJarScheme(const UnicodeString& s);
     /// Replaces every space by "%20", in place.
     static void escapeHH(UnicodeString& s);

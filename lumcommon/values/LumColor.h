@@ -29,13 +29,19 @@ class LUM_API LumColor {
 public:
     /// Values above RGB_LARGEST are not colours but markers: transparent and currentColor; any other one is invalid.
     static constexpr std::uint32_t RGB_LARGEST = 0x00FFFFFFu;
+    /// The marker of "transparent".
     static constexpr std::uint32_t RGB_TRANSPARENT = 0xFFFFFFFFu;
+    /// The marker of "currentColor".
     static constexpr std::uint32_t RGB_CURRENT_COLOR = 0xFE000000u;
+    /// The marker of a colour that is none.
     static constexpr std::uint32_t RGB_INVALID = 0xFF000000u;
 
     /// The components of a CMYK colour, 0 to 1 each.
     struct Cmyk {
-        float c, m, y, k;
+        float c;  ///< cyan
+        float m;  ///< magenta
+        float y;  ///< yellow
+        float k;  ///< black
     };
 
     /// Black.
@@ -43,6 +49,7 @@ public:
     /// The colour of an SVG 1.1 keyword, "currentColor" or "transparent", in any letter case; other names give the
     /// invalid colour.
     explicit LumColor(LumName name);
+    /// The same of a name by its identifier.
     explicit LumColor(LumNameEnum name);
     /// Plain RGB from channels, each clamped to 0 to 255.
     LumColor(int r, int g, int b) noexcept;
@@ -50,9 +57,11 @@ public:
     explicit LumColor(const LumValue& value);
     /// Grayscale; 1 is white.
     explicit LumColor(float gray) noexcept;
+    /// Grayscale with the RGB value of `fallback`.
     LumColor(const LumColor& fallback, float gray) noexcept;
     /// CMYK.
     LumColor(float c, float m, float y, float k) noexcept;
+    /// CMYK with the RGB value of `fallback`.
     LumColor(const LumColor& fallback, float c, float m, float y, float k) noexcept;
     /// A separation. An empty name means "All"; the alternative is all inks at full strength.
     LumColor(const UnicodeString& name, float tint);
@@ -60,6 +69,7 @@ public:
     LumColor(const UnicodeString& name, float tint, float c, float m, float y, float k);
     /// A separation whose alternative is the fallback's RGB value converted to CMYK.
     LumColor(const LumColor& fallback, const UnicodeString& name, float tint);
+    /// A separation with the RGB value of `fallback` and its alternative in CMYK.
     LumColor(const LumColor& fallback, const UnicodeString& name, float tint, float c, float m, float y, float k);
     /// A colour of the profile `name` in its own components.
     LumColor(const LumColor& fallback, const UnicodeString& name, float c0, float c1, float c2, float c3);
@@ -71,7 +81,9 @@ public:
     /// The CMYK colour of an RGB value: black takes what the three inks share, and the rest is not scaled up again.
     static LumColor rgb2cmyk(std::uint32_t rgb) noexcept;
 
+    /// The sRGB value 00RRGGBB, or a marker.
     std::uint32_t getRGB() const noexcept { return rgb_; }
+    /// The name of the colour space; the null name for plain RGB.
     LumName getColorSpace() const noexcept { return colorSpace_; }
     /// The name of the separation or profile; empty for other colours.
     const UnicodeString& getName() const noexcept { return name_; }
@@ -82,7 +94,9 @@ public:
     }
     /// Whether a separation was given an RGB value, a tint and an alternative, respectively.
     bool isRgbGiven() const noexcept { return isRgbGiven_; }
+    /// Whether a separation was given a tint.
     bool isTintGiven() const noexcept { return isTintGiven_; }
+    /// Whether a separation was given an alternative in CMYK.
     bool isCmykGiven() const noexcept { return isCmykGiven_; }
 
     /// The RGB value of a separation at its tint; for other colours getRGB().

@@ -21,6 +21,7 @@ public:
 
     /// NaN if there is no length.
     float getPoints() const noexcept { return points_; }
+    /// Whether there is a length: it is not NaN.
     bool isValid() const noexcept { return !std::isnan(points_); }
 
     /// How many points one `unit` has; NaN if it is not an absolute length.

@@ -16,14 +16,18 @@ class ValuePrinter;
 /// A value that carries the name under which a LumNamedValueMap holds it, in the name bits of its type word.
 class LUM_API LumNamedValue : public LumValue {
 public:
+    /// The null value under the null name.
     LumNamedValue() noexcept = default;
+    /// A copy of `value` with this name in its name bits.
     LumNamedValue(LumName name, const LumValue& value) : LumValue(value) { setNameKey(name.getEnum()); }
 
+    /// The name that the name bits hold.
     LumName getName() const noexcept { return LumName(getNameKey()); }
 };
 
 /// Orders named values by the identifiers of their names; nothing else is compared.
 struct LessLumValueName {
+    /// True when the name of `a` has the smaller identifier.
     bool operator()(const LumNamedValue& a, const LumNamedValue& b) const noexcept { return a.getName() < b.getName(); }
 };
 
@@ -32,8 +36,10 @@ struct LessLumValueName {
 /// Threads: one thread at a time; a map inside a LumValue is shared by all copies of that value.
 class LUM_API LumNamedValueMap : public LumRCObject {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0xE7D947B0u;
 
+    /// An empty map.
     LumNamedValueMap() = default;
     /// Also releases maps nested in the entries, to any depth, with constant stack use.
     ~LumNamedValueMap() override;
@@ -44,6 +50,7 @@ public:
 
     /// A new map with copies of all entries.
     [[nodiscard]] LumPtr<LumNamedValueMap> clone() const;
+    /// The number of entries.
     int getCount() const;
     /// The entry at that position in name order; outside 0 to count-1, a null value with a null name.
     LumNamedValue item(int index) const;
@@ -51,6 +58,7 @@ public:
     LumNamedValue getNamedItem(LumName name) const;
     /// Adds the value under the name or replaces the value there.   Cost: linear in the count.
     void setNamedItem(LumName name, const LumValue& value);
+    /// The same under the name that the value carries.
     void setNamedItem(const LumNamedValue& value);
     /// Removes the entry if there is one.   Cost: linear in the count.
     void removeNamedItem(LumName name);
@@ -71,15 +79,20 @@ private:
 /// Walks a LumNamedValueMap in name order. The map must outlive the iterator and stay unchanged.
 class LUM_API LumNamedValueMapIterator {
 public:
+    /// Stands before the first entry. Null is walked like an empty map.
     explicit LumNamedValueMapIterator(const LumNamedValueMap* map);
 
     /// Returns the current entry and moves forward; a null entry at the end.
     LumNamedValue next();
     /// Moves back and returns the entry that is then current; a null entry at the start.
     LumNamedValue previous();
+    /// Whether next() has an entry to return.
     bool hasNext() const;
+    /// Whether previous() has an entry to return.
     bool hasPrevious() const;
+    /// Goes back before the first entry.
     void setToStart();
+    /// Goes behind the last entry.
     void setToEnd();
 
 private:

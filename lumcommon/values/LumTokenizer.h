@@ -24,9 +24,9 @@ class LUM_API LumTokenizer {
 public:
     /// Kinds of tokens; a positive kind is the code of a single delimiter character.
     enum TokenKind : int {
-        TOKEN_END = -1,
+        TOKEN_END = -1,     ///< there are no more tokens
         TOKEN_NUMBER = -2,  ///< getNumber() is the number, getText() its suffix ("%", "pt") or empty
-        TOKEN_NAME = -3,
+        TOKEN_NAME = -3,    ///< getText() is the identifier
         TOKEN_NONE = -4,    ///< nothing read yet
         TOKEN_STRING = -5,  ///< getText() is the text between the quotes
         TOKEN_HASH = -6,    ///< getNumber() is the colour 00RRGGBB
@@ -35,8 +35,11 @@ public:
     /// Keeps a copy of the text up to its first U+0000.
     explicit LumTokenizer(const UnicodeString& text);
 
+    /// A TokenKind, or the code of the delimiter, of the token read last; TOKEN_NONE before the first.
     int getKind() const noexcept { return kind_; }
+    /// The text of the token read last; the reference is valid until the next read.
     const UnicodeString& getText() const noexcept { return text_; }
+    /// The number of the token read last; see TokenKind for which have one.
     double getNumber() const noexcept { return number_; }
     /// The index of the next unit to read, in UTF-16 code units from the start of the text.
     int getPosition() const noexcept { return position_; }

@@ -24,7 +24,7 @@ class ValueText;
 
 /// What a LumValue holds; bits 0-2 of its type word.
 enum LumValueKind : std::uint32_t {
-    KIND_NULL = 0,
+    KIND_NULL = 0,      ///< no value
     KIND_INTEGER = 1,   ///< signed 32-bit
     KIND_REAL = 2,      ///< 32-bit float
     KIND_NAME = 3,      ///< LumNameEnum
@@ -35,35 +35,35 @@ enum LumValueKind : std::uint32_t {
 
 /// Unit of a number, or subtype of another kind; bits 3-7 of the type word.
 enum LumValueUnitType : std::uint32_t {
-    UNIT_NONE = 0,
-    UNIT_NUMBER = 1,
-    UNIT_PERCENT = 2,
-    UNIT_EM = 3,
-    UNIT_EX = 4,
-    UNIT_PX = 5,
-    UNIT_CM = 6,
-    UNIT_MM = 7,
-    UNIT_IN = 8,
-    UNIT_PT = 9,  ///< the normal unit of lengths
-    UNIT_PC = 10,
-    UNIT_JPT = 11,  ///< Japanese point; does not convert into other lengths
-    UNIT_Q = 12,
-    UNIT_DEG = 13,  ///< the normal unit of angles
-    UNIT_RAD = 14,
-    UNIT_GRAD = 15,
-    UNIT_MS = 16,  ///< the normal unit of times
-    UNIT_S = 17,
-    UNIT_HZ = 18,  ///< the normal unit of frequencies
-    UNIT_KHZ = 19,
+    UNIT_NONE = 0,     ///< none: names, strings, objects and other values without a subtype
+    UNIT_NUMBER = 1,   ///< a number without unit
+    UNIT_PERCENT = 2,  ///< "%": of what the property says
+    UNIT_EM = 3,       ///< "em": the size of the font
+    UNIT_EX = 4,       ///< "ex": the height of a small x
+    UNIT_PX = 5,       ///< "px": pixels, of a size that the program knows
+    UNIT_CM = 6,       ///< "cm"
+    UNIT_MM = 7,       ///< "mm"
+    UNIT_IN = 8,       ///< "in": 72 points
+    UNIT_PT = 9,       ///< the normal unit of lengths
+    UNIT_PC = 10,      ///< "pc": 12 points
+    UNIT_JPT = 11,     ///< Japanese point; does not convert into other lengths
+    UNIT_Q = 12,       ///< "q": a quarter of a millimetre
+    UNIT_DEG = 13,     ///< the normal unit of angles
+    UNIT_RAD = 14,     ///< "rad"
+    UNIT_GRAD = 15,    ///< "grad": 400 of them are a full turn
+    UNIT_MS = 16,      ///< the normal unit of times
+    UNIT_S = 17,       ///< "s"
+    UNIT_HZ = 18,      ///< the normal unit of frequencies
+    UNIT_KHZ = 19,     ///< "kHz"
     UNIT_CHAR = 20,    ///< subtype: an integer that is the code of a delimiter
     UNIT_QUOTED = 21,  ///< subtype: a string from a quoted literal
     UNIT_URI = 22,     ///< subtype: a string from url(...)
     UNIT_IDENT = 23,   ///< subtype: a name from an identifier
     UNIT_COLOR = 24,   ///< subtype: an integer 00RRGGBB or a compound that is a colour
-    UNIT_DPI = 28,
-    UNIT_TWIP = 29,
-    UNIT_PT2 = 30,  ///< square points
-    UNIT_PT3 = 31,  ///< cubic points
+    UNIT_DPI = 28,     ///< dots an inch
+    UNIT_TWIP = 29,    ///< a twentieth of a point
+    UNIT_PT2 = 30,     ///< square points
+    UNIT_PT3 = 31,     ///< cubic points
 };
 
 /// The typed value of a property: a number with a unit, a name, a string, a colour, an object, or a compound of named
@@ -77,11 +77,13 @@ enum LumValueUnitType : std::uint32_t {
 /// Threads: a value belongs to one thread at a time; copies that share an object may belong to different threads.
 class LUM_API LumValue {
 public:
+    /// The value that is none, for references to it.
     static const LumValue NULL_VALUE;
 
     constexpr LumValue() noexcept : payload_{.pointer = nullptr} {}
     /// A number without unit.
     LumValue(int value) noexcept;
+    /// A real number in `unit`.
     LumValue(float value, LumValueUnitType unit) noexcept;
     /// A real number without unit.
     ///
@@ -97,8 +99,11 @@ public:
     /// A truth value is neither the number 1 nor the name "true": say which is meant.
     template <std::same_as<bool> Truth>
     LumValue(Truth value) = delete;
+    /// A name. The value holds no reference on the name table.
     LumValue(LumName name) noexcept;
+    /// A name by its identifier.
     LumValue(LumNameEnum name) noexcept : LumValue(LumName(name)) {}
+    /// A string that is not interpreted: parse() does that. Failure: std::bad_alloc.
     LumValue(const UnicodeString& text);
     /// An integer 00RRGGBB (UNIT_COLOR) for a plain colour, else a compound (UNIT_COLOR): the RGB value is its unnamed
     /// item, and the item with the name of the colour space holds the components. Parts of a
@@ -106,7 +111,9 @@ public:
     LumValue(const LumColor& color);
     /// Adds a reference to the object; null gives the null value.
     LumValue(LumRCObject* object) noexcept;
+    /// A compound that shares the map, with one more count of it; null gives the null value.
     LumValue(LumNamedValueMap* map) noexcept;
+    /// The null value.
     LumValue(std::nullptr_t) noexcept : LumValue() {}
     /// Copies carry the name bits as well.
     LumValue(const LumValue& other) : payload_(other.payload_), typeWord_(other.typeWord_) {
@@ -116,20 +123,26 @@ public:
     LumValue(LumValue&& other) noexcept : payload_(other.payload_), typeWord_(other.typeWord_) { other.typeWord_ = 0; }
     /// Assignment copies the name bits as well; a holder that must keep its own restores them with setNameKey().
     LumValue& operator=(const LumValue& other);
+    /// Takes over the content and the name bits, and leaves `other` null.
     LumValue& operator=(LumValue&& other) noexcept;
     ~LumValue() {
         if (typeWord_ & 4u) release();
     }
 
+    /// Tells which of the getters has the content.
     LumValueKind getKind() const noexcept { return static_cast<LumValueKind>(typeWord_ & 7u); }
+    /// The unit of a number, the subtype of another kind; UNIT_NONE for neither.
     LumValueUnitType getUnit() const noexcept { return static_cast<LumValueUnitType>((typeWord_ >> 3) & 31u); }
     /// Kind in bits 0-2, unit in 3-7, the name under which a map or an attribute holds the value in 8-31.
     std::uint32_t getTypeWord() const noexcept { return typeWord_; }
+    /// Whether it is of KIND_NULL, whatever its name bits.
     bool isNull() const noexcept { return getKind() == KIND_NULL; }
+    /// Whether it is an integer or a real, whatever its unit.
     bool isNumeric() const noexcept { return getKind() == KIND_INTEGER || getKind() == KIND_REAL; }
 
     /// The name bits of the type word. No operation on the value looks at them; setNameKey() changes nothing else.
     LumNameEnum getNameKey() const noexcept { return static_cast<LumNameEnum>(typeWord_ >> 8); }
+    /// Sets the name bits; identifiers have 24 bits.
     void setNameKey(LumNameEnum name) noexcept {
         typeWord_ = (typeWord_ & 0xFFu) | (static_cast<std::uint32_t>(name) << 8);
     }
@@ -168,7 +181,9 @@ public:
     LumValue getNamedItem(LumName name) const;
     /// Sets an item, calling makeCompound() first if needed. Copies of this compound see the change.
     void setNamedItem(LumName name, const LumValue& value);
+    /// The same under the name that the value carries.
     void setNamedItem(const LumNamedValue& value);
+    /// Takes the item out of a compound; nothing happens when it is absent. Copies of this compound see the change.
     void removeNamedItem(LumName name);
 
     /// The printed form: numbers with "%d" or "%g" and their unit, compounds as "{name: value; ...}". The decimal point
@@ -183,6 +198,7 @@ public:
     /// The value of a colour's text: a colour, or a name, number or quoted string that is the whole text; any other
     /// text becomes a plain string, unchanged. A colour written as a keyword is a name: getColorValue() resolves it.
     /// @param iccAllowed  whether icc-color(...) may follow an RGB colour or a keyword.
+    /// @param text  of a colour's property.
     static LumValue parseColor(const UnicodeString& text, bool iccAllowed = false);
 
     // Links and destinations. The results are compounds of named items; what is absent is not set. Keywords and keys
@@ -203,6 +219,8 @@ public:
     /// are ignored, and so is a "nameddest" that is neither a word nor text, such as a number. An unreadable coordinate
     /// of "view" and an unreadable or missing one of "viewrect" is 0; one of "zoom" is not set.
     /// @param flag  ignored: every value gives the same result.
+    /// @param text  the part after the "#" of a link.
+    /// @param value  what the items are added to.
     static LumValue parseView(const UnicodeString& text, LumValue value, int flag);
     /// The type of a destination, "[keyword] [zoom] [coordinates]": a name (UNIT_IDENT), which with items is the
     /// unnamed item of a compound. "zoom" is a real number (here 150% is 150, as 150 is); "left", "top", "bottom" and
@@ -217,6 +235,7 @@ public:
     /// a "#". A page is any integer, 0 included. The unnamed item is the name or number that the text begins with; any
     /// other text is a "nameddest" as a whole, or only parameters if it begins with "#".
     /// @param flag  passed to parseView() for a text that begins with "#".
+    /// @param text  of a property that names a destination.
     static LumValue parseInternalDestination(const UnicodeString& text, int flag);
     /// The parameters "sheet" and "chart" (integers from 0) after the first "#" of a link to a spreadsheet, up to the
     /// first empty parameter; NULL_VALUE if there are none. A value that is not a number counts as 0.
@@ -226,25 +245,39 @@ public:
     /// unnamed item. Keys and values are percent-decoded (LumUri::unescape) and trimmed; of equal keys the last one
     /// counts, and empty keys are ignored. Every key becomes a shared name.
     /// @param lowerKeys  whether keys are converted to lower case.
+    /// @param text  of a link.
     static LumValue parseUriFragmentParameters(const UnicodeString& text, bool lowerKeys);
 
+    /// The number with the other sign, in its unit; NULL_VALUE for what is no number. The least int stays as it is.
     LumValue operator-() const;
+    /// The number without its sign, in its unit; NULL_VALUE for what is no number. The least int stays as it is.
     [[nodiscard]] LumValue abs() const;
     /// Only for numbers without unit; integers stay as they are, reals stay reals; otherwise NULL_VALUE.
     [[nodiscard]] LumValue floor() const;
+    /// The least whole number not below; see floor().
     [[nodiscard]] LumValue ceiling() const;
+    /// The nearest whole number, halves up; see floor().
     [[nodiscard]] LumValue round() const;
     /// Lengths, angles, times and frequencies are converted to their normal unit first; operands that do not fit
     /// together give NULL_VALUE, and so does an integer remainder by 0.
     LumValue& operator+=(const LumValue& right);
+    /// Subtracts by the rules of operator+=().
     LumValue& operator-=(const LumValue& right);
+    /// Multiplies by the rules of operator+=().
     LumValue& operator*=(const LumValue& right);
+    /// Divides by the rules of operator+=().
     LumValue& operator/=(const LumValue& right);
+    /// The remainder, by the rules of operator+=().
     LumValue& operator%=(const LumValue& right);
+    /// As operator+=(), of a copy.
     friend LumValue operator+(const LumValue& a, const LumValue& b) { return LumValue(a) += b; }
+    /// As operator-=(), of a copy.
     friend LumValue operator-(const LumValue& a, const LumValue& b) { return LumValue(a) -= b; }
+    /// As operator*=(), of a copy.
     friend LumValue operator*(const LumValue& a, const LumValue& b) { return LumValue(a) *= b; }
+    /// As operator/=(), of a copy.
     friend LumValue operator/(const LumValue& a, const LumValue& b) { return LumValue(a) /= b; }
+    /// As operator%=(), of a copy.
     friend LumValue operator%(const LumValue& a, const LumValue& b) { return LumValue(a) %= b; }
     /// Converts a number to the normal unit of its dimension: pt, deg, ms or Hz.
     void normalizeUnit() noexcept;
@@ -256,8 +289,11 @@ public:
     /// Orders values by the same rules, objects and compounds by address. Values that cannot be compared are ordered by
     /// kind and then by unit, but numbers by unit alone. A NaN is neither below nor above a number of its unit.
     friend LUM_API bool operator<(const LumValue& a, const LumValue& b);
+    /// The order of operator<, reversed.
     friend bool operator>(const LumValue& a, const LumValue& b) { return b < a; }
+    /// Not above, in the order of operator<; so NaN is "not above" every number of its unit.
     friend bool operator<=(const LumValue& a, const LumValue& b) { return !(b < a); }
+    /// Not below, in the order of operator<; so NaN is "not below" every number of its unit.
     friend bool operator>=(const LumValue& a, const LumValue& b) { return !(a < b); }
 
 private:

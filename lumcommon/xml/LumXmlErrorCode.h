@@ -13,6 +13,7 @@ namespace LumCommon {
 ///     }
 namespace LumXmlErrorCode {
 
+/// One row for each code; the codes of other subsystems are in LumErrorCodeLumLIB and LumErrorCodeIO.
 enum Code : std::uint16_t {
     MissingEndTag = 0x1801,             ///< the input ends while elements are open
     SecondRoot = 0x1802,                ///< an element follows the root element

@@ -41,6 +41,7 @@ struct LumXmlLimits {
     /// the threshold. It counts the replacement texts, in units, and what is read from external inputs, in bytes and as
     /// 4096 at least; the external document type definition is one of them. Code 0x1837.
     std::uint64_t expansionFactor = 100;
+    /// What entities may always produce, in units and bytes; see expansionFactor.
     std::uint64_t expansionThreshold = 8u << 20;
     /// External entities that are open at once, one inside another. Code 0x1838.
     std::uint64_t openInputs = 64;
@@ -87,6 +88,7 @@ struct LumXmlLimits {
         return limits;
     }
 
+    /// Whether all limits are equal.
     friend constexpr bool operator==(const LumXmlLimits&, const LumXmlLimits&) = default;
 };
 

@@ -50,20 +50,22 @@ class LumError;
 /// Threads: one at a time.
 class LUM_API LumXmlParser : public LumRCObject {
 public:
+    /// The identifier of the class, for isA().
     static constexpr unsigned int TYPE_ID = 0x07416767u;
 
+    /// What the parser is at; the numbers do not change.
     enum EventType : int {
-        START_DOCUMENT = 0,
-        END_DOCUMENT = 1,
-        START_TAG = 2,  ///< also that of an empty element
-        END_TAG = 3,    ///< also that made for an empty element
-        TEXT = 4,
-        CDSECT = 5,
-        ENTITY_REF = 6,  ///< an entity or character reference
-        IGNORABLE_WHITESPACE = 7,
-        PROCESSING_INSTRUCTION = 8,
-        COMMENT = 9,
-        DOCDECL = 10,
+        START_DOCUMENT = 0,          ///< before the first event
+        END_DOCUMENT = 1,            ///< the input has ended
+        START_TAG = 2,               ///< also that of an empty element
+        END_TAG = 3,                 ///< also that made for an empty element
+        TEXT = 4,                    ///< character data, with references expanded by next()
+        CDSECT = 5,                  ///< a CDATA section
+        ENTITY_REF = 6,              ///< an entity or character reference
+        IGNORABLE_WHITESPACE = 7,    ///< white space outside of the root element
+        PROCESSING_INSTRUCTION = 8,  ///< "<?...?>", the XML declaration not included
+        COMMENT = 9,                 ///< "<!--...-->"
+        DOCDECL = 10,                ///< "<!DOCTYPE ...>"
     };
 
     /// All features are off in a new parser; other values are ignored and read as false.
@@ -100,6 +102,7 @@ public:
     /// again unless clearDefinitionCache() lets go of what is kept; neither a resolver nor the file system is then
     /// asked. Threads: any.
     static void clearDefinitionCache();
+    /// The limit of the cache of definitions that is none.
     static constexpr std::size_t unlimitedDefinitions = static_cast<std::size_t>(-1);
     /// How many bytes of definitions are kept at most: those that were not used for longest go. No limit at first; with
     /// 0 none are kept.
@@ -113,7 +116,9 @@ public:
     /// documents that this parser opens from then on; each can be changed afterwards.
     void setUntrusted();
 
+    /// Turns a feature on or off.
     virtual void setFeature(Feature feature, bool value) = 0;
+    /// Whether the feature is on.
     virtual bool getFeature(Feature feature) const = 0;
     /// Media type ("text/html") and file extension (".html") of the input, for isXhtmlType() and isHtmlType().
     virtual void setStreamType(const UnicodeString& mediaType, const UnicodeString& extension) = 0;
@@ -152,6 +157,7 @@ public:
     virtual int getNamespaceCount(int depth) const = 0;
     /// The declarations of the current element by index; null when out of range.
     virtual LumName getNamespacePrefix(int index) const = 0;
+    /// The namespace of the same declaration; null when out of range.
     virtual LumName getNamespaceUri(int index) const = 0;
     /// The namespace bound to `prefix` here, null when unbound.
     virtual LumName getNamespace(LumName prefix) const = 0;
@@ -162,6 +168,7 @@ public:
     virtual UnicodeString getPositionDescription() const = 0;
     /// -1 before input has started.
     virtual int getLineNumber() const = 0;
+    /// -1 before input has started.
     virtual int getColumnNumber() const = 0;
 
     /// Whether the text of a TEXT, CDSECT or IGNORABLE_WHITESPACE event is white space only. Other events throw 0x80B.
@@ -172,6 +179,7 @@ public:
     virtual LumName getNamespace() const = 0;
     /// Of a START_TAG or END_TAG; of an ENTITY_REF the entity ("#x" and hexadecimal digits for a character).
     virtual LumName getName() const = 0;
+    /// Of a START_TAG or END_TAG, null without one; null for other events.
     virtual LumName getPrefix() const = 0;
     /// Whether a START_TAG ended with "/>". Other events throw 0x80B.
     virtual bool isEmptyElementTag() const = 0;
@@ -180,14 +188,18 @@ public:
     virtual int getAttributeCount() const = 0;
     /// An index outside 0 to count-1 throws 0x804.
     virtual LumName getAttributeNamespace(int index) const = 0;
+    /// Without its prefix. An index outside 0 to count-1 throws 0x804.
     virtual LumName getAttributeName(int index) const = 0;
+    /// Null without one. An index outside 0 to count-1 throws 0x804.
     virtual LumName getAttributePrefix(int index) const = 0;
+    /// The value as the mode normalises it; borrowed. An index outside 0 to count-1 throws 0x804.
     virtual const UnicodeString& getAttributeValue(int index) const = 0;
     /// The first attribute of that local name whose prefix is bound to the namespace here, bogus when absent. An
     /// attribute without a prefix so answers to the default namespace, and to the null namespace only where there is
     /// none. Only at a START_TAG; other events throw 0x804.
     virtual const UnicodeString& getAttributeValue(LumName namespaceUri, LumName localName) const = 0;
 
+    /// The event that next() or nextToken() returned last; START_DOCUMENT before the first.
     virtual EventType getEventType() const = 0;
     /// The next tag or run of text: adjacent character data is one event, references are expanded, comments,
     /// processing instructions, the document type declaration and white space outside the root are passed over, and so
@@ -195,12 +207,14 @@ public:
     virtual EventType next() = 0;
     /// The next token, each as its own event.
     virtual EventType nextToken() = 0;
+    /// What relative references are resolved against here: the base of the input being read.
     virtual UnicodeString getBaseUri() const = 0;
     /// Defines the MathML 2.0 entities that the document has not defined itself.
     virtual void addMathMLEntityMap() = 0;
 
     /// Whether the document read so far is XHTML or HTML: by its document kind, its root, or its stream type.
     virtual bool isXhtmlType() const = 0;
+    /// Whether the document read so far is HTML: by its stream type if one was set, else by its root.
     virtual bool isHtmlType() const = 0;
 
     /// The limits of the documents that follow, from the next setInput() on. A parser of another class may have none:

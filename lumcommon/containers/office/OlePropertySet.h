@@ -21,9 +21,14 @@ public:
     /// @return 1, or -1 if the file has no summary information or it cannot be read; nothing is thrown.
     int init(OleCompFile* file);
 
+    /// Empty when the file has none. Borrowed.
     const UnicodeString& getTitle() const noexcept { return title_; }
+    /// Empty when the file has none. Borrowed.
     const UnicodeString& getSubject() const noexcept { return subject_; }
+    /// Empty when the file has none. Borrowed.
     const UnicodeString& getAuthor() const noexcept { return author_; }
+    /// Empty when the file has none, else as it is stored: separators are a matter of the program that wrote it.
+    /// Borrowed.
     const UnicodeString& getKeywords() const noexcept { return keywords_; }
 
 private:

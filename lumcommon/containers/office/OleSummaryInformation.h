@@ -20,7 +20,7 @@ class OleStream;
 
 /// A row of a section's property table.
 struct OleSIProperty {
-    std::uint32_t id = 0;
+    std::uint32_t id = 0;             ///< the number of the property
     std::uint32_t offset = 0;         ///< of the value, in bytes from the start of the section
     std::uint32_t type = 0;           ///< the first word there; for id 0 the number of names in the dictionary
     std::uint64_t valuePosition = 0;  ///< in the stream, of what follows the type
@@ -28,8 +28,8 @@ struct OleSIProperty {
 
 /// The name that a dictionary gives to a property.
 struct OleSIName {
-    std::uint32_t id = 0;
-    std::string name;  ///< the bytes as stored, the terminating zero included
+    std::uint32_t id = 0;  ///< the number of the property that bears the name
+    std::string name;      ///< the bytes as stored, the terminating zero included
 };
 
 /// A section of a property set as far as it could be read.
@@ -38,10 +38,10 @@ struct OleSISection {
     std::uint32_t propertyCount = 0;        ///< as stored; `properties` has those that are there
     std::vector<OleSIProperty> properties;  ///< in the order of the table
     std::uint64_t start = 0;                ///< in the stream
-    OLE_CLSID formatId;
-    std::uint32_t offset = 0;           ///< as stored, from the start of the property set
-    std::vector<OleSIName> dictionary;  ///< in the order stored
-    bool hasDictionary = false;         ///< there is a property 0
+    OLE_CLSID formatId;                     ///< tells what the numbers of the section mean
+    std::uint32_t offset = 0;               ///< as stored, from the start of the property set
+    std::vector<OleSIName> dictionary;      ///< in the order stored
+    bool hasDictionary = false;             ///< there is a property 0
 };
 
 /// Reads the property sets in which office documents keep their title, author and so on. For the usual four strings
@@ -67,7 +67,11 @@ struct OleSISection {
 /// Threads: one at a time, as for the compound file.
 class LUM_API OleSummaryInformation {
 public:
-    enum Kind : int { SUMMARY = 0, DOCUMENT_SUMMARY = 1 };
+    /// The two sets of a document: its summary, and what office programs add to it.
+    enum Kind : int {
+        SUMMARY = 0,           ///< title, author and other properties that any document has
+        DOCUMENT_SUMMARY = 1,  ///< properties of office programs, and those that users have defined
+    };
 
     OleSummaryInformation();
     OleSummaryInformation(const OleSummaryInformation&) = delete;
@@ -96,6 +100,7 @@ public:
     /// page is read as ISO 8859-1.
     /// @return 1, or -1 if the property is absent, cut short or of another type, or if this is document summary
     /// information; `out` is then unchanged.
+    /// @param out  receives the value.
     int getProperty(unsigned int id, LumValue& out);
     int getProperty(SummaryProperty id, LumValue& out) { return getProperty(static_cast<unsigned int>(id), out); }
     /// A property by its number, from the first section without a dictionary that has it, which is where getProperty()
@@ -128,21 +133,28 @@ public:
     /// These read a field at the current position and move past it. False if the stream has fewer bytes; the position
     /// is then at its end and the field unchanged.
     bool getWORD(unsigned short* value);
+    /// The same for four bytes.
     bool getDWORD(unsigned int* value);
+    /// The same for the 16 bytes of a class identifier.
     bool getCLSID(OLE_CLSID* value);
     /// `count` units of 16 bits, each widened; none if not all are there.
     bool getWSTR(wchar_t* buffer, int count);
     /// `n` bytes that are stored in reverse order.
     bool getReverse(unsigned char* p, int n);
 
+    /// Which of the two sets it is, as the init operation was told.
     Kind getKind() const noexcept { return kind_; }
     /// Whether the stream is in the other byte order than this machine.
     bool isSwapped() const noexcept { return isSwapped_; }
     /// The header as stored; 65534 is the byte order of a stream in this machine's order.
     std::uint16_t getByteOrder() const noexcept { return byteOrder_; }
+    /// As stored: 0, or 1 for sets with long names.
     std::uint16_t getVersion() const noexcept { return version_; }
+    /// As stored: the system that wrote the set.
     std::uint32_t getSystemId() const noexcept { return systemId_; }
+    /// As stored.
     const OLE_CLSID& getClassId() const noexcept { return classId_; }
+    /// As stored, whether there are so many or not.
     std::uint32_t getSectionCount() const noexcept { return sectionCount_; }
     /// The sections that are there.
     const std::vector<OleSISection>& getSections() const noexcept { return sections_; }

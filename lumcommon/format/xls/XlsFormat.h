@@ -47,8 +47,11 @@ struct XlsCodeNames;
 /// Threads: formatting does not change a format; several threads may use one at the same time.
 class LUM_API XlsFormat {
 public:
+    /// How many UTF-16 units of a code are read.
     static constexpr int MAX_CODE_UNITS = 1 << 20;
+    /// How many UTF-16 units repeated texts may have made before another "@" writes nothing.
     static constexpr int MAX_REPEATED_UNITS = 1 << 24;
+    /// The value of Result::color without a colour.
     static constexpr int NO_COLOR = -1;
 
     /// How cells are shown where spreadsheet programs and XlsFormatString differ.
@@ -99,8 +102,9 @@ public:
                                 ///< 1904 system negative times are shown, and by Rules::SPREADSHEET negative dates)
     };
 
+    /// What a cell shows.
     struct Result {
-        UnicodeString text;
+        UnicodeString text;    ///< what stands in the cell; may be empty
         int color = NO_COLOR;  ///< 0xRRGGBB of the section
         int section = 0;       ///< index of the section used, or a Failure
     };
@@ -108,6 +112,8 @@ public:
     /// General, in the 1900 system.
     XlsFormat();
     /// @param is1904  days count from 1904-01-01 as 0; false: from 1900-01-01 as 1, with a 29 February 1900.
+    /// @param code  any text.
+    /// @param rules  how cells are shown where the two ways differ.
     explicit XlsFormat(const UnicodeString& code, bool is1904 = false, Rules rules = Rules::SPREADSHEET);
 
     /// NaN and infinities are shown as "#NUM!", with NO_SECTION.
@@ -118,11 +124,14 @@ public:
     Result format(const CELLV& cell) const;
     /// The same into an existing result, which saves allocations when it is reused.
     void format(double value, Result& result) const;
+    /// The same of a text, into an existing result.
     void format(const UnicodeString& text, Result& result) const;
 
     /// The parsed code. Borrowed from the format.
     const FMT2& getSections() const noexcept { return code_; }
+    /// Whether days count from 1904-01-01.
     bool is1904() const noexcept { return is1904_; }
+    /// The rules that cells are shown by.
     Rules getRules() const noexcept { return rules_; }
 
 private:

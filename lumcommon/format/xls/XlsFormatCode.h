@@ -47,22 +47,29 @@ enum class XlsPieceKind : std::uint8_t {
     ERA,              ///< 1: Latin initial; 2: first character of the name; 3: name
     ERA_YEAR,         ///< 1, 2: digits of the year in its era
     ELAPSED_HOURS,    ///< hours, whole days included, in at least `count` digits; likewise the next two
-    ELAPSED_MINUTES,
-    ELAPSED_SECONDS,
+    ELAPSED_MINUTES,  ///< minutes, whole hours included
+    ELAPSED_SECONDS,  ///< seconds, whole minutes included
 };
 
 /// The part of a number that a placeholder belongs to.
-enum class XlsPart : std::uint8_t { INTEGER, DECIMALS, EXPONENT, NUMERATOR, DENOMINATOR };
+enum class XlsPart : std::uint8_t {
+    INTEGER,      ///< before the point
+    DECIMALS,     ///< after the point
+    EXPONENT,     ///< after "E"
+    NUMERATOR,    ///< before the bar of a fraction
+    DENOMINATOR,  ///< after the bar of a fraction
+};
 
 /// One piece of a section: what it writes, in which form. A run of equal placeholders is one piece, and so are adjacent
 /// literals. Comparing looks at the fields alone, not at the text of a literal.
 struct XlsPiece {
-    XlsPieceKind kind = XlsPieceKind::LITERAL;
-    XlsPart part = XlsPart::INTEGER;  ///< of placeholders and FIXED_DENOMINATOR; INTEGER for other kinds
-    char32_t unit = 0;                ///< a code point, for SKIP, FILL, EXPONENT and YEAR; 0 for other kinds
-    std::int32_t count = 0;           ///< see XlsPieceKind
-    std::int32_t start = 0;           ///< of a literal: its first UTF-16 unit in FMT::literals; 0 for other kinds
+    XlsPieceKind kind = XlsPieceKind::LITERAL;  ///< what it writes
+    XlsPart part = XlsPart::INTEGER;            ///< of placeholders and FIXED_DENOMINATOR; INTEGER for other kinds
+    char32_t unit = 0;                          ///< a code point, for SKIP, FILL, EXPONENT and YEAR; 0 for other kinds
+    std::int32_t count = 0;                     ///< see XlsPieceKind
+    std::int32_t start = 0;  ///< of a literal: its first UTF-16 unit in FMT::literals; 0 for other kinds
 
+    /// Whether all fields are equal.
     friend bool operator==(const XlsPiece&, const XlsPiece&) = default;
 };
 
@@ -85,9 +92,13 @@ struct XlsDigitCounts {
 struct FMT {
     /// What the section shows. One with "@" is of kind TEXT, else one with a field of a date or time is of kind
     /// DATE_TIME; any other is of kind NUMBER, even without a placeholder.
-    enum Kind : int { NUMBER, DATE_TIME, TEXT };
+    enum Kind : int {
+        NUMBER,     ///< a number, or nothing but literals
+        DATE_TIME,  ///< fields of a date or time
+        TEXT,       ///< the text of the cell
+    };
 
-    Kind kind = NUMBER;
+    Kind kind = NUMBER;   ///< what the section shows
     int condition = 0;    ///< operator 1 to 6 (>=, <=, <>, <, >, =), as for XlsFormatString::iscond(); 0 for none
     double operand = 0;   ///< what the condition compares with; finite
     int color = 0;        ///< number in the palette, 1 to 56; 0 for none
@@ -99,7 +110,11 @@ struct FMT {
     int calendar = 0;  ///< by the second byte: 4 Taiwan, 5 Korea, 7 Thailand; 0 for the common one
 
     // Numbers.
-    XlsDigitCounts integer, decimals, exponent, numerator, denominator;
+    XlsDigitCounts integer;           ///< placeholders of the whole number
+    XlsDigitCounts decimals;          ///< placeholders after the point
+    XlsDigitCounts exponent;          ///< placeholders of the exponent
+    XlsDigitCounts numerator;         ///< placeholders of the numerator
+    XlsDigitCounts denominator;       ///< placeholders of the denominator
     std::int32_t forcedDecimals = 0;  ///< decimals that are always written: up to the last "0" after the point
     std::int32_t percents = 0;        ///< number of "%": each multiplies the value by 100
     std::int32_t scaleCommas = 0;     ///< commas after the last digit before the point, or after all digits: each
@@ -115,7 +130,9 @@ struct FMT {
     bool hasDate = false;         ///< there are fields of the calendar: the value must be a date
     bool namesFirstYear = false;  ///< the first year of an era is written as its name, by [$-ja-JP-x-gannen]
     bool hasTime = false;         ///< there are fields of the clock or of elapsed time
-    bool elapsedHours = false, elapsedMinutes = false, elapsedSeconds = false;  ///< which elapsed fields there are
+    bool elapsedHours = false;    ///< there is a field of ELAPSED_HOURS
+    bool elapsedMinutes = false;  ///< there is a field of ELAPSED_MINUTES
+    bool elapsedSeconds = false;  ///< there is a field of ELAPSED_SECONDS
     int amPm = 0;  ///< the first form of AM/PM, 1 to 5: AM/PM, am/pm, A/P, a/p, Chinese; 0 for a clock of 24 hours
     int secondDecimals = 0;  ///< the most decimals of a second that a field shows, 0 to 3: times are rounded to these
 

@@ -13,16 +13,23 @@ namespace LumCommon {
 
 /// A cell: its value, and the date system of its workbook.
 struct LUM_API CELLV {
-    enum Kind : int { NUMBER, TEXT };
+    /// What a cell holds.
+    enum Kind : int {
+        NUMBER,  ///< a number, dates and times included
+        TEXT,    ///< a text
+    };
 
+    /// The number 0 in the 1900 system.
     CELLV() = default;
+    /// A number.
     explicit CELLV(double value, int workbookBaseYear = 1900) : number(value), baseYear(workbookBaseYear) {}
+    /// A text.
     explicit CELLV(const UnicodeString& value) : kind(TEXT), text(value) {}
     /// A number whatever its unit; a real becomes the shortest decimal that reads back as it (0.1, not
     /// 0.100000001490116). Any other value becomes text, as LumValue::toString() prints it.
     explicit CELLV(const LumValue& value, int workbookBaseYear = 1900);
 
-    Kind kind = NUMBER;
+    Kind kind = NUMBER;   ///< which of the next two counts
     double number = 0;    ///< of kind NUMBER
     UnicodeString text;   ///< of kind TEXT
     int baseYear = 1900;  ///< 1900 or 1904: the date system
@@ -42,6 +49,7 @@ class LUM_API XlsFormatString {
 public:
     XlsFormatString() = delete;
 
+    /// What a `color` receives where a section has none.
     static constexpr int NO_COLOR = -1;
 
     /// Says whether a text fits into a width.
@@ -50,17 +58,20 @@ public:
     using MeasureCallback = bool (*)(void* context, const UnicodeString& text, LumLength width, int first, int second);
 
     /// The kinds of values of fmtsel().
-    enum ValueKind : int { VALUE_NUMBER = CELLV::NUMBER, VALUE_TEXT = CELLV::TEXT };
+    enum ValueKind : int {
+        VALUE_NUMBER = CELLV::NUMBER,  ///< the value is looked at
+        VALUE_TEXT = CELLV::TEXT,      ///< the value is not looked at
+    };
     /// The fields of fmttime(); their values are the letters of the fields.
     enum TimeField : int {
-        TIME_HOUR = 'h',           ///< 0 to 23
-        TIME_MINUTE = 'm',         ///< 0 to 59
-        TIME_SECOND = 's',         ///< 0 to 59
-        TIME_FRACTION = '0',       ///< the decimals of the second: 0 to 9, 99 or 999; 0 if none are requested
-        TIME_DAYS = 'd',           ///< whole days, one more if the time was rounded up to midnight
-        TIME_ELAPSED_HOURS = 'H',  ///< including whole days, as the next two do
-        TIME_ELAPSED_MINUTES = 'M',
-        TIME_ELAPSED_SECONDS = 'S',
+        TIME_HOUR = 'h',             ///< 0 to 23
+        TIME_MINUTE = 'm',           ///< 0 to 59
+        TIME_SECOND = 's',           ///< 0 to 59
+        TIME_FRACTION = '0',         ///< the decimals of the second: 0 to 9, 99 or 999; 0 if none are requested
+        TIME_DAYS = 'd',             ///< whole days, one more if the time was rounded up to midnight
+        TIME_ELAPSED_HOURS = 'H',    ///< including whole days, as the next two do
+        TIME_ELAPSED_MINUTES = 'M',  ///< including whole hours
+        TIME_ELAPSED_SECONDS = 'S',  ///< including whole minutes
     };
 
     /// The text of a number in the 1900 system; bogus if no section applies or it is not a date. NaN and infinities
@@ -74,6 +85,13 @@ public:
     /// @param color    receives 0xRRGGBB, or NO_COLOR.
     /// @param measure  null: no fitting. Neither it nor `context` is kept.
     /// @return the index of the section used, or an XlsFormat::Failure; `result` is then empty.
+    /// @param value  the number.
+    /// @param code  the format code.
+    /// @param result  receives the text.
+    /// @param width  for `measure`.
+    /// @param first  for `measure`.
+    /// @param second  for `measure`.
+    /// @param context  for `measure`.
     static int fmtnum(const CELLV& cell, double value, const UnicodeString& code, UnicodeString& result, int& color,
                       MeasureCallback measure = nullptr, LumLength width = LumLength(), int first = 0, int second = 0,
                       void* context = nullptr);
@@ -85,6 +103,7 @@ public:
     /// @return the index of the section, or -1 for an unchanged text.
     static int fmtstr(const CELLV& cell, const UnicodeString& value, const UnicodeString& code, UnicodeString& result,
                       int& color);
+    /// The same with a code that fmtget() has parsed.
     static int fmtstr(const CELLV& cell, const UnicodeString& value, const FMT2& code, UnicodeString& result,
                       int& color);
 
@@ -94,6 +113,8 @@ public:
     /// two sections has a condition, the other one takes what is not negative if it comes first, and everything left
     /// if it comes second.
     /// @param kind  a ValueKind; `value` matters only for numbers.
+    /// @param value  the number of the cell.
+    /// @param code  as parsed by fmtget().
     static int fmtsel(int kind, double value, const FMT2& code);
     /// Whether a value meets a condition. Operators: 1 >=, 2 <=, 3 <>, 4 <, 5 >, 6 =; false for others.
     static bool iscond(double value, int condition, double operand);
@@ -104,12 +125,14 @@ public:
     /// @param day      1 to 31; 0 for serial 0 of the 1900 system.
     /// @param weekday  0 is Sunday.
     /// @param era      0 Meiji, 1 Taisho, 2 Showa, 3 Heisei.
+    /// @param serial  days, as a cell has them.
     static bool fmtdate(double serial, int& year, int& month, int& day, int& weekday, int& era);
     /// One field of the time of a serial number, which is rounded half up to `decimals` decimals of a second.
     /// @param field     a TimeField.
     /// @param decimals  0 to 3.
     /// @return the field; -1 for a negative or infinite serial, for one of 10,000,000,000 days or more, and for an
     ///         unknown field.
+    /// @param serial  days, of which the fraction is the time of the day.
     static std::int64_t fmttime(double serial, int field, int decimals);
     /// The days of a year, 365 or 366; 1900 counts as a leap year.
     static int DateOfYear(int year);
@@ -129,6 +152,7 @@ public:
     /// Moves the point to the right (multiplies) or to the left (divides). There are no leading zeros except one
     /// directly before the point. `places` is limited to 1,000,000 either way.
     static std::string DblStrMul10(std::string_view digits, int places = 1);
+    /// Moves the point to the left; see DblStrMul10().
     static std::string DblStrDiv10(std::string_view digits, int places = 1);
     /// Rounds to 15 significant digits and then to `decimals` (negative: before the point), half up both times; the
     /// digits after the kept ones become "0".
@@ -152,6 +176,7 @@ public:
     /// @param fixedDenominator  above 0: the denominator to use; the result is not reduced.
     /// @param numerator         receives the numerator including the whole number, or the largest std::int64_t if it
     ///                          does not fit.
+    /// @param value  finite; its sign is ignored.
     static void convFrac(double value, int places, int fixedDenominator, std::int64_t& numerator, int& denominator);
     /// The same as text, such as "22/7"; the denominator always fits.
     static std::string yeFraction(double value, int places, int fixedDenominator = 0);

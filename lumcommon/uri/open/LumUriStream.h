@@ -39,7 +39,9 @@ struct HttpUrl;
 /// number of buffers can be open at once.
 class LUM_API LumUriStreamBuf : public LumRefillStreamBuf {
 public:
+    /// What setTimeout() has for values that are not positive: half a minute.
     static constexpr int defaultTimeoutMilliseconds = 30000;
+    /// What setTotalTimeout() has for values that are not positive: a quarter of an hour.
     static constexpr int defaultTotalTimeoutMilliseconds = 15 * 60 * 1000;
 
     /// Opens the resource.
@@ -100,9 +102,11 @@ class LUM_API LumUriStream : public std::istream {
 public:
     /// Opens the resource. If that fails, is_open() is false and failbit is set.
     explicit LumUriStream(const UnicodeString& uri);
+    /// The same for a URI in the platform's encoding; null counts as empty.
     explicit LumUriStream(const char* uri);
     ~LumUriStream() override;
 
+    /// Whether the resource could be opened.
     bool is_open() const noexcept { return buffer_.is_open(); }
     /// The buffer; it lives as long as the stream.
     LumUriStreamBuf* rdbuf() const noexcept { return const_cast<LumUriStreamBuf*>(&buffer_); }
