@@ -10,7 +10,7 @@ libexpat1-dev libpugixml-dev libxml2-dev"
 # What all tests and checks need.
 LUM_PACKAGES="$LUM_RELEASE_PACKAGES g++-multilib clang libclang-rt-14-dev libc++-dev libc++abi-dev clang-format clang-tidy
 binutils libxml2-utils xsltproc xz-utils docbook-xml w3c-sgml-lib zip unzip doxygen doxygen-awesome-css
-locales dpkg-dev file lintian"
+locales dpkg-dev file lintian gdb"
 
 # Further libraries that scripts/bench measures beside ours; what is missing of them is not measured.
 LUM_BENCH_PACKAGES="libxerces-c-dev qtbase5-dev"

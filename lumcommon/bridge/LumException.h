@@ -26,7 +26,9 @@ class LUM_API LumException : public std::runtime_error {
 public:
     /// Errors: std::bad_alloc.
     explicit LumException(const LumError& error);
+    /// A copy takes no memory.
     LumException(const LumException&) noexcept = default;
+    /// The same.
     LumException& operator=(const LumException&) noexcept = default;
     ~LumException() override;
 
@@ -36,6 +38,7 @@ public:
     std::uint16_t getCode() const noexcept { return held_->error.code; }
     /// Those of positionOf(), so that nobody has to read the message: -1 when unknown.
     int getLine() const noexcept { return held_->position.line; }
+    /// The column, or -1.
     int getColumn() const noexcept { return held_->position.column; }
     /// The same with the location.
     const LumPosition& getPosition() const noexcept { return held_->position; }

@@ -23,6 +23,7 @@ struct LumPosition {
 
     /// Whether a line or a column is known.
     explicit operator bool() const noexcept { return line != -1 || column != -1; }
+    /// Whether line and column are the same.
     friend bool operator==(const LumPosition&, const LumPosition&) = default;
 };
 

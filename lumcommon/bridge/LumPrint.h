@@ -45,6 +45,7 @@ namespace LumCommon {
 }
 /// The string of the name; empty for one that is not in the vocabulary.
 [[nodiscard]] inline std::string toUtf8(MathMLName name) { return toUtf8(name.toName()); }
+/// The same of a name of SVG.
 [[nodiscard]] inline std::string toUtf8(SVGName name) { return toUtf8(name.toName()); }
 
 /// What this header prints.

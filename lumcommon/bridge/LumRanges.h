@@ -32,12 +32,14 @@ namespace LumCommon {
 /// holds the current node, so that this can be used after it was taken out.
 class LUM_API LumNodeWalk {
 public:
+    /// Which nodes are met.
     enum class Axis { CHILDREN, DESCENDANTS, ATTRIBUTES };
 
     /// The end.
     LumNodeWalk() noexcept = default;
     /// The first node.
     /// @param root    must outlive the walk; for attributes a LumElement.
+    /// @param axis    which nodes are met.
     /// @param typeId  that of a class, to pass over nodes of others.
     LumNodeWalk(const LumNode& root, Axis axis, unsigned typeId);
 
@@ -46,6 +48,7 @@ public:
     /// Moves to the next node. Not at the end.
     void advance();
 
+    /// Whether both stand at the same place.
     friend bool operator==(const LumNodeWalk& a, const LumNodeWalk& b) noexcept { return a.current_ == b.current_; }
 
 private:
@@ -66,28 +69,40 @@ private:
 template <std::derived_from<LumNode> T>
 class LumNodeRange {
 public:
+    /// Walks over the range; see there what may change meanwhile.
     class Iterator {
     public:
+        /// What a step gives.
         using value_type = T*;
+        /// Distances, which no forward iterator has.
         using difference_type = std::ptrdiff_t;
+        /// What the ranges of C++20 may expect.
         using iterator_concept = std::forward_iterator_tag;
+        /// What the algorithms before them may expect.
         using iterator_category = std::input_iterator_tag;  // it has no objects to refer to
+        /// What operator*() gives.
         using reference = T*;
+        /// There is none: what is given is a value.
         using pointer = void;
 
         Iterator() noexcept = default;
+        /// At the place of the walk.
         explicit Iterator(LumNodeWalk&& walk) noexcept : walk_(std::move(walk)) {}
 
+        /// Where it stands.
         T* operator*() const noexcept { return static_cast<T*>(walk_.get()); }
+        /// Goes on to the next.
         Iterator& operator++() {
             walk_.advance();
             return *this;
         }
+        /// The same; gives where it stood.
         Iterator operator++(int) {
             Iterator before(*this);
             walk_.advance();
             return before;
         }
+        /// Whether both stand at the same place.
         friend bool operator==(const Iterator&, const Iterator&) noexcept = default;
 
     private:
@@ -95,10 +110,14 @@ public:
     };
 
     LumNodeRange() noexcept = default;
+    /// Of a node that must live as long; null gives none.
     LumNodeRange(const LumNode* root, LumNodeWalk::Axis axis) noexcept : root_(root), axis_(axis) {}
 
+    /// The first.
     Iterator begin() const { return root_ ? Iterator(LumNodeWalk(*root_, axis_, T::TYPE_ID)) : Iterator(); }
+    /// After the last.
     Iterator end() const noexcept { return {}; }
+    /// Whether there is none.
     bool empty() const { return begin() == end(); }
 
 private:
@@ -118,6 +137,7 @@ template <std::derived_from<LumNode> T = LumNode>
 [[nodiscard]] LumNodeRange<T> children(const LumNode* node) noexcept {
     return {node, LumNodeWalk::Axis::CHILDREN};
 }
+/// The same of what a LumPtr holds.
 template <std::derived_from<LumNode> T = LumNode, std::derived_from<LumNode> Node>
 [[nodiscard]] LumNodeRange<T> children(const LumPtr<Node>& node) noexcept {
     return children<T>(node.get());
@@ -132,6 +152,7 @@ template <std::derived_from<LumNode> T = LumNode>
 [[nodiscard]] LumNodeRange<T> descendants(const LumNode* node) noexcept {
     return {node, LumNodeWalk::Axis::DESCENDANTS};
 }
+/// The same of what a LumPtr holds.
 template <std::derived_from<LumNode> T = LumNode, std::derived_from<LumNode> Node>
 [[nodiscard]] LumNodeRange<T> descendants(const LumPtr<Node>& node) noexcept {
     return descendants<T>(node.get());
@@ -142,6 +163,7 @@ template <std::derived_from<LumNode> T = LumNode, std::derived_from<LumNode> Nod
 [[nodiscard]] inline LumNodeRange<LumAttr> attributes(const LumElement* element) noexcept {
     return {element, LumNodeWalk::Axis::ATTRIBUTES};
 }
+/// The same of what a LumPtr holds.
 template <std::derived_from<LumElement> Element>
 [[nodiscard]] LumNodeRange<LumAttr> attributes(const LumPtr<Element>& element) noexcept {
     return attributes(element.get());
@@ -155,13 +177,20 @@ template <std::derived_from<LumElement> Element>
 /// Ownership: the range and its iterators hold the map.   Cost: that of copying a value.   Threads: as for the map.
 class LUM_API LumItemRange {
 public:
+    /// Walks over the range; see there what may change meanwhile.
     class LUM_API Iterator {
     public:
+        /// What a step gives.
         using value_type = LumNamedValue;
+        /// Distances, which no forward iterator has.
         using difference_type = std::ptrdiff_t;
+        /// What the ranges of C++20 may expect.
         using iterator_concept = std::forward_iterator_tag;
+        /// What the algorithms before them may expect.
         using iterator_category = std::input_iterator_tag;
+        /// What operator*() gives.
         using reference = LumNamedValue;
+        /// There is none: what is given is a value.
         using pointer = void;
 
         Iterator() noexcept = default;
@@ -170,12 +199,15 @@ public:
 
         /// The entry as it is now; a null value under its name if it was removed.
         LumNamedValue operator*() const;
+        /// Goes on to the next.
         Iterator& operator++();
+        /// The same; gives where it stood.
         Iterator operator++(int) {
             Iterator before(*this);
             ++*this;
             return before;
         }
+        /// Whether both stand at the same place.
         friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
             return a.isAtEnd_ == b.isAtEnd_ && (a.isAtEnd_ || a.name_ == b.name_);
         }
@@ -191,10 +223,14 @@ public:
     };
 
     LumItemRange() noexcept = default;
+    /// Of a map that must live as long; null gives none.
     explicit LumItemRange(const LumNamedValueMap* map) noexcept : map_(map) {}
 
+    /// The first.
     Iterator begin() const { return Iterator(map_); }
+    /// After the last.
     Iterator end() const noexcept { return {}; }
+    /// Whether there is none.
     bool empty() const noexcept { return !map_ || map_->getCount() == 0; }
 
 private:
@@ -203,6 +239,7 @@ private:
 
 /// The entries of a map; of null none. See LumItemRange.
 [[nodiscard]] inline LumItemRange items(const LumNamedValueMap* map) noexcept { return LumItemRange(map); }
+/// The same of what a LumPtr holds.
 [[nodiscard]] inline LumItemRange items(const LumPtr<LumNamedValueMap>& map) noexcept { return items(map.get()); }
 /// Those of a compound; any other value has none.
 template <std::derived_from<LumValue> Value>
@@ -233,10 +270,15 @@ public:
     /// Errors: std::bad_alloc.   Cost: linear in the directory; each entry is listed once, wherever links lead.
     explicit LumOleEntries(const OleCompFile& file);
 
+    /// The first.
     auto begin() const noexcept { return entries_.begin(); }
+    /// After the last.
     auto end() const noexcept { return entries_.end(); }
+    /// Whether there is none.
     bool empty() const noexcept { return entries_.empty(); }
+    /// How many there are.
     std::size_t size() const noexcept { return entries_.size(); }
+    /// How many there are.
     const LumOleEntry& operator[](std::size_t position) const noexcept { return entries_[position]; }
 
     /// The path of one of these entries, for OleCompFile::OLEopenStream().   Cost: linear in the depth.

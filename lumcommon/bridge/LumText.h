@@ -22,6 +22,7 @@ namespace LumCommon {
 
 /// The text of UTF-8; each malformed sequence becomes U+FFFD. Zeros are characters like any other.
 [[nodiscard]] LUM_API UnicodeString toText(std::string_view utf8);
+/// The same from a literal u8"...".
 [[nodiscard]] LUM_API UnicodeString toText(std::u8string_view utf8);
 /// A copy of the units as they are.
 [[nodiscard]] LUM_API UnicodeString toText(std::u16string_view text);
@@ -41,6 +42,7 @@ template <std::derived_from<UnicodeString> Text>
 }
 /// The string of the name.
 [[nodiscard]] inline std::string toUtf8(LumName name) { return toUtf8(name.getString()); }
+/// The same by its identifier.
 [[nodiscard]] inline std::string toUtf8(LumNameEnum name) { return toUtf8(LumName(name)); }
 /// What toString() of a value, a colour, a URI and so on gives.
 template <class Value>

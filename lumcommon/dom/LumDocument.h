@@ -85,6 +85,7 @@ public:
     /// Elements keep the namespaces that they have where they stand, their attributes, whose values share objects and
     /// compounds, and the flags that are not those of loading. Source positions are not copied. The other document is
     /// not changed, but read on where it is still being loaded.
+    /// @param node  of any document, or of none.
     /// @param deep  whether the descendants are copied as well.
     /// @return null for a document, for an attribute that is not created, and for a node that this document does not
     /// create; descendants that it does not create are left out. A fragment is copied with its children if `deep`.
@@ -186,6 +187,7 @@ public:
     void saveReplacing(const UnicodeString& uri, LumNode* node = nullptr,
                        const UnicodeString& encoding = UnicodeString(),
                        const UnicodeString& processingInstruction = UnicodeString());
+    /// To the file of that path, whatever is in its name; see LocalPath.
     template <LocalPath Path>
     void saveReplacing(const Path& path, LumNode* node = nullptr, const UnicodeString& encoding = UnicodeString(),
                        const UnicodeString& processingInstruction = UnicodeString()) {

@@ -72,12 +72,14 @@ public:
              !std::convertible_to<const Text&, LumValue>) void setAttribute(LumName name, const Text& text) {
         setAttribute(name, stringValue(text));
     }
+    /// The same with a namespace.
     template <class Text>
     requires(std::convertible_to<const Text&, std::u16string_view> &&
              !std::convertible_to<const Text&, LumValue>) void setAttributeNS(LumName namespaceUri,
                                                                               LumName qualifiedName, const Text& text) {
         setAttributeNS(namespaceUri, qualifiedName, stringValue(text));
     }
+    /// The same with a namespace.
     template <class Text>
     requires(std::convertible_to<const Text&, std::u16string_view> &&
              !std::convertible_to<const Text&, LumValue>) void setAttributeNS(LumName namespaceUri, LumName prefix,

@@ -107,10 +107,10 @@ enum Code : std::uint16_t {
     AttributeDefault = 0x1856,  ///< the declaration of an attribute has no proper default
 };
 
-/// The name and the cause of a code, as they stand above ("MissingEndTag", "the input ends while elements are open");
-/// null for what is no code of the parser. The codes that a callback hears have those of their errors.
-/// Threads: any; constant data.
+/// The name of a code as it stands above, "MissingEndTag"; null for what is no code of the parser. The codes that a
+/// callback hears have the names of their errors. Threads: any; constant data.
 LUM_API const char* getName(unsigned code) noexcept;
+/// The cause of it as it stands above, "the input ends while elements are open". The same holds.
 LUM_API const char* getCause(unsigned code) noexcept;
 
 }  // namespace LumXmlErrorCode

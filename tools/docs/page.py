@@ -36,7 +36,7 @@ def guide_line(page):
     if not title:
         raise SystemExit(f"{page}: a guide begins with a line '# Title'")
     paragraphs = re.split(r"\n\s*\n", re.sub(r"<!--.*?-->\n?", "", text[title.end():], flags=re.DOTALL).strip())
-    first = next((part for part in paragraphs if re.match(r"[\w`\"']", part)), "")
+    first = next((part for part in paragraphs if re.match(r"(?!```)[\w`\"']", part)), "")
     sentence = re.split(r"(?<=[.:])\s", first.replace("\n", " "))[0].rstrip(".:")
     return f"- [{title[1]}]({page.name})" + (f": {sentence}." if sentence else "")
 

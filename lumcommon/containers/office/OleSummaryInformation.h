@@ -102,6 +102,7 @@ public:
     /// information; `out` is then unchanged.
     /// @param out  receives the value.
     int getProperty(unsigned int id, LumValue& out);
+    /// The same by the name of a property of the summary.
     int getProperty(SummaryProperty id, LumValue& out) { return getProperty(static_cast<unsigned int>(id), out); }
     /// A property by its number, from the first section without a dictionary that has it, which is where getProperty()
     /// looks. Strings are in the code page of their section, else in that of the first section that states one, else in
@@ -114,6 +115,7 @@ public:
     std::optional<OlePropertyValue> readProperty(SummaryProperty id) const {
         return readProperty(static_cast<unsigned int>(id));
     }
+    /// The same by the name of a property of the document summary.
     std::optional<OlePropertyValue> readProperty(DocumentSummaryProperty id) const {
         return readProperty(static_cast<unsigned int>(id));
     }
