@@ -33,7 +33,11 @@ namespace LumCommon {
 class LUM_API LumNodeWalk {
 public:
     /// Which nodes are met.
-    enum class Axis { CHILDREN, DESCENDANTS, ATTRIBUTES };
+    enum class Axis {
+        CHILDREN,     ///< those of the node
+        DESCENDANTS,  ///< in document order, the node itself left out
+        ATTRIBUTES,   ///< in the order in which they were set
+    };
 
     /// The end.
     LumNodeWalk() noexcept = default;
