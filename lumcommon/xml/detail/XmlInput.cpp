@@ -4,6 +4,8 @@
 #include <lumcommon/xml/detail/UnitScan.h>
 #include <lumcommon/xml/detail/XmlInput.h>
 
+#include <unicode/utf16.h>
+
 #include <cxxabi.h>
 
 #include <algorithm>
@@ -185,6 +187,8 @@ bool XmlInput::refill(XmlCursor& cursor) {
     } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
     counted_ = base;
     feedsEnd_ = nullptr;
+    // Halves of a pair that came one by one are one character, wherever the window ends.
+    if (to != base && U16_IS_TRAIL(*base) && U16_IS_LEAD(base[-1])) --position_.column;
     cursor = {base, to, base};
     if (decoder_.isStrict) endAtInvalid(cursor, to);
     return cursor.end != base;
