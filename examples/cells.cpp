@@ -18,6 +18,15 @@ int main() {
         std::cout << utf8(cell.text) << (cell.color == 0xFF0000 ? " in red\n" : "\n");
     }
     std::cout << utf8(XlsFormat(u"[$-407]dddd, d. mmmm yyyy h:mm").format(45000.75).text) << '\n';
-    std::cout << utf8(XlsFormat(u"# #/##").format(123.456).text) << '\n';
+    const XlsFormat texts(u"0;-0;0;\"name: \"@");
+    std::cout << utf8(texts.format(u"Ann").text) << '\n';
+
+    const UnicodeString fraction(u"# #/##");
+    const XlsFormat simple(fraction, false, XlsFormat::Rules::CONTRACT);
+    std::cout << utf8(XlsFormat(fraction).format(123.456).text) << ", simply " << utf8(simple.format(123.456).text)
+              << '\n';
+
+    const XlsFormat::Result late = XlsFormat(u"yyyy-mm-dd").format(3e6);
+    std::cout << utf8(late.text) << (late.section == XlsFormat::NOT_A_DATE ? " is no date\n" : "\n");
 }
 // [cells]

@@ -17,5 +17,11 @@ int main() {
               << utf8(LumUtil::formatNumber(27, u"a", u"", 0, swedish)) << ' '
               << utf8(LumUtil::formatNumber(1234567, u"1", u",", 3)) << ' '
               << utf8(LumUtil::convertKansuji(12345, NAME_readable, NAME_kanji)) << '\n';
+
+    const UnicodeString text(u"Глава");
+    const LumScript script = LumScript::getScriptFromText(text);
+    std::cout << utf8(text) << " is " << utf8(script.getScriptCode().getString()) << ", its third page "
+              << utf8(LumUtil::formatNumber(3, script.getA())) << '\n';
+    std::cout << LumLang(u"fre-CA").getName() << ' ' << utf8(LumScript(u"zh-TW").getScriptCode().getString()) << '\n';
 }
 // [numbers]

@@ -25,5 +25,13 @@ int main() {
         std::cout << utf8(value.toString()) << ' ';
     }
     std::cout << '\n';
+
+    LumValue border;  // several named values make a compound
+    border.setNamedItem(NAME_width, width);
+    border.setNamedItem(NAME_color, ink);
+    for (LumNamedValueMapIterator items(border.getNamedValueMap()); items.hasNext();) {
+        const LumNamedValue item = items.next();
+        std::cout << utf8(item.getName().getString()) << " = " << utf8(item.toString()) << '\n';
+    }
 }
 // [values]
