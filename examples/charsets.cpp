@@ -8,7 +8,7 @@
 using namespace LumCommon;
 
 int main() {
-    const UnicodeString text(u"価格 100 €");
+    const UnicodeString text(u"\u4FA1\u683C 100 \u20AC");
     std::ostringstream mail;
     LumKobOStreamBuf writer(&mail, "Shift_JIS", false, LumKobOStreamBuf::LF_TO_CRLF, false);
     std::ostream units(&writer);  // takes the bytes of UTF-16 units, in the machine's order

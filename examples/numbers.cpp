@@ -18,7 +18,7 @@ int main() {
               << utf8(LumUtil::formatNumber(1234567, u"1", u",", 3)) << ' '
               << utf8(LumUtil::convertKansuji(12345, NAME_readable, NAME_kanji)) << '\n';
 
-    const UnicodeString text(u"Глава");
+    const UnicodeString text(u"\u0413\u043B\u0430\u0432\u0430");
     const LumScript script = LumScript::getScriptFromText(text);
     std::cout << utf8(text) << " is " << utf8(script.getScriptCode().getString()) << ", its third page "
               << utf8(LumUtil::formatNumber(3, script.getA())) << '\n';

@@ -22,7 +22,7 @@ int main() {
     LumTokenizer tokens(u"translate(10pt, -4) scale(2)");
     for (LumValue value = tokens.nextTokenValueSigned(); tokens.getKind() != LumTokenizer::TOKEN_END;
          value = tokens.nextTokenValueSigned()) {
-        std::cout << utf8(value.toString()) << ' ';
+        std::cout << ' ' << utf8(value.toString());
     }
     std::cout << '\n';
 
