@@ -1,14 +1,12 @@
 #!/usr/bin/env python3
 """Fails when a page does not come to doxygen as tools/docs/page.py promises."""
-import importlib.util
 import pathlib
 import sys
 import tempfile
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-LOADER = importlib.util.spec_from_file_location("page", ROOT / "tools" / "docs" / "page.py")
-page = importlib.util.module_from_spec(LOADER)
-LOADER.loader.exec_module(page)
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools" / "docs"))
+import page
 
 # What is written, and what doxygen reads.
 LINES = [

@@ -120,7 +120,7 @@ std::vector<Argument> commonOptionsOf(const CommandPage& tool) {
 
 std::string quoteShell(std::string text) { return '\'' + replaceAll(std::move(text), "'", "'\\''") + '\''; }
 
-/// Text in a specification of zsh's _arguments.
+/// Text in an argument of the command _arguments of zsh.
 std::string escapeZsh(std::string text) {
     for (const std::string_view special : {"\\", "[", "]", ":"}) {
         text = replaceAll(std::move(text), special, '\\' + std::string(special));
