@@ -18,12 +18,6 @@ namespace lum {
 
 using namespace LumCommon;
 
-namespace {
-
-UnicodeString pathToUri(const std::string& path) { return LumUri::fromLocalPath(path).toString(); }
-
-}  // namespace
-
 UnicodeString toUri(const std::string& file) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(file, error);

@@ -33,15 +33,6 @@ UnicodeString& checked(UnicodeString& text) {
     return text;
 }
 
-std::string toUtf8(const UnicodeString& text) {
-    std::string bytes;
-    text.toUTF8String(bytes);
-    if (bytes.empty() && !text.isEmpty()) throw std::bad_alloc();  // nothing else tells
-    return bytes;
-}
-
-std::string toUtf8(LumName name) { return toUtf8(name.getString()); }
-
 void print(std::string_view text) {
     std::cout << text;
     checkOutput();

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/core/Text.h>
-#include <lumcommon/names/LumName.h>
 
 #include <cstdint>
 #include <iosfwd>
@@ -12,13 +12,12 @@
 
 namespace lum {
 
+using LumCommon::toUtf8;
+
 /// Text from the command line: read as UTF-8 if it is valid UTF-8, otherwise in the locale's encoding.
 LumCommon::UnicodeString fromArgument(const std::string& argument);
 /// The text of an operation that is bogus only when memory has run out.   Failure: std::bad_alloc then.
 LumCommon::UnicodeString& checked(LumCommon::UnicodeString& text);
-/// Unpaired surrogates become U+FFFD; a bogus string becomes an empty one.
-std::string toUtf8(const LumCommon::UnicodeString& text);
-std::string toUtf8(LumCommon::LumName name);
 
 /// Writes to standard output.
 /// Failure: LumError 0x1007 if it cannot be written; so for a line.

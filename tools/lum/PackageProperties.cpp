@@ -1,5 +1,6 @@
 #include "PackageProperties.h"
 
+#include <lumcommon/bridge/LumRanges.h>
 #include <lumcommon/containers/LumZipFile.h>
 #include <lumcommon/core/LumError.h>
 #include <lumcommon/dom/LumDocument.h>
@@ -52,14 +53,6 @@ LumPtr<LumDocument> loadPart(LumZipFile& package, const Part& part) {
     return document;
 }
 
-/// Calls `visit` with each child element.
-template <class Visit>
-void forEachElement(const LumNode* parent, Visit visit) {
-    for (LumNode* child = parent ? parent->getFirstChild() : nullptr; child; child = child->getNextSibling()) {
-        if (child->isElementNode()) visit(static_cast<const LumElement&>(*child));
-    }
-}
-
 std::string textOf(const LumNode& node) { return toUtf8(node.getInnerText()); }
 
 Json numberOr(const std::string& text) {
@@ -83,14 +76,14 @@ Json variantOf(const LumElement& element) {
     if (numbers.contains(kind)) return numberOr(text);
     if (kind != "vector" && kind != "array") return text;
     Json::Array values;
-    forEachElement(&element, [&](const LumElement& value) { values.emplace_back(textOf(value)); });
+    for (const LumElement* const value : children<LumElement>(&element)) values.emplace_back(textOf(*value));
     return values;
 }
 
 /// A property that has its value as text, or in an element of a variant.
 Json valueOf(const LumElement& property) {
     Json value = textOf(property);
-    forEachElement(&property, [&](const LumElement& variant) { value = variantOf(variant); });
+    for (const LumElement* const variant : children<LumElement>(&property)) value = variantOf(*variant);
     return value;
 }
 
@@ -98,13 +91,13 @@ Json valueOf(const LumElement& property) {
 void addHyperLinks(const LumElement& property, Json::Array& links) {
     constexpr int variantsOfLink = 6, target = 4, place = 5;
     int index = 0;
-    forEachElement(&property, [&](const LumElement& vector) {
-        forEachElement(&vector, [&](const LumElement& variant) {
+    for (const LumElement* const vector : children<LumElement>(&property)) {
+        for (const LumElement* const variant : children<LumElement>(vector)) {
             const int which = index++ % variantsOfLink;
-            if (which != target && which != place) return;
-            if (std::string text = textOf(variant); !text.empty()) links.emplace_back(std::move(text));
-        });
-    });
+            if (which != target && which != place) continue;
+            if (std::string text = textOf(*variant); !text.empty()) links.emplace_back(std::move(text));
+        }
+    }
 }
 
 struct Properties {
@@ -126,16 +119,16 @@ Json readPackageProperties(std::istream& in) {
                               custom = loadPart(package, customPart);
     Properties properties, document, user;
     Json::Array links;
-    forEachElement(core->getDocumentElement(), [&](const LumElement& property) {
-        properties.add(toUtf8(property.getLocalName()), valueOf(property));
-    });
-    forEachElement(app->getDocumentElement(), [&](const LumElement& property) {
-        const std::string name = toUtf8(property.getLocalName());
-        name == "HLinks" ? addHyperLinks(property, links) : document.add(name, valueOf(property));
-    });
-    forEachElement(custom->getDocumentElement(), [&](const LumElement& property) {
-        user.add(toUtf8(property.getAttribute(NAME_name).toString()), valueOf(property));
-    });
+    for (const LumElement* const property : children<LumElement>(core->getDocumentElement())) {
+        properties.add(toUtf8(property->getLocalName()), valueOf(*property));
+    }
+    for (const LumElement* const property : children<LumElement>(app->getDocumentElement())) {
+        const std::string name = toUtf8(property->getLocalName());
+        name == "HLinks" ? addHyperLinks(*property, links) : document.add(name, valueOf(*property));
+    }
+    for (const LumElement* const property : children<LumElement>(custom->getDocumentElement())) {
+        user.add(toUtf8(property->getAttribute(NAME_name)), valueOf(*property));
+    }
     return {{"title", properties.texts["title"]},
             {"subject", properties.texts["subject"]},
             {"author", properties.texts["creator"]},
