@@ -1,5 +1,6 @@
 // Reads a document with faults, once up to the first one and once to its end:  errors IN
 // [errors]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <fstream>
@@ -7,18 +8,13 @@
 
 using namespace LumCommon;
 
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
 namespace {
 
 /// Is told every error, with the parser, which knows where it stands.
 void listen(const LumError& error, void* data) {
     const LumXmlParser& parser = *static_cast<const LumXmlParser*>(data);
     std::cout << std::hex << "0x" << error.code << std::dec << " on line " << parser.getLineNumber() << ": "
-              << utf8(error.getMessage()) << '\n';
+              << toUtf8(error.getMessage()) << '\n';
     if (error.code == LumXmlErrorCode::ExpansionLimit) throw error;  // ends the reading
 }
 
@@ -29,7 +25,7 @@ int main(int, char* argv[]) {
         LumPtr<LumDocument> document(new LumDocument);
         document->load(UnicodeString::fromUTF8(argv[1]));
     } catch (const LumError& error) {
-        std::cout << (error.code == LumXmlErrorCode::DuplicateAttribute ? "twice! " : "") << utf8(error.getMessage())
+        std::cout << (error.code == LumXmlErrorCode::DuplicateAttribute ? "twice! " : "") << toUtf8(error.getMessage())
                   << '\n';
     }
 
@@ -42,7 +38,7 @@ int main(int, char* argv[]) {
         while (parser->next() != LumXmlParser::END_DOCUMENT) ++events;
         std::cout << events << " events\n";
     } catch (const LumError& error) {  // what the listener threw, or an input that broke off
-        std::cout << "given up: " << utf8(error.getMessage()) << '\n';
+        std::cout << "given up: " << toUtf8(error.getMessage()) << '\n';
         return 1;
     }
 }

@@ -1,5 +1,6 @@
 // Loads documents from every kind of source:  loading IN
 // [loading]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <fstream>
@@ -8,13 +9,8 @@
 
 using namespace LumCommon;
 
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
 static void tell(const char* source, const LumDocument& document) {
-    std::cout << source << ": " << utf8(document.getDocumentElement()->getNodeName().getString()) << '\n';
+    std::cout << source << ": " << toUtf8(document.getDocumentElement()->getNodeName().getString()) << '\n';
 }
 
 int main(int, char* argv[]) try {
@@ -46,14 +42,14 @@ int main(int, char* argv[]) try {
     while (parser->next() != LumXmlParser::END_DOCUMENT) {
         if (parser->getEventType() != LumXmlParser::START_TAG || parser->getName() != entry) continue;
         part->load();
-        std::cout << "parser: " << utf8(part->getFirstChild()->getText()) << '\n';
+        std::cout << "parser: " << toUtf8(part->getFirstChild()->getText()) << '\n';
     }
 
     // Deferred: the tree is read as far as it is asked for.
     LumPtr<LumDocument> deferred(new LumDocument);
     deferred->setDeferredLoad(true);
     deferred->load(path);
-    std::cout << "deferred: " << utf8(deferred->getDocumentElement()->getFirstChild()->getInnerText()) << '\n';
+    std::cout << "deferred: " << toUtf8(deferred->getDocumentElement()->getFirstChild()->getInnerText()) << '\n';
     deferred->abort();  // the rest is not read
 
     // Into a node of another tree: a fragment, whose children then move to where they belong.
@@ -61,9 +57,9 @@ int main(int, char* argv[]) try {
     document->loadXml(u"<all><one/>and<two/></all>", fragment.get());
     LumNode* const all = fragment->getFirstChild();
     while (LumNode* child = all->getFirstChild()) document->getDocumentElement()->appendChild(child);
-    std::cout << "fragment: " << utf8(document->saveXml(document->getDocumentElement())) << '\n';
+    std::cout << "fragment: " << toUtf8(document->saveXml(document->getDocumentElement())) << '\n';
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [loading]

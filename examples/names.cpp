@@ -1,15 +1,11 @@
 // Names as constants of a program:  names IN
 // [names]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
 
 using namespace LumCommon;
-
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 namespace {
 
@@ -33,12 +29,12 @@ int main(int, char* argv[]) try {
         document->load(UnicodeString::fromUTF8(argv[1]));
         const LumElement* const root = document->getDocumentElement();
         if (root->getLocalName() == names.invoice)
-            std::cout << utf8(root->getAttribute(names.amount).toString()) << '\n';
+            std::cout << toUtf8(root->getAttribute(names.amount).toString()) << '\n';
     }
-    std::cout << utf8(names.invoice.getString()) << ", " << utf8(LumName(NAME_block).getString()) << '\n';
+    std::cout << toUtf8(names.invoice.getString()) << ", " << toUtf8(LumName(NAME_block).getString()) << '\n';
     std::cout << (LumName(u"block") == NAME_block ? "one name" : "two names") << '\n';
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [names]

@@ -1,15 +1,11 @@
 // A document with node classes of its own:  own_classes IN
 // [own_classes]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
 
 using namespace LumCommon;
-
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 namespace {
 
@@ -58,9 +54,9 @@ int main(int, char* argv[]) try {
         item = static_cast<LumNode*>(node);  // asks isA(): null for any other node
         if (item) total += item->getPrice();
     }
-    std::cout << "total " << total << '\n' << utf8(shop->saveXml(shop->getDocumentElement())) << '\n';
+    std::cout << "total " << total << '\n' << toUtf8(shop->saveXml(shop->getDocumentElement())) << '\n';
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [own_classes]

@@ -1,15 +1,11 @@
 // Who keeps what alive:  ownership IN
 // [ownership]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
 
 using namespace LumCommon;
-
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 int main(int, char* argv[]) try {
     LumPtr<LumNode> kept;
@@ -28,9 +24,9 @@ int main(int, char* argv[]) try {
                   << (kept->getParentNode() ? "there" : "null") << '\n';
     }
     // The document is gone. The node lives; new nodes and copies can no longer be made from it.
-    std::cout << utf8(kept->getTypeName()) << " lives\n";
+    std::cout << toUtf8(kept->getTypeName()) << " lives\n";
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [ownership]

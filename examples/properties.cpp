@@ -1,16 +1,12 @@
 // Prints the properties that the user gave a document in a compound file:  properties FILE
 // [properties]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
 #include <variant>
 
 using namespace LumCommon;
-
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 int main(int, char* argv[]) {
     OleCompFile file;
@@ -20,8 +16,8 @@ int main(int, char* argv[]) {
     for (const OleProperty& property : information.readProperties()) {
         if (property.name.isEmpty()) continue;  // a standard property, which has only a number
         const OlePropertyValue::Content& content = property.value.content;
-        std::cout << utf8(property.name) << " of type " << property.value.type;
-        if (const auto* text = std::get_if<UnicodeString>(&content)) std::cout << ": " << utf8(*text);
+        std::cout << toUtf8(property.name) << " of type " << property.value.type;
+        if (const auto* text = std::get_if<UnicodeString>(&content)) std::cout << ": " << toUtf8(*text);
         if (const auto* number = std::get_if<double>(&content)) std::cout << ": " << *number;
         if (const auto* flag = std::get_if<bool>(&content)) std::cout << ": " << (*flag ? "yes" : "no");
         std::cout << '\n';

@@ -1,5 +1,6 @@
 // Opens what references in a document lead to:  resources PACKAGE
 // [resources]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -9,11 +10,6 @@
 
 using namespace LumCommon;
 
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
 class Shelf : public LumUriReferenceResolver {  // what the program has itself; nothing else of http: is opened
     std::istream* getStream(const UnicodeString& uri) override {
         if (uri == u"http://books.example/logo.svg") return new std::istringstream("<svg/>");
@@ -22,7 +18,7 @@ class Shelf : public LumUriReferenceResolver {  // what the program has itself; 
 };
 
 static void show(const LumUri& uri) {
-    std::cout << utf8(uri.toString()) << ": ";
+    std::cout << toUtf8(uri.toString()) << ": ";
     bool isRefused = false;
     const std::unique_ptr<std::istream> in(uri.getStream(nullptr, nullptr, &isRefused));
     if (in) {
@@ -48,7 +44,7 @@ int main(int, char* argv[]) {
 
     const LumDataUri data(u"data:text/plain;base64,SGVsbG8h");
     const UnicodeString letters(data.toString(), data.getDataStart());
-    std::cout << utf8(data.getMediaType()) << ": ";
+    std::cout << toUtf8(data.getMediaType()) << ": ";
     LumUtil::decodeBase64(letters, letters.length(), std::cout);
     std::cout << '\n';
 

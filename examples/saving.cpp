@@ -1,5 +1,6 @@
 // Saves a document in several ways, and shows what is lost:  saving IN OUT
 // [saving]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -7,16 +8,11 @@
 
 using namespace LumCommon;
 
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
 int main(int, char* argv[]) try {
     LumPtr<LumDocument> document(new LumDocument);
     document->load(UnicodeString::fromUTF8(argv[1]));
     document->getSerializer()->setGenerator(UnicodeString());  // no comment that names the program
-    std::cout << utf8(document->saveXml()) << '\n';            // into a string
+    std::cout << toUtf8(document->saveXml()) << '\n';          // into a string
 
     std::ostringstream out;  // into a stream, with what had been lost: a comment and the document type
     document->save(u" by hand ", u"a SYSTEM 'a.dtd'", out, nullptr, u"UTF-8");
@@ -30,12 +26,12 @@ int main(int, char* argv[]) try {
     try {
         document->saveReplacing(UnicodeString::fromUTF8(argv[1]));  // the file stays as it is
     } catch (const LumError& error) {
-        std::cout << utf8(error.getMessage()) << '\n';
+        std::cout << toUtf8(error.getMessage()) << '\n';
     }
     document->removeChild(document->getLastChild());
     document->save(UnicodeString::fromUTF8(argv[2]), nullptr, u"UTF-8", u"order by='hand'");
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [saving]

@@ -1,5 +1,6 @@
 // Strings in and out:  strings IN
 // [strings]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -7,11 +8,6 @@
 #include <string_view>
 
 using namespace LumCommon;
-
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 int main(int, char* argv[]) try {
     LumPtr<LumDocument> document(new LumDocument);
@@ -25,14 +21,14 @@ int main(int, char* argv[]) try {
     root->appendChildText(UnicodeString(view.data(), static_cast<int32_t>(view.size())));
 
     const UnicodeString text = root->getInnerText();
-    std::cout << utf8(text) << ": " << text.length() << " units, " << text.countChar32() << " characters, "
-              << utf8(text).size() << " bytes\n";
-    std::cout << "city is " << utf8(root->getAttribute(LumName(u"city")).toString()) << '\n';
+    std::cout << toUtf8(text) << ": " << text.length() << " units, " << text.countChar32() << " characters, "
+              << toUtf8(text).size() << " bytes\n";
+    std::cout << "city is " << toUtf8(root->getAttribute(LumName(u"city")).toString()) << '\n';
 
     const LumValue absent = root->getAttribute(LumName(u"country"));
-    std::cout << "country is " << (absent.isNull() ? "absent" : utf8(absent.toString())) << '\n';
+    std::cout << "country is " << (absent.isNull() ? "absent" : toUtf8(absent.toString())) << '\n';
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [strings]

@@ -1,15 +1,11 @@
 // Searches a tree, walks it and changes it:  tree IN OUT
 // [tree]
+#include <lumcommon/bridge/LumText.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
 
 using namespace LumCommon;
-
-static std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 int main(int, char* argv[]) try {
     LumPtr<LumDocument> document(new LumDocument);
@@ -31,7 +27,8 @@ int main(int, char* argv[]) try {
     const LumPtr<LumNodeList> items = root->getElementsByTagName(item);
     for (LumNode* node = items->getFirstNode(); node; node = items->getNextNode(node)) {
         LumElement* const element = static_cast<LumElement*>(node);
-        std::cout << utf8(element->getAttribute(NAME_id).toString()) << ": " << utf8(element->getInnerText()) << '\n';
+        std::cout << toUtf8(element->getAttribute(NAME_id).toString()) << ": " << toUtf8(element->getInnerText())
+                  << '\n';
         element->setAttribute(price, LumValue(20));
     }
 
@@ -54,12 +51,12 @@ int main(int, char* argv[]) try {
     const LumNamedNodeMap* const attributes = root->getAttributes();
     for (const LumNode* attribute = attributes->getFirstNode(); attribute;
          attribute = attributes->getNextNode(attribute)) {
-        std::cout << utf8(attribute->getNodeName().getString()) << " = " << utf8(attribute->getText()) << '\n';
+        std::cout << toUtf8(attribute->getNodeName().getString()) << " = " << toUtf8(attribute->getText()) << '\n';
     }
     root->removeAttribute(LumName(u"draft"));
     document->save(UnicodeString::fromUTF8(argv[2]));
 } catch (const LumError& error) {
-    std::cerr << utf8(error.getMessage()) << '\n';
+    std::cerr << toUtf8(error.getMessage()) << '\n';
     return 1;
 }
 // [tree]
