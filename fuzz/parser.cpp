@@ -27,6 +27,8 @@ struct Setting {
     bool defineEntity = false;
     bool isLimited = false;
     bool touchOnlyTags = false;  // an accessor that fills a cache must not change what comes after
+
+    bool refusesExternal() const { return (features >> LumXmlParser::FEATURE_NO_EXTERNAL & 1u) != 0; }
 };
 
 /// The code of the error for expanding entities beyond the limit.
@@ -126,7 +128,7 @@ void askOn(LumXmlParser& parser, Setting setting) {
 }
 
 /// Limits that small documents exceed.
-LumXmlLimits smallLimits() {
+LumXmlLimits smallLimits(const Setting& setting) {
     LumXmlLimits limits;
     limits.depth = limits.attributes = limits.openInputs = limits.externalInputs = 4;
     limits.textUnits = 60;
@@ -135,7 +137,8 @@ LumXmlLimits smallLimits() {
     limits.expansionFactor = 0;  // times the bytes that have been read, which depends on the pieces
     limits.expansionThreshold = 20000;
     limits.externalBytes = 700;
-    limits.totalBytes = 900;
+    // Where there are several inputs it depends on the pieces how far each has been read when their sum is too large.
+    if (setting.refusesExternal()) limits.totalBytes = 900;
     limits.names = 20;
     return limits;
 }
@@ -150,7 +153,7 @@ Digest parse(const Choices& document, const Setting& setting, std::size_t firstP
         parser->setFeature(static_cast<LumXmlParser::Feature>(feature), (setting.features >> feature & 1u) != 0);
     }
     if (setting.isLimited) {
-        parser->setLimits(smallLimits());
+        parser->setLimits(smallLimits(setting));
         parser->setFeature(LumXmlParser::FEATURE_SKIP_EXTERNAL_DTD, true);  // it counts only when it is first read
     }
     Reports reports;
@@ -235,8 +238,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int openedBefore = outside.opened;
     breakOff(input, setting.useTokens);
     const Digest whole = parse(input, setting, size + 1, size + 1, isCostly);
-    const bool refuses = (setting.features >> LumXmlParser::FEATURE_NO_EXTERNAL & 1u) != 0;
-    FUZZ_LAW(!refuses || outside.opened == openedBefore);
+    FUZZ_LAW(!setting.refusesExternal() || outside.opened == openedBefore);
     if (isCostly) return 0;
     FUZZ_LAW(whole == parse(input, setting, firstPiece, secondPiece, isCostly));
     FUZZ_LAW(whole == parse(input, setting, 1, 1, isCostly));

@@ -58,7 +58,8 @@ struct LumXmlLimits {
     /// out of it. Code 0x1843.
     std::uint64_t inflationRatio = off;
     /// Bytes read from all inputs; of a compressed input those that come out of it or, where they are more, its own.
-    /// Code 0x1844.
+    /// Inputs are read ahead in blocks: where there are several, it depends on the blocks how far each had been parsed
+    /// when their sum was too large. Code 0x1844.
     std::uint64_t totalBytes = off;
     /// Time since setInput(), the caller's included. It is looked at whenever bytes are read or an entity is referred
     /// to; it cannot interrupt a stream that never returns. Code 0x1845.
