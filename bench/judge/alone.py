@@ -9,6 +9,8 @@ from results import Result
 TWO_THREADS = [("events", "20M", "FO"), ("tree", "20M", "FO"), ("events", "95K", "FO"), ("tree", "95K", "FO"),
                ("save", "20M", "FO"), ("inflate", "20M", "FO"), ("names", "", "built-in names"), ("names", "", "other names")]
 
+TOOL_KINDS = ("FO", "attributes", "text", "markup")
+
 USES = {"use-events": ("events", "FO", "20M"), "use-tree": ("a tree", "FO", "20M"),
         "use-element": ("every element", "attributes", "95K")}
 
@@ -64,17 +66,20 @@ def cpu_seconds(command):
     return usage.ru_utime + usage.ru_stime
 
 
-def ask_tool(field, files, rounds, tool):
+def ask_tool(field, files, rounds, wanted, tool):
     """`lum events` against the parser alone; the lines that it writes are many times as long as the document."""
-    file = files.document("FO", "20M")
-    contender = field.start("events", file, [OURS])[0]
-    tool_times = []
-    for _ in range(rounds):
-        contender.take_turn("go")
-        tool_times.append(1e9 * cpu_seconds([tool, "events", file]) / file.stat().st_size)
-    contender.stop()
-    yield Result("lum events", "", "20M", "`lum events`", "FO", "ns a byte",
-                 {OURS: tool_times, "parser": contender.times[""]})
+    for kind in TOOL_KINDS:
+        if not wanted("lum events", "20M", kind):
+            continue
+        file = files.document(kind, "20M")
+        contender = field.start("events", file, [OURS])[0]
+        tool_times = []
+        for _ in range(rounds):
+            contender.take_turn("go")
+            tool_times.append(1e9 * cpu_seconds([tool, "events", file]) / file.stat().st_size)
+        contender.stop()
+        yield Result("lum events", "", "20M", "`lum events`", kind, "ns a byte",
+                     {OURS: tool_times, "parser": contender.times[""]})
 
 
 def ask_stream(folder, rounds, megabytes):

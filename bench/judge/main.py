@@ -76,8 +76,7 @@ def measure(options, field, files):
     yield from alone.ask_uses(field, files, options.rounds, is_wanted)
     yield from alone.ask_threads(field, files, options.rounds, is_wanted)
     yield from alone.ask_growth(field, files, options.rounds, is_wanted)
-    if is_wanted("lum events"):
-        yield from alone.ask_tool(field, files, options.rounds, options.folder.parent / "tools/lum/lum")
+    yield from alone.ask_tool(field, files, options.rounds, is_wanted, options.folder.parent / "tools/lum/lum")
     if is_wanted("stream deferred"):
         yield from alone.ask_stream(options.folder, min(options.rounds, 3), options.stream_mb)
     yield from others.ask_icu(options.folder, options.rounds, options.only)
