@@ -9,7 +9,7 @@ using namespace LumCommon;
 
 int main(int, char* argv[]) {
     std::ifstream in(argv[1], std::ios::binary);
-    LumPtr<LumDocument> document(new LumDocument);
+    LumPtr<LumDocument> document = makeLum<LumDocument>();
     document->setConforming(true);  // before it loads
     try {
         document->load(in);

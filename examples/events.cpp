@@ -1,5 +1,6 @@
 // Counts the elements of a document and finds its longest text without building a tree:  events FILE
 // [events]
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
 #include <fstream>
@@ -22,8 +23,7 @@ int main(int, char* argv[]) try {
     std::cout << elements << " elements; the longest text has " << longest << " units and ends on line " << line
               << '\n';
 } catch (const LumError& error) {
-    std::string message;
-    std::cerr << error.getMessage().toUTF8String(message) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [events]

@@ -1,8 +1,9 @@
 // Loads documents from every kind of source:  loading IN
 // [loading]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string_view>
@@ -10,16 +11,19 @@
 using namespace LumCommon;
 
 static void tell(const char* source, const LumDocument& document) {
-    std::cout << source << ": " << toUtf8(document.getDocumentElement()->getNodeName().getString()) << '\n';
+    std::cout << source << ": " << document.getDocumentElement()->getNodeName() << '\n';
 }
 
 int main(int, char* argv[]) try {
-    const UnicodeString path = UnicodeString::fromUTF8(argv[1]);
-    LumPtr<LumDocument> document(new LumDocument);
-    document->load(path);  // a path, or a URI: file:, http:, jar:; compressed with gzip or not
+    const std::filesystem::path path(argv[1]);
+    const LumPtr<LumDocument> document = makeLum<LumDocument>();
+    document->load(path);  // compressed with gzip or not
     tell("file", *document);
 
-    std::ifstream stream(argv[1], std::ios::binary);
+    document->load(pathToUri(path));  // a URI: file:, http:, jar:
+    tell("URI", *document);
+
+    std::ifstream stream(path, std::ios::binary);
     document->setInputOption(u"file:///srv/forms/");  // what relative references are resolved against
     document->load(stream);
     tell("stream", *document);
@@ -33,11 +37,11 @@ int main(int, char* argv[]) try {
     tell("memory", *document);
 
     // From a parser that somebody has begun to read: the content of the element that it stands in.
-    std::ifstream again(argv[1], std::ios::binary);
+    std::ifstream again(path, std::ios::binary);
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     parser->setInput(again, UnicodeString(), UnicodeString());
     const LumName entry(u"entry");
-    LumPtr<LumDocument> part(new LumDocument);
+    const LumPtr<LumDocument> part = makeLum<LumDocument>();
     part->setParser(parser.get());
     while (parser->next() != LumXmlParser::END_DOCUMENT) {
         if (parser->getEventType() != LumXmlParser::START_TAG || parser->getName() != entry) continue;
@@ -46,7 +50,7 @@ int main(int, char* argv[]) try {
     }
 
     // Deferred: the tree is read as far as it is asked for.
-    LumPtr<LumDocument> deferred(new LumDocument);
+    const LumPtr<LumDocument> deferred = makeLum<LumDocument>();
     deferred->setDeferredLoad(true);
     deferred->load(path);
     std::cout << "deferred: " << toUtf8(deferred->getDocumentElement()->getFirstChild()->getInnerText()) << '\n';
@@ -59,7 +63,7 @@ int main(int, char* argv[]) try {
     while (LumNode* child = all->getFirstChild()) document->getDocumentElement()->appendChild(child);
     std::cout << "fragment: " << toUtf8(document->saveXml(document->getDocumentElement())) << '\n';
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [loading]

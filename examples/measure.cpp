@@ -78,9 +78,9 @@ int main(int argc, char* argv[]) try {
     const Counts events = readEvents(argv[1]);
     const double parseSeconds = parse.seconds();
 
-    LumPtr<LumDocument> document(new LumDocument);
+    LumPtr<LumDocument> document = makeLum<LumDocument>();
     Stopwatch load;
-    document->load(UnicodeString::fromUTF8(argv[1]));
+    document->load(std::filesystem::path(argv[1]));
     const double loadSeconds = load.seconds();
 
     Stopwatch walk;
@@ -88,7 +88,7 @@ int main(int argc, char* argv[]) try {
     const double walkSeconds = walk.seconds();
 
     Stopwatch save;
-    document->save(UnicodeString::fromUTF8(argv[2]));
+    document->save(std::filesystem::path(argv[2]));
     const double saveSeconds = save.seconds();
 
     std::printf("events     %10zu\nelements   %10zu\nattributes %10zu\ntexts      %10zu (%zu UTF-16 units)\n\n",

@@ -1,8 +1,9 @@
 // Names as constants of a program:  names IN
 // [names]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
+#include <filesystem>
 #include <iostream>
 
 using namespace LumCommon;
@@ -25,16 +26,15 @@ public:
 int main(int, char* argv[]) try {
     const Names names;
     for (int round = 0; round < 2; ++round) {  // between the rounds there is no document
-        LumPtr<LumDocument> document(new LumDocument);
-        document->load(UnicodeString::fromUTF8(argv[1]));
+        LumPtr<LumDocument> document = makeLum<LumDocument>();
+        document->load(std::filesystem::path(argv[1]));
         const LumElement* const root = document->getDocumentElement();
-        if (root->getLocalName() == names.invoice)
-            std::cout << toUtf8(root->getAttribute(names.amount).toString()) << '\n';
+        if (root->getLocalName() == names.invoice) std::cout << root->getAttribute(names.amount) << '\n';
     }
-    std::cout << toUtf8(names.invoice.getString()) << ", " << toUtf8(LumName(NAME_block).getString()) << '\n';
+    std::cout << names.invoice << ", " << LumName(NAME_block) << '\n';
     std::cout << (LumName(u"block") == NAME_block ? "one name" : "two names") << '\n';
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [names]

@@ -1,6 +1,6 @@
 // Writes numbers as texts.
 // [numbers]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -16,8 +16,8 @@ int main() {
 
     const UnicodeString text(u"\u0413\u043B\u0430\u0432\u0430");
     const LumScript script = LumScript::getScriptFromText(text);
-    std::cout << toUtf8(text) << " is " << toUtf8(script.getScriptCode().getString()) << ", its third page "
+    std::cout << toUtf8(text) << " is " << script.getScriptCode() << ", its third page "
               << toUtf8(LumUtil::formatNumber(3, script.getA())) << '\n';
-    std::cout << LumLang(u"fre-CA").getName() << ' ' << toUtf8(LumScript(u"zh-TW").getScriptCode().getString()) << '\n';
+    std::cout << LumLang(u"fre-CA").getName() << ' ' << LumScript(u"zh-TW").getScriptCode() << '\n';
 }
 // [numbers]

@@ -1,8 +1,10 @@
 // A document with node classes of its own:  own_classes IN
 // [own_classes]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
+#include <lumcommon/bridge/LumRanges.h>
 #include <lumcommon/lumcommon.h>
 
+#include <filesystem>
 #include <iostream>
 
 using namespace LumCommon;
@@ -30,7 +32,7 @@ class Shop : public LumDocument {
 public:
     using LumDocument::createElementNS;  // the other form of the operation stays visible
     LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName prefix, LumName localName) override {
-        if (localName == item_) return LumPtr<LumElement>(new Item(this, namespaceUri, prefix, localName));
+        if (localName == item_) return makeLum<Item>(this, namespaceUri, prefix, localName);
         if (localName == secret_) return nullptr;  // left out, with all that is in it
         return LumDocument::createElementNS(namespaceUri, prefix, localName);
     }
@@ -46,17 +48,14 @@ private:
 }  // namespace
 
 int main(int, char* argv[]) try {
-    LumPtr<LumDocument> shop(new Shop);
-    shop->load(UnicodeString::fromUTF8(argv[1]));
+    const LumPtr<Shop> shop = makeLum<Shop>();
+    shop->load(std::filesystem::path(argv[1]));
     int total = 0;
-    for (LumNodeIterator it = shop->getIterator(); LumNode* node = it.getCurrentNode(); it.nextNode()) {
-        LumPtr<Item> item;
-        item = static_cast<LumNode*>(node);  // asks isA(): null for any other node
-        if (item) total += item->getPrice();
-    }
+    for (const Item* item : descendants<Item>(shop))
+        total += item->getPrice();  // nodes of other classes are passed over
     std::cout << "total " << total << '\n' << toUtf8(shop->saveXml(shop->getDocumentElement())) << '\n';
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [own_classes]

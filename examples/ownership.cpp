@@ -1,8 +1,9 @@
 // Who keeps what alive:  ownership IN
 // [ownership]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
+#include <filesystem>
 #include <iostream>
 
 using namespace LumCommon;
@@ -10,8 +11,8 @@ using namespace LumCommon;
 int main(int, char* argv[]) try {
     LumPtr<LumNode> kept;
     {
-        LumPtr<LumDocument> document(new LumDocument);  // this pointer holds the document, the document its nodes
-        document->load(UnicodeString::fromUTF8(argv[1]));
+        LumPtr<LumDocument> document = makeLum<LumDocument>();  // holds the document, which holds its nodes
+        document->load(std::filesystem::path(argv[1]));
         LumElement* const root = document->getDocumentElement();  // borrowed: lives while the document has it
 
         LumPtr<LumElement> fresh = document->createElement(LumName(u"fresh"));  // ours
@@ -26,7 +27,7 @@ int main(int, char* argv[]) try {
     // The document is gone. The node lives; new nodes and copies can no longer be made from it.
     std::cout << toUtf8(kept->getTypeName()) << " lives\n";
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [ownership]

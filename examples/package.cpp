@@ -1,6 +1,6 @@
 // Prints what kind of office document a package is and where its parts are:  package FILE
 // [package]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -16,7 +16,7 @@ int main(int, char* argv[]) try {
         std::cout << "styles in " << toUtf8(package.getRelationshipTargetFromType(styles, part)) << '\n';
     }
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [package]

@@ -11,7 +11,7 @@ int main(int, char* argv[]) try {
     std::ifstream in(argv[1], std::ios::binary);
     LumPtr<LumXmlParser> parser = LumXmlUtil::createXmlParser();
     parser->setInput(in, UnicodeString(), UnicodeString());
-    LumPtr<LumDocument> piece(new LumDocument);
+    LumPtr<LumDocument> piece = makeLum<LumDocument>();
     piece->setParser(parser.get());
     const LumName item(u"item"), price(u"price");
     int items = 0, total = 0;

@@ -1,6 +1,6 @@
 // Opens what references in a document lead to:  resources PACKAGE
 // [resources]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -18,7 +18,7 @@ class Shelf : public LumUriReferenceResolver {  // what the program has itself; 
 };
 
 static void show(const LumUri& uri) {
-    std::cout << toUtf8(uri.toString()) << ": ";
+    std::cout << uri << ": ";
     bool isRefused = false;
     const std::unique_ptr<std::istream> in(uri.getStream(nullptr, nullptr, &isRefused));
     if (in) {

@@ -1,16 +1,17 @@
 // Saves a document in several ways, and shows what is lost:  saving IN OUT
 // [saving]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
+#include <filesystem>
 #include <iostream>
 #include <sstream>
 
 using namespace LumCommon;
 
 int main(int, char* argv[]) try {
-    LumPtr<LumDocument> document(new LumDocument);
-    document->load(UnicodeString::fromUTF8(argv[1]));
+    LumPtr<LumDocument> document = makeLum<LumDocument>();
+    document->load(std::filesystem::path(argv[1]));
     document->getSerializer()->setGenerator(UnicodeString());  // no comment that names the program
     std::cout << toUtf8(document->saveXml()) << '\n';          // into a string
 
@@ -24,14 +25,14 @@ int main(int, char* argv[]) try {
 
     document->appendChild(document->createElement(LumName(u"not a name")).get());
     try {
-        document->saveReplacing(UnicodeString::fromUTF8(argv[1]));  // the file stays as it is
+        document->saveReplacing(std::filesystem::path(argv[1]));  // the file stays as it is
     } catch (const LumError& error) {
-        std::cout << toUtf8(error.getMessage()) << '\n';
+        std::cout << error << '\n';
     }
     document->removeChild(document->getLastChild());
-    document->save(UnicodeString::fromUTF8(argv[2]), nullptr, u"UTF-8", u"order by='hand'");
+    document->save(std::filesystem::path(argv[2]), nullptr, u"UTF-8", u"order by='hand'");
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [saving]

@@ -3,6 +3,7 @@
 //
 //     stream_large in.xml out.xml
 // [stream_large]
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
 #include <iostream>
@@ -13,7 +14,7 @@ namespace {
 
 /// Returns the number of children of the root element.
 long copy(const UnicodeString& from, const UnicodeString& to) {
-    const LumPtr<LumDocument> document(new LumDocument);
+    const LumPtr<LumDocument> document = makeLum<LumDocument>();
     document->setDeferredLoad(true);
     document->load(from);
     document->saveDocumentElement(to);
@@ -44,8 +45,7 @@ int main(int argc, char** argv) {
         std::cout << count << " children of the root element copied\n";
         return 0;
     } catch (const LumError& error) {
-        std::string message;
-        std::cerr << error.getMessage().toUTF8String(message) << '\n';
+        std::cerr << error << '\n';
         return 1;
     }
 }

@@ -43,7 +43,7 @@ int main(int, char* argv[]) {
     memory.seekg(0);
     std::cout << (countElements(memory) == elements ? "read twice\n" : "?\n");
 
-    LumPtr<LumDocument> document(new LumDocument);
+    LumPtr<LumDocument> document = makeLum<LumDocument>();
     memory.clear();
     memory.seekg(0);
     document->load(memory);
@@ -61,7 +61,7 @@ int main(int, char* argv[]) {
     Notes notes;
     LumCustomStreamBuf source(&notes);
     std::istream in(&source);
-    LumPtr<LumDocument> note(new LumDocument);
+    LumPtr<LumDocument> note = makeLum<LumDocument>();
     note->load(in);
     LumCustomStreamBuf target(&notes);
     std::ostream out(&target);

@@ -1,8 +1,9 @@
 // Strings in and out:  strings IN
 // [strings]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -10,25 +11,27 @@
 using namespace LumCommon;
 
 int main(int, char* argv[]) try {
-    LumPtr<LumDocument> document(new LumDocument);
-    document->load(UnicodeString::fromUTF8(argv[1]));  // a path: bytes of UTF-8
-    LumElement* root = document->getDocumentElement();
+    const LumPtr<LumDocument> document = makeLum<LumDocument>();
+    document->load(std::filesystem::path(argv[1]));
+    LumElement* const root = document->getDocumentElement();
 
-    root->setAttribute(LumName(u"city"), LumValue(u"K\u00F6ln"));  // literals: u"..."
-    const std::string bytes = "\xF0\x9F\x90\x88 cat";              // from UTF-8
-    root->appendChildText(UnicodeString::fromUTF8(bytes));
-    const std::u16string_view view = u", UTF-16";  // from UTF-16 that is somewhere else
-    root->appendChildText(UnicodeString(view.data(), static_cast<int32_t>(view.size())));
+    root->setAttribute(LumName(u"city"), u"K\u00F6ln");  // literals: u"..."
+    const std::string bytes = "\xF0\x9F\x90\x88 cat";    // UTF-8 in a string of the standard library
+    root->appendChildText(toText(bytes));
+    const std::u16string_view view = u", UTF-16";  // UTF-16 that is somewhere else
+    root->appendChildText(toText(view));
+    root->setAttribute(toName("sound"), toText("miaow"));  // a name from UTF-8
 
     const UnicodeString text = root->getInnerText();
-    std::cout << toUtf8(text) << ": " << text.length() << " units, " << text.countChar32() << " characters, "
-              << toUtf8(text).size() << " bytes\n";
-    std::cout << "city is " << toUtf8(root->getAttribute(LumName(u"city")).toString()) << '\n';
+    const std::string back = toUtf8(text);
+    std::cout << back << ": " << text.length() << " units, " << text.countChar32() << " characters, " << back.size()
+              << " bytes\n";
+    std::cout << "city is " << root->getAttribute(LumName(u"city")) << '\n';
 
     const LumValue absent = root->getAttribute(LumName(u"country"));
-    std::cout << "country is " << (absent.isNull() ? "absent" : toUtf8(absent.toString())) << '\n';
+    std::cout << "country is " << (absent.isNull() ? "absent" : toUtf8(absent)) << '\n';
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [strings]

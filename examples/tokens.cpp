@@ -1,6 +1,6 @@
 // Tells every token of a document with its position:  tokens IN
 // [tokens]
-#include <lumcommon/bridge/LumText.h>
+#include <lumcommon/bridge/LumPrint.h>
 #include <lumcommon/lumcommon.h>
 
 #include <fstream>
@@ -17,22 +17,21 @@ int main(int, char* argv[]) try {
         std::cout << parser->getLineNumber() << ':' << parser->getColumnNumber() << ' '
                   << toUtf8(LumXmlParser::getEventTypeStr(token));
         if (token == LumXmlParser::START_TAG) {
-            std::cout << ' ' << toUtf8(parser->getName().getString()) << ", depth " << parser->getDepth();
+            std::cout << ' ' << parser->getName() << ", depth " << parser->getDepth();
             for (int i = 0; i < parser->getAttributeCount(); ++i) {
-                std::cout << ", " << toUtf8(parser->getAttributeName(i).getString()) << '='
-                          << toUtf8(parser->getAttributeValue(i));
+                std::cout << ", " << parser->getAttributeName(i) << '=' << toUtf8(parser->getAttributeValue(i));
             }
         } else if (token == LumXmlParser::END_TAG) {
-            std::cout << ' ' << toUtf8(parser->getName().getString());
+            std::cout << ' ' << parser->getName();
         } else if (token == LumXmlParser::ENTITY_REF) {
-            std::cout << " &" << toUtf8(parser->getName().getString()) << "; is \"" << toUtf8(parser->getText()) << '"';
+            std::cout << " &" << parser->getName() << "; is \"" << toUtf8(parser->getText()) << '"';
         } else if (token != LumXmlParser::TEXT || !parser->isWhitespace()) {
             std::cout << " \"" << toUtf8(parser->getText()) << '"';
         }
         std::cout << '\n';
     }
 } catch (const LumError& error) {
-    std::cerr << toUtf8(error.getMessage()) << '\n';
+    std::cerr << error << '\n';
     return 1;
 }
 // [tokens]

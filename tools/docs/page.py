@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints a page of documentation as doxygen is to read it: scripts/docs has doxygen ask this for each.
 
-    tools/docs/page.py docs/xml.md
+    tools/docs/page.py docs/tree.md
 
 - A type or a member of one in backquotes (`LumValue`, `LumValue::parse()`) becomes a link to its reference; doxygen
   fails on a link to a member that does not exist.
