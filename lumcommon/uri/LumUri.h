@@ -138,8 +138,7 @@ public:
     ///   it is read.
     /// Any other scheme gives null; LumDataUri gives the parts of a data: URI.
     /// @param contentType   receives the media type of an http: resource, and is emptied for a jar: one; may be null.
-    /// @param errorMessage  receives the message of LumUriStreamBuf, "Unknown exception" if something threw, or
-    /// "Refused"
+    /// @param errorMessage  receives the message of LumUriStreamBuf, "Unknown exception" if something threw, "Refused"
     ///                      if the resolver refused it; may be null. Other failures leave it unchanged.
     /// @param isRefused     receives whether the resolver refused it, or the archive that it is in; may be null.
     /// Ownership: the caller deletes the stream. Null on failure.

@@ -32,11 +32,13 @@ struct HttpUrl;
 /// Limits: a response head is at most 64 KiB. Connecting, sending, reading the whole head and each read of the body may
 /// each take as long as getTimeout() says, and all of them together, redirections included, as long as
 /// getTotalTimeout() says. Time that the caller spends between reads does not count. Looking up the name of a host
-/// takes as long as the system's resolver does. Memory: constant, whatever the server sends. Failure: nothing is
-/// thrown. When opening fails, the buffer is closed and getErrorMessage() has the reason. A body that is shorter than
-/// the length that the server announced, a connection that breaks and a read that takes too long all end the reading;
-/// hasFailed() and the badbit of a LumUriStream then tell so. SIGPIPE is never raised. Threads: one at a time; any
-/// number of buffers can be open at once.
+/// takes as long as the system's resolver does.
+///
+/// Failure: nothing is thrown. When opening fails, the buffer is closed and getErrorMessage() has the reason. A body
+/// that is shorter than the length that the server announced, a connection that breaks and a read that takes too long
+/// all end the reading; hasFailed() and the badbit of a LumUriStream then tell so. SIGPIPE is never raised.
+///
+/// Memory: constant, whatever the server sends.   Threads: one at a time; any number of buffers can be open at once.
 class LUM_API LumUriStreamBuf : public LumRefillStreamBuf {
 public:
     /// What setTimeout() has for values that are not positive: half a minute.
