@@ -59,25 +59,25 @@ public:
     /// The first element child; null when there is none. May load.
     virtual LumElement* getDocumentElement() const;
     /// A qualified name is split at its first ":", unless that is its first character.
-    virtual LumPtr<LumElement> createElement(LumName qualifiedName);
+    [[nodiscard]] virtual LumPtr<LumElement> createElement(LumName qualifiedName);
     /// An element that stores its namespace; the name is split as by createElement().
-    virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName qualifiedName);
+    [[nodiscard]] virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName qualifiedName);
     /// The same with prefix and local name apart; a null prefix is none.
-    virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName prefix, LumName localName);
+    [[nodiscard]] virtual LumPtr<LumElement> createElementNS(LumName namespaceUri, LumName prefix, LumName localName);
     /// A text node that belongs to no tree yet.
-    virtual LumPtr<LumTextNode> createTextNode(const UnicodeString& text);
+    [[nodiscard]] virtual LumPtr<LumTextNode> createTextNode(const UnicodeString& text);
     /// @param content  everything between "<?" and "?>".
-    virtual LumPtr<LumPINode> createProcessingInstruction(const UnicodeString& content);
+    [[nodiscard]] virtual LumPtr<LumPINode> createProcessingInstruction(const UnicodeString& content);
     /// An empty holder of nodes.
-    virtual LumPtr<LumDocumentFragment> createDocumentFragment();
+    [[nodiscard]] virtual LumPtr<LumDocumentFragment> createDocumentFragment();
     /// An attribute without a value that belongs to no element yet; the name is split as by createElement().
-    virtual LumPtr<LumAttr> createAttribute(LumName qualifiedName);
+    [[nodiscard]] virtual LumPtr<LumAttr> createAttribute(LumName qualifiedName);
     /// The same with a namespace that it stores.
-    virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName qualifiedName);
+    [[nodiscard]] virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName qualifiedName);
     /// The same with prefix and local name apart; a null prefix is none.
-    virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName prefix, LumName localName);
+    [[nodiscard]] virtual LumPtr<LumAttr> createAttributeNS(LumName namespaceUri, LumName prefix, LumName localName);
     /// The node for a text below `parent`; null drops the text.
-    virtual LumPtr<LumNode> createTextNodeElement(const UnicodeString& text, LumNode* parent);
+    [[nodiscard]] virtual LumPtr<LumNode> createTextNodeElement(const UnicodeString& text, LumNode* parent);
     /// A copy of a node of any document, made by the factory operations of this one, which does not hold it yet:
     ///
     ///     document->getDocumentElement()->appendChild(document->importNode(*other->getDocumentElement(), true).get());

@@ -46,7 +46,7 @@ public:
     /// complete copy while at most 100 deep copies are nested. In elements further in it gets a copy that has no
     /// children yet; they are inserted after the override has returned, before whatever it has added. So the use of the
     /// stack is bounded, and the outermost caller gets a complete copy at any depth.
-    LumPtr<LumNode> cloneNode(bool deep) const override;
+    [[nodiscard]] LumPtr<LumNode> cloneNode(bool deep) const override;
     /// -1 until set; the loader sets the position of the start tag.
     int getSourceLineNumber() const override;
     void setSourceLineNumber(int line) override;

@@ -111,7 +111,7 @@ public:
     virtual bool hasAttributes() const;
     /// A copy made through the factory operations of the owner document; null where a node cannot be copied. A derived
     /// class may copy differently; LumElement::cloneNode says what it can rely on.
-    virtual LumPtr<LumNode> cloneNode(bool deep) const;
+    [[nodiscard]] virtual LumPtr<LumNode> cloneNode(bool deep) const;
 
     /// Namespace lookups by the rules of DOM level 3.   Cost: linear in the depth and the attributes met.
     virtual LumName lookupPrefix(LumName namespaceUri) const;

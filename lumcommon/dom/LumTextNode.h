@@ -39,7 +39,7 @@ public:
     /// Replaces the text. Failure: std::bad_alloc; the old one stays then.
     void setText(const UnicodeString& text) override;
     /// What the owner document's createTextNode() returns for the same text, null included.
-    LumPtr<LumNode> cloneNode(bool deep) const override;
+    [[nodiscard]] LumPtr<LumNode> cloneNode(bool deep) const override;
 
     /// The length of the text in UTF-16 code units.
     virtual int getLength() const;
