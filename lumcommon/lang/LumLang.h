@@ -33,9 +33,8 @@ extern LUM_API const ISO639Bibliographic s_ISO639Bibliographic;
 /// Equality is that of the locale. The order (operator<) compares the language alone, so that a map keyed by LumLang
 /// finds the entry for "sv" when asked for "sv-SE".
 ///
-/// Failure: nothing is thrown but std::bad_alloc. ICU takes most texts as they stand, so that "!!" is a language of that
-/// name; what it refuses, such as a tag that is too long, gives the empty language.
-/// Threads: a value.
+/// Failure: nothing is thrown but std::bad_alloc. ICU takes most texts as they stand, so that "!!" is a language of
+/// that name; what it refuses, such as a tag that is too long, gives the empty language. Threads: a value.
 class LUM_API LumLang : public icu::Locale {
 public:
     /// The empty language (not ICU's default locale).

@@ -68,6 +68,11 @@ TEST(LumXmlParserEncoding, isThatOfTheDeclarationOrTheCallerWhereTheBytesLeaveIt
     const ParserSetup builtinOnly{.features = readSetup("ignore-encoding builtin-only").features, .encoding = "EUC-JP"};
     expectParserError(0x1835, "Unknown or unsupported encoding: EUC-JP.", "START_DOCUMENT.",
                       [&] { readUpTo(0, "<a/>", builtinOnly, wholeInput); });
+    // A section that is passed over leaves the document at its start.
+    for (const std::size_t pieceBytes : readSizes) {
+        EXPECT_EQ(readUpTo(2, "<![x[]]><?xml version='1.0' encoding='ISO-8859-1'?><a>\xC3\xA9</a>", {}, pieceBytes),
+                  "ISO-8859-1 TEXT 1 \"\\u00C3\\u00A9\"");
+    }
     // A first byte that begins no mark and no "<" leaves the encoding open: bytes are characters.
     EXPECT_EQ(readUpTo(2, " <a>\xC3\xA9</a>", {}, wholeInput), " TEXT 1 \"\\u00C3\\u00A9\"");
 }

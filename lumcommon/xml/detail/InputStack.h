@@ -179,6 +179,10 @@ public:
 
     /// The input being read, whatever replacement texts lie on it; null when none is open.
     XmlInput* current() const noexcept;
+    /// No XML declaration can come any more in the input that is read.
+    void unleash() noexcept {
+        if (topStream_) topStream_->unleash();
+    }
     const UnicodeString& encodingName() const noexcept;
     const UnicodeString& systemId() const noexcept;
     const UnicodeString& baseUri() const noexcept;

@@ -104,6 +104,7 @@ MarkupReader::Declaration MarkupReader::readDeclaration() {
             inputs_.unreadChar(c);
             errors_.report(XmlError::CDataSyntax);
         }
+        inputs_.unleash();
         readCData();
         return Declaration::Event;
     }
@@ -113,12 +114,16 @@ MarkupReader::Declaration MarkupReader::readDeclaration() {
             inputs_.unreadChar(c);
             errors_.report(XmlError::CommentSyntax);
         }
+        inputs_.unleash();
         readComment();
         return Declaration::Event;
     }
     inputs_.unreadChar(c);
     const LumName name = names_.readNCName();
-    if (name == NAME_DOCTYPE) return Declaration::DocType;
+    if (name == NAME_DOCTYPE) {
+        inputs_.unleash();
+        return Declaration::DocType;
+    }
     errors_.report(XmlError::MarkupDecl, name.getString());
     return Declaration::Passed;
 }

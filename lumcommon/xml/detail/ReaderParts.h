@@ -77,8 +77,9 @@ struct ReaderParts {
         inputs.start();
         XmlInput& input = *inputs.current();
         declarations.detectEncoding(input);
-        if (markup.lookAhead() == TokenKind::Instruction) markup.readInstruction();
-        input.unleash();
+        const TokenKind first = markup.lookAhead();
+        if (first == TokenKind::Instruction) markup.readInstruction();
+        if (first != TokenKind::Declaration) input.unleash();  // what is none leaves room for an XML declaration
     }
 
 private:
