@@ -5,6 +5,7 @@
 #include <lumcommon/lumcommon.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 
 using namespace LumCommon;

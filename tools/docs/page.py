@@ -2,6 +2,7 @@
 """Prints a page of documentation as doxygen is to read it: scripts/docs has doxygen ask this for each.
 
     tools/docs/page.py docs/tree.md
+    tools/docs/page.py --order          prints the names of all guides in the order in which README.md lists them
 
 - A type or a member of one in backquotes (`LumValue`, `LumValue::parse()`) becomes a link to its reference; doxygen
   fails on a link to a member that does not exist.
@@ -27,6 +28,14 @@ def types():
     headers = (file for file in (ROOT / "lumcommon").rglob("*.h")
                if "detail" not in file.parts and not file.name.endswith("Impl.h"))
     return {name for header in headers for name in TYPE.findall(header.read_text(encoding="utf-8"))} - {"LumCommon"}
+
+
+def guides():
+    """All guides but the main page, in the order in which README.md lists them; any others come last."""
+    listed = re.findall(r"\]\(docs/([\w-]+\.md)\)", (ROOT / "README.md").read_text(encoding="utf-8"))
+    order = {name: place for place, name in reversed(list(enumerate(listed)))}
+    return sorted((file for file in MAIN.parent.glob("*.md") if file != MAIN),
+                  key=lambda file: (order.get(file.name, len(listed)), file.name))
 
 
 def guide_line(page):
@@ -79,8 +88,7 @@ def with_anchors(page, line):
 def page_text(page):
     text = page.read_text(encoding="utf-8")
     if page == MAIN:
-        guides = sorted(file for file in page.parent.glob("*.md") if file != MAIN)
-        text = text.replace(GUIDES, "\n".join(map(guide_line, guides)))
+        text = text.replace(GUIDES, "\n".join(map(guide_line, guides())))
     elif page == ROOT / "README.md":
         text = text.replace("# LumCommon\n", "# Overview\n", 1)
     known = types()
@@ -102,4 +110,7 @@ def page_text(page):
 
 if __name__ == "__main__":
     sys.stdout.reconfigure(encoding="utf-8")
-    sys.stdout.write(page_text(pathlib.Path(sys.argv[1]).resolve()))
+    if sys.argv[1] == "--order":
+        print(*(guide.relative_to(ROOT) for guide in guides()))
+    else:
+        sys.stdout.write(page_text(pathlib.Path(sys.argv[1]).resolve()))
