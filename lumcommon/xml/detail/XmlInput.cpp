@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace LumCommon::detail {
@@ -176,19 +177,21 @@ bool XmlInput::refill(XmlCursor& cursor) {
             std::min<std::size_t>(putBackUnits, static_cast<std::size_t>(cursor.cur - window_.get()));
         std::memmove(base - kept, cursor.cur - kept, kept * sizeof(char16_t));
     }
-    decoder_.hasSurrogates = false;
     char16_t* to = base;
     char16_t* const toEnd = base + windowUnits;
+    decoder_.hasSurrogates = heldLead_ != 0;
+    if (heldLead_ != 0) *to++ = std::exchange(heldLead_, u'\0');
+    const auto hasTooLittle = [&] { return to == base || (to == base + 1 && U16_IS_LEAD(*base)); };
     do {
         const unsigned char* from = bytes_.get() + byteStart_;
         const unsigned char* const fromEnd = bytes_.get() + byteEnd_;
         if (from != fromEnd) decoder_.decode(from, fromEnd, isAtEnd_, to, toEnd, isLeashed_);
         byteStart_ = static_cast<std::size_t>(from - bytes_.get());
-    } while (to == base && (fillBytes() || byteStart_ != byteEnd_));
+    } while (hasTooLittle() && (fillBytes() || byteStart_ != byteEnd_));
+    // The halves of a pair may come one by one; the window does not end between them.
+    if (to > base + 1 && U16_IS_LEAD(to[-1])) heldLead_ = *--to;
     counted_ = base;
     feedsEnd_ = nullptr;
-    // Halves of a pair that came one by one are one character, wherever the window ends.
-    if (to != base && U16_IS_TRAIL(*base) && U16_IS_LEAD(base[-1])) --position_.column;
     cursor = {base, to, base};
     if (decoder_.isStrict) endAtInvalid(cursor, to);
     return cursor.end != base;

@@ -117,7 +117,8 @@ private:
     UnicodeString givenCharset_;  // what convertFrom() was asked for before the first byte
     bool isDetected_ = false;     // detectEncoding() has looked at the first bytes
     bool isLeashed_ = true;
-    bool isAtEnd_ = false;  // the stream has no more bytes
+    char16_t heldLead_ = u'\0';  // decoded, and for the next window
+    bool isAtEnd_ = false;       // the stream has no more bytes
     bool hasFailed_ = false;
     bool isAtInvalid_ = false;
     const char16_t* decodedEnd_ = nullptr;  // of the window while it has ended early
