@@ -12,7 +12,7 @@ TWO_THREADS = [("events", "20M", "FO"), ("tree", "20M", "FO"), ("events", "95K",
 TOOL_KINDS = ("FO", "attributes", "text", "markup")
 
 USES = {"use-events": ("events", "FO", "20M"), "use-tree": ("a tree", "FO", "20M"),
-        "use-element": ("every element", "attributes", "95K")}
+        "use-walk": ("all nodes of a tree", "FO", "20M"), "use-element": ("every element", "attributes", "95K")}
 
 
 def ask_uses(field, files, rounds, wanted):

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lumcommon/bridge/LumRanges.h>
 #include <lumcommon/lumcommon.h>
 
 #include "contest/Contender.h"
@@ -144,6 +145,53 @@ struct GetLocalName {
     void operator()(const lum::LumElement& element) const { use(element.getLocalName().getEnum()); }
 };
 
+/// A loaded document, all nodes of which Way meets.
+template <class Way>
+class MeetNodes {
+public:
+    explicit MeetNodes(const Input& input) : document_(new lum::LumDocument) {
+        MemoryInput in(input.bytes);
+        document_->load(in);
+    }
+    std::size_t operator()() const {
+        std::size_t elements = 0;
+        Way()(*document_, [&](const lum::LumNode& node) { elements += node.isElementNode(); });
+        return elements;
+    }
+
+private:
+    lum::LumPtr<lum::LumDocument> document_;
+};
+
+struct ByIterator {
+    void operator()(const lum::LumNode& root, const auto& meet) const {
+        for (lum::LumNodeIterator it = root.getIterator(); it.getCurrentNode(); it.nextNode()) {
+            meet(*it.getCurrentNode());
+        }
+    }
+};
+struct BySiblings {
+    void operator()(const lum::LumNode& root, const auto& meet) const {
+        for (const lum::LumNode* child = root.getFirstChild(); child; child = child->getNextSibling()) {
+            meet(*child);
+            (*this)(*child, meet);
+        }
+    }
+};
+struct ByChildren {
+    void operator()(const lum::LumNode& root, const auto& meet) const {
+        for (const lum::LumNode* child : lum::children(&root)) {
+            meet(*child);
+            (*this)(*child, meet);
+        }
+    }
+};
+struct ByDescendants {
+    void operator()(const lum::LumNode& root, const auto& meet) const {
+        for (const lum::LumNode* node : lum::descendants(&root)) meet(*node);
+    }
+};
+
 /// The ways that docs/performance.md compares; of each question, the first one is what the others are measured against.
 inline std::vector<Entry> useEntries() {
     return {
@@ -154,6 +202,10 @@ inline std::vector<Entry> useEntries() {
         {"use-events", "next(), position of every event", make<UseTrial<ReadEvents<AskForPositions>>>},
         {"use-tree", "load, then walk", make<UseTrial<LoadAndWalk<false>>>},
         {"use-tree", "deferred load, as the walk goes", make<UseTrial<LoadAndWalk<true>>>},
+        {"use-walk", "getFirstChild() and getNextSibling()", make<UseTrial<MeetNodes<BySiblings>>>},
+        {"use-walk", "LumNodeIterator", make<UseTrial<MeetNodes<ByIterator>>>},
+        {"use-walk", "children()", make<UseTrial<MeetNodes<ByChildren>>>},
+        {"use-walk", "descendants()", make<UseTrial<MeetNodes<ByDescendants>>>},
         {"use-element", "a walk with LumNodeIterator", make<UseTrial<VisitElements<Nothing>>>},
         {"use-element", "and getLocalName()", make<UseTrial<VisitElements<GetLocalName>>>},
         {"use-element", "and getNodeName()", make<UseTrial<VisitElements<GetNodeName>>>},
