@@ -65,3 +65,6 @@ requires requires(const Value& value) {
 [[nodiscard]] LUM_API std::filesystem::path uriToPath(const UnicodeString& uri);
 
 }  // namespace LumCommon
+
+/// A short name: `lum::pathToUri(path)`.
+namespace lum = LumCommon;

@@ -35,7 +35,7 @@ TEST(Paths, nameFilesWhateverIsInThem) {
         const std::filesystem::path path = std::filesystem::path(folder.getPath()) / name;
         document->loadXml(u"<first/>");
         document->save(path);
-        EXPECT_EQ(uriToPath(pathToUri(path)), path);
+        EXPECT_EQ(uriToPath(lum::pathToUri(path)), path);
         ASSERT_TRUE(std::filesystem::exists(path));
         document->loadXml(u"<second/>");
         document->saveReplacing(path);

@@ -11,7 +11,7 @@
 #include <iostream>
 #include <memory>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -67,4 +67,4 @@ Command makeCatCommand() {
                        "A file, a file:, http:, jar: or data: URI, or - for standard input", run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -8,7 +8,7 @@
 #include <charconv>
 #include <cstdio>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using LumCommon::LumColor;
@@ -71,4 +71,4 @@ Command makeColorCommand() {
     return makeCommand("color", "Parse the text of a property as a colour and print it as JSON", describe, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

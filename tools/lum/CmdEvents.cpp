@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -134,4 +134,4 @@ Command makeEventsCommand() {
     return makeCommand("events", "Print the events of the XML parser, one JSON object per event", describe, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

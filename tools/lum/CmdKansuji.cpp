@@ -3,7 +3,7 @@
 #include "Command.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -37,4 +37,4 @@ Command makeKansujiCommand() {
     return makeCommand("kansuji", "Convert the digits of a text to Japanese numerals", describe, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -11,7 +11,7 @@
 #include "Output.h"
 #include "Words.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -81,4 +81,4 @@ Command makeKindCommand() {
     return makeCommand("kind", "Print what kind of file this is, as JSON", "file", fileHelp, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -6,7 +6,7 @@
 #include "Language.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -55,4 +55,4 @@ Command makeScriptCommand() {
                        "A script code, a language tag, or text in the script", printScript);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -4,7 +4,7 @@
 #include "Command.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using LumCommon::LumNamedValue;
@@ -67,4 +67,4 @@ Command makeLinkCommand() {
     return makeCommand("link", "Print the items of a link or destination as JSON", describe, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -4,7 +4,7 @@
 #include "Command.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -21,4 +21,4 @@ Command makeNameCommand() {
     return makeCommand("name", "Print the identifier of a name as JSON", "string", "The string of the name", run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -7,7 +7,7 @@
 #include <charconv>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -53,4 +53,4 @@ Command makeNumberCommand() {
     return makeCommand("number", "Print formatted page or list numbers, one per line", describe, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

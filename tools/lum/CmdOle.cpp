@@ -9,7 +9,7 @@
 #include "Progress.h"
 #include "Words.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -92,4 +92,4 @@ Command makeOleCommand() {
              makeCommand("cat", "Write the bytes of a stream", describeStream, cat)}};
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -6,7 +6,7 @@
 #include "Output.h"
 #include "Words.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -43,4 +43,4 @@ Command makeValueCommand() {
     return makeCommand("value", "Print the value of a property's text as JSON", "text", textHelp, printValue);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -13,7 +13,7 @@
 #include <cstdio>
 #include <set>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -160,4 +160,4 @@ Command makePropsCommand() {
     return makeCommand("props", "Print the properties of an office document as JSON", "file", fileHelp, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -3,7 +3,7 @@
 #include "Command.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using LumCommon::LumUri;
@@ -26,4 +26,4 @@ void run(const Arguments& arguments) {
 
 Command makeResolveCommand() { return makeCommand("resolve", "Resolve a reference against a base URI", describe, run); }
 
-}  // namespace lum
+}  // namespace LumTool

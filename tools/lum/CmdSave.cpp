@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -120,4 +120,4 @@ void run(const Arguments& arguments) {
 
 Command makeSaveCommand() { return makeCommand("save", "Load a document and save it again", describe, run); }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -16,7 +16,7 @@
 #include <tuple>
 #include <unordered_map>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -211,4 +211,4 @@ void run(const Arguments& arguments) {
 
 Command makeStatsCommand() { return makeCommand("stats", "Count what is in an XML document", describe, run); }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -101,4 +101,4 @@ Command makeTreeCommand() {
     return makeCommand("tree", "Print an XML document as an indented tree with the kinds of its values", describe, run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -3,7 +3,7 @@
 #include "Command.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 void run() { printLine(std::to_string(LumCommon::getLibVersion())); }
@@ -12,4 +12,4 @@ void run() { printLine(std::to_string(LumCommon::getLibVersion())); }
 
 Command makeVersionCommand() { return makeCommand("version", "Print the version of the library", run); }
 
-}  // namespace lum
+}  // namespace LumTool

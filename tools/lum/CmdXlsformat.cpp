@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using LumCommon::XlsFormat;
@@ -63,4 +63,4 @@ Command makeXlsformatCommand() {
                        run);
 }
 
-}  // namespace lum
+}  // namespace LumTool

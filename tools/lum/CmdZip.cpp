@@ -9,7 +9,7 @@
 
 #include <iostream>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using namespace LumCommon;
@@ -74,4 +74,4 @@ Command makeZipCommand() {
              makeCommand("cat", "Write the bytes of a member", describeMember, cat)}};
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 
 /// Declares the arguments of a command. Each call names one argument and the variable that receives it; the variable's
 /// initial value is the default. Positional arguments come in the order of the calls.
@@ -84,4 +84,4 @@ public:
 /// Failure: whatever the command throws. Bad usage is reported on standard error, then thrown as UsageError.
 bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands);
 
-}  // namespace lum
+}  // namespace LumTool

@@ -14,7 +14,7 @@
 #include <fstream>
 #include <iostream>
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -98,4 +98,4 @@ std::unique_ptr<std::istream> openInput(const std::string& file) {
     return seekable;
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace lum {
+namespace LumTool {
 
 /// The URI of what a command line names. If there is a file with exactly this path, its URI, so that its name is not
 /// decoded ("a%20b.xls") and references relative to the document are found; otherwise the argument itself.
@@ -43,4 +43,4 @@ void withReasons(const std::string& file, const std::function<void()>& work);
 /// Failure: ExplainedError 0x1003.
 std::unique_ptr<std::istream> openInput(const std::string& file);
 
-}  // namespace lum
+}  // namespace LumTool

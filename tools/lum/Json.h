@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 
 /// A JSON value. `Json{{"id", 3}, {"tags", Json::Array{}}}` is an object whose members keep their order.
 class Json {
@@ -45,4 +45,4 @@ private:
     Value value_;
 };
 
-}  // namespace lum
+}  // namespace LumTool

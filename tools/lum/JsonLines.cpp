@@ -15,7 +15,7 @@
 #include "Json.h"
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -190,4 +190,4 @@ char* JsonLines::handOver(char* end) {
     return next_;
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace lum {
+namespace LumTool {
 
 /// Lines of JSON for standard output, written piece by piece, where a Json for each line would cost too much. What is
 /// written is what printJson() writes.
@@ -145,4 +145,4 @@ private:
     std::size_t replaced_ = 0;
 };
 
-}  // namespace lum
+}  // namespace LumTool

@@ -14,7 +14,7 @@
 #include "Output.h"
 #include "Pages.h"
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using nlohmann::ordered_json;
@@ -196,4 +196,4 @@ bool runCommandLine(int argc, char** argv, const std::vector<Command>& commands)
     }
 }
 
-}  // namespace lum
+}  // namespace LumTool

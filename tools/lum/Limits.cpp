@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string_view>
 
-namespace lum {
+namespace LumTool {
 
 using LumCommon::LumXmlLimits;
 
@@ -73,4 +73,4 @@ const char* findLimitName(unsigned code) {
     return nullptr;
 }
 
-}  // namespace lum
+}  // namespace LumTool

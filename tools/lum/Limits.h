@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 
 /// Declares --limit NAME=VALUE of a command that reads XML.
 void addLimitOptions(Syntax& syntax, std::vector<std::string>& limits);
@@ -17,4 +17,4 @@ LumCommon::LumXmlLimits readLimits(const std::vector<std::string>& limits, LumCo
 /// The name of the limit that an error tells of; null for other errors.
 const char* findLimitName(unsigned code);
 
-}  // namespace lum
+}  // namespace LumTool

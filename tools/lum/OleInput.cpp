@@ -2,7 +2,7 @@
 
 #include "Input.h"
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -11,4 +11,4 @@ OleInput::OleInput(const std::string& file) : in_(openInput(file)), io_(in_.get(
     if (!file_.OLEopen(&io_)) failBecause(file + " is no compound file", whatElse(*in_));
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-namespace lum {
+namespace LumTool {
 
 /// A compound file and the stream that it is read from.
 class OleInput {
@@ -27,4 +27,4 @@ private:
     LumCommon::OleCompFile file_;
 };
 
-}  // namespace lum
+}  // namespace LumTool

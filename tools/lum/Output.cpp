@@ -7,7 +7,7 @@
 #include <iostream>
 #include <new>
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -60,4 +60,4 @@ void flushOutput() {
 
 void flushOutputQuietly() { std::cout.flush(); }
 
-}  // namespace lum
+}  // namespace LumTool

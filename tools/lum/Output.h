@@ -10,7 +10,7 @@
 
 #include "Json.h"
 
-namespace lum {
+namespace LumTool {
 
 using LumCommon::toUtf8;
 
@@ -33,4 +33,4 @@ void flushOutput();
 /// Flushes standard output and ignores failures.
 void flushOutputQuietly();
 
-}  // namespace lum
+}  // namespace LumTool

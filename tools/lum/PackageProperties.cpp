@@ -11,7 +11,7 @@
 
 #include "Output.h"
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -139,4 +139,4 @@ Json readPackageProperties(std::istream& in) {
             {"hyperlinks", links}};
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -4,7 +4,7 @@
 
 #include "Json.h"
 
-namespace lum {
+namespace LumTool {
 
 /// The properties of a package of Office Open XML, as `lum props` prints them: those of docProps/core.xml under
 /// "properties", of app.xml under "document", of custom.xml under "user". A part that is missing has none.
@@ -13,4 +13,4 @@ namespace lum {
 /// document.
 Json readPackageProperties(std::istream& in);
 
-}  // namespace lum
+}  // namespace LumTool

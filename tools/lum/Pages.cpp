@@ -6,7 +6,7 @@
 #include <array>
 #include <string_view>
 
-namespace lum {
+namespace LumTool {
 namespace {
 
 using Argument = CommandPage::Argument;
@@ -259,4 +259,4 @@ std::string toZshCompletion(const CommandPage& tool) {
     return text + '_' + tool.name + " \"$@\"\n";
 }
 
-}  // namespace lum
+}  // namespace LumTool

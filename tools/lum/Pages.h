@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 
 /// What the help of a command says, taken apart: pages that are made from it cannot promise anything else.
 struct CommandPage {
@@ -26,4 +26,4 @@ std::string toManualPage(const CommandPage& tool);
 std::string toBashCompletion(const CommandPage& tool);
 std::string toZshCompletion(const CommandPage& tool);
 
-}  // namespace lum
+}  // namespace LumTool

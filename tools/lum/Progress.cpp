@@ -13,7 +13,7 @@
 #include <mutex>
 #include <thread>
 
-namespace lum {
+namespace LumTool {
 
 namespace {
 
@@ -111,4 +111,4 @@ Progress::Progress(const std::string& file, Output output) {
 
 Progress::~Progress() = default;
 
-}  // namespace lum
+}  // namespace LumTool

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-namespace lum {
+namespace LumTool {
 
 /// While it lives, and once two seconds have passed, tells a terminal at standard error how much of a file has been
 /// read, how fast, and how long the rest will take. Silent where standard error is no terminal, or where what the
@@ -27,4 +27,4 @@ private:
     std::unique_ptr<Watcher> watcher_;
 };
 
-}  // namespace lum
+}  // namespace LumTool

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace lum {
+namespace LumTool {
 
 bool isColored() {
     static const bool isAsked = [] {
@@ -48,4 +48,4 @@ std::string harmless(std::string_view text) {
     return shown;
 }
 
-}  // namespace lum
+}  // namespace LumTool

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace lum {
+namespace LumTool {
 
 /// How text looks on a terminal.
 enum class Look { ELEMENT, ATTRIBUTE, TEXT, TYPE };
@@ -17,4 +17,4 @@ std::string swatchOf(unsigned rgb);
 /// The text with its control characters as escapes of JSON, so that a document cannot command the terminal.
 std::string harmless(std::string_view text);
 
-}  // namespace lum
+}  // namespace LumTool

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <span>
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -125,4 +125,4 @@ std::string typeOf(const LumValue& value) {
     }
 }
 
-}  // namespace lum
+}  // namespace LumTool

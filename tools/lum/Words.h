@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace lum {
+namespace LumTool {
 
 /// The words that stand beside the library's numbers. "unknown" for a number without one.
 std::string_view wordOfKind(LumCommon::LumValueKind kind);
@@ -19,4 +19,4 @@ std::string_view wordOfZipMethod(int method);  ///< LumZipFileEntry
 /// What a property's value is, for readers: "length in pt", "integer", "percentage", "colour", "name".
 std::string typeOf(const LumCommon::LumValue& value);
 
-}  // namespace lum
+}  // namespace LumTool

@@ -10,7 +10,7 @@
 #include <iostream>
 #include <iterator>
 
-namespace lum {
+namespace LumTool {
 
 using namespace LumCommon;
 
@@ -84,4 +84,4 @@ void XmlSource::load(LumDocument& document) const {
     }
 }
 
-}  // namespace lum
+}  // namespace LumTool

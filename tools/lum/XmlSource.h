@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace lum {
+namespace LumTool {
 
 /// The options of a command that reads an XML document.
 struct XmlSource {
@@ -30,4 +30,4 @@ struct XmlSource {
 /// What help says of --feature: the names and numbers of all features.
 const char* featureHelp();
 
-}  // namespace lum
+}  // namespace LumTool

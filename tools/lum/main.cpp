@@ -13,11 +13,11 @@
 #include <new>
 #include <string>
 
-namespace lum {
+namespace LumTool {
 #define LUM_COMMAND(name) Command make##name##Command();
 #include "Commands.inc"
 #undef LUM_COMMAND
-}  // namespace lum
+}  // namespace LumTool
 
 namespace {
 
@@ -28,7 +28,7 @@ constexpr int exitUsage = 2;
 /// means. Empty for other errors.
 std::string reasonOf(unsigned code, const std::string& known) {
     if (!known.empty()) return known;
-    if (const char* const limit = lum::findLimitName(code)) return "limit " + std::string(limit);
+    if (const char* const limit = LumTool::findLimitName(code)) return "limit " + std::string(limit);
     const char* const cause = LumCommon::LumXmlErrorCode::getCause(code);
     return cause ? cause : "";
 }
@@ -36,25 +36,25 @@ std::string reasonOf(unsigned code, const std::string& known) {
 int report(const LumCommon::LumError& error, const std::string& known = {}) {
     const unsigned code = error.code;
     const std::string reason = reasonOf(code, known), note = reason.empty() ? "" : " (" + reason + ")";
-    std::fprintf(stderr, "lum: error 0x%04X: %s%s\n", code, lum::toUtf8(error.getMessage()).c_str(), note.c_str());
+    std::fprintf(stderr, "lum: error 0x%04X: %s%s\n", code, LumTool::toUtf8(error.getMessage()).c_str(), note.c_str());
     return exitFailure;
 }
 
 int run(int argc, char** argv) {
-    const std::vector<lum::Command> commands{
-#define LUM_COMMAND(name) lum::make##name##Command(),
+    const std::vector<LumTool::Command> commands{
+#define LUM_COMMAND(name) LumTool::make##name##Command(),
 #include "Commands.inc"
 #undef LUM_COMMAND
     };
     try {
-        if (lum::runCommandLine(argc, argv, commands)) lum::flushOutput();
-    } catch (const lum::UsageError&) {
+        if (LumTool::runCommandLine(argc, argv, commands)) LumTool::flushOutput();
+    } catch (const LumTool::UsageError&) {
         return exitUsage;  // already reported by runCommandLine()
-    } catch (const lum::ExplainedError& error) {
-        lum::flushOutputQuietly();
+    } catch (const LumTool::ExplainedError& error) {
+        LumTool::flushOutputQuietly();
         return report(error.error, error.reason);
     } catch (const LumCommon::LumError& error) {
-        lum::flushOutputQuietly();
+        LumTool::flushOutputQuietly();
         return report(error);
     } catch (const std::bad_alloc&) {
         throw;
