@@ -403,6 +403,8 @@ def check_failures():
          b'there is no command "evnts"; did you mean "events"?\nRun with --help for more information.\n'),
         ("the nearest command of a group", ["zip", "lst"], 2,
          b'there is no command "zip lst"; did you mean "zip list"?\nRun with --help for more information.\n'),
+        ("a file in place of a group's command", ["zip", "doc.xml"], 2,
+         b'there is no command "zip doc.xml", but zip list and zip cat\nRun with --help for more information.\n'),
         ("a command that is far from all", ["--untrusted", "zzzzzz"], 2,
          b'there is no command "zzzzzz"\nRun with --help for more information.\n'),
         ("feature out of range", ["events", "--feature", "8", "doc.xml"], 2, None),

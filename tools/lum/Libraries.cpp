@@ -141,8 +141,14 @@ void checkCommands(int argc, char** argv, const std::vector<Command>& commands) 
         const Command& nearest = *std::ranges::min_element(*known, {}, distance);
         if (nearest.name != word) {
             const bool isNear = 2 * distance(nearest) <= nearest.name.size() + 1;
-            throw UsageError("there is no command \"" + group + word + "\"" +
-                             (isNear ? "; did you mean \"" + group + nearest.name + "\"?" : ""));
+            std::string message = "there is no command \"" + group + word + "\"";
+            if (isNear) {
+                message += "; did you mean \"" + group + nearest.name + "\"?";
+            } else if (!group.empty()) {
+                for (const Command& other : *known)
+                    message += (&other == known->data() ? ", but " : " and ") + group + other.name;
+            }
+            throw UsageError(message);
         }
         known = &nearest.commands;
         group += word + " ";
