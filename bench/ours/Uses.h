@@ -102,26 +102,32 @@ private:
     const Input& input_;
 };
 
-/// A loaded document, of which Visit sees each element, found by an iterator.
-template <class Visit>
-class VisitElements {
+class LoadedDocument {
 public:
-    explicit VisitElements(const Input& input) : document_(new lum::LumDocument) {
+    explicit LoadedDocument(const Input& input) : document_(new lum::LumDocument) {
         MemoryInput in(input.bytes);
         document_->load(in);
     }
+    const lum::LumDocument& get() const { return *document_; }
+
+private:
+    lum::LumPtr<lum::LumDocument> document_;
+};
+
+/// A loaded document, of which Visit sees each element, found by an iterator.
+template <class Visit>
+class VisitElements : LoadedDocument {
+public:
+    using LoadedDocument::LoadedDocument;
     std::size_t operator()() const {
         std::size_t elements = 0;
-        for (lum::LumNodeIterator it = document_->getIterator(); it.getCurrentNode(); it.nextNode()) {
+        for (lum::LumNodeIterator it = get().getIterator(); it.getCurrentNode(); it.nextNode()) {
             if (!it.getCurrentNode()->isElementNode()) continue;
             ++elements;
             Visit()(*static_cast<const lum::LumElement*>(it.getCurrentNode()));
         }
         return elements;
     }
-
-private:
-    lum::LumPtr<lum::LumDocument> document_;
 };
 
 struct Nothing {
@@ -147,20 +153,14 @@ struct GetLocalName {
 
 /// A loaded document, all nodes of which Way meets.
 template <class Way>
-class MeetNodes {
+class MeetNodes : LoadedDocument {
 public:
-    explicit MeetNodes(const Input& input) : document_(new lum::LumDocument) {
-        MemoryInput in(input.bytes);
-        document_->load(in);
-    }
+    using LoadedDocument::LoadedDocument;
     std::size_t operator()() const {
         std::size_t elements = 0;
-        Way()(*document_, [&](const lum::LumNode& node) { elements += node.isElementNode(); });
+        Way()(get(), [&](const lum::LumNode& node) { elements += node.isElementNode(); });
         return elements;
     }
-
-private:
-    lum::LumPtr<lum::LumDocument> document_;
 };
 
 struct ByIterator {

@@ -147,7 +147,7 @@ void XmlParserImpl::readDocType() {
 bool XmlParserImpl::readDeclaration() {
     const Declaration declaration = parts_.markup.readDeclaration();
     if (declaration == Declaration::DocType) readDocType();
-    const bool isTopLevelSection = parts_.event.type == CDSECT && getDepth() == 0;
+    const bool isTopLevelSection = declaration == Declaration::Section && getDepth() == 0;
     if (isTopLevelSection && !parts_.policy.forgivesStructure()) parts_.markup.reportTopLevel('<');
     return declaration != Declaration::Passed;
 }
@@ -194,10 +194,13 @@ LumXmlParser::EventType XmlParserImpl::readEvent(bool isTextPending) {
         }
         if (parts_.event.type == END_TAG) {
             tags_.closeElement();
-        } else if (parts_.event.type == START_DOCUMENT && startDocument() != START_DOCUMENT) {
+        }
+        const bool isFirst = parts_.event.type == START_DOCUMENT;
+        if (isFirst && startDocument() != START_DOCUMENT) return parts_.event.type;
+        if (readToken(isTextPending)) {
+            if (isFirst) parts_.inputs.unleash();
             return parts_.event.type;
         }
-        if (readToken(isTextPending)) return parts_.event.type;
     }
     if (getDepth() > 0 && !isCutOff_) parts_.errors.report(XmlError::MissingEndTag);
     const bool isEmpty = !tags_.isRootSeen() && !isCutOff_ && parts_.event.type != END_DOCUMENT;

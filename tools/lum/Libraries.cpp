@@ -145,8 +145,9 @@ void checkCommands(int argc, char** argv, const std::vector<Command>& commands) 
             if (isNear) {
                 message += "; did you mean \"" + group + nearest.name + "\"?";
             } else if (!group.empty()) {
-                for (const Command& other : *known)
-                    message += (&other == known->data() ? ", but " : " and ") + group + other.name;
+                for (const char* before = ", but "; const Command& other : *known) {
+                    message += std::exchange(before, " and ") + group + other.name;
+                }
             }
             throw UsageError(message);
         }

@@ -179,7 +179,7 @@ public:
 
     /// The input being read, whatever replacement texts lie on it; null when none is open.
     XmlInput* current() const noexcept;
-    /// No XML declaration can come any more in the input that is read.
+    /// No XML declaration can come any more in the stream that is read.
     void unleash() noexcept {
         if (topStream_) topStream_->unleash();
     }

@@ -91,6 +91,18 @@ void MarkupReader::reportTopLevel(std::int32_t c) {
 }
 
 MarkupReader::Declaration MarkupReader::readDeclaration() {
+    const Declaration declaration = readDeclarationStart();
+    if (declaration == Declaration::Passed) return declaration;
+    inputs_.unleash();
+    if (declaration == Declaration::Section) {
+        readCData();
+    } else if (declaration == Declaration::Comment) {
+        readComment();
+    }
+    return declaration;
+}
+
+MarkupReader::Declaration MarkupReader::readDeclarationStart() {
     event_.next = TokenKind::Unknown;
     std::int32_t c = inputs_.readChar();
     if (c == '[') {
@@ -104,9 +116,7 @@ MarkupReader::Declaration MarkupReader::readDeclaration() {
             inputs_.unreadChar(c);
             errors_.report(XmlError::CDataSyntax);
         }
-        inputs_.unleash();
-        readCData();
-        return Declaration::Event;
+        return Declaration::Section;
     }
     if (c == '-') {
         c = inputs_.readChar();
@@ -114,16 +124,11 @@ MarkupReader::Declaration MarkupReader::readDeclaration() {
             inputs_.unreadChar(c);
             errors_.report(XmlError::CommentSyntax);
         }
-        inputs_.unleash();
-        readComment();
-        return Declaration::Event;
+        return Declaration::Comment;
     }
     inputs_.unreadChar(c);
     const LumName name = names_.readNCName();
-    if (name == NAME_DOCTYPE) {
-        inputs_.unleash();
-        return Declaration::DocType;
-    }
+    if (name == NAME_DOCTYPE) return Declaration::DocType;
     errors_.report(XmlError::MarkupDecl, name.getString());
     return Declaration::Passed;
 }

@@ -56,7 +56,8 @@ public:
     /// What stands after "<!".
     enum class Declaration : int {
         Passed,   ///< read, and makes no event
-        Event,    ///< read
+        Comment,  ///< read
+        Section,  ///< of CDATA; read
         DocType,  ///< only "DOCTYPE" has been read
     };
     Declaration readDeclaration();
@@ -65,6 +66,7 @@ private:
     TokenKind lookAheadSlow();
     // Text that does not lie in the window as one run, or follows other text; up to `plainEnd` it is known to be text.
     void readJoinedText(const char16_t* plainEnd);
+    Declaration readDeclarationStart();
     void readCData();
     void skipSection();  // other than CDATA
     void readInstruction(const UnicodeString& target);

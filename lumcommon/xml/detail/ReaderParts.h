@@ -79,7 +79,7 @@ struct ReaderParts {
         declarations.detectEncoding(input);
         const TokenKind first = markup.lookAhead();
         if (first == TokenKind::Instruction) markup.readInstruction();
-        if (first != TokenKind::Declaration) input.unleash();  // what is none leaves room for an XML declaration
+        if (first != TokenKind::Declaration) input.unleash();  // passed over, it may precede an XML declaration
     }
 
 private:
